@@ -1,0 +1,62 @@
+// A local market that speaks the relay's wire protocol and the cloud's sign-in REST, on loopback only.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Clock.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// Recorded trades to play as one symbol's market.
+struct TapeOptions {
+    std::filesystem::path file;  ///< CSV or .csv.gz with at least a timestamp and a price column
+    std::string symbol;          ///< futures root or stock symbol that the tape is
+};
+
+struct PracticeRelayOptions {
+    std::uint64_t seed = 1;
+    double tokenLife = 3600;  ///< real seconds that an identity token lives
+    int relayPort = 0;        ///< 0 takes a free port
+    int restPort = 0;
+    std::optional<TapeOptions> tape;
+};
+
+/// Runs on threads of its own from `start` until destruction. Everything may be called from any thread.
+class PracticeRelay {
+  public:
+    /// `clock` gives market time (and its speed); it must outlive the relay.
+    PracticeRelay(const Clock& clock, PracticeRelayOptions options);
+    ~PracticeRelay();
+
+    /// Opens the ports. Nothing on success, else what failed (a port in use, an unreadable tape).
+    std::optional<std::string> start();
+
+    std::string relayUrl() const;  ///< "ws://127.0.0.1:PORT/"
+    std::string restUrl() const;   ///< "http://127.0.0.1:PORT", for every REST endpoint
+    std::string apiKey() const;    ///< the 39-character key that the REST side accepts
+
+    /// The practice account.
+    std::string email() const;
+    std::string password() const;
+
+    /// Carries out one line such as a person types on standard input; answers "ok ..." or "error: ...". "help" lists
+    /// them: drop the socket, close with a code, mute pings, stall before "hello", malformed frames, a large snapshot,
+    /// refuse sign-in, expire tokens, delay.
+    std::string command(const std::string& line);
+
+    /// The relay's own closed and forming one-minute bars of "futures:CONTRACT", "stocks:SYM" or "indices:I:VIX" as
+    /// built from its trades up to now, history included.
+    std::vector<Candle> ledger(const std::string& channel) const;
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace vmr

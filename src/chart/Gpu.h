@@ -1,0 +1,50 @@
+// The whole graphics interface of the chart. Implemented over QRhi by the window and by a recorder in tests.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace vmr {
+
+/// The chart's shader programs. All blend source-alpha over one-minus-source-alpha at four samples a pixel.
+/// - flat: `ChartVertex` with 16 bytes of uniforms;
+/// - ribbon: `LineVertex` with 32 bytes; - marker: `MarkerVertex` with 32 bytes;
+/// - text: `TextVertex` with 16 bytes, sampling the glyph atlas.
+enum class Pipeline : std::uint8_t { flat, ribbon, marker, text };
+
+/// Quads are four vertices each (top left, bottom left, bottom right, top right), for text.
+enum class Primitive : std::uint8_t { triangles, lines, quads };
+
+/// Names a buffer; 0 is none.
+using GpuBuffer = std::uint32_t;
+
+/// Records one frame at a time. Main thread. Between `beginFrame` and `endFrame` the calls describe a frame, which the
+/// implementation draws afterwards, as often as it needs to.
+class Gpu {
+  public:
+    virtual ~Gpu() = default;
+
+    /// A retained buffer with these bytes, never changed again.
+    virtual GpuBuffer makeBuffer(std::span<const std::byte> bytes) = 0;
+
+    /// A buffer of `size` bytes that the frame writes through `arenaBytes`.
+    virtual GpuBuffer makeArena(std::size_t size) = 0;
+
+    /// Where an arena is written; valid until the arena is released.
+    virtual std::span<std::byte> arenaBytes(GpuBuffer arena) = 0;
+
+    /// Gives a buffer back. What frames already recorded (the current one included) refer to stays alive for them.
+    virtual void release(GpuBuffer buffer) = 0;
+
+    /// Starts a frame for a view of `width` x `height` points at `pixelRatio` device pixels a point.
+    virtual void beginFrame(double width, double height, double pixelRatio) = 0;
+    virtual void setPipeline(Pipeline pipeline) = 0;
+    /// 4 floats (flat, text) or 8 floats (ribbon, marker); copied.
+    virtual void setUniforms(std::span<const float> values) = 0;
+    /// Draws `vertexCount` vertices that begin `byteOffset` bytes into `buffer`, with the pipeline and uniforms set last.
+    virtual void draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset, std::size_t vertexCount) = 0;
+    virtual void endFrame() = 0;
+};
+
+}  // namespace vmr
