@@ -1,0 +1,40 @@
+#include "market/Coerce.h"
+
+#include "base/CheckedInt.h"
+#include "base/NumberText.h"
+
+namespace vmr::coerce {
+
+std::optional<double> dbl(JsonView value) {
+    if (value.isNumber()) return value.number();
+    if (value.isString()) return parseDouble(value.string());
+    if (value.kind() == JsonView::Kind::boolean) return value.boolean() ? 1.0 : 0.0;
+    return std::nullopt;
+}
+
+std::optional<std::int64_t> intv(JsonView value) {
+    switch (value.kind()) {
+        case JsonView::Kind::integer: return value.integer();
+        case JsonView::Kind::unsignedInteger:
+        case JsonView::Kind::floating: return checkedInt(value.number(), "an integer of the feed");
+        case JsonView::Kind::boolean: return value.boolean() ? 1 : 0;
+        case JsonView::Kind::string: return parseInt(value.string());
+        default: return std::nullopt;
+    }
+}
+
+std::int64_t intVal(JsonView value) { return intv(value).value_or(0); }
+
+std::optional<std::int64_t> minuteInt(JsonView value) {
+    const auto number = dbl(value);
+    if (!number) return std::nullopt;
+    return checkedInt(*number, "a minute of the feed");
+}
+
+bool boolean(JsonView value) {
+    if (value.kind() == JsonView::Kind::boolean) return value.boolean();
+    const auto number = dbl(value);
+    return number && *number != 0;
+}
+
+}  // namespace vmr::coerce
