@@ -1,0 +1,246 @@
+// The state of one chart pane: its connection, its channels and every series that it shows.
+#pragma once
+
+#include <any>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <limits>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/Clock.h"
+#include "base/Preferences.h"
+#include "base/SerialQueue.h"
+#include "base/Signal.h"
+#include "base/Uuid.h"
+#include "market/Records.h"
+#include "market/SessionTime.h"
+#include "model/Instruments.h"
+#include "services/FirebaseRESTAuth.h"
+#include "services/RelayClient.h"
+#include "store/GexConfig.h"
+#include "store/PaneState.h"
+
+namespace vmr {
+
+/// One line of the pane's log; `time` is market time in seconds.
+struct LogLine {
+    Uuid id;
+    double time = 0;
+    std::string text;
+};
+
+/// A short notice over the chart.
+struct ToastMsg {
+    std::string title;
+    std::optional<std::string> detail;
+    bool operator==(const ToastMsg&) const = default;
+};
+
+/// What a pane is given; everything outlives it.
+struct PaneSurroundings {
+    const Clock& clock;
+    MainLoop& main;
+    Preferences& preferences;
+    FirebaseRESTAuth& auth;  ///< the process's one session
+    SessionTime& session;    ///< the main thread's
+    UuidSource& ids;
+    std::function<std::unique_ptr<RelayClient>()> makeRelay;
+    std::function<void(const std::string& line)> print;  ///< one whole line to standard output
+};
+
+/// One per pane. Main thread only. Observable fields tell when they change; everything else is read when `chartVersion`
+/// or one of them says so. Delayed work ends silently when the model is gone.
+class AppModel {
+  public:
+    static constexpr std::size_t maxLogLines = 500;
+    static constexpr int maxLive = 4;
+
+    /// Loads the settings and, with a stored session, starts to connect. `restore` is the pane to open on first connect.
+    explicit AppModel(PaneSurroundings surroundings, std::optional<PaneState> restore = std::nullopt);
+    ~AppModel();
+    AppModel(const AppModel&) = delete;
+    AppModel& operator=(const AppModel&) = delete;
+
+    // Session and connection ------------------------------------------------------------------------------------------
+    Observable<bool> isSignedIn{false};
+    Observable<bool> signingIn{false};
+    Observable<std::optional<std::string>> authError;  ///< text for the sign-in form
+    Observable<std::string> userEmail;
+    Observable<bool> connected{false};  ///< the relay said "hello" and the socket stands
+    Observable<std::string> status{std::string("Not connected")};
+    Observable<bool> connLimited{false};  ///< the relay refused this socket: too many connections
+
+    /// Signs in and connects; `done` (may be empty) gets whether it worked, after the fields have changed.
+    void signIn(const std::string& email, const std::string& password, bool remember,
+                std::function<void(bool)> done = {});
+    /// Disconnects and forgets the session; the chart and its data stay.
+    void signOut();
+    /// Ends the pane: timers, connection and its place in `liveCount`. Safe to call twice.
+    void shutdown();
+    /// Pane models that are live in the process; at most `maxLive` are to be made.
+    static int liveCount();
+
+    // Chart -----------------------------------------------------------------------------------------------------------
+    Observable<std::string> chartChannel;   ///< "futures:NQM6" or "stocks:AAPL"; empty before the first chart
+    Observable<std::string> levelsChannel;  ///< "derived:QQQ"; empty for none
+    std::vector<std::string> subscribedChans;
+    std::string simRoot;  ///< futures root of the chart, the simulator's symbol; empty for stocks
+    std::string srChannel, bubblesChannel, trianglesChannel, oscChannel, hfHistoryChannel;
+    std::string secondaryChannel, secondaryContract, secondSymbol, secondaryGexChannel;
+    Observable<std::string> oscPrimaryLabel{std::string("NQ")};
+    Observable<bool> oscSingle{false};
+    double hfScale = 0.0000002;  ///< scale of HF flows to the price axis for this pane's source
+
+    /// The only place that changes channels. Blank `candles` does nothing.
+    void openChart(std::string_view candles, std::string_view levels);
+    void reloadChart();
+    /// Stores the symbol as the last one and opens its chart; an unknown one changes nothing else.
+    void switchSymbol(const std::string& sym);
+    /// The symbol of the chart: a stock's, else the futures root; empty for neither.
+    std::string currentSymbol() const;
+    /// Session start as hhmm: 930 for stocks, else the setting.
+    int sessionHHMM() const;
+    bool isStock() const;
+    std::string vixBaseChannel() const;
+    std::string vixChannel() const;
+
+    // Bars ------------------------------------------------------------------------------------------------------------
+    std::vector<Candle> candles;           ///< one-minute bars, strictly ascending, at most 5000
+    std::vector<Candle> secondaryCandles;  ///< the same of the paired instrument
+    std::vector<Candle> vixCandles;
+    Observable<std::vector<Candle>> displayCandles;  ///< `candles` at `timeframe`
+    Observable<int> timeframe{1};                    ///< minutes a display bar
+    Observable<bool> priceRising{true};
+    std::uint64_t chartVersion = 0;  ///< raised after each display rebuild
+    Signal<> chartVersionChanged;
+
+    /// A trade of the chart; `tsMs` in milliseconds since 1970 (`fatal` outside 64 bits).
+    void applyTrade(double price, double tsMs);
+    void applySecondaryTrade(double price, double tsMs);
+    /// Appends a flat bar when a new open minute has begun.
+    void rollForwardBarIfNeeded();
+    void rebuildDisplay();
+    void setTimeframe(std::int64_t minutes);
+
+    // Catalog ---------------------------------------------------------------------------------------------------------
+    Observable<std::vector<CatalogFut>> catFutures;
+    Observable<std::vector<std::string>> catStocks;
+    Observable<std::map<std::string, std::string>> contractOverrides;  ///< root to front contract, as the server says
+    /// HF scales by symbol from the catalog, shared by all panes.
+    static std::map<std::string, double>& hfScaleOverrides();
+
+    /// Symbols and their default options source, for the symbol menu.
+    std::vector<std::pair<std::string, std::string>> futuresList() const;
+    std::vector<std::string> stockList() const;
+    std::optional<std::string> pairFor(const std::string& root) const;
+    std::optional<std::string> effectiveContract(const std::string& sym) const;
+    std::optional<std::string> indexSourceFor(const std::string& sym) const;
+    std::optional<std::string> defaultSourceFor(const std::string& sym) const;
+
+    // Derived data ----------------------------------------------------------------------------------------------------
+    std::map<std::string, Json> derivedFields;        ///< aggregate fields as patched by the feed
+    std::map<std::string, Json> secondaryGexFields;   ///< the same of the second source
+
+    // Settings, log and notices ---------------------------------------------------------------------------------------
+    Observable<GexConfig> config;
+    /// The one way to change settings: saves and applies what differs.
+    void setConfig(const GexConfig& changed);
+
+    std::deque<LogLine> logLines;  ///< oldest first, at most `maxLogLines`
+    Signal<> logChanged;
+    void append(const std::string& text);
+
+    Observable<std::optional<ToastMsg>> toast;
+    Observable<bool> marketClosedNotice{false};
+    void flashToast(const std::string& title, std::optional<std::string> detail = std::nullopt);
+    void flashMarketClosedNotice();
+
+    Observable<bool> configPanelOpen{false}, accountPanelOpen{false}, templatesPanelOpen{false}, simPanelOpen{false};
+
+    const Clock& clock() const { return at_.clock; }
+
+    /// Routes one channel message; called by the relay's callback and by tests.
+    void onChannelMessage(const ChannelMessage& message, const std::string& type);
+
+    /// What the relay's queue makes of a payload before the main thread sees it: the bars of a candle channel, cut to
+    /// the newest that a series keeps, and the brief form of a large payload. Pure; any thread.
+    static std::any prepare(const std::string& channel, JsonView payload);
+
+  private:
+
+    // Lifecycle (AppModel.cpp)
+    void connectRelay();
+    void startStoredSession();
+    TokenProvider tokenProvider();
+    void onConnected();
+    void openFirstChart();
+    // Chart opening (ChartOpening.cpp)
+    void clearChartData();
+    std::vector<std::string> buildChannelList(const std::string& candles, const std::string& levels);
+    void rememberChannelNames();
+    // Routing (Routing.cpp)
+    bool routeHot(const ChannelMessage& message);
+    bool routeSeries(const ChannelMessage& message);
+    bool routeDerived(const ChannelMessage& message);
+    void mergeChartBars(const ChannelMessage& message);
+    // Bars (LiveBars.cpp)
+    enum class TradeEffect { none, tooOld, edited, appended };
+    TradeEffect applyToSeries(std::vector<Candle>& series, double price, double tsMs);
+    void scheduleDisplayRebuild();
+    void startBarRollTimer();
+    // Catalog (Catalog.cpp)
+    void applyCatalog(JsonView catalog);
+    void applyContracts(JsonView map);
+    // Places whose work is not written yet (Unwritten.cpp)
+    void scheduleOverlays();
+    void scheduleOscRebuild();
+    void rebuildSRLines();
+    void rebuildSRLinesIfBarChanged();
+    void updateExpirations();
+    void reparseDerived();
+    void rebuild3D(bool force);
+    void updateHfpTimer();
+    void autoApplyPreferredTemplate();
+    void takeHfHistory(JsonView payload);
+    void takeSupportResistance(JsonView payload);
+    void takeBubbles(JsonView payload);
+    void takeTriangles(JsonView payload);
+    void takeOscillator(JsonView payload);
+    void takeSecondaryGex();
+    void tellPresence();
+    void stopPresence();
+    void simOnTrade(double price);
+    void simOnQuote(double bid, double ask);
+    void simSeedLast(double price);
+    void simUpdateSpecs();
+    void simTakeCommission();
+
+    PaneSurroundings at_;
+    std::unique_ptr<RelayClient> relay_;
+    std::shared_ptr<int> alive_;  // expires with the model; delayed work holds it weakly
+    std::optional<PaneState> restorePane_;
+    bool counted_ = false;
+    double lastSeenClose_ = std::numeric_limits<double>::quiet_NaN();
+    bool displayRebuildScheduled_ = false;
+    SerialQueue::TimerId barRollTimer_ = SerialQueue::noTimer;
+    int toastGen_ = 0;
+    int marketClosedGen_ = 0;
+    // channel names that every message is compared with, made once per chart
+    std::string tradesName_, quoteName_, minuteName_, secondaryTradesName_, secondaryMinuteName_;
+};
+
+/// `candles` at `tf` minutes a bar: buckets are multiples of `tf` minutes since 1970, missing minutes make no bar, and
+/// the last bar is the forming one. A `tf` below 2 gives `candles` as they are. Writes into `out`, reusing its memory.
+void aggregate(const std::vector<Candle>& candles, int tf, std::vector<Candle>& out);
+
+/// The form in which a payload stands in the log: "{ a, b, … }", "[3 items]", or the value cut to 80 characters.
+std::string briefForm(JsonView payload);
+
+}  // namespace vmr

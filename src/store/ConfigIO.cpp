@@ -1,0 +1,23 @@
+#include "store/ConfigIO.h"
+
+namespace vmr::ConfigIO {
+
+bool suppressSave = false;
+
+GexConfig load(const Preferences& preferences) {
+    const auto stored = preferences.get(configKey);
+    if (!stored) return {};
+    return GexConfig::fromJson(*stored).value_or(GexConfig());
+}
+
+void save(Preferences& preferences, const GexConfig& config) {
+    if (!suppressSave) preferences.set(configKey, config.toJson());
+}
+
+void reset(Preferences& preferences) {
+    preferences.remove(configKey);
+    preferences.remove(lastSymbolKey);
+    preferences.remove(timeframeKey);
+}
+
+}  // namespace vmr::ConfigIO
