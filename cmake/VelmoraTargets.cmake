@@ -19,6 +19,9 @@ add_library(vmr_options INTERFACE)
 target_include_directories(vmr_options INTERFACE "${CMAKE_SOURCE_DIR}/src" "${CMAKE_SOURCE_DIR}")
 target_compile_options(vmr_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(vmr_options INTERFACE -Wno-restrict)  # GCC 12 warns falsely on string concatenation
+endif()
 if(VMR_SANITIZE)
   target_compile_options(vmr_options INTERFACE -fsanitize=${VMR_SANITIZE} -fno-omit-frame-pointer -g1)
   target_link_options(vmr_options INTERFACE -fsanitize=${VMR_SANITIZE})

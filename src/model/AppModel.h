@@ -240,7 +240,4 @@ class AppModel {
 /// the last bar is the forming one. A `tf` below 2 gives `candles` as they are. Writes into `out`, reusing its memory.
 void aggregate(const std::vector<Candle>& candles, int tf, std::vector<Candle>& out);
 
-/// The form in which a payload stands in the log: "{ a, b, … }", "[3 items]", or the value cut to 80 characters.
-std::string briefForm(JsonView payload);
-
 }  // namespace vmr

@@ -1,0 +1,104 @@
+// The server's instrument catalog and contract map, and what they change.
+#include <algorithm>
+
+#include "market/Coerce.h"
+#include "model/AppModel.h"
+
+namespace vmr {
+
+namespace {
+std::optional<CatalogFut> readFuture(JsonView entry) {
+    if (!entry["sym"].isString()) return std::nullopt;
+    CatalogFut fut;
+    fut.sym = entry["sym"].string();
+    for (const JsonView source : entry["sources"].items())
+        if (source.isString()) fut.sources.emplace_back(source.string());
+    if (const JsonView source = entry["defaultSource"]; source.isString())
+        fut.defaultSource = source.string();
+    else
+        fut.defaultSource = fut.sources.empty() ? fut.sym : fut.sources.front();
+    if (const JsonView pair = entry["pair"]; pair.isString()) fut.pair = std::string(pair.string());
+    fut.tick = coerce::dbl(entry["tick"]).value_or(fut.tick);
+    fut.tickValue = coerce::dbl(entry["tickValue"]).value_or(fut.tickValue);
+    fut.hfScale = coerce::dbl(entry["hfScale"]).value_or(fut.hfScale);
+    return fut;
+}
+
+const CatalogFut* find(const std::vector<CatalogFut>& futures, const std::string& sym) {
+    const auto found = std::find_if(futures.begin(), futures.end(), [&](const CatalogFut& f) { return f.sym == sym; });
+    return found == futures.end() ? nullptr : &*found;
+}
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> AppModel::futuresList() const {
+    std::vector<std::pair<std::string, std::string>> list;
+    if (catFutures->empty())
+        for (const auto& row : builtInInstruments) list.emplace_back(row.sym, row.etf);
+    for (const auto& fut : catFutures.get()) list.emplace_back(fut.sym, fut.defaultSource);
+    return list;
+}
+
+std::vector<std::string> AppModel::stockList() const {
+    if (!catStocks->empty()) return catStocks;
+    return {builtInStocks.begin(), builtInStocks.end()};
+}
+
+std::optional<std::string> AppModel::pairFor(const std::string& root) const {
+    if (const CatalogFut* fut = find(catFutures, root)) return fut->pair;
+    if (const auto pair = pairedInstrument(root)) return pair->sym;
+    return std::nullopt;
+}
+
+std::optional<std::string> AppModel::effectiveContract(const std::string& sym) const {
+    if (const auto set = contractOverrides->find(sym); set != contractOverrides->end()) return set->second;
+    if (const BuiltInFuture* row = builtInFuture(sym)) return std::string(row->contract);
+    if (find(catFutures, sym)) return sym;
+    return std::nullopt;
+}
+
+std::optional<std::string> AppModel::indexSourceFor(const std::string& sym) const {
+    if (const CatalogFut* fut = find(catFutures, sym); fut && fut->sources.size() >= 2) return fut->sources[1];
+    return builtInIndexSource(sym);
+}
+
+std::optional<std::string> AppModel::defaultSourceFor(const std::string& sym) const {
+    if (const CatalogFut* fut = find(catFutures, sym)) return fut->defaultSource;
+    if (const BuiltInFuture* row = builtInFuture(sym)) return std::string(row->etf);
+    return std::nullopt;
+}
+
+void AppModel::applyCatalog(JsonView catalog) {
+    std::vector<CatalogFut> futures;
+    for (const JsonView entry : catalog["futures"].items())
+        if (auto fut = readFuture(entry)) futures.push_back(std::move(*fut));
+    std::vector<std::string> stocks;
+    auto& overrides = hfScaleOverrides();
+    for (const auto& fut : futures) overrides[fut.sym] = fut.hfScale;
+    for (const JsonView entry : catalog["stocks"].items()) {
+        const std::string_view sym = entry["sym"].string();
+        if (sym.empty()) continue;
+        stocks.emplace_back(sym);
+        if (const auto scale = coerce::dbl(entry["hfScale"])) overrides[std::string(sym)] = *scale;
+    }
+    if (!futures.empty()) catFutures = std::move(futures);
+    if (!stocks.empty()) catStocks = std::move(stocks);
+    simUpdateSpecs();
+}
+
+void AppModel::applyContracts(JsonView map) {
+    std::map<std::string, std::string> changed;
+    for (const auto& [root, contract] : map.members()) changed.emplace(root, contract.string());
+    const std::map<std::string, std::string> old = contractOverrides;
+    contractOverrides = std::move(changed);
+
+    const std::string sym = currentSymbol();
+    if (sym.empty() || isBuiltInStock(sym)) return;
+    const auto contract = contractOverrides->find(sym);
+    if (contract == contractOverrides->end()) return;
+    if (const auto before = old.find(sym); before != old.end() && before->second == contract->second) return;
+    if (chartChannel->ends_with(contract->second)) return;
+    append("→ contract roll: " + sym + " → " + contract->second);
+    switchSymbol(sym);
+}
+
+}  // namespace vmr
