@@ -52,7 +52,8 @@ struct PaneSurroundings {
     SessionTime& session;    ///< the main thread's
     UuidSource& ids;
     std::function<std::unique_ptr<RelayClient>()> makeRelay;
-    std::function<void(const std::string& line)> print;  ///< one whole line to standard output
+    std::function<void(const std::string& line)> print;         ///< one whole line to standard output
+    std::function<void(const std::string& line)> printMessage;  ///< also for each logged message; may be empty
 };
 
 /// One per pane. Main thread only. Observable fields tell when they change; everything else is read when `chartVersion`
@@ -101,6 +102,8 @@ class AppModel {
     /// The only place that changes channels. Blank `candles` does nothing.
     void openChart(std::string_view candles, std::string_view levels);
     void reloadChart();
+    /// The symbol to open on first connect instead of the stored one. Before that.
+    void setFirstSymbol(const std::string& sym) { restorePane_ = PaneState{sym, 0, ""}; }
     /// Stores the symbol as the last one and opens its chart; an unknown one changes nothing else.
     void switchSymbol(const std::string& sym);
     /// The symbol of the chart: a stock's, else the futures root; empty for neither.

@@ -72,7 +72,10 @@ void AppModel::onChannelMessage(const ChannelMessage& message, const std::string
     if (routeHot(message) || routeSeries(message) || routeDerived(message)) return;
     const auto* prepared = std::any_cast<Prepared>(&message.prepared);
     const bool briefIsMade = prepared && !prepared->brief.empty();
-    append(message.channel + " [" + type + "] → " + (briefIsMade ? prepared->brief : briefForm(message.payload)));
+    const std::string line =
+        message.channel + " [" + type + "] → " + (briefIsMade ? prepared->brief : briefForm(message.payload));
+    if (at_.printMessage) at_.printMessage("[app] " + line);
+    append(line);
 }
 
 // Trades, the meta channels and quotes; true when the message has been dealt with.
