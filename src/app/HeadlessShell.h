@@ -1,0 +1,11 @@
+// The program without a window: log lines out, commands in.
+#pragma once
+
+#include "app/Program.h"
+
+namespace vmr {
+
+/// Runs until "quit", `--seconds` or a polite request to end; gives the exit status.
+int runHeadless(ProgramStart& start);
+
+}  // namespace vmr

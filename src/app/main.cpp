@@ -1,0 +1,53 @@
+// Process start.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "app/HeadlessShell.h"
+#include "app/Options.h"
+#include "app/Program.h"
+#include "model/BarRollSelfTest.h"
+#ifdef VMR_WITH_QT
+#include "app/WindowProgram.h"
+#endif
+
+namespace {
+
+std::optional<std::string> environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+int selfTest() {
+    const vmr::BarRollResult result = vmr::runBarRollSelfTest();
+    std::printf("[barroll-test] %s\n  %s\n", result.ok ? "PASS" : "FAIL", result.summary.c_str());
+    return result.ok ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    if (environment("VMR_BARROLL_TEST")) return selfTest();
+
+    auto parsed = vmr::parseOptions({argv + 1, argv + argc}, environment);
+    if (const auto* problem = std::get_if<std::string>(&parsed)) {
+        std::fprintf(stderr, "velmora: %s\nvelmora --help lists the options.\n", problem->c_str());
+        return 2;
+    }
+    const auto& options = std::get<vmr::Options>(parsed);
+    if (options.help) {
+        std::fputs(vmr::usageText().c_str(), stdout);
+        return 0;
+    }
+    vmr::ProgramStart start(options);
+    if (start.failure()) {
+        std::fprintf(stderr, "velmora: %s\n", start.failure()->c_str());
+        return 1;
+    }
+#ifdef VMR_WITH_QT
+    if (!options.headless) return vmr::runWindowProgram(start, argc, argv);
+#endif
+    return vmr::runHeadless(start);
+}
