@@ -1,0 +1,66 @@
+// The chart's axes: prices at the right, times at the bottom, a faint grid, and the last price in its box.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "chart/AxisScale.h"
+#include "chart/Camera.h"
+#include "chart/ScreenLayer.h"
+#include "chart/TextLayer.h"
+#include "market/SessionTime.h"
+
+namespace vmr {
+
+/// Labels never touch each other, the view's edges or the last-price box; one that would fades out or is left away.
+/// Where half hours are too wide for the view the time axis names finer steps, and where bars lie on none of the steps
+/// (a stock seen from afar) it names days. Main thread.
+class AxisLayer final : public ScreenLayer {
+  public:
+    static constexpr double priceAxisWidth = Camera::priceAxisPadPx;  ///< points, at the right edge
+    static constexpr double timeAxisHeight = 22.0;                    ///< points, at the bottom edge
+
+    /// Both must outlive the layer. `session` is used on the main thread.
+    AxisLayer(GlyphSource& glyphs, SessionTime& session);
+
+    /// Minutes of a bar; 1 at the start. Shows in the next frame.
+    void setTimeframe(double minutes) { timeframe_ = minutes; }
+
+    void drawBelow(ScreenFrame& frame) override;
+    bool drawAbove(ScreenFrame& frame) override;
+
+  private:
+    struct TimeLabel {
+        AxisScale::Label label;
+        double x = 0;      ///< centre, points
+        double width = 0;  ///< points
+        bool date = false;
+    };
+    struct Box {
+        double top = 0, bottom = 0;
+        bool shown = false;
+    };
+    void findPriceTicks(const ScreenFrame& frame);
+    void findTimeTicks(const ScreenFrame& frame);
+    void findDays(const ScreenFrame& frame);
+    void nameTimeTicks(const ScreenFrame& frame, std::int64_t step);
+    void keepApart();
+    Box tagBox(const ScreenFrame& frame) const;
+    void addPriceLabels(const ScreenFrame& frame, const Box& box);
+    void addTimeLabels(const ScreenFrame& frame);
+    void addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color);
+    void rect(const ScreenFrame& frame, double x0, double y0, double x1, double y1, const Rgba& color);
+    void roundedBox(const ScreenFrame& frame, double x0, double x1, const Box& box, const Rgba& color);
+    void flush(ScreenFrame& frame);
+
+    SessionTime& session_;
+    TextLayer text_;
+    double timeframe_ = 1;
+    AxisScale::PriceTicks priceTicks_;
+    std::vector<std::size_t> timeTicks_;
+    std::vector<TimeLabel> timeLabels_;
+    std::vector<ChartVertex> shapes_;
+};
+
+}  // namespace vmr

@@ -1,0 +1,74 @@
+// Which bars and prices the chart shows, and how input, new data and a partner pane move that.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <span>
+
+#include "chart/Vertices.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// The point of data space that vertices are stored relative to. Prices near 21,000 lose 0.002 in 32-bit floats, and the
+/// offset of a zoomed-in view loses several tenths of a pixel; relative to a near bar and price neither is visible.
+struct DataOrigin {
+    double bar = 0;
+    double price = 0;
+    bool operator==(const DataOrigin&) const = default;
+};
+
+/// The camera of one chart. Data space: x in bars (bar i is centred at i), y in price. Counts `n` are of all bars held.
+/// Arguments that are not finite are ignored. Main thread.
+class Camera {
+  public:
+    static constexpr double priceAxisPadPx = 74.0;  ///< width of the price axis, points
+    static constexpr double defaultVisibleCount = 150.0;
+
+    double firstVisible = 0;    ///< bar at the left edge, fractional
+    double visibleCount = 120;  ///< bars across the view, fractional
+    bool followLive = true;     ///< the view rides the right end
+    bool autoY = true;          ///< the frame chooses the price range
+    double yMinManual = 0;      ///< the price range in every mode: at 95 % of the height ...
+    double yMaxManual = 1;      ///< ... and at 5 %
+    double priceLineFrac = std::numeric_limits<double>::quiet_NaN();  ///< finite: the last close stays there, from below
+    double lastViewW = 1400;    ///< width of the last frame, points
+    bool snapLerps = false;     ///< the camera moved in this frame
+
+    /// Share of the width that stays free right of the last bar.
+    double padFrac() const;
+    /// The greatest `firstVisible`: the last bar stops short of the right edge by the margin.
+    double rightEdgeFirst(std::size_t n) const;
+
+    /// The camera for a first list of bars.
+    void showFirstData(std::size_t n, double initialCandles);
+    /// After another list came: `dropped` bars went away at the front.
+    void followData(std::size_t n, std::size_t dropped, bool lastChanged);
+
+    bool pan(double byCandles, std::size_t n);   ///< these tell whether anything can have changed
+    bool zoom(double factor, std::size_t n);     ///< the right edge stays
+    bool zoomPrice(double factor);               ///< nothing while the price is pinned
+    bool panByPrice(double dyPixels, double viewHeight);
+    bool mirrorView(double first, double count, std::size_t n);
+    bool mirrorViewRel(double gapRight, double count, std::size_t n);
+    bool mirrorPrice(double minP, double maxP);
+    void setPriceLineFrac(double frac);  ///< finite turns `autoY` on; NaN ends the pin
+
+    /// Settles the price range on the bars in view and notes in `snapLerps` whether the camera moved since the frame
+    /// before. False, with nothing changed, when no bar is in view. `fatal` on a position that is not finite.
+    bool settle(std::span<const Candle> candles);
+
+    /// Data space relative to `origin` to clip space.
+    Uniforms uniforms(const DataOrigin& origin) const;
+    Viewport viewport() const { return {firstVisible, visibleCount, yMinManual, yMaxManual}; }
+
+  private:
+    void settleRange(double lo, double hi, double lastClose);
+    void place(double first, std::size_t n);
+    bool mirrorCount(double count, std::size_t n);
+
+    static constexpr double nan_ = std::numeric_limits<double>::quiet_NaN();
+    double lastFirst_ = nan_, lastCount_ = nan_, lastMin_ = nan_, lastMax_ = nan_;
+};
+
+}  // namespace vmr

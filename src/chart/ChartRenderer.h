@@ -1,0 +1,156 @@
+// Draws one chart: owns the bars it shows, their geometry on the GPU, the eased values and the camera.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "base/Clock.h"
+#include "chart/Camera.h"
+#include "chart/FrameArena.h"
+#include "chart/Gpu.h"
+#include "chart/RenderConfig.h"
+#include "chart/ScreenLayer.h"
+#include "chart/Vertices.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// The renderer of a pane. Main thread only, frames included.
+///
+/// Geometry in data space (x = bar, y = price) is built once and moved by uniforms alone, so a pan or zoom rebuilds
+/// nothing; only the forming bar and the price line are made anew in each frame. Vertices are stored relative to an
+/// origin near the last bar, which the uniforms fold back in (see `DataOrigin`).
+///
+/// The host draws on demand: `onNeedsDisplay` asks for a frame, and `drawFrame` tells whether one more is needed. Arenas
+/// go round in three, so the host must never read a frame's arena more than two frames later.
+class ChartRenderer {
+  public:
+    static constexpr double candleLerp = 0.3;   ///< easing of the forming close per frame of 60 Hz
+    static constexpr double lerpX = 0.25;       ///< of widths and x positions
+    static constexpr double lerpY = 0.2;        ///< of y positions
+    static constexpr double pixelSettle = 0.5;  ///< a distance at or under this snaps
+    static constexpr Rgba clearColor{0.04F, 0.04F, 0.04F, 1.0F};
+    static constexpr Rgba priceLineColor{1.0F, 1.0F, 1.0F, 0.38F};
+    static constexpr Rgba monoDownFill{1.0F, 1.0F, 1.0F, 0.4F};
+
+    using Post = std::function<void(std::function<void()>)>;
+
+    /// `gpu` and `clock` must outlive the renderer. `post` runs a task later on the main thread, never at once; it may
+    /// run tasks after the renderer is gone.
+    ChartRenderer(Gpu& gpu, const Clock& clock, Post post);
+    ~ChartRenderer();
+    ChartRenderer(const ChartRenderer&) = delete;
+    ChartRenderer& operator=(const ChartRenderer&) = delete;
+
+    /// Asks the host for a frame. May be called many times before one comes, never from inside a frame.
+    std::function<void()> onNeedsDisplay;
+
+    /// The camera of a frame in which it moved; posted, at most once a turn, with the newest values.
+    std::function<void(double first, double count, double minP, double maxP)> onViewport;
+
+    /// Called when `setInteracting` goes from true to false.
+    std::function<void()> onInteractionEnd;
+
+    /// The bars, ascending by time; copied. Compares only the ends of the lists: an edit deep in the history shows when
+    /// the next bar comes. Bars that went away at the front slide out without moving the picture.
+    void setCandles(std::span<const Candle> candles);
+    void setRenderConfig(const RenderConfig& config);
+
+    /// Draws `layer` in every frame after those added before; it must outlive the renderer's frames.
+    void addScreenLayer(ScreenLayer& layer) { screenLayers_.push_back(&layer); }
+
+    /// Records one frame for a view in points. `nowMonotonic` in seconds. True while something is still moving, so that
+    /// another frame is needed. Without bars, or in a view without area, the frame only clears.
+    bool drawFrame(double width, double height, double pixelRatio, double nowMonotonic);
+
+    // Input. Nothing happens without bars; arguments that are not finite are ignored.
+    void pan(double byCandles);     ///< positive shows later bars
+    void zoom(double factor);       ///< above 1 shows more bars; the right edge stays
+    void zoomPrice(double factor);  ///< above 1 shows more prices; ends the automatic range; nothing while pinned
+    void panByPrice(double dyPixels, double viewHeight);  ///< positive shows higher prices; while pinned moves the pin
+    // A partner pane's camera.
+    void mirrorView(double first, double count);
+    void mirrorViewRel(double gapRight, double count);
+    void mirrorPrice(double minP, double maxP);
+    /// Finite pins the last close at this share of the height from below; NaN ends it.
+    void setPriceLineFrac(double frac);
+    double priceLineFrac() const { return camera_.priceLineFrac; }
+    /// True hands the price range back to the renderer, as a double click does.
+    void setAutoY(bool on);
+    void setInteracting(bool on);
+    bool interacting() const { return interacting_; }
+
+    // What is shown.
+    const Camera& camera() const { return camera_; }
+    std::span<const Candle> candles() const { return candles_; }
+    double rightEdgeFirst() const { return camera_.rightEdgeFirst(candles_.size()); }
+    double dispClose() const { return dispClose_; }
+    double alphaX() const { return alphaX_; }
+    double alphaY() const { return alphaY_; }
+    double alphaClose() const { return alphaClose_; }
+    /// Milliseconds from the oldest input of the last frame to that frame; nothing when no input led to it.
+    std::optional<double> inputLagMs() const { return inputLagMs_; }
+
+    /// Start of the session of the last bar, in bars; 0 without bars.
+    std::size_t currentSessionStartIndex() const;
+    /// Session start as hhmm.
+    int sessionHHMM = 1800;
+
+  private:
+    struct Retained {
+        GpuBuffer buf = 0;
+        std::size_t n = 0;
+    };
+    /// What a frame makes anew.
+    struct Geometry {
+        std::optional<DynUpload> priceLine, formingTris, formingBorder, formingWicks;
+        Uniforms candleUniforms;
+        bool animating = false;
+    };
+    struct Delivery;
+
+    void needsDisplay();
+    void noteInput();
+    void stepTime(double now);
+    void rebuildCandleGeometry();
+    template <class Vertex>
+    void retain(Retained& retained, const std::vector<Vertex>& list);
+    bool buildGeometry(double viewW, double viewH, Geometry& geometry);
+    void buildFormingCandle(double viewH, Geometry& geometry);
+    void buildPriceLine(double viewW, Geometry& geometry);
+    bool easeClose();
+    bool drawChart(double width, double height, double pixelRatio);
+    void encodeLayers(const Geometry& geometry, double width, double height);
+    void drawDyn(Primitive primitive, const std::optional<DynUpload>& list);
+    void drawRetained(const Retained& retained);
+    void publishViewport();
+
+    Gpu& gpu_;
+    const Clock& clock_;
+    std::unique_ptr<Delivery> delivery_;
+    FrameArena arena_;
+    std::vector<ScreenLayer*> screenLayers_;
+    std::vector<Candle> candles_;
+    RenderConfig renderCfg_;
+    Camera camera_;
+    DataOrigin origin_;  ///< of the retained and of the frame's own geometry
+    Retained background_, candleTris_, candleWicks_, candleBorders_;
+    bool staticDirty_ = true;
+    bool interacting_ = false;
+    double dispClose_ = std::numeric_limits<double>::quiet_NaN();
+    double dispHigh_ = std::numeric_limits<double>::quiet_NaN();
+    double dispLow_ = std::numeric_limits<double>::quiet_NaN();
+    double alphaX_ = lerpX, alphaY_ = lerpY, alphaClose_ = candleLerp;
+    double lastAnimTime_ = 0;
+    std::optional<double> inputAt_, inputLagMs_;
+    std::vector<ChartVertex> flatScratch_;
+    std::vector<LineVertex> ribbonScratch_;
+};
+
+}  // namespace vmr

@@ -1,0 +1,35 @@
+#include "chart/FrameArena.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vmr {
+
+FrameArena::~FrameArena() {
+    for (const Arena& arena : arenas_) {
+        if (arena.buffer != 0) gpu_.release(arena.buffer);
+    }
+}
+
+void FrameArena::beginFrame() {
+    arenaIdx_ = (arenaIdx_ + 1) % arenas_.size();
+    arenaOffset_ = 0;
+}
+
+std::optional<DynUpload> FrameArena::copy(std::span<const std::byte> bytes, std::size_t count) {
+    if (bytes.empty()) return std::nullopt;
+    Arena& arena = arenas_[arenaIdx_];
+    const std::size_t offset = (arenaOffset_ + 255) & ~std::size_t{255};
+    const std::size_t need = offset + bytes.size();
+    if (arena.bytes.size() < need) {
+        // What this frame already drew from the old buffer stays alive in the frame, so nothing moves.
+        if (arena.buffer != 0) gpu_.release(arena.buffer);
+        arena.buffer = gpu_.makeArena(std::max<std::size_t>(need * 2, 65536));
+        arena.bytes = gpu_.arenaBytes(arena.buffer);
+    }
+    std::memcpy(arena.bytes.data() + offset, bytes.data(), bytes.size());
+    arenaOffset_ = need;
+    return DynUpload{arena.buffer, offset, count};
+}
+
+}  // namespace vmr

@@ -1,0 +1,36 @@
+// What is drawn in screen space around the chart's own layers: axes and the like.
+#pragma once
+
+#include <span>
+
+#include "chart/FrameArena.h"
+#include "chart/Gpu.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// The frame being recorded, its camera settled. Sizes in points.
+struct ScreenFrame {
+    Gpu& gpu;
+    FrameArena& arena;
+    double width = 0;
+    double height = 0;
+    double pixelRatio = 1;
+    Viewport viewport;
+    std::span<const Candle> candles;  ///< not empty
+    double lastPrice = 0;             ///< the eased close, where the price line lies
+    bool rising = true;               ///< the forming bar is up
+};
+
+/// A layer of the renderer's frame, drawn with the very camera that the candles have. It sets pipeline and uniforms of
+/// its own before it draws. Called in frames with bars only.
+class ScreenLayer {
+  public:
+    virtual ~ScreenLayer() = default;
+    /// Behind the chart's layers.
+    virtual void drawBelow(ScreenFrame&) {}
+    /// Over the chart's layers. Tells whether it needs another frame.
+    virtual bool drawAbove(ScreenFrame& frame) = 0;
+};
+
+}  // namespace vmr
