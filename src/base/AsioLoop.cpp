@@ -112,8 +112,9 @@ AsioLoop::AsioLoop() : impl_(std::make_shared<Impl>()) {}
 
 AsioLoop::~AsioLoop() {
     impl_->context.stop();
+    std::unordered_map<TimerId, std::shared_ptr<Impl::Timer>> ended;  // what a task holds may cancel timers as it goes
     std::lock_guard lock(impl_->mutex);
-    impl_->timers.clear();
+    ended.swap(impl_->timers);
 }
 
 void AsioLoop::post(Task task) {

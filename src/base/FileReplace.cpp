@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 #ifdef _WIN32
 #include <io.h>
@@ -95,7 +94,10 @@ std::optional<std::string> replaceFile(const fs::path& path, std::string_view by
 std::optional<std::string> readFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) return std::nullopt;
-    std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    // read() turns a failing device, or a folder under that name, into a bad stream; the iterators would throw
+    std::string bytes;
+    char part[16384];
+    while (file.read(part, sizeof part) || file.gcount() > 0) bytes.append(part, static_cast<std::size_t>(file.gcount()));
     if (file.bad()) return std::nullopt;
     return bytes;
 }

@@ -53,7 +53,8 @@ bool isTooLarge(std::string_view text, int base) {
         if (!power.empty() && (power.front() == '+' || negative)) power.remove_prefix(1);
         long exponent = 0;
         const auto read = std::from_chars(power.data(), power.data() + power.size(), exponent);
-        if (read.ec == std::errc::result_out_of_range) return !negative;
+        constexpr long beyondAnyText = 1'000'000'000'000;  // so that adding it to a place in the text cannot overflow
+        if (read.ec == std::errc::result_out_of_range || exponent > beyondAnyText) exponent = beyondAnyText;
         place += negative ? -exponent : exponent;
     }
     return place > 0;
@@ -86,7 +87,8 @@ std::optional<double> parseDouble(std::string_view text) {
         text.remove_prefix(2);
         // from_chars takes words and a sign as well, which have no place behind a 0x
         const char lower = static_cast<char>(text[0] | 0x20);
-        if ((text[0] >= '0' && text[0] <= '9') || (lower >= 'a' && lower <= 'f') || text[0] == '.') value = parseMagnitude(text, std::chars_format::hex);
+        if ((text[0] >= '0' && text[0] <= '9') || (lower >= 'a' && lower <= 'f') || text[0] == '.')
+            value = parseMagnitude(text, std::chars_format::hex);
     } else if ((text[0] >= '0' && text[0] <= '9') || text[0] == '.') {
         value = parseMagnitude(text, std::chars_format::general);
     }

@@ -1,5 +1,6 @@
 #include "base/Reaper.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -8,6 +9,8 @@
 namespace vmr {
 
 namespace {
+std::atomic<bool> reaperIsGone{false};  // outlives the reaper, for what is dropped by a later static destructor
+
 class Reaper {
   public:
     Reaper() : thread_([this] { run(); }) {}
@@ -19,6 +22,7 @@ class Reaper {
         }
         wake_.notify_one();
         thread_.join();
+        reaperIsGone = true;
     }
 
     void add(std::function<void()> release) {
@@ -32,9 +36,9 @@ class Reaper {
   private:
     void run() {
         std::unique_lock lock(mutex_);
-        while (!ending_) {
+        while (!ending_ || !waiting_.empty()) {
             wake_.wait(lock, [this] { return ending_ || !waiting_.empty(); });
-            while (!ending_ && !waiting_.empty()) {
+            while (!waiting_.empty()) {
                 auto release = std::move(waiting_.front());
                 waiting_.pop_front();
                 lock.unlock();
@@ -54,6 +58,7 @@ class Reaper {
 }  // namespace
 
 void freeLater(std::function<void()> release) {
+    if (reaperIsGone) return release();
     static Reaper reaper;
     reaper.add(std::move(release));
 }

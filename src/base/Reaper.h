@@ -5,7 +5,7 @@
 
 namespace vmr {
 
-/// Runs `release` soon on a background thread, in order; what has not run when the process ends is skipped.
+/// Runs `release` soon on a background thread, in order, and at the latest while the process ends normally.
 void freeLater(std::function<void()> release);
 
 }  // namespace vmr
