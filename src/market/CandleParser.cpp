@@ -72,12 +72,13 @@ bool readPrices(const BarFields& f, Candle& bar) {
 
 // Bars of an array; nothing when an element is no object.
 std::optional<std::vector<Candle>> barsOf(JsonView array) {
+    // a pass of its own: no bar of an array that does not count may be read, since reading can be fatal
+    for (const JsonView item : array.items())
+        if (!item.isObject()) return std::nullopt;
     std::vector<Candle> bars;
     bars.reserve(array.size());
-    for (const JsonView item : array.items()) {
-        if (!item.isObject()) return std::nullopt;
+    for (const JsonView item : array.items())
         if (const auto bar = candleFromMs(item)) bars.push_back(*bar);
-    }
     return bars;
 }
 

@@ -20,7 +20,8 @@ std::int64_t floorDiv(std::int64_t a, std::int64_t b) {
     return q * b > a ? q - 1 : q;
 }
 
-std::int64_t secondsOf(int hhmm) { return (hhmm / 100) * 3600 + (hhmm % 100) * 60; }
+// A setting may hold any number here, so the product is made in 64 bits.
+std::int64_t secondsOf(std::int64_t hhmm) { return (hhmm / 100) * 3600 + (hhmm % 100) * 60; }
 
 const date::time_zone& newYork() {
     static const date::time_zone* const zone = [] {

@@ -33,9 +33,13 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
     relay_ = at_.makeRelay();
     RelayClient::Callbacks callbacks;
     callbacks.onLog = [this](const std::string& text) { append(text); };
-    callbacks.onConnected = [this] { onConnected(); };
+    // what the relay told before it heard of a sign-out comes after it, and is too late
+    callbacks.onConnected = [this] {
+        if (isSignedIn) onConnected();
+    };
     callbacks.onConnectionLimit = [this] { connLimited = true; };
     callbacks.onDisconnected = [this] {
+        if (!isSignedIn) return;
         connected = false;
         status = "Disconnected (reconnecting…)";
     };
@@ -65,11 +69,12 @@ void AppModel::startStoredSession() {
     isSignedIn = true;
     userEmail = at_.auth.email.value_or("");
     status = "Signed in, connecting…";
-    at_.main.post([this, weak = std::weak_ptr(alive_)] {
-        if (weak.expired()) return;
+    // an answer that comes after a sign-out, perhaps into the session that followed it, is nobody's any more
+    at_.main.post([this, weak = std::weak_ptr(alive_), session = session_] {
+        if (weak.expired() || session != session_) return;
         if (at_.auth.tokenIsLive()) return connectRelay();
-        at_.auth.refresh([this, weak](const std::variant<std::string, AuthError>& result) {
-            if (weak.expired() || !isSignedIn) return;
+        at_.auth.refresh([this, weak, session](const std::variant<std::string, AuthError>& result) {
+            if (weak.expired() || session != session_) return;
             if (std::holds_alternative<std::string>(result)) return connectRelay();
             at_.auth.signOut();
             isSignedIn = false;
@@ -79,7 +84,9 @@ void AppModel::startStoredSession() {
     });
 }
 
-void AppModel::connectRelay() { relay_->connect(tokenProvider()); }
+void AppModel::connectRelay() {
+    if (counted_) relay_->connect(tokenProvider());
+}
 
 TokenProvider AppModel::tokenProvider() {
     // called on the relay's queue: the session lives on the main loop
@@ -119,6 +126,7 @@ void AppModel::signIn(const std::string& email, const std::string& password, boo
 }
 
 void AppModel::signOut() {
+    ++session_;
     relay_->disconnect();
     at_.auth.signOut();
     isSignedIn = false;

@@ -229,7 +229,8 @@ class AppModel {
     std::unique_ptr<RelayClient> relay_;
     std::shared_ptr<int> alive_;  // expires with the model; delayed work holds it weakly
     std::optional<PaneState> restorePane_;
-    bool counted_ = false;
+    bool counted_ = false;  // until `shutdown`
+    int session_ = 0;       // raised by each sign-out
     double lastSeenClose_ = std::numeric_limits<double>::quiet_NaN();
     bool displayRebuildScheduled_ = false;
     SerialQueue::TimerId barRollTimer_ = SerialQueue::noTimer;

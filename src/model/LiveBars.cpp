@@ -115,12 +115,13 @@ void aggregate(const std::vector<Candle>& candles, int tf, std::vector<Candle>& 
     }
     out.clear();
     const std::int64_t width = static_cast<std::int64_t>(tf) * 60;
-    std::int64_t bucketEnd = INT64_MIN;  // a bar before it belongs to the display bar that is open
     std::int64_t bucket = 0;
     for (const Candle& bar : candles) {
-        if (out.empty() || bar.time >= bucketEnd || bar.time < bucket) {
-            bucket = bar.time / width * width;
-            bucketEnd = bucket + width;
+        // most bars are in the open bucket, and a subtraction is cheaper than a division
+        const bool within = bucket >= 0 && bar.time >= bucket && bar.time - bucket < width;
+        const std::int64_t own = within ? bucket : bar.time / width * width;
+        if (out.empty() || own != bucket) {
+            bucket = own;
             out.push_back(bar);
             out.back().time = bucket;
             continue;

@@ -23,10 +23,11 @@ bool carriesBars(std::string_view channel) {
     return channel.starts_with("futures:") || channel.starts_with("stocks:") || channel.starts_with("indices:");
 }
 
-std::vector<Candle> barsOf(const ChannelMessage& message) {
+// The message's bars; `parsed` holds them if nobody has parsed them yet.
+const std::vector<Candle>& barsOf(const ChannelMessage& message, std::vector<Candle>& parsed) {
     if (const auto* prepared = std::any_cast<Prepared>(&message.prepared); prepared && prepared->bars)
         return *prepared->bars;
-    return CandleParser::parse(message.payload);
+    return parsed = CandleParser::parse(message.payload);
 }
 
 void mergeInto(std::vector<Candle>& series, const std::vector<Candle>& bars) {
@@ -43,6 +44,18 @@ std::optional<Trade> readTrade(JsonView payload, const Clock& clock) {
     if (!price || !std::isfinite(*price)) return std::nullopt;
     const auto ts = coerce::dbl(payload["ts"]);
     return Trade{*price, ts ? *ts : clock.now() * 1000};
+}
+
+constexpr std::size_t largeDocument = 64 * 1024;
+
+// A member to keep of a message. A small one gets a document of its own, so that it does not keep a large one alive.
+Json toKeep(const Json& payload, JsonView value) {
+    constexpr std::size_t shortList = 100;
+    bool small = !value.isObject() && value.size() <= shortList;
+    for (const JsonView item : small ? value.items() : JsonView::ItemRange{})
+        small = small && !item.isObject() && !item.isArray();
+    const Json kept = payload.at(value);
+    return small && payload.documentBytes() > largeDocument ? kept.detached() : kept;
 }
 
 bool isObjectOfStrings(JsonView value) {
@@ -112,15 +125,16 @@ bool AppModel::routeHot(const ChannelMessage& message) {
 // Bars and the histories beside them. The chart's own bars and the support/resistance sessions go on to the log.
 bool AppModel::routeSeries(const ChannelMessage& message) {
     const std::string& channel = message.channel;
+    std::vector<Candle> parsed;
     if (!secondaryChannel.empty() && (channel == secondaryChannel || channel == secondaryMinuteName_)) {
-        if (const auto bars = barsOf(message); !bars.empty()) {
+        if (const auto& bars = barsOf(message, parsed); !bars.empty()) {
             mergeInto(secondaryCandles, bars);
             scheduleOverlays();
         }
         return true;
     }
     if (channel == vixBaseChannel() || channel == vixChannel()) {
-        if (const auto bars = barsOf(message); !bars.empty()) {
+        if (const auto& bars = barsOf(message, parsed); !bars.empty()) {
             mergeInto(vixCandles, bars);
             scheduleOverlays();
         }
@@ -136,7 +150,8 @@ bool AppModel::routeSeries(const ChannelMessage& message) {
 }
 
 void AppModel::mergeChartBars(const ChannelMessage& message) {
-    const auto bars = barsOf(message);
+    std::vector<Candle> parsed;
+    const auto& bars = barsOf(message, parsed);
     if (bars.empty()) return;
     mergeInto(candles, bars);
     rebuildDisplay();
@@ -162,13 +177,13 @@ bool AppModel::routeDerived(const ChannelMessage& message) {
     }
     if (isObject && !secondaryGexChannel.empty() && channel == secondaryGexChannel) {
         for (const auto& [key, value] : message.payload.members())
-            secondaryGexFields.insert_or_assign(std::string(key), message.payload.at(value));
+            secondaryGexFields.insert_or_assign(std::string(key), toKeep(message.payload, value));
         takeSecondaryGex();
         return true;
     }
     if (isObject && !levelsChannel->empty() && channel == levelsChannel.get()) {
         for (const auto& [key, value] : message.payload.members())
-            derivedFields.insert_or_assign(std::string(key), message.payload.at(value));
+            derivedFields.insert_or_assign(std::string(key), toKeep(message.payload, value));
         updateExpirations();
         reparseDerived();
         rebuild3D(false);
