@@ -180,9 +180,8 @@ void AxisLayer::keepApart() {
     // Bars leave out nights and weekends, so ticks can come closer than their step; a date then wins over a time.
     std::size_t kept = 0;
     for (const TimeLabel& next : timeLabels_) {
-        const bool close =
-            kept > 0 && next.x - timeLabels_[kept - 1].x <
-                            (next.width + timeLabels_[kept - 1].width) * 0.5 + timeLabelGap;
+        const bool close = kept > 0 && next.x - timeLabels_[kept - 1].x <
+                                           (next.width + timeLabels_[kept - 1].width) * 0.5 + timeLabelGap;
         if (!close) {
             timeLabels_[kept++] = next;
         } else if (next.date && !timeLabels_[kept - 1].date) {
@@ -238,7 +237,8 @@ void AxisLayer::rect(const ScreenFrame& frame, double x0, double y0, double x1, 
     const auto pixel = [&](double v) { return static_cast<float>(std::round(v * frame.pixelRatio)); };
     const float left = pixel(x0), top = pixel(y0);
     const float right = std::max(pixel(x1), left + 1.0F), bottom = std::max(pixel(y1), top + 1.0F);
-    for (const auto& [x, y] : {std::pair{left, top}, {left, bottom}, {right, bottom}, {left, top}, {right, bottom}, {right, top}}) {
+    for (const auto& [x, y] :
+         {std::pair{left, top}, {left, bottom}, {right, bottom}, {left, top}, {right, bottom}, {right, top}}) {
         shapes_.push_back({{x, y, 0.0F, 1.0F}, color});
     }
 }
@@ -254,8 +254,8 @@ void AxisLayer::roundedBox(const ScreenFrame& frame, double x0, double x1, const
         const double cy = corner < 2 ? top + radius : bottom - radius;
         for (int i = 0; i <= arcSteps; ++i) {
             const double angle = (corner + static_cast<double>(i) / arcSteps) * 1.5707963267948966;
-            rim[static_cast<std::size_t>(corner * (arcSteps + 1) + i)] = {static_cast<float>(cx + radius * std::cos(angle)),
-                                                                         static_cast<float>(cy - radius * std::sin(angle))};
+            rim[static_cast<std::size_t>(corner * (arcSteps + 1) + i)] = {
+                static_cast<float>(cx + radius * std::cos(angle)), static_cast<float>(cy - radius * std::sin(angle))};
         }
     }
     const auto cx = static_cast<float>((left + right) * 0.5), cy = static_cast<float>((top + bottom) * 0.5);
@@ -273,7 +273,8 @@ void AxisLayer::flush(ScreenFrame& frame) {
     shapes_.clear();
     if (!upload) return;
     frame.gpu.setPipeline(Pipeline::flat);
-    frame.gpu.setUniforms(std::bit_cast<std::array<float, 4>>(pixelUniforms(frame.width, frame.height, frame.pixelRatio)));
+    frame.gpu.setUniforms(
+        std::bit_cast<std::array<float, 4>>(pixelUniforms(frame.width, frame.height, frame.pixelRatio)));
     frame.gpu.draw(Primitive::triangles, upload->buffer, upload->offset, upload->count);
 }
 

@@ -17,7 +17,7 @@ namespace vmr {
 /// Where half hours are too wide for the view the time axis names finer steps, and where bars lie on none of the steps
 /// (a stock seen from afar) it names days. Main thread.
 class AxisLayer final : public ScreenLayer {
-  public:
+ public:
     static constexpr double priceAxisWidth = Camera::priceAxisPadPx;  ///< points, at the right edge
     static constexpr double timeAxisHeight = 22.0;                    ///< points, at the bottom edge
 
@@ -30,7 +30,7 @@ class AxisLayer final : public ScreenLayer {
     void drawBelow(ScreenFrame& frame) override;
     bool drawAbove(ScreenFrame& frame) override;
 
-  private:
+ private:
     struct TimeLabel {
         AxisScale::Label label;
         double x = 0;      ///< centre, points

@@ -135,8 +135,8 @@ bool Camera::settle(std::span<const Candle> candles) {
     if (hi <= lo) hi = lo + 1.0;
     if (autoY) settleRange(lo, hi, candles.back().close);
 
-    snapLerps = !(firstVisible == lastFirst_ && visibleCount == lastCount_ && yMinManual == lastMin_ &&
-                  yMaxManual == lastMax_);
+    snapLerps =
+        !(firstVisible == lastFirst_ && visibleCount == lastCount_ && yMinManual == lastMin_ && yMaxManual == lastMax_);
     lastFirst_ = firstVisible;
     lastCount_ = visibleCount;
     lastMin_ = yMinManual;

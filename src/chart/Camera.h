@@ -10,8 +10,8 @@
 
 namespace vmr {
 
-/// The point of data space that vertices are stored relative to. Prices near 21,000 lose 0.002 in 32-bit floats, and the
-/// offset of a zoomed-in view loses several tenths of a pixel; relative to a near bar and price neither is visible.
+/// The point of data space that vertices are stored relative to. Prices near 21,000 lose 0.002 in 32-bit floats, and
+/// the offset of a zoomed-in view loses several tenths of a pixel; relative to a near bar and price neither is visible.
 struct DataOrigin {
     double bar = 0;
     double price = 0;
@@ -21,7 +21,7 @@ struct DataOrigin {
 /// The camera of one chart. Data space: x in bars (bar i is centred at i), y in price. Counts `n` are of all bars held.
 /// Arguments that are not finite are ignored. Main thread.
 class Camera {
-  public:
+ public:
     static constexpr double priceAxisPadPx = 74.0;  ///< width of the price axis, points
     static constexpr double defaultVisibleCount = 150.0;
 
@@ -31,9 +31,10 @@ class Camera {
     bool autoY = true;          ///< the frame chooses the price range
     double yMinManual = 0;      ///< the price range in every mode: at 95 % of the height ...
     double yMaxManual = 1;      ///< ... and at 5 %
-    double priceLineFrac = std::numeric_limits<double>::quiet_NaN();  ///< finite: the last close stays there, from below
-    double lastViewW = 1400;    ///< width of the last frame, points
-    bool snapLerps = false;     ///< the camera moved in this frame
+    double priceLineFrac =
+        std::numeric_limits<double>::quiet_NaN();  ///< finite: the last close stays there, from below
+    double lastViewW = 1400;                       ///< width of the last frame, points
+    bool snapLerps = false;                        ///< the camera moved in this frame
 
     /// Share of the width that stays free right of the last bar.
     double padFrac() const;
@@ -45,9 +46,9 @@ class Camera {
     /// After another list came: `dropped` bars went away at the front.
     void followData(std::size_t n, std::size_t dropped, bool lastChanged);
 
-    bool pan(double byCandles, std::size_t n);   ///< these tell whether anything can have changed
-    bool zoom(double factor, std::size_t n);     ///< the right edge stays
-    bool zoomPrice(double factor);               ///< nothing while the price is pinned
+    bool pan(double byCandles, std::size_t n);  ///< these tell whether anything can have changed
+    bool zoom(double factor, std::size_t n);    ///< the right edge stays
+    bool zoomPrice(double factor);              ///< nothing while the price is pinned
     bool panByPrice(double dyPixels, double viewHeight);
     bool mirrorView(double first, double count, std::size_t n);
     bool mirrorViewRel(double gapRight, double count, std::size_t n);
@@ -62,7 +63,7 @@ class Camera {
     Uniforms uniforms(const DataOrigin& origin) const;
     Viewport viewport() const { return {firstVisible, visibleCount, yMinManual, yMaxManual}; }
 
-  private:
+ private:
     void settleRange(double lo, double hi, double lastClose);
     void place(double first, std::size_t n);
     bool mirrorCount(double count, std::size_t n);

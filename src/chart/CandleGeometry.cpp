@@ -8,7 +8,8 @@ constexpr Rgba classicUp{0.149F, 0.651F, 0.604F, 1.0F};
 constexpr Rgba classicDown{0.937F, 0.325F, 0.314F, 1.0F};
 constexpr Rgba white{1.0F, 1.0F, 1.0F, 1.0F};
 constexpr Rgba monoDownFill{1.0F, 1.0F, 1.0F, 0.4F};
-constexpr Look classicLooks[2] = {{classicDown, classicDown, classicDown, false}, {classicUp, classicUp, classicUp, false}};
+constexpr Look classicLooks[2] = {{classicDown, classicDown, classicDown, false},
+                                  {classicUp, classicUp, classicUp, false}};
 constexpr Look monoLooks[2] = {{monoDownFill, white, white, true}, {white, white, white, false}};
 
 ChartVertex* put(ChartVertex* out, float x, float y, const Rgba& color) {
@@ -41,14 +42,17 @@ LineVertex* writeSide(LineVertex* out, float ax, float ay, float bx, float by, c
 
 }  // namespace
 
-const Look& look(std::string_view theme, bool up) { return (theme == "classic" ? classicLooks : monoLooks)[up ? 1 : 0]; }
+const Look& look(std::string_view theme, bool up) {
+    return (theme == "classic" ? classicLooks : monoLooks)[up ? 1 : 0];
+}
 
 ChartVertex* writeBody(ChartVertex* out, double x, double top, double bot, const Rgba& color) {
     return writeBox(out, static_cast<float>(x - halfBody), static_cast<float>(x + halfBody), static_cast<float>(top),
                     static_cast<float>(bot), color);
 }
 
-ChartVertex* writeWicks(ChartVertex* out, double x, double high, double top, double bot, double low, const Rgba& color) {
+ChartVertex* writeWicks(ChartVertex* out, double x, double high, double top, double bot, double low,
+                        const Rgba& color) {
     const auto w0 = static_cast<float>(x - halfWick);
     const auto w1 = static_cast<float>(x + halfWick);
     out = writeBox(out, w0, w1, static_cast<float>(high), static_cast<float>(top), color);

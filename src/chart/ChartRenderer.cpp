@@ -9,8 +9,8 @@
 
 namespace vmr {
 
-/// What waits to be delivered on the main thread's queue. A plain pointer to it is all that a posted task holds, so that
-/// posting needs no memory of its own; when the renderer goes first, the box waits in `orphans` for its task.
+/// What waits to be delivered on the main thread's queue. A plain pointer to it is all that a posted task holds, so
+/// that posting needs no memory of its own; when the renderer goes first, the box waits in `orphans` for its task.
 struct ChartRenderer::Delivery {
     ChartRenderer* owner;
     Post post;

@@ -27,10 +27,10 @@ namespace vmr {
 /// nothing; only the forming bar and the price line are made anew in each frame. Vertices are stored relative to an
 /// origin near the last bar, which the uniforms fold back in (see `DataOrigin`).
 ///
-/// The host draws on demand: `onNeedsDisplay` asks for a frame, and `drawFrame` tells whether one more is needed. Arenas
-/// go round in three, so the host must never read a frame's arena more than two frames later.
+/// The host draws on demand: `onNeedsDisplay` asks for a frame, and `drawFrame` tells whether one more is needed.
+/// Arenas go round in three, so the host must never read a frame's arena more than two frames later.
 class ChartRenderer {
-  public:
+ public:
     static constexpr double candleLerp = 0.3;   ///< easing of the forming close per frame of 60 Hz
     static constexpr double lerpX = 0.25;       ///< of widths and x positions
     static constexpr double lerpY = 0.2;        ///< of y positions
@@ -102,7 +102,7 @@ class ChartRenderer {
     /// Session start as hhmm.
     int sessionHHMM = 1800;
 
-  private:
+ private:
     struct Retained {
         GpuBuffer buf = 0;
         std::size_t n = 0;

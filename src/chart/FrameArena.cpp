@@ -6,12 +6,19 @@
 namespace vmr {
 
 FrameArena::~FrameArena() {
+    releaseRetired();
     for (const Arena& arena : arenas_) {
         if (arena.buffer != 0) gpu_.release(arena.buffer);
     }
 }
 
+void FrameArena::releaseRetired() {
+    for (const GpuBuffer buffer : retired_) gpu_.release(buffer);
+    retired_.clear();
+}
+
 void FrameArena::beginFrame() {
+    releaseRetired();
     arenaIdx_ = (arenaIdx_ + 1) % arenas_.size();
     arenaOffset_ = 0;
 }
@@ -22,8 +29,7 @@ std::optional<DynUpload> FrameArena::copy(std::span<const std::byte> bytes, std:
     const std::size_t offset = (arenaOffset_ + 255) & ~std::size_t{255};
     const std::size_t need = offset + bytes.size();
     if (arena.bytes.size() < need) {
-        // What this frame already drew from the old buffer stays alive in the frame, so nothing moves.
-        if (arena.buffer != 0) gpu_.release(arena.buffer);
+        if (arena.buffer != 0) retired_.push_back(arena.buffer);
         arena.buffer = gpu_.makeArena(std::max<std::size_t>(need * 2, 65536));
         arena.bytes = gpu_.arenaBytes(arena.buffer);
     }

@@ -25,7 +25,7 @@ struct ScreenFrame {
 /// A layer of the renderer's frame, drawn with the very camera that the candles have. It sets pipeline and uniforms of
 /// its own before it draws. Called in frames with bars only.
 class ScreenLayer {
-  public:
+ public:
     virtual ~ScreenLayer() = default;
     /// Behind the chart's layers.
     virtual void drawBelow(ScreenFrame&) {}

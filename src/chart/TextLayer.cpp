@@ -14,9 +14,11 @@ constexpr char32_t replacement = 0xFFFD;
 char32_t takeCharacter(std::string_view& text) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char lead = byte(0);
-    const std::size_t length = lead < 0x80 ? 1 : lead >= 0xC2 && lead < 0xE0 ? 2 : (lead & 0xF0) == 0xE0 ? 3
-                               : lead >= 0xF0 && lead < 0xF5                 ? 4
-                                                                             : 0;
+    const std::size_t length = lead < 0x80                   ? 1
+                               : lead >= 0xC2 && lead < 0xE0 ? 2
+                               : (lead & 0xF0) == 0xE0       ? 3
+                               : lead >= 0xF0 && lead < 0xF5 ? 4
+                                                             : 0;
     if (length == 1) {
         text.remove_prefix(1);
         return lead;
@@ -29,7 +31,8 @@ char32_t takeCharacter(std::string_view& text) {
     }
     text.remove_prefix(used);
     constexpr char32_t least[5] = {0, 0, 0x80, 0x800, 0x10000};
-    const bool valid = used == length && value >= least[length] && value <= 0x10FFFF && !(value >= 0xD800 && value < 0xE000);
+    const bool valid =
+        used == length && value >= least[length] && value <= 0x10FFFF && !(value >= 0xD800 && value < 0xE000);
     return valid ? value : replacement;
 }
 
@@ -49,8 +52,8 @@ void TextLayer::begin(double pixelRatio) {
 }
 
 const TextLayer::Run& TextLayer::run(std::string_view text, const TextStyle& style) {
-    const std::size_t hash = std::hash<std::string_view>{}(text) ^
-                             (std::bit_cast<std::uint64_t>(style.pointSize) * 31 + static_cast<std::size_t>(style.face));
+    const std::size_t hash = std::hash<std::string_view>{}(text) ^ (std::bit_cast<std::uint64_t>(style.pointSize) * 31 +
+                                                                    static_cast<std::size_t>(style.face));
     Run* const set = &runs_[hash % sets_ * ways_];
     Run* victim = set;
     for (Run* run = set; run != set + ways_; ++run) {
@@ -75,8 +78,8 @@ void TextLayer::layOut(Run& run) {
     for (std::string_view rest = run.text; !rest.empty();) {
         const Glyph glyph = glyphs_.glyph(takeCharacter(rest), run.style.face, run.style.pointSize, pixelRatio_);
         if (glyph.width > 0 && glyph.height > 0) {
-            run.quads.push_back({std::round(pen + glyph.left), std::round(glyph.top), glyph.width, glyph.height, glyph.u0,
-                                 glyph.v0, glyph.u1, glyph.v1});
+            run.quads.push_back({std::round(pen + glyph.left), std::round(glyph.top), glyph.width, glyph.height,
+                                 glyph.u0, glyph.v0, glyph.u1, glyph.v1});
         }
         pen += glyph.advance;
     }
@@ -90,7 +93,8 @@ double TextLayer::lineHeight(const TextStyle& style) {
     return glyphs_.lineHeight(style.face, style.pointSize, pixelRatio_) / pixelRatio_;
 }
 
-void TextLayer::add(std::string_view text, const TextStyle& style, double x, double y, TextAlign align, const Rgba& color) {
+void TextLayer::add(std::string_view text, const TextStyle& style, double x, double y, TextAlign align,
+                    const Rgba& color) {
     const Run& laid = run(text, style);
     const double share = align == TextAlign::left ? 0.0 : align == TextAlign::center ? 0.5 : 1.0;
     const auto left = static_cast<float>(std::round(x * pixelRatio_ - laid.width * share));
@@ -109,7 +113,8 @@ void TextLayer::draw(ScreenFrame& frame) {
     const auto upload = frame.arena.uploadDyn(vertices_);
     if (!upload) return;
     frame.gpu.setPipeline(Pipeline::text);
-    frame.gpu.setUniforms(std::bit_cast<std::array<float, 4>>(pixelUniforms(frame.width, frame.height, frame.pixelRatio)));
+    frame.gpu.setUniforms(
+        std::bit_cast<std::array<float, 4>>(pixelUniforms(frame.width, frame.height, frame.pixelRatio)));
     frame.gpu.draw(Primitive::quads, upload->buffer, upload->offset, upload->count);
 }
 

@@ -23,11 +23,11 @@ struct TextStyle {
 /// Where the given x lies in the text.
 enum class TextAlign : unsigned char { left, center, right };
 
-/// Collects the texts of a frame and draws them at once. A text that only moves or changes colour is not laid out again.
-/// Use: `begin`, any number of `add`, then `draw`; when `stale` tells so before `draw`, once more from `begin`.
+/// Collects the texts of a frame and draws them at once. A text that only moves or changes colour is not laid out
+/// again. Use: `begin`, any number of `add`, then `draw`; when `stale` tells so before `draw`, once more from `begin`.
 /// UTF-8; what is not valid shows as U+FFFD. Main thread.
 class TextLayer {
-  public:
+ public:
     explicit TextLayer(GlyphSource& glyphs);
 
     void begin(double pixelRatio);
@@ -46,7 +46,7 @@ class TextLayer {
     /// Draws all that was added, in one call; nothing when that is nothing.
     void draw(ScreenFrame& frame);
 
-  private:
+ private:
     struct Quad {
         float x = 0, y = 0, width = 0, height = 0;
         float u0 = 0, v0 = 0, u1 = 0, v1 = 0;

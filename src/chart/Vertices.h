@@ -57,7 +57,8 @@ static_assert(sizeof(TextVertex) == 32 && sizeof(Uniforms) == 16 && sizeof(LineU
 
 /// Device pixels from the top left to clip space, for the text pipeline and for flat shapes placed on pixels.
 inline Uniforms pixelUniforms(double width, double height, double pixelRatio) {
-    return {static_cast<float>(2.0 / (width * pixelRatio)), -1.0F, static_cast<float>(-2.0 / (height * pixelRatio)), 1.0F};
+    return {static_cast<float>(2.0 / (width * pixelRatio)), -1.0F, static_cast<float>(-2.0 / (height * pixelRatio)),
+            1.0F};
 }
 
 }  // namespace vmr

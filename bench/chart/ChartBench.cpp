@@ -1,0 +1,138 @@
+// CPU time of a frame, of a tick and of a new bar, on the recording device. `memcpy` copies as many bytes as a still
+// frame writes and is the baseline of the run; `allocs` counts calls of operator new for each iteration.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <vector>
+
+#include "base/Clock.h"
+#include "chart/AxisLayer.h"
+#include "chart/ChartRenderer.h"
+#include "tests/chart/AllocationCount.h"
+#include "tests/chart/FakeGlyphs.h"
+#include "tests/chart/RecordingGpu.h"
+
+namespace vmr {
+namespace {
+
+std::vector<Candle> bars(std::size_t n) {
+    std::vector<Candle> list;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double open = 21000 + 60 * std::sin(static_cast<double>(i) * 0.03);
+        const double close = 21000 + 60 * std::sin(static_cast<double>(i + 1) * 0.03);
+        list.push_back({1781092800 + static_cast<std::int64_t>(i) * 60, open, std::max(open, close) + 2,
+                        std::min(open, close) - 2, close, 1});
+    }
+    return list;
+}
+
+struct Scene {
+    SystemClock clock;
+    test::RecordingGpu gpu;
+    test::FakeGlyphs glyphs;
+    SessionTime session;
+    AxisLayer axes{glyphs, session};
+    std::function<void()> task;
+    ChartRenderer renderer{gpu, clock, [this](std::function<void()> posted) { task = std::move(posted); }};
+    std::vector<Candle> list;
+    double now = 1000;
+
+    explicit Scene(std::size_t n) : list(bars(n)) {
+        renderer.addScreenLayer(axes);
+        renderer.onViewport = [](double first, double, double, double) { benchmark::DoNotOptimize(first); };
+        renderer.setCandles(list);
+        for (int i = 0; i < 10; ++i) frame();
+    }
+    void frame() {
+        renderer.drawFrame(1400, 900, 2, now += 1.0 / 120);
+        if (task) std::exchange(task, nullptr)();
+    }
+};
+
+/// Runs `step` as the benchmark's body and reports its allocations.
+template <class Step>
+void measure(benchmark::State& state, Step&& step) {
+    for (int i = 0; i < 200; ++i) step();
+    const long before = test::allocationCount();
+    for (auto _ : state) step();
+    state.counters["allocs"] =
+        benchmark::Counter(static_cast<double>(test::allocationCount() - before), benchmark::Counter::kAvgIterations);
+}
+
+void memcpyOfStillFrame(benchmark::State& state) {
+    Scene scene(5000);
+    std::size_t bytes = 0;
+    for (const auto& call : scene.gpu.draws) {
+        if (!call.retained) bytes += call.count * (call.pipeline == Pipeline::ribbon ? 48 : 32);
+    }
+    std::vector<char> from(bytes, 1), to(bytes);
+    measure(state, [&] {
+        std::memcpy(to.data(), from.data(), bytes);
+        benchmark::ClobberMemory();
+    });
+    state.counters["bytes"] = static_cast<double>(bytes);
+}
+BENCHMARK(memcpyOfStillFrame);
+
+void stillFrame(benchmark::State& state) {
+    Scene scene(5000);
+    measure(state, [&] { scene.frame(); });
+}
+BENCHMARK(stillFrame);
+
+/// Pan by a bar and draw; the same bars in view whatever the history's length.
+void panFrame(benchmark::State& state) {
+    Scene scene(static_cast<std::size_t>(state.range(0)));
+    scene.renderer.mirrorView(100, 300);
+    int i = 0;
+    measure(state, [&] {
+        scene.renderer.pan(++i % 200 < 100 ? 1 : -1);
+        scene.frame();
+    });
+}
+BENCHMARK(panFrame)->Arg(500)->Arg(5000)->Arg(50000);
+
+void panInputAlone(benchmark::State& state) {
+    Scene scene(static_cast<std::size_t>(state.range(0)));
+    scene.renderer.mirrorView(100, 300);
+    int i = 0;
+    measure(state, [&] { scene.renderer.pan(++i % 200 < 100 ? 1 : -1); });
+}
+BENCHMARK(panInputAlone)->Arg(500)->Arg(5000)->Arg(50000);
+
+void zoomFrameAllBarsInView(benchmark::State& state) {
+    Scene scene(5000);
+    scene.renderer.mirrorView(0, 4900);
+    int i = 0;
+    measure(state, [&] {
+        scene.renderer.zoom(++i % 2 == 0 ? 1.01 : 1 / 1.01);
+        scene.frame();
+    });
+}
+BENCHMARK(zoomFrameAllBarsInView);
+
+void tickAndFrame(benchmark::State& state) {
+    Scene scene(static_cast<std::size_t>(state.range(0)));
+    int i = 0;
+    measure(state, [&] {
+        scene.list.back().close += ++i % 2 == 0 ? 1 : -1;
+        scene.renderer.setCandles(scene.list);
+        scene.frame();
+    });
+}
+BENCHMARK(tickAndFrame)->Arg(500)->Arg(5000);
+
+/// The rare heavy frame: a bar closed and all retained geometry is made anew.
+void newBarAtTheCapAndFrame(benchmark::State& state) {
+    Scene scene(5000);
+    const auto longer = bars(5001);
+    int i = 0;
+    measure(state, [&] {
+        scene.renderer.setCandles(std::span(longer).subspan(++i % 2 == 0 ? 1 : 0, 5000));
+        scene.frame();
+    });
+}
+BENCHMARK(newBarAtTheCapAndFrame)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace vmr
