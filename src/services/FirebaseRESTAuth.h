@@ -27,17 +27,19 @@ struct AuthError {
     std::string text() const;
 };
 
-/// The session of the process. Main thread; callbacks come on the HTTP client's queue, which is the main loop. Fields
-/// change only once a whole response has been checked; concurrent refreshes are not merged.
+/// The session of the process. Main thread; callbacks come on the HTTP client's queue, which is the main loop, or
+/// within the call when nothing is sent. Fields change only once a whole response has been checked; concurrent
+/// refreshes are not merged. After `signOut` or destruction a call under way ends with `notSignedIn`.
 class FirebaseRESTAuth {
-  public:
+ public:
     static constexpr double distantPast = -std::numeric_limits<double>::infinity();
 
     /// Restores a stored session: with a stored refresh token, the first use goes through `refresh`.
     FirebaseRESTAuth(Endpoints endpoints, HttpClient& http, Preferences& preferences, const Clock& clock);
 
     /// Nothing on success.
-    void signIn(const std::string& email, const std::string& password, std::function<void(std::optional<AuthError>)> done);
+    void signIn(const std::string& email, const std::string& password,
+                std::function<void(std::optional<AuthError>)> done);
 
     /// Gives the new identity token, or the error.
     void refresh(std::function<void(std::variant<std::string, AuthError>)> done);
@@ -66,7 +68,7 @@ class FirebaseRESTAuth {
     static constexpr const char* uidKey = "vmr.auth.uid";
     static constexpr const char* emailKey = "vmr.auth.email";
 
-  private:
+ private:
     Endpoints endpoints_;
     HttpClient& http_;
     Preferences& preferences_;

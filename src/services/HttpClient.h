@@ -26,7 +26,7 @@ struct HttpResponse {
 
 /// Sends requests; any number at a time.
 class HttpClient {
-  public:
+ public:
     using Done = std::function<void(HttpResponse)>;
     virtual ~HttpClient() = default;
     /// Calls `done` once, on the queue that the client was made with; not any more once the client is gone. `http:` is

@@ -34,7 +34,7 @@ struct ChannelMessage {
 /// Knows the wire protocol and nothing of markets. Operations may be called from any thread and return at once; the
 /// callbacks are set before `connect` and run on the main loop, in the order of their causes (`onPrepare` excepted).
 class RelayClient {
-  public:
+ public:
     struct Callbacks {
         std::function<void(const std::string& text)> onLog;
         std::function<void()> onConnected;
@@ -43,7 +43,8 @@ class RelayClient {
         /// `type` is "snapshot", "event" or "batch"; a batch calls once for each element, back to back.
         std::function<void(const ChannelMessage& message, const std::string& type)> onChannelMessage;
         /// Runs on the relay's queue right after decoding, for "snapshot" and "event": work that the main thread should
-        /// not do, such as parsing bars. May be empty; must be safe to call while the main thread runs.
+        /// not do, such as parsing bars. May be empty; must be safe to call while the main thread runs. What it made is
+        /// destroyed on that queue too, after `onChannelMessage`, unless that took it or the client is gone.
         std::function<std::any(const std::string& channel, JsonView payload)> onPrepare;
     };
 
@@ -57,17 +58,26 @@ class RelayClient {
         std::size_t maximumMessageSize = 67108864;
     };
 
-    /// Nothing connects yet. `queue` must outlive the client's last queued work; `main` is the main loop.
-    RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main, const Clock& clock);
+    /// Takes a whole log line: "[relay] ", the text, a line end. Any thread, several at once.
+    using Printer = void (*)(const std::string& line);
+
+    /// Where the log lines of all clients go beside `onLog`; standard output at first and again for null.
+    static void setPrinter(Printer printer);
+
+    /// Nothing connects yet. `queue` and `main`, the main loop, must outlive the client's last queued work.
+    RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main,
+                const Clock& clock);
     RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main, const Clock& clock,
                 Timing timing);
-    /// Drops the connection; no callback comes afterwards. Main thread.
+    /// Drops the connection; no callback comes afterwards, but one `onPrepare` may still be under way. Main thread,
+    /// also within a callback.
     ~RelayClient();
 
     /// Before the first `connect`, on the main thread.
     void setCallbacks(Callbacks callbacks);
 
-    /// Stores the provider and opens the connection; an older one is dropped.
+    /// Stores the provider and opens the connection; an older one is dropped without `onDisconnected`, an older attempt
+    /// still waiting for its token is forgotten. A reconnect that was already due leaves a standing connection alone.
     void connect(TokenProvider tokenProvider);
 
     /// Stays down until the next `connect`. The wanted channels stay as they are.
@@ -79,7 +89,7 @@ class RelayClient {
     /// Takes from the wanted channels.
     void unsubscribe(std::vector<std::string> channels);
 
-  private:
+ private:
     class Core;
     std::shared_ptr<Core> core_;
 };

@@ -9,15 +9,16 @@
 namespace vmr {
 
 /// One client connection, used once. All calls and all events are on the queue it was made for; after `cancel` or
-/// destruction no event comes. Exactly one of `onClosed` and `onFailed` ends it, as its last event.
+/// destruction no event comes, and both are allowed within an event. Exactly one of `onClosed` and `onFailed` ends it,
+/// as its last event.
 class WebSocket {
-  public:
+ public:
     struct Events {
-        std::function<void()> onOpen;                                ///< the handshake succeeded
-        std::function<void(std::string bytes, bool binary)> onFrame; ///< one whole message
-        std::function<void(int code)> onClosed;                      ///< the peer closed, with this close code
-        std::function<void(std::string error)> onFailed;             ///< any other end: resolve, connect, TLS, read
-        std::function<void(std::string error)> onSendFailed;         ///< a send failed; the reading side tells the end
+        std::function<void()> onOpen;                                 ///< the handshake succeeded
+        std::function<void(std::string bytes, bool binary)> onFrame;  ///< one whole message
+        std::function<void(int code)> onClosed;                       ///< the peer closed, with this close code
+        std::function<void(std::string error)> onFailed;              ///< any other end: resolve, connect, TLS, read
+        std::function<void(std::string error)> onSendFailed;          ///< a send failed; the reading side tells the end
     };
 
     virtual ~WebSocket() = default;
@@ -29,7 +30,8 @@ class WebSocket {
     /// Sends one text message after those already given; before `onOpen` it waits for it.
     virtual void sendText(std::string text) = 0;
 
-    /// Ends without further events: a close frame with `code` when the connection stands, else a plain drop.
+    /// Ends without further events: a close frame with `code` when the connection stands; a plain drop before that, and
+    /// for 1006, which no close frame may carry.
     virtual void cancel(int code) = 0;
 };
 
