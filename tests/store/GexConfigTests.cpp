@@ -1,0 +1,187 @@
+// The settings: lenient reading, limits, setting by name, storing; and their colours.
+#include <gmock/gmock.h>
+
+#include <limits>
+#include <set>
+
+#include "base/Json.h"
+#include "base/NumberText.h"
+#include "store/ConfigIO.h"
+#include "store/HexColor.h"
+
+namespace vmr {
+namespace {
+
+// Each key with its default, as the stored record's readers of other versions know them.
+const char* const defaults =
+    R"({"candleTheme":"mono","initialCandles":200,"lineRates":true,"lineOpacity":100.0,"gexEnabled":true,)"
+    R"("gexLabels":true,"gexOpacity":62.0,"gexSource":"ETF","gexBubbles":true,"gexBubbleOpacity":100.0,)"
+    R"("gexPosColor":"#26a69a","gexNegColor":"#ef5350","dexEnabled":false,"dexLabels":false,"wallsEnabled":true,)"
+    R"("levelsEnabled":true,"sessionEnabled":true,"sessionStart":1800,"showOpen":true,"showPrev":true,)"
+    R"("vwapEnabled":true,"vwapNyEnabled":false,"showSecondary":true,"hfEnabled":true,"hfScale":5.0,)"
+    R"("hfLineOpacity":100.0,"hfLateralEnabled":true,"hfLateralMode":"separated","hfLateralOpacity":52.0,)"
+    R"("hfBubbles":true,"hfCallColor":"#00bcd4","hfPutColor":"#ff7a00","hfTriangleOpacity":100.0,)"
+    R"("hfPressure":false,"hfScaleBySymbol":{},"vixEnabled":true,"vixMode":"30d","vixScale":0.08,"vixSmooth":5,)"
+    R"("ema1Enabled":false,"ema1Period":9,"ema1Color":"#00E5FF","ema2Enabled":false,"ema2Period":200,)"
+    R"("ema2Color":"#FF7A00","oiEnabled":false,"oiOpacity":40.0,"showNyClock":true,"showCountdown":true,)"
+    R"("simEnabled":false,"simBalance":50000.0,"simCommission":2.5,"oscEnabled":true,"oscHeight":200.0,)"
+    R"("oscNq":true,"oscEs":true,"oscVix":true,"oscCall":true,"oscPut":true,"oscNet":true})";
+
+GexConfig read(const std::string& json) {
+    const auto config = GexConfig::fromJson(json);
+    EXPECT_TRUE(config) << json;
+    return config.value_or(GexConfig());
+}
+
+TEST(GexConfig, WritesItsSixtyKeysWithTheirDefaults) {
+    const auto expected = Json::parse(defaults);
+    const auto written = Json::parse(GexConfig().toJson());
+    ASSERT_TRUE(expected && written);
+    EXPECT_EQ(expected->size(), 60u);
+    EXPECT_EQ(written->size(), expected->size());
+    for (const auto& [key, value] : expected->members()) EXPECT_EQ((*written)[key].text(), value.text()) << key;
+    EXPECT_EQ(read("{}"), GexConfig());
+    EXPECT_EQ(read(defaults), GexConfig());
+}
+
+// Another value of the same type, within every limit.
+std::string other(JsonView value) {
+    if (value.kind() == JsonView::Kind::boolean) return value.boolean() ? "false" : "true";
+    if (value.isString()) return "\"other \\\"text\\\" é\"";
+    if (value.isObject()) return R"({"NQ":0.1,"":1e-9})";
+    if (value.kind() == JsonView::Kind::integer) return std::to_string(value.integer() + 1);
+    return doubleText(value.number() * 0.9 + 0.3);
+}
+
+TEST(GexConfig, EveryFieldSurvivesARoundTripAndTouchesNoOther) {
+    const auto all = Json::parse(defaults);
+    for (const auto& [key, value] : all->members()) {
+        const std::string changed = other(value);
+        const GexConfig one = read("{\"" + std::string(key) + "\":" + changed + "}");
+        EXPECT_NE(one, GexConfig()) << key;
+        EXPECT_EQ(read(one.toJson()), one) << key;
+        const auto written = Json::parse(one.toJson());
+        for (const auto& [otherKey, otherValue] : all->members())
+            EXPECT_TRUE(otherKey == key || (*written)[otherKey].text() == otherValue.text()) << key << " " << otherKey;
+        GexConfig set;
+        EXPECT_EQ(set.set(key, changed), std::nullopt) << key;
+        EXPECT_EQ(set, one) << key;
+    }
+}
+
+TEST(GexConfig, AMistypedFieldGetsItsDefaultAndNoOther) {
+    const auto all = Json::parse(defaults);
+    for (const auto& [key, value] : all->members()) {
+        for (const std::string wrong : {"null", "[]", "{\"a\":true}", "\"5\"", "true", "1.5"}) {
+            const bool isText = value.isString() && wrong == "\"5\"";
+            const bool isFlag = value.kind() == JsonView::Kind::boolean && wrong == "true";
+            const bool isNumber = value.kind() == JsonView::Kind::floating && wrong == "1.5";
+            if (isText || isFlag || isNumber) continue;
+            const std::string quoted = "\"" + std::string(key) + "\":" + wrong;
+            GexConfig expected;
+            expected.vixScale = 0.5;
+            if (key == "vixScale") expected = GexConfig();
+            const std::string neighbour = key == "vixScale" ? "" : ",\"vixScale\":0.5";
+            EXPECT_EQ(read("{" + quoted + neighbour + ",\"unknown\":{}}"), expected) << quoted;
+            GexConfig untouched;
+            EXPECT_THAT(untouched.set(key, wrong).value_or(""), testing::StartsWith("wrong type for " + std::string(key)));
+            EXPECT_EQ(untouched, GexConfig());
+        }
+    }
+}
+
+TEST(GexConfig, LimitsFourFieldsAndNoOthers) {
+    const std::pair<const char*, std::int64_t> counts[] = {{"150", 200}, {"135", 200}, {"10", 30},   {"30", 30},
+                                                           {"5000", 1000}, {"1000", 1000}, {"-1", 30}, {"136", 136},
+                                                           {"200.0", 200}, {"31.5", 200}, {"9223372036854775807", 1000},
+                                                           {"9223372036854775808", 200}, {"1e300", 200}};
+    for (const auto& [stored, value] : counts)
+        EXPECT_EQ(read("{\"initialCandles\":" + std::string(stored) + "}").initialCandles, value) << stored;
+    const struct {
+        const char* json;
+        double GexConfig::*field;
+        double value;
+    } numbers[] = {
+        {R"({"simBalance":5})", &GexConfig::simBalance, 1000},
+        {R"({"simBalance":-1e300})", &GexConfig::simBalance, 1000},
+        {R"({"simBalance":20000000})", &GexConfig::simBalance, 20000000},
+        {R"({"simCommission":-1})", &GexConfig::simCommission, 0},
+        {R"({"simCommission":100})", &GexConfig::simCommission, 50},
+        {R"({"simCommission":50})", &GexConfig::simCommission, 50},
+        {R"({"oscHeight":50})", &GexConfig::oscHeight, 100},
+        {R"({"oscHeight":1000})", &GexConfig::oscHeight, 400},
+        {R"({"lineOpacity":-1000})", &GexConfig::lineOpacity, -1000},
+        {R"({"vixScale":1e9})", &GexConfig::vixScale, 1e9},
+    };
+    for (const auto& c : numbers) EXPECT_EQ(read(c.json).*c.field, c.value) << c.json;
+    EXPECT_EQ(read(R"({"sessionStart":-99999999999})").sessionStart, -99999999999);
+    EXPECT_TRUE(read(R"({"hfScaleBySymbol":{"NQ":1,"ES":"x"}})").hfScaleBySymbol.empty());
+    GexConfig config;
+    EXPECT_EQ(config.set("initialCandles", "150"), std::nullopt);
+    EXPECT_EQ(config.initialCandles, 200);
+    EXPECT_EQ(config.set("oscHeight", "1"), std::nullopt);
+    EXPECT_EQ(config.oscHeight, 100);
+}
+
+TEST(GexConfig, RefusesWhatIsNoObjectAndTellsWhatCannotBeSet) {
+    for (const char* text : {"", "[]", "null", "5", "{", "{\"a\":1,}", "\xff"}) EXPECT_FALSE(GexConfig::fromJson(text)) << text;
+    GexConfig config;
+    EXPECT_EQ(config.set("vixscale", "1"), "there is no setting vixscale");
+    EXPECT_EQ(config.set("vixScale", "1,5"), "the value is not JSON: 1,5");
+    EXPECT_EQ(config.set("vixScale", "\"1\""), "wrong type for vixScale: \"1\"");
+    EXPECT_EQ(config, GexConfig());
+}
+
+TEST(GexConfig, HfScaleIsTheUsersThenTheBuiltInThenOne) {
+    GexConfig config;
+    const std::pair<const char*, double> builtIn[] = {{"NQ", 5}, {"ES", 0.5}, {"RTY", 1}, {"YM", 1}, {"GC", 50}, {"CL", 1},
+                                                      {"AAPL", 0.2}, {"NVDA", 0.1}, {"MSFT", 1}, {"GOOGL", 1},
+                                                      {"AMZN", 0.2}, {"META", 0.5}, {"TSLA", 0.4}, {"SI", 1}, {"", 1}};
+    for (const auto& [symbol, scale] : builtIn) EXPECT_EQ(config.hfScaleFor(symbol), scale) << symbol;
+    config.hfScaleBySymbol["NQ"] = 7;
+    EXPECT_EQ(config.hfScaleFor("NQ"), 7);
+}
+
+TEST(ConfigIO, LoadsWhatWasSavedAndWritesNothingItself) {
+    MemoryPreferences preferences;
+    EXPECT_EQ(ConfigIO::load(preferences), GexConfig());
+    preferences.set("gex-config", "broken");
+    EXPECT_EQ(ConfigIO::load(preferences), GexConfig());
+    EXPECT_EQ(preferences.get("gex-config"), "broken");
+    GexConfig config;
+    config.vixMode = "1d";
+    ConfigIO::save(preferences, config);
+    EXPECT_EQ(ConfigIO::load(preferences), config);
+    ConfigIO::suppressSave = true;
+    ConfigIO::save(preferences, GexConfig());
+    ConfigIO::suppressSave = false;
+    EXPECT_EQ(ConfigIO::load(preferences), config);
+    preferences.set("gex-last-symbol", "ES");
+    preferences.set("gex-timeframe", "5");
+    preferences.set("another", "kept");
+    ConfigIO::reset(preferences);
+    EXPECT_THAT(preferences.values(), testing::ElementsAre(testing::Pair("another", "kept")));
+}
+
+TEST(HexColor, ReadsSixDigitsOrWhite) {
+    const Rgb orange{1, 122 / 255.0, 0};
+    for (const char* text : {" #FF7A00 ", "ff7a00", "\tFf7a00", "#ff7A00\t "}) EXPECT_EQ(HexColor::rgb(text), orange) << text;
+    for (const char* text : {"", "#", "fff", "#fff", "ff7a0g", "zzzzzz", "##ff7a0", "#ff7a000", "0xff7a", "-f7a00", "+f7a00",
+                             "ff 7a0", "\nff7a00", "ff7a00\n", "# ff7a0"})
+        EXPECT_EQ(HexColor::rgb(text), (Rgb{1, 1, 1})) << text;
+    EXPECT_EQ(HexColor::rgb("000000"), (Rgb{0, 0, 0}));
+}
+
+TEST(HexColor, WritesRoundedLowerCase) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(HexColor::hex({1, 122 / 255.0, 0}), "#ff7a00");
+    EXPECT_EQ(HexColor::hex({0.5 / 255, 1.5 / 255, 0.49 / 255}), "#010200");
+    EXPECT_EQ(HexColor::hex({-1, 2, nan}), "#00ffff");
+    for (int v = 0; v < 256; ++v) {
+        const std::string text = HexColor::hex({v / 255.0, 0, 1});
+        EXPECT_EQ(HexColor::hex(HexColor::rgb(text)), text);
+    }
+}
+
+}  // namespace
+}  // namespace vmr
