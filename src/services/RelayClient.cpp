@@ -306,7 +306,8 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         main_.post([owner = owner_, &queue = queue_, delivery = std::move(delivery)]() mutable {
             owner->deliver(*delivery);
             // what took long to build takes long to free
-            if (owner->callbacks && delivery->heavy()) queue.post([spent = std::move(delivery)] {});
+            if (owner->callbacks && delivery->heavy())
+                queue.post([spent = std::move(delivery)]() mutable { spent.reset(); });
         });
     }
 

@@ -14,8 +14,9 @@ TEST_F(RelayMessages, SubscriptionsWaitForTheGreetingAndSurviveReconnects) {
     client->subscribe({"a", "dropped"});
     client->unsubscribe({"dropped", "never wanted"});
     connect();
-    client->subscribe({"c"});
+    client->subscribe({"c", "left again"});
     sockets.last().accept();
+    client->unsubscribe({"left again"});
     time.runUntilIdle();
     EXPECT_THAT(sockets.last().sent, IsEmpty());
     greet();
@@ -102,7 +103,7 @@ TEST_F(RelayMessages, ABatchIsOneTurnOfTheMainLoop) {
 TEST_F(RelayMessages, PreparedDataIsMadeAndDestroyedOnTheQueue) {
     std::vector<std::string> places;
     const auto place = [&](const char* what) {
-        places.push_back(what + std::string(main.isCurrent() ? " main" : " queue"));
+        places.push_back(what + std::string(main.isCurrent() ? " main" : queue.isCurrent() ? " queue" : " elsewhere"));
     };
     auto made = callbacks();
     made.onPrepare = [&](const std::string& channel, JsonView payload) -> std::any {
