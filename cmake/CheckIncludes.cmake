@@ -1,6 +1,8 @@
 # Refuses an include against the layers, and any Qt include outside src/ui and src/app.
 # Run as: cmake -DROOT=<repository> -P cmake/CheckIncludes.cmake
 
+cmake_minimum_required(VERSION 3.22)
+
 set(allow_base base perf)
 set(allow_market market base perf)
 set(allow_store store market base perf)

@@ -113,7 +113,8 @@ void AppModel::signIn(const std::string& email, const std::string& password, boo
                     [this, weak = std::weak_ptr(alive_), email, done = std::move(done)](std::optional<AuthError> error) {
                         if (weak.expired()) return;
                         if (error) {
-                            authError = error->text();
+                            // a sign-out in between is no failure to tell
+                            if (error->kind != AuthError::Kind::notSignedIn) authError = error->text();
                         } else {
                             userEmail = email;
                             isSignedIn = true;
