@@ -87,23 +87,11 @@ bool AxisLayer::drawAbove(ScreenFrame& frame) {
 
 void AxisLayer::findPriceTicks(const ScreenFrame& frame) {
     priceTicks_ = AxisScale::priceTicks(frame.viewport, frame.height);
-    if (priceTicks_.count == 0) return;
-    // In a low view the steps can be closer than a line of text: keep the rounder ones, always the same.
-    const double perPrice = frame.height * 0.9 / (frame.viewport.maxP - frame.viewport.minP);
-    const double room = text_.lineHeight(axisStyle) + 2.0;
-    double every = 1;
-    for (const double next : {2.0, 5.0, 10.0, 20.0}) {
-        if (priceTicks_.step * every * perPrice >= room) break;
-        every = next;
-    }
-    const auto kept = [&](double value) {
-        const double cents = value * 100.0;
-        const bool exact = std::abs(cents - std::round(cents)) < 0.01;  // else two labels could read the same
-        return exact && std::fmod(std::round(value / priceTicks_.step), every) == 0.0;
-    };
     std::size_t count = 0;
     for (const double value : priceTicks_.span()) {
-        if (kept(value)) priceTicks_.values[count++] = value;
+        const double cents = value * 100.0;
+        const bool exact = std::abs(cents - std::round(cents)) < 0.01;  // else two labels could read the same
+        if (exact) priceTicks_.values[count++] = value;
     }
     priceTicks_.count = count;
 }

@@ -115,6 +115,10 @@ TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
                 const Drawn &a = labels[i], &b = labels[j];
                 const bool apart = a.right <= b.left || b.right <= a.left || a.bottom <= b.top || b.bottom <= a.top;
                 EXPECT_TRUE(apart) << a.left << "," << a.top << " and " << b.left << "," << b.top;
+                const bool prices = a.left > plotRight() && b.left > plotRight() && b.bottom < plotBottom();
+                if (prices) {
+                    EXPECT_GE(std::abs(a.top - b.top), 16 - slack) << "lines of text crowd";
+                }
             }
             // The tag's box is 18 points high around its text.
             if (tag != nullptr && &labels[i] != tag && labels[i].left > plotRight() &&
