@@ -1,0 +1,34 @@
+#include "relay/Accounts.h"
+
+#include <iterator>
+
+namespace vmr {
+
+IssuedTokens Accounts::issue() {
+    const double now = clock_.monotonic();
+    std::erase_if(idTokens_, [now](const auto& entry) { return entry.second <= now; });
+    // the identity token holds what an address must escape and what it must not unescape; the refresh token travels
+    // bare in a form
+    IssuedTokens tokens{"vmr." + uuids_.next().text() + "|a+b/c=." + uuids_.next().text(),
+                        "vmr-r_" + uuids_.next().text()};
+    idTokens_[tokens.idToken] = now + tokenLife_;
+    refreshTokens_[tokens.refreshToken] = true;
+    return tokens;
+}
+
+bool Accounts::accepts(const std::string& idToken) const {
+    const auto found = idTokens_.find(idToken);
+    return found != idTokens_.end() && clock_.monotonic() < found->second;
+}
+
+Accounts::Refresh Accounts::refreshState(const std::string& refreshToken) const {
+    const auto found = refreshTokens_.find(refreshToken);
+    if (found == refreshTokens_.end()) return Refresh::unknown;
+    return found->second ? Refresh::good : Refresh::expired;
+}
+
+void Accounts::expireRefreshTokens() {
+    for (auto& entry : refreshTokens_) entry.second = false;
+}
+
+}  // namespace vmr

@@ -1,0 +1,84 @@
+#include "relay/ChannelHub.h"
+
+#include <algorithm>
+
+namespace vmr {
+
+void ChannelHub::add(std::unique_ptr<Publisher> publisher) { publishers_.push_back(std::move(publisher)); }
+
+Publisher* ChannelHub::publisherOf(const std::string& channel) const {
+    for (const auto& one : publishers_) {
+        if (one->serves(channel)) return one.get();
+    }
+    return nullptr;
+}
+
+std::vector<std::string> ChannelHub::subscribe(Subscriber& subscriber, const std::vector<std::string>& channels,
+                                               std::int64_t nowMs) {
+    struct Wish {
+        int order;
+        std::string channel;
+        Publisher* publisher;
+    };
+    tick(nowMs);
+    std::vector<Wish> wishes;
+    std::vector<std::string> refused;
+    std::size_t held = channelsOf(subscriber).size();
+    for (const std::string& channel : channels) {
+        Publisher* publisher = publisherOf(channel);
+        const auto known = listeners_.find(channel);
+        const bool fresh = known == listeners_.end() || !known->second.contains(&subscriber);
+        if (!publisher || (fresh && held >= mostChannels)) {
+            refused.push_back(channel);
+            continue;
+        }
+        held += fresh;
+        if (known == listeners_.end()) publisher->opened(channel, nowMs);
+        listeners_[channel].insert(&subscriber);
+        wishes.push_back({publisher->order(channel), channel, publisher});
+    }
+    std::stable_sort(wishes.begin(), wishes.end(), [](const Wish& a, const Wish& b) { return a.order < b.order; });
+    for (const Wish& wish : wishes) {
+        if (auto text = wish.publisher->snapshot(wish.channel)) subscriber.send(Frame(std::move(*text)));
+    }
+    return refused;
+}
+
+void ChannelHub::remove(Subscriber& subscriber, const std::string& channel) {
+    const auto found = listeners_.find(channel);
+    if (found == listeners_.end() || found->second.erase(&subscriber) == 0 || !found->second.empty()) return;
+    listeners_.erase(found);
+    publisherOf(channel)->closed(channel);
+}
+
+void ChannelHub::unsubscribe(Subscriber& subscriber, const std::vector<std::string>& channels) {
+    for (const std::string& channel : channels) remove(subscriber, channel);
+}
+
+void ChannelHub::leave(Subscriber& subscriber) { unsubscribe(subscriber, channelsOf(subscriber)); }
+
+void ChannelHub::tick(std::int64_t nowMs) {
+    for (const auto& one : publishers_) one->tick(nowMs);
+}
+
+void ChannelHub::publish(const std::string& channel, const Frame& frame) {
+    const auto found = listeners_.find(channel);
+    if (found == listeners_.end()) return;
+    for (Subscriber* one : found->second) one->send(frame);
+}
+
+std::vector<std::string> ChannelHub::channelsOf(const Subscriber& subscriber) const {
+    std::vector<std::string> names;
+    for (const auto& [name, listeners] : listeners_) {
+        if (listeners.contains(const_cast<Subscriber*>(&subscriber))) names.push_back(name);
+    }
+    return names;
+}
+
+std::vector<std::string> ChannelHub::channels() const {
+    std::vector<std::string> names;
+    for (const auto& entry : listeners_) names.push_back(entry.first);
+    return names;
+}
+
+}  // namespace vmr

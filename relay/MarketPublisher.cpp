@@ -1,0 +1,147 @@
+#include "relay/MarketPublisher.h"
+
+#include <algorithm>
+
+#include "relay/Payloads.h"
+
+namespace vmr {
+
+namespace {
+using Kind = MarketChannel::Kind;
+
+constexpr std::size_t tradesPerFrame = 2000;
+constexpr std::int64_t longestGapMs = 86400000;
+constexpr std::size_t minuteSnapshotBars = 2;
+
+payload::BarsShape historyShape(Family family) {
+    if (family == Family::futures) return payload::BarsShape::candles;
+    return family == Family::stocks ? payload::BarsShape::list : payload::BarsShape::keyed;
+}
+
+payload::BarShape eventShape(Family family) {
+    if (family == Family::futures) return payload::BarShape::minute;
+    return family == Family::stocks ? payload::BarShape::bareMs : payload::BarShape::bareSeconds;
+}
+}  // namespace
+
+/// Turns what a feed passes into messages on every contract's channels.
+class MarketPublisher::Announcer final : public FeedListener {
+ public:
+    Announcer(ChannelHub& hub, const Symbol& one) : hub_(hub), one_(one) {}
+
+    void onTrades(std::span<const Trade> trades) override {
+        for (; !trades.empty(); trades = trades.subspan(std::min(tradesPerFrame, trades.size()))) {
+            events_.clear();
+            for (const Trade& trade : trades.first(std::min(tradesPerFrame, trades.size()))) {
+                if (!events_.empty()) events_ += ',';
+                payload::appendTrade(events_, trade);
+            }
+            each(":trades", [this](const std::string& channel) { return payload::batch(channel, events_); });
+        }
+    }
+
+    void onClosedBar(const Candle& bar) override {
+        const std::string text = payload::bar(bar, eventShape(one_.instrument.family));
+        each(":1m", [&](const std::string& channel) { return payload::event(channel, text); });
+    }
+
+    template <class F>
+    void each(const char* ending, F message) {
+        for (const auto& entry : one_.channels) {
+            const std::string channel = entry.first + ending;
+            if (hub_.wanted(channel)) hub_.publish(channel, Frame(message(channel)));
+        }
+    }
+
+ private:
+    ChannelHub& hub_;
+    const Symbol& one_;
+    std::string events_;
+};
+
+MarketPublisher::MarketPublisher(ChannelHub& hub, std::uint64_t seed, const Instrument* tapeInstrument,
+                                 std::unique_ptr<TradeSource> tape)
+    : hub_(hub), simulated_(seed, calendar_) {
+    if (tape) symbols_.try_emplace(tapeInstrument, *tapeInstrument, std::move(tape));
+}
+
+MarketPublisher::Symbol& MarketPublisher::symbol(const Instrument& instrument) {
+    const auto found = symbols_.find(&instrument);
+    if (found != symbols_.end()) return found->second;
+    return symbols_.try_emplace(&instrument, instrument, simulated_.source(instrument)).first->second;
+}
+
+bool MarketPublisher::serves(const std::string& channel) const { return marketChannel(channel).has_value(); }
+
+int MarketPublisher::order(const std::string& channel) const { return static_cast<int>(marketChannel(channel)->kind); }
+
+void MarketPublisher::opened(const std::string& channel, std::int64_t nowMs) {
+    const auto name = marketChannel(channel);
+    Symbol& one = symbol(*name->instrument);
+    if (!one.feed) one.feed.emplace(*one.source, nowMs);
+    ++one.channels[name->base];
+}
+
+void MarketPublisher::closed(const std::string& channel) {
+    const auto name = marketChannel(channel);
+    Symbol& one = symbol(*name->instrument);
+    if (--one.channels[name->base] == 0) one.channels.erase(name->base);
+    if (one.channels.empty()) one.feed.reset();
+}
+
+std::optional<std::string> MarketPublisher::snapshot(const std::string& channel) {
+    const auto name = marketChannel(channel);
+    Symbol& one = symbol(*name->instrument);
+    if (!one.feed || name->kind == Kind::trades) return std::nullopt;
+    std::vector<Candle> bars = one.book.upTo(one.feed->nowMs());
+    if (name->kind == Kind::quote) {
+        if (!one.feed->last() && bars.empty()) return std::nullopt;
+        const double close = bars.empty() ? 0 : bars.back().close;
+        const Trade resting{0, close, 0, close, close + one.instrument.tick()};
+        return payload::snapshot(channel, payload::quote(one.feed->last().value_or(resting)));
+    }
+    if (name->kind == Kind::history)
+        return payload::snapshot(channel, payload::bars(bars, historyShape(one.instrument.family)));
+    if (bars.size() > minuteSnapshotBars) bars.erase(bars.begin(), bars.end() - minuteSnapshotBars);
+    return payload::snapshot(channel, payload::bars(bars, payload::BarsShape::candles));
+}
+
+void MarketPublisher::tick(std::int64_t nowMs) {
+    for (auto& [instrument, one] : symbols_) {
+        if (!one.feed) continue;
+        if (nowMs - one.feed->nowMs() > longestGapMs) {
+            one.feed.emplace(*one.source, nowMs);
+            resend(one);
+        } else {
+            Announcer announcer(hub_, one);
+            one.feed->advance(nowMs, announcer);
+        }
+        publishQuote(one);
+    }
+}
+
+void MarketPublisher::resend(Symbol& one) {
+    for (const auto& entry : one.channels) {
+        for (const char* ending : {"", ":1m"}) {
+            const std::string channel = entry.first + ending;
+            if (!hub_.wanted(channel)) continue;
+            if (auto text = snapshot(channel)) hub_.publish(channel, Frame(std::move(*text)));
+        }
+    }
+}
+
+void MarketPublisher::publishQuote(Symbol& one) {
+    if (one.instrument.family != Family::futures || !one.feed->last()) return;
+    std::string quote = payload::quote(*one.feed->last());
+    if (quote == one.lastQuote) return;
+    one.lastQuote = std::move(quote);
+    Announcer(hub_, one).each(":quote",
+                              [&](const std::string& channel) { return payload::event(channel, one.lastQuote); });
+}
+
+std::vector<Candle> MarketPublisher::ledger(const Instrument& instrument, std::int64_t nowMs) {
+    Symbol& one = symbol(instrument);
+    return one.book.upTo(one.feed ? one.feed->nowMs() : nowMs);
+}
+
+}  // namespace vmr

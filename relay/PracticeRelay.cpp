@@ -1,0 +1,142 @@
+#include "relay/PracticeRelay.h"
+
+#include <future>
+
+#include "base/AsioLoop.h"
+#include "relay/Accounts.h"
+#include "relay/ChannelHub.h"
+#include "relay/ChannelName.h"
+#include "relay/DerivedPublisher.h"
+#include "relay/FaultConsole.h"
+#include "relay/MarketPublisher.h"
+#include "relay/MarketTime.h"
+#include "relay/MetaPublisher.h"
+#include "relay/RestServer.h"
+#include "relay/SocketServer.h"
+#include "relay/Tape.h"
+
+namespace vmr {
+
+namespace {
+constexpr double tickSeconds = 0.08;
+
+/// All that lives on the relay's thread once it runs.
+struct Engine {
+    Engine(const Clock& theClock, const PracticeRelayOptions& options, const Instrument* tapeInstrument,
+           std::unique_ptr<TradeSource> tape)
+        : clock(theClock), accounts(theClock, options.tokenLife) {
+        auto marketChannels = std::make_unique<MarketPublisher>(hub, options.seed, tapeInstrument, std::move(tape));
+        auto metaChannels = std::make_unique<MetaPublisher>(hub);
+        market = marketChannels.get();
+        meta = metaChannels.get();
+        hub.add(std::move(marketChannels));
+        hub.add(std::move(metaChannels));
+        hub.add(std::make_unique<DerivedPublisher>());
+        console.emplace(FaultConsole::Parts{clock, faults, accounts, hub, *market, *meta, sockets});
+    }
+
+    std::optional<std::string> open(const PracticeRelayOptions& options) {
+        if (auto wrong = sockets.open(options.relayPort)) return wrong;
+        if (auto wrong = rest.open(options.restPort)) return wrong;
+        loop().every(tickSeconds, tickSeconds, [this] { hub.tick(marketMs(clock)); });
+        return std::nullopt;
+    }
+
+    /// Runs `work` on the relay's thread and gives what it gives.
+    template <class F>
+    auto invoke(F work) -> decltype(work()) {
+        if (loop().isCurrent()) return work();
+        auto done = std::make_shared<std::promise<decltype(work())>>();
+        auto result = done->get_future();
+        loop().post([done, &work] { done->set_value(work()); });
+        return result.get();
+    }
+
+    /// The sockets go first, then the thread with all that is still under way, then what that referred to.
+    ~Engine() {
+        invoke([this] {
+            sockets.stop();
+            rest.stop();
+            return true;
+        });
+        thread.reset();
+    }
+
+    AsioLoop& loop() { return thread->loop(); }
+
+    const Clock& clock;
+    Faults faults;
+    Accounts accounts;
+    ChannelHub hub;
+    MarketPublisher* market;
+    MetaPublisher* meta;
+    RestApi api{accounts, faults};
+    std::unique_ptr<AsioThread> thread = std::make_unique<AsioThread>("vmr-relay");
+    SocketServer sockets{{loop(), clock, accounts, faults, hub}};
+    RestServer rest{loop(), api, faults};
+    std::optional<FaultConsole> console;
+};
+
+/// The market that a tape is; nothing and what is wrong in `error` when it cannot be played.
+std::unique_ptr<TradeSource> loadTape(const TapeOptions& options, const Instrument*& instrument, std::string& error) {
+    instrument = findTradable(options.symbol);
+    if (instrument) return Tape::load(options.file, instrument->tick(), error);
+    error = "\"" + options.symbol + "\" is neither a futures root nor a stock of the practice market";
+    return nullptr;
+}
+}  // namespace
+
+struct PracticeRelay::Impl {
+    const Clock& clock;
+    PracticeRelayOptions options;
+    std::unique_ptr<Engine> engine;
+};
+
+PracticeRelay::PracticeRelay(const Clock& clock, PracticeRelayOptions options)
+    : impl_(new Impl{clock, std::move(options), nullptr}) {}
+
+PracticeRelay::~PracticeRelay() = default;
+
+std::optional<std::string> PracticeRelay::start() {
+    if (impl_->engine) return "the relay runs already";
+    const PracticeRelayOptions& options = impl_->options;
+    const Instrument* instrument = nullptr;
+    std::unique_ptr<TradeSource> tape;
+    if (options.tape) {
+        std::string error;
+        tape = loadTape(*options.tape, instrument, error);
+        if (!tape) return error;
+    }
+    auto engine = std::make_unique<Engine>(impl_->clock, options, instrument, std::move(tape));
+    if (auto wrong = engine->invoke([&] { return engine->open(options); })) return wrong;
+    impl_->engine = std::move(engine);
+    return std::nullopt;
+}
+
+std::string PracticeRelay::relayUrl() const {
+    return impl_->engine ? "ws://127.0.0.1:" + std::to_string(impl_->engine->sockets.port()) + "/" : std::string();
+}
+
+std::string PracticeRelay::restUrl() const {
+    return impl_->engine ? "http://127.0.0.1:" + std::to_string(impl_->engine->rest.port()) : std::string();
+}
+
+std::string PracticeRelay::apiKey() const { return std::string(Accounts::apiKey); }
+
+std::string PracticeRelay::email() const { return std::string(Accounts::email); }
+
+std::string PracticeRelay::password() const { return std::string(Accounts::password); }
+
+std::string PracticeRelay::command(const std::string& line) {
+    if (!impl_->engine) return "error: the relay does not run";
+    return impl_->engine->invoke([&] { return impl_->engine->console->run(line); });
+}
+
+std::vector<Candle> PracticeRelay::ledger(const std::string& channel) const {
+    const auto name = marketChannel(channel);
+    if (!name || !impl_->engine) return {};
+    Engine& engine = *impl_->engine;
+    return engine.invoke([&] { return engine.market->ledger(*name->instrument, marketMs(engine.clock)); });
+}
+
+}  // namespace vmr

@@ -1,0 +1,109 @@
+#include "relay/RestApi.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "base/Json.h"
+#include "base/NumberText.h"
+#include "relay/Query.h"
+
+namespace vmr {
+
+namespace {
+RestReply fault(int status, const std::string& message) {
+    const nlohmann::json cause{{"message", message}, {"domain", "global"}, {"reason", "invalid"}};
+    return {status, nlohmann::json{{"error", {{"code", status}, {"message", message}, {"errors", {cause}}}}}.dump()};
+}
+
+std::string lower(std::string_view text) {
+    std::string out(text);
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return out;
+}
+
+/// What is wrong with the account that a JSON body names.
+std::optional<RestReply> accountFault(const std::optional<Json>& body) {
+    if (!body || !body->isObject()) return fault(400, "Invalid JSON payload received.");
+    const std::string_view email = (*body)["email"].string();
+    if (email.empty()) return fault(400, "MISSING_EMAIL");
+    if (email.find('@') == email.npos) return fault(400, "INVALID_EMAIL");
+    if (lower(email) != Accounts::email) return fault(400, "EMAIL_NOT_FOUND");
+    return std::nullopt;
+}
+}  // namespace
+
+RestReply RestApi::answer(const RestRequest& request) {
+    using Endpoint = RestReply (*)(RestApi&, const std::string&);
+    struct Route {
+        std::string_view path;
+        Endpoint call;
+    };
+    static constexpr Route routes[] = {
+        {"/v1/accounts:signInWithPassword", [](RestApi& api, const std::string& body) { return api.signIn(body); }},
+        {"/v1/token", [](RestApi& api, const std::string& body) { return api.refresh(body); }},
+        {"/v1/accounts:sendOobCode", [](RestApi& api, const std::string& body) { return api.sendCode(body); }},
+    };
+    const std::string_view target = request.target;
+    const std::string path = percentDecoded(target.substr(0, target.find('?')));
+    const auto* route =
+        std::find_if(std::begin(routes), std::end(routes), [&](const Route& one) { return one.path == path; });
+    if (route == std::end(routes)) return fault(404, "Not found");
+    if (request.method != "POST") return fault(405, "Method not allowed");
+    const auto key = queryValue(queryOf(target), "key");
+    if (!key) return fault(403, "The request is missing a valid API key.");
+    if (*key != Accounts::apiKey) return fault(400, "API key not valid. Please pass a valid API key.");
+    return route->call(*this, request.body);
+}
+
+RestReply RestApi::signIn(const std::string& text) {
+    const auto body = Json::parse(text);
+    if (auto wrong = accountFault(body)) return *wrong;
+    const std::string_view password = (*body)["password"].string();
+    if (password.empty()) return fault(400, "MISSING_PASSWORD");
+    if (faults_.refuse) return fault(400, "USER_DISABLED");
+    if (password != Accounts::password) return fault(400, "INVALID_PASSWORD");
+    const IssuedTokens tokens = accounts_.issue();
+    return {200, nlohmann::json{{"kind", "identitytoolkit#VerifyPasswordResponse"},
+                                {"localId", Accounts::localId},
+                                {"email", Accounts::email},
+                                {"displayName", ""},
+                                {"registered", true},
+                                {"idToken", tokens.idToken},
+                                {"refreshToken", tokens.refreshToken},
+                                {"expiresIn", doubleText(accounts_.tokenLife())}}
+                     .dump()};
+}
+
+RestReply RestApi::refresh(const std::string& form) {
+    const auto grant = queryValue(form, "grant_type");
+    if (!grant) return fault(400, "MISSING_GRANT_TYPE");
+    if (*grant != "refresh_token") return fault(400, "INVALID_GRANT_TYPE");
+    const auto token = queryValue(form, "refresh_token");
+    if (!token || token->empty()) return fault(400, "MISSING_REFRESH_TOKEN");
+    const Accounts::Refresh state = accounts_.refreshState(*token);
+    if (state == Accounts::Refresh::unknown) return fault(400, "INVALID_REFRESH_TOKEN");
+    if (state == Accounts::Refresh::expired) return fault(400, "TOKEN_EXPIRED");
+    const IssuedTokens tokens = accounts_.issue();
+    return {200, nlohmann::json{{"access_token", tokens.idToken},
+                                {"id_token", tokens.idToken},
+                                {"refresh_token", tokens.refreshToken},
+                                {"expires_in", doubleText(accounts_.tokenLife())},
+                                {"token_type", "Bearer"},
+                                {"user_id", Accounts::localId},
+                                {"project_id", "1"}}
+                     .dump()};
+}
+
+RestReply RestApi::sendCode(const std::string& text) const {
+    const auto body = Json::parse(text);
+    if (!body || !body->isObject()) return fault(400, "Invalid JSON payload received.");
+    if ((*body)["requestType"].string() != "PASSWORD_RESET") return fault(400, "MISSING_REQ_TYPE");
+    if (auto wrong = accountFault(body)) return *wrong;
+    return {
+        200,
+        nlohmann::json{{"kind", "identitytoolkit#GetOobConfirmationCodeResponse"}, {"email", Accounts::email}}.dump()};
+}
+
+}  // namespace vmr

@@ -1,0 +1,31 @@
+// The seam between what trades and what is told of it.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace vmr {
+
+/// One trade and the quote it leaves behind.
+struct Trade {
+    std::int64_t timeMs = 0;  ///< milliseconds since 1970
+    double price = 0;
+    double size = 0;  ///< 0 for a price that moved without volume
+    double bid = 0;
+    double ask = 0;
+    bool operator==(const Trade&) const = default;
+};
+
+/// One symbol's market. The same minute always has the same trades. One thread.
+class TradeSource {
+ public:
+    virtual ~TradeSource() = default;
+
+    /// Puts the trades of [minute, minute + 60 s) into `trades`, in order of time; none while the market is closed.
+    virtual void minuteTrades(std::int64_t minute, std::vector<Trade>& trades) = 0;
+
+    /// The first minute of the history that a chart opened at `t` gets.
+    virtual std::int64_t historyStart(std::int64_t t) = 0;
+};
+
+}  // namespace vmr

@@ -1,0 +1,87 @@
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <mutex>
+#include <thread>
+
+#include "base/AsioLoop.h"
+#include "base/NumberText.h"
+#include "market/SessionTime.h"
+#include "relay/CommandLine.h"
+#include "relay/PracticeRelay.h"
+
+namespace {
+void print(const std::string& text) {
+    std::fputs((text + "\n").c_str(), stdout);
+    std::fflush(stdout);
+}
+
+/// The relay as the reading thread sees it, which nothing can wake at the end.
+struct CommandTarget {
+    std::mutex mutex;
+    vmr::PracticeRelay* relay = nullptr;  // nothing once the program ends
+};
+
+void readCommands(const std::shared_ptr<CommandTarget>& target) {
+    std::string line;
+    while (std::getline(std::cin, line)) {
+        if (line.find_first_not_of(" \t\r") == line.npos) continue;
+        std::lock_guard lock(target->mutex);
+        if (!target->relay) return;
+        print(target->relay->command(line));
+    }
+}
+
+void announce(const vmr::PracticeRelay& relay, const vmr::RelayCommandLine& line, const vmr::Clock& clock) {
+    print("VMR_RELAY_URL=" + relay.relayUrl());
+    print("VMR_IDENTITY_URL=" + relay.restUrl());
+    print("VMR_SECURETOKEN_URL=" + relay.restUrl());
+    print("VMR_API_KEY=" + relay.apiKey());
+    if (line.clock) print("VMR_CLOCK=" + vmr::momentText(clock.now()) + "@" + vmr::doubleText(clock.speed()));
+    print("# account: " + relay.email() + "   password: " + relay.password());
+    const auto now = static_cast<std::int64_t>(clock.now());
+    if (!line.relay.tape && !vmr::SessionTime().marketOpen(now, false)) {
+        print("# the market is closed at " + vmr::momentText(clock.now()) + "; --clock starts it at another moment");
+    }
+    print("# type help for the faults that can be made");
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    const auto lookup = [](const char* name) -> std::optional<std::string> {
+        const char* value = std::getenv(name);
+        return value ? std::optional<std::string>(value) : std::nullopt;
+    };
+    const auto line = vmr::readRelayCommandLine({argv + 1, argv + argc}, lookup);
+    if (line.help) {
+        std::fputs(vmr::relayHelp().c_str(), stdout);
+        return 0;
+    }
+    const auto complain = [](const std::string& text) {
+        std::fprintf(stderr, "velmora-relay: %s\n", text.c_str());
+        return 2;
+    };
+    if (!line.error.empty()) return complain(line.error + " (see --help)");
+
+    const vmr::SystemClock clock =
+        line.clock ? vmr::SystemClock(line.clock->start, line.clock->speed) : vmr::SystemClock();
+    vmr::AsioLoop loop;
+    boost::asio::signal_set signals(loop.context(), SIGINT, SIGTERM);
+    signals.async_wait([&loop](const boost::system::error_code&, int) { loop.quit(); });
+
+    vmr::PracticeRelay relay(clock, line.relay);
+    if (const auto wrong = relay.start()) return complain(*wrong);
+    announce(relay, line, clock);
+
+    std::ios::sync_with_stdio(false);  // so that the reader holds no lock of stdio when the program ends
+    const auto target = std::make_shared<CommandTarget>();
+    target->relay = &relay;
+    std::thread([target] { readCommands(target); }).detach();
+    loop.run();
+    std::lock_guard lock(target->mutex);
+    target->relay = nullptr;
+    return 0;
+}
