@@ -1,0 +1,160 @@
+// A random day's trades against a plain computation of the bars, written from the rules alone.
+#include <cmath>
+#include <map>
+#include <random>
+
+#include "model/PaneFixture.h"
+
+namespace vmr::test {
+namespace {
+
+// Nothing here is shared with the program: maps, division and the clock of one June week, four hours behind UTC.
+class PlainBars {
+  public:
+    PlainBars(bool isStock, bool rolls) : isStock_(isStock), rolls_(rolls) {}
+
+    void merge(const std::vector<Candle>& incoming) {
+        for (const Candle& bar : incoming) bars_[bar.time] = bar;
+        trim();
+    }
+    void roll(double now) {
+        const auto second = static_cast<std::int64_t>(std::floor(now));
+        const std::int64_t m = second - second % 60;
+        if (!rolls_ || bars_.empty() || !isOpen(second) || bars_.rbegin()->first >= m) return;
+        const double close = bars_.rbegin()->second.close;
+        bars_[m] = {m, close, close, close, close, 0};
+        trim();
+    }
+    void trade(double price, double tsMs) {
+        if (bars_.empty()) return;
+        const auto t = static_cast<std::int64_t>(std::floor(tsMs / 60000)) * 60;
+        const Candle last = bars_.rbegin()->second;
+        if (last.time > t) return;
+        if (last.time == t)
+            bars_[t] = {t, last.open, std::fmax(last.high, price), std::fmin(last.low, price), price, last.volume};
+        else
+            bars_[t] = {t, last.close, std::fmax(last.close, price), std::fmin(last.close, price), price, 0};
+        trim();
+    }
+    std::vector<Candle> bars() const {
+        std::vector<Candle> out;
+        for (const auto& [time, bar] : bars_) out.push_back(bar);
+        return out;
+    }
+    std::vector<Candle> atTimeframe(std::int64_t minutes) const {
+        std::map<std::int64_t, Candle> out;
+        for (const auto& [time, bar] : bars_) {
+            const std::int64_t bucket = time / (minutes * 60) * (minutes * 60);
+            const auto [place, isFirst] = out.try_emplace(bucket, bar);
+            Candle& one = place->second;
+            one.time = bucket;
+            if (isFirst) continue;
+            one = {bucket, one.open, std::fmax(one.high, bar.high), std::fmin(one.low, bar.low), bar.close,
+                   one.volume + bar.volume};
+        }
+        std::vector<Candle> list;
+        for (const auto& [time, bar] : out) list.push_back(bar);
+        return list;
+    }
+
+  private:
+    bool isOpen(std::int64_t t) const {
+        const std::int64_t local = t - 4 * 3600;
+        const std::int64_t weekday = (local / 86400 + 4) % 7;
+        const std::int64_t minuteOfDay = local % 86400 / 60;
+        if (isStock_) return weekday >= 1 && weekday <= 5 && minuteOfDay >= 570 && minuteOfDay < 960;
+        if (weekday == 6) return false;
+        if (weekday == 0) return minuteOfDay >= 1080;
+        if (weekday == 5) return minuteOfDay < 1020;
+        return minuteOfDay < 1020 || minuteOfDay >= 1080;
+    }
+    void trim() {
+        while (bars_.size() > 5000) bars_.erase(bars_.begin());
+    }
+    bool isStock_, rolls_;
+    std::map<std::int64_t, Candle> bars_;
+};
+
+class BarOracle : public PaneFixture {
+  protected:
+    std::mt19937 random{42};
+    double price = 100;
+
+    std::int64_t below(std::int64_t n) { return static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(n)); }
+
+    // Mostly now; sometimes late, far too late, or ahead of the local clock; quarters of a millisecond.
+    double tradeTime() {
+        const double now = time.now() * 1000;
+        switch (below(8)) {
+            case 0: return now - static_cast<double>(below(200'000));
+            case 1: return now - static_cast<double>(below(5'000)) * 0.25;
+            case 2: return now + static_cast<double>(below(3) == 0 ? below(150'000) : 0);
+            case 3: return std::floor(now / 60'000) * 60'000;
+            default: return now;
+        }
+    }
+
+    void play(const std::string& symbol, double start, int steps) {
+        time.setNow(start - 60);
+        openSymbol(symbol);
+        const std::string chart = model->chartChannel;
+        const std::string other = model->secondaryChannel;
+        PlainBars plain(symbol == "AAPL", true), plainOther(false, false);
+        const auto first = static_cast<std::int64_t>(start) / 60 * 60 - 4990 * 60;
+        std::vector<Candle> history;
+        for (int i = 0; i < 4990; ++i) history.push_back({first + i * 60, 100, 100, 100, 100, 1});
+        plain.merge(history);
+        snapshot(chart, flatBars(first, 4990));
+        if (!other.empty()) {
+            plainOther.merge(history);
+            snapshot(other, flatBars(first, 4990));
+        }
+        plain.roll(time.now());
+        for (int step = 0; step < steps; ++step) {
+            const double before = time.now();
+            const double after = before + static_cast<double>(below(10) == 0 ? below(800) : below(28)) * 0.25;
+            time.advance(after - before);
+            for (double second = std::floor(before) + 1; second <= after; ++second) plain.roll(second);
+            plain.roll(after);  // each message rolls first
+            if (below(20) == 0) {
+                const auto at = static_cast<std::int64_t>(after) / 60 * 60 - 120;
+                const double p = price + static_cast<double>(below(9));
+                plain.merge({{at, p, p, p, p, 1}, {at + 60, p, p, p, p, 1}});
+                event(chart + ":1m", flatBars(at, 2, p));
+                continue;
+            }
+            std::string events, otherEvents;
+            for (auto left = below(4); left >= 0; --left) {
+                if (below(5) != 0) price += static_cast<double>(below(9) - 4) * 0.25;
+                const bool stamped = below(6) != 0;
+                const double ts = stamped ? tradeTime() : after * 1000;
+                plain.trade(price, ts);
+                if (!other.empty()) plainOther.trade(price / 2, ts);
+                const auto text = [&](double p) {
+                    return std::string(R"({"price":)") + std::to_string(p) +
+                           (stamped ? R"(,"ts":)" + std::to_string(ts) : "") + "},";
+                };
+                events += text(price);
+                otherEvents += text(price / 2);
+            }
+            batch(chart + ":trades", "[" + events + R"({"price":"nan"}])");
+            if (!other.empty()) batch(other + ":trades", "[" + otherEvents + "7]");
+            ASSERT_EQ(model->candles, plain.bars()) << "step " << step << " at " << std::to_string(after);
+            ASSERT_EQ(model->secondaryCandles, plainOther.bars()) << "step " << step << " at " << std::to_string(after);
+        }
+        for (const int minutes : {1, 5, 7, 60}) {
+            model->setTimeframe(minutes);
+            EXPECT_EQ(model->displayCandles.get(), plain.atTimeframe(minutes));
+        }
+        EXPECT_EQ(model->candles.size(), 5000u) << "the run is to reach the cap";
+    }
+};
+
+// From 16:40 New York on a Wednesday, through the futures' halt, into the evening.
+TEST_F(BarOracle, FuturesAcrossTheHalt) { play("NQ", wednesdayAt10 + 6 * 3600 + 40 * 60, 2500); }
+
+// From 15:40, past the close of the stock market.
+TEST_F(BarOracle, AStockAcrossTheClose) { play("AAPL", wednesdayAt10 + 5 * 3600 + 40 * 60, 1500); }
+
+}  // namespace
+}  // namespace vmr::test

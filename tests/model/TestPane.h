@@ -1,0 +1,136 @@
+// A whole pane in virtual time: the real model, relay client and session over a played server and memory alone.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "market/SessionTime.h"
+#include "model/AppModel.h"
+#include "model/StateDocument.h"
+#include "services/FakeHttpClient.h"
+#include "services/FakeWebSocket.h"
+#include "support/TestTime.h"
+
+namespace vmr::test {
+
+/// Starts on Wednesday 2026-06-10 at 10:00 New York, a whole minute in open market, unless told otherwise.
+class TestPane {
+  public:
+    static constexpr double wednesdayAt10 = 1781100000;
+
+    explicit TestPane(double start = wednesdayAt10, double speed = 1) : time(start, speed) {
+        AppModel::hfScaleOverrides().clear();
+        RelayClient::setPrinter([](const std::string&) {});
+        http.responder = [this](const HttpRequest&) { return grant(); };
+        queue.every(5, 10, [this] {  // the server answers pings
+            if (sockets.count() > 0) sockets.last().frame(R"({"type":"pong"})");
+        });
+    }
+    ~TestPane() {
+        model.reset();
+        RelayClient::setPrinter(nullptr);
+    }
+    TestPane(const TestPane&) = delete;
+
+    /// An answer to a sign-in or to a refresh: a new token that lives one hour.
+    HttpResponse grant() {
+        const std::string n = std::to_string(++tokens);
+        return {200,
+                R"({"idToken":"id)" + n + R"(","refreshToken":"refresh","expiresIn":"3600","localId":"uid","id_token":"id)" +
+                    n + R"(","refresh_token":"refresh","expires_in":"3600"})",
+                std::nullopt};
+    }
+
+    PaneSurroundings surroundings() {
+        return {time, main, preferences, auth, session, ids,
+                [this] { return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time); },
+                [this](const std::string& line) { printed.push_back(line); }, {}};
+    }
+    AppModel& make() {
+        model = std::make_unique<AppModel>(surroundings());
+        return *model;
+    }
+    AppModel& make(const PaneState& restore) {
+        model = std::make_unique<AppModel>(surroundings(), restore);
+        return *model;
+    }
+    void signIn() {
+        model->signIn("a@b.c", "secret", true);
+        time.runUntilIdle();
+    }
+    /// The newest socket opens and the relay greets.
+    void greet() {
+        sockets.last().accept();
+        frame(R"({"type":"hello","email":"a@b.c"})");
+    }
+    /// A signed-in, connected pane; what it opened, if anything, stands in the log, which is then emptied.
+    template <class... Restore>
+    AppModel& open(const Restore&... restore) {
+        make(restore...);
+        signIn();
+        greet();
+        takeLog();
+        return *model;
+    }
+    /// The same with the chart of `symbol`.
+    AppModel& openSymbol(const std::string& symbol) {
+        preferences.set("gex-last-symbol", symbol);
+        return open();
+    }
+
+    void frame(const std::string& bytes) {
+        sockets.last().frame(bytes);
+        time.runUntilIdle();
+    }
+    void event(const std::string& channel, const std::string& payload) {
+        frame(R"({"type":"event","channel":")" + channel + R"(","payload":)" + payload + "}");
+    }
+    void snapshot(const std::string& channel, const std::string& data) {
+        frame(R"({"type":"snapshot","channel":")" + channel + R"(","data":)" + data + "}");
+    }
+    void batch(const std::string& channel, const std::string& events) {
+        frame(R"({"type":"batch","channel":")" + channel + R"(","events":)" + events + "}");
+    }
+
+    /// The log's texts since the last call.
+    std::vector<std::string> takeLog() {
+        std::vector<std::string> texts;
+        for (const LogLine& line : std::exchange(model->logLines, {})) texts.push_back(line.text);
+        return texts;
+    }
+    /// The pane's state but for its log.
+    std::string documentWithoutLog() {
+        auto lines = std::exchange(model->logLines, {});
+        auto text = stateDocument(time, {model.get()});
+        model->logLines = std::move(lines);
+        return text;
+    }
+
+    TestTime time;
+    TestQueue main{time};
+    TestQueue queue{time};
+    MemoryPreferences preferences;
+    FakeHttpClient http{main};
+    FakeWebSockets sockets{queue};
+    FirebaseRESTAuth auth{Endpoints{}, http, preferences, time};
+    SessionTime session;
+    UuidSource ids{1};
+    std::vector<std::string> printed;
+    int tokens = 0;
+    std::unique_ptr<AppModel> model;
+};
+
+/// JSON of bars, one a minute from `start` (seconds), all prices `price` and volume 1.
+inline std::string flatBars(std::int64_t start, int count, double price = 100) {
+    std::string out = "[";
+    for (int i = 0; i < count; ++i) {
+        const std::string p = std::to_string(price);
+        out += std::string(i ? "," : "") + R"({"time":)" + std::to_string(start + i * 60) + R"(,"o":)" + p + R"(,"h":)" + p +
+               R"(,"l":)" + p + R"(,"c":)" + p + R"(,"v":1})";
+    }
+    return out + "]";
+}
+
+}  // namespace vmr::test
