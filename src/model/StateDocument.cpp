@@ -83,6 +83,8 @@ json paneDocument(const AppModel& pane) {
     out["vixCandles"] = bars(pane.vixCandles);
     out["derivedFields"] = json::array();
     for (const auto& [key, value] : pane.derivedFields) out["derivedFields"].push_back(key);
+    out["secondaryGexFields"] = json::array();
+    for (const auto& [key, value] : pane.secondaryGexFields) out["secondaryGexFields"].push_back(key);
     out["config"] = json::parse(pane.config->toJson());
     out["logLines"] = json::array();
     for (const LogLine& line : pane.logLines) out["logLines"].push_back(line.text);
