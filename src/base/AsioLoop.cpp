@@ -134,6 +134,7 @@ bool AsioLoop::isCurrent() const { return impl_->runner.load() == std::this_thre
 void AsioLoop::run() {
     impl_->runner.store(std::this_thread::get_id());
     impl_->context.run();
+    impl_->context.restart();  // so that it can be run again
     impl_->runner.store({});
 }
 

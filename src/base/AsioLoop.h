@@ -27,7 +27,7 @@ class AsioLoop final : public SerialQueue {
     void cancel(TimerId timer) override;
     bool isCurrent() const override;
 
-    /// Runs tasks on the calling thread until `quit`.
+    /// Runs tasks on the calling thread until `quit`, of which one given before counts. May be called again.
     void run();
 
     /// Makes `run` return soon; from any thread. Tasks not yet run stay queued.

@@ -1,0 +1,245 @@
+// The whole client against the practice relay, over real loopback sockets.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <cmath>
+#include <fstream>
+#include <map>
+
+#include "app/Program.h"
+#include "base/AsioLoop.h"
+
+namespace vmr {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A home of its own, so that no test sees the user's files.
+class Home {
+  public:
+    Home() : folder_(fs::temp_directory_path() / ("velmora-test-" + UuidSource().next().text())) {
+        fs::create_directories(folder_);
+        ::setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
+        ::setenv("XDG_DATA_HOME", (folder_ / "data").c_str(), 1);
+    }
+    ~Home() {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+    const fs::path& folder() const { return folder_; }
+
+  private:
+    fs::path folder_;
+};
+
+Options practiceOptions(const std::string& clock = "2026-06-10T10:00:30@60", std::uint64_t seed = 7) {
+    Options options;
+    options.practice = true;
+    options.seed = seed;
+    options.clock = parseClockSpec(clock);
+    return options;
+}
+
+// The program on a loop that runs until a condition holds.
+class Session {
+  public:
+    explicit Session(const Options& options) : start_(options) {
+        EXPECT_FALSE(start_.failure()) << start_.failure().value_or("");
+        program_ = std::make_unique<Program>(start_, loop_);
+        program_->signInToPractice();
+    }
+    ~Session() { program_.reset(); }
+
+    // Looks every 5 ms of real time; whether the condition came to hold within `limit` seconds.
+    bool runUntil(const std::function<bool()>& done, double limit = 30) {
+        bool held = false;
+        const auto poll = loop_.every(0, 0.005, [&] {
+            if (!(held = done())) return;
+            loop_.quit();
+        });
+        const auto end = loop_.after(limit, [&] { loop_.quit(); });
+        loop_.run();
+        loop_.cancel(poll);
+        loop_.cancel(end);
+        return held;
+    }
+
+    AppModel& pane() { return program_->pane(); }
+    PracticeRelay& relay() { return *start_.practice(); }
+    AsioLoop& loop() { return loop_; }
+    std::string tell(const std::string& fault) { return relay().command(fault); }
+
+    // Closed bars of the pane that differ from the relay's own.
+    std::vector<std::string> differences() {
+        std::map<std::int64_t, Candle> truth;
+        for (const Candle& bar : relay().ledger(pane().chartChannel)) truth[bar.time] = bar;
+        std::vector<std::string> out;
+        const auto& bars = pane().candles;
+        for (std::size_t i = 0; i + 2 < bars.size(); ++i)
+            if (const auto found = truth.find(bars[i].time); found == truth.end() || !(found->second == bars[i]))
+                out.push_back("bar at " + std::to_string(bars[i].time) + " of " + std::to_string(bars.size()) + ", index " + std::to_string(i));
+        for (std::size_t i = 1; i < bars.size(); ++i)
+            if (bars[i].time <= bars[i - 1].time) out.push_back("not ascending at " + std::to_string(i));
+        return out;
+    }
+
+    // Live on the contract that the relay calls the front one.
+    bool streaming() {
+        const auto& map = pane().contractOverrides.get();
+        const auto front = map.find(pane().currentSymbol());
+        return pane().connected && front != map.end() && pane().chartChannel->ends_with(front->second) &&
+               !pane().candles.empty() && (pane().secondaryChannel.empty() || !pane().secondaryCandles.empty());
+    }
+    // The pane has shown `minutes` new bars since now.
+    bool runMinutes(int minutes) {
+        const std::int64_t from = pane().candles.back().time;
+        return runUntil([&] { return !pane().candles.empty() && pane().candles.back().time >= from + minutes * 60; });
+    }
+    // Snapshots of the chart's bars so far.
+    std::ptrdiff_t snapshots() {
+        return std::count_if(pane().logLines.begin(), pane().logLines.end(), [&](const LogLine& line) {
+            return line.text.starts_with(pane().chartChannel.get()) && line.text.find("[snapshot]") != std::string::npos;
+        });
+    }
+    bool logHas(const std::string& part) {
+        return std::any_of(pane().logLines.begin(), pane().logLines.end(),
+                           [&](const LogLine& line) { return line.text.find(part) != std::string::npos; });
+    }
+
+  private:
+    AsioLoop loop_;
+    ProgramStart start_;
+    std::unique_ptr<Program> program_;
+};
+
+TEST(PracticeSession, BarsEqualTheRelaysLedgerAndTheSeedMakesTheMarket) {
+    Home home;
+    Session session(practiceOptions());
+    ASSERT_TRUE(session.runUntil([&] { return session.streaming(); }));
+    for (const char* line : {"connecting…", "socket opened, awaiting hello…", "hello: ", "→ chart: futures:"})
+        EXPECT_TRUE(session.logHas(line)) << line;
+    ASSERT_TRUE(session.runMinutes(4));
+    EXPECT_EQ(session.differences(), std::vector<std::string>());
+    EXPECT_GT(session.pane().candles.size(), 3000u);
+    EXPECT_FALSE(session.pane().secondaryCandles.empty());
+    EXPECT_FALSE(session.pane().vixCandles.empty());
+
+    Session other(practiceOptions("2026-06-10T10:00:30@60", 8));
+    ASSERT_TRUE(other.runUntil([&] { return other.streaming(); }));
+    EXPECT_NE(other.pane().candles.front(), session.pane().candles.front());
+}
+
+TEST(PracticeSession, LosesNoBarOverDropsRefusalsAndStaleTokens) {
+    Home home;
+    Options options = practiceOptions();
+    options.tokenLife = 61;  // a minute of margin is taken off, so that a reconnect after a second refreshes
+    Session session(options);
+    ASSERT_TRUE(session.runUntil([&] { return session.streaming(); }));
+    for (const char* fault : {"drop", "close 4006", "close 1011", "malformed 20", "wrong 20"}) {
+        SCOPED_TRACE(fault);
+        EXPECT_EQ(session.tell(fault).substr(0, 2), "ok");
+        const bool breaks = std::string(fault) != "malformed 20" && std::string(fault) != "wrong 20";
+        if (breaks) {
+            ASSERT_TRUE(session.runUntil([&] { return !session.pane().connected; }));
+            const auto before = session.snapshots();
+            ASSERT_TRUE(session.runUntil([&] { return session.streaming() && session.snapshots() >= before + 2; }));
+        }
+        ASSERT_TRUE(session.runMinutes(3));
+        EXPECT_EQ(session.differences(), std::vector<std::string>());
+    }
+    EXPECT_TRUE(session.logHas("→ reconnected — subscriptions re-flushed, snapshots merge in place"));
+    EXPECT_TRUE(session.logHas("socket closed (code 4006)"));
+    EXPECT_FALSE(session.pane().connLimited);
+    EXPECT_FALSE(session.logHas("token fetch failed"));
+}
+
+TEST(PracticeSession, AServerThatNeverGreetsIsLeftOnlyWhenItCloses) {
+    Home home;
+    Session session(practiceOptions());
+    session.tell("stall on");
+    ASSERT_TRUE(session.runUntil([&] { return session.logHas("socket opened, awaiting hello…"); }));
+    EXPECT_FALSE(session.runUntil([&] { return session.pane().connected.get(); }, 1));
+    session.tell("stall off");
+    session.tell("close 1011");
+    EXPECT_TRUE(session.runUntil([&] { return session.streaming(); }));
+    EXPECT_TRUE(session.logHas("socket closed (code 1011)"));
+}
+
+TEST(PracticeSession, HugeSnapshotsDoNotHoldUpTheMainThread) {
+    Home home;
+    Session session(practiceOptions("2026-06-10T10:00:30@1"));
+    ASSERT_TRUE(session.runUntil([&] { return session.streaming(); }));
+    const auto version = session.pane().chartVersion;
+    session.loop().resetLongestTurn();
+    const std::string channel = session.pane().chartChannel;
+    ASSERT_EQ(session.tell("big-bars 60000000 " + channel).substr(0, 2), "ok");
+    ASSERT_TRUE(session.runUntil([&] { return session.pane().candles.size() == 5000; }));
+    ASSERT_EQ(session.tell("big-derived 60000000 " + session.pane().levelsChannel.get()).substr(0, 2), "ok");
+    ASSERT_TRUE(session.runUntil([&] { return !session.pane().derivedFields.empty(); }));
+    session.pane().reloadChart();  // drops what the large documents were kept for
+    ASSERT_TRUE(session.runUntil([&] { return session.streaming(); }));
+    EXPECT_GT(session.pane().chartVersion, version);
+    EXPECT_LT(session.loop().longestTurn(), 0.050);
+    RecordProperty("longest_turn_ms", static_cast<int>(session.loop().longestTurn() * 1000));
+}
+
+TEST(PracticeSession, LeavesTheUsersOwnProfileAlone) {
+    Home home;
+    const Paths user = Paths::user();
+    fs::create_directories(user.config);
+    std::ofstream(user.config / "preferences.json") << "{\"vmr.auth.refreshToken\": \"mine\"}";
+    {
+        Session session(practiceOptions());
+        ASSERT_TRUE(session.runUntil([&] { return session.streaming(); }));
+        session.pane().setTimeframe(5);
+    }
+    std::ifstream kept(user.config / "preferences.json");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), "{\"vmr.auth.refreshToken\": \"mine\"}");
+    const auto practiceFile = Paths::practice().config / "preferences.json";
+    EXPECT_TRUE(fs::exists(practiceFile));
+    EXPECT_EQ(fs::status(practiceFile).permissions() & fs::perms::all, fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(PracticeSession, PlaysATapeAtItsOwnTimes) {
+    Home home;
+    const fs::path tape = home.folder() / "tape.csv";
+    const std::int64_t start = 1781100000;  // 2026-06-10 10:00 New York
+    std::map<std::int64_t, Candle> truth;
+    {
+        std::ofstream out(tape);
+        out << "timestamp,price,size\n";
+        double price = 3300;
+        for (int second = 0; second < 3600; second += 3) {
+            price += ((second * 7919) % 11 - 5) * 0.1;
+            price = std::round(price * 10) / 10;
+            const std::int64_t t = start + second;
+            out << t << "," << price << ",2\n";
+            auto [bar, isNew] = truth.try_emplace(t / 60 * 60, Candle{t / 60 * 60, price, price, price, price, 0});
+            bar->second.high = std::max(bar->second.high, price);
+            bar->second.low = std::min(bar->second.low, price);
+            bar->second.close = price;
+            bar->second.volume += 2;
+        }
+    }
+    Options options;
+    options.practice = true;
+    options.tapeFile = tape.string();
+    options.tapeSymbol = "GC";
+    options.speed = 120;
+    Session session(options);
+    ASSERT_TRUE(session.runUntil([&] { return session.streaming(); }));
+    EXPECT_EQ(session.pane().currentSymbol(), "GC");
+    ASSERT_TRUE(session.runMinutes(6));
+    const auto& bars = session.pane().candles;
+    ASSERT_GT(bars.size(), 30u);
+    for (std::size_t i = 0; i + 2 < bars.size(); ++i) {
+        const auto found = truth.find(bars[i].time);
+        ASSERT_NE(found, truth.end()) << bars[i].time;
+        EXPECT_EQ(bars[i], found->second) << i;
+    }
+}
+
+}  // namespace
+}  // namespace vmr
