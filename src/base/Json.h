@@ -132,6 +132,9 @@ class Json : public JsonView {
     /// The same value in a document of its own, so that it does not keep a large message alive.
     Json detached() const;
 
+    /// Whether both are values of one document; false for missing.
+    bool sharesDocument(const Json& other) const { return document_ && document_ == other.document_; }
+
     /// Bytes that the document holds, roughly; 0 for missing.
     std::size_t documentBytes() const;
 

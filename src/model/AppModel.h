@@ -169,7 +169,8 @@ class AppModel {
 
     const Clock& clock() const { return at_.clock; }
 
-    /// Routes one channel message; called by the relay's callback and by tests.
+    /// Routes one channel message; called by the relay's callback and by tests. The elements of one "batch", which share
+    /// a document, are taken to come at one time.
     void onChannelMessage(const ChannelMessage& message, const std::string& type);
 
     /// What the relay's queue makes of a payload before the main thread sees it: the bars of a candle channel, cut to
@@ -197,6 +198,7 @@ class AppModel {
     enum class TradeEffect { none, tooOld, edited, appended };
     TradeEffect applyToSeries(std::vector<Candle>& series, double price, double tsMs);
     void scheduleDisplayRebuild();
+    void rollForwardBar(double exactNow);
     void startBarRollTimer();
     // Catalog (Catalog.cpp)
     void applyCatalog(JsonView catalog);
@@ -234,6 +236,8 @@ class AppModel {
     double lastSeenClose_ = std::numeric_limits<double>::quiet_NaN();
     bool displayRebuildScheduled_ = false;
     SerialQueue::TimerId barRollTimer_ = SerialQueue::noTimer;
+    Json batch_;          // the batch under way
+    double batchNow_ = 0;  // the clock when it came
     int toastGen_ = 0;
     int marketClosedGen_ = 0;
     // channel names that every message is compared with, made once per chart

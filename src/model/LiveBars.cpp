@@ -17,6 +17,13 @@ std::int64_t wholeMinute(std::int64_t t) {
     return minute > t ? minute - 60 : minute;
 }
 
+// The start of the minute that holds `tsMs`, in seconds.
+std::int64_t tradeMinute(double tsMs) {
+    constexpr double farFuture = 1e15;  // up to here a plain cut is the same, at a third of the cost
+    if (tsMs >= 0 && tsMs < farFuture) return static_cast<std::int64_t>(tsMs / 60000) * 60;
+    return checkedInt(std::floor(tsMs / 60000) * 60, "the time of a trade");
+}
+
 // Appends and keeps the series within its cap.
 void appendCapped(std::vector<Candle>& series, const Candle& bar) {
     if (series.size() >= CandleParser::seriesCap) {
@@ -28,7 +35,7 @@ void appendCapped(std::vector<Candle>& series, const Candle& bar) {
 }  // namespace
 
 AppModel::TradeEffect AppModel::applyToSeries(std::vector<Candle>& series, double price, double tsMs) {
-    const std::int64_t t = checkedInt(std::floor(tsMs / 60000) * 60, "the time of a trade");
+    const std::int64_t t = tradeMinute(tsMs);
     if (series.empty()) return TradeEffect::none;
     Candle& last = series.back();
     if (last.time > t) return TradeEffect::tooOld;
@@ -96,9 +103,12 @@ void AppModel::startBarRollTimer() {
                                    });
 }
 
-void AppModel::rollForwardBarIfNeeded() {
+void AppModel::rollForwardBarIfNeeded() { rollForwardBar(at_.clock.now()); }
+
+void AppModel::rollForwardBar(double exactNow) {
     if (!connected || candles.empty()) return;
-    const auto now = static_cast<std::int64_t>(std::floor(at_.clock.now()));
+    auto now = static_cast<std::int64_t>(exactNow);
+    if (static_cast<double>(now) > exactNow) --now;
     const std::int64_t minute = wholeMinute(now);
     const Candle& last = candles.back();
     if (last.time >= minute || !at_.session.marketOpen(now, isStock())) return;

@@ -81,7 +81,15 @@ std::any AppModel::prepare(const std::string& channel, JsonView payload) {
 }
 
 void AppModel::onChannelMessage(const ChannelMessage& message, const std::string& type) {
-    rollForwardBarIfNeeded();
+    if (type != "batch") {
+        rollForwardBarIfNeeded();
+    } else {
+        if (!message.payload.sharesDocument(batch_)) {
+            batch_ = message.payload;
+            batchNow_ = at_.clock.now();
+        }
+        rollForwardBar(batchNow_);
+    }
     if (routeHot(message) || routeSeries(message) || routeDerived(message)) return;
     const auto* prepared = std::any_cast<Prepared>(&message.prepared);
     const bool briefIsMade = prepared && !prepared->brief.empty();
