@@ -1,0 +1,94 @@
+#include "app/WindowShell.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QScreen>
+#include <clocale>
+#include <cstdio>
+#include <utility>
+
+#include "ui/PaneBinding.h"
+#include "ui/PaneViewModel.h"
+#include "ui/QtLoop.h"
+#include "ui/UiSetup.h"
+#include "ui/WindowPicture.h"
+
+namespace vmr {
+
+namespace {
+
+constexpr QSize loginSize(1000, 580);
+
+/// Sizes the window for its stage: the login frame in the middle of the screen, and all of the screen once entered.
+class WindowStage {
+ public:
+    WindowStage(QQuickWindow& window, QSize enteredSize) : window_(window), enteredSize_(enteredSize) {}
+
+    void apply(bool entered) {
+        const QScreen* screen = window_.screen() ? window_.screen() : QGuiApplication::primaryScreen();
+        if (!screen) return;
+        const QRect free = screen->availableGeometry();
+        if (entered && enteredSize_.isEmpty()) {
+            window_.setGeometry(free);
+            return;
+        }
+        const QSize size = entered ? enteredSize_ : loginSize;
+        const QPoint corner(free.x() + (free.width() - size.width()) / 2,
+                            free.y() + (free.height() - size.height()) / 2);
+        window_.setGeometry(QRect(QPoint(qMax(corner.x(), free.x()), qMax(corner.y(), free.y())), size));
+    }
+
+ private:
+    QQuickWindow& window_;
+    QSize enteredSize_;
+};
+
+bool savePicture(QQuickWindow& window, const std::string& file) {
+    const QImage picture = windowPicture(window);
+    if (!picture.isNull() && picture.save(QString::fromStdString(file), "PNG")) return true;
+    std::fprintf(stderr, "velmora: the picture of the window cannot be saved to %s\n", file.c_str());
+    return false;
+}
+
+int runViews(QGuiApplication& app, QtLoop& loop, AppModel& model, const WindowShellOptions& options,
+             const WindowShellHooks& hooks) {
+    PaneViewModel view;
+    const PaneBinding binding(model, view, options.setupProblem);
+    QQmlApplicationEngine engine;
+    registerQml(engine);
+    engine.setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});
+    engine.load(QUrl(QStringLiteral("qrc:/Velmora/Main.qml")));
+    auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
+    if (!window) {
+        std::fprintf(stderr, "velmora: the window cannot be made\n");
+        return 1;
+    }
+    WindowStage stage(*window, QSize(options.width, options.height));
+    QObject::connect(&view, &PaneViewModel::enteredChanged, window, [&] { stage.apply(view.entered()); });
+    stage.apply(view.entered());
+    window->show();
+    // `exit` has no effect before the loop runs, so it is posted.
+    if (hooks.started) hooks.started([&loop](int status) { loop.post([status] { QCoreApplication::exit(status); }); });
+    if (options.seconds > 0) loop.after(options.seconds, [] { QCoreApplication::exit(0); });
+    const int status = app.exec();
+    if (!options.screenshot.empty() && !savePicture(*window, options.screenshot) && status == 0) return 1;
+    return status;
+}
+
+}  // namespace
+
+int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowShellHooks hooks) {
+    prepareGraphics();
+    QGuiApplication app(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");  // the application object takes the environment's
+    QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
+    registerFonts();
+    QtLoop loop;
+    const int status = runViews(app, loop, hooks.makeModel(loop), options, hooks);
+    if (hooks.ending) hooks.ending();
+    return status;
+}
+
+}  // namespace vmr

@@ -1,0 +1,155 @@
+#include "ui/ChartItem.h"
+
+#include <QCoreApplication>
+#include <QQuickWindow>
+#include <cstdio>
+#include <functional>
+#include <span>
+#include <utility>
+
+#include "base/Clock.h"
+#include "chart/AxisLayer.h"
+#include "chart/ChartRenderer.h"
+#include "market/SessionTime.h"
+#include "ui/ChartNode.h"
+#include "ui/GlyphAtlas.h"
+#include "ui/RhiGpu.h"
+
+namespace vmr {
+
+namespace {
+
+void postToMain(std::function<void()> task) {
+    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(task), Qt::QueuedConnection);
+}
+
+}  // namespace
+
+struct ChartItem::Drawing {
+    SystemClock clock;
+    RhiGpu gpu;
+    GlyphAtlas atlas{QStringLiteral("Saira")};
+    SessionTime session;
+    AxisLayer axis{atlas, session};
+    ChartRenderer renderer{gpu, clock, postToMain};
+};
+
+ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::make_unique<Drawing>()) {
+    setFlag(ItemHasContents);
+    drawing_->renderer.addScreenLayer(drawing_->axis);
+    drawing_->renderer.onNeedsDisplay = [this] { requestFrame(); };
+}
+
+ChartItem::~ChartItem() = default;
+
+PaneViewModel* ChartItem::pane() const { return pane_; }
+
+void ChartItem::setPane(PaneViewModel* pane) {
+    if (pane == pane_) return;
+    if (pane_) disconnect(pane_, nullptr, this, nullptr);
+    pane_ = pane;
+    if (pane_) {
+        const auto take = [this] {
+            chartDirty_ = true;
+            requestFrame();
+        };
+        connect(pane_, &PaneViewModel::chartChanged, this, take);
+        connect(pane_, &PaneViewModel::changed, this, [this, take] {
+            if (drawnTimeframe_ != pane_->timeframe()) take();
+        });
+        take();
+    }
+    emit paneChanged();
+}
+
+ChartRenderer& ChartItem::renderer() { return drawing_->renderer; }
+
+std::uint64_t ChartItem::framesDrawn() const { return drawing_->gpu.framesRecorded(); }
+
+void ChartItem::setProblem(const QString& problem) {
+    if (problem == problem_) return;
+    problem_ = problem;
+    if (!problem_.isEmpty()) {
+        std::printf("[chart] pipeline error: %s\n", problem_.toUtf8().constData());
+        std::fflush(stdout);
+    }
+    emit problemChanged();
+}
+
+// `polish` and `update` go together, before a frame: an `update` from within `updatePolish` would ask for one frame too
+// many.
+void ChartItem::requestFrame() {
+    if (recording_) return;
+    polish();
+    update();
+}
+
+void ChartItem::componentComplete() {
+    QQuickItem::componentComplete();
+    requestFrame();
+}
+
+void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
+    QQuickItem::geometryChange(now, before);
+    if (now.size() != before.size()) requestFrame();
+}
+
+void ChartItem::itemChange(ItemChange change, const ItemChangeData& data) {
+    QQuickItem::itemChange(change, data);
+    const bool shown =
+        (change == ItemVisibleHasChanged && data.boolValue) || (change == ItemSceneChange && data.window);
+    if (shown || change == ItemDevicePixelRatioHasChanged) requestFrame();
+}
+
+void ChartItem::takeChart() {
+    if (!pane_ || !std::exchange(chartDirty_, false)) return;
+    const auto& chart = pane_->chart();
+    drawing_->renderer.sessionHHMM = chart.sessionHHMM;
+    drawing_->axis.setTimeframe(pane_->timeframe());
+    drawnTimeframe_ = pane_->timeframe();
+    drawing_->renderer.setRenderConfig(chart.config);
+    drawing_->renderer.setCandles(chart.candles ? std::span<const Candle>(*chart.candles) : std::span<const Candle>());
+}
+
+void ChartItem::updatePolish() {
+    animating_ = false;
+    if (!window() || width() <= 0 || height() <= 0) return;
+    recording_ = true;
+    takeChart();
+    animating_ = drawing_->renderer.drawFrame(width(), height(), window()->effectiveDevicePixelRatio(),
+                                              drawing_->clock.monotonic());
+    recording_ = false;
+}
+
+// On the render thread with the main thread blocked, or on the main thread.
+QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
+    const QPointer<ChartItem> self(this);
+    const auto report = [self](const QString& problem) {
+        postToMain([self, problem] {
+            if (self) self->setProblem(problem);
+        });
+    };
+    if (!rhiOf(*window())) {
+        report(tr("The chart needs OpenGL, Vulkan, Metal or Direct3D, and this window has only software drawing."));
+        delete old;
+        return nullptr;
+    }
+    auto* node = static_cast<ChartNode*>(old);
+    if (!node) {
+        node = new ChartNode(*window());
+        node->onProblem = report;
+        node->sampleCount = sampleCount_;
+    }
+    node->setItemSize(size());
+    const bool given = drawing_->gpu.swapFrame(node->replay().frame());
+    auto& atlas = drawing_->atlas;
+    if (auto change = atlas.takeChange(node->needsAtlas())) {
+        node->replay().changeAtlas({atlas.size(), change->at, std::move(change->pixels)});
+        node->atlasGiven();
+    }
+    node->markDirty(QSGNode::DirtyMaterial);
+    if (animating_ || (!old && !given)) requestFrame();
+    return node;
+}
+
+}  // namespace vmr

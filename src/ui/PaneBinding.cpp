@@ -1,0 +1,107 @@
+#include "ui/PaneBinding.h"
+
+#include "model/AppModel.h"
+#include "store/HexColor.h"
+
+namespace vmr {
+
+namespace {
+
+Rgba opaque(const std::string& hex) {
+    const Rgb color = HexColor::rgb(hex);
+    return {static_cast<float>(color.r), static_cast<float>(color.g), static_cast<float>(color.b), 1.0F};
+}
+
+float share(double percent) { return static_cast<float>(percent / 100.0); }
+
+QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
+
+}  // namespace
+
+RenderConfig renderConfig(const GexConfig& config) {
+    RenderConfig out;
+    out.candleTheme = config.candleTheme;
+    out.gexEnabled = config.gexEnabled;
+    out.gexLabels = config.gexLabels;
+    out.dexEnabled = config.dexEnabled;
+    out.dexLabels = config.dexLabels;
+    out.gexOpacity = share(config.gexOpacity);
+    out.bubblesEnabled = config.gexBubbles;
+    out.bubbleOpacity = share(config.gexBubbleOpacity);
+    out.bubblePos = opaque(config.gexPosColor);
+    out.bubbleNeg = opaque(config.gexNegColor);
+    out.trianglesEnabled = config.hfBubbles;
+    out.triangleOpacity = share(config.hfTriangleOpacity);
+    out.hfCall = opaque(config.hfCallColor);
+    out.hfPut = opaque(config.hfPutColor);
+    out.waveEnabled = config.hfLateralEnabled;
+    out.waveMode = config.hfLateralMode;
+    out.waveOpacity = share(config.hfLateralOpacity);
+    out.wallsEnabled = config.wallsEnabled;
+    out.oiEnabled = config.oiEnabled;
+    out.oiOpacity = share(config.oiOpacity);
+    out.initialCandles = static_cast<double>(config.initialCandles);
+    return out;
+}
+
+PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem)
+    : model_(model), view_(view), setupProblem_(text(setupProblem)) {
+    view_.setActions({
+        [this](const QString& email, const QString& password, bool remember) {
+            model_.signIn(email.toStdString(), password.toStdString(), remember);
+        },
+        [this] { model_.signOut(); },
+        [this](const QString& symbol) { model_.switchSymbol(symbol.toStdString()); },
+        [this](int minutes) { model_.setTimeframe(minutes); },
+    });
+    watch();
+    copyFields();
+    copyChart();
+}
+
+PaneBinding::~PaneBinding() {
+    view_.setActions({});
+    view_.setChart({});
+}
+
+void PaneBinding::watch() {
+    const auto fields = [this] { copyFields(); };
+    const auto chart = [this] { copyChart(); };
+    connections_.push_back(model_.isSignedIn.changed.connect(fields));
+    connections_.push_back(model_.signingIn.changed.connect(fields));
+    connections_.push_back(model_.authError.changed.connect(fields));
+    connections_.push_back(model_.userEmail.changed.connect(fields));
+    connections_.push_back(model_.connected.changed.connect(fields));
+    connections_.push_back(model_.connLimited.changed.connect(fields));
+    connections_.push_back(model_.status.changed.connect(fields));
+    connections_.push_back(model_.chartChannel.changed.connect(fields));
+    connections_.push_back(model_.timeframe.changed.connect(fields));
+    connections_.push_back(model_.catFutures.changed.connect(fields));
+    connections_.push_back(model_.catStocks.changed.connect(fields));
+    connections_.push_back(model_.displayCandles.changed.connect(chart));
+    connections_.push_back(model_.chartVersionChanged.connect(chart));
+    connections_.push_back(model_.config.changed.connect(chart));
+}
+
+void PaneBinding::copyFields() {
+    PaneViewModel::Fields out;
+    out.entered = model_.isSignedIn;
+    out.signingIn = model_.signingIn;
+    out.authError = text(model_.authError.get().value_or(""));
+    out.setupProblem = setupProblem_;
+    out.userEmail = text(model_.userEmail);
+    out.connected = model_.connected;
+    out.connLimited = model_.connLimited;
+    out.status = text(model_.status);
+    out.symbol = text(model_.currentSymbol());
+    out.timeframe = model_.timeframe;
+    for (const auto& future : model_.futuresList()) out.futures.push_back(text(future.first));
+    for (const auto& stock : model_.stockList()) out.stocks.push_back(text(stock));
+    view_.setFields(std::move(out));
+}
+
+void PaneBinding::copyChart() {
+    view_.setChart({&model_.displayCandles.get(), renderConfig(model_.config), model_.sessionHHMM()});
+}
+
+}  // namespace vmr

@@ -1,0 +1,40 @@
+// Ties a pane's views to its model.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/Signal.h"
+#include "chart/RenderConfig.h"
+#include "store/GexConfig.h"
+#include "ui/PaneViewModel.h"
+
+namespace vmr {
+
+class AppModel;
+
+/// The look of the chart that the settings ask for.
+RenderConfig renderConfig(const GexConfig& config);
+
+/// Copies `model` into `view` whenever it changes, and hands the view's gestures to the model, until destroyed. Both
+/// must outlive it. Main thread.
+class PaneBinding {
+ public:
+    PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem);
+    ~PaneBinding();
+    PaneBinding(const PaneBinding&) = delete;
+    PaneBinding& operator=(const PaneBinding&) = delete;
+
+ private:
+    void watch();
+    void copyFields();
+    void copyChart();
+
+    AppModel& model_;
+    PaneViewModel& view_;
+    QString setupProblem_;
+    RenderConfig config_;
+    std::vector<Connection> connections_;
+};
+
+}  // namespace vmr

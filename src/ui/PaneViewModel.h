@@ -1,0 +1,107 @@
+// What one pane's views show, as Qt properties.
+#pragma once
+
+#include <QObject>
+#include <QQmlEngine>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <vector>
+
+#include "chart/RenderConfig.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// Mirrors a pane for QML and passes gestures on; decides nothing about the market. Main thread. `bindPane` ties it to
+/// an `AppModel`; without one it shows what it is told.
+class PaneViewModel : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the window's shell")
+    Q_PROPERTY(bool entered READ entered NOTIFY changed)
+    Q_PROPERTY(bool signingIn READ signingIn NOTIFY changed)
+    Q_PROPERTY(QString authError READ authError NOTIFY changed)
+    Q_PROPERTY(QString setupProblem READ setupProblem NOTIFY changed)
+    Q_PROPERTY(QString userEmail READ userEmail NOTIFY changed)
+    Q_PROPERTY(bool connected READ connected NOTIFY changed)
+    Q_PROPERTY(bool connLimited READ connLimited NOTIFY changed)
+    Q_PROPERTY(QString status READ status NOTIFY changed)
+    Q_PROPERTY(QString symbol READ symbol NOTIFY changed)
+    Q_PROPERTY(int timeframe READ timeframe NOTIFY changed)
+    Q_PROPERTY(QStringList futures READ futures NOTIFY changed)
+    Q_PROPERTY(QStringList stocks READ stocks NOTIFY changed)
+    Q_PROPERTY(bool empty READ empty NOTIFY emptyChanged)
+
+ public:
+    struct Fields {
+        bool entered = false;
+        bool signingIn = false;
+        QString authError;
+        QString setupProblem;
+        QString userEmail;
+        bool connected = false;
+        bool connLimited = false;
+        QString status;
+        QString symbol;
+        int timeframe = 1;
+        QStringList futures;
+        QStringList stocks;
+        bool operator==(const Fields&) const = default;
+    };
+    struct Actions {
+        std::function<void(const QString& email, const QString& password, bool remember)> signIn;
+        std::function<void()> signOut;
+        std::function<void(const QString& symbol)> switchSymbol;
+        std::function<void(int minutes)> setTimeframe;
+    };
+    /// What the chart draws. `candles` stays valid until the next `setChart`.
+    struct Chart {
+        const std::vector<Candle>* candles = nullptr;
+        RenderConfig config;
+        int sessionHHMM = 1800;
+    };
+
+    using QObject::QObject;
+
+    const Fields& fields() const { return fields_; }
+    void setFields(Fields fields);
+    void setActions(Actions actions) { actions_ = std::move(actions); }
+
+    /// Tells that bars, look or timeframe are not what they were. Copies no bars.
+    void setChart(const Chart& chart);
+    const Chart& chart() const { return chart_; }
+
+    bool entered() const { return fields_.entered; }
+    bool signingIn() const { return fields_.signingIn; }
+    QString authError() const { return fields_.authError; }
+    QString setupProblem() const { return fields_.setupProblem; }
+    QString userEmail() const { return fields_.userEmail; }
+    bool connected() const { return fields_.connected; }
+    bool connLimited() const { return fields_.connLimited; }
+    QString status() const { return fields_.status; }
+    QString symbol() const { return fields_.symbol; }
+    int timeframe() const { return fields_.timeframe; }
+    QStringList futures() const { return fields_.futures; }
+    QStringList stocks() const { return fields_.stocks; }
+    bool empty() const { return !chart_.candles || chart_.candles->empty(); }
+
+    Q_INVOKABLE void signIn(const QString& email, const QString& password, bool remember);
+    Q_INVOKABLE void signOut();
+    Q_INVOKABLE void switchSymbol(const QString& symbol);
+    Q_INVOKABLE void setTimeframe(int minutes);
+
+ signals:
+    void changed();
+    void enteredChanged();
+    void emptyChanged();
+    void chartChanged();
+
+ private:
+    Fields fields_;
+    Actions actions_;
+    Chart chart_;
+    bool wasEmpty_ = true;
+};
+
+}  // namespace vmr

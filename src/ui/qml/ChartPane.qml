@@ -1,0 +1,45 @@
+// One pane: its toolbar and its chart.
+import QtQuick
+import Velmora
+
+FocusScope {
+    id: paneView
+
+    required property PaneViewModel pane
+
+    Toolbar {
+        id: toolbar
+        objectName: "toolbar"
+        z: 1
+        width: parent.width
+        pane: paneView.pane
+    }
+    ChartItem {
+        id: chart
+        objectName: "chart"
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        focus: true
+        pane: paneView.pane
+    }
+    Label {
+        objectName: "chartNotice"
+        anchors.centerIn: chart
+        width: Math.min(implicitWidth, chart.width - 64)
+        visible: text !== ""
+        horizontalAlignment: Text.AlignHCenter
+        wrapMode: Text.Wrap
+        color: chart.problem !== "" ? Theme.error : Theme.textFaint
+        text: chart.problem !== "" ? chart.problem : paneView.pane.empty ? qsTr("Waiting for bars…") : ""
+    }
+    Notice {
+        objectName: "limitNotice"
+        anchors.top: toolbar.bottom
+        anchors.topMargin: 12
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: Math.min(560, parent.width - 48)
+        visible: paneView.pane.connLimited
+        text: qsTr("Connection limit reached (4 per user, windows + dual panes). Close one to open another.")
+    }
+}

@@ -1,0 +1,37 @@
+// The window: the login form until somebody is signed in, then the pane.
+import QtQuick
+import QtQuick.Window
+import Velmora
+
+Window {
+    id: window
+
+    required property PaneViewModel pane
+
+    title: "Velmora"
+    color: Theme.background
+    minimumWidth: pane.entered ? 720 : 1000
+    minimumHeight: pane.entered ? 480 : 580
+
+    Loader {
+        objectName: "stage"
+        anchors.fill: parent
+        focus: true
+        sourceComponent: window.pane.entered ? entered : login
+        onLoaded: item.forceActiveFocus()
+    }
+    Component {
+        id: login
+        SignInForm {
+            objectName: "signInForm"
+            pane: window.pane
+        }
+    }
+    Component {
+        id: entered
+        ChartPane {
+            objectName: "chartPane"
+            pane: window.pane
+        }
+    }
+}

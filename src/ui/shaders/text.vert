@@ -1,0 +1,20 @@
+#version 440
+
+layout(location = 0) in vec2 position;  // device pixels from the view's top left
+layout(location = 1) in vec2 uv;
+layout(location = 2) in vec4 color;
+layout(location = 0) out vec4 vColor;
+layout(location = 1) out vec2 vUv;
+
+layout(std140, binding = 0) uniform Block {
+    mat4 place;
+    vec4 map;   // xScale, xOffset, yScale, yOffset
+    vec4 view;  // unused here
+} u;
+
+void main()
+{
+    vColor = color;
+    vUv = uv;
+    gl_Position = u.place * vec4(position.x * u.map.x + u.map.y, position.y * u.map.z + u.map.w, 0.0, 1.0);
+}

@@ -1,0 +1,283 @@
+// What the chart really puts on the screen.
+#include <gtest/gtest.h>
+
+#include <QSGRendererInterface>
+#include <cstdlib>
+#include <string>
+
+#include "base/Clock.h"
+#include "chart/AxisLayer.h"
+#include "chart/ChartRenderer.h"
+#include "ui/FrameRaster.h"
+#include "ui/GlyphAtlas.h"
+#include "ui/RhiAccess.h"
+#include "ui/RhiGpu.h"
+#include "ui/UiWindow.h"
+
+namespace vmr::test {
+namespace {
+
+constexpr int barCount = 40;
+
+class ChartPixels : public testing::Test {
+ protected:
+    void SetUp() override {
+        ui = std::make_unique<UiWindow>(QSize(900, 600), UiWindow::entered(), syntheticBars(barCount));
+        ASSERT_NE(ui->window, nullptr);
+        ASSERT_TRUE(ui->settle());
+        chart = ui->chartItem();
+        ASSERT_NE(chart, nullptr);
+        ASSERT_EQ(chart->problem().toStdString(), "");
+        const std::string api = std::getenv("VMR_TEST_API") ? std::getenv("VMR_TEST_API") : "";
+        const auto expected = api == "vulkan" ? QSGRendererInterface::Vulkan : QSGRendererInterface::OpenGL;
+        ASSERT_EQ(ui->window->rendererInterface()->graphicsApi(), expected);
+        ASSERT_EQ(chart->sampleCount(), 4);
+    }
+
+    QImage chartPicture() {
+        const QImage whole = windowPicture(*ui->window);
+        return whole.copy(QRect(chart->mapToScene(QPointF()).toPoint(), chart->size().toSize()));
+    }
+    const Viewport viewport() { return chart->renderer().camera().viewport(); }
+    double xOf(double bar) { return AxisScale::xForIndex(viewport(), bar, chart->width()); }
+    double yOf(double price) { return AxisScale::yFor(viewport(), price, chart->height()); }
+
+    std::unique_ptr<UiWindow> ui;
+    ChartItem* chart = nullptr;
+};
+
+QRgb pixel(const QImage& image, double x, double y) { return image.pixel(static_cast<int>(x), static_cast<int>(y)); }
+
+TEST_F(ChartPixels, CandlesStandWhereTheCameraPutsThem) {
+    const QImage image = chartPicture();
+    const int first = static_cast<int>(std::ceil(viewport().first + 0.5));
+    int wicks = 0, outlines = 0;
+    for (int i = first; i < barCount - 1; ++i) {
+        const Candle& bar = ui->bars()[static_cast<std::size_t>(i)];
+        const bool up = bar.open <= bar.close;
+        const double top = yOf(std::max(bar.open, bar.close)), bottom = yOf(std::min(bar.open, bar.close));
+        SCOPED_TRACE("bar " + std::to_string(i));
+        const double priceLine = yOf(ui->bars().back().close);
+        const double middle = (top + bottom) / 2;
+        const bool clear = std::abs(priceLine - middle) > 2;
+        if (bottom - top > 6 && clear) {
+            // down bodies: white at 0.4 over the background, within white outlines
+            EXPECT_NEAR(qGreen(pixel(image, xOf(i + 0.15), middle)), up ? 255 : 108, 12);
+            if (!up) {
+                const double edge = xOf(i - 0.32);
+                EXPECT_GT(std::max(qGreen(pixel(image, edge - 1, middle)), qGreen(pixel(image, edge, middle))), 120);
+                ++outlines;
+            }
+            EXPECT_LT(qGreen(pixel(image, xOf(i + 0.5), middle)), 30) << "between two bars";
+        }
+        const double high = yOf(bar.high);
+        if (top - high > 4 && std::abs(priceLine - (top + high) / 2) > 2) {
+            EXPECT_GT(qGreen(pixel(image, xOf(i), (top + high) / 2)), 200) << "wick";
+            EXPECT_LT(qGreen(pixel(image, xOf(i + 0.25), (top + high) / 2)), 30) << "beside the wick";
+            ++wicks;
+        }
+    }
+    EXPECT_GT(wicks, 3);
+    EXPECT_GT(outlines, 3);
+
+    // the last price in its box, at the height of the eased close
+    const Candle& last = ui->bars().back();
+    const QRgb tag = pixel(image, chart->width() - AxisLayer::priceAxisWidth + 6, yOf(last.close));
+    const bool rising = last.open <= last.close;
+    EXPECT_GT(rising ? qGreen(tag) : qRed(tag), 130);
+    EXPECT_LT(rising ? qRed(tag) : qGreen(tag), 110);
+}
+
+TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
+    const QImage image = chartPicture();
+    SystemClock clock;
+    RhiGpu gpu;
+    GlyphAtlas atlas(QStringLiteral("Saira"));
+    SessionTime session;
+    AxisLayer axis(atlas, session);
+    ChartRenderer renderer(gpu, clock, [](const std::function<void()>&) {});
+    renderer.addScreenLayer(axis);
+    renderer.setRenderConfig(ui->chart.config);
+    renderer.setCandles(ui->bars());
+    const double ratio = ui->window->effectiveDevicePixelRatio();
+    double now = 1;
+    while (renderer.drawFrame(chart->width(), chart->height(), ratio, now)) now += 0.1;
+    ASSERT_EQ(renderer.camera().viewport(), viewport());
+    RecordedFrame frame;
+    ASSERT_TRUE(gpu.swapFrame(frame));
+    int kinds = 0;
+    for (const auto& draw : frame.draws) kinds |= 1 << static_cast<int>(draw.pipeline);
+    ASSERT_EQ(kinds & 0b1011, 0b1011) << "flat, ribbon and text";
+
+    const Raster expected = rasterise(frame, atlas.image());
+    ASSERT_EQ(QSize(expected.width, expected.height), image.size());
+    int wrong = 0;
+    double error = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb got = image.pixel(x, y);
+            const auto at =
+                static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width()) + static_cast<std::size_t>(x);
+            const std::array<int, 3> channels{qRed(got), qGreen(got), qBlue(got)};
+            bool fits = true;
+            for (std::size_t c = 0; c < 3; ++c) {
+                const auto value = static_cast<float>(channels[c]);
+                fits = fits && value >= expected.low[at][c] - 3 && value <= expected.high[at][c] + 3;
+                error += std::abs(value - expected.mean[at][c]);
+            }
+            if (!fits && ++wrong <= 5) {
+                ADD_FAILURE() << "at " << x << ", " << y << ": " << channels[0] << " " << channels[1] << " "
+                              << channels[2] << ", expected about " << expected.mean[at][0] << " "
+                              << expected.mean[at][1] << " " << expected.mean[at][2];
+            }
+        }
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_LT(error / (3.0 * image.width() * image.height()), 0.25);
+}
+
+TEST_F(ChartPixels, AChangedCandleChangesItsOwnColumnOnly) {
+    const auto changedWithin = [&](const QImage& before, const QImage& after, double from, double to,
+                                   auto&& elsewhere) {
+        int inside = 0, outside = 0;
+        SCOPED_TRACE("columns " + std::to_string(from) + " to " + std::to_string(to));
+        for (int y = 0; y < before.height(); ++y) {
+            for (int x = 0; x < before.width(); ++x) {
+                if (before.pixel(x, y) == after.pixel(x, y)) continue;
+                (x >= from && x <= to) || elsewhere(x, y) ? ++inside : ++outside;
+            }
+        }
+        EXPECT_GT(inside, 20);
+        EXPECT_EQ(outside, 0);
+    };
+    auto& bars = ui->bars();
+    bars.back().volume += 1;  // the camera learns the view's width with the first frame, and follows with the next bar
+    ui->showBars();
+    ASSERT_TRUE(ui->settle());
+    const QImage before = chartPicture();
+    ASSERT_EQ(before, chartPicture()) << "two pictures of a still chart";
+
+    auto& closed = bars[barCount - 2];
+    std::swap(closed.open, closed.close);
+    bars.back().volume += 1;  // an edit of a closed bar shows together with the next change of the forming one
+    ui->showBars();
+    ASSERT_TRUE(ui->settle());
+    const QImage second = chartPicture();
+    changedWithin(before, second, xOf(barCount - 2.5), xOf(barCount - 1.5), [](int, int) { return false; });
+
+    bars.back().close = (bars.back().high + bars.back().low) / 2 + 0.25;
+    const double oldY = yOf(chart->renderer().dispClose());
+    ui->showBars();
+    ASSERT_TRUE(ui->settle());
+    const double newY = yOf(bars.back().close);
+    changedWithin(second, chartPicture(), xOf(barCount - 1.5), xOf(barCount - 0.5), [&](int x, int y) {
+        const bool onAxis =
+            x >= chart->width() - AxisLayer::priceAxisWidth;  // the box, and labels that make way for it
+        const bool onLine = std::abs(y - oldY) < 2 || std::abs(y - newY) < 2;
+        return onAxis || onLine;
+    });
+}
+
+TEST_F(ChartPixels, AStillChartAsksForNoFrames) {
+    const auto drawn = chart->framesDrawn();
+    const int swaps = ui->swaps;
+    runFor(2000);
+    EXPECT_EQ(chart->framesDrawn(), drawn);
+    EXPECT_EQ(ui->swaps, swaps);
+
+    // a repaint for another item's sake draws the recorded frame again
+    const QImage before = chartPicture();
+    for (int i = 0; i < 4; ++i) {
+        ui->window->update();
+        ASSERT_TRUE(runUntil([&, seen = ui->swaps] { return ui->swaps > seen; }));
+    }
+    EXPECT_EQ(chart->framesDrawn(), drawn);
+    EXPECT_EQ(chartPicture(), before);
+
+    // a change wakes it, easing keeps it awake, and it falls asleep again
+    ui->bars().back().close += 4;
+    ui->showBars();
+    ASSERT_TRUE(ui->settle());
+    EXPECT_GT(chart->framesDrawn(), drawn + 3);
+    EXPECT_EQ(chart->renderer().dispClose(), ui->bars().back().close);
+    const auto eased = chart->framesDrawn();
+    runFor(300);
+    EXPECT_EQ(chart->framesDrawn(), eased);
+}
+
+TEST_F(ChartPixels, ItemsAboveCoverTheChartAndItemsBelowDoNotShow) {
+    QQmlEngine engine;
+    QQmlComponent component(&engine);
+    component.setData("import QtQuick\nRectangle { x: 100; y: 100; width: 200; height: 200; color: \"#204060\" }",
+                      QUrl());
+    const std::unique_ptr<QQuickItem> cover(qobject_cast<QQuickItem*>(component.create()));
+    ASSERT_NE(cover, nullptr) << component.errorString().toStdString();
+    const QImage before = chartPicture();
+    const QRect covered(100, 100, 200, 200);
+
+    cover->setParentItem(chart->parentItem());
+    cover->setPosition(chart->position() + QPointF(100, 100));
+    cover->setZ(1);
+    const QImage above = chartPicture();
+    cover->setZ(-1);
+    EXPECT_EQ(chartPicture(), before);
+    for (int y = 0; y < before.height(); ++y) {
+        for (int x = 0; x < before.width(); ++x) {
+            const QRgb expected = covered.contains(x, y) ? qRgb(0x20, 0x40, 0x60) : before.pixel(x, y);
+            ASSERT_EQ(above.pixel(x, y), expected) << x << ", " << y;
+        }
+    }
+    cover->setParentItem(nullptr);
+}
+
+TEST_F(ChartPixels, SurvivesLosingItsGpuSide) {
+    const QImage before = chartPicture();
+    ui->window->setPersistentGraphics(false);
+    ui->window->setPersistentSceneGraph(false);
+    ui->window->hide();
+    runFor(100);
+    ui->window->releaseResources();
+    const int hidden = ui->swaps;
+    ui->window->show();
+    ASSERT_TRUE(runUntil([&] { return ui->swaps > hidden; }));
+    ASSERT_TRUE(ui->settle());
+    EXPECT_EQ(chartPicture(), before);
+
+    // signed out and in again: another item, the same picture
+    auto fields = ui->view.fields();
+    fields.entered = false;
+    ui->view.setFields(fields);
+    runFor(100);
+    EXPECT_EQ(ui->chartItem(), nullptr);
+    fields.entered = true;
+    ui->view.setFields(fields);
+    ASSERT_TRUE(ui->settle());
+    chart = ui->chartItem();
+    ASSERT_NE(chart, nullptr);
+    EXPECT_EQ(chartPicture(), before);
+
+    // closed while it moves
+    ui->bars().back().close += 20;
+    ui->showBars();
+    runFor(30);
+    ui->window->close();
+    ui.reset();
+    runFor(50);
+}
+
+TEST_F(ChartPixels, FollowsTheWindowsSize) {
+    for (const QSize size : {QSize(1200, 700), QSize(721, 481), QSize(900, 600)}) {
+        const int seen = ui->swaps;
+        ui->window->resize(size);
+        ASSERT_TRUE(runUntil([&] { return ui->swaps > seen && ui->window->size() == size; }));
+        ASSERT_TRUE(ui->settle());
+        const QImage image = chartPicture();
+        EXPECT_EQ(image.size(), QSize(size.width(), size.height() - 44));
+        const double y = yOf(ui->bars().back().close);
+        const QRgb tag = pixel(image, image.width() - AxisLayer::priceAxisWidth + 6, y);
+        EXPECT_GT(std::max(qRed(tag), qGreen(tag)), 130) << "the price box moved with the edge";
+    }
+}
+
+}  // namespace
+}  // namespace vmr::test

@@ -1,0 +1,99 @@
+// The program's window over made-up data, for tests.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "ui/ChartItem.h"
+#include "ui/PaneViewModel.h"
+#include "ui/SyntheticBars.h"
+#include "ui/UiSetup.h"
+#include "ui/WindowPicture.h"
+
+namespace vmr::test {
+
+/// Runs the event loop until `done` holds; false when that takes longer than `limitMs`.
+inline bool runUntil(const std::function<bool()>& done, int limitMs = 10000) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > limitMs) return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // no `exec` is there to do it
+    }
+    return true;
+}
+
+inline void runFor(int ms) {
+    QElapsedTimer clock;
+    clock.start();
+    runUntil([&] { return clock.elapsed() >= ms; }, ms + 1000);
+}
+
+class UiWindow {
+ public:
+    explicit UiWindow(QSize size, const PaneViewModel::Fields& fields, std::vector<Candle> bars = {})
+        : bars_(std::move(bars)) {
+        view.setFields(fields);
+        chart.candles = &bars_;
+        chart.config.initialCandles = 20;
+        view.setChart(chart);
+        engine_ = std::make_unique<QQmlApplicationEngine>();
+        registerQml(*engine_);
+        engine_->setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});
+        engine_->load(QUrl(QStringLiteral("qrc:/Velmora/Main.qml")));
+        if (engine_->rootObjects().isEmpty()) return;
+        window = qobject_cast<QQuickWindow*>(engine_->rootObjects().first());
+        window->setMinimumSize(QSize(1, 1));
+        window->resize(size);
+        QObject::connect(window, &QQuickWindow::frameSwapped, window, [this] { ++swaps; });
+        window->show();
+        window->requestActivate();
+        runUntil([this] { return swaps > 0; });
+    }
+
+    static PaneViewModel::Fields entered() {
+        PaneViewModel::Fields out;
+        out.entered = out.connected = true;
+        out.status = "Connected";
+        out.symbol = "NQ";
+        out.futures = QStringList{"NQ", "ES", "RTY", "YM", "GC", "CL"};
+        out.stocks = QStringList{"AAPL", "NVDA", "MSFT", "GOOGL", "AMZN", "META", "TSLA"};
+        return out;
+    }
+
+    ChartItem* chartItem() const { return window->findChild<ChartItem*>(); }
+    QQuickItem* item(const char* name) const { return window->findChild<QQuickItem*>(QLatin1String(name)); }
+
+    std::vector<Candle>& bars() { return bars_; }
+    void showBars() { view.setChart(chart); }
+
+    /// Waits until no frame has come for a while.
+    bool settle() {
+        int last = -1;
+        return runUntil([&] {
+            if (last == swaps) return true;
+            last = swaps;
+            runFor(200);
+            return false;
+        });
+    }
+
+    PaneViewModel view;
+    PaneViewModel::Chart chart;
+    QQuickWindow* window = nullptr;
+    int swaps = 0;
+
+ private:
+    std::vector<Candle> bars_;
+    std::unique_ptr<QQmlApplicationEngine> engine_;
+};
+
+}  // namespace vmr::test
