@@ -39,14 +39,13 @@ ProgramStart::ProgramStart(const Options& options)
 
 void ProgramStart::choosePracticeClock() {
     if (!options_.tapeFile.empty()) {
-        constexpr double history = 1800;  // market seconds of tape that are past at the start
         std::string problem;
         const auto span = tapeSpan(options_.tapeFile, problem);
         if (!span) {
             failure_ = problem;
             return;
         }
-        if (!options_.clock) options_.clock = ClockSpec{span->first + history, 1};
+        if (!options_.clock) options_.clock = ClockSpec{tapeStart(*span), 1};
         if (options_.speed) options_.clock->speed = *options_.speed;
     } else if (!options_.clock) {
         const double now = SystemClock().now();
