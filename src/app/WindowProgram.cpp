@@ -18,6 +18,9 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
     shell.height = options.height;
     shell.setupProblem = start.setupProblem().value_or("");
 
+    if (const PracticeRelay* relay = start.practice())
+        shell.signInHint = "Practice account: " + relay->email() + "\nPassword: " + relay->password();
+
     std::unique_ptr<Program> program;
     std::unique_ptr<ShellCommands> commands;
     std::unique_ptr<LineReader> reader;

@@ -55,7 +55,7 @@ bool savePicture(QQuickWindow& window, const std::string& file) {
 int runViews(QGuiApplication& app, QtLoop& loop, AppModel& model, const WindowShellOptions& options,
              const WindowShellHooks& hooks) {
     PaneViewModel view;
-    const PaneBinding binding(model, view, options.setupProblem);
+    const PaneBinding binding(model, view, options.setupProblem, options.signInHint);
     QQmlApplicationEngine engine;
     registerQml(engine);
     engine.setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});

@@ -16,6 +16,7 @@ struct WindowShellOptions {
     int width = 0;           ///< size of the entered window in points; 0 for the screen's free area
     int height = 0;
     std::string setupProblem;  ///< what the person must set up before a sign-in can work; shown in the form
+    std::string signInHint;    ///< who can sign in here, when that is no secret; shown in the form
 };
 
 struct WindowShellHooks {

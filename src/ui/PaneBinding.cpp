@@ -44,8 +44,9 @@ RenderConfig renderConfig(const GexConfig& config) {
     return out;
 }
 
-PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem)
-    : model_(model), view_(view), setupProblem_(text(setupProblem)) {
+PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem,
+                         const std::string& signInHint)
+    : model_(model), view_(view), setupProblem_(text(setupProblem)), signInHint_(text(signInHint)) {
     view_.setActions({
         [this](const QString& email, const QString& password, bool remember) {
             model_.signIn(email.toStdString(), password.toStdString(), remember);
@@ -89,6 +90,7 @@ void PaneBinding::copyFields() {
     out.signingIn = model_.signingIn;
     out.authError = text(model_.authError.get().value_or(""));
     out.setupProblem = setupProblem_;
+    out.signInHint = signInHint_;
     out.userEmail = text(model_.userEmail);
     out.connected = model_.connected;
     out.connLimited = model_.connLimited;

@@ -20,7 +20,7 @@ RenderConfig renderConfig(const GexConfig& config);
 /// must outlive it. Main thread.
 class PaneBinding {
  public:
-    PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem);
+    PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem, const std::string& signInHint);
     ~PaneBinding();
     PaneBinding(const PaneBinding&) = delete;
     PaneBinding& operator=(const PaneBinding&) = delete;
@@ -32,7 +32,7 @@ class PaneBinding {
 
     AppModel& model_;
     PaneViewModel& view_;
-    QString setupProblem_;
+    QString setupProblem_, signInHint_;
     RenderConfig config_;
     std::vector<Connection> connections_;
 };

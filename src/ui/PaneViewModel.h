@@ -23,6 +23,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(bool signingIn READ signingIn NOTIFY changed)
     Q_PROPERTY(QString authError READ authError NOTIFY changed)
     Q_PROPERTY(QString setupProblem READ setupProblem NOTIFY changed)
+    Q_PROPERTY(QString signInHint READ signInHint NOTIFY changed)
     Q_PROPERTY(QString userEmail READ userEmail NOTIFY changed)
     Q_PROPERTY(bool connected READ connected NOTIFY changed)
     Q_PROPERTY(bool connLimited READ connLimited NOTIFY changed)
@@ -39,6 +40,7 @@ class PaneViewModel : public QObject {
         bool signingIn = false;
         QString authError;
         QString setupProblem;
+        QString signInHint;  ///< who can sign in here, when that is no secret
         QString userEmail;
         bool connected = false;
         bool connLimited = false;
@@ -76,6 +78,7 @@ class PaneViewModel : public QObject {
     bool signingIn() const { return fields_.signingIn; }
     QString authError() const { return fields_.authError; }
     QString setupProblem() const { return fields_.setupProblem; }
+    QString signInHint() const { return fields_.signInHint; }
     QString userEmail() const { return fields_.userEmail; }
     bool connected() const { return fields_.connected; }
     bool connLimited() const { return fields_.connLimited; }

@@ -49,7 +49,7 @@ FocusScope {
                 }
                 Label {
                     objectName: "subtitle"
-                    text: qsTr("Sign in to open your charts")
+                    text: form.pane.signInHint === "" ? qsTr("Sign in to open your charts") : form.pane.signInHint
                     color: Theme.textSoft
                 }
             }
