@@ -118,7 +118,7 @@ bool RhiReplay::makeShared() {
     quadIndices_.reset(rhi_->newBuffer(QRhiBuffer::Immutable, QRhiBuffer::IndexBuffer,
                                        static_cast<int>(quadsPerBatch * 6 * sizeof(std::uint16_t))));
     atlas_.reset(rhi_->newTexture(QRhiTexture::R8, QSize(1, 1)));
-    sampler_.reset(rhi_->newSampler(QRhiSampler::Linear, QRhiSampler::Linear, QRhiSampler::None,
+    sampler_.reset(rhi_->newSampler(QRhiSampler::Nearest, QRhiSampler::Nearest, QRhiSampler::None,
                                     QRhiSampler::ClampToEdge, QRhiSampler::ClampToEdge));
     if (!uniforms_->create() || !stream_->create() || !quadIndices_->create() || !atlas_->create() ||
         !sampler_->create()) {
