@@ -132,6 +132,19 @@ TEST_F(LiveBars, AFlatBarComesOnceAMinuteWhileConnectedAndOpen) {
     EXPECT_EQ(model->candles.back().time, minute + 300) << "one bar; the missing minutes stay missing";
 }
 
+TEST_F(LiveBars, EveryMessageRollsFirst) {
+    openWithBars();
+    for (int round = 1; round < 4; ++round) {  // the clock jumps ahead of the timer
+        time.setNow(wednesdayAt10 + round * 120);
+        batch("any", "[1,2]");
+        EXPECT_EQ(model->candles.back().time, minute + round * 120);
+        time.setNow(wednesdayAt10 + round * 120 + 60);
+        event("any", "1");
+        EXPECT_EQ(model->candles.back().time, minute + round * 120 + 60);
+    }
+    EXPECT_EQ(model->candles.size(), 7u);
+}
+
 TEST_F(LiveBars, AClosedMarketInventsNoBarsButTradesStillMakeThem) {
     const double day = wednesdayAt10 - 10 * 3600;  // New York midnight
     const struct {
