@@ -51,6 +51,7 @@ TEST(Views, NothingIsCutOffOrOverlapsInASmallWindow) {
     PaneViewModel::Fields login, setup, error, busy, limited = UiWindow::entered(), away = UiWindow::entered();
     setup.setupProblem =
         "No data relay is configured. Set VMR_RELAY_URL to its address, or start Velmora with --practice.";
+    error.signInHint = "Practice account: practice-trader@velmora.test\nPassword: practice";
     error.authError = "Auth error (400): TOO_MANY_ATTEMPTS_TRY_LATER, try again in a few minutes";
     busy.signingIn = true;
     limited.connLimited = true;

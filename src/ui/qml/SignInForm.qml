@@ -49,6 +49,8 @@ FocusScope {
                 }
                 Label {
                     objectName: "subtitle"
+                    width: parent.width
+                    wrapMode: Text.Wrap
                     text: form.pane.signInHint === "" ? qsTr("Sign in to open your charts") : form.pane.signInHint
                     color: Theme.textSoft
                 }
