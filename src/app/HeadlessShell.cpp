@@ -31,6 +31,7 @@ int runHeadless(ProgramStart& start) {
             }
         }
         program.pane().shutdown();
+        onQuitRequest({});
     }
     return status;
 }

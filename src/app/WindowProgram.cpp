@@ -44,6 +44,7 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
                 status = 1;
             }
         }
+        onQuitRequest({});
         reader.reset();
         commands.reset();
         program.reset();

@@ -1,6 +1,7 @@
 #include "base/QuitSignals.h"
 
 #include <csignal>
+#include <mutex>
 #include <utility>
 #ifndef _WIN32
 #include <unistd.h>
@@ -11,9 +12,24 @@
 namespace vmr {
 
 namespace {
-std::function<void()>& handlerSlot() {
-    static std::function<void()> handler;
-    return handler;
+struct Slot {
+    std::mutex mutex;
+    std::function<void()> handler;
+
+    void call() {
+        std::lock_guard lock(mutex);
+        if (handler) handler();
+    }
+    void set(std::function<void()> other) {
+        std::lock_guard lock(mutex);
+        handler = std::move(other);
+    }
+};
+
+// Never destroyed: its thread may outlive the statics.
+Slot& slot() {
+    static Slot& only = *new Slot;
+    return only;
 }
 
 #ifndef _WIN32
@@ -27,18 +43,20 @@ extern "C" void noteQuit(int signal) {
 #else
 extern "C" void noteQuit(int signal) {
     std::signal(signal, SIG_DFL);
-    handlerSlot()();  // Windows runs console handlers on a thread of their own
+    slot().call();  // Windows runs console handlers on a thread of their own
 }
 #endif
 }  // namespace
 
 void onQuitRequest(std::function<void()> handler) {
-    handlerSlot() = std::move(handler);
+    slot().set(std::move(handler));
+    static bool listening = false;
+    if (std::exchange(listening, true)) return;
 #ifndef _WIN32
     if (::pipe(quitPipe) != 0) return;
     std::thread([] {
         char byte = 0;
-        if (::read(quitPipe[0], &byte, 1) == 1) handlerSlot()();
+        if (::read(quitPipe[0], &byte, 1) == 1) slot().call();
     }).detach();
 #endif
     std::signal(SIGINT, noteQuit);

@@ -6,7 +6,8 @@
 namespace vmr {
 
 /// Calls `handler` once, on a thread of its own, when the process is asked to end (SIGINT, SIGTERM; Ctrl-C elsewhere).
-/// A second request ends the process at once. Call once, before other threads start.
+/// A second request ends the process at once. An empty handler takes the last one back: when the call returns, that one
+/// does not run any more. Main thread.
 void onQuitRequest(std::function<void()> handler);
 
 }  // namespace vmr

@@ -31,6 +31,7 @@ bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, do
     gpu_.setUniforms(floats(Uniforms{}));
     drawRetained(background_);
     const bool drawable = positive(width) && positive(height) && positive(pixelRatio);
+    if (drawable) camera_.lastViewW = width;  // also without bars, so that the first ones find their margin
     const bool animating = drawable && !candles_.empty() && drawChart(width, height, pixelRatio);
     gpu_.endFrame();
     return animating;
@@ -49,7 +50,6 @@ void ChartRenderer::stepTime(double now) {
 }
 
 bool ChartRenderer::drawChart(double width, double height, double pixelRatio) {
-    camera_.lastViewW = width;
     if (staticDirty_) rebuildCandleGeometry();
     Geometry geometry;
     if (!buildGeometry(width, height, geometry)) return false;
