@@ -1,12 +1,12 @@
-// The channels of options-derived data.
+// The channels of options-derived data that nobody publishes.
 #pragma once
 
 #include "relay/Publisher.h"
 
 namespace vmr {
 
-/// Accepts every "derived:" channel and publishes nothing yet: the practice market has no options. A family that gets
-/// data becomes a publisher of its own, added to the hub before this one, which takes what is left.
+/// Accepts every "derived:" channel and has no data: a source without options on the practice market. Added to the hub
+/// behind the publishers that have some.
 class DerivedPublisher final : public Publisher {
  public:
     bool serves(const std::string& channel) const override {

@@ -35,6 +35,9 @@ class MarketPublisher final : public Publisher {
     /// The bars of an instrument up to what has been published, or up to `nowMs` while nobody listens.
     std::vector<Candle> ledger(const Instrument& instrument, std::int64_t nowMs);
 
+    /// The trades of an instrument, which live as long as the publisher.
+    TradeSource& trades(const Instrument& instrument) { return *symbol(instrument).source; }
+
  private:
     struct Symbol {
         Symbol(const Instrument& which, std::unique_ptr<TradeSource> from)

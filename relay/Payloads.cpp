@@ -18,11 +18,6 @@ std::string envelope(std::string_view type, std::string_view channel, std::strin
     return text;
 }
 
-void appendInteger(std::string& out, std::int64_t value) {
-    std::array<char, 24> buffer;
-    out.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr);
-}
-
 void appendPrices(std::string& out, const Candle& bar, std::span<const std::string_view, 5> keys) {
     const std::array values{bar.open, bar.high, bar.low, bar.close, bar.volume};
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -45,6 +40,11 @@ struct FutureRow {
 
 std::string quoted(std::string_view text) {
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+void appendInteger(std::string& out, std::int64_t value) {
+    std::array<char, 24> buffer;
+    out.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr);
 }
 
 void appendNumber(std::string& out, double value) {

@@ -1,6 +1,7 @@
 // The relay's messages as JSON text.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
@@ -13,6 +14,8 @@ namespace vmr::payload {
 
 /// A JSON string of `text`, quotes included; bytes that are no UTF-8 are replaced.
 std::string quoted(std::string_view text);
+
+void appendInteger(std::string& out, std::int64_t value);
 
 /// The shortest text that reads back as `value`, which must be finite.
 void appendNumber(std::string& out, double value);

@@ -4,13 +4,16 @@
 
 #include "base/AsioLoop.h"
 #include "relay/Accounts.h"
+#include "relay/ChainPublisher.h"
 #include "relay/ChannelHub.h"
 #include "relay/ChannelName.h"
 #include "relay/DerivedPublisher.h"
 #include "relay/FaultConsole.h"
+#include "relay/LevelsPublisher.h"
 #include "relay/MarketPublisher.h"
 #include "relay/MarketTime.h"
 #include "relay/MetaPublisher.h"
+#include "relay/MinutePublisher.h"
 #include "relay/RestServer.h"
 #include "relay/SocketServer.h"
 #include "relay/Tape.h"
@@ -24,15 +27,24 @@ constexpr double tickSeconds = 0.08;
 struct Engine {
     Engine(const Clock& theClock, const PracticeRelayOptions& options, const Instrument* tapeInstrument,
            std::unique_ptr<TradeSource> tape)
-        : clock(theClock), accounts(theClock, options.tokenLife) {
+        : clock(theClock),
+          accounts(theClock, options.tokenLife),
+          derived(options.seed, [this](const Instrument& one) -> TradeSource& { return market->trades(one); }) {
         auto marketChannels = std::make_unique<MarketPublisher>(hub, options.seed, tapeInstrument, std::move(tape));
         auto metaChannels = std::make_unique<MetaPublisher>(hub);
         market = marketChannels.get();
         meta = metaChannels.get();
         hub.add(std::move(marketChannels));
         hub.add(std::move(metaChannels));
-        hub.add(std::make_unique<DerivedPublisher>());
+        addDerived();
         console.emplace(FaultConsole::Parts{clock, faults, accounts, hub, *market, *meta, sockets});
+    }
+
+    void addDerived() {
+        hub.add(std::make_unique<ChainPublisher>(hub, chains, clock.speed()));
+        hub.add(std::make_unique<MinutePublisher>(hub, chains, clock.speed()));
+        hub.add(std::make_unique<LevelsPublisher>(hub, derived));
+        hub.add(std::make_unique<DerivedPublisher>());
     }
 
     std::optional<std::string> open(const PracticeRelayOptions& options) {
@@ -67,6 +79,8 @@ struct Engine {
     const Clock& clock;
     Faults faults;
     Accounts accounts;
+    DerivedMarket derived;
+    ChainBook chains{derived};
     ChannelHub hub;
     MarketPublisher* market;
     MetaPublisher* meta;

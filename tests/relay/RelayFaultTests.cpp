@@ -122,7 +122,7 @@ TEST_F(RelayFaults, WrongShapesStayOnSubscribedChannelsAndHoldNothingUsable) {
 TEST_F(RelayFaults, BigSnapshotsHaveTheSizeAskedForAndRealBarsAtTheEnd) {
     auto probe = greeted();
     probe->subscribe({"futures:NQM6", "derived:QQQ"});
-    probe->next("snapshot", "futures:NQM6");
+    probe->next("snapshot", "derived:QQQ");
     EXPECT_EQ(relay.command("big-bars 3000000 futures:NQM6"), "ok 3000000 bytes to 1 socket");
     auto heard = probe->read();
     EXPECT_EQ(heard.text.size(), 3000000u);

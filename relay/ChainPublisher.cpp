@@ -1,0 +1,62 @@
+#include "relay/ChainPublisher.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "relay/Payloads.h"
+
+namespace vmr {
+
+namespace {
+constexpr std::string_view prefix = "derived:";
+
+const OptionSource* sourceOf(std::string_view channel) {
+    return channel.starts_with(prefix) ? findOptionSource(channel.substr(prefix.size())) : nullptr;
+}
+}  // namespace
+
+ChainPublisher::ChainPublisher(ChannelHub& hub, ChainBook& book, double speed)
+    : hub_(hub), book_(book), gridMs_(1000 * static_cast<std::int64_t>(std::ceil(std::clamp(speed, 1.0, 86400.0)))) {}
+
+bool ChainPublisher::serves(const std::string& channel) const { return sourceOf(channel) != nullptr; }
+
+void ChainPublisher::opened(const std::string& channel, std::int64_t nowMs) {
+    asOfMs_ = onGrid(nowMs);
+    const OptionSource* source = sourceOf(channel);
+    open_[channel] = {source, fieldsOf(*source, asOfMs_)};
+}
+
+void ChainPublisher::closed(const std::string& channel) { open_.erase(channel); }
+
+std::optional<std::string> ChainPublisher::snapshot(const std::string& channel) {
+    const auto found = open_.find(channel);
+    if (found == open_.end() || found->second.fields.empty()) return std::nullopt;
+    return payload::snapshot(channel, objectOf(found->second.fields));
+}
+
+void ChainPublisher::tick(std::int64_t nowMs) {
+    const std::int64_t asOf = onGrid(nowMs);
+    if (asOf == asOfMs_) return;
+    asOfMs_ = asOf;
+    for (auto& [channel, one] : open_) {
+        JsonFields fields = fieldsOf(*one.source, asOf);
+        if (fields.empty()) continue;
+        const std::string changes = objectOf(fields, &one.fields);
+        one.fields = std::move(fields);
+        if (changes.size() > 2) hub_.publish(channel, Frame(payload::event(channel, changes)));
+    }
+}
+
+JsonFields ChainPublisher::fieldsOf(const OptionSource& source, std::int64_t asOfMs) {
+    DerivedMarket& market = book_.market();
+    const auto moment = market.path(source.instrument()).at(asOfMs);
+    if (!moment) return {};
+    // a market that rests shows how it stood when it last traded
+    const MarketSession* session = market.session(source.instrument(), (moment->timeMs - 1) / 1000, asOfMs);
+    if (!session) return {};
+    const OptionChain& chain = book_.chain(source, *session);
+    chain.state(moment->price, moment->timeMs, market.flow(source, *session, moment->price, moment->timeMs), state_);
+    return chainFields(chain, state_);
+}
+
+}  // namespace vmr

@@ -1,0 +1,50 @@
+// The channels of per-minute data: bubbles, triangles, the history of the flow and the oscillator.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "relay/ChannelHub.h"
+#include "relay/MinuteSeries.h"
+
+namespace vmr {
+
+/// A snapshot holds the newest minutes and the one under way; events bring each minute when it has ended, and the one
+/// under way every few seconds. After a jump of the clock by more than a day there is a snapshot instead.
+class MinutePublisher final : public Publisher {
+ public:
+    /// `speed` is that of the market's clock. Hub and book must outlive the publisher.
+    MinutePublisher(ChannelHub& hub, ChainBook& book, double speed);
+
+    bool serves(const std::string& channel) const override;
+    int order(const std::string& channel) const override;
+    void opened(const std::string& channel, std::int64_t nowMs) override;
+    void closed(const std::string& channel) override;
+    std::optional<std::string> snapshot(const std::string& channel) override;
+    void tick(std::int64_t nowMs) override;
+
+ private:
+    struct Open {
+        const MinuteFamily* family = nullptr;
+        std::unique_ptr<MinuteSeries> series;
+        std::map<std::int64_t, std::string> minutes;  // that have ended
+        std::int64_t runningMinute = 0;
+        std::string running;
+        std::int64_t endMs = 0;   // up to where `minutes` goes
+        std::int64_t asOfMs = 0;  // of `running`
+    };
+    void fill(Open& one, std::int64_t nowMs);
+    bool run(Open& one, std::int64_t nowMs);
+    void advance(const std::string& channel, Open& one, std::int64_t nowMs);
+    void publish(const std::string& channel, const Open& one, std::int64_t minute, const std::string& value);
+
+    ChannelHub& hub_;
+    ChainBook& book_;
+    std::int64_t stepMs_;  // between two states of the minute under way; 0 when it is not shown
+    std::map<std::string, Open> open_;
+};
+
+}  // namespace vmr

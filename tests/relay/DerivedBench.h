@@ -1,0 +1,98 @@
+// The publishers of derived data on a hub of their own, without sockets.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "relay/ChainPublisher.h"
+#include "relay/LevelsPublisher.h"
+#include "relay/MinutePublisher.h"
+#include "relay/SimulatedMarket.h"
+
+namespace vmr::test {
+
+using nlohmann::json;
+
+/// Keeps what it is sent and merges it as a chart does.
+class Listener final : public Subscriber {
+ public:
+    struct Heard {
+        std::string type, channel;
+        std::vector<std::string> keys;  // of the payload
+    };
+    void send(const Frame& frame) override {
+        const json message = json::parse(*frame.bytes);
+        const json& payload = message["type"] == "snapshot" ? message["data"] : message["payload"];
+        messages.push_back({message["type"], message["channel"], {}});
+        for (const auto& [key, value] : payload.items()) messages.back().keys.push_back(key);
+        merge(message["channel"], payload);
+    }
+    std::vector<Heard> messages;
+    std::map<std::string, json> state;  ///< of each channel, in the shape of its snapshot
+
+ private:
+    void merge(const std::string& channel, const json& payload) {
+        json& all = state[channel];
+        for (const auto& [many, single] :
+             {std::pair("bubbles", "bubble"), {"triangles", "triangle"}, {"candles", "candle"}}) {
+            if (!payload.contains(single)) continue;
+            all[many][std::to_string(payload["minuteTs"].get<std::int64_t>())] = payload[single];
+            return;
+        }
+        if (payload.contains("sessionOpenTs")) {
+            all["sessions"][std::to_string(payload["sessionOpenTs"].get<std::int64_t>())] = payload;
+        } else if (payload.contains("points")) {
+            for (const auto& [minute, values] : payload["points"].items()) all["points"][minute] = values;
+        } else {
+            for (const auto& [key, value] : payload.items()) all[key] = value;
+        }
+    }
+};
+
+/// One run of the market.
+class DerivedBench {
+ public:
+    explicit DerivedBench(std::uint64_t seed = 1, double speed = 1, std::map<std::string, TradeSource*> tapes = {})
+        : simulated_(seed, calendar_),
+          tapes_(std::move(tapes)),
+          market(seed, [this](const Instrument& one) -> TradeSource& { return source(one); }),
+          chains(market) {
+        hub.add(std::make_unique<ChainPublisher>(hub, chains, speed));
+        hub.add(std::make_unique<MinutePublisher>(hub, chains, speed));
+        hub.add(std::make_unique<LevelsPublisher>(hub, market));
+    }
+
+    TradeSource& source(const Instrument& one) {
+        const std::string symbol(one.symbol);
+        if (const auto tape = tapes_.find(symbol); tape != tapes_.end()) return *tape->second;
+        auto& made = sources_[symbol];
+        if (!made) made = simulated_.source(one);
+        return *made;
+    }
+
+    /// A new listener's snapshot of one channel at a moment (seconds).
+    json snapshot(const std::string& channel, double now) {
+        Listener one;
+        EXPECT_TRUE(hub.subscribe(one, {channel}, static_cast<std::int64_t>(now * 1000)).empty()) << channel;
+        hub.leave(one);
+        return one.state[channel];
+    }
+
+ private:
+    SessionCalendar calendar_;
+    SimulatedMarket simulated_;
+    std::map<std::string, TradeSource*> tapes_;
+    std::map<std::string, std::unique_ptr<TradeSource>> sources_;
+
+ public:
+    DerivedMarket market;
+    ChainBook chains;
+    ChannelHub hub;
+};
+
+}  // namespace vmr::test
