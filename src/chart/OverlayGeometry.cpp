@@ -1,0 +1,148 @@
+#include "chart/OverlayGeometry.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "chart/CandleGeometry.h"
+
+namespace vmr::OverlayGeometry {
+
+namespace {
+constexpr double longestStep = 1.5;  // bars; beyond it a series has a gap
+constexpr std::size_t quadVertices = 6;
+
+struct Spot {
+    double x, y;
+};
+
+// Places the pieces of lines of one width.
+class Ribbon {
+ public:
+    Ribbon(std::vector<LineVertex>& verts, double halfWidth, const DataOrigin& origin)
+        : verts_(verts), halfWidth_(static_cast<float>(halfWidth)), origin_(origin) {}
+
+    void quad(const Spot& a, const Spot& b, const Rgba& color) {
+        const float ax = static_cast<float>(a.x - origin_.bar), ay = static_cast<float>(a.y - origin_.price);
+        const float bx = static_cast<float>(b.x - origin_.bar), by = static_cast<float>(b.y - origin_.price);
+        const float dx = static_cast<float>(b.x - a.x), dy = static_cast<float>(b.y - a.y);
+        const auto vertex = [&](float x, float y, float side) {
+            return LineVertex{{x, y, side, halfWidth_}, {dx, dy, 0.0F, 0.0F}, color};
+        };
+        const LineVertex vertices[quadVertices] = {vertex(ax, ay, 1.0F), vertex(ax, ay, -1.0F), vertex(bx, by, -1.0F),
+                                                   vertex(ax, ay, 1.0F), vertex(bx, by, -1.0F), vertex(bx, by, 1.0F)};
+        verts_.insert(verts_.end(), std::begin(vertices), std::end(vertices));
+    }
+
+    // From `a` over `dx` bars; `dx` above 0.
+    void dashes(const Spot& a, double dx, double dy, const Dash& dash, const Rgba& color) {
+        for (double d = 0; d < dx; d += dash.on + dash.off) {
+            const double e = std::min(dx, d + dash.on);
+            quad({a.x + d, a.y + dy * d / dx}, {a.x + e, a.y + dy * e / dx}, color);
+        }
+    }
+
+ private:
+    std::vector<LineVertex>& verts_;
+    float halfWidth_;
+    DataOrigin origin_;
+};
+
+// The last bar at or before `t`; the first one for an earlier `t`.
+std::size_t barAt(std::span<const Candle> candles, std::int64_t t) {
+    const auto after = std::upper_bound(candles.begin(), candles.end(), t,
+                                        [](std::int64_t at, const Candle& bar) { return at < bar.time; });
+    return after == candles.begin() ? 0 : static_cast<std::size_t>(after - candles.begin()) - 1;
+}
+
+void appendBox(std::vector<ChartVertex>& verts, float x0, float x1, float top, float bot, const Rgba& color) {
+    const auto at = [&color](float x, float y) { return ChartVertex{{x, y, 0.0F, 1.0F}, color}; };
+    const ChartVertex box[] = {at(x0, top), at(x0, bot), at(x1, bot), at(x0, top), at(x1, bot), at(x1, top)};
+    verts.insert(verts.end(), std::begin(box), std::end(box));
+}
+}  // namespace
+
+void polyline(std::vector<LineVertex>& verts, std::span<const OvPoint> points, double width, const Rgba& color,
+              const std::optional<Dash>& dash, const DataOrigin& origin) {
+    Ribbon ribbon(verts, width * 0.5, origin);
+    const bool dashed = dash && dash->on + dash->off > 0;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const OvPoint& a = points[i - 1];
+        const OvPoint& b = points[i];
+        const double dx = b.idx - a.idx;
+        if (!(dx > 0 && dx <= longestStep)) continue;
+        if (dashed)
+            ribbon.dashes({a.idx, a.v}, dx, b.v - a.v, *dash, color);
+        else
+            ribbon.quad({a.idx, a.v}, {b.idx, b.v}, color);
+    }
+}
+
+void hfPolyline(std::vector<LineVertex>& verts, std::span<const OvColorPoint> points, double width, const Rgba& blue,
+                const Rgba& red, const DataOrigin& origin) {
+    constexpr double level = 1e-9;  // a smaller rise has no crossing
+    Ribbon ribbon(verts, width * 0.5, origin);
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const OvColorPoint& a = points[i - 1];
+        const OvColorPoint& b = points[i];
+        const double dx = b.idx - a.idx;
+        if (dx > longestStep) continue;
+        const Rgba& color = a.positive ? blue : red;
+        if (a.positive == b.positive) {
+            ribbon.quad({a.idx, a.v}, {b.idx, b.v}, color);
+            continue;
+        }
+        const double rise = b.v - a.v;
+        const double t = std::abs(rise) > level ? (a.base - a.v) / rise : 0.5;
+        const Spot crossing{a.idx + dx * t, a.base};
+        ribbon.quad({a.idx, a.v}, crossing, color);
+        ribbon.quad(crossing, {b.idx, b.v}, b.positive ? blue : red);
+    }
+}
+
+void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines, std::span<const Candle> candles,
+             double opacity, const DataOrigin& origin) {
+    if (candles.empty()) return;
+    constexpr Dash dash{0.46, 0.46};
+    constexpr float gray = 0.667F;
+    const double alpha = opacity > 0 ? std::min(opacity, 1.0) : 0.0;
+    const Rgba color{gray, gray, gray, static_cast<float>(alpha)};
+    Ribbon ribbon(verts, 0.5, origin);
+    for (const OverlayLine& line : lines) {
+        if (!std::isfinite(line.price) || (line.endTime && *line.endTime <= candles.front().time)) continue;
+        const std::size_t a = barAt(candles, line.startTime);
+        const std::size_t b = line.endTime ? barAt(candles, *line.endTime) : candles.size() - 1;
+        if (a >= b) continue;
+        const Spot start{static_cast<double>(a), line.price};
+        if (line.dashed)
+            ribbon.dashes(start, static_cast<double>(b - a), 0, dash, color);
+        else
+            ribbon.quad(start, {static_cast<double>(b), line.price}, color);
+    }
+}
+
+void secondCandles(std::vector<ChartVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,
+                   const DataOrigin& origin) {
+    constexpr double halfBody = 0.3, halfWick = 0.05;  // bars
+    constexpr Rgba solid{1.0F, 0.478F, 0.0F, 1.0F}, rising{1.0F, 0.478F, 0.0F, 0.85F},
+        falling{1.0F, 0.478F, 0.0F, 0.4F};
+    for (const OvCandle& bar : candles) {
+        const bool up = CandleGeometry::isUp(bar.o, bar.c);
+        const double x = bar.idx - origin.bar;
+        const double top = std::max(bar.o, bar.c) - origin.price, bot = std::min(bar.o, bar.c) - origin.price;
+        const double high = bar.h - origin.price, low = bar.l - origin.price;
+        const auto box = [&](double half, double y0, double y1, const Rgba& color) {
+            appendBox(verts, static_cast<float>(x - half), static_cast<float>(x + half), static_cast<float>(y0),
+                      static_cast<float>(y1), color);
+        };
+        if (top < high) box(halfWick, high, top, up ? rising : solid);
+        if (low < bot) box(halfWick, bot, low, up ? rising : solid);
+        box(halfBody, top, bot, up ? rising : falling);
+        if (up) continue;
+        borders.resize(borders.size() + CandleGeometry::outlineVertices);
+        CandleGeometry::appendBodyOutline(&borders[borders.size() - CandleGeometry::outlineVertices], x, halfBody, top,
+                                          bot, solid);
+    }
+}
+
+}  // namespace vmr::OverlayGeometry

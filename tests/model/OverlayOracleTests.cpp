@@ -1,0 +1,281 @@
+// The overlay series against plain computations, each written as directly as its definition reads.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <map>
+
+#include "model/AppModel.h"
+#include "model/OverlaySeries.h"
+#include "support/SyntheticMarket.h"
+
+namespace vmr::test {
+namespace {
+
+using Bars = std::vector<Candle>;
+
+// Nothing here is shared with the program: maps, division and the date library's calendar.
+std::map<std::int64_t, double> positions(const Bars& bars) {
+    std::map<std::int64_t, double> byTime;
+    for (std::size_t i = 0; i < bars.size(); ++i) byTime[bars[i].time] = static_cast<double>(i);
+    return byTime;
+}
+
+std::map<std::int64_t, double> opens(const Bars& bars, int hhmm) {
+    std::map<std::int64_t, double> byOpen;
+    for (const Candle& bar : bars) byOpen.try_emplace(plainSessionOpen(bar.time, hhmm), bar.open);
+    return byOpen;
+}
+
+Bars plainAggregate(const Bars& bars, int tf) {
+    std::map<std::int64_t, Bars> buckets;
+    for (const Candle& bar : bars) buckets[bar.time / (tf * 60) * (tf * 60)].push_back(bar);
+    Bars out;
+    for (const auto& [time, own] : buckets) {
+        Candle whole{time, own.front().open, own.front().high, own.front().low, own.back().close, 0};
+        for (const Candle& bar : own) {
+            whole.high = std::max(whole.high, bar.high);
+            whole.low = std::min(whole.low, bar.low);
+            whole.volume += bar.volume;
+        }
+        out.push_back(whole);
+    }
+    return out;
+}
+
+std::vector<OvPoint> plainVwap(const Bars& bars, int hhmm) {
+    const std::int64_t open = plainSessionOpen(bars.back().time, hhmm);
+    std::vector<OvPoint> points;
+    for (std::size_t i = 0; i < bars.size(); ++i) {
+        double priceVolume = 0, volume = 0;
+        for (std::size_t j = 0; j <= i; ++j) {
+            if (bars[j].time < open || !(bars[j].volume > 0)) continue;
+            priceVolume += bars[j].volume * (bars[j].high + bars[j].low + bars[j].close) / 3;
+            volume += bars[j].volume;
+        }
+        if (bars[i].time >= open && volume > 0) points.push_back({static_cast<double>(i), priceVolume / volume});
+    }
+    return points;
+}
+
+std::vector<OvCandle> plainSecond(const Bars& primary, const Bars& sec, int hhmm) {
+    const std::int64_t open = plainSessionOpen(primary.back().time, hhmm);
+    const auto since = [open](const Candle& bar) { return bar.time >= open; };
+    const auto place = positions(primary);
+    const Candle& reference = *std::find_if(primary.begin(), primary.end(), since);
+    auto own = std::find_if(sec.begin(), sec.end(), [&](const Candle& bar) { return bar.time == reference.time; });
+    if (own == sec.end()) own = std::find_if(sec.begin(), sec.end(), since);
+    if (own == sec.end()) own = sec.begin();
+    const double ratio = reference.open / own->open;
+    std::vector<OvCandle> points;
+    for (const Candle& bar : sec)
+        if (bar.time >= open && place.contains(bar.time))
+            points.push_back({place.at(bar.time), bar.open * ratio, bar.high * ratio, bar.low * ratio,
+                              bar.close * ratio, bar.close});
+    return points;
+}
+
+std::vector<OvColorPoint> plainHf(const Bars& bars, const HfByMin& flow, int tf, int hhmm, double fallback,
+                                  const SRSessions& levels) {
+    std::map<std::int64_t, double> value;
+    for (const auto& [t, minute] : flow)
+        if (newYorkSecondsOfDay(t) < 16 * 3600 + 16 * 60) value[t / (tf * 60) * (tf * 60)] = minute.c ? *minute.c : 0;
+    const auto place = positions(bars);
+    const auto sessionOpen = opens(bars, hhmm);
+    std::vector<OvColorPoint> points;
+    for (const auto& [bar, hf] : value) {
+        const std::int64_t open = plainSessionOpen(bar, hhmm);
+        if (!place.contains(bar) || !sessionOpen.contains(open)) continue;
+        const double base = sessionOpen.at(open);
+        double up = fallback, down = fallback;
+        if (levels.contains(open)) {
+            const SRSession& session = levels.at(open);
+            const double from = session.openPrice == 0 ? base : session.openPrice;
+            std::map<std::int64_t, double> ups, downs;
+            for (const SRLevel& level : session.up) ups.try_emplace(level.i, level.price);
+            for (const SRLevel& level : session.dn) downs.try_emplace(level.i, level.price);
+            if (!ups.empty() && from < ups.begin()->second) up = (ups.begin()->second - from) / 1e8;
+            if (!downs.empty() && downs.begin()->second < from) down = (from - downs.begin()->second) / 1e8;
+        }
+        const double v = base + hf * (hf < 0 ? down : up);
+        if (std::isfinite(v)) points.push_back({place.at(bar), v, hf >= 0, base, hf});
+    }
+    return points;
+}
+
+std::vector<OvPoint> plainVix(const Bars& bars, const Bars& vix, int tf, int hhmm, double scale, int smooth) {
+    std::map<std::int64_t, double> value;
+    const auto sessionOpen = opens(bars, hhmm);
+    for (auto session = sessionOpen.begin(); session != sessionOpen.end(); ++session) {
+        const auto [s, openP] = *session;
+        const auto next = std::next(session) == sessionOpen.end() ? std::numeric_limits<std::int64_t>::max()
+                                                                  : std::next(session)->first;
+        double anchor = 0;
+        for (const Candle& bar : vix)
+            if (bar.time >= s + 33300 && bar.time < next) {
+                anchor = bar.open != 0 ? bar.open : bar.close;
+                break;
+            }
+        if (anchor == 0 || !(openP > 0)) continue;
+        std::vector<std::pair<std::int64_t, double>> pts;
+        for (const Candle& bar : vix) {
+            const auto ofDay = newYorkSecondsOfDay(bar.time);
+            if (bar.time >= s && bar.time < next && ofDay >= 3 * 3600 + 15 * 60 && ofDay < 16 * 3600 + 16 * 60)
+                pts.emplace_back(bar.time, openP * (scale * (bar.close - anchor) / anchor + 1));
+        }
+        if (pts.size() < 2) continue;
+        const int w = smooth < 1 ? 1 : std::min(smooth, static_cast<int>(pts.size()));
+        for (int i = 0; i < static_cast<int>(pts.size()); ++i) {
+            double sum = 0;
+            const int first = std::max(i - w + 1, 0);
+            for (int j = first; j <= i; ++j) sum += pts[static_cast<std::size_t>(j)].second;
+            value[pts[static_cast<std::size_t>(i)].first / (tf * 60) * (tf * 60)] = sum / (i - first + 1);
+        }
+    }
+    const auto place = positions(bars);
+    std::vector<OvPoint> points;
+    for (const auto& [bar, v] : value)
+        if (place.contains(bar)) points.push_back({place.at(bar), v});
+    return points;
+}
+
+// Relative to the values, which are prices.
+void expectNear(const std::vector<OvPoint>& got, const std::vector<OvPoint>& expected, const std::string& what) {
+    ASSERT_EQ(got.size(), expected.size()) << what;
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        ASSERT_EQ(got[i].idx, expected[i].idx) << what;
+        ASSERT_NEAR(got[i].v, expected[i].v, 1e-10 * std::abs(expected[i].v)) << what << " at " << i;
+    }
+}
+
+struct Scene {
+    Bars raw, second, vix;
+    HfByMin flow;
+    SRSessions levels;
+};
+
+Scene scene(std::int64_t from, std::int64_t to, int hhmm, unsigned seed) {
+    Scene s{futuresMinutes(from, to, seed, 21000),
+            futuresMinutes(from, to, seed + 1, 6000),
+            futuresMinutes(from, to, seed + 2, 1800),
+            {},
+            {}};
+    std::mt19937 random(seed);
+    for (Candle& bar : s.vix)
+        if (random() % 7 == 0) bar.open = 0;  // a payload may lack it
+    for (const Candle& bar : s.raw) {
+        HfCandle minute;
+        if (random() % 9 != 0) minute.c = (static_cast<double>(random() % 4001) - 2000) * 1e5;
+        if (random() % 5 != 0) s.flow[bar.time] = minute;
+        const std::int64_t open = plainSessionOpen(bar.time, hhmm);
+        if (random() % 1000 == 0)
+            s.levels[open] = {open,
+                              random() % 2 ? 0.0 : bar.open,
+                              {{3, "", bar.open + 90, 0}, {1, "", bar.open + 40, 0}, {1, "", bar.open + 70, 0}},
+                              {{2, "", bar.open - 50, 0}, {1, "", bar.open + (random() % 2 ? 5 : -30), 0}}};
+    }
+    return s;
+}
+
+TEST(OverlaySeries, AgreeWithPlainComputations) {
+    unsigned seed = 0;
+    for (const auto& [from, to] : stretches())
+        for (const auto& [tf, hhmm] : {std::pair{1, 1800}, {5, 930}, {60, 1800}}) {
+            const std::string what = std::to_string(from) + " tf " + std::to_string(tf);
+            const Scene s = scene(from, to, hhmm, ++seed);
+            const Bars bars = plainAggregate(s.raw, tf);
+            SessionTime session;
+            EXPECT_GE(opens(bars, hhmm).size(), 5U);
+
+            const auto vwap = OverlaySeries::computeVWAP(bars, hhmm, session);
+            EXPECT_GT(vwap.size(), 2U);
+            expectNear(vwap, plainVwap(bars, hhmm), what);
+
+            const auto second = OverlaySeries::computeSecond(bars, s.second, tf, hhmm, session);
+            EXPECT_GT(second.size(), 2U);
+            EXPECT_EQ(second, plainSecond(bars, plainAggregate(s.second, tf), hhmm)) << what;
+
+            const auto hf = OverlaySeries::computeHFLine(bars, s.flow, tf, hhmm, 2e-7, s.levels, session);
+            EXPECT_GT(hf.size(), 50U);
+            EXPECT_EQ(hf, plainHf(bars, s.flow, tf, hhmm, 2e-7, s.levels)) << what;
+
+            for (const int smooth : {-3, 1, 5, 64, 1'000'000}) {
+                const auto vix = OverlaySeries::computeVIX(bars, s.vix, tf, hhmm, 0.08, smooth, session);
+                EXPECT_GT(vix.size(), 40U);
+                expectNear(vix, plainVix(bars, s.vix, tf, hhmm, 0.08, smooth),
+                           what + " smooth " + std::to_string(smooth));
+            }
+        }
+}
+
+TEST(OverlaySeries, EmaStartsAtTheFirstClose) {
+    const Bars bars = futuresMinutes(1'780'000'000, 1'780'100'000, 3, 21000);
+    const auto ema = OverlaySeries::computeEMA(bars, 9);
+    ASSERT_EQ(ema.size(), bars.size());
+    EXPECT_EQ(ema[0], (OvPoint{0, bars[0].close}));
+    // the average as a weighted sum of all closes before
+    for (const std::size_t at : {1, 2, 30, 200}) {
+        double sum = bars[0].close * std::pow(0.8, static_cast<double>(at));
+        for (std::size_t i = 1; i <= at; ++i) sum += 0.2 * bars[i].close * std::pow(0.8, static_cast<double>(at - i));
+        EXPECT_NEAR(ema[at].v, sum, 1e-8);
+    }
+    EXPECT_TRUE(OverlaySeries::computeEMA(bars, 0).empty());
+    EXPECT_TRUE(OverlaySeries::computeEMA({bars[0]}, 9).empty());
+    EXPECT_EQ(OverlaySeries::computeEMA(bars, std::numeric_limits<std::int64_t>::max()).size(), bars.size());
+}
+
+TEST(OverlaySeries, ShowTheStockVwapInTheStockSession) {
+    using namespace date::literals;
+    const date::local_days wednesday(2026_y / 6 / 10), saturday(2026_y / 6 / 13);
+    SessionTime session;
+    const struct {
+        std::int64_t t;
+        int hhmm;
+        bool shown;
+    } cases[] = {{newYorkMoment(wednesday, 9, 29), 1800, false}, {newYorkMoment(wednesday, 9, 30), 1800, true},
+                 {newYorkMoment(wednesday, 15, 59), 0, true},    {newYorkMoment(wednesday, 16), 1800, false},
+                 {newYorkMoment(wednesday, 12), 930, false},     {newYorkMoment(saturday, 12), 1800, false}};
+    for (const auto& c : cases) EXPECT_EQ(OverlaySeries::showsNyVWAP(c.t, c.hhmm, session), c.shown) << c.t;
+}
+
+TEST(OverlaySeries, GiveNothingForWhatCannotBeUsed) {
+    using namespace date::literals;
+    SessionTime session;
+    const std::int64_t open = newYorkMoment(date::local_days(2026_y / 6 / 9), 18);
+    const auto bar = [open](std::int64_t after, double price, double volume = 0) {
+        return Candle{open + after, price, price, price, price, volume};
+    };
+    // no volume, no average; a bar without repeats it
+    EXPECT_EQ(OverlaySeries::computeVWAP({bar(-60, 9, 9), bar(0, 1), bar(60, 2, 1), bar(120, 3)}, 1800, session),
+              (std::vector<OvPoint>{{2, 2}, {3, 2}}));
+    EXPECT_TRUE(OverlaySeries::computeVWAP({}, 1800, session).empty());
+
+    const Bars primary = {bar(0, 100), bar(60, 101)};
+    for (const double broken : {0.0, -1.0, std::nan(""), 1e-320, std::numeric_limits<double>::infinity()})
+        EXPECT_TRUE(OverlaySeries::computeSecond(primary, {bar(0, broken), bar(60, 5)}, 1, 1800, session).empty())
+            << broken;
+    EXPECT_EQ(OverlaySeries::computeSecond(primary, {bar(-60, 40), bar(60, 50)}, 1, 1800, session),
+              (std::vector<OvCandle>{{1, 100, 100, 100, 100, 50}}));  // no bar at the reference: the session's first
+
+    // a first VIX bar whose open and close are 0 leaves its session without a line
+    const std::int64_t morning = 33300;
+    Bars vix = {bar(morning, 20), bar(morning + 60, 25)};
+    const Bars chart = {bar(0, 100), bar(morning, 100), bar(morning + 60, 100)};
+    EXPECT_EQ(OverlaySeries::computeVIX(chart, vix, 1, 1800, 1, 1, session),
+              (std::vector<OvPoint>{{1, 100}, {2, 125}}));
+    vix[0].open = vix[0].close = 0;
+    EXPECT_TRUE(OverlaySeries::computeVIX(chart, vix, 1, 1800, 1, 1, session).empty());
+    EXPECT_TRUE(OverlaySeries::computeVIX(chart, {vix[1]}, 1, 1800, 1, 1, session).empty());
+
+    const Bars evening = {bar(0, 100), bar(22 * 3600 + 16 * 60 - 60, 100), bar(22 * 3600 + 16 * 60, 100)};
+    HfCandle flow;
+    flow.c = 1e8;
+    HfByMin minutes;
+    for (const Candle& at : evening) minutes[at.time] = flow;
+    const auto line = OverlaySeries::computeHFLine(evening, minutes, 1, 1800, 1e-6, {}, session);
+    EXPECT_EQ(line, (std::vector<OvColorPoint>{{1, 200, true, 100, 1e8}}));  // 18:00 and 16:16 are past 16:16
+    EXPECT_TRUE(OverlaySeries::computeHFLine(evening, minutes, 1, 1800, 1e305, {}, session).empty());
+}
+
+}  // namespace
+}  // namespace vmr::test
