@@ -50,14 +50,23 @@ ShellCommands::Answer ShellCommands::carryOut(const std::string& name, std::stri
     }
     if (name == "help")
         return "ok sign-in EMAIL PASSWORD [forget] | sign-out | open CANDLE_CHANNEL [DERIVED_CHANNEL] | symbol SYM | "
-               "timeframe N | set KEY JSON | state FILE | relay COMMAND (practice) | quit";
+               "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay COMMAND (practice) | quit";
     if (name == "state") return state(std::string(rest));
     const std::string argument = word(rest);
     if (!argument.empty() && rest.empty()) {
         if (name == "symbol") return symbol(argument);
         if (name == "timeframe") return timeframe(argument);
+        if (name == "expiration") return expiration(argument);
+        if (name == "3d" && (argument == "on" || argument == "off")) {
+            program_.pane().setGex3DActive(argument == "on");
+            return "ok 3d " + argument;
+        }
     }
-    for (const char* known : {"symbol", "timeframe", "sign-out", "quit"})
+    if (name == "gex-source" && argument.empty()) {
+        program_.pane().cycleGexSource();
+        return "ok gex-source " + program_.pane().config->gexSource;
+    }
+    for (const char* known : {"symbol", "timeframe", "expiration", "3d", "gex-source", "sign-out", "quit"})
         if (name == known) return "error: wrong arguments for " + name + "; see help";
     return "error: unknown command " + name + "; see help";
 }
@@ -84,6 +93,14 @@ ShellCommands::Answer ShellCommands::timeframe(const std::string& minutes) {
     if (!value) return "error: timeframe needs a whole number of minutes";
     program_.pane().setTimeframe(*value);
     return "ok timeframe " + std::to_string(program_.pane().timeframe.get());
+}
+
+ShellCommands::Answer ShellCommands::expiration(const std::string& iso) {
+    AppModel& pane = program_.pane();
+    const auto& offered = pane.futureExps.get();
+    if (std::find(offered.begin(), offered.end(), iso) == offered.end()) return "error: no such expiration on offer: " + iso;
+    pane.setExpiration(iso);
+    return "ok expiration " + iso;
 }
 
 ShellCommands::Answer ShellCommands::set(std::string_view rest) {

@@ -23,6 +23,7 @@ class ShellCommands {
     Answer open(std::string_view rest);
     Answer symbol(const std::string& sym);
     Answer timeframe(const std::string& minutes);
+    Answer expiration(const std::string& iso);
     Answer set(std::string_view rest);
     Answer state(const std::string& file);
     void signIn(std::string_view rest);

@@ -159,6 +159,10 @@ Json Json::detached() const {
     return parse(text()).value_or(Json());
 }
 
+bool Json::owns(JsonView view) const {
+    return view.kind() != Kind::missing && document_ && view.place_.document == static_cast<const void*>(&document_->document);
+}
+
 std::size_t Json::documentBytes() const { return document_ ? document_->bytes : 0; }
 
 }  // namespace vmr

@@ -43,6 +43,9 @@ class JsonView {
     /// Elements of an array or members of an object (exact up to 16 million); 0 for other kinds.
     std::size_t size() const;
 
+    /// Whether both stand at one place of one living document; false for missing.
+    bool isSame(JsonView other) const { return kind_ != Kind::missing && place_ == other.place_; }
+
     /// Compact JSON text of this value; "null" for missing.
     std::string text() const;
 
@@ -134,6 +137,9 @@ class Json : public JsonView {
 
     /// Whether both are values of one document; false for missing.
     bool sharesDocument(const Json& other) const { return document_ && document_ == other.document_; }
+
+    /// Whether `view` lies in this value's document; false for missing.
+    bool owns(JsonView view) const;
 
     /// Bytes that the document holds, roughly; 0 for missing.
     std::size_t documentBytes() const;

@@ -16,6 +16,11 @@ namespace {
 std::array<float, 4> floats(const Uniforms& uniforms) { return std::bit_cast<std::array<float, 4>>(uniforms); }
 std::array<float, 8> floats(const LineUniforms& uniforms) { return std::bit_cast<std::array<float, 8>>(uniforms); }
 
+LineUniforms lineUniforms(const Uniforms& camera, double width, double height) {
+    return {camera.xScale, camera.xOffset, camera.yScale, camera.yOffset, static_cast<float>(width),
+            static_cast<float>(height), 0.0F, 0.0F};
+}
+
 bool positive(double value) { return std::isfinite(value) && value > 0; }
 
 }  // namespace
@@ -74,6 +79,14 @@ void ChartRenderer::retain(Retained& retained, const std::vector<Vertex>& list) 
 }
 
 template void ChartRenderer::retain(Retained&, const std::vector<ChartVertex>&);
+
+void ChartRenderer::setOverlayGeometry(const OverlayLists& lists) {
+    retain(overlayLines_, lists.lines);
+    retain(second_, lists.second);
+    retain(secondBorders_, lists.secondBorders);
+    overlayOrigin_ = lists.origin;
+    needsDisplay();
+}
 
 void ChartRenderer::rebuildCandleGeometry() {
     using namespace CandleGeometry;
@@ -191,21 +204,39 @@ void ChartRenderer::drawRetained(const Retained& retained) {
     if (retained.n > 0) gpu_.draw(Primitive::triangles, retained.buf, 0, retained.n);
 }
 
+// Between the price line and the candles: ribbons, then the paired instrument's candles and their outlines.
+void ChartRenderer::encodeOverlays(double width, double height) {
+    const Uniforms camera = camera_.uniforms(overlayOrigin_);
+    const LineUniforms ribbons = lineUniforms(camera, width, height);
+    const auto draw = [&](const Retained& retained, Pipeline pipeline) {
+        if (retained.n == 0) return;
+        gpu_.setPipeline(pipeline);
+        pipeline == Pipeline::ribbon ? gpu_.setUniforms(floats(ribbons)) : gpu_.setUniforms(floats(camera));
+        drawRetained(retained);
+    };
+    draw(overlayLines_, Pipeline::ribbon);
+    draw(second_, Pipeline::flat);
+    draw(secondBorders_, Pipeline::ribbon);
+}
+
 void ChartRenderer::encodeLayers(const Geometry& geometry, double width, double height) {
     const Uniforms& camera = geometry.candleUniforms;
     // The back of the chart: markers, waves, bars and walls belong here, in this order.
     gpu_.setPipeline(Pipeline::flat);
     gpu_.setUniforms(floats(camera));
     drawDyn(Primitive::lines, geometry.priceLine);
-    // Overlay ribbons and the second symbol's candles belong between the price line and the candles.
+    if (overlayLines_.n + second_.n + secondBorders_.n > 0) {
+        encodeOverlays(width, height);
+        gpu_.setPipeline(Pipeline::flat);
+        gpu_.setUniforms(floats(camera));
+    }
     drawRetained(candleTris_);
     drawDyn(Primitive::triangles, geometry.formingTris);
     drawRetained(candleWicks_);
     drawDyn(Primitive::triangles, geometry.formingWicks);
     if (candleBorders_.n == 0 && !geometry.formingBorder) return;
     gpu_.setPipeline(Pipeline::ribbon);
-    gpu_.setUniforms(floats(LineUniforms{camera.xScale, camera.xOffset, camera.yScale, camera.yOffset,
-                                         static_cast<float>(width), static_cast<float>(height), 0.0F, 0.0F}));
+    gpu_.setUniforms(floats(lineUniforms(camera, width, height)));
     drawRetained(candleBorders_);
     drawDyn(Primitive::triangles, geometry.formingBorder);
 }

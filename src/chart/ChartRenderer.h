@@ -14,6 +14,7 @@
 #include "chart/Camera.h"
 #include "chart/FrameArena.h"
 #include "chart/Gpu.h"
+#include "chart/OverlayLists.h"
 #include "chart/RenderConfig.h"
 #include "chart/ScreenLayer.h"
 #include "chart/Vertices.h"
@@ -61,6 +62,9 @@ class ChartRenderer {
     /// the next bar comes. Bars that went away at the front slide out without moving the picture.
     void setCandles(std::span<const Candle> candles);
     void setRenderConfig(const RenderConfig& config);
+
+    /// The overlay ribbons and the paired instrument's candles; replaces what was there. Copied to the GPU.
+    void setOverlayGeometry(const OverlayLists& lists);
 
     /// Draws `layer` in every frame after those added before; it must outlive the renderer's frames.
     void addScreenLayer(ScreenLayer& layer) { screenLayers_.push_back(&layer); }
@@ -127,6 +131,7 @@ class ChartRenderer {
     bool easeClose();
     bool drawChart(double width, double height, double pixelRatio);
     void encodeLayers(const Geometry& geometry, double width, double height);
+    void encodeOverlays(double width, double height);
     void drawDyn(Primitive primitive, const std::optional<DynUpload>& list);
     void drawRetained(const Retained& retained);
     void publishViewport();
@@ -141,6 +146,8 @@ class ChartRenderer {
     Camera camera_;
     DataOrigin origin_;  ///< of the retained and of the frame's own geometry
     Retained background_, candleTris_, candleWicks_, candleBorders_;
+    Retained overlayLines_, second_, secondBorders_;
+    DataOrigin overlayOrigin_;  ///< of the three above
     bool staticDirty_ = true;
     bool interacting_ = false;
     double dispClose_ = std::numeric_limits<double>::quiet_NaN();

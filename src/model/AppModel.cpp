@@ -21,7 +21,8 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
       at_(std::move(surroundings)),
       alive_(std::make_shared<int>(0)),
       restorePane_(std::move(restore)),
-      counted_(true) {
+      counted_(true),
+      overlays_(at_.session) {
     ++liveModels;
     if (const auto stored = at_.preferences.get(ConfigIO::timeframeKey)) {
         const auto minutes = parseInt(*stored);
@@ -143,8 +144,10 @@ void AppModel::shutdown() {
     if (counted_) --liveModels;
     counted_ = false;
     relay_->disconnect();
-    if (barRollTimer_ != SerialQueue::noTimer) at_.main.cancel(barRollTimer_);
-    barRollTimer_ = SerialQueue::noTimer;
+    for (SerialQueue::TimerId* timer : {&barRollTimer_, &hfpTimer_}) {
+        if (*timer != SerialQueue::noTimer) at_.main.cancel(*timer);
+        *timer = SerialQueue::noTimer;
+    }
 }
 
 void AppModel::onConnected() {
@@ -187,6 +190,7 @@ void AppModel::setConfig(const GexConfig& changed) {
         ConfigIO::save(at_.preferences, changed);
         if (old.vixMode != changed.vixMode) {
             vixCandles.clear();
+            ++sideRevision_;
             reloadChart();
         } else {
             if (old.sessionStart != changed.sessionStart) rebuildSRLines();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <any>
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -19,9 +20,17 @@
 #include "base/SerialQueue.h"
 #include "base/Signal.h"
 #include "base/Uuid.h"
+#include "chart/OverlayLists.h"
+#include "market/FieldView.h"
+#include "market/HfHistoryParser.h"
+#include "market/OscParser.h"
 #include "market/Records.h"
+#include "market/SRLevelsParser.h"
 #include "market/SessionTime.h"
+#include "model/Gex3D.h"
+#include "model/HfpSample.h"
 #include "model/Instruments.h"
+#include "model/OverlayBuilder.h"
 #include "services/FirebaseRESTAuth.h"
 #include "services/RelayClient.h"
 #include "store/GexConfig.h"
@@ -41,6 +50,20 @@ struct ToastMsg {
     std::string title;
     std::optional<std::string> detail;
     bool operator==(const ToastMsg&) const = default;
+};
+
+/// The history of HF flow, redrawn apart from the rest of the pane.
+struct HfpState {
+    std::deque<HfpSample> samples;  ///< oldest first
+    Signal<> changed;
+    Observable<int> windowMin{5};   ///< minutes that the panel shows
+};
+
+/// What the model asks of the pane's renderer; both empty while there is none.
+struct RendererBridge {
+    std::function<bool()> interacting;  ///< a drag is under way
+    /// The overlays were rebuilt; the lists stay as they are until the next call.
+    std::function<void(const OverlayLists&)> setOverlayGeometry;
 };
 
 /// What a pane is given; everything outlives it.
@@ -148,8 +171,55 @@ class AppModel {
     std::optional<std::string> defaultSourceFor(const std::string& sym) const;
 
     // Derived data ----------------------------------------------------------------------------------------------------
-    std::map<std::string, Json> derivedFields;        ///< aggregate fields as patched by the feed
-    std::map<std::string, Json> secondaryGexFields;   ///< the same of the second source
+    DerivedFields derivedFields;       ///< aggregate fields as patched by the feed
+    DerivedFields secondaryGexFields;  ///< the same of the second source
+    Observable<std::vector<PriceLevel>> levels;  ///< call and put wall
+    Observable<std::vector<StrikeRow>> strikes;  ///< rows of the effective fields, ascending
+    Observable<double> etfRatio{1.0};            ///< factor from strike to chart price
+    Observable<std::vector<StrikeRow>> secStrikes;
+    Observable<double> secEtfRatio{1.0};
+    Observable<std::optional<double>> gammaFlipStrike;
+    Observable<HudMetrics> hud;
+    Observable<std::optional<std::string>> selectedExp;  ///< chosen expiration, yyyy-MM-dd
+    Observable<std::vector<std::string>> futureExps;     ///< expirations on offer
+
+    /// The aggregate overlaid with the selected expiration; valid until `derivedFields` changes.
+    FieldView effectiveDerivedFields() const;
+    /// The user's pick of an expiration.
+    void setExpiration(const std::string& iso);
+    /// The next of "ETF", "INDEX", "BOTH"; reopens a future's chart.
+    void cycleGexSource();
+    /// Key under which things are stored by symbol and source, such as "NQ_QQQ"; a stock's symbol; empty without chart.
+    std::string symbolSource() const;
+    /// Shows what `pane` tells, now or on first connect.
+    void applyRestore(const PaneState& pane);
+
+    // Markers, oscillator, session lines ------------------------------------------------------------------------------
+    std::map<std::int64_t, std::vector<BubblePt>> bubbleByMin;  ///< minute in seconds, newest 600
+    std::map<std::int64_t, std::vector<TrianglePt>> triByMin;
+    Observable<std::vector<BubblePt>> bubblePts;  ///< of all minutes, ascending
+    Observable<std::vector<TrianglePt>> trianglePts;
+    OscByMin oscByMin;
+    Observable<OscLines> oscLines;
+    SRSessions srSessions;
+    Observable<std::vector<OverlayLine>> srLines;
+
+    // Overlay series --------------------------------------------------------------------------------------------------
+    HfByMin hfByMin;  ///< newest 5000 minutes
+    /// The series as of the last rebuild.
+    const OverlaySet& overlays() const { return overlays_.series(); }
+    Signal<> overlaysChanged;
+    /// Ties the pane to its renderer, which gets the geometry at once.
+    void setRendererBridge(RendererBridge bridge);
+    /// To be called once when a drag ends: runs the rebuild that it held back.
+    void interactionEnded();
+
+    // HF pressure and the 3D surface ----------------------------------------------------------------------------------
+    HfpState hfp;
+    Observable<std::optional<Gex3DData>> gex3D;
+    bool gex3DActive() const { return gex3DActive_; }
+    /// True while the 3D view is open; turning it on builds at once.
+    void setGex3DActive(bool on);
 
     // Settings, log and notices ---------------------------------------------------------------------------------------
     Observable<GexConfig> config;
@@ -187,7 +257,7 @@ class AppModel {
     void openFirstChart();
     // Chart opening (ChartOpening.cpp)
     void clearChartData();
-    std::vector<std::string> buildChannelList(const std::string& candles, const std::string& levels);
+    std::vector<std::string> buildChannelList(const std::string& bars, const std::string& derived);
     void rememberChannelNames();
     // Routing (Routing.cpp)
     bool routeHot(const ChannelMessage& message);
@@ -203,22 +273,30 @@ class AppModel {
     // Catalog (Catalog.cpp)
     void applyCatalog(JsonView catalog);
     void applyContracts(JsonView map);
-    // Places whose work is not written yet (Unwritten.cpp)
-    void scheduleOverlays();
-    void scheduleOscRebuild();
-    void rebuildSRLines();
-    void rebuildSRLinesIfBarChanged();
+    // Derived fields (DerivedData.cpp)
+    void takeDerived(const ChannelMessage& message);
+    void takeSecondaryGex(const ChannelMessage& message);
     void updateExpirations();
     void reparseDerived();
-    void rebuild3D(bool force);
-    void updateHfpTimer();
-    void autoApplyPreferredTemplate();
+    // Per-minute channels, oscillator, session lines (SideChannels.cpp)
     void takeHfHistory(JsonView payload);
-    void takeSupportResistance(JsonView payload);
     void takeBubbles(JsonView payload);
     void takeTriangles(JsonView payload);
     void takeOscillator(JsonView payload);
-    void takeSecondaryGex();
+    void takeSupportResistance(JsonView payload);
+    void scheduleOscRebuild();
+    void rebuildSRLines();
+    void rebuildSRLinesIfBarChanged();
+    // Overlay series (Overlays.cpp)
+    void scheduleOverlays();
+    void rebuildOverlays();
+    void pushOverlayGeometryToGPU();
+    // Sampling (Sampling.cpp)
+    void updateHfpTimer();
+    void takeHfpSample();
+    void rebuild3D(bool force);
+    // Places whose work is not written yet (Unwritten.cpp)
+    void autoApplyPreferredTemplate();
     void tellPresence();
     void stopPresence();
     void simOnTrade(double price);
@@ -238,6 +316,21 @@ class AppModel {
     SerialQueue::TimerId barRollTimer_ = SerialQueue::noTimer;
     Json batch_;          // the batch under way
     double batchNow_ = 0;  // the clock when it came
+    bool userPickedExp_ = false;
+    Json strikesSource_;  // the rows that `strikes` were made of
+    bool oscRebuildScheduled_ = false;
+    std::pair<std::size_t, std::int64_t> srLinesBars_{SIZE_MAX, 0};  // count and last time at the last rebuild
+    OverlayBuilder overlays_;
+    RendererBridge renderer_;
+    OverlayLists overlayLists_;  // its memory is used again
+    std::uint64_t sideRevision_ = 0;  // raised with the VIX, the HF history and the support/resistance sessions
+    double overlayCostEMA_ = 0;       // seconds
+    double lastOverlayBuild_ = -std::numeric_limits<double>::infinity();  // monotonic
+    bool overlayTrailingScheduled_ = false;
+    bool overlaysPendingAfterDrag_ = false;
+    SerialQueue::TimerId hfpTimer_ = SerialQueue::noTimer;
+    bool gex3DActive_ = false;
+    double lastGex3DBuild_ = -std::numeric_limits<double>::infinity();  // monotonic
     int toastGen_ = 0;
     int marketClosedGen_ = 0;
     // channel names that every message is compared with, made once per chart

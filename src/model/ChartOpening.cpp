@@ -43,11 +43,11 @@ void AppModel::reloadChart() {
 
 void AppModel::openChart(std::string_view candlesArgument, std::string_view levelsArgument) {
     const std::string bars = trimmed(candlesArgument);
-    const std::string levels = trimmed(levelsArgument);
+    const std::string derived = trimmed(levelsArgument);
     if (bars.empty()) return;
     if (!subscribedChans.empty()) relay_->unsubscribe(subscribedChans);
     chartChannel = bars;
-    levelsChannel = levels;
+    levelsChannel = derived;
     startBarRollTimer();
     clearChartData();
 
@@ -56,13 +56,13 @@ void AppModel::openChart(std::string_view candlesArgument, std::string_view leve
     oscPrimaryLabel = isStock() ? currentSymbol() : single ? root : "NQ";
     oscSingle = single;
 
-    const std::vector<std::string> list = buildChannelList(bars, levels);
+    const std::vector<std::string> list = buildChannelList(bars, derived);
     rememberChannelNames();
     relay_->subscribe(list);
     subscribedChans = list;
     tellPresence();
     std::string line = "→ chart: " + bars;
-    if (!levels.empty()) line += " + " + levels;
+    if (!derived.empty()) line += " + " + derived;
     if (!srChannel.empty()) line += " + " + srChannel;
     append(line);
     autoApplyPreferredTemplate();
@@ -72,24 +72,45 @@ void AppModel::clearChartData() {
     candles.clear();
     displayCandles.edit([](auto& bars) { bars.clear(); });
     secondaryCandles.clear();
+    levels.edit([](auto& list) { list.clear(); });
     derivedFields.clear();
     secondaryGexFields.clear();
+    secStrikes.edit([](auto& list) { list.clear(); });
+    strikesSource_ = Json();
+    srSessions.clear();
+    srLines.edit([](auto& list) { list.clear(); });
+    srLinesBars_ = {SIZE_MAX, 0};
+    bubbleByMin.clear();
+    triByMin.clear();
+    bubblePts.edit([](auto& list) { list.clear(); });
+    trianglePts.edit([](auto& list) { list.clear(); });
+    oscByMin.clear();
+    oscLines = OscLines();
+    hfByMin.clear();
+    ++sideRevision_;
+    overlays_.clear();
+    overlaysChanged();
+    pushOverlayGeometryToGPU();
+    hfp.samples.clear();
+    hfp.changed();
+    gex3D = std::nullopt;
+    lastGex3DBuild_ = -std::numeric_limits<double>::infinity();
     lastSeenClose_ = std::numeric_limits<double>::quiet_NaN();
     for (std::string* name : {&srChannel, &bubblesChannel, &trianglesChannel, &oscChannel, &hfHistoryChannel,
                               &secondaryChannel, &secondaryContract, &secondSymbol, &secondaryGexChannel})
         name->clear();
 }
 
-std::vector<std::string> AppModel::buildChannelList(const std::string& bars, const std::string& levels) {
+std::vector<std::string> AppModel::buildChannelList(const std::string& bars, const std::string& derived) {
     std::vector<std::string> list{bars, bars + ":1m", bars + ":trades", "meta:contracts", "meta:instruments"};
     const std::string root = futuresRoot(bars);
     simRoot = root;
     if (!simRoot.empty()) list.push_back(bars + ":quote");
     list.push_back(vixBaseChannel());
     list.push_back(vixChannel());
-    if (!levels.empty()) {
-        list.push_back(levels);
-        const std::string source = sourceOf(levels);
+    if (!derived.empty()) {
+        list.push_back(derived);
+        const std::string source = sourceOf(derived);
         bubblesChannel = "derived:gexBubbles:" + source;
         trianglesChannel = "derived:hfTriangles:" + source;
         oscChannel = "derived:osc:" + source;
@@ -107,7 +128,7 @@ std::vector<std::string> AppModel::buildChannelList(const std::string& bars, con
             list.insert(list.end(), {secondaryChannel, secondaryChannel + ":1m", secondaryChannel + ":trades"});
         }
     }
-    if (const auto index = builtInIndexSource(root); index && config->gexSource == "BOTH" && !levels.empty()) {
+    if (const auto index = builtInIndexSource(root); index && config->gexSource == "BOTH" && !derived.empty()) {
         secondaryGexChannel = "derived:" + *index;
         list.push_back(secondaryGexChannel);
     }

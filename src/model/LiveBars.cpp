@@ -55,7 +55,7 @@ void AppModel::applyTrade(double price, double tsMs) {
     if (effect == TradeEffect::none) return;
     if (effect == TradeEffect::appended) rebuildSRLinesIfBarChanged();
     scheduleDisplayRebuild();
-    rebuild3D(false);
+    if (gex3DActive_) rebuild3D(false);
 }
 
 void AppModel::applySecondaryTrade(double price, double tsMs) {

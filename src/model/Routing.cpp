@@ -3,18 +3,14 @@
 
 #include "market/CandleParser.h"
 #include "market/Coerce.h"
+#include "market/StrikesParser.h"
 #include "model/AppModel.h"
 #include "model/PayloadBrief.h"
+#include "model/Prepared.h"
 
 namespace vmr {
 
 namespace {
-// What `prepare` hands over with a message.
-struct Prepared {
-    std::optional<std::vector<Candle>> bars;
-    std::string brief;
-};
-
 constexpr std::size_t largePayload = 10000;  // entries from which the brief form is worth making beforehand
 
 bool endsWithLive(std::string_view channel) { return channel.ends_with(":trades") || channel.ends_with(":quote"); }
@@ -46,18 +42,6 @@ std::optional<Trade> readTrade(JsonView payload, const Clock& clock) {
     return Trade{*price, ts ? *ts : clock.now() * 1000};
 }
 
-constexpr std::size_t largeDocument = 64 * 1024;
-
-// A member to keep of a message. A small one gets a document of its own, so that it does not keep a large one alive.
-Json toKeep(const Json& payload, JsonView value) {
-    constexpr std::size_t shortList = 100;
-    bool small = !value.isObject() && value.size() <= shortList;
-    for (const JsonView item : small ? value.items() : JsonView::ItemRange{})
-        small = small && !item.isObject() && !item.isArray();
-    const Json kept = payload.at(value);
-    return small && payload.documentBytes() > largeDocument ? kept.detached() : kept;
-}
-
 bool isObjectOfStrings(JsonView value) {
     if (!value.isObject()) return false;
     for (const auto& [key, member] : value.members())
@@ -76,7 +60,11 @@ std::any AppModel::prepare(const std::string& channel, JsonView payload) {
         prepared.bars = std::move(bars);
     }
     if (payload.size() >= largePayload) prepared.brief = briefForm(payload);
-    if (!prepared.bars && prepared.brief.empty()) return {};
+    if (payload["gexByStrike"].size() >= largePayload) {
+        const DerivedFields none;
+        prepared.rows = std::make_shared<std::vector<StrikeRow>>(StrikesParser::parse(FieldView(none, payload)));
+    }
+    if (!prepared.bars && !prepared.rows && prepared.brief.empty()) return {};
     return prepared;
 }
 
@@ -144,6 +132,7 @@ bool AppModel::routeSeries(const ChannelMessage& message) {
     if (channel == vixBaseChannel() || channel == vixChannel()) {
         if (const auto& bars = barsOf(message, parsed); !bars.empty()) {
             mergeInto(vixCandles, bars);
+            ++sideRevision_;
             scheduleOverlays();
         }
         return true;
@@ -184,14 +173,11 @@ bool AppModel::routeDerived(const ChannelMessage& message) {
         return true;
     }
     if (isObject && !secondaryGexChannel.empty() && channel == secondaryGexChannel) {
-        for (const auto& [key, value] : message.payload.members())
-            secondaryGexFields.insert_or_assign(std::string(key), toKeep(message.payload, value));
-        takeSecondaryGex();
+        takeSecondaryGex(message);
         return true;
     }
     if (isObject && !levelsChannel->empty() && channel == levelsChannel.get()) {
-        for (const auto& [key, value] : message.payload.members())
-            derivedFields.insert_or_assign(std::string(key), toKeep(message.payload, value));
+        takeDerived(message);
         updateExpirations();
         reparseDerived();
         rebuild3D(false);

@@ -1,23 +1,11 @@
 #include "model/StateDocument.h"
 
-#include <cmath>
-#include <nlohmann/json.hpp>
+#include "model/StateRecords.h"
 
 namespace vmr {
 
-using json = nlohmann::ordered_json;
-
 namespace {
-json number(double value) { return std::isfinite(value) ? json(value) : json(nullptr); }
-
-json text(const std::optional<std::string>& value) { return value ? json(*value) : json(nullptr); }
-
-json bars(const std::vector<Candle>& series) {
-    json out = json::array();
-    for (const Candle& bar : series)
-        out.push_back({bar.time, number(bar.open), number(bar.high), number(bar.low), number(bar.close), number(bar.volume)});
-    return out;
-}
+using namespace stateRecords;
 
 void addSession(json& out, const AppModel& pane) {
     out["status"] = pane.status.get();
@@ -58,6 +46,43 @@ void addChart(json& out, const AppModel& pane) {
     out["hfScale"] = number(pane.hfScale);
 }
 
+void addDerived(json& out, const AppModel& pane) {
+    out["symbolSource"] = pane.symbolSource();
+    out["selectedExp"] = text(pane.selectedExp);
+    out["futureExps"] = pane.futureExps.get();
+    out["levels"] = list(pane.levels.get());
+    out["strikes"] = list(pane.strikes.get());
+    out["etfRatio"] = number(pane.etfRatio.get());
+    out["secStrikes"] = list(pane.secStrikes.get());
+    out["secEtfRatio"] = number(pane.secEtfRatio.get());
+    out["gammaFlipStrike"] = number(pane.gammaFlipStrike.get());
+    out["hud"] = record(pane.hud.get());
+    out["derivedFields"] = keys(pane.derivedFields);
+    out["secondaryGexFields"] = keys(pane.secondaryGexFields);
+    out["bubblePts"] = list(pane.bubblePts.get());
+    out["trianglePts"] = list(pane.trianglePts.get());
+    out["hfByMin"] = pane.hfByMin.size();
+    out["oscLines"] = record(pane.oscLines.get());
+    out["srSessions"] = json::array();
+    for (const auto& [open, session] : pane.srSessions) out["srSessions"].push_back(record(session));
+    out["srLines"] = list(pane.srLines.get());
+    out["hfp"] = json::array();
+    for (const HfpSample& sample : pane.hfp.samples) out["hfp"].push_back(record(sample));
+    out["gex3DActive"] = pane.gex3DActive();
+    out["gex3D"] = pane.gex3D.get() ? record(*pane.gex3D.get()) : json(nullptr);
+}
+
+void addOverlays(json& out, const OverlaySet& series) {
+    out["vwapMain"] = list(series.vwapMain);
+    out["vwapNY"] = list(series.vwapNY);
+    out["vixLine"] = list(series.vixLine);
+    out["vixSpot"] = number(series.vixSpot);
+    out["ema1"] = list(series.ema1);
+    out["ema2"] = list(series.ema2);
+    out["hfLine"] = list(series.hfLine);
+    out["secondCandles"] = list(series.secondCandles);
+}
+
 void addCatalog(json& out, const AppModel& pane) {
     out["catFutures"] = json::array();
     for (const CatalogFut& fut : pane.catFutures.get())
@@ -81,10 +106,8 @@ json paneDocument(const AppModel& pane) {
     out["displayCandles"] = bars(pane.displayCandles);
     out["secondaryCandles"] = bars(pane.secondaryCandles);
     out["vixCandles"] = bars(pane.vixCandles);
-    out["derivedFields"] = json::array();
-    for (const auto& [key, value] : pane.derivedFields) out["derivedFields"].push_back(key);
-    out["secondaryGexFields"] = json::array();
-    for (const auto& [key, value] : pane.secondaryGexFields) out["secondaryGexFields"].push_back(key);
+    addDerived(out, pane);
+    addOverlays(out, pane.overlays());
     out["config"] = json::parse(pane.config->toJson());
     out["logLines"] = json::array();
     for (const LogLine& line : pane.logLines) out["logLines"].push_back(line.text);

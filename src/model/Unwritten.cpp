@@ -4,26 +4,6 @@
 
 namespace vmr {
 
-// Overlay series, oscillator, session and support/resistance lines
-void AppModel::scheduleOverlays() {}
-void AppModel::scheduleOscRebuild() {}
-void AppModel::rebuildSRLines() {}
-void AppModel::rebuildSRLinesIfBarChanged() {}
-void AppModel::takeHfHistory(JsonView) {}
-void AppModel::takeSupportResistance(JsonView) {}
-void AppModel::takeOscillator(JsonView) {}
-
-// Derived fields and markers
-void AppModel::updateExpirations() {}
-void AppModel::reparseDerived() {}
-void AppModel::takeSecondaryGex() {}
-void AppModel::takeBubbles(JsonView) {}
-void AppModel::takeTriangles(JsonView) {}
-
-// HF pressure and the 3D surface
-void AppModel::updateHfpTimer() {}
-void AppModel::rebuild3D(bool) {}
-
 // Presence and templates
 void AppModel::tellPresence() {}
 void AppModel::stopPresence() {}

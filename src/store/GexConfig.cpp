@@ -66,11 +66,15 @@ void applyLimits(GexConfig& c) {
 }
 }  // namespace
 
-double GexConfig::hfScaleFor(const std::string& symbol) const {
-    if (const auto own = hfScaleBySymbol.find(symbol); own != hfScaleBySymbol.end()) return own->second;
+double GexConfig::hfScaleDefault(const std::string& symbol) {
     const auto& defaults = hfScaleDefaults();
     const auto builtIn = defaults.find(symbol);
     return builtIn == defaults.end() ? 1.0 : builtIn->second;
+}
+
+double GexConfig::hfScaleFor(const std::string& symbol) const {
+    const auto own = hfScaleBySymbol.find(symbol);
+    return own != hfScaleBySymbol.end() ? own->second : hfScaleDefault(symbol);
 }
 
 std::optional<GexConfig> GexConfig::fromJson(std::string_view text) {

@@ -76,6 +76,9 @@ struct GexConfig {
 
     bool operator==(const GexConfig&) const = default;
 
+    /// The built-in scale of the HF line for a symbol; 1 for an unknown one.
+    static double hfScaleDefault(const std::string& symbol);
+
     /// The scale of the HF line: the user's for the symbol, else the built-in one, else 1.
     double hfScaleFor(const std::string& symbol) const;
 

@@ -108,6 +108,8 @@ void ChartItem::takeChart() {
     drawing_->axis.setTimeframe(pane_->timeframe());
     drawnTimeframe_ = pane_->timeframe();
     drawing_->renderer.setRenderConfig(chart.config);
+    if (chart.overlays && std::exchange(drawnOverlays_, chart.overlayRevision) != chart.overlayRevision)
+        drawing_->renderer.setOverlayGeometry(*chart.overlays);
     drawing_->renderer.setCandles(chart.candles ? std::span<const Candle>(*chart.candles) : std::span<const Candle>());
 }
 

@@ -62,6 +62,7 @@ class ChartItem : public QQuickItem {
     bool recording_ = false;
     bool animating_ = false;
     int drawnTimeframe_ = 0;
+    std::uint64_t drawnOverlays_ = 0;
     std::shared_ptr<std::atomic<int>> sampleCount_ = std::make_shared<std::atomic<int>>(0);
 };
 

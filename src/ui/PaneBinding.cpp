@@ -57,10 +57,18 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, const std::string
     });
     watch();
     copyFields();
+    RendererBridge bridge;
+    bridge.setOverlayGeometry = [this](const OverlayLists& lists) {
+        overlays_ = &lists;
+        ++overlayRevision_;
+        copyChart();
+    };
+    model_.setRendererBridge(std::move(bridge));
     copyChart();
 }
 
 PaneBinding::~PaneBinding() {
+    model_.setRendererBridge({});
     view_.setActions({});
     view_.setChart({});
 }
@@ -103,7 +111,8 @@ void PaneBinding::copyFields() {
 }
 
 void PaneBinding::copyChart() {
-    view_.setChart({&model_.displayCandles.get(), renderConfig(model_.config), model_.sessionHHMM()});
+    view_.setChart({&model_.displayCandles.get(), renderConfig(model_.config), model_.sessionHHMM(), overlays_,
+                    overlayRevision_});
 }
 
 }  // namespace vmr

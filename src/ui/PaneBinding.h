@@ -33,7 +33,8 @@ class PaneBinding {
     AppModel& model_;
     PaneViewModel& view_;
     QString setupProblem_, signInHint_;
-    RenderConfig config_;
+    const OverlayLists* overlays_ = nullptr;
+    std::uint64_t overlayRevision_ = 0;
     std::vector<Connection> connections_;
 };
 

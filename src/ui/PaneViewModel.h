@@ -5,9 +5,11 @@
 #include <QQmlEngine>
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 #include <functional>
 #include <vector>
 
+#include "chart/OverlayLists.h"
 #include "chart/RenderConfig.h"
 #include "market/Records.h"
 
@@ -62,6 +64,8 @@ class PaneViewModel : public QObject {
         const std::vector<Candle>* candles = nullptr;
         RenderConfig config;
         int sessionHHMM = 1800;
+        const OverlayLists* overlays = nullptr;  ///< valid until the next `setChart`
+        std::uint64_t overlayRevision = 0;       ///< raised when they were rebuilt
     };
 
     using QObject::QObject;
