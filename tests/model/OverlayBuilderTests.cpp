@@ -190,6 +190,23 @@ TEST(OverlayBuilder, KeepsExactlyWhatAFreshBuildGives) {
     EXPECT_GT(points, 100'000U);
 }
 
+// A session whose first bar still forms, while the VIX has run ahead.
+TEST(OverlayBuilder, FollowsTheOpenOfASessionThatBegins) {
+    using namespace date::literals;
+    const std::int64_t open = newYorkMoment(date::local_days(2026_y / 6 / 10), 9, 30);
+    SessionTime session;
+    OverlayBuilder builder(session);
+    Stream stream(3);
+    stream.settings.sessionHHMM = 930;
+    stream.bars = {{open - 60, 1, 1, 1, 1, 0}, {open, 100, 100, 100, 100, 0}};
+    stream.vix = {{open, 20, 0, 0, 20, 0}, {open + 60, 20, 0, 0, 20, 0}, {open + 33300, 20, 0, 0, 20, 0}};
+    for (const double price : {100.0, 104.0}) {
+        stream.bars.back().open = price;
+        builder.update(stream.input());
+        EXPECT_EQ(builder.series().vixLine, (std::vector<OvPoint>{{1, price}}));
+    }
+}
+
 TEST(OverlayBuilder, FewerThanTwoBarsEmptyEverySeries) {
     SessionTime session;
     Stream stream(1);

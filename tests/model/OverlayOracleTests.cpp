@@ -7,6 +7,7 @@
 
 #include "model/AppModel.h"
 #include "model/OverlaySeries.h"
+#include "model/SessionWalk.h"
 #include "support/SyntheticMarket.h"
 
 namespace vmr::test {
@@ -204,6 +205,25 @@ TEST(OverlaySeries, AgreeWithPlainComputations) {
                 EXPECT_GT(vix.size(), 40U);
                 expectNear(vix, plainVix(bars, s.vix, tf, hhmm, 0.08, smooth),
                            what + " smooth " + std::to_string(smooth));
+            }
+        }
+}
+
+// In any order and over the clock changes, whatever the session's start.
+TEST(SessionWalk, AnswersAsTheSessionClock) {
+    std::mt19937 random(5);
+    for (const auto& [from, to] : stretches())
+        for (const int hhmm : {1800, 930, 0, 2359, 2430, -100, 999'999}) {
+            SessionTime session;
+            SessionWalk walk(session, hhmm);
+            std::int64_t t = from;
+            for (int i = 0; i < 3000; ++i) {
+                t = i % 3 == 0 ? from + static_cast<std::int64_t>(random()) % (to - from)
+                               : t + random() % 20'000 - 10'000;
+                ASSERT_EQ(walk.open(t), session.sessionOpenSec(t, hhmm)) << t << " " << hhmm;
+                ASSERT_EQ(walk.secondsOfDay(t), SessionWalk(session, hhmm).secondsOfDay(t)) << t;
+                const std::int64_t day = walk.secondsOfDay(t);
+                ASSERT_TRUE(day >= 0 && day < 86400);
             }
         }
 }
