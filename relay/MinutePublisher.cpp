@@ -10,7 +10,7 @@ namespace vmr {
 
 namespace {
 constexpr std::int64_t longestGapMs = 86400000;
-constexpr std::array families{&flowMinutes, &bubbleMinutes, &triangleMinutes, &oscillatorMinutes};
+constexpr std::array families{&flowMinutes, &bubbleSeries, &triangleSeries, &oscillatorMinutes};
 
 const OptionSource* sourceOf(const std::string& channel, const MinuteFamily& family) {
     if (!channel.starts_with(family.prefix)) return nullptr;

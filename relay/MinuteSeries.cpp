@@ -212,8 +212,8 @@ std::unique_ptr<MinuteSeries> make(ChainBook& book, const OptionSource& source) 
 }
 }  // namespace
 
-const MinuteFamily bubbleMinutes{"derived:gexBubbles:", "bubbles", "bubble", 600, make<BubbleSeries>};
-const MinuteFamily triangleMinutes{"derived:hfTriangles:", "triangles", "triangle", 600, make<TriangleSeries>};
+const MinuteFamily bubbleSeries{"derived:gexBubbles:", "bubbles", "bubble", 600, make<BubbleSeries>};
+const MinuteFamily triangleSeries{"derived:hfTriangles:", "triangles", "triangle", 600, make<TriangleSeries>};
 const MinuteFamily flowMinutes{"derived:hfHistory:", "candles", "candle", 5000, make<FlowSeries>};
 const MinuteFamily oscillatorMinutes{"derived:osc:", "points", "", 14000, make<OscillatorSeries>};
 

@@ -33,9 +33,9 @@ struct MinuteFamily {
 };
 
 /// The three strikes where gamma weighs most at the minute's end.
-extern const MinuteFamily bubbleMinutes;
+extern const MinuteFamily bubbleSeries;
 /// The strikes with the largest net flow of the minute.
-extern const MinuteFamily triangleMinutes;
+extern const MinuteFamily triangleSeries;
 /// Open, high, low and close of the net flow since the session's open.
 extern const MinuteFamily flowMinutes;
 /// Momentum of the source's own future or stock, of ES and of VIX, and the flows, on a scale of ±120.
