@@ -19,6 +19,7 @@ std::vector<std::string> ChannelHub::subscribe(Subscriber& subscriber, const std
         int order;
         std::string channel;
         Publisher* publisher;
+        bool first;
     };
     tick(nowMs);
     std::vector<Wish> wishes;
@@ -33,13 +34,18 @@ std::vector<std::string> ChannelHub::subscribe(Subscriber& subscriber, const std
             continue;
         }
         held += fresh;
-        if (known == listeners_.end()) publisher->opened(channel, nowMs);
+        const bool first = known == listeners_.end();
+        if (first) publisher->opened(channel, nowMs);
         listeners_[channel].insert(&subscriber);
-        wishes.push_back({publisher->order(channel), channel, publisher});
+        wishes.push_back({publisher->order(channel), channel, publisher, first});
     }
     std::stable_sort(wishes.begin(), wishes.end(), [](const Wish& a, const Wish& b) { return a.order < b.order; });
     for (const Wish& wish : wishes) {
-        if (auto text = wish.publisher->snapshot(wish.channel)) subscriber.send(Frame(std::move(*text)));
+        auto text = wish.publisher->snapshot(wish.channel);
+        if (!text) continue;
+        const Frame frame(std::move(*text));
+        subscriber.send(frame);
+        if (wish.first && tap_) tap_(nowMs_, wish.channel, frame);
     }
     return refused;
 }
@@ -58,6 +64,7 @@ void ChannelHub::unsubscribe(Subscriber& subscriber, const std::vector<std::stri
 void ChannelHub::leave(Subscriber& subscriber) { unsubscribe(subscriber, channelsOf(subscriber)); }
 
 void ChannelHub::tick(std::int64_t nowMs) {
+    nowMs_ = nowMs;
     for (const auto& one : publishers_) one->tick(nowMs);
 }
 
@@ -65,6 +72,7 @@ void ChannelHub::publish(const std::string& channel, const Frame& frame) {
     const auto found = listeners_.find(channel);
     if (found == listeners_.end()) return;
     for (Subscriber* one : found->second) one->send(frame);
+    if (tap_) tap_(nowMs_, channel, frame);
 }
 
 std::vector<std::string> ChannelHub::channelsOf(const Subscriber& subscriber) const {

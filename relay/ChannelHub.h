@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -30,6 +31,11 @@ class ChannelHub {
 
     void tick(std::int64_t nowMs);
 
+    /// Called with what the listeners of a channel get, once whatever their number: the snapshot of a channel's first
+    /// listener, then all that is published, with the time of the last tick.
+    using Tap = std::function<void(std::int64_t nowMs, const std::string& channel, const Frame& frame)>;
+    void setTap(Tap tap) { tap_ = std::move(tap); }
+
     bool wanted(const std::string& channel) const { return listeners_.contains(channel); }
     void publish(const std::string& channel, const Frame& frame);
 
@@ -43,6 +49,8 @@ class ChannelHub {
 
     std::vector<std::unique_ptr<Publisher>> publishers_;
     std::map<std::string, std::set<Subscriber*>> listeners_;  // no channel without a listener
+    Tap tap_;
+    std::int64_t nowMs_ = 0;
 };
 
 }  // namespace vmr

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "base/NumberText.h"
+#include "relay/Recording.h"
 #include "relay/Tape.h"
 
 namespace vmr {
@@ -15,8 +16,9 @@ using Values = std::map<std::string, std::string>;
 
 const std::map<std::string, std::string>& knownOptions() {
     static const std::map<std::string, std::string> known{
-        {"--port", "N"},    {"--rest-port", "N"}, {"--seed", "N"},  {"--token-life", "SECONDS"},
-        {"--tape", "FILE"}, {"--symbol", "SYM"},  {"--speed", "X"}, {"--clock", "ISO[@speed]"}};
+        {"--port", "N"},      {"--rest-port", "N"}, {"--seed", "N"},  {"--token-life", "SECONDS"},
+        {"--tape", "FILE"},   {"--symbol", "SYM"},  {"--speed", "X"}, {"--clock", "ISO[@speed]"},
+        {"--record", "FILE"}, {"--replay", "FILE"}};
     return known;
 }
 
@@ -60,14 +62,34 @@ std::string readPlain(const Values& values, PracticeRelayOptions& options) {
     return {};
 }
 
-std::string readTapeOptions(const Values& values, PracticeRelayOptions& options) {
+std::string readFiles(const Values& values, PracticeRelayOptions& options) {
     const bool file = values.contains("--tape");
+    const bool replay = values.contains("--replay");
     if (file != values.contains("--symbol")) return "--tape and --symbol go together";
-    if (!file && values.contains("--speed"))
-        return "--speed goes with --tape; --clock takes a speed of its own, as in 2026-06-10T10:00@60";
+    if (file && replay) return "--tape and --replay contradict each other";
+    if (replay) options.replay = values.at("--replay");
+    if (values.contains("--record")) options.record = values.at("--record");
+    if (!file && !replay && values.contains("--speed"))
+        return "--speed goes with --tape or --replay; --clock takes a speed of its own, as in 2026-06-10T10:00@60";
     if (values.contains("--speed") && values.contains("--clock")) return "--speed and --clock contradict each other";
     if (file) options.tape = TapeOptions{values.at("--tape"), values.at("--symbol")};
     return {};
+}
+
+struct FileStart {
+    std::optional<double> moment;
+    std::string error;
+};
+
+/// Where the tape or the recording starts, if one is to be played.
+FileStart fileStart(const PracticeRelayOptions& options) {
+    FileStart start;
+    if (options.replay) {
+        start.moment = recordingStart(*options.replay, start.error);
+    } else if (options.tape) {
+        if (const auto span = tapeSpan(options.tape->file, start.error)) start.moment = tapeStart(*span);
+    }
+    return start;
 }
 
 std::string readClock(const Values& values, const std::optional<std::string>& environment, RelayCommandLine& line) {
@@ -77,11 +99,9 @@ std::string readClock(const Values& values, const std::optional<std::string>& en
         line.clock = parseClockSpec(text);
         return line.clock ? "" : std::string(own ? "--clock" : "VMR_CLOCK") + " is no moment: " + text;
     }
-    if (!line.relay.tape) return {};
-    std::string error;
-    const auto span = tapeSpan(line.relay.tape->file, error);
-    if (!span) return error;
-    line.clock = ClockSpec{tapeStart(*span), values.contains("--speed") ? *positive(values.at("--speed")) : 1.0};
+    const auto start = fileStart(line.relay);
+    if (!start.moment) return start.error;
+    line.clock = ClockSpec{*start.moment, values.contains("--speed") ? *positive(values.at("--speed")) : 1.0};
     return {};
 }
 }  // namespace
@@ -94,7 +114,7 @@ RelayCommandLine readRelayCommandLine(const std::vector<std::string>& arguments,
     Values values;
     line.error = collect(arguments, values);
     if (line.error.empty()) line.error = readPlain(values, line.relay);
-    if (line.error.empty()) line.error = readTapeOptions(values, line.relay);
+    if (line.error.empty()) line.error = readFiles(values, line.relay);
     if (line.error.empty()) line.error = readClock(values, lookup("VMR_CLOCK"), line);
     return line;
 }
@@ -110,7 +130,9 @@ std::string relayHelp() {
                       New York time unless it says otherwise (default: VMR_CLOCK, else this machine's time)
   --tape FILE         play recorded trades: CSV, plain or .gz, with a timestamp and a price column
   --symbol SYM        which futures root or stock the tape is
-  --speed X           how fast the tape plays from its beginning, without --clock (default: 1)
+  --record FILE       write all that subscribers get into a recording
+  --replay FILE       play a recording in place of the market, from its first message on
+  --speed X           how fast the tape or the recording plays, without --clock (default: 1)
   --help              this text
 
 It listens on 127.0.0.1 only. Type help on its standard input for the faults that it can make.

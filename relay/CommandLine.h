@@ -19,7 +19,8 @@ struct RelayCommandLine {
 };
 
 /// Reads the arguments after the program's name and, through `lookup`, VMR_CLOCK. The clock is that of --clock, else of
-/// the tape with --speed, else of VMR_CLOCK, else `tapeStart` of the tape; a tape whose span is needed is read.
+/// the tape or recording with --speed, else of VMR_CLOCK, else `tapeStart` of the tape or the recording's first frame;
+/// a tape whose span is needed is read.
 RelayCommandLine readRelayCommandLine(const std::vector<std::string>& arguments,
                                       const std::function<std::optional<std::string>(const char*)>& lookup);
 

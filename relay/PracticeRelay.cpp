@@ -14,6 +14,8 @@
 #include "relay/MarketTime.h"
 #include "relay/MetaPublisher.h"
 #include "relay/MinutePublisher.h"
+#include "relay/Recording.h"
+#include "relay/ReplayPublisher.h"
 #include "relay/RestServer.h"
 #include "relay/SocketServer.h"
 #include "relay/Tape.h"
@@ -22,21 +24,45 @@ namespace vmr {
 
 namespace {
 constexpr double tickSeconds = 0.08;
+constexpr double flushSeconds = 1;
+
+/// What the engine is made from.
+struct Supplies {
+    const Instrument* tapeInstrument = nullptr;
+    std::unique_ptr<TradeSource> tape;
+    std::unique_ptr<RecordingReader> replay;
+    std::unique_ptr<RecordingWriter> record;
+};
 
 /// All that lives on the relay's thread once it runs.
 struct Engine {
-    Engine(const Clock& theClock, const PracticeRelayOptions& options, const Instrument* tapeInstrument,
-           std::unique_ptr<TradeSource> tape)
+    Engine(const Clock& theClock, const PracticeRelayOptions& options, Supplies supplies)
         : clock(theClock),
           accounts(theClock, options.tokenLife),
-          derived(options.seed, [this](const Instrument& one) -> TradeSource& { return market->trades(one); }) {
-        auto marketChannels = std::make_unique<MarketPublisher>(hub, options.seed, tapeInstrument, std::move(tape));
+          derived(options.seed, [this](const Instrument& one) -> TradeSource& { return market->trades(one); }),
+          recording(std::move(supplies.record)) {
+        auto marketChannels =
+            std::make_unique<MarketPublisher>(hub, options.seed, supplies.tapeInstrument, std::move(supplies.tape));
         auto metaChannels = std::make_unique<MetaPublisher>(hub);
         market = marketChannels.get();
         meta = metaChannels.get();
-        hub.add(std::move(marketChannels));
-        hub.add(std::move(metaChannels));
-        addDerived();
+        std::vector<std::unique_ptr<Publisher>> publishers;
+        publishers.push_back(std::move(marketChannels));
+        publishers.push_back(std::move(metaChannels));
+        if (supplies.replay) {
+            auto player = std::make_unique<ReplayPublisher>(hub, std::move(supplies.replay));
+            replay = player.get();
+            hub.add(std::move(player));
+            idle = std::move(publishers);
+        } else {
+            for (auto& one : publishers) hub.add(std::move(one));
+            addDerived();
+        }
+        if (recording) {
+            hub.setTap([this](std::int64_t nowMs, const std::string& channel, const Frame& frame) {
+                recording->write(nowMs, channel, frame);
+            });
+        }
         console.emplace(FaultConsole::Parts{clock, faults, accounts, hub, *market, *meta, sockets});
     }
 
@@ -51,6 +77,7 @@ struct Engine {
         if (auto wrong = sockets.open(options.relayPort)) return wrong;
         if (auto wrong = rest.open(options.restPort)) return wrong;
         loop().every(tickSeconds, tickSeconds, [this] { hub.tick(marketMs(clock)); });
+        if (recording) loop().every(flushSeconds, flushSeconds, [this] { recording->flush(); });
         return std::nullopt;
     }
 
@@ -81,9 +108,12 @@ struct Engine {
     Accounts accounts;
     DerivedMarket derived;
     ChainBook chains{derived};
+    std::unique_ptr<RecordingWriter> recording;
     ChannelHub hub;
+    std::vector<std::unique_ptr<Publisher>> idle;  // the market's, while a recording plays; the console knows them
     MarketPublisher* market;
     MetaPublisher* meta;
+    ReplayPublisher* replay = nullptr;
     RestApi api{accounts, faults};
     std::unique_ptr<AsioThread> thread = std::make_unique<AsioThread>("vmr-relay");
     SocketServer sockets{{loop(), clock, accounts, faults, hub}};
@@ -97,6 +127,23 @@ std::unique_ptr<TradeSource> loadTape(const TapeOptions& options, const Instrume
     if (instrument) return Tape::load(options.file, instrument->tick(), error);
     error = "\"" + options.symbol + "\" is neither a futures root nor a stock of the practice market";
     return nullptr;
+}
+}  // namespace
+
+namespace {
+/// Opens the files; what is wrong, if anything. The one to write comes last, so that no fault costs an old recording.
+std::optional<std::string> supply(const PracticeRelayOptions& options, Supplies& supplies) {
+    std::string error;
+    if (options.tape && options.replay) return "a tape and a recording cannot play at once";
+    if (options.record && options.replay) {
+        std::error_code ignored;
+        const bool same = std::filesystem::equivalent(*options.record, *options.replay, ignored);
+        if (same) return "the recording " + options.replay->string() + " cannot be played and written at once";
+    }
+    if (options.tape && !(supplies.tape = loadTape(*options.tape, supplies.tapeInstrument, error))) return error;
+    if (options.replay && !(supplies.replay = RecordingReader::open(*options.replay, error))) return error;
+    if (options.record && !(supplies.record = RecordingWriter::create(*options.record, error))) return error;
+    return std::nullopt;
 }
 }  // namespace
 
@@ -114,14 +161,9 @@ PracticeRelay::~PracticeRelay() = default;
 std::optional<std::string> PracticeRelay::start() {
     if (impl_->engine) return "the relay runs already";
     const PracticeRelayOptions& options = impl_->options;
-    const Instrument* instrument = nullptr;
-    std::unique_ptr<TradeSource> tape;
-    if (options.tape) {
-        std::string error;
-        tape = loadTape(*options.tape, instrument, error);
-        if (!tape) return error;
-    }
-    auto engine = std::make_unique<Engine>(impl_->clock, options, instrument, std::move(tape));
+    Supplies supplies;
+    if (auto wrong = supply(options, supplies)) return wrong;
+    auto engine = std::make_unique<Engine>(impl_->clock, options, std::move(supplies));
     if (auto wrong = engine->invoke([&] { return engine->open(options); })) return wrong;
     impl_->engine = std::move(engine);
     return std::nullopt;
@@ -150,7 +192,13 @@ std::vector<Candle> PracticeRelay::ledger(const std::string& channel) const {
     const auto name = marketChannel(channel);
     if (!name || !impl_->engine) return {};
     Engine& engine = *impl_->engine;
+    if (engine.replay) return engine.invoke([&] { return engine.replay->bars(channel); });
     return engine.invoke([&] { return engine.market->ledger(*name->instrument, marketMs(engine.clock)); });
+}
+
+std::optional<std::string> PracticeRelay::recordingProblem() const {
+    if (!impl_->engine || !impl_->engine->recording) return std::nullopt;
+    return impl_->engine->invoke([&] { return impl_->engine->recording->problem(); });
 }
 
 }  // namespace vmr

@@ -25,6 +25,8 @@ struct PracticeRelayOptions {
     int relayPort = 0;        ///< 0 takes a free port
     int restPort = 0;
     std::optional<TapeOptions> tape;
+    std::optional<std::filesystem::path> record;  ///< file to write all that the channels' subscribers get
+    std::optional<std::filesystem::path> replay;  ///< recording to play in place of the market
 };
 
 /// Runs on threads of its own from `start` until destruction. Everything may be called from any thread.
@@ -34,7 +36,7 @@ class PracticeRelay {
     PracticeRelay(const Clock& clock, PracticeRelayOptions options);
     ~PracticeRelay();
 
-    /// Opens the ports. Nothing on success, else what failed (a port in use, an unreadable tape).
+    /// Opens the ports. Nothing on success, else what failed (a port in use, an unreadable tape or recording).
     std::optional<std::string> start();
 
     std::string relayUrl() const;  ///< "ws://127.0.0.1:PORT/"
@@ -51,8 +53,11 @@ class PracticeRelay {
     std::string command(const std::string& line);
 
     /// The relay's own closed and forming one-minute bars of "futures:CONTRACT", "stocks:SYM" or "indices:I:VIX" as
-    /// built from its trades up to now, history included.
+    /// built from its trades up to now, history included; of a recording those that it has played.
     std::vector<Candle> ledger(const std::string& channel) const;
+
+    /// What made the recording end early, such as a full disk; the relay itself goes on.
+    std::optional<std::string> recordingProblem() const;
 
   private:
     struct Impl;

@@ -43,7 +43,7 @@ void announce(const vmr::PracticeRelay& relay, const vmr::RelayCommandLine& line
     if (line.clock) print("VMR_CLOCK=" + vmr::momentText(clock.now()) + "@" + vmr::doubleText(clock.speed()));
     print("# account: " + relay.email() + "   password: " + relay.password());
     const auto now = static_cast<std::int64_t>(clock.now());
-    if (!line.relay.tape && !vmr::SessionTime().marketOpen(now, false)) {
+    if (!line.relay.tape && !line.relay.replay && !vmr::SessionTime().marketOpen(now, false)) {
         print("# the market is closed at " + vmr::momentText(clock.now()) + "; --clock starts it at another moment");
     }
     print("# type help for the faults that can be made");
@@ -83,5 +83,6 @@ int main(int argc, char** argv) {
     loop.run();
     std::lock_guard lock(target->mutex);
     target->relay = nullptr;
+    if (const auto wrong = relay.recordingProblem()) return complain(*wrong);
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "relay/CommandLine.h"
+#include "relay/Recording.h"
 
 namespace vmr {
 namespace {
@@ -43,6 +44,9 @@ TEST(RelayCommandLine, NamesWhatIsWrong) {
         {{"--speed", "2"}, "--speed goes with --tape"},
         {{"--tape", "a.csv", "--symbol", "GC", "--speed", "0"}, "--speed must be"},
         {{"--tape", "a.csv", "--symbol", "GC", "--speed", "2", "--clock", "2026-06-10"}, "contradict"},
+        {{"--replay", "a.vmr", "--tape", "a.csv", "--symbol", "GC"}, "--tape and --replay contradict"},
+        {{"--replay", "no-such.vmr"}, "no-such.vmr cannot be opened"},
+        {{"--record"}, "--record needs a value"},
         {{"--tape", "no-such.csv", "--symbol", "GC"}, "no-such.csv: it cannot be opened"},
     };
     for (const auto& [arguments, error] : cases) {
@@ -60,6 +64,17 @@ TEST(RelayCommandLine, ATapeSetsTheClockHalfAnHourIn) {
     EXPECT_EQ(line.clock->speed, 20);
     EXPECT_EQ(momentText(read({"--tape", file, "--symbol", "GC"}, "2013-10-07T13:00Z").clock->start),
               "2013-10-07T13:00:00Z");
+}
+
+TEST(RelayCommandLine, ARecordingSetsTheClockToItsFirstFrame) {
+    const std::string file = testing::TempDir() + "/relay_command_line.vmr";
+    std::string error;
+    RecordingWriter::create(file, error)->write(1781085600500, "meta:contracts", Frame("{}"));
+    const auto line = read({"--replay", file, "--speed", "5", "--record", "b.vmr"}, "2026-06-10");
+    EXPECT_EQ(line.error, "");
+    EXPECT_EQ(line.clock, (ClockSpec{1781085600.5, 5}));
+    EXPECT_EQ(line.relay.replay, file);
+    EXPECT_EQ(line.relay.record, "b.vmr");
 }
 
 }  // namespace
