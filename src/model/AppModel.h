@@ -318,6 +318,7 @@ class AppModel {
     double batchNow_ = 0;  // the clock when it came
     bool userPickedExp_ = false;
     Json strikesSource_;  // the rows that `strikes` were made of
+    std::shared_ptr<std::vector<StrikeRow>> readRows_;  // the aggregate's long rows, read but not shown yet
     bool oscRebuildScheduled_ = false;
     std::pair<std::size_t, std::int64_t> srLinesBars_{SIZE_MAX, 0};  // count and last time at the last rebuild
     OverlayBuilder overlays_;

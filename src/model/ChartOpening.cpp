@@ -77,6 +77,7 @@ void AppModel::clearChartData() {
     secondaryGexFields.clear();
     secStrikes.edit([](auto& list) { list.clear(); });
     strikesSource_ = Json();
+    readRows_.reset();
     srSessions.clear();
     srLines.edit([](auto& list) { list.clear(); });
     srLinesBars_ = {SIZE_MAX, 0};

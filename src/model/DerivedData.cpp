@@ -1,6 +1,7 @@
 // The derived fields of the options source: patches, the selected expiration, and what the chart shows of them.
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "market/Coerce.h"
 #include "market/LevelsParser.h"
@@ -41,11 +42,10 @@ FieldView AppModel::effectiveDerivedFields() const {
 
 void AppModel::takeDerived(const ChannelMessage& message) {
     patch(derivedFields, message.payload);
+    if (message.payload["gexByStrike"].kind() == JsonView::Kind::missing) return;
+    // rows that were read on the relay's queue stand for the field that has just come
     const auto* prepared = std::any_cast<Prepared>(&message.prepared);
-    if (!prepared || !prepared->rows || selectedExp->has_value()) return;
-    // the rows were read on the relay's queue: they stand for the field that has just come
-    strikes.edit([&](std::vector<StrikeRow>& rows) { rows = std::move(*prepared->rows); });
-    strikesSource_ = derivedFields["gexByStrike"];
+    readRows_ = prepared ? prepared->rows : nullptr;
 }
 
 void AppModel::takeSecondaryGex(const ChannelMessage& message) {
@@ -72,7 +72,14 @@ void AppModel::reparseDerived() {
     levels = LevelsParser::parse(fields, at_.ids);
     const JsonView rows = fields["gexByStrike"];
     if (!rows.isSame(strikesSource_) || rows.kind() == JsonView::Kind::missing) {
-        strikes.edit([&](std::vector<StrikeRow>& out) { out = StrikesParser::parse(fields); });
+        const auto aggregateRows = derivedFields.find("gexByStrike");
+        const bool ofAggregate = aggregateRows != derivedFields.end() && rows.isSame(aggregateRows->second);
+        strikes.edit([&](std::vector<StrikeRow>& out) {
+            if (ofAggregate && readRows_)
+                out = std::move(*std::exchange(readRows_, nullptr));
+            else
+                out = StrikesParser::parse(fields);
+        });
         // the handle keeps the rows' document, so that another message's rows are never taken for these
         strikesSource_ = Json();
         for (const char* field : {"gexByStrike", "byExpiration"})

@@ -79,6 +79,13 @@ TEST_F(DerivedPane, LongRowsReadOnTheRelaysQueueEqualShortOnesReadHere) {
     EXPECT_EQ(pane.strikes->back().callGex, 2);
     event("derived:QQQ", R"({"gexByStrike":[{"strike":5}]})");
     EXPECT_THAT(strikesOf(pane), ElementsAre(5));
+    // rows that came while an expiration was shown are there when it goes
+    event("derived:QQQ", R"({"expirations":["2026-06-12"],"byExpiration":{"2026-06-12":{"gexByStrike":[{"strike":7}]}}})");
+    snapshot("derived:QQQ", R"({"gexByStrike":[)" + rows + "]}");
+    EXPECT_THAT(strikesOf(pane), ElementsAre(7));
+    event("derived:QQQ", R"({"expirations":[]})");
+    EXPECT_EQ(pane.strikes->size(), 12000u);
+    event("derived:QQQ", R"({"gexByStrike":[{"strike":5}]})");
     event("derived:QQQ", R"({"etfRatio":3})");
     EXPECT_THAT(strikesOf(pane), ElementsAre(5));
 }
