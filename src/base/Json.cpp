@@ -5,6 +5,7 @@
 #include <bit>
 #include <type_traits>
 
+#include "base/JsonRepair.h"
 #include "base/Reaper.h"
 
 namespace vmr {
@@ -138,7 +139,11 @@ JsonMember JsonView::MemberIterator::operator*() const {
 std::optional<Json> Json::parse(std::string_view text) {
     thread_local dom::parser parser;
     auto owned = std::make_unique<Document>();
-    const auto parsed = parser.parse_into_document(owned->document, text.data(), text.size(), true);
+    auto parsed = parser.parse_into_document(owned->document, text.data(), text.size(), true);
+    if (parsed.error() == simdjson::NUMBER_ERROR || parsed.error() == simdjson::STRING_ERROR) {
+        if (const auto repaired = repairedJson(text))
+            parsed = parser.parse_into_document(owned->document, repaired->data(), repaired->size(), true);
+    }
     // one huge message must not leave its index behind for the life of the thread
     if (parser.capacity() > 8u * 1024 * 1024) parser = dom::parser();
     dom::element root;

@@ -126,7 +126,8 @@ class Json : public JsonView {
     /// Missing.
     Json() = default;
 
-    /// Decodes one JSON text (RFC 8259, UTF-8). Nothing when it is not well-formed. Any thread.
+    /// Decodes one JSON text (RFC 8259, UTF-8). Nothing when it is not well-formed. A number that no double holds reads
+    /// as the text "inf" or "-inf", half a surrogate pair as U+FFFD. Any thread.
     static std::optional<Json> parse(std::string_view text);
 
     /// An owning handle to `view`, which must lie in this document.

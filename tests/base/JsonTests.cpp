@@ -48,11 +48,30 @@ TEST(Json, TellsKindsApart) {
 }
 
 TEST(Json, RefusesWhatIsNotOneDocument) {
-    for (const char* text : {"", " ", "{", "[1,]", "{\"a\":1,}", "{'a':1}", "nul", "01", "1 2", "\"\\ud800\"", "1e400",
-                             "18446744073709551616", "\"\xff\"", "NaN", "[1", "\"abc"})
+    for (const char* text : {"", " ", "{", "[1,]", "{\"a\":1,}", "{'a':1}", "nul", "01", "1 2", "\"\xff\"", "NaN", "[1", "\"abc"})
         EXPECT_FALSE(Json::parse(text)) << text;
     EXPECT_FALSE(Json::parse(std::string(5000, '[') + std::string(5000, ']')));
     for (const char* text : {"1", "\"x\"", "null", "true", " [ ] ", "{}"}) EXPECT_TRUE(Json::parse(text)) << text;
+}
+
+TEST(Json, OddValuesDoNotCostTheWholeDocument) {
+    const auto doc = Json::parse(
+        R"({"big":123456789012345678901234,"neg":-99999999999999999999,"huge":1e400,"tiny":-1e999,"max":18446744073709551615,)"
+        R"("min":-9223372036854775808,"small":1e-400,"half":"a\ud800b\udc00\\ud800","pair":"\ud83d\ude00","n":[1e400,7]})");
+    ASSERT_TRUE(doc);
+    EXPECT_EQ((*doc)["big"].floating(), 123456789012345678901234.0);
+    EXPECT_EQ((*doc)["neg"].floating(), -99999999999999999999.0);
+    EXPECT_EQ((*doc)["huge"].string(), "inf");
+    EXPECT_EQ((*doc)["tiny"].string(), "-inf");
+    EXPECT_EQ((*doc)["max"].unsignedInteger(), 18446744073709551615u);
+    EXPECT_EQ((*doc)["min"].integer(), INT64_MIN);
+    EXPECT_EQ((*doc)["small"].floating(), 0.0);
+    EXPECT_EQ((*doc)["half"].string(), "a\uFFFDb\uFFFD\\ud800");
+    EXPECT_EQ((*doc)["pair"].string(), "\U0001F600");
+    EXPECT_EQ((*doc)["n"].size(), 2u);
+    for (const char* broken : {R"({"a":1e400)", R"({"a":1e400,})", R"({"a":99999999999999999999 1})", R"(["\ud800)", R"(["\ud80"])",
+                               R"([01e400])", R"([-])", R"([1e400)"})
+        EXPECT_FALSE(Json::parse(broken)) << broken;
 }
 
 TEST(Json, WalksInOrder) {
