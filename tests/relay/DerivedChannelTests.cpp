@@ -145,7 +145,8 @@ TEST(DerivedChannels, LevelsComeIntoForceWhenThePriceReachesTheOneBefore) {
                 }
             }
             EXPECT_EQ(session["openPrice"], all.front().price);
-            for (const auto& [key, sign] : {std::pair("up", 1.0), {"dn", -1.0}}) {
+            for (const char* key : {"up", "dn"}) {
+                const double sign = key[0] == 'u' ? 1 : -1;
                 const json& levels = session[key];
                 ASSERT_GE(levels.size(), 1u);
                 EXPECT_EQ(levels[0]["triggerTime"], all.front().timeMs / 1000);
