@@ -82,6 +82,8 @@ template void ChartRenderer::retain(Retained&, const std::vector<ChartVertex>&);
 
 void ChartRenderer::setOverlayGeometry(const OverlayLists& lists) {
     retain(overlayLines_, lists.lines);
+    if (std::exchange(sessionRevision_, lists.sessionRevision) != lists.sessionRevision)
+        retain(sessionLines_, lists.sessionLines);
     retain(second_, lists.second);
     retain(secondBorders_, lists.secondBorders);
     overlayOrigin_ = lists.origin;
@@ -215,6 +217,7 @@ void ChartRenderer::encodeOverlays(double width, double height) {
         drawRetained(retained);
     };
     draw(overlayLines_, Pipeline::ribbon);
+    draw(sessionLines_, Pipeline::ribbon);
     draw(second_, Pipeline::flat);
     draw(secondBorders_, Pipeline::ribbon);
 }
@@ -225,7 +228,7 @@ void ChartRenderer::encodeLayers(const Geometry& geometry, double width, double 
     gpu_.setPipeline(Pipeline::flat);
     gpu_.setUniforms(floats(camera));
     drawDyn(Primitive::lines, geometry.priceLine);
-    if (overlayLines_.n + second_.n + secondBorders_.n > 0) {
+    if (overlayLines_.n + sessionLines_.n + second_.n + secondBorders_.n > 0) {
         encodeOverlays(width, height);
         gpu_.setPipeline(Pipeline::flat);
         gpu_.setUniforms(floats(camera));

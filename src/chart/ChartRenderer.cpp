@@ -41,7 +41,7 @@ ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock, Post post)
 
 ChartRenderer::~ChartRenderer() {
     for (const Retained* retained : {&background_, &candleTris_, &candleWicks_, &candleBorders_, &overlayLines_,
-                                     &second_, &secondBorders_}) {
+                                     &sessionLines_, &second_, &secondBorders_}) {
         if (retained->buf != 0) gpu_.release(retained->buf);
     }
     delivery_->owner = nullptr;

@@ -146,8 +146,9 @@ class ChartRenderer {
     Camera camera_;
     DataOrigin origin_;  ///< of the retained and of the frame's own geometry
     Retained background_, candleTris_, candleWicks_, candleBorders_;
-    Retained overlayLines_, second_, secondBorders_;
-    DataOrigin overlayOrigin_;  ///< of the three above
+    Retained overlayLines_, sessionLines_, second_, secondBorders_;
+    std::uint64_t sessionRevision_ = 0;
+    DataOrigin overlayOrigin_;  ///< of the four above
     bool staticDirty_ = true;
     bool interacting_ = false;
     double dispClose_ = std::numeric_limits<double>::quiet_NaN();

@@ -1,6 +1,7 @@
 // The geometry of a pane's overlay series, as it is handed to the renderer.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "chart/Camera.h"
@@ -10,7 +11,9 @@ namespace vmr {
 
 /// Vertices in data space relative to `origin`.
 struct OverlayLists {
-    std::vector<LineVertex> lines;          ///< ribbons
+    std::vector<LineVertex> lines;          ///< ribbons of the series
+    std::vector<LineVertex> sessionLines;   ///< ribbons of the session and support/resistance lines, over those
+    std::uint64_t sessionRevision = 0;      ///< raised when `sessionLines` were made anew
     std::vector<ChartVertex> second;        ///< the paired instrument's candles
     std::vector<LineVertex> secondBorders;  ///< their outlines
     DataOrigin origin;

@@ -291,6 +291,7 @@ class AppModel {
     void scheduleOverlays();
     void rebuildOverlays();
     void pushOverlayGeometryToGPU();
+    void updateSessionLineGeometry();
     // Sampling (Sampling.cpp)
     void updateHfpTimer();
     void takeHfpSample();
@@ -324,6 +325,18 @@ class AppModel {
     OverlayBuilder overlays_;
     RendererBridge renderer_;
     OverlayLists overlayLists_;  // its memory is used again
+    // what the geometry of the session lines was made of
+    struct SessionLineInputs {
+        std::uint64_t lines = 0;
+        std::size_t bars = 0;
+        std::int64_t firstTime = 0, lastTime = 0;
+        int timeframe = 0;
+        bool sessionEnabled = false, showOpen = false, showPrev = false, levelsEnabled = false;
+        double lineOpacity = 0;
+        bool operator==(const SessionLineInputs&) const = default;
+    };
+    SessionLineInputs sessionLineInputs_;
+    std::uint64_t srLinesRevision_ = 0;
     std::uint64_t sideRevision_ = 0;  // raised with the VIX, the HF history and the support/resistance sessions
     double overlayCostEMA_ = 0;       // seconds
     double lastOverlayBuild_ = -std::numeric_limits<double>::infinity();  // monotonic

@@ -99,8 +99,8 @@ void AppModel::pushOverlayGeometryToGPU() {
     out.secondBorders.clear();
     const auto& bars = displayCandles.get();
     if (bars.size() >= 2) {
-        const DataOrigin origin{static_cast<double>(bars.size() - 1), bars.back().close};
-        out.origin = origin;
+        updateSessionLineGeometry();
+        const DataOrigin& origin = out.origin;
         polyline(out.lines, series.vwapMain, 2.0, color(1.0, 0.843, 0.0), std::nullopt, origin);
         polyline(out.lines, series.vwapNY, 1.0, color(1.0, 0.902, 0.502), Dash{0.5, 0.4}, origin);
         polyline(out.lines, series.vixLine, 2.0, color(0.353, 0.82, 0.749), std::nullopt, origin);
@@ -108,13 +108,32 @@ void AppModel::pushOverlayGeometryToGPU() {
         polyline(out.lines, series.ema2, 1.5, color(c.ema2Color), std::nullopt, origin);
         const double flow = c.hfLineOpacity / 100;
         hfPolyline(out.lines, series.hfLine, 2.0, color(0, 0.588, 1, flow), color(1, 0.314, 0.314, flow), origin);
-        std::vector<OverlayLine> shown;
-        for (const OverlayLine& line : srLines.get())
-            if (isShown(line, c)) shown.push_back(line);
-        OverlayGeometry::srLines(out.lines, shown, bars, c.lineOpacity / 100, origin);
         OverlayGeometry::secondCandles(out.second, out.secondBorders, series.secondCandles, origin);
+    } else if (!out.sessionLines.empty()) {
+        out.sessionLines.clear();
+        ++out.sessionRevision;
+        sessionLineInputs_ = {};
     }
     renderer_.setOverlayGeometry(out);
+}
+
+// The session lines are most of the vertices, and a tick leaves them alone: they are made anew only when something
+// that they depend on has changed. The origin moves with them.
+void AppModel::updateSessionLineGeometry() {
+    const GexConfig& c = config.get();
+    const auto& bars = displayCandles.get();
+    const SessionLineInputs inputs{srLinesRevision_,  bars.size(),  bars.front().time,  bars.back().time, timeframe,
+                                   c.sessionEnabled, c.showOpen,   c.showPrev,         c.levelsEnabled,  c.lineOpacity};
+    if (inputs == sessionLineInputs_) return;
+    sessionLineInputs_ = inputs;
+    OverlayLists& out = overlayLists_;
+    out.origin = {static_cast<double>(bars.size() - 1), bars.back().close};
+    std::vector<OverlayLine> shown;
+    for (const OverlayLine& line : srLines.get())
+        if (isShown(line, c)) shown.push_back(line);
+    out.sessionLines.clear();
+    OverlayGeometry::srLines(out.sessionLines, shown, bars, c.lineOpacity / 100, out.origin);
+    ++out.sessionRevision;
 }
 
 }  // namespace vmr

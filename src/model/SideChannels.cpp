@@ -65,6 +65,7 @@ void AppModel::takeSupportResistance(JsonView payload) {
 
 void AppModel::rebuildSRLines() {
     srLines = SessionLines::build(candles, srSessions, sessionHHMM());
+    ++srLinesRevision_;
     srLinesBars_ = {candles.size(), candles.empty() ? 0 : candles.back().time};
 }
 

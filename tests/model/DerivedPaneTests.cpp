@@ -207,6 +207,32 @@ TEST_F(DerivedPane, OverlaysAreHeldBackInADragAndOtherwiseCoalesced) {
     EXPECT_EQ(builds, 1);
 }
 
+TEST_F(DerivedPane, ATickLeavesTheGeometryOfTheSessionLinesAlone) {
+    AppModel& pane = openSymbol("NQ");
+    snapshot(pane.chartChannel, test::flatBars(minute - 3000 * 60, 3001));
+    time.advance(1);
+    OverlayLists seen;
+    pane.setRendererBridge({{}, [&](const OverlayLists& lists) { seen = lists; }});
+    EXPECT_FALSE(seen.lines.empty());
+    EXPECT_FALSE(seen.sessionLines.empty());
+    const auto revision = seen.sessionRevision;
+    event(pane.chartChannel.get() + ":trades", R"({"price":105,"ts":1781100001000})");
+    time.advance(1);
+    EXPECT_EQ(seen.sessionRevision, revision);
+    EXPECT_EQ(seen.origin.price, 100);
+    event(pane.chartChannel.get() + ":trades", R"({"price":105,"ts":1781100061000})");
+    time.advance(1);
+    EXPECT_GT(seen.sessionRevision, revision);
+    EXPECT_EQ(seen.origin.price, 105);
+    GexConfig off = pane.config;
+    off.sessionEnabled = false;
+    pane.setConfig(off);
+    time.advance(1);
+    EXPECT_TRUE(seen.sessionLines.empty());
+    pane.switchSymbol("ES");
+    EXPECT_TRUE(seen.lines.empty());
+}
+
 TEST_F(DerivedPane, SamplesPressureOnlyWhileWantedAndSignedIn) {
     AppModel& pane = openSymbol("NQ");
     event("derived:QQQ", wholePatch);
