@@ -96,12 +96,12 @@ std::string readClock(const Values& values, const std::optional<std::string>& en
     const bool own = values.contains("--clock");
     if (own || (environment && !environment->empty() && !values.contains("--speed"))) {
         const std::string& text = own ? values.at("--clock") : *environment;
-        line.clock = parseClockSpec(text);
+        line.clock = parseClockSetting(text);
         return line.clock ? "" : std::string(own ? "--clock" : "VMR_CLOCK") + " is no moment: " + text;
     }
     const auto start = fileStart(line.relay);
     if (!start.moment) return start.error;
-    line.clock = ClockSpec{*start.moment, values.contains("--speed") ? *positive(values.at("--speed")) : 1.0};
+    line.clock = ClockSetting{*start.moment, values.contains("--speed") ? *positive(values.at("--speed")) : 1.0};
     return {};
 }
 }  // namespace

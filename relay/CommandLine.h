@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 #include "relay/PracticeRelay.h"
 
 namespace vmr {
 
 struct RelayCommandLine {
     PracticeRelayOptions relay;
-    std::optional<ClockSpec> clock;  ///< nothing for the machine's own time
+    std::optional<ClockSetting> clock;  ///< nothing for the machine's own time
     bool help = false;
     std::string error;  ///< what is wrong, for the person; empty when all is well
 };

@@ -16,8 +16,8 @@ Problem readPositive(const std::string& name, const std::string& text, double& o
     return std::nullopt;
 }
 
-Problem readClock(const std::string& name, const std::string& text, std::optional<ClockSpec>& out) {
-    out = parseClockSpec(text);
+Problem readClock(const std::string& name, const std::string& text, std::optional<ClockSetting>& out) {
+    out = parseClockSetting(text);
     if (!out) return name + " needs a moment such as 2026-06-10T10:00:00 or 2026-06-10T14:00Z@60, not \"" + text + "\"";
     return std::nullopt;
 }

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 
 namespace vmr {
 
@@ -20,7 +20,7 @@ struct Options {
     std::string stateFile;          ///< state document written at the end
     std::string screenshotFile;     ///< picture of the window, saved at the end
     int width = 0, height = 0;      ///< window size in points; 0 for the usual
-    std::optional<ClockSpec> clock;
+    std::optional<ClockSetting> clock;
     std::string tapeFile, tapeSymbol;
     std::optional<double> speed;    ///< of the tape
     std::uint64_t seed = 1;         ///< of the practice market

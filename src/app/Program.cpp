@@ -45,12 +45,12 @@ void ProgramStart::choosePracticeClock() {
             failure_ = problem;
             return;
         }
-        if (!options_.clock) options_.clock = ClockSpec{tapeStart(*span), 1};
+        if (!options_.clock) options_.clock = ClockSetting{tapeStart(*span), 1};
         if (options_.speed) options_.clock->speed = *options_.speed;
     } else if (!options_.clock) {
         const double now = SystemClock().now();
         const double start = practiceStart(now);
-        if (start != now) options_.clock = ClockSpec{start, 1};
+        if (start != now) options_.clock = ClockSetting{start, 1};
     }
 }
 

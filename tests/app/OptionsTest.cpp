@@ -26,7 +26,7 @@ TEST(Options, ReadsEveryOption) {
     EXPECT_EQ(o.seconds, 2.5);
     EXPECT_EQ(o.stateFile, "out.json");
     EXPECT_EQ(o.seed, 9u);
-    EXPECT_EQ(o.clock, (ClockSpec{1781100000, 60}));
+    EXPECT_EQ(o.clock, (ClockSetting{1781100000, 60}));
     EXPECT_EQ(o.tapeFile, "t.csv");
     EXPECT_EQ(o.tapeSymbol, "GC");
     EXPECT_EQ(o.speed, 30.0);
@@ -39,8 +39,8 @@ TEST(Options, TheArgumentWinsOverTheEnvironmentsClock) {
     const Lookup lookup = [](const char* name) {
         return std::string(name) == "VMR_CLOCK" ? std::optional<std::string>("2026-06-10T14:00Z@2") : std::nullopt;
     };
-    EXPECT_EQ(std::get<Options>(parseOptions({}, lookup)).clock, (ClockSpec{1781100000, 2}));
-    EXPECT_EQ(std::get<Options>(parseOptions({"--clock", "2026-06-10"}, lookup)).clock, (ClockSpec{1781064000, 1}));
+    EXPECT_EQ(std::get<Options>(parseOptions({}, lookup)).clock, (ClockSetting{1781100000, 2}));
+    EXPECT_EQ(std::get<Options>(parseOptions({"--clock", "2026-06-10"}, lookup)).clock, (ClockSetting{1781064000, 1}));
 }
 
 TEST(Options, RefusesWithTheReason) {

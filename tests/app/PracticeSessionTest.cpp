@@ -38,7 +38,7 @@ Options practiceOptions(const std::string& clock = "2026-06-10T10:00:30@60", std
     Options options;
     options.practice = true;
     options.seed = seed;
-    options.clock = parseClockSpec(clock);
+    options.clock = parseClockSetting(clock);
     return options;
 }
 

@@ -64,7 +64,7 @@ TEST(WindowTurns, HugeSnapshotsLeaveTheMainThreadFree) {
     ::setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
     Options options;
     options.practice = true;
-    options.clock = parseClockSpec("2026-06-10T10:00:30");
+    options.clock = parseClockSetting("2026-06-10T10:00:30");
     ProgramStart start(options);
     ASSERT_FALSE(start.failure()) << *start.failure();
 

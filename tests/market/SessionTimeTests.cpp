@@ -6,7 +6,7 @@
 #include <chrono>
 #include <set>
 
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 
 namespace vmr {
 namespace {

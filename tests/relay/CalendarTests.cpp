@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 #include "relay/ChannelName.h"
 #include "relay/FrontMonth.h"
 #include "relay/SessionCalendar.h"

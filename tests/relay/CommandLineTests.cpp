@@ -24,8 +24,8 @@ TEST(RelayCommandLine, ReadsItsOptions) {
     EXPECT_EQ(line.relay.tokenLife, 90.5);
     EXPECT_FALSE(line.clock);
     EXPECT_TRUE(read({"--port", "x", "--help"}).help);
-    EXPECT_EQ(read({}, "2026-06-10T10:00Z@60").clock, (ClockSpec{1781085600, 60}));
-    EXPECT_EQ(read({"--clock", "2026-06-10T10:00Z@2"}, "nonsense").clock, (ClockSpec{1781085600, 2}));
+    EXPECT_EQ(read({}, "2026-06-10T10:00Z@60").clock, (ClockSetting{1781085600, 60}));
+    EXPECT_EQ(read({"--clock", "2026-06-10T10:00Z@2"}, "nonsense").clock, (ClockSetting{1781085600, 2}));
 }
 
 TEST(RelayCommandLine, NamesWhatIsWrong) {
@@ -72,7 +72,7 @@ TEST(RelayCommandLine, ARecordingSetsTheClockToItsFirstFrame) {
     RecordingWriter::create(file, error)->write(1781085600500, "meta:contracts", Frame("{}"));
     const auto line = read({"--replay", file, "--speed", "5", "--record", "b.vmr"}, "2026-06-10");
     EXPECT_EQ(line.error, "");
-    EXPECT_EQ(line.clock, (ClockSpec{1781085600.5, 5}));
+    EXPECT_EQ(line.clock, (ClockSetting{1781085600.5, 5}));
     EXPECT_EQ(line.relay.replay, file);
     EXPECT_EQ(line.relay.record, "b.vmr");
 }

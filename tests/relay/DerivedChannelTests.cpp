@@ -4,7 +4,7 @@
 #include <fstream>
 #include <set>
 
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 #include "relay/MarketTime.h"
 #include "relay/Tape.h"

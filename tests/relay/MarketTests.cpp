@@ -4,7 +4,7 @@
 #include <map>
 #include <numeric>
 
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 #include "relay/BarBook.h"
 #include "relay/Feed.h"
 #include "relay/MarketTime.h"

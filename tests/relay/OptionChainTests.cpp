@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 
 namespace vmr {

@@ -5,7 +5,7 @@
 
 #include "base/FileReplace.h"
 #include "market/CandleParser.h"
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 #include "relay/HandClock.h"
 #include "relay/Recording.h"

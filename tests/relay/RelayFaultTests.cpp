@@ -4,7 +4,7 @@
 
 #include "base/Json.h"
 #include "market/CandleParser.h"
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 #include "relay/HandClock.h"
 #include "relay/RelayProbe.h"
 

@@ -1,4 +1,4 @@
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 
 #include <date/tz.h>
 
@@ -120,8 +120,8 @@ std::optional<double> parseMoment(std::string_view text) {
     return utcMidnight + seconds - sign * *offset;
 }
 
-std::optional<ClockSpec> parseClockSpec(std::string_view text) {
-    ClockSpec spec;
+std::optional<ClockSetting> parseClockSetting(std::string_view text) {
+    ClockSetting spec;
     if (const auto at = text.find('@'); at != std::string_view::npos) {
         const auto speed = parseDouble(text.substr(at + 1));
         if (!speed || !std::isfinite(*speed) || *speed <= 0) return std::nullopt;

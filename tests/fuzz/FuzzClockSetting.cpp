@@ -2,11 +2,11 @@
 #include <cmath>
 
 #include "FuzzEntry.h"
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vmr;
-    const auto spec = parseClockSpec(fuzz::textOf(data, size));
+    const auto spec = parseClockSetting(fuzz::textOf(data, size));
     if (!spec) return 0;
     fuzz::require(std::isfinite(spec->start) && std::isfinite(spec->speed) && spec->speed > 0);
     const double start = practiceStart(spec->start);

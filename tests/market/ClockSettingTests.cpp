@@ -1,12 +1,12 @@
 // The text that sets the program's clock, and where practice starts.
-#include "market/ClockSpec.h"
+#include "market/ClockSetting.h"
 
 #include <gtest/gtest.h>
 
 namespace vmr {
 namespace {
 
-TEST(ClockSpec, ReadsMoments) {
+TEST(ClockSetting, ReadsMoments) {
     const std::pair<const char*, double> good[] = {
         {"1970-01-01T00:00Z", 0},
         {"1969-12-31T23:59:59Z", -1},
@@ -33,16 +33,16 @@ TEST(ClockSpec, ReadsMoments) {
         EXPECT_EQ(parseMoment(text), std::nullopt) << text;
 }
 
-TEST(ClockSpec, ReadsASpeedBehindTheMoment) {
-    EXPECT_EQ(parseClockSpec("2026-06-10T10:00:00@60"), (ClockSpec{1781100000, 60}));
-    EXPECT_EQ(parseClockSpec("2026-06-10@0.5"), (ClockSpec{1781064000, 0.5}));
-    EXPECT_EQ(parseClockSpec("2013-10-07T13:00Z"), (ClockSpec{1381150800, 1}));
+TEST(ClockSetting, ReadsASpeedBehindTheMoment) {
+    EXPECT_EQ(parseClockSetting("2026-06-10T10:00:00@60"), (ClockSetting{1781100000, 60}));
+    EXPECT_EQ(parseClockSetting("2026-06-10@0.5"), (ClockSetting{1781064000, 0.5}));
+    EXPECT_EQ(parseClockSetting("2013-10-07T13:00Z"), (ClockSetting{1381150800, 1}));
     for (const char* text : {"@60", "2026-06-10@", "2026-06-10@0", "2026-06-10@-1", "2026-06-10@inf", "2026-06-10@nan",
                              "2026-06-10@x", "2026-06-10@1@2", "60", ""})
-        EXPECT_EQ(parseClockSpec(text), std::nullopt) << text;
+        EXPECT_EQ(parseClockSetting(text), std::nullopt) << text;
 }
 
-TEST(ClockSpec, PracticeStartsWhereTheMarketIsOrWasOpen) {
+TEST(ClockSetting, PracticeStartsWhereTheMarketIsOrWasOpen) {
     const std::pair<const char*, const char*> cases[] = {
         {"2026-06-10T11:00:00.5", "2026-06-10T11:00:00.5"},  // open: now
         {"2026-06-08T03:00", "2026-06-08T03:00"},
