@@ -31,7 +31,7 @@ struct PracticeRelayOptions {
 
 /// Runs on threads of its own from `start` until destruction. Everything may be called from any thread.
 class PracticeRelay {
-  public:
+ public:
     /// `clock` gives market time (and its speed); it must outlive the relay.
     PracticeRelay(const Clock& clock, PracticeRelayOptions options);
     ~PracticeRelay();
@@ -59,7 +59,7 @@ class PracticeRelay {
     /// What made the recording end early, such as a full disk; the relay itself goes on.
     std::optional<std::string> recordingProblem() const;
 
-  private:
+ private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

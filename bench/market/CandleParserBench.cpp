@@ -18,8 +18,9 @@ std::string snapshotText() {
     for (int i = 0; i < barCount; ++i) {
         const double open = 21'000 + (i * 37 % 400) * 0.25;
         text += std::string(i ? "," : "") + R"({"ts":)" + std::to_string((start + i * 60) * 1000) + R"(,"o":)" +
-                std::to_string(open) + R"(,"h":)" + std::to_string(open + 2.75) + R"(,"l":)" + std::to_string(open - 1.5) +
-                R"(,"c":)" + std::to_string(open + 0.25) + R"(,"v":)" + std::to_string(900 + i % 700) + "}";
+                std::to_string(open) + R"(,"h":)" + std::to_string(open + 2.75) + R"(,"l":)" +
+                std::to_string(open - 1.5) + R"(,"c":)" + std::to_string(open + 0.25) + R"(,"v":)" +
+                std::to_string(900 + i % 700) + "}";
     }
     return text + "]}";
 }

@@ -14,7 +14,7 @@ namespace {
 
 // Runs what was posted when the benchmark says so; timers never fire.
 class HandQueue final : public SerialQueue {
-  public:
+ public:
     void post(Task task) override { tasks_.push_back(std::move(task)); }
     TimerId after(double, Task) override { return ++timers_; }
     TimerId every(double, double, Task) override { return ++timers_; }
@@ -30,24 +30,24 @@ class HandQueue final : public SerialQueue {
         return true;
     }
 
-  private:
+ private:
     std::deque<Task> tasks_;
     TimerId timers_ = 0;
 };
 
 class OneSocket final : public WebSocket {
-  public:
+ public:
     explicit OneSocket(Events& events) : events_(events) {}
     void open(const std::string&, std::size_t, Events events) override { events_ = std::move(events); }
     void sendText(std::string) override {}
     void cancel(int) override {}
 
-  private:
+ private:
     Events& events_;
 };
 
 class NoHttp final : public HttpClient {
-  public:
+ public:
     void send(HttpRequest, Done) override {}
 };
 
@@ -60,12 +60,18 @@ struct Pane {
         RelayClient::setPrinter([](const std::string&) {});
         preferences.set("gex-last-symbol", "NQ");
         model = std::make_unique<AppModel>(PaneSurroundings{
-            clock, main, preferences, auth, session, ids,
+            clock,
+            main,
+            preferences,
+            auth,
+            session,
+            ids,
             [this] {
                 return std::make_unique<RelayClient>(
                     "wss://relay.test/", [this] { return std::make_unique<OneSocket>(events); }, queue, main, clock);
             },
-            [](const std::string&) {}, {}});
+            [](const std::string&) {},
+            {}});
         settle();
         events.onOpen();
         events.onFrame(R"({"type":"hello"})", false);
@@ -91,8 +97,9 @@ struct Pane {
 std::string batchText(const std::string& channel, int count) {
     std::string text = R"({"type":"batch","channel":")" + channel + R"(","events":[)";
     for (int i = 0; i < count; ++i)
-        text += std::string(i ? "," : "") + R"({"price":)" + std::to_string(21'000 + (i * 7 % 40) * 0.25) + R"(,"size":)" +
-                std::to_string(1 + i % 9) + R"(,"ts":)" + std::to_string(Pane::minute * 1000 + i * 10) + "}";
+        text += std::string(i ? "," : "") + R"({"price":)" + std::to_string(21'000 + (i * 7 % 40) * 0.25) +
+                R"(,"size":)" + std::to_string(1 + i % 9) + R"(,"ts":)" + std::to_string(Pane::minute * 1000 + i * 10) +
+                "}";
     return text + "]}";
 }
 
@@ -102,7 +109,8 @@ void tradeBatch(benchmark::State& state) {
     const simdjson::padded_string padded(text);
     simdjson::dom::parser parser;
     const SystemClock clock;
-    double bare = 1, decoding = 1, mainShare = 1, freeing = 1;  // the least of each, what another process disturbs least
+    double bare = 1, decoding = 1, mainShare = 1,
+           freeing = 1;  // the least of each, what another process disturbs least
     for (auto _ : state) {
         std::string frame = text;  // the socket's own buffer
         const double t0 = clock.monotonic();
@@ -120,7 +128,8 @@ void tradeBatch(benchmark::State& state) {
         freeing = std::min(freeing, t4 - t3);
         state.SetIterationTime(t4 - t1);
     }
-    if (pane.model->candles.back().close != 21'000 + (99 * 7 % 40) * 0.25) state.SkipWithError("the trades did not arrive");
+    if (pane.model->candles.back().close != 21'000 + (99 * 7 % 40) * 0.25)
+        state.SkipWithError("the trades did not arrive");
     state.counters["to_bare_parse"] = (decoding + mainShare + freeing) / bare;
     state.counters["bare_us"] = bare * 1e6;
     state.counters["decode_us"] = decoding * 1e6;

@@ -89,8 +89,9 @@ std::variant<Options, std::string> parseOptions(const std::vector<std::string>& 
             } else if (i + 1 < arguments.size()) {
                 value = arguments[++i];
             }
-            if (!value) return readValue(name, "", out) == "unknown option " + name ? "unknown option " + name
-                                                                                   : name + " needs a value";
+            if (!value)
+                return readValue(name, "", out) == "unknown option " + name ? "unknown option " + name
+                                                                            : name + " needs a value";
             if (auto problem = readValue(name, *value, out)) return *problem;
         }
     }

@@ -16,15 +16,15 @@ struct Options {
     bool practice = false;
     bool headless = false;
     bool help = false;
-    double seconds = 0;             ///< real seconds until the program ends by itself; 0 for never
-    std::string stateFile;          ///< state document written at the end
-    std::string screenshotFile;     ///< picture of the window, saved at the end
-    int width = 0, height = 0;      ///< window size in points; 0 for the usual
+    double seconds = 0;          ///< real seconds until the program ends by itself; 0 for never
+    std::string stateFile;       ///< state document written at the end
+    std::string screenshotFile;  ///< picture of the window, saved at the end
+    int width = 0, height = 0;   ///< window size in points; 0 for the usual
     std::optional<ClockSetting> clock;
     std::string tapeFile, tapeSymbol;
-    std::optional<double> speed;    ///< of the tape
-    std::uint64_t seed = 1;         ///< of the practice market
-    double tokenLife = 3600;        ///< of practice tokens, real seconds
+    std::optional<double> speed;  ///< of the tape
+    std::uint64_t seed = 1;       ///< of the practice market
+    double tokenLife = 3600;      ///< of practice tokens, real seconds
 };
 
 /// Reads the arguments (without the program's name); VMR_CLOCK stands in for a missing --clock. Gives the text of what

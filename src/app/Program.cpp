@@ -19,7 +19,8 @@ std::optional<std::string> environment(const char* name) {
 FilePreferences openPreferences(const ProgramStart& start) {
     FilePreferences preferences(start.paths().config / "preferences.json");
     if (start.practice())
-        for (const char* key : {FirebaseRESTAuth::refreshTokenKey, FirebaseRESTAuth::uidKey, FirebaseRESTAuth::emailKey})
+        for (const char* key :
+             {FirebaseRESTAuth::refreshTokenKey, FirebaseRESTAuth::uidKey, FirebaseRESTAuth::emailKey})
             preferences.remove(key);
     return preferences;
 }
@@ -85,8 +86,9 @@ Program::Program(ProgramStart& start, MainLoop& main)
       preferences_(openPreferences(start)),
       http_(main),
       auth_(start.endpoints(), http_, preferences_, start.clock()) {
-    PaneSurroundings surroundings{start_.clock(), main_, preferences_, auth_, session_, ids_, [this] { return makeRelay(); },
-                                  &Program::print, {}};
+    PaneSurroundings surroundings{
+        start_.clock(),  main_, preferences_, auth_, session_, ids_, [this] { return makeRelay(); },
+        &Program::print, {}};
     if (start_.options().headless) surroundings.printMessage = &Program::print;
     pane_ = std::make_unique<AppModel>(std::move(surroundings));
     if (!start_.options().tapeSymbol.empty()) pane_->setFirstSymbol(start_.options().tapeSymbol);
@@ -99,7 +101,8 @@ Program::~Program() {
 
 std::unique_ptr<RelayClient> Program::makeRelay() {
     AsioLoop& loop = relayThreads_.emplace_back("velmora.relay").loop();
-    return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(loop), loop, main_, start_.clock());
+    return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(loop), loop, main_,
+                                         start_.clock());
 }
 
 void Program::signInToPractice() {

@@ -26,7 +26,7 @@ namespace vmr {
 
 /// What is decided before there is a loop: clock, servers, profile, and the practice relay when there is to be one.
 class ProgramStart {
-  public:
+ public:
     /// Starts the practice relay with `--practice`. `failure()` tells what went wrong.
     explicit ProgramStart(const Options& options);
 
@@ -41,7 +41,7 @@ class ProgramStart {
     const Paths& paths() const { return paths_; }
     PracticeRelay* practice() const { return practice_.get(); }
 
-  private:
+ private:
     void choosePracticeClock();
     void startPractice();
 
@@ -55,7 +55,7 @@ class ProgramStart {
 
 /// The running program on a main loop. Made and destroyed on the main thread.
 class Program {
-  public:
+ public:
     Program(ProgramStart& start, MainLoop& main);
     ~Program();
 
@@ -72,7 +72,7 @@ class Program {
     /// One whole line to standard output.
     static void print(const std::string& line);
 
-  private:
+ private:
     std::unique_ptr<RelayClient> makeRelay();
 
     ProgramStart& start_;

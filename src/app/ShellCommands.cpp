@@ -50,7 +50,8 @@ ShellCommands::Answer ShellCommands::carryOut(const std::string& name, std::stri
     }
     if (name == "help")
         return "ok sign-in EMAIL PASSWORD [forget] | sign-out | open CANDLE_CHANNEL [DERIVED_CHANNEL] | symbol SYM | "
-               "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay COMMAND (practice) | quit";
+               "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay "
+               "COMMAND (practice) | quit";
     if (name == "state") return state(std::string(rest));
     const std::string argument = word(rest);
     if (!argument.empty() && rest.empty()) {
@@ -98,7 +99,8 @@ ShellCommands::Answer ShellCommands::timeframe(const std::string& minutes) {
 ShellCommands::Answer ShellCommands::expiration(const std::string& iso) {
     AppModel& pane = program_.pane();
     const auto& offered = pane.futureExps.get();
-    if (std::find(offered.begin(), offered.end(), iso) == offered.end()) return "error: no such expiration on offer: " + iso;
+    if (std::find(offered.begin(), offered.end(), iso) == offered.end())
+        return "error: no such expiration on offer: " + iso;
     pane.setExpiration(iso);
     return "ok expiration " + iso;
 }
@@ -133,7 +135,8 @@ void ShellCommands::signIn(std::string_view rest) {
         return Program::print("[cmd] error: sign-in needs EMAIL PASSWORD [forget]");
     if (pane.signingIn) return Program::print("[cmd] error: a sign-in is running");
     pane.signIn(email, password, last.empty(), [&pane, email](bool ok) {
-        Program::print(ok ? "[cmd] ok signed in as " + email : "[cmd] error: " + pane.authError->value_or("sign-in failed"));
+        Program::print(ok ? "[cmd] ok signed in as " + email
+                          : "[cmd] error: " + pane.authError->value_or("sign-in failed"));
     });
 }
 

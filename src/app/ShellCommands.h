@@ -12,12 +12,12 @@ namespace vmr {
 /// Runs command lines on the main thread; each is answered by one line, "[cmd] ok …" or "[cmd] error: …", at once or,
 /// for sign-in, when it is over. Blank lines are not answered.
 class ShellCommands {
-  public:
+ public:
     ShellCommands(Program& program, std::function<void()> quit) : program_(program), quit_(std::move(quit)) {}
 
     void run(const std::string& line);
 
-  private:
+ private:
     using Answer = std::string;
     Answer carryOut(const std::string& name, std::string_view rest);
     Answer open(std::string_view rest);
@@ -36,13 +36,13 @@ class ShellCommands {
 /// Reads standard input on a thread of its own and hands each line to `take` on `loop`, for as long as `loop` lives
 /// (`stop` ends that). The end of the input ends nothing.
 class LineReader {
-  public:
+ public:
     LineReader(MainLoop& loop, std::function<void(const std::string&)> take);
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
-  private:
+ private:
     struct Shared;
     std::shared_ptr<Shared> shared_;
 };

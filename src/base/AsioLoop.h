@@ -15,7 +15,7 @@ namespace vmr {
 
 /// A `SerialQueue` over one Asio context, run by the one thread that calls `run`.
 class AsioLoop final : public SerialQueue {
-  public:
+ public:
     AsioLoop();
     ~AsioLoop() override;
     AsioLoop(const AsioLoop&) = delete;
@@ -41,14 +41,14 @@ class AsioLoop final : public SerialQueue {
     /// Starts `longestTurn` anew.
     void resetLongestTurn();
 
-  private:
+ private:
     struct Impl;
     std::shared_ptr<Impl> impl_;
 };
 
 /// An `AsioLoop` with a thread of its own that runs it from construction to destruction.
 class AsioThread {
-  public:
+ public:
     /// `name` is what a debugger shows (15 characters count on Linux).
     explicit AsioThread(const std::string& name);
     /// Quits the loop and joins; not from the loop's own thread.
@@ -58,7 +58,7 @@ class AsioThread {
 
     AsioLoop& loop() { return loop_; }
 
-  private:
+ private:
     AsioLoop loop_;
     std::thread thread_;
 };

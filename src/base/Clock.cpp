@@ -18,7 +18,8 @@ double machineWall() {
 double machineMonotonic() {
 #ifdef __linux__
     timespec t{};
-    if (clock_gettime(CLOCK_BOOTTIME, &t) == 0) return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+    if (clock_gettime(CLOCK_BOOTTIME, &t) == 0)
+        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
 #endif
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }

@@ -5,7 +5,7 @@ namespace vmr {
 
 /// What time it is. Const calls are safe from any thread.
 class Clock {
-  public:
+ public:
     virtual ~Clock() = default;
 
     /// Market time: seconds since 1970-01-01 UTC, with fraction. May run at another speed and from another moment.
@@ -20,7 +20,7 @@ class Clock {
 
 /// The machine's clock, optionally started at another moment and run at another speed.
 class SystemClock final : public Clock {
-  public:
+ public:
     /// Market time is the machine's own.
     SystemClock();
 
@@ -32,7 +32,7 @@ class SystemClock final : public Clock {
     double monotonic() const override;
     double speed() const override { return speed_; }
 
-  private:
+ private:
     double startWall_;
     double startMonotonic_;
     double speed_;

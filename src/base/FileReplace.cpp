@@ -26,7 +26,8 @@ std::optional<std::string> makePrivateFolders(const fs::path& folder) {
     std::error_code error;
     if (folder.empty() || fs::exists(folder, error)) return std::nullopt;
     if (auto problem = makePrivateFolders(folder.parent_path())) return problem;
-    if (!fs::create_directory(folder, error) && error) return "cannot make the folder " + folder.string() + ": " + error.message();
+    if (!fs::create_directory(folder, error) && error)
+        return "cannot make the folder " + folder.string() + ": " + error.message();
     fs::permissions(folder, fs::perms::owner_all, error);
     return std::nullopt;
 }
@@ -97,7 +98,8 @@ std::optional<std::string> readFile(const fs::path& path) {
     // read() turns a failing device, or a folder under that name, into a bad stream; the iterators would throw
     std::string bytes;
     char part[16384];
-    while (file.read(part, sizeof part) || file.gcount() > 0) bytes.append(part, static_cast<std::size_t>(file.gcount()));
+    while (file.read(part, sizeof part) || file.gcount() > 0)
+        bytes.append(part, static_cast<std::size_t>(file.gcount()));
     if (file.bad()) return std::nullopt;
     return bytes;
 }

@@ -43,14 +43,30 @@ struct Json::Document {
 
 JsonView::JsonView(Place place) : place_(place) {
     switch (handle<dom::element>(place).type()) {
-        case dom::element_type::ARRAY: kind_ = Kind::array; break;
-        case dom::element_type::OBJECT: kind_ = Kind::object; break;
-        case dom::element_type::INT64: kind_ = Kind::integer; break;
-        case dom::element_type::UINT64: kind_ = Kind::unsignedInteger; break;
-        case dom::element_type::DOUBLE: kind_ = Kind::floating; break;
-        case dom::element_type::STRING: kind_ = Kind::string; break;
-        case dom::element_type::BOOL: kind_ = Kind::boolean; break;
-        case dom::element_type::NULL_VALUE: kind_ = Kind::null; break;
+        case dom::element_type::ARRAY:
+            kind_ = Kind::array;
+            break;
+        case dom::element_type::OBJECT:
+            kind_ = Kind::object;
+            break;
+        case dom::element_type::INT64:
+            kind_ = Kind::integer;
+            break;
+        case dom::element_type::UINT64:
+            kind_ = Kind::unsignedInteger;
+            break;
+        case dom::element_type::DOUBLE:
+            kind_ = Kind::floating;
+            break;
+        case dom::element_type::STRING:
+            kind_ = Kind::string;
+            break;
+        case dom::element_type::BOOL:
+            kind_ = Kind::boolean;
+            break;
+        case dom::element_type::NULL_VALUE:
+            kind_ = Kind::null;
+            break;
     }
 }
 
@@ -72,10 +88,14 @@ std::string_view JsonView::string() const {
 
 double JsonView::number() const {
     switch (kind_) {
-        case Kind::integer: return static_cast<double>(integer());
-        case Kind::unsignedInteger: return static_cast<double>(unsignedInteger());
-        case Kind::floating: return floating();
-        default: return 0;
+        case Kind::integer:
+            return static_cast<double>(integer());
+        case Kind::unsignedInteger:
+            return static_cast<double>(unsignedInteger());
+        case Kind::floating:
+            return floating();
+        default:
+            return 0;
     }
 }
 
@@ -165,7 +185,8 @@ Json Json::detached() const {
 }
 
 bool Json::owns(JsonView view) const {
-    return view.kind() != Kind::missing && document_ && view.place_.document == static_cast<const void*>(&document_->document);
+    return view.kind() != Kind::missing && document_ &&
+           view.place_.document == static_cast<const void*>(&document_->document);
 }
 
 std::size_t Json::documentBytes() const { return document_ ? document_->bytes : 0; }

@@ -14,8 +14,18 @@ namespace vmr {
 /// A decoded value, not owning: 24 bytes, copied freely, valid while the `Json` it came from lives. Reading is safe
 /// from any thread. A default-made view is `missing`, which every reader takes like an absent key.
 class JsonView {
-  public:
-    enum class Kind : std::uint8_t { missing, null, boolean, integer, unsignedInteger, floating, string, array, object };
+ public:
+    enum class Kind : std::uint8_t {
+        missing,
+        null,
+        boolean,
+        integer,
+        unsignedInteger,
+        floating,
+        string,
+        array,
+        object
+    };
 
     JsonView() = default;
 
@@ -58,7 +68,7 @@ class JsonView {
     /// The members of an object, in order, as `JsonMember`; empty for other kinds.
     MemberRange members() const;
 
-  protected:
+ protected:
     friend class Json;
     struct Place {
         const void* document = nullptr;
@@ -77,7 +87,7 @@ struct JsonMember {
 };
 
 class JsonView::ItemIterator {
-  public:
+ public:
     using value_type = JsonView;
     using difference_type = std::ptrdiff_t;
     using iterator_category = std::input_iterator_tag;
@@ -87,13 +97,13 @@ class JsonView::ItemIterator {
     ItemIterator& operator++();
     bool operator==(const ItemIterator&) const = default;
 
-  private:
+ private:
     friend class JsonView;
     JsonView::Place place_;
 };
 
 class JsonView::MemberIterator {
-  public:
+ public:
     using value_type = JsonMember;
     using difference_type = std::ptrdiff_t;
     using iterator_category = std::input_iterator_tag;
@@ -103,7 +113,7 @@ class JsonView::MemberIterator {
     MemberIterator& operator++();
     bool operator==(const MemberIterator&) const = default;
 
-  private:
+ private:
     friend class JsonView;
     JsonView::Place place_;
 };
@@ -122,7 +132,7 @@ struct JsonView::MemberRange {
 /// A value that keeps its document alive. Copies share the document; the last one to go frees it (a large document is
 /// freed on a background thread, so that dropping it never holds up the caller).
 class Json : public JsonView {
-  public:
+ public:
     /// Missing.
     Json() = default;
 
@@ -145,7 +155,7 @@ class Json : public JsonView {
     /// Bytes that the document holds, roughly; 0 for missing.
     std::size_t documentBytes() const;
 
-  private:
+ private:
     struct Document;
     Json(std::shared_ptr<const Document> document, JsonView view) : JsonView(view), document_(std::move(document)) {}
     std::shared_ptr<const Document> document_;

@@ -65,7 +65,7 @@ bool isHigh(unsigned unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isLow(unsigned unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 class Repair {
-  public:
+ public:
     explicit Repair(std::string_view text) : text_(text) {}
 
     std::optional<std::string> run() {
@@ -83,7 +83,7 @@ class Repair {
         return std::move(out_);
     }
 
-  private:
+ private:
     void replace(std::size_t length, std::string_view with) {
         out_.append(text_.substr(copied_, at_ - copied_)).append(with);
         at_ += length;

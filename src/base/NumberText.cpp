@@ -65,7 +65,8 @@ std::optional<double> parseMagnitude(std::string_view text, std::chars_format fo
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, format);
     if (end != text.data() + text.size()) return std::nullopt;
     if (error == std::errc::result_out_of_range)
-        return isTooLarge(text, format == std::chars_format::hex ? 16 : 10) ? std::numeric_limits<double>::infinity() : 0.0;
+        return isTooLarge(text, format == std::chars_format::hex ? 16 : 10) ? std::numeric_limits<double>::infinity()
+                                                                            : 0.0;
     if (error != std::errc()) return std::nullopt;
     return value;
 }

@@ -11,7 +11,7 @@ namespace vmr {
 
 /// Stored texts by key. Main thread only.
 class Preferences {
-  public:
+ public:
     virtual ~Preferences() = default;
     /// The stored text, or nothing.
     virtual std::optional<std::string> get(std::string_view key) const = 0;
@@ -24,13 +24,13 @@ class Preferences {
 /// picked up before each write, so that two processes lose nothing but a race for the same key. A file that does not
 /// decode counts as empty and is kept beside as "<name>.bad" before it is replaced.
 class FilePreferences final : public Preferences {
-  public:
+ public:
     explicit FilePreferences(std::filesystem::path file);
     std::optional<std::string> get(std::string_view key) const override;
     void set(std::string_view key, std::string_view value) override;
     void remove(std::string_view key) override;
 
-  private:
+ private:
     void reload();
     void store();
     std::filesystem::path file_;
@@ -41,13 +41,15 @@ class FilePreferences final : public Preferences {
 
 /// Preferences that end with the process.
 class MemoryPreferences final : public Preferences {
-  public:
+ public:
     std::optional<std::string> get(std::string_view key) const override;
-    void set(std::string_view key, std::string_view value) override { values_.insert_or_assign(std::string(key), value); }
+    void set(std::string_view key, std::string_view value) override {
+        values_.insert_or_assign(std::string(key), value);
+    }
     void remove(std::string_view key) override;
     const std::map<std::string, std::string, std::less<>>& values() const { return values_; }
 
-  private:
+ private:
     std::map<std::string, std::string, std::less<>> values_;
 };
 

@@ -12,7 +12,7 @@ namespace {
 std::atomic<bool> reaperIsGone{false};  // outlives the reaper, for what is dropped by a later static destructor
 
 class Reaper {
-  public:
+ public:
     Reaper() : thread_([this] { run(); }) {}
 
     ~Reaper() {
@@ -33,7 +33,7 @@ class Reaper {
         wake_.notify_one();
     }
 
-  private:
+ private:
     void run() {
         std::unique_lock lock(mutex_);
         while (!ending_ || !waiting_.empty()) {

@@ -11,7 +11,7 @@ using Task = std::function<void()>;
 /// Runs tasks one after the other. Every operation may be called from any thread; times are real seconds and never
 /// scale with market time. Tasks that are still queued when the queue ends are destroyed without running.
 class SerialQueue {
-  public:
+ public:
     using TimerId = std::uint64_t;
     static constexpr TimerId noTimer = 0;
 

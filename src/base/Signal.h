@@ -11,7 +11,7 @@ namespace vmr {
 
 /// Ends a subscription when destroyed. Movable; an empty one does nothing. May outlive the signal.
 class Connection {
-  public:
+ public:
     Connection() = default;
     explicit Connection(std::shared_ptr<bool> alive) : alive_(std::move(alive)) {}
     Connection(Connection&& other) noexcept : alive_(std::move(other.alive_)) {}
@@ -26,7 +26,7 @@ class Connection {
         alive_.reset();
     }
 
-  private:
+ private:
     std::shared_ptr<bool> alive_;
 };
 
@@ -34,7 +34,7 @@ class Connection {
 /// notice is allowed; a new subscriber hears from the next notice on.
 template <class... Args>
 class Signal {
-  public:
+ public:
     [[nodiscard]] Connection connect(std::function<void(Args...)> handler) {
         auto alive = std::make_shared<bool>(true);
         slots_.push_back(std::make_shared<Slot>(Slot{alive, std::move(handler)}));
@@ -51,7 +51,7 @@ class Signal {
         if (--depth_ == 0) std::erase_if(slots_, [](const auto& slot) { return !*slot->alive; });
     }
 
-  private:
+ private:
     struct Slot {
         std::shared_ptr<bool> alive;
         std::function<void(Args...)> handler;
@@ -63,7 +63,7 @@ class Signal {
 /// A value that tells when it becomes another one. One thread.
 template <class T>
 class Observable {
-  public:
+ public:
     Observable() = default;
     explicit Observable(T value) : value_(std::move(value)) {}
     Observable(const Observable&) = delete;
@@ -90,7 +90,7 @@ class Observable {
 
     Signal<> changed;
 
-  private:
+ private:
     T value_{};
 };
 

@@ -19,14 +19,14 @@ struct Uuid {
 
 /// Makes version-4 identities. One thread.
 class UuidSource {
-  public:
+ public:
     /// Seeded from the system's entropy.
     UuidSource();
     /// Always the same identities for the same seed.
     explicit UuidSource(std::uint64_t seed);
     Uuid next();
 
-  private:
+ private:
     std::mt19937_64 random_;
 };
 

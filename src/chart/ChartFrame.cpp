@@ -17,8 +17,14 @@ std::array<float, 4> floats(const Uniforms& uniforms) { return std::bit_cast<std
 std::array<float, 8> floats(const LineUniforms& uniforms) { return std::bit_cast<std::array<float, 8>>(uniforms); }
 
 LineUniforms lineUniforms(const Uniforms& camera, double width, double height) {
-    return {camera.xScale, camera.xOffset, camera.yScale, camera.yOffset, static_cast<float>(width),
-            static_cast<float>(height), 0.0F, 0.0F};
+    return {camera.xScale,
+            camera.xOffset,
+            camera.yScale,
+            camera.yOffset,
+            static_cast<float>(width),
+            static_cast<float>(height),
+            0.0F,
+            0.0F};
 }
 
 bool positive(double value) { return std::isfinite(value) && value > 0; }

@@ -18,13 +18,15 @@ enum class FontFace : unsigned char { regular, semibold };
 
 /// Gives glyphs at the size and pixel ratio of the frame. Main thread.
 class GlyphSource {
-  public:
+ public:
     virtual ~GlyphSource() = default;
-    /// The glyph, rasterised into the atlas if it is not there yet. Never fails: an unknown character is the font's box.
+    /// The glyph, rasterised into the atlas if it is not there yet. Never fails: an unknown character is the font's
+    /// box.
     virtual const Glyph& glyph(char32_t character, FontFace face, double pointSize, double pixelRatio) = 0;
     /// Height of a line in device pixels (ascent + descent, rounded).
     virtual float lineHeight(FontFace face, double pointSize, double pixelRatio) = 0;
-    /// Changes when glyphs given before have moved (the atlas was rebuilt); texts laid out before must be laid out anew.
+    /// Changes when glyphs given before have moved (the atlas was rebuilt); texts laid out before must be laid out
+    /// anew.
     virtual unsigned generation() const = 0;
 };
 

@@ -22,7 +22,7 @@ using GpuBuffer = std::uint32_t;
 /// Records one frame at a time. Main thread. Between `beginFrame` and `endFrame` the calls describe a frame, which the
 /// implementation draws afterwards, as often as it needs to.
 class Gpu {
-  public:
+ public:
     virtual ~Gpu() = default;
 
     /// A retained buffer with these bytes, never changed again.
@@ -42,7 +42,8 @@ class Gpu {
     virtual void setPipeline(Pipeline pipeline) = 0;
     /// 4 floats (flat, text) or 8 floats (ribbon, marker); copied.
     virtual void setUniforms(std::span<const float> values) = 0;
-    /// Draws `vertexCount` vertices that begin `byteOffset` bytes into `buffer`, with the pipeline and uniforms set last.
+    /// Draws `vertexCount` vertices that begin `byteOffset` bytes into `buffer`, with the pipeline and uniforms set
+    /// last.
     virtual void draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset, std::size_t vertexCount) = 0;
     virtual void endFrame() = 0;
 };

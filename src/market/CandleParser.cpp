@@ -25,12 +25,23 @@ BarFields collect(JsonView object) {
     for (const auto& [key, value] : object.members()) {
         if (key.size() == 1) {
             switch (key[0]) {
-                case 'o': keep(f.open, value); break;
-                case 'h': keep(f.high, value); break;
-                case 'l': keep(f.low, value); break;
-                case 'c': keep(f.close, value); break;
-                case 'v': keep(f.volume, value); break;
-                default: break;
+                case 'o':
+                    keep(f.open, value);
+                    break;
+                case 'h':
+                    keep(f.high, value);
+                    break;
+                case 'l':
+                    keep(f.low, value);
+                    break;
+                case 'c':
+                    keep(f.close, value);
+                    break;
+                case 'v':
+                    keep(f.volume, value);
+                    break;
+                default:
+                    break;
             }
         } else if (key == "ts") {
             keep(f.ts, value);

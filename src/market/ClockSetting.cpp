@@ -13,7 +13,7 @@ namespace vmr {
 namespace {
 // Reads fixed-width digits off the front.
 class Reader {
-  public:
+ public:
     explicit Reader(std::string_view text) : text_(text) {}
     bool done() const { return text_.empty(); }
     bool take(char c) {
@@ -41,7 +41,7 @@ class Reader {
         return value;
     }
 
-  private:
+ private:
     std::string_view text_;
 };
 

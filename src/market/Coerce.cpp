@@ -14,12 +14,17 @@ std::optional<double> dbl(JsonView value) {
 
 std::optional<std::int64_t> intv(JsonView value) {
     switch (value.kind()) {
-        case JsonView::Kind::integer: return value.integer();
+        case JsonView::Kind::integer:
+            return value.integer();
         case JsonView::Kind::unsignedInteger:
-        case JsonView::Kind::floating: return checkedInt(value.number(), "an integer of the feed");
-        case JsonView::Kind::boolean: return value.boolean() ? 1 : 0;
-        case JsonView::Kind::string: return parseInt(value.string());
-        default: return std::nullopt;
+        case JsonView::Kind::floating:
+            return checkedInt(value.number(), "an integer of the feed");
+        case JsonView::Kind::boolean:
+            return value.boolean() ? 1 : 0;
+        case JsonView::Kind::string:
+            return parseInt(value.string());
+        default:
+            return std::nullopt;
     }
 }
 

@@ -25,8 +25,8 @@ struct Candle {
 struct PriceLevel {
     Uuid id;  ///< fresh at every parse; not compared
     std::string label;
-    double price = 0;              ///< chart price
-    double r = 0, g = 0, b = 0;    ///< colour, each 0 to 1
+    double price = 0;            ///< chart price
+    double r = 0, g = 0, b = 0;  ///< colour, each 0 to 1
     bool operator==(const PriceLevel& o) const {
         return label == o.label && price == o.price && r == o.r && g == o.g && b == o.b;
     }
@@ -46,9 +46,9 @@ struct StrikeRow {
 struct BubblePt {
     std::int64_t minuteTs = 0;  ///< seconds since 1970
     double strike = 0;
-    double dom = 0;   ///< dominance weight, 0 when absent
-    bool pos = false; ///< positive gamma
-    int rank = 0;     ///< 0, 1 or 2: first, second or third strike of the minute
+    double dom = 0;    ///< dominance weight, 0 when absent
+    bool pos = false;  ///< positive gamma
+    int rank = 0;      ///< 0, 1 or 2: first, second or third strike of the minute
     bool operator==(const BubblePt&) const = default;
 };
 

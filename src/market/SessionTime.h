@@ -9,7 +9,7 @@ namespace vmr {
 /// Answers what the exchange calendar says at a moment. Times are seconds since 1970; a session start is hhmm, so 930
 /// is 09:30. Not safe from two threads: each thread has an instance of its own.
 class SessionTime {
-  public:
+ public:
     /// `fatal` when the zone America/New_York cannot be found.
     SessionTime();
 
@@ -29,7 +29,7 @@ class SessionTime {
     /// The same by the calendar: right on clock-change days too, slower.
     static std::int64_t calendarSessionOpenSec(std::int64_t t, int hhmm);
 
-  private:
+ private:
     std::unordered_map<std::int64_t, std::int64_t> offsetByDay_;
     std::int64_t lastDay_;
     std::int64_t lastOffset_ = 0;

@@ -110,21 +110,22 @@ void AppModel::signIn(const std::string& email, const std::string& password, boo
     signingIn = true;
     authError = std::nullopt;
     at_.auth.persistSession = remember;
-    at_.auth.signIn(email, password,
-                    [this, weak = std::weak_ptr(alive_), email, done = std::move(done)](std::optional<AuthError> error) {
-                        if (weak.expired()) return;
-                        if (error) {
-                            // a sign-out in between is no failure to tell
-                            if (error->kind != AuthError::Kind::notSignedIn) authError = error->text();
-                        } else {
-                            userEmail = email;
-                            isSignedIn = true;
-                            status = "Signed in, connecting…";
-                            connectRelay();
-                        }
-                        signingIn = false;
-                        if (done) done(!error);
-                    });
+    at_.auth.signIn(
+        email, password,
+        [this, weak = std::weak_ptr(alive_), email, done = std::move(done)](std::optional<AuthError> error) {
+            if (weak.expired()) return;
+            if (error) {
+                // a sign-out in between is no failure to tell
+                if (error->kind != AuthError::Kind::notSignedIn) authError = error->text();
+            } else {
+                userEmail = email;
+                isSignedIn = true;
+                status = "Signed in, connecting…";
+                connectRelay();
+            }
+            signingIn = false;
+            if (done) done(!error);
+        });
 }
 
 void AppModel::signOut() {

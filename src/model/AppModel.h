@@ -56,7 +56,7 @@ struct ToastMsg {
 struct HfpState {
     std::deque<HfpSample> samples;  ///< oldest first
     Signal<> changed;
-    Observable<int> windowMin{5};   ///< minutes that the panel shows
+    Observable<int> windowMin{5};  ///< minutes that the panel shows
 };
 
 /// What the model asks of the pane's renderer; both empty while there is none.
@@ -82,11 +82,12 @@ struct PaneSurroundings {
 /// One per pane. Main thread only. Observable fields tell when they change; everything else is read when `chartVersion`
 /// or one of them says so. Delayed work ends silently when the model is gone.
 class AppModel {
-  public:
+ public:
     static constexpr std::size_t maxLogLines = 500;
     static constexpr int maxLive = 4;
 
-    /// Loads the settings and, with a stored session, starts to connect. `restore` is the pane to open on first connect.
+    /// Loads the settings and, with a stored session, starts to connect. `restore` is the pane to open on first
+    /// connect.
     explicit AppModel(PaneSurroundings surroundings, std::optional<PaneState> restore = std::nullopt);
     ~AppModel();
     AppModel(const AppModel&) = delete;
@@ -171,8 +172,8 @@ class AppModel {
     std::optional<std::string> defaultSourceFor(const std::string& sym) const;
 
     // Derived data ----------------------------------------------------------------------------------------------------
-    DerivedFields derivedFields;       ///< aggregate fields as patched by the feed
-    DerivedFields secondaryGexFields;  ///< the same of the second source
+    DerivedFields derivedFields;                 ///< aggregate fields as patched by the feed
+    DerivedFields secondaryGexFields;            ///< the same of the second source
     Observable<std::vector<PriceLevel>> levels;  ///< call and put wall
     Observable<std::vector<StrikeRow>> strikes;  ///< rows of the effective fields, ascending
     Observable<double> etfRatio{1.0};            ///< factor from strike to chart price
@@ -239,16 +240,15 @@ class AppModel {
 
     const Clock& clock() const { return at_.clock; }
 
-    /// Routes one channel message; called by the relay's callback and by tests. The elements of one "batch", which share
-    /// a document, are taken to come at one time.
+    /// Routes one channel message; called by the relay's callback and by tests. The elements of one "batch", which
+    /// share a document, are taken to come at one time.
     void onChannelMessage(const ChannelMessage& message, const std::string& type);
 
     /// What the relay's queue makes of a payload before the main thread sees it: the bars of a candle channel, cut to
     /// the newest that a series keeps, and the brief form of a large payload. Pure; any thread.
     static std::any prepare(const std::string& channel, JsonView payload);
 
-  private:
-
+ private:
     // Lifecycle (AppModel.cpp)
     void connectRelay();
     void startStoredSession();
@@ -315,10 +315,10 @@ class AppModel {
     double lastSeenClose_ = std::numeric_limits<double>::quiet_NaN();
     bool displayRebuildScheduled_ = false;
     SerialQueue::TimerId barRollTimer_ = SerialQueue::noTimer;
-    Json batch_;          // the batch under way
+    Json batch_;           // the batch under way
     double batchNow_ = 0;  // the clock when it came
     bool userPickedExp_ = false;
-    Json strikesSource_;  // the rows that `strikes` were made of
+    Json strikesSource_;                                // the rows that `strikes` were made of
     std::shared_ptr<std::vector<StrikeRow>> readRows_;  // the aggregate's long rows, read but not shown yet
     bool oscRebuildScheduled_ = false;
     std::pair<std::size_t, std::int64_t> srLinesBars_{SIZE_MAX, 0};  // count and last time at the last rebuild

@@ -22,7 +22,7 @@ constexpr std::int64_t june10At14 = 1781114400;  // 2026-06-10 14:00:00 New York
 constexpr std::int64_t june10At10 = 1781100000;  // 2026-06-10 10:00:00 New York
 
 class Simulation {
-  public:
+ public:
     explicit Simulation(const Run& run) : run_(run) { bars_.push_back({run.base - 60, 100, 100, 100, 100, 0}); }
 
     BarRollResult play() {
@@ -33,16 +33,17 @@ class Simulation {
             if (open && bars_.back().time < minute) roll(minute);
             if (run_.tradeEvery >= 1 && sec % run_.tradeEvery == 0) trade(minute);
             if (open && bars_.back().time != minute)
-                return {false, std::string(run_.name) + ": FALHA sec=" + std::to_string(sec) +
-                                   " last=" + std::to_string(bars_.back().time) + " esperado=" + std::to_string(minute)};
+                return {false, std::string(run_.name) + ": FALHA sec=" + std::to_string(sec) + " last=" +
+                                   std::to_string(bars_.back().time) + " esperado=" + std::to_string(minute)};
             if (bars_.size() >= 2 && bars_[bars_.size() - 2].time >= bars_.back().time)
-                return {false, std::string(run_.name) + ": FALHA barra duplicada/fora de ordem sec=" + std::to_string(sec)};
+                return {false,
+                        std::string(run_.name) + ": FALHA barra duplicada/fora de ordem sec=" + std::to_string(sec)};
         }
         return {true, std::string(run_.name) + ": OK — " + std::to_string(created_) + " barras em " +
                           std::to_string(run_.minutes) + " min"};
     }
 
-  private:
+ private:
     void roll(std::int64_t minute) {
         const double close = bars_.back().close;
         bars_.push_back({minute, close, close, close, close, 0});

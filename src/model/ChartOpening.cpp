@@ -151,7 +151,8 @@ void AppModel::rememberChannelNames() {
 void AppModel::switchSymbol(const std::string& sym) {
     at_.preferences.set(ConfigIO::lastSymbolKey, sym);
     const auto stocks = stockList();
-    if (std::find(stocks.begin(), stocks.end(), sym) != stocks.end()) return openChart("stocks:" + sym, "derived:" + sym);
+    if (std::find(stocks.begin(), stocks.end(), sym) != stocks.end())
+        return openChart("stocks:" + sym, "derived:" + sym);
     const auto contract = effectiveContract(sym);
     if (!contract) return;
     std::optional<std::string> source;

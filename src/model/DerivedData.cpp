@@ -63,7 +63,8 @@ void AppModel::updateExpirations() {
             if (!item.string().empty()) offered.emplace_back(item.string());
     const std::vector<std::string> list = computeFutureExps(offered, at_.clock.now());
     futureExps = list;
-    if (userPickedExp_ && selectedExp.get() && std::find(list.begin(), list.end(), *selectedExp.get()) != list.end()) return;
+    if (userPickedExp_ && selectedExp.get() && std::find(list.begin(), list.end(), *selectedExp.get()) != list.end())
+        return;
     selectedExp = list.empty() ? std::nullopt : std::optional(list.front());
 }
 

@@ -9,7 +9,8 @@ namespace {
 std::string_view withoutMonth(std::string_view name) {
     constexpr std::string_view monthCodes = "FGHJKMNQUVXZ";
     std::size_t digits = 0;
-    while (digits < name.size() && name[name.size() - 1 - digits] >= '0' && name[name.size() - 1 - digits] <= '9') ++digits;
+    while (digits < name.size() && name[name.size() - 1 - digits] >= '0' && name[name.size() - 1 - digits] <= '9')
+        ++digits;
     if (digits < 1 || digits > 4 || digits == name.size()) return name;
     const std::size_t code = name.size() - 1 - digits;
     return monthCodes.find(name[code]) == std::string_view::npos ? name : name.substr(0, code);

@@ -122,8 +122,8 @@ void AppModel::pushOverlayGeometryToGPU() {
 void AppModel::updateSessionLineGeometry() {
     const GexConfig& c = config.get();
     const auto& bars = displayCandles.get();
-    const SessionLineInputs inputs{srLinesRevision_,  bars.size(),  bars.front().time,  bars.back().time, timeframe,
-                                   c.sessionEnabled, c.showOpen,   c.showPrev,         c.levelsEnabled,  c.lineOpacity};
+    const SessionLineInputs inputs{srLinesRevision_, bars.size(), bars.front().time, bars.back().time, timeframe,
+                                   c.sessionEnabled, c.showOpen,  c.showPrev,        c.levelsEnabled,  c.lineOpacity};
     if (inputs == sessionLineInputs_) return;
     sessionLineInputs_ = inputs;
     OverlayLists& out = overlayLists_;

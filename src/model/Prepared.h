@@ -12,9 +12,9 @@ namespace vmr {
 
 /// Each is there if it was worth making beforehand.
 struct Prepared {
-    std::optional<std::vector<Candle>> bars;         ///< of a candle channel, cut to what a series keeps
-    std::shared_ptr<std::vector<StrikeRow>> rows;    ///< of a long `gexByStrike`; may be moved out once
-    std::string brief;                               ///< the brief form of a long payload
+    std::optional<std::vector<Candle>> bars;       ///< of a candle channel, cut to what a series keeps
+    std::shared_ptr<std::vector<StrikeRow>> rows;  ///< of a long `gexByStrike`; may be moved out once
+    std::string brief;                             ///< the brief form of a long payload
 };
 
 }  // namespace vmr

@@ -6,7 +6,7 @@
 namespace vmr {
 
 namespace {
-constexpr double surfacePace = 3.0;       // real seconds
+constexpr double surfacePace = 3.0;  // real seconds
 constexpr double fastestSample = 1.0 / 120;
 }  // namespace
 

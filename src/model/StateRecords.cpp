@@ -13,7 +13,8 @@ json text(const std::optional<std::string>& value) { return value ? json(*value)
 json bars(const std::vector<Candle>& series) {
     json out = json::array();
     for (const Candle& bar : series)
-        out.push_back({bar.time, number(bar.open), number(bar.high), number(bar.low), number(bar.close), number(bar.volume)});
+        out.push_back(
+            {bar.time, number(bar.open), number(bar.high), number(bar.low), number(bar.close), number(bar.volume)});
     return out;
 }
 

@@ -13,7 +13,7 @@ using nlohmann::json;
 namespace {
 const std::map<std::string, double>& hfScaleDefaults() {
     static const std::map<std::string, double> scales{
-        {"NQ", 5.0},   {"ES", 0.5},   {"RTY", 1.0},  {"YM", 1.0},    {"GC", 50.0},  {"CL", 1.0},  {"AAPL", 0.2},
+        {"NQ", 5.0},   {"ES", 0.5},   {"RTY", 1.0},   {"YM", 1.0},   {"GC", 50.0},  {"CL", 1.0},  {"AAPL", 0.2},
         {"NVDA", 0.1}, {"MSFT", 1.0}, {"GOOGL", 1.0}, {"AMZN", 0.2}, {"META", 0.5}, {"TSLA", 0.4}};
     return scales;
 }

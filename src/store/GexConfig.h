@@ -13,14 +13,14 @@ namespace vmr {
 /// percent. Reading limits four fields: `initialCandles` 30...1000 (a stored 150 or 135, the defaults of old, becomes
 /// 200), `simBalance` at least 1000, `simCommission` 0...50, `oscHeight` 100...400.
 struct GexConfig {
-    std::string candleTheme = "mono";  ///< or "classic"
-    std::int64_t initialCandles = 200; ///< bars left of the margin on open
-    bool lineRates = true;             ///< VWAP tags also show their value
+    std::string candleTheme = "mono";   ///< or "classic"
+    std::int64_t initialCandles = 200;  ///< bars left of the margin on open
+    bool lineRates = true;              ///< VWAP tags also show their value
     double lineOpacity = 100.0;
     bool gexEnabled = true;
     bool gexLabels = true;
-    double gexOpacity = 62.0;          ///< GEX and DEX bars
-    std::string gexSource = "ETF";     ///< "ETF", "INDEX" or "BOTH"
+    double gexOpacity = 62.0;       ///< GEX and DEX bars
+    std::string gexSource = "ETF";  ///< "ETF", "INDEX" or "BOTH"
     bool gexBubbles = true;
     double gexBubbleOpacity = 100.0;
     std::string gexPosColor = "#26a69a";
@@ -66,7 +66,7 @@ struct GexConfig {
     double simBalance = 50000.0;  ///< balance after a reset
     double simCommission = 2.5;   ///< per contract and fill
     bool oscEnabled = true;
-    double oscHeight = 200.0;     ///< points
+    double oscHeight = 200.0;  ///< points
     bool oscNq = true;
     bool oscEs = true;
     bool oscVix = true;

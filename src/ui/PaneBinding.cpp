@@ -111,8 +111,8 @@ void PaneBinding::copyFields() {
 }
 
 void PaneBinding::copyChart() {
-    view_.setChart({&model_.displayCandles.get(), renderConfig(model_.config), model_.sessionHHMM(), overlays_,
-                    overlayRevision_});
+    view_.setChart(
+        {&model_.displayCandles.get(), renderConfig(model_.config), model_.sessionHHMM(), overlays_, overlayRevision_});
 }
 
 }  // namespace vmr

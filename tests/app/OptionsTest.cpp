@@ -64,7 +64,8 @@ TEST(Options, RefusesWithTheReason) {
         {{"--practice", "--speed", "2"}, "needs --tape"},
         {{"--headless", "--screenshot", "a.png"}, "needs a window"},
     };
-    for (const auto& c : cases) EXPECT_NE(problemOf(c.arguments).find(c.part), std::string::npos) << c.part << " | " << problemOf(c.arguments);
+    for (const auto& c : cases)
+        EXPECT_NE(problemOf(c.arguments).find(c.part), std::string::npos) << c.part << " | " << problemOf(c.arguments);
 }
 
 }  // namespace

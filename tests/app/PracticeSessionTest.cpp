@@ -3,8 +3,8 @@
 #include <stdlib.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <map>
 
@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 // A home of its own, so that no test sees the user's files.
 class Home {
-  public:
+ public:
     Home() : folder_(fs::temp_directory_path() / ("velmora-test-" + UuidSource().next().text())) {
         fs::create_directories(folder_);
         ::setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
@@ -30,7 +30,7 @@ class Home {
     }
     const fs::path& folder() const { return folder_; }
 
-  private:
+ private:
     fs::path folder_;
 };
 
@@ -44,7 +44,7 @@ Options practiceOptions(const std::string& clock = "2026-06-10T10:00:30@60", std
 
 // The program on a loop that runs until a condition holds.
 class Session {
-  public:
+ public:
     explicit Session(const Options& options) : start_(options) {
         EXPECT_FALSE(start_.failure()) << start_.failure().value_or("");
         program_ = std::make_unique<Program>(start_, loop_);
@@ -79,7 +79,8 @@ class Session {
         const auto& bars = pane().candles;
         for (std::size_t i = 0; i + 2 < bars.size(); ++i)
             if (const auto found = truth.find(bars[i].time); found == truth.end() || !(found->second == bars[i]))
-                out.push_back("bar at " + std::to_string(bars[i].time) + " of " + std::to_string(bars.size()) + ", index " + std::to_string(i));
+                out.push_back("bar at " + std::to_string(bars[i].time) + " of " + std::to_string(bars.size()) +
+                              ", index " + std::to_string(i));
         for (std::size_t i = 1; i < bars.size(); ++i)
             if (bars[i].time <= bars[i - 1].time) out.push_back("not ascending at " + std::to_string(i));
         return out;
@@ -108,7 +109,7 @@ class Session {
                            [&](const LogLine& line) { return line.text.find(part) != std::string::npos; });
     }
 
-  private:
+ private:
     AsioLoop loop_;
     ProgramStart start_;
     std::unique_ptr<Program> program_;
@@ -177,7 +178,8 @@ TEST(PracticeSession, HugeSnapshotsDoNotHoldUpTheMainThread) {
         session.loop().resetLongestTurn();
         const auto before = session.snapshots(channel);
         cause();
-        EXPECT_TRUE(session.runUntil([&] { return session.streaming() && session.snapshots(channel) > before; })) << channel;
+        EXPECT_TRUE(session.runUntil([&] { return session.streaming() && session.snapshots(channel) > before; }))
+            << channel;
         return session.loop().longestTurn() * 1000;
     };
     const std::string bars = session.pane().chartChannel;

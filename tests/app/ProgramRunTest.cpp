@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 class ProgramRun : public testing::Test {
-  protected:
+ protected:
     ProgramRun() : folder(fs::temp_directory_path() / ("velmora-run-" + UuidSource().next().text())) {
         fs::create_directories(folder);
     }
@@ -30,13 +30,14 @@ class ProgramRun : public testing::Test {
     void run(const std::string& before, const std::string& arguments, const std::string& input = "") {
         std::ofstream(folder / "in") << input;
         const std::string command = "cd '" + folder.string() + "' && env -u DISPLAY -u WAYLAND_DISPLAY HOME='" +
-                                    folder.string() + "' XDG_CONFIG_HOME= XDG_DATA_HOME= " + before + " '" VMR_PROGRAM "' " +
-                                    arguments + " < in 2>&1";
+                                    folder.string() + "' XDG_CONFIG_HOME= XDG_DATA_HOME= " + before +
+                                    " '" VMR_PROGRAM "' " + arguments + " < in 2>&1";
         FILE* pipe = ::popen(command.c_str(), "r");
         ASSERT_NE(pipe, nullptr);
         std::array<char, 4096> buffer;
         output.clear();
-        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) output.append(buffer.data(), count);
+        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+            output.append(buffer.data(), count);
         status = WEXITSTATUS(::pclose(pipe));
     }
     bool printed(const std::string& part) const { return output.find(part) != std::string::npos; }
@@ -79,10 +80,11 @@ TEST_F(ProgramRun, AnswersEveryCommandAndWritesTheState) {
         "open\nsign-in a\nfrobnicate\nstate middle.json\nstate /no/such/folder/x\nquit\n");
     EXPECT_EQ(status, 0);
     for (const char* line :
-         {"[cmd] ok set dexEnabled", "[cmd] error: wrong type for dexEnabled", "[cmd] error: there is no setting nothing",
-          "[cmd] ok timeframe 5", "[cmd] error: timeframe needs", "[cmd] ok symbol AAPL", "[cmd] error: unknown symbol XYZ",
-          "[cmd] error: open needs", "[cmd] error: sign-in needs", "[cmd] error: unknown command frobnicate",
-          "[cmd] ok state middle.json", "[cmd] error: cannot write /no/such/folder/x", "[cmd] ok quitting"})
+         {"[cmd] ok set dexEnabled", "[cmd] error: wrong type for dexEnabled",
+          "[cmd] error: there is no setting nothing", "[cmd] ok timeframe 5", "[cmd] error: timeframe needs",
+          "[cmd] ok symbol AAPL", "[cmd] error: unknown symbol XYZ", "[cmd] error: open needs",
+          "[cmd] error: sign-in needs", "[cmd] error: unknown command frobnicate", "[cmd] ok state middle.json",
+          "[cmd] error: cannot write /no/such/folder/x", "[cmd] ok quitting"})
         EXPECT_TRUE(printed(line)) << line << "\n" << output;
     const auto end = state("end.json");
     ASSERT_TRUE(end.is_object());

@@ -18,7 +18,7 @@ namespace {
 
 // Measures how long the event loop stays away from waiting (with QT_NO_GLIB: GLib dispatches between the two signals).
 class TurnProbe {
-  public:
+ public:
     void watch(QAbstractEventDispatcher* dispatcher) {
         QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, [this] { timer_.start(); });
         QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, [this] {
@@ -29,15 +29,17 @@ class TurnProbe {
     void reset() { longest_ = 0; }
     double longestMs() const { return longest_; }
 
-  private:
+ private:
     QElapsedTimer timer_;
     double longest_ = 0;
 };
 
 // Steps that wait for a condition, looked at every 5 ms; the window ends after the last, or after `limit` seconds.
 class Script {
-  public:
-    void step(std::function<bool()> done, std::function<void()> then) { steps_.push_back({std::move(done), std::move(then)}); }
+ public:
+    void step(std::function<bool()> done, std::function<void()> then) {
+        steps_.push_back({std::move(done), std::move(then)});
+    }
     void start(MainLoop& loop, std::function<void(int)> quit, double limit) {
         loop.every(0, 0.005, [this, quit] {
             if (at_ == steps_.size() || !steps_[at_].done()) return;
@@ -49,7 +51,7 @@ class Script {
     }
     std::size_t finished() const { return at_; }
 
-  private:
+ private:
     struct Step {
         std::function<bool()> done;
         std::function<void()> then;

@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 class Files : public testing::Test {
-  protected:
+ protected:
     void SetUp() override {
         std::string name = (fs::temp_directory_path() / "velmora-test-XXXXXX").string();
         ASSERT_TRUE(::mkdtemp(name.data()));

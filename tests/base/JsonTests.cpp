@@ -25,10 +25,10 @@ TEST(Json, TellsKindsApart) {
     };
     for (const auto& [key, kind, number] :
          {Case{"null", Kind::null, 0}, Case{"true", Kind::boolean, 0}, Case{"int", Kind::integer, -5},
-          Case{"min", Kind::integer, -9223372036854775808.0}, Case{"big", Kind::unsignedInteger, 18446744073709551615.0},
-          Case{"float", Kind::floating, 5}, Case{"exp", Kind::floating, 1000}, Case{"text", Kind::string, 0},
-          Case{"array", Kind::array, 0}, Case{"object", Kind::object, 0}, Case{"", Kind::integer, 3},
-          Case{"absent", Kind::missing, 0}}) {
+          Case{"min", Kind::integer, -9223372036854775808.0},
+          Case{"big", Kind::unsignedInteger, 18446744073709551615.0}, Case{"float", Kind::floating, 5},
+          Case{"exp", Kind::floating, 1000}, Case{"text", Kind::string, 0}, Case{"array", Kind::array, 0},
+          Case{"object", Kind::object, 0}, Case{"", Kind::integer, 3}, Case{"absent", Kind::missing, 0}}) {
         EXPECT_EQ((*json)[key].kind(), kind) << key;
         EXPECT_EQ((*json)[key].number(), number) << key;
     }
@@ -48,7 +48,8 @@ TEST(Json, TellsKindsApart) {
 }
 
 TEST(Json, RefusesWhatIsNotOneDocument) {
-    for (const char* text : {"", " ", "{", "[1,]", "{\"a\":1,}", "{'a':1}", "nul", "01", "1 2", "\"\xff\"", "NaN", "[1", "\"abc"})
+    for (const char* text :
+         {"", " ", "{", "[1,]", "{\"a\":1,}", "{'a':1}", "nul", "01", "1 2", "\"\xff\"", "NaN", "[1", "\"abc"})
         EXPECT_FALSE(Json::parse(text)) << text;
     EXPECT_FALSE(Json::parse(std::string(5000, '[') + std::string(5000, ']')));
     for (const char* text : {"1", "\"x\"", "null", "true", " [ ] ", "{}"}) EXPECT_TRUE(Json::parse(text)) << text;
@@ -69,8 +70,8 @@ TEST(Json, OddValuesDoNotCostTheWholeDocument) {
     EXPECT_EQ((*doc)["half"].string(), "a\uFFFDb\uFFFD\\ud800");
     EXPECT_EQ((*doc)["pair"].string(), "\U0001F600");
     EXPECT_EQ((*doc)["n"].size(), 2u);
-    for (const char* broken : {R"({"a":1e400)", R"({"a":1e400,})", R"({"a":99999999999999999999 1})", R"(["\ud800)", R"(["\ud80"])",
-                               R"([01e400])", R"([-])", R"([1e400)"})
+    for (const char* broken : {R"({"a":1e400)", R"({"a":1e400,})", R"({"a":99999999999999999999 1})", R"(["\ud800)",
+                               R"(["\ud80"])", R"([01e400])", R"([-])", R"([1e400)"})
         EXPECT_FALSE(Json::parse(broken)) << broken;
 }
 

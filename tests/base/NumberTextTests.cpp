@@ -18,13 +18,35 @@ constexpr double inf = std::numeric_limits<double>::infinity();
 
 TEST(NumberText, ReadsWhatStrtodReads) {
     const std::pair<std::string_view, double> cases[] = {
-        {"1.5", 1.5},          {"+1.5", 1.5},         {"-1.5", -1.5},      {"1e3", 1000},       {"1E+3", 1000},
-        {"5.", 5},             {".5", 0.5},           {"-0", 0.0},         {"007", 7},          {"0x10", 16},
-        {"-0X1.8P1", -3},      {"0x.8", 0.5},         {"0x1p-2", 0.25},    {"inf", inf},        {"-Infinity", -inf},
-        {"+INF", inf},         {"1e400", inf},        {"-1e400", -inf},    {"1e-400", 0},       {"0x1p1024", inf},
-        {"0x1p-1200", 0},      {"0e99999999999", 0},  {"4.9e-324", 5e-324}, {"0.1", 0.1},       {"9007199254740993", 9007199254740992.0},
-        {"1e9223372036854775807", inf},               {"0.001e-9223372036854775807", 0},
-        {"1e99999999999999999999", inf},              {"1e-99999999999999999999", 0},
+        {"1.5", 1.5},
+        {"+1.5", 1.5},
+        {"-1.5", -1.5},
+        {"1e3", 1000},
+        {"1E+3", 1000},
+        {"5.", 5},
+        {".5", 0.5},
+        {"-0", 0.0},
+        {"007", 7},
+        {"0x10", 16},
+        {"-0X1.8P1", -3},
+        {"0x.8", 0.5},
+        {"0x1p-2", 0.25},
+        {"inf", inf},
+        {"-Infinity", -inf},
+        {"+INF", inf},
+        {"1e400", inf},
+        {"-1e400", -inf},
+        {"1e-400", 0},
+        {"0x1p1024", inf},
+        {"0x1p-1200", 0},
+        {"0e99999999999", 0},
+        {"4.9e-324", 5e-324},
+        {"0.1", 0.1},
+        {"9007199254740993", 9007199254740992.0},
+        {"1e9223372036854775807", inf},
+        {"0.001e-9223372036854775807", 0},
+        {"1e99999999999999999999", inf},
+        {"1e-99999999999999999999", 0},
     };
     for (const auto& [text, value] : cases) {
         const auto read = parseDouble(text);
@@ -43,10 +65,10 @@ TEST(NumberText, ReadsWhatStrtodReads) {
 
 TEST(NumberText, ReadsNothingFromAnythingElse) {
     const std::string_view cases[] = {
-        "",      " ",     " 1.5",  "1.5 ",  "\t1",  "\n1",  "\v1",   "\f1",      "\r1",     "\0"sv,   "\0001"sv, "1\0"sv,
-        "1\0002"sv, "+",  "-",     "+-1",   "--1",  ".",    "e5",    "1e",       "1e+",     "1,5",    "1_000",   "0x",
-        "0xg",   "0x1p",  "0x-1",  "0xinf", "1x0",  "in",   "infin", "infinity1", "nan(",   "nan(a-b)", "nanx",  "abc",
-        "1.5f",  "1..5",  "٣",
+        "",        " ",         " 1.5",     "1.5 ",     "\t1",  "\n1",  "\v1",  "\f1",   "\r1", "\0"sv,
+        "\0001"sv, "1\0"sv,     "1\0002"sv, "+",        "-",    "+-1",  "--1",  ".",     "e5",  "1e",
+        "1e+",     "1,5",       "1_000",    "0x",       "0xg",  "0x1p", "0x-1", "0xinf", "1x0", "in",
+        "infin",   "infinity1", "nan(",     "nan(a-b)", "nanx", "abc",  "1.5f", "1..5",  "٣",
     };
     for (const auto text : cases) EXPECT_EQ(parseDouble(text), std::nullopt) << "'" << text << "'";
 }
@@ -69,12 +91,16 @@ TEST(NumberText, AgreesWithStrtodOnRandomText) {
 }
 
 TEST(NumberText, ReadsStrictIntegers) {
-    const std::pair<std::string_view, std::int64_t> good[] = {{"0", 0},     {"-7", -7}, {"+7", 7}, {"007", 7},
-                                                              {"-0", 0},    {"9223372036854775807", INT64_MAX},
+    const std::pair<std::string_view, std::int64_t> good[] = {{"0", 0},
+                                                              {"-7", -7},
+                                                              {"+7", 7},
+                                                              {"007", 7},
+                                                              {"-0", 0},
+                                                              {"9223372036854775807", INT64_MAX},
                                                               {"-9223372036854775808", INT64_MIN}};
     for (const auto& [text, value] : good) EXPECT_EQ(parseInt(text), value) << text;
-    for (const auto text : {""sv, "+"sv, "-"sv, "+-1"sv, "--1"sv, " 12"sv, "12 "sv, "12.5"sv, "1e3"sv, "0x10"sv, "12\0"sv,
-                            "9223372036854775808"sv, "-9223372036854775809"sv, "abc"sv})
+    for (const auto text : {""sv, "+"sv, "-"sv, "+-1"sv, "--1"sv, " 12"sv, "12 "sv, "12.5"sv, "1e3"sv, "0x10"sv,
+                            "12\0"sv, "9223372036854775808"sv, "-9223372036854775809"sv, "abc"sv})
         EXPECT_EQ(parseInt(text), std::nullopt) << "'" << text << "'";
 }
 

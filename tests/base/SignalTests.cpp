@@ -74,7 +74,8 @@ TEST(Uuid, IsVersionFourUniqueAndRepeatableBySeed) {
         ASSERT_EQ(id, again.next());
         EXPECT_TRUE(seen.insert(id).second);
         EXPECT_TRUE(seen.insert(other.next()).second);
-        EXPECT_THAT(id.text(), testing::MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
+        EXPECT_THAT(id.text(),
+                    testing::MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
     }
 }
 
@@ -87,7 +88,8 @@ TEST(SystemClock, RunsOnFromTheGivenMomentAtTheGivenSpeed) {
     const double n1 = fast.now();
     EXPECT_GE(n0, 1000);
     EXPECT_GE(n1 - n0, (m1 - m0) * 0.99e6);
-    for (const double speed : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
+    for (const double speed :
+         {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
         EXPECT_EQ(SystemClock(0, speed).speed(), 1);
     EXPECT_GT(SystemClock().now(), 1.7e9);
 }

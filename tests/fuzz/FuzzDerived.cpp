@@ -44,7 +44,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
             HfByMin minutes;
             forEachMinute(*json, *channel, [&minutes](std::int64_t minute, JsonView object) {
                 fuzz::require(BubbleParser::bubblePts(object, minute).size() <= 3);
-                for (const TrianglePt& point : BubbleParser::trianglePts(object, minute)) fuzz::require(point.minuteMax > 0);
+                for (const TrianglePt& point : BubbleParser::trianglePts(object, minute))
+                    fuzz::require(point.minuteMax > 0);
                 minutes[minute] = HfHistoryParser::hfCandle(object);
             });
             keepNewest(minutes, 3);

@@ -12,7 +12,8 @@ std::unique_ptr<test::TestPane> openPane() {
     pane->preferences.set("gex-last-symbol", "NQ");
     pane->open();
     const auto minute = static_cast<std::int64_t>(test::TestPane::wednesdayAt10);
-    for (const char* channel : {"futures:NQM6", "futures:ESM6"}) pane->snapshot(channel, test::flatBars(minute - 600, 11));
+    for (const char* channel : {"futures:NQM6", "futures:ESM6"})
+        pane->snapshot(channel, test::flatBars(minute - 600, 11));
     return pane;
 }
 

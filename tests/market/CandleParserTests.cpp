@@ -111,10 +111,10 @@ TEST(CandleParser, ReadsTheFieldsOfOneBar) {
 }
 
 TEST(CandleParserDeathTest, ATimeThatNoIntegerHoldsEndsTheProcess) {
-    for (const std::string json : {R"({"ts":"nan","o":1,"h":2,"l":3,"c":4})", R"([{"ts":"inf","o":1,"h":2,"l":3,"c":4}])",
-                                   R"({"ts":1e300,"o":1,"h":2,"l":3,"c":4})", R"({"time":1e19,"o":1,"h":2,"l":3,"c":4})",
-                                   R"({"candles":{"inf":7}})", R"({"candles":{"nan":{}}})",
-                                   R"({"minuteTs":1e19,"candle":{}})"})
+    for (const std::string json :
+         {R"({"ts":"nan","o":1,"h":2,"l":3,"c":4})", R"([{"ts":"inf","o":1,"h":2,"l":3,"c":4}])",
+          R"({"ts":1e300,"o":1,"h":2,"l":3,"c":4})", R"({"time":1e19,"o":1,"h":2,"l":3,"c":4})",
+          R"({"candles":{"inf":7}})", R"({"candles":{"nan":{}}})", R"({"minuteTs":1e19,"candle":{}})"})
         EXPECT_DEATH(parse(json), "velmora: fatal: .*does not fit a 64-bit integer") << json;
 }
 
@@ -135,7 +135,8 @@ TEST(CandleParser, MergeEqualsAMapOnRandomSeries) {
         const auto series = [&random](bool sorted) {
             Bars bars(random() % 40);
             for (Candle& one : bars)
-                one = bar(static_cast<std::int64_t>(random() % 60) * 60 - 600, static_cast<double>(random() % 1000), random() % 9);
+                one = bar(static_cast<std::int64_t>(random() % 60) * 60 - 600, static_cast<double>(random() % 1000),
+                          random() % 9);
             if (sorted) std::stable_sort(bars.begin(), bars.end(), [](auto& a, auto& b) { return a.time < b.time; });
             return bars;
         };

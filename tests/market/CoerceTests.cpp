@@ -79,7 +79,8 @@ TEST(Coerce, ReadsEveryKindOfValue) {
 
 TEST(Coerce, AMarkersMinuteIsCutFromAnyNumber) {
     const std::pair<const char*, std::optional<std::int64_t>> rows[] = {
-        {R"("60.9")", 60}, {R"("12.7")", 12}, {"-1.9", -1}, {"60", 60}, {"true", 1}, {R"("x")", nothing}, {"null", nothing}};
+        {R"("60.9")", 60}, {R"("12.7")", 12},   {"-1.9", -1},     {"60", 60},
+        {"true", 1},       {R"("x")", nothing}, {"null", nothing}};
     for (const auto& [json, value] : rows) EXPECT_EQ(coerce::minuteInt(*Json::parse(json)), value) << json;
 }
 

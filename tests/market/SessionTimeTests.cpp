@@ -27,13 +27,13 @@ TEST(SessionTime, OpensAndClosesOnTheSecond) {
         bool future;
     };
     const Case cases[] = {
-        {june(7, 10), false, false},        {june(7, 17, 59, 59), false, false}, {june(7, 18), false, true},
-        {june(7, 23, 59, 59), false, true}, {june(8, 0), false, true},           {june(8, 9, 29, 59), false, true},
-        {june(8, 9, 30), true, true},       {june(10, 15, 59, 59), true, true},  {june(10, 16), false, true},
-        {june(10, 16, 59, 59), false, true}, {june(10, 17), false, false},       {june(10, 17, 59, 59), false, false},
-        {june(10, 18), false, true},        {june(11, 17, 30), false, false},    {june(12, 9, 30), true, true},
-        {june(12, 16, 59, 59), false, true}, {june(12, 17), false, false},       {june(12, 18), false, false},
-        {june(13, 0), false, false},        {june(13, 10), false, false},        {june(13, 23, 59, 59), false, false},
+        {june(7, 10), false, false},         {june(7, 17, 59, 59), false, false}, {june(7, 18), false, true},
+        {june(7, 23, 59, 59), false, true},  {june(8, 0), false, true},           {june(8, 9, 29, 59), false, true},
+        {june(8, 9, 30), true, true},        {june(10, 15, 59, 59), true, true},  {june(10, 16), false, true},
+        {june(10, 16, 59, 59), false, true}, {june(10, 17), false, false},        {june(10, 17, 59, 59), false, false},
+        {june(10, 18), false, true},         {june(11, 17, 30), false, false},    {june(12, 9, 30), true, true},
+        {june(12, 16, 59, 59), false, true}, {june(12, 17), false, false},        {june(12, 18), false, false},
+        {june(13, 0), false, false},         {june(13, 10), false, false},        {june(13, 23, 59, 59), false, false},
         {june(19, 12), true, true},  // a holiday counts as any weekday
     };
     SessionTime session;
@@ -49,11 +49,11 @@ TEST(SessionTime, FindsTheLatestOpen) {
         int hhmm;
         std::int64_t open;
     } cases[] = {
-        {june(9, 10), 1800, june(8, 18)},          {june(9, 19), 1800, june(9, 18)},
-        {june(9, 18), 1800, june(9, 18)},          {june(9, 17, 59, 59), 1800, june(8, 18)},
-        {june(8, 9, 29), 930, june(7, 9, 30)},     {june(8, 9, 30), 930, june(8, 9, 30)},
-        {june(8, 0), 0, june(8, 0)},               {june(8, 12), 2359, june(7, 23, 59)},
-        {june(9, 1), 1800, june(8, 18)},           {june(8, 12), 999999, june(7, 0) + 9999 * 3600 + 99 * 60},
+        {june(9, 10), 1800, june(8, 18)},      {june(9, 19), 1800, june(9, 18)},
+        {june(9, 18), 1800, june(9, 18)},      {june(9, 17, 59, 59), 1800, june(8, 18)},
+        {june(8, 9, 29), 930, june(7, 9, 30)}, {june(8, 9, 30), 930, june(8, 9, 30)},
+        {june(8, 0), 0, june(8, 0)},           {june(8, 12), 2359, june(7, 23, 59)},
+        {june(9, 1), 1800, june(8, 18)},       {june(8, 12), 999999, june(7, 0) + 9999 * 3600 + 99 * 60},
     };
     SessionTime session;
     for (const auto& c : cases) {

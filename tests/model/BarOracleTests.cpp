@@ -10,7 +10,7 @@ namespace {
 
 // Nothing here is shared with the program: maps, division and the clock of one June week, four hours behind UTC.
 class PlainBars {
-  public:
+ public:
     PlainBars(bool isStock, bool rolls) : isStock_(isStock), rolls_(rolls) {}
 
     void merge(const std::vector<Candle>& incoming) {
@@ -49,7 +49,11 @@ class PlainBars {
             Candle& one = place->second;
             one.time = bucket;
             if (isFirst) continue;
-            one = {bucket, one.open, std::fmax(one.high, bar.high), std::fmin(one.low, bar.low), bar.close,
+            one = {bucket,
+                   one.open,
+                   std::fmax(one.high, bar.high),
+                   std::fmin(one.low, bar.low),
+                   bar.close,
                    one.volume + bar.volume};
         }
         std::vector<Candle> list;
@@ -57,7 +61,7 @@ class PlainBars {
         return list;
     }
 
-  private:
+ private:
     bool isOpen(std::int64_t t) const {
         const std::int64_t local = t - 4 * 3600;
         const std::int64_t weekday = (local / 86400 + 4) % 7;
@@ -76,7 +80,7 @@ class PlainBars {
 };
 
 class BarOracle : public PaneFixture {
-  protected:
+ protected:
     std::mt19937 random{42};
     double price = 100;
 
@@ -86,11 +90,16 @@ class BarOracle : public PaneFixture {
     double tradeTime() {
         const double now = time.now() * 1000;
         switch (below(8)) {
-            case 0: return now - static_cast<double>(below(200'000));
-            case 1: return now - static_cast<double>(below(5'000)) * 0.25;
-            case 2: return now + static_cast<double>(below(3) == 0 ? below(150'000) : 0);
-            case 3: return std::floor(now / 60'000) * 60'000;
-            default: return now;
+            case 0:
+                return now - static_cast<double>(below(200'000));
+            case 1:
+                return now - static_cast<double>(below(5'000)) * 0.25;
+            case 2:
+                return now + static_cast<double>(below(3) == 0 ? below(150'000) : 0);
+            case 3:
+                return std::floor(now / 60'000) * 60'000;
+            default:
+                return now;
         }
     }
 

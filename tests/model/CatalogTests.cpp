@@ -9,7 +9,7 @@ using testing::IsEmpty;
 using testing::Pair;
 
 class Catalog : public PaneFixture {
-  protected:
+ protected:
     void catalog(const std::string& json) { event("meta:instruments", R"({"catalog":)" + json + "}"); }
     void contracts(const std::string& map) { event("meta:contracts", R"({"map":)" + map + "}"); }
 };
@@ -40,12 +40,12 @@ TEST_F(Catalog, ReadsEntriesWithTheirDefaults) {
         {"sym":"NQ","sources":["QQQ"]}, {"sym":"ES","pair":7,"tick":"x","sources":"SPY"},
         {"sources":["A"]}, {"sym":5}, 7, null],
         "stocks":[{"sym":"NFLX","hfScale":"0.5"},{"sym":"AMD"},{"sym":""},{"sym":7},"IBM"]})");
-    EXPECT_THAT(model->catFutures.get(),
-                ElementsAre(CatalogFut{"SI", {"SLV", "XAG"}, "XAG", "GC", 0.005, 25, 3},
-                            CatalogFut{"NQ", {"QQQ"}, "QQQ", std::nullopt, 0.25, 5, 1},
-                            CatalogFut{"ES", {}, "ES", std::nullopt, 0.25, 5, 1}));
+    EXPECT_THAT(model->catFutures.get(), ElementsAre(CatalogFut{"SI", {"SLV", "XAG"}, "XAG", "GC", 0.005, 25, 3},
+                                                     CatalogFut{"NQ", {"QQQ"}, "QQQ", std::nullopt, 0.25, 5, 1},
+                                                     CatalogFut{"ES", {}, "ES", std::nullopt, 0.25, 5, 1}));
     EXPECT_THAT(model->catStocks.get(), ElementsAre("NFLX", "AMD"));
-    EXPECT_THAT(AppModel::hfScaleOverrides(), ElementsAre(Pair("ES", 1), Pair("NFLX", 0.5), Pair("NQ", 1), Pair("SI", 3)));
+    EXPECT_THAT(AppModel::hfScaleOverrides(),
+                ElementsAre(Pair("ES", 1), Pair("NFLX", 0.5), Pair("NQ", 1), Pair("SI", 3)));
     EXPECT_THAT(takeLog(), IsEmpty());
 
     EXPECT_THAT(model->futuresList(), ElementsAre(Pair("SI", "XAG"), Pair("NQ", "QQQ"), Pair("ES", "ES")));
@@ -87,8 +87,8 @@ TEST_F(Catalog, TheChartRollsWithItsOwnContractAlone) {
     contracts(R"({"NQ":"NQM6","ES":"ESU6"})");
     EXPECT_EQ(model->chartChannel.get(), "futures:NQM6");
     EXPECT_EQ(model->secondaryContract, "ESU6");
-    EXPECT_THAT(takeLog(), ElementsAre("→ contract roll: NQ → NQM6",
-                                       "→ chart: futures:NQM6 + derived:QQQ + derived:srlevels:NQ"));
+    EXPECT_THAT(takeLog(),
+                ElementsAre("→ contract roll: NQ → NQM6", "→ chart: futures:NQM6 + derived:QQQ + derived:srlevels:NQ"));
     EXPECT_EQ(preferences.get("gex-last-symbol"), "NQ");
 
     snapshot("futures:NQM6", flatBars(minute, 1));

@@ -11,7 +11,7 @@ using testing::IsEmpty;
 using Names = std::vector<std::string>;
 
 class ChartOpening : public PaneFixture {
-  protected:
+ protected:
     static std::string request(const std::string& action, const Names& channels) {
         std::string out = R"({"action":")" + action + R"(","channels":[)";
         for (const auto& name : channels) out += (out.back() == '[' ? "\"" : ",\"") + name + "\"";
@@ -19,15 +19,24 @@ class ChartOpening : public PaneFixture {
     }
 };
 
-const Names nq{"futures:NQM6",          "futures:NQM6:1m",          "futures:NQM6:trades", "meta:contracts",
-               "meta:instruments",      "futures:NQM6:quote",       "indices:I:VIX",       "indices:I:VIX:1m",
-               "derived:QQQ",           "derived:gexBubbles:QQQ",   "derived:hfTriangles:QQQ", "derived:osc:QQQ",
-               "derived:hfHistory:QQQ", "futures:ESM6",             "futures:ESM6:1m",     "futures:ESM6:trades",
+const Names nq{"futures:NQM6",          "futures:NQM6:1m",        "futures:NQM6:trades",     "meta:contracts",
+               "meta:instruments",      "futures:NQM6:quote",     "indices:I:VIX",           "indices:I:VIX:1m",
+               "derived:QQQ",           "derived:gexBubbles:QQQ", "derived:hfTriangles:QQQ", "derived:osc:QQQ",
+               "derived:hfHistory:QQQ", "futures:ESM6",           "futures:ESM6:1m",         "futures:ESM6:trades",
                "derived:srlevels:NQ"};
 
-const Names apple{"stocks:AAPL",   "stocks:AAPL:1m",   "stocks:AAPL:trades", "meta:contracts",
-                  "meta:instruments", "indices:I:VIX", "indices:I:VIX:1m",   "derived:AAPL",
-                  "derived:gexBubbles:AAPL", "derived:hfTriangles:AAPL", "derived:osc:AAPL", "derived:hfHistory:AAPL"};
+const Names apple{"stocks:AAPL",
+                  "stocks:AAPL:1m",
+                  "stocks:AAPL:trades",
+                  "meta:contracts",
+                  "meta:instruments",
+                  "indices:I:VIX",
+                  "indices:I:VIX:1m",
+                  "derived:AAPL",
+                  "derived:gexBubbles:AAPL",
+                  "derived:hfTriangles:AAPL",
+                  "derived:osc:AAPL",
+                  "derived:hfHistory:AAPL"};
 
 TEST_F(ChartOpening, ListsTheChannelsInOrderAndSwapsThemOnTheWire) {
     openSymbol("NQ");
@@ -96,8 +105,8 @@ TEST_F(ChartOpening, WithoutLevelsThereAreNoDerivedChannels) {
     const double scale = model->hfScale;
     model->openChart(" \tfutures:SIN6\r\n", " \n");
     EXPECT_THAT(model->subscribedChans,
-                ElementsAre("futures:SIN6", "futures:SIN6:1m", "futures:SIN6:trades", "meta:contracts", "meta:instruments",
-                            "indices:I:VIX", "indices:I:VIX:1m"));
+                ElementsAre("futures:SIN6", "futures:SIN6:1m", "futures:SIN6:trades", "meta:contracts",
+                            "meta:instruments", "indices:I:VIX", "indices:I:VIX:1m"));
     EXPECT_THAT(takeLog(), ElementsAre("→ chart: futures:SIN6"));
     EXPECT_EQ(model->hfScale, scale);
     EXPECT_EQ(model->oscPrimaryLabel.get() + model->simRoot + model->oscChannel + model->currentSymbol(), "NQ");
@@ -126,7 +135,8 @@ TEST_F(ChartOpening, ABlankNameChangesNothingAtAll) {
 
 TEST_F(ChartOpening, ANewChartStartsEmptyButKeepsTheVolatilityIndexAndTheCatalog) {
     openSymbol("NQ");
-    for (const char* channel : {"futures:NQM6", "futures:ESM6", "indices:I:VIX"}) snapshot(channel, flatBars(minute - 60, 2));
+    for (const char* channel : {"futures:NQM6", "futures:ESM6", "indices:I:VIX"})
+        snapshot(channel, flatBars(minute - 60, 2));
     event("derived:QQQ", R"({"etfRatio":41})");
     event("meta:instruments", R"({"catalog":{"stocks":[{"sym":"NFLX"}]}})");
     ASSERT_EQ(model->displayCandles->size(), 2u);
@@ -162,12 +172,26 @@ TEST_F(ChartOpening, ACatalogsScaleGoesBeforeTheBuiltInOne) {
 }
 
 TEST(FuturesRoot, CutsMonthAndYear) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"futures:NQM6", "NQ"},    {"futures:NQM26", "NQ"}, {"futures:NQM2026", "NQ"}, {"futures:NQ", "NQ"},
-        {"futures:GCQ6", "GC"},    {"futures:CLN6", "CL"},  {"futures:RTYZ25", "RTY"}, {"futures:NQM20261", ""},
-        {"futures:NQA6", ""},      {"futures:SIN6", ""},    {"futures:nqm6", ""},      {"futures:", ""},
-        {"futures:M6", ""},        {"futures:6", ""},       {"futures:NQM6:1m", ""},   {"stocks:NQ", ""},
-        {"NQM6", ""},              {"", ""},                {"futures:NQM", ""},       {"futures:NQM6 ", ""}};
+    const std::pair<const char*, const char*> cases[] = {{"futures:NQM6", "NQ"},
+                                                         {"futures:NQM26", "NQ"},
+                                                         {"futures:NQM2026", "NQ"},
+                                                         {"futures:NQ", "NQ"},
+                                                         {"futures:GCQ6", "GC"},
+                                                         {"futures:CLN6", "CL"},
+                                                         {"futures:RTYZ25", "RTY"},
+                                                         {"futures:NQM20261", ""},
+                                                         {"futures:NQA6", ""},
+                                                         {"futures:SIN6", ""},
+                                                         {"futures:nqm6", ""},
+                                                         {"futures:", ""},
+                                                         {"futures:M6", ""},
+                                                         {"futures:6", ""},
+                                                         {"futures:NQM6:1m", ""},
+                                                         {"stocks:NQ", ""},
+                                                         {"NQM6", ""},
+                                                         {"", ""},
+                                                         {"futures:NQM", ""},
+                                                         {"futures:NQM6 ", ""}};
     for (const auto& [channel, root] : cases) EXPECT_EQ(futuresRoot(channel), root) << channel;
 }
 

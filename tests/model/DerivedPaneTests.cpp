@@ -72,7 +72,8 @@ TEST_F(DerivedPane, AnExpirationWithoutASliceShowsTheAggregateAndPatchesOnlyRepl
 TEST_F(DerivedPane, LongRowsReadOnTheRelaysQueueEqualShortOnesReadHere) {
     AppModel& pane = openSymbol("NQ");
     std::string rows;
-    for (int i = 12000; i > 0; --i) rows += (rows.empty() ? "" : ",") + (R"({"strike":)" + std::to_string(i) + R"(,"callGex":2})");
+    for (int i = 12000; i > 0; --i)
+        rows += (rows.empty() ? "" : ",") + (R"({"strike":)" + std::to_string(i) + R"(,"callGex":2})");
     snapshot("derived:QQQ", R"({"etfRatio":2,"gexByStrike":[)" + rows + "]}");
     ASSERT_EQ(pane.strikes->size(), 12000u);
     EXPECT_EQ(pane.strikes->front().strike, 1);
@@ -80,7 +81,8 @@ TEST_F(DerivedPane, LongRowsReadOnTheRelaysQueueEqualShortOnesReadHere) {
     event("derived:QQQ", R"({"gexByStrike":[{"strike":5}]})");
     EXPECT_THAT(strikesOf(pane), ElementsAre(5));
     // rows that came while an expiration was shown are there when it goes
-    event("derived:QQQ", R"({"expirations":["2026-06-12"],"byExpiration":{"2026-06-12":{"gexByStrike":[{"strike":7}]}}})");
+    event("derived:QQQ",
+          R"({"expirations":["2026-06-12"],"byExpiration":{"2026-06-12":{"gexByStrike":[{"strike":7}]}}})");
     snapshot("derived:QQQ", R"({"gexByStrike":[)" + rows + "]}");
     EXPECT_THAT(strikesOf(pane), ElementsAre(7));
     event("derived:QQQ", R"({"expirations":[]})");
@@ -122,13 +124,15 @@ TEST_F(DerivedPane, GoesRoundTheSources) {
 
 TEST_F(DerivedPane, KeepsMarkersAndHistoriesByMinute) {
     AppModel& pane = openSymbol("NQ");
-    snapshot("derived:gexBubbles:QQQ", R"({"bubbles":{"1781100060":{"s":600,"dom":2,"pos":1},"1781100000":{"s3":601}}})");
+    snapshot("derived:gexBubbles:QQQ",
+             R"({"bubbles":{"1781100060":{"s":600,"dom":2,"pos":1},"1781100000":{"s3":601}}})");
     event("derived:gexBubbles:QQQ", R"({"minuteTs":"1781100120.9","bubble":{"s":602,"s2":603}})");
     std::vector<std::pair<double, int>> bubbles;
     for (const BubblePt& p : pane.bubblePts.get()) bubbles.emplace_back(p.strike, p.rank);
     EXPECT_THAT(bubbles, ElementsAre(Pair(601, 2), Pair(600, 0), Pair(602, 0), Pair(603, 1)));
     for (int i = 0; i < 700; ++i)
-        event("derived:hfTriangles:QQQ", R"({"minuteTs":)" + std::to_string(minute + i * 60) + R"(,"triangle":{"d":[[600,-10],[601,4]]}})");
+        event("derived:hfTriangles:QQQ",
+              R"({"minuteTs":)" + std::to_string(minute + i * 60) + R"(,"triangle":{"d":[[600,-10],[601,4]]}})");
     EXPECT_EQ(pane.triByMin.size(), 600u);
     EXPECT_EQ(pane.trianglePts->size(), 1200u);
     EXPECT_EQ(pane.trianglePts->front().minuteTs, minute + 100 * 60);
@@ -143,7 +147,8 @@ TEST_F(DerivedPane, KeepsMarkersAndHistoriesByMinute) {
     EXPECT_EQ(pane.oscLines->vix, (std::vector<OscPt>{{1781100000, 2.5}}));
 
     pane.switchSymbol("ES");
-    EXPECT_TRUE(pane.bubblePts->empty() && pane.trianglePts->empty() && pane.hfByMin.empty() && pane.oscLines->nq.empty());
+    EXPECT_TRUE(pane.bubblePts->empty() && pane.trianglePts->empty() && pane.hfByMin.empty() &&
+                pane.oscLines->nq.empty());
 }
 
 TEST_F(DerivedPane, SessionLinesFollowTheBarsAlsoAtTheCap) {
@@ -189,7 +194,8 @@ TEST_F(DerivedPane, OverlaysAreHeldBackInADragAndOtherwiseCoalesced) {
     pane.setRendererBridge({[&] { return dragging; }, {}});
     const std::string trades = pane.chartChannel.get() + ":trades";
     const auto trade = [&](int i) {
-        event(trades, R"({"price":)" + std::to_string(100 + i % 7) + R"(,"ts":)" + std::to_string(minute * 1000 + i) + "}");
+        event(trades,
+              R"({"price":)" + std::to_string(100 + i % 7) + R"(,"ts":)" + std::to_string(minute * 1000 + i) + "}");
     };
     for (int i = 0; i < 500; ++i) trade(i);
     time.advance(1);

@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 class LiveBars : public PaneFixture {
-  protected:
+ protected:
     using PaneFixture::PaneFixture;
     void openWithBars(int count = 1, const std::string& symbol = "NQ") {
         openSymbol(symbol);
@@ -41,7 +41,8 @@ TEST_F(LiveBars, ATradeBelongsToItsMinute) {
     trade(103, minute + 59.999);
     EXPECT_THAT(model->candles, ElementsAre(Candle{minute, 100, 103, 100, 103, 1}));
     trade(99, minute + 60.0);
-    EXPECT_THAT(model->candles, ElementsAre(Candle{minute, 100, 103, 100, 103, 1}, Candle{minute + 60, 103, 103, 99, 99, 0}));
+    EXPECT_THAT(model->candles,
+                ElementsAre(Candle{minute, 100, 103, 100, 103, 1}, Candle{minute + 60, 103, 103, 99, 99, 0}));
     trade(110, minute + 300.0);
     EXPECT_EQ(model->candles.back(), (Candle{minute + 300, 99, 110, 99, 110, 0})) << "the gap stays";
     const auto bars = model->candles;
@@ -111,7 +112,8 @@ TEST_F(LiveBars, AFlatBarComesOnceAMinuteWhileConnectedAndOpen) {
     time.advance(59.8);
     EXPECT_EQ(model->candles.size(), 1u);
     time.advance(0.1);
-    EXPECT_THAT(model->candles, ElementsAre(Candle{minute, 100, 100, 100, 100, 1}, Candle{minute + 60, 100, 100, 100, 100, 0}));
+    EXPECT_THAT(model->candles,
+                ElementsAre(Candle{minute, 100, 100, 100, 100, 1}, Candle{minute + 60, 100, 100, 100, 100, 0}));
     EXPECT_EQ(model->displayCandles->size(), 2u) << "at once, not paced";
     const auto version = model->chartVersion;
     for (int i = 0; i < 3; ++i) model->rollForwardBarIfNeeded();
@@ -151,8 +153,12 @@ TEST_F(LiveBars, AClosedMarketInventsNoBarsButTradesStillMakeThem) {
         const char* symbol;
         double at;  // seconds from midnight
         bool rolls;
-    } cases[] = {{"AAPL", 16 * 3600 + 30, false}, {"AAPL", 15 * 3600 + 59 * 60 + 30, true}, {"NQ", 17.5 * 3600, false},
-                 {"NQ", 16 * 3600 + 30, true},    {"NQ", 18 * 3600, true},                  {"AAPL", 9 * 3600, false},
+    } cases[] = {{"AAPL", 16 * 3600 + 30, false},
+                 {"AAPL", 15 * 3600 + 59 * 60 + 30, true},
+                 {"NQ", 17.5 * 3600, false},
+                 {"NQ", 16 * 3600 + 30, true},
+                 {"NQ", 18 * 3600, true},
+                 {"AAPL", 9 * 3600, false},
                  {"NQ", 3 * 86400 + 12 * 3600, false}};  // a Saturday
     for (const auto& c : cases) {
         openWithBars(1, c.symbol);
@@ -167,7 +173,7 @@ TEST_F(LiveBars, AClosedMarketInventsNoBarsButTradesStillMakeThem) {
 }
 
 class OffTheSecond : public LiveBars {
-  protected:
+ protected:
     OffTheSecond() : LiveBars(wednesdayAt10 + 58.25) {}
 };
 
@@ -185,7 +191,7 @@ TEST_F(OffTheSecond, TheRollTimerFiresOnWholeSeconds) {
 }
 
 class FastClock : public LiveBars {
-  protected:
+ protected:
     FastClock() : LiveBars(wednesdayAt10 + 0.5, 60) {}
 };
 
@@ -224,12 +230,12 @@ TEST_F(LiveBars, TheTimeframeIsStoredAndAppliedAtOnce) {
     const auto version = model->chartVersion;
     model->setTimeframe(5);
     EXPECT_EQ(model->chartVersion, version + 1);
-    EXPECT_THAT(model->displayCandles.get(), ElementsAre(Candle{minute - 900, 100, 100, 100, 100, 1},
-                                                         Candle{minute - 600, 100, 100, 100, 100, 5},
-                                                         Candle{minute - 300, 100, 100, 100, 100, 5},
-                                                         Candle{minute, 100, 100, 100, 100, 1}));
+    EXPECT_THAT(model->displayCandles.get(),
+                ElementsAre(Candle{minute - 900, 100, 100, 100, 100, 1}, Candle{minute - 600, 100, 100, 100, 100, 5},
+                            Candle{minute - 300, 100, 100, 100, 100, 5}, Candle{minute, 100, 100, 100, 100, 1}));
     EXPECT_EQ(preferences.get("gex-timeframe"), "5");
-    for (const auto& [asked, stored] : {std::pair<std::int64_t, const char*>{0, "1"}, {-7, "1"}, {INT64_MAX, "2147483647"}}) {
+    for (const auto& [asked, stored] :
+         {std::pair<std::int64_t, const char*>{0, "1"}, {-7, "1"}, {INT64_MAX, "2147483647"}}) {
         model->setTimeframe(asked);
         EXPECT_EQ(preferences.get("gex-timeframe"), stored);
     }
@@ -258,7 +264,11 @@ TEST(Aggregate, EqualsGroupingByDivision) {
                     expected.back().time = bucket;
                 } else {
                     Candle& one = expected.back();
-                    one = {bucket, one.open, std::max(one.high, bar.high), std::min(one.low, bar.low), bar.close,
+                    one = {bucket,
+                           one.open,
+                           std::max(one.high, bar.high),
+                           std::min(one.low, bar.low),
+                           bar.close,
                            one.volume + bar.volume};
                 }
             }

@@ -22,7 +22,7 @@ struct Kind {
 };
 
 class MutatedFrames : public PaneFixture {
-  protected:
+ protected:
     std::mt19937 random{2024};
     std::size_t below(std::size_t n) { return random() % n; }
     template <class T>
@@ -32,8 +32,9 @@ class MutatedFrames : public PaneFixture {
 
     // Values that no reader of numbers takes. Left out: those that are fatal by design, and those that are numbers
     // after all (true, "nan", "1e3"), since with them a bar would be valid.
-    const std::vector<json> noNumbers{nullptr, "", "abc", " 5", "5 ", "1,5", "--1", json::array(), json::array({5}),
-                                      json::object(), json{{"price", 5}}};
+    const std::vector<json> noNumbers{
+        nullptr,           "", "abc", " 5", "5 ", "1,5", "--1", json::array(), json::array({5}), json::object(),
+        json{{"price", 5}}};
     const std::vector<json> noObjects{nullptr, "{}", 5, -0.5, true, json::array(), json::array({1, json::object()})};
 
     std::vector<Kind> kinds() const {
@@ -47,18 +48,64 @@ class MutatedFrames : public PaneFixture {
         noLists.push_back(json::array({json::object(), json{{"sym", 5}}, nullptr, "NQ"}));
         std::erase(noLists, json(json::array({1, json::object()})));
         return {
-            {"trade", "futures:NQM6:trades", {{"price", 123.25}, {"ts", minute * 1000}}, true, {"/price"}, true, trades},
+            {"trade",
+             "futures:NQM6:trades",
+             {{"price", 123.25}, {"ts", minute * 1000}},
+             true,
+             {"/price"},
+             true,
+             trades},
             {"quote", "futures:NQM6:quote", {{"bid", 1}, {"ask", 2}}, false, {"/bid", "/ask"}, true, trades},
-            {"second trade", "futures:ESM6:trades", {{"price", 50}, {"ts", minute * 1000}}, true, {"/price"}, true, trades},
-            {"bars", "futures:NQM6", json::array({bar}), true, {"/0/o", "/0/h", "/0/l", "/0/c", "/0/time"}, true, noNumbers},
-            {"bars in an object", "futures:NQM6", {{"candles", {bar}}}, true, {"/candles/0/o", "/candles/0/c"}, true, noNumbers},
-            {"keyed bars", "futures:NQM6", {{"candles", {{now, prices}}}}, true, {"/candles/" + now + "/l"}, true, noNumbers},
-            {"minute", "futures:NQM6:1m", {{"minuteTs", minute}, {"candle", prices}}, true,
-             {"/minuteTs", "/candle", "/candle/h"}, true, noNumbers},
-            {"second bars", "futures:ESM6", json::array({bar}), true, {"/0/o", "/0/h", "/0/l", "/0/c"}, true, noNumbers},
+            {"second trade",
+             "futures:ESM6:trades",
+             {{"price", 50}, {"ts", minute * 1000}},
+             true,
+             {"/price"},
+             true,
+             trades},
+            {"bars",
+             "futures:NQM6",
+             json::array({bar}),
+             true,
+             {"/0/o", "/0/h", "/0/l", "/0/c", "/0/time"},
+             true,
+             noNumbers},
+            {"bars in an object",
+             "futures:NQM6",
+             {{"candles", {bar}}},
+             true,
+             {"/candles/0/o", "/candles/0/c"},
+             true,
+             noNumbers},
+            {"keyed bars",
+             "futures:NQM6",
+             {{"candles", {{now, prices}}}},
+             true,
+             {"/candles/" + now + "/l"},
+             true,
+             noNumbers},
+            {"minute",
+             "futures:NQM6:1m",
+             {{"minuteTs", minute}, {"candle", prices}},
+             true,
+             {"/minuteTs", "/candle", "/candle/h"},
+             true,
+             noNumbers},
+            {"second bars",
+             "futures:ESM6",
+             json::array({bar}),
+             true,
+             {"/0/o", "/0/h", "/0/l", "/0/c"},
+             true,
+             noNumbers},
             {"volatility bars", "indices:I:VIX:1m", bar, true, {"/o", "/h", "/l", "/c", "/time"}, true, noNumbers},
-            {"catalog", "meta:instruments", {{"catalog", {{"futures", {{{"sym", "SI"}}}}}}}, true,
-             {"/catalog", "/catalog/futures"}, true, noLists},
+            {"catalog",
+             "meta:instruments",
+             {{"catalog", {{"futures", {{{"sym", "SI"}}}}}}},
+             true,
+             {"/catalog", "/catalog/futures"},
+             true,
+             noLists},
             {"contracts", "meta:contracts", {{"map", {{"GC", "GCZ6"}}}}, true, {"/map"}, true, noObjects},
             {"contract", "meta:contracts", {{"map", {{"GC", "GCZ6"}, {"CL", "CLZ6"}}}}, true, {}, true, {}},
             {"levels", "derived:QQQ", {{"etfRatio", 41.5}, {"expirations", {"2026-06-12"}}}, true, {}, true, {}},
@@ -71,9 +118,12 @@ class MutatedFrames : public PaneFixture {
 
     json envelope(const Kind& kind) {
         switch (below(3)) {
-            case 0: return {{"type", "snapshot"}, {"channel", kind.channel}, {"data", kind.body}};
-            case 1: return {{"type", "event"}, {"channel", kind.channel}, {"payload", kind.body}};
-            default: return {{"type", "batch"}, {"channel", kind.channel}, {"events", {kind.body}}};
+            case 0:
+                return {{"type", "snapshot"}, {"channel", kind.channel}, {"data", kind.body}};
+            case 1:
+                return {{"type", "event"}, {"channel", kind.channel}, {"payload", kind.body}};
+            default:
+                return {{"type", "batch"}, {"channel", kind.channel}, {"events", {kind.body}}};
         }
     }
     static json& bodyOf(json& frame) {
@@ -98,12 +148,24 @@ class MutatedFrames : public PaneFixture {
     std::string brokenEnvelope(json frame) {
         const std::string member = frame.contains("data") ? "data" : frame.contains("payload") ? "payload" : "events";
         switch (below(6)) {
-            case 0: frame["type"] = pick(std::vector<json>{nullptr, 5, "Event", "", "snapshots", json::array({"event"})}); break;
-            case 1: frame.erase(below(2) == 0 ? "type" : "channel"); break;
-            case 2: frame["channel"] = pick(noObjects); break;
-            case 3: frame.erase(member); break;
-            case 4: frame["channel"] = frame["channel"].get<std::string>() + pick(std::vector<std::string>{" ", ":2m", "x", ":"}); break;
-            default: return json::array({frame}).dump();
+            case 0:
+                frame["type"] = pick(std::vector<json>{nullptr, 5, "Event", "", "snapshots", json::array({"event"})});
+                break;
+            case 1:
+                frame.erase(below(2) == 0 ? "type" : "channel");
+                break;
+            case 2:
+                frame["channel"] = pick(noObjects);
+                break;
+            case 3:
+                frame.erase(member);
+                break;
+            case 4:
+                frame["channel"] =
+                    frame["channel"].get<std::string>() + pick(std::vector<std::string>{" ", ":2m", "x", ":"});
+                break;
+            default:
+                return json::array({frame}).dump();
         }
         // a channel that happens to be a text, such as "{}", is one that nobody asked for
         return frame.dump();
@@ -112,7 +174,8 @@ class MutatedFrames : public PaneFixture {
     std::string brokenBody(const Kind& kind, json frame) {
         json& body = bodyOf(frame);
         if (std::string(kind.name) == "contract" && below(2) == 0) {
-            body["map"][below(2) == 0 ? "GC" : "CL"] = pick(std::vector<json>{nullptr, 5, true, json::array(), json::object()});
+            body["map"][below(2) == 0 ? "GC" : "CL"] =
+                pick(std::vector<json>{nullptr, 5, true, json::array(), json::object()});
         } else if (kind.members.empty() || below(4) == 0) {
             body = pick(noObjects);
         } else {
@@ -127,15 +190,19 @@ class MutatedFrames : public PaneFixture {
     std::string broken(const Kind& kind) {
         const json frame = envelope(kind);
         switch (below(3)) {
-            case 0: return brokenText(frame.dump());
-            case 1: return brokenEnvelope(frame);
-            default: return brokenBody(kind, frame);
+            case 0:
+                return brokenText(frame.dump());
+            case 1:
+                return brokenEnvelope(frame);
+            default:
+                return brokenBody(kind, frame);
         }
     }
 
     void openBoth() {
         open(PaneState{"NQ", 5, "BOTH"});
-        for (const char* channel : {"futures:NQM6", "futures:ESM6", "indices:I:VIX"}) snapshot(channel, flatBars(minute - 600, 11));
+        for (const char* channel : {"futures:NQM6", "futures:ESM6", "indices:I:VIX"})
+            snapshot(channel, flatBars(minute - 600, 11));
         event("derived:QQQ", R"({"spot":1})");
     }
 };

@@ -15,7 +15,7 @@ inline void PrintTo(const Candle& bar, std::ostream* out) {
 namespace test {
 
 class PaneFixture : public testing::Test, public TestPane {
-  protected:
+ protected:
     explicit PaneFixture(double start = wednesdayAt10, double speed = 1) : TestPane(start, speed) {}
 
     /// The whole minute in which the test starts.

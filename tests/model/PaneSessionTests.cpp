@@ -8,7 +8,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 class PaneSession : public PaneFixture {
-  protected:
+ protected:
     std::vector<std::string> statuses;
     Connection watching;
     void watch() {
@@ -72,8 +72,8 @@ TEST_F(PaneSession, AChartThatIsSetAlreadyIsOpenedAsItIs) {
 }
 
 TEST_F(PaneSession, OnlyAUsableStoredTimeframeCounts) {
-    for (const auto& [stored, minutes] : {std::pair{"5", 5}, {"0", 1}, {"-5", 1}, {"5.5", 1}, {" 5", 1}, {"+7", 7},
-                                          {"99999999999", 1}, {"", 1}}) {
+    for (const auto& [stored, minutes] :
+         {std::pair{"5", 5}, {"0", 1}, {"-5", 1}, {"5.5", 1}, {" 5", 1}, {"+7", 7}, {"99999999999", 1}, {"", 1}}) {
         preferences.set("gex-timeframe", stored);
         EXPECT_EQ(make().timeframe, minutes) << stored;
     }
@@ -83,7 +83,8 @@ TEST_F(PaneSession, SigningInConnectsAndTellsItsStates) {
     make();
     watch();
     std::vector<std::string> story;
-    const auto signing = model->signingIn.changed.connect([&] { story.push_back(model->signingIn ? "starts" : "ends"); });
+    const auto signing =
+        model->signingIn.changed.connect([&] { story.push_back(model->signingIn ? "starts" : "ends"); });
     const auto done = [&](bool ok) { story.push_back(ok ? "in" : "refused"); };
     http.responder = [](const HttpRequest&) {
         return HttpResponse{400, R"({"error":{"message":"INVALID_PASSWORD"}})", std::nullopt};
@@ -109,8 +110,8 @@ TEST_F(PaneSession, SigningInConnectsAndTellsItsStates) {
     time.advance(1);
     greet();
     model->signOut();
-    EXPECT_THAT(statuses, ElementsAre("Signed in, connecting…", "Connected", "Disconnected (reconnecting…)", "Connected",
-                                      "Not connected"));
+    EXPECT_THAT(statuses, ElementsAre("Signed in, connecting…", "Connected", "Disconnected (reconnecting…)",
+                                      "Connected", "Not connected"));
 }
 
 TEST_F(PaneSession, AReconnectKeepsBarsAndMergesWhatComes) {
@@ -174,7 +175,7 @@ TEST_F(PaneSession, WhatTheRelayToldBeforeItHeardOfASignOutIsTooLate) {
 }
 
 class StoredSession : public PaneSession {
-  protected:
+ protected:
     StoredSession() {
         preferences.set("vmr.auth.refreshToken", "old");
         preferences.set("vmr.auth.email", "late@b.c");
@@ -184,8 +185,15 @@ class StoredSession : public PaneSession {
     AppModel& makeStored() {
         stored.emplace(Endpoints{}, http, preferences, time);
         auto around = surroundings();
-        model = std::make_unique<AppModel>(PaneSurroundings{around.clock, around.main, around.preferences, *stored,
-                                                            around.session, around.ids, around.makeRelay, around.print, {}});
+        model = std::make_unique<AppModel>(PaneSurroundings{around.clock,
+                                                            around.main,
+                                                            around.preferences,
+                                                            *stored,
+                                                            around.session,
+                                                            around.ids,
+                                                            around.makeRelay,
+                                                            around.print,
+                                                            {}});
         watch();
         return *model;
     }

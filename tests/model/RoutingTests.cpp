@@ -100,8 +100,9 @@ TEST_F(Routing, UnusableTradesLeaveNoTrace) {
     snapshot("futures:NQM6", flatBars(minute, 1));
     takeLog();
     const auto before = documentWithoutLog();
-    for (const char* payload : {R"({"price":"nan"})", R"({"price":"-inf"})", R"({"price":null})", R"({"price":"1,5"})", "{}",
-                                R"({"price":[1]})", "null", "[]", "5", R"({"Price":5})", R"({"price":"nan","ts":"inf"})"})
+    for (const char* payload :
+         {R"({"price":"nan"})", R"({"price":"-inf"})", R"({"price":null})", R"({"price":"1,5"})", "{}",
+          R"({"price":[1]})", "null", "[]", "5", R"({"Price":5})", R"({"price":"nan","ts":"inf"})"})
         event("futures:NQM6:trades", payload);
     EXPECT_EQ(documentWithoutLog(), before);
     EXPECT_THAT(takeLog(), IsEmpty());
@@ -115,7 +116,8 @@ TEST_F(RoutingDeathTest, ATimeThatNoIntegerHoldsEndsTheProcess) {
     snapshot("futures:NQM6", flatBars(minute, 1));
     for (const char* ts : {R"("nan")", R"("inf")", "1e300", "-1e300"})
         EXPECT_DEATH(event("futures:NQM6:trades", R"({"price":5,"ts":)" + std::string(ts) + "}"),
-                     "velmora: fatal: the time of a trade does not fit") << ts;
+                     "velmora: fatal: the time of a trade does not fit")
+            << ts;
     EXPECT_DEATH(model->applySecondaryTrade(5, std::nan("")), "velmora: fatal");
 }
 

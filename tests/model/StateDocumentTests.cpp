@@ -11,7 +11,7 @@ namespace vmr::test {
 namespace {
 
 class StateDocument : public PaneFixture {
-  protected:
+ protected:
     Json read(const std::vector<const AppModel*>& panes) {
         auto document = Json::parse(stateDocument(time, panes));
         EXPECT_TRUE(document);
@@ -29,14 +29,49 @@ TEST_F(StateDocument, HoldsEveryPaneAndTheClock) {
     ASSERT_EQ(document["panes"].size(), 2u);
     EXPECT_EQ(read({})["panes"].text(), "[]");
     const JsonView pane = first(document);
-    for (const char* key :
-         {"status", "connected", "isSignedIn", "signingIn", "userEmail", "authError", "connLimited", "marketClosedNotice",
-          "toast", "chartChannel", "levelsChannel", "currentSymbol", "sessionHHMM", "simRoot", "timeframe", "priceRising",
-          "chartVersion", "subscribedChans", "vixBaseChannel", "vixChannel", "srChannel", "bubblesChannel",
-          "trianglesChannel", "oscChannel", "hfHistoryChannel", "secondSymbol", "secondaryContract", "secondaryChannel",
-          "secondaryGexChannel", "oscPrimaryLabel", "oscSingle", "hfScale", "catFutures", "catStocks", "contractOverrides",
-          "candles", "displayCandles", "secondaryCandles", "vixCandles", "derivedFields", "secondaryGexFields", "config",
-          "logLines"})
+    for (const char* key : {"status",
+                            "connected",
+                            "isSignedIn",
+                            "signingIn",
+                            "userEmail",
+                            "authError",
+                            "connLimited",
+                            "marketClosedNotice",
+                            "toast",
+                            "chartChannel",
+                            "levelsChannel",
+                            "currentSymbol",
+                            "sessionHHMM",
+                            "simRoot",
+                            "timeframe",
+                            "priceRising",
+                            "chartVersion",
+                            "subscribedChans",
+                            "vixBaseChannel",
+                            "vixChannel",
+                            "srChannel",
+                            "bubblesChannel",
+                            "trianglesChannel",
+                            "oscChannel",
+                            "hfHistoryChannel",
+                            "secondSymbol",
+                            "secondaryContract",
+                            "secondaryChannel",
+                            "secondaryGexChannel",
+                            "oscPrimaryLabel",
+                            "oscSingle",
+                            "hfScale",
+                            "catFutures",
+                            "catStocks",
+                            "contractOverrides",
+                            "candles",
+                            "displayCandles",
+                            "secondaryCandles",
+                            "vixCandles",
+                            "derivedFields",
+                            "secondaryGexFields",
+                            "config",
+                            "logLines"})
         EXPECT_NE(pane[key].kind(), JsonView::Kind::missing) << key;
     EXPECT_EQ(pane["authError"].kind(), JsonView::Kind::null);
     EXPECT_EQ(pane["toast"].kind(), JsonView::Kind::null);
@@ -82,8 +117,9 @@ TEST_F(StateDocument, RecordsAreObjectsAndOddTextDoesNotBreakIt) {
     model->append("quote \" and \xff and \n");
     const Json document = read({model.get()});
     const JsonView pane = first(document);
-    EXPECT_EQ(pane["catFutures"].text(),
-              R"([{"sym":"NQ","sources":["QQQ"],"defaultSource":"QQQ","pair":null,"tick":null,"tickValue":5.0,"hfScale":1.0}])");
+    EXPECT_EQ(
+        pane["catFutures"].text(),
+        R"([{"sym":"NQ","sources":["QQQ"],"defaultSource":"QQQ","pair":null,"tick":null,"tickValue":5.0,"hfScale":1.0}])");
     EXPECT_EQ(pane["contractOverrides"].text(), R"({"GC":"GCZ6"})");
     EXPECT_EQ(pane["derivedFields"].text(), R"(["a","b"])");
     EXPECT_EQ(pane["toast"].text(), R"({"title":"title","detail":null})");

@@ -17,7 +17,7 @@ namespace vmr::test {
 
 /// Starts on Wednesday 2026-06-10 at 10:00 New York, a whole minute in open market, unless told otherwise.
 class TestPane {
-  public:
+ public:
     static constexpr double wednesdayAt10 = 1781100000;
 
     explicit TestPane(double start = wednesdayAt10, double speed = 1) : time(start, speed) {
@@ -38,15 +38,23 @@ class TestPane {
     HttpResponse grant() {
         const std::string n = std::to_string(++tokens);
         return {200,
-                R"({"idToken":"id)" + n + R"(","refreshToken":"refresh","expiresIn":"3600","localId":"uid","id_token":"id)" +
-                    n + R"(","refresh_token":"refresh","expires_in":"3600"})",
+                R"({"idToken":"id)" + n +
+                    R"(","refreshToken":"refresh","expiresIn":"3600","localId":"uid","id_token":"id)" + n +
+                    R"(","refresh_token":"refresh","expires_in":"3600"})",
                 std::nullopt};
     }
 
     PaneSurroundings surroundings() {
-        return {time, main, preferences, auth, session, ids,
-                [this] { return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time); },
-                [this](const std::string& line) { printed.push_back(line); }, {}};
+        return {
+            time,
+            main,
+            preferences,
+            auth,
+            session,
+            ids,
+            [this] { return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time); },
+            [this](const std::string& line) { printed.push_back(line); },
+            {}};
     }
     AppModel& make() {
         model = std::make_unique<AppModel>(surroundings());
@@ -127,8 +135,8 @@ inline std::string flatBars(std::int64_t start, int count, double price = 100) {
     std::string out = "[";
     for (int i = 0; i < count; ++i) {
         const std::string p = std::to_string(price);
-        out += std::string(i ? "," : "") + R"({"time":)" + std::to_string(start + i * 60) + R"(,"o":)" + p + R"(,"h":)" + p +
-               R"(,"l":)" + p + R"(,"c":)" + p + R"(,"v":1})";
+        out += std::string(i ? "," : "") + R"({"time":)" + std::to_string(start + i * 60) + R"(,"o":)" + p +
+               R"(,"h":)" + p + R"(,"l":)" + p + R"(,"c":)" + p + R"(,"v":1})";
     }
     return out + "]";
 }

@@ -84,17 +84,27 @@ TEST(GexConfig, AMistypedFieldGetsItsDefaultAndNoOther) {
             const std::string neighbour = key == "vixScale" ? "" : ",\"vixScale\":0.5";
             EXPECT_EQ(read("{" + quoted + neighbour + ",\"unknown\":{}}"), expected) << quoted;
             GexConfig untouched;
-            EXPECT_THAT(untouched.set(key, wrong).value_or(""), testing::StartsWith("wrong type for " + std::string(key)));
+            EXPECT_THAT(untouched.set(key, wrong).value_or(""),
+                        testing::StartsWith("wrong type for " + std::string(key)));
             EXPECT_EQ(untouched, GexConfig());
         }
     }
 }
 
 TEST(GexConfig, LimitsFourFieldsAndNoOthers) {
-    const std::pair<const char*, std::int64_t> counts[] = {{"150", 200}, {"135", 200}, {"10", 30},   {"30", 30},
-                                                           {"5000", 1000}, {"1000", 1000}, {"-1", 30}, {"136", 136},
-                                                           {"200.0", 200}, {"31.5", 200}, {"9223372036854775807", 1000},
-                                                           {"9223372036854775808", 200}, {"1e300", 200}};
+    const std::pair<const char*, std::int64_t> counts[] = {{"150", 200},
+                                                           {"135", 200},
+                                                           {"10", 30},
+                                                           {"30", 30},
+                                                           {"5000", 1000},
+                                                           {"1000", 1000},
+                                                           {"-1", 30},
+                                                           {"136", 136},
+                                                           {"200.0", 200},
+                                                           {"31.5", 200},
+                                                           {"9223372036854775807", 1000},
+                                                           {"9223372036854775808", 200},
+                                                           {"1e300", 200}};
     for (const auto& [stored, value] : counts)
         EXPECT_EQ(read("{\"initialCandles\":" + std::string(stored) + "}").initialCandles, value) << stored;
     const struct {
@@ -124,7 +134,8 @@ TEST(GexConfig, LimitsFourFieldsAndNoOthers) {
 }
 
 TEST(GexConfig, RefusesWhatIsNoObjectAndTellsWhatCannotBeSet) {
-    for (const char* text : {"", "[]", "null", "5", "{", "{\"a\":1,}", "\xff"}) EXPECT_FALSE(GexConfig::fromJson(text)) << text;
+    for (const char* text : {"", "[]", "null", "5", "{", "{\"a\":1,}", "\xff"})
+        EXPECT_FALSE(GexConfig::fromJson(text)) << text;
     GexConfig config;
     EXPECT_EQ(config.set("vixscale", "1"), "there is no setting vixscale");
     EXPECT_EQ(config.set("vixScale", "1,5"), "the value is not JSON: 1,5");
@@ -134,9 +145,9 @@ TEST(GexConfig, RefusesWhatIsNoObjectAndTellsWhatCannotBeSet) {
 
 TEST(GexConfig, HfScaleIsTheUsersThenTheBuiltInThenOne) {
     GexConfig config;
-    const std::pair<const char*, double> builtIn[] = {{"NQ", 5}, {"ES", 0.5}, {"RTY", 1}, {"YM", 1}, {"GC", 50}, {"CL", 1},
-                                                      {"AAPL", 0.2}, {"NVDA", 0.1}, {"MSFT", 1}, {"GOOGL", 1},
-                                                      {"AMZN", 0.2}, {"META", 0.5}, {"TSLA", 0.4}, {"SI", 1}, {"", 1}};
+    const std::pair<const char*, double> builtIn[] = {
+        {"NQ", 5},   {"ES", 0.5},  {"RTY", 1},    {"YM", 1},     {"GC", 50},    {"CL", 1}, {"AAPL", 0.2}, {"NVDA", 0.1},
+        {"MSFT", 1}, {"GOOGL", 1}, {"AMZN", 0.2}, {"META", 0.5}, {"TSLA", 0.4}, {"SI", 1}, {"", 1}};
     for (const auto& [symbol, scale] : builtIn) EXPECT_EQ(config.hfScaleFor(symbol), scale) << symbol;
     config.hfScaleBySymbol["NQ"] = 7;
     EXPECT_EQ(config.hfScaleFor("NQ"), 7);
@@ -165,9 +176,10 @@ TEST(ConfigIO, LoadsWhatWasSavedAndWritesNothingItself) {
 
 TEST(HexColor, ReadsSixDigitsOrWhite) {
     const Rgb orange{1, 122 / 255.0, 0};
-    for (const char* text : {" #FF7A00 ", "ff7a00", "\tFf7a00", "#ff7A00\t "}) EXPECT_EQ(HexColor::rgb(text), orange) << text;
-    for (const char* text : {"", "#", "fff", "#fff", "ff7a0g", "zzzzzz", "##ff7a0", "#ff7a000", "0xff7a", "-f7a00", "+f7a00",
-                             "ff 7a0", "\nff7a00", "ff7a00\n", "# ff7a0"})
+    for (const char* text : {" #FF7A00 ", "ff7a00", "\tFf7a00", "#ff7A00\t "})
+        EXPECT_EQ(HexColor::rgb(text), orange) << text;
+    for (const char* text : {"", "#", "fff", "#fff", "ff7a0g", "zzzzzz", "##ff7a0", "#ff7a000", "0xff7a", "-f7a00",
+                             "+f7a00", "ff 7a0", "\nff7a00", "ff7a00\n", "# ff7a0"})
         EXPECT_EQ(HexColor::rgb(text), (Rgb{1, 1, 1})) << text;
     EXPECT_EQ(HexColor::rgb("000000"), (Rgb{0, 0, 0}));
 }

@@ -5,7 +5,9 @@
 namespace vmr::test {
 
 void TestQueue::post(Task task) { time_.add(this, 0, 0, std::move(task)); }
-SerialQueue::TimerId TestQueue::after(double seconds, Task task) { return time_.add(this, seconds, 0, std::move(task)); }
+SerialQueue::TimerId TestQueue::after(double seconds, Task task) {
+    return time_.add(this, seconds, 0, std::move(task));
+}
 SerialQueue::TimerId TestQueue::every(double first, double period, Task task) {
     return time_.add(this, first, period, std::move(task));
 }

@@ -17,7 +17,7 @@ class TestTime;
 
 /// A queue in virtual time. Tasks of all queues of one `TestTime` run in one order: by time, then by posting.
 class TestQueue final : public SerialQueue {
-  public:
+ public:
     explicit TestQueue(TestTime& time) : time_(time) {}
     void post(Task task) override;
     TimerId after(double seconds, Task task) override;
@@ -25,14 +25,14 @@ class TestQueue final : public SerialQueue {
     void cancel(TimerId timer) override;
     bool isCurrent() const override;
 
-  private:
+ private:
     friend class TestTime;
     TestTime& time_;
 };
 
 /// The clock of the test. Market time runs at `speed` from `start`.
 class TestTime final : public Clock {
-  public:
+ public:
     explicit TestTime(double start = 1781100000.0, double speed = 1.0) : start_(start), speed_(speed) {}
 
     double now() const override { return start_ + monotonic_ * speed_; }
@@ -48,7 +48,7 @@ class TestTime final : public Clock {
     /// Jumps market time without running anything.
     void setNow(double now) { start_ = now - monotonic_ * speed_; }
 
-  private:
+ private:
     friend class TestQueue;
     static constexpr double monotonicBase = 1000.0;
     struct Entry {
