@@ -34,16 +34,18 @@ function(vmr_library name)
   target_link_libraries(${name} PUBLIC vmr_options ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
 endfunction()
 
-# vmr_test(NAME SOURCES a.cpp ... LIBS libs... [TIMEOUT s]): a GoogleTest program whose cases CTest lists one by one.
+# vmr_test(NAME SOURCES a.cpp ... LIBS libs... [TIMEOUT s] [SERIAL]): a GoogleTest program whose cases CTest lists one
+# by one; SERIAL ones run with no other test beside them, for those that measure real time.
 function(vmr_test name)
-  cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(arg "SERIAL" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} vmr_options vmr_test_support GTest::gmock GTest::gtest_main)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT})
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT}
+    RUN_SERIAL ${arg_SERIAL})
 endfunction()
 
 # vmr_bench(NAME SOURCES a.cpp ... LIBS libs...): a Google Benchmark program.

@@ -48,6 +48,10 @@ class Session {
     explicit Session(const Options& options) : start_(options) {
         EXPECT_FALSE(start_.failure()) << start_.failure().value_or("");
         program_ = std::make_unique<Program>(start_, loop_);
+        // the pane's own log forgets: the trades of a chart that was left fill it within a second at this speed
+        heard_ = pane().logChanged.connect([this] {
+            if (!pane().logLines.empty()) story_.push_back(pane().logLines.back().text);
+        });
         program_->signInToPractice();
     }
     ~Session() { program_.reset(); }
@@ -86,6 +90,16 @@ class Session {
         return out;
     }
 
+    // The same after giving a busy machine time: a closed bar comes a moment after its minute.
+    std::vector<std::string> lastingDifferences() {
+        auto found = differences();
+        for (int tries = 0; tries < 6 && !found.empty(); ++tries) {
+            runUntil([] { return false; }, 0.5);
+            found = differences();
+        }
+        return found;
+    }
+
     // Live on the contract that the relay calls the front one.
     bool streaming() {
         const auto& map = pane().contractOverrides.get();
@@ -101,18 +115,20 @@ class Session {
     // Snapshots of the chart's bars so far.
     std::ptrdiff_t snapshots() { return snapshots(pane().chartChannel) + snapshots(pane().chartChannel.get() + ":1m"); }
     std::ptrdiff_t snapshots(const std::string& channel) {
-        return std::count_if(pane().logLines.begin(), pane().logLines.end(),
-                             [&](const LogLine& line) { return line.text.starts_with(channel + " [snapshot]"); });
+        return std::count_if(story_.begin(), story_.end(),
+                             [&](const std::string& line) { return line.starts_with(channel + " [snapshot]"); });
     }
     bool logHas(const std::string& part) {
-        return std::any_of(pane().logLines.begin(), pane().logLines.end(),
-                           [&](const LogLine& line) { return line.text.find(part) != std::string::npos; });
+        return std::any_of(story_.begin(), story_.end(),
+                           [&](const std::string& line) { return line.find(part) != std::string::npos; });
     }
 
  private:
     AsioLoop loop_;
     ProgramStart start_;
     std::unique_ptr<Program> program_;
+    std::vector<std::string> story_;  // every line that the pane logged
+    Connection heard_;
 };
 
 TEST(PracticeSession, BarsEqualTheRelaysLedgerAndTheSeedMakesTheMarket) {
@@ -122,7 +138,7 @@ TEST(PracticeSession, BarsEqualTheRelaysLedgerAndTheSeedMakesTheMarket) {
     for (const char* line : {"connecting…", "socket opened, awaiting hello…", "hello: ", "→ chart: futures:"})
         EXPECT_TRUE(session.logHas(line)) << line;
     ASSERT_TRUE(session.runMinutes(4));
-    EXPECT_EQ(session.differences(), std::vector<std::string>());
+    EXPECT_EQ(session.lastingDifferences(), std::vector<std::string>());
     EXPECT_GT(session.pane().candles.size(), 3000u);
     EXPECT_FALSE(session.pane().secondaryCandles.empty());
     EXPECT_FALSE(session.pane().vixCandles.empty());
@@ -148,7 +164,7 @@ TEST(PracticeSession, LosesNoBarOverDropsRefusalsAndStaleTokens) {
             ASSERT_TRUE(session.runUntil([&] { return session.streaming() && session.snapshots() >= before + 2; }));
         }
         ASSERT_TRUE(session.runMinutes(3));
-        EXPECT_EQ(session.differences(), std::vector<std::string>());
+        EXPECT_EQ(session.lastingDifferences(), std::vector<std::string>());
     }
     EXPECT_TRUE(session.logHas("→ reconnected — subscriptions re-flushed, snapshots merge in place"));
     EXPECT_TRUE(session.logHas("socket closed (code 4006)"));
@@ -240,7 +256,7 @@ TEST(PracticeSession, PlaysATapeAtItsOwnTimes) {
     ASSERT_TRUE(session.runMinutes(6));
     const auto& bars = session.pane().candles;
     ASSERT_GT(bars.size(), 30u);
-    for (std::size_t i = 0; i + 2 < bars.size(); ++i) {
+    for (std::size_t i = 0; i + 4 < bars.size(); ++i) {
         const auto found = truth.find(bars[i].time);
         ASSERT_NE(found, truth.end()) << bars[i].time;
         EXPECT_EQ(bars[i], found->second) << i;
