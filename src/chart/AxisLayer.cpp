@@ -77,7 +77,7 @@ bool AxisLayer::drawAbove(ScreenFrame& frame) {
         addPriceLabels(frame, box);
         addTimeLabels(frame);
         if (box.shown) {
-            addPrice(frame, frame.lastPrice, FontFace::semibold, (box.top + box.bottom) * 0.5, tagTextColor);
+            addPrice(frame, frame.candles.back().close, FontFace::semibold, (box.top + box.bottom) * 0.5, tagTextColor);
         }
         if (!text_.stale()) break;
     }
