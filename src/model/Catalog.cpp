@@ -80,8 +80,9 @@ void AppModel::applyCatalog(JsonView catalog) {
         stocks.emplace_back(sym);
         if (const auto scale = coerce::dbl(entry["hfScale"])) overrides[std::string(sym)] = *scale;
     }
-    if (!futures.empty()) catFutures = std::move(futures);
     if (!stocks.empty()) catStocks = std::move(stocks);
+    if (futures.empty()) return;
+    catFutures = std::move(futures);
     simUpdateSpecs();
 }
 

@@ -9,18 +9,14 @@
 #include "market/LevelsParser.h"
 #include "market/MinuteChannel.h"
 #include "market/StrikesParser.h"
+#include "tests/market/ParsedJson.h"
 
 namespace vmr {
 namespace {
 
+using test::json;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-Json json(const std::string& text) {
-    const auto value = Json::parse(text);
-    EXPECT_TRUE(value) << text;
-    return value.value_or(Json());
-}
 
 DerivedFields fieldsOf(const std::string& text) {
     DerivedFields fields;

@@ -3,18 +3,14 @@
 
 #include "market/OscParser.h"
 #include "market/SRLevelsParser.h"
+#include "tests/market/ParsedJson.h"
 
 namespace vmr {
 namespace {
 
+using test::json;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-Json json(const std::string& text) {
-    const auto value = Json::parse(text);
-    EXPECT_TRUE(value) << text;
-    return value.value_or(Json());
-}
 
 TEST(OscParser, MergesNameByName) {
     OscByMin minutes;
