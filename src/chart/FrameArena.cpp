@@ -23,19 +23,29 @@ void FrameArena::beginFrame() {
     arenaOffset_ = 0;
 }
 
-std::optional<DynUpload> FrameArena::copy(std::span<const std::byte> bytes, std::size_t count) {
-    if (bytes.empty()) return std::nullopt;
+std::byte* FrameArena::makeRoom(std::size_t bytes) {
     Arena& arena = arenas_[arenaIdx_];
     const std::size_t offset = (arenaOffset_ + 255) & ~std::size_t{255};
-    const std::size_t need = offset + bytes.size();
+    const std::size_t need = offset + bytes;
     if (arena.bytes.size() < need) {
         if (arena.buffer != 0) retired_.push_back(arena.buffer);
         arena.buffer = gpu_.makeArena(std::max<std::size_t>(need * 2, 65536));
         arena.bytes = gpu_.arenaBytes(arena.buffer);
     }
-    std::memcpy(arena.bytes.data() + offset, bytes.data(), bytes.size());
-    arenaOffset_ = need;
-    return DynUpload{arena.buffer, offset, count};
+    return arena.bytes.data() + offset;
+}
+
+std::optional<DynUpload> FrameArena::keep(std::size_t bytes, std::size_t count) {
+    if (bytes == 0) return std::nullopt;
+    const std::size_t offset = (arenaOffset_ + 255) & ~std::size_t{255};
+    arenaOffset_ = offset + bytes;
+    return DynUpload{arenas_[arenaIdx_].buffer, offset, count};
+}
+
+std::optional<DynUpload> FrameArena::copy(std::span<const std::byte> bytes, std::size_t count) {
+    if (bytes.empty()) return std::nullopt;
+    std::memcpy(makeRoom(bytes.size()), bytes.data(), bytes.size());
+    return keep(bytes.size(), count);
 }
 
 }  // namespace vmr

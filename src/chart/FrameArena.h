@@ -41,12 +41,27 @@ class FrameArena {
         return copy(std::as_bytes(list), list.size());
     }
 
+    /// Room for up to `most` vertices, to be written in place and then kept by `commit`. Only the newest room may be
+    /// written, and only until the next call.
+    template <class Vertex>
+    std::span<Vertex> reserve(std::size_t most) {
+        std::byte* room = makeRoom(most * sizeof(Vertex));
+        return {reinterpret_cast<Vertex*>(room), most};
+    }
+    /// Keeps the first `count` vertices of the newest room. Nothing for 0, and then nothing of the arena is used.
+    template <class Vertex>
+    std::optional<DynUpload> commit(std::size_t count) {
+        return keep(count * sizeof(Vertex), count);
+    }
+
  private:
     struct Arena {
         GpuBuffer buffer = 0;
         std::span<std::byte> bytes;
     };
     std::optional<DynUpload> copy(std::span<const std::byte> bytes, std::size_t count);
+    std::byte* makeRoom(std::size_t bytes);
+    std::optional<DynUpload> keep(std::size_t bytes, std::size_t count);
 
     void releaseRetired();
 

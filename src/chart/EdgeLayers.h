@@ -1,0 +1,55 @@
+// The per-strike picture at the edges of the chart: GEX, DEX and second-source bars, flow and open-interest waves.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "chart/BarLabel.h"
+#include "chart/FrameArena.h"
+#include "chart/RenderConfig.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// What the edge layers of a frame are made of.
+struct EdgeInput {
+    std::span<const StrikeRow> strikes;
+    double etfRatio = 1;               ///< strike to chart price; at or below 0 or not finite: nothing is drawn
+    std::optional<double> flipStrike;  ///< in strike units
+    std::span<const StrikeRow> secStrikes;
+    double secRatio = 1;
+    const RenderConfig& config;
+    double viewW = 0, viewH = 0;     ///< points
+    double yScale = 1, yOffset = 0;  ///< price to clip space
+    bool snapLerps = false;          ///< the camera moved in this frame: places jump, so that nothing trails behind
+    double alphaX = 1, alphaY = 1;   ///< shares of the way that this frame eases
+};
+
+/// What the edge layers of a frame came to, all in clip space, drawn with identity uniforms, in this order.
+struct EdgeFrame {
+    std::optional<DynUpload> waveFill, edgeTris, waveStroke;
+    bool animating = false;  ///< a place or width has not arrived yet
+};
+
+/// Keeps what is shown of each strike and eases it in pixels. Main thread.
+class EdgeLayers {
+ public:
+    EdgeLayers();
+    ~EdgeLayers();
+    EdgeLayers(const EdgeLayers&) = delete;
+    EdgeLayers& operator=(const EdgeLayers&) = delete;
+
+    /// One step, written into `arena`. No allocation once its memory has grown.
+    EdgeFrame step(const EdgeInput& input, FrameArena& arena);
+
+    /// The labels of the last step; valid until the next.
+    std::span<const BarLabel> labels() const;
+
+ private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace vmr
