@@ -6,7 +6,6 @@
 #include <span>
 #include <vector>
 
-#include "chart/BarLabel.h"
 #include "chart/FrameArena.h"
 #include "chart/RenderConfig.h"
 #include "market/Records.h"
