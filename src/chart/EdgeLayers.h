@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <vector>
+#include <string>
 
 #include "chart/FrameArena.h"
 #include "chart/RenderConfig.h"
@@ -32,6 +32,8 @@ struct EdgeFrame {
     bool animating = false;  ///< a place or width has not arrived yet
 };
 
+struct EdgeDisplays;
+
 /// Keeps what is shown of each strike and eases it in pixels. Main thread.
 class EdgeLayers {
  public:
@@ -45,6 +47,12 @@ class EdgeLayers {
 
     /// The labels of the last step; valid until the next.
     std::span<const BarLabel> labels() const;
+
+    /// What is shown of each strike; see StrikeDisplay.h.
+    const EdgeDisplays& displays() const;
+
+    /// An amount in short: "-2.5B" and "1.2M" with one decimal, else thousands without, as in "1k" for 999.
+    static std::string fmtFlow(double v);
 
  private:
     struct Impl;

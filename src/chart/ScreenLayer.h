@@ -17,9 +17,10 @@ struct ScreenFrame {
     double height = 0;
     double pixelRatio = 1;
     Viewport viewport;
-    std::span<const Candle> candles;  ///< not empty
-    double lastPrice = 0;             ///< the eased close, where the price line lies
-    bool rising = true;               ///< the forming bar is up
+    std::span<const Candle> candles;           ///< not empty
+    double lastPrice = 0;                      ///< the eased close, where the price line lies
+    bool rising = true;                        ///< the forming bar is up
+    std::span<const BarLabel> barLabels = {};  ///< beside the strike bars; valid for the frame
 };
 
 /// A layer of the renderer's frame, drawn with the very camera that the candles have. It sets pipeline and uniforms of

@@ -1,0 +1,162 @@
+#include "chart/FlowWaves.h"
+
+#include <cmath>
+
+namespace vmr {
+
+namespace {
+
+using WaveEntry = StrikeMap<WaveDisp>::Entry;
+
+constexpr std::size_t pairVertices = 12;
+constexpr std::size_t dotVertices = 24;
+constexpr double strokeHalf = 0.7;  // points
+constexpr double dotRadius = 2.5;   // points
+constexpr double axisFade = 0.1;    // of the fill's alpha, at the axis
+
+/// A point in clip space.
+struct Place {
+    float x, y;
+};
+
+ChartVertex* write(ChartVertex* out, const Place& at, const Rgba& color) {
+    *out = {{at.x, at.y, 0.0F, 1.0F}, color};
+    return out + 1;
+}
+
+bool stepPoints(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed, StrikeMetric metric, double maxHf,
+                const EdgeStage& stage, bool snap) {
+    const double anchor = stage.axisX(), maxW = stage.maxW();
+    bool animating = false;
+    const auto seen = [&](const PlacedRow& row, const WaveDisp* old, WaveDisp& next) {
+        const double value = metric(*row.row);
+        if (!std::isfinite(value)) return false;
+        next = {anchor - maxW * std::min(std::abs(value) / maxHf, 1.0), row.py};
+        if (old != nullptr && !snap) {
+            animating |= ease(next.x, old->x, stage.alphaX);
+            animating |= ease(next.py, old->py, stage.alphaY);
+        }
+        return true;
+    };
+    const auto unseen = [&](WaveDisp& point) {
+        double x = anchor;
+        if (snap || !ease(x, point.x, stage.alphaX)) return false;
+        point.x = x;
+        animating = true;
+        return true;
+    };
+    display.merge(scales(maxHf) ? placed : placed.first(0), seen, unseen);
+    return animating;
+}
+
+/// 1 for a strike whose net is below 0.
+std::size_t signOf(double strike, std::span<const PlacedRow> placed, StrikeMetric net) {
+    if (net == nullptr) return 0;
+    const auto found = std::lower_bound(placed.begin(), placed.end(), strike,
+                                        [](const PlacedRow& row, double s) { return row.strike < s; });
+    return found != placed.end() && found->strike == strike && net(*found->row) < 0 ? 1 : 0;
+}
+
+/// A dot of eight triangles around points; its rim is the same for all of them.
+class DotBrush {
+ public:
+    explicit DotBrush(const EdgeStage& stage) {
+        constexpr double diagonal = 0.70710678118654752440;
+        constexpr double rim[8][2] = {{1, 0},  {diagonal, diagonal},   {0, 1},  {-diagonal, diagonal},
+                                      {-1, 0}, {-diagonal, -diagonal}, {0, -1}, {diagonal, -diagonal}};
+        for (std::size_t k = 0; k < offsets_.size(); ++k) {
+            offsets_[k] = {static_cast<float>(rim[k % 8][0] * 2.0 * dotRadius / stage.viewW),
+                           static_cast<float>(rim[k % 8][1] * 2.0 * dotRadius / stage.viewH)};
+        }
+    }
+    ChartVertex* write(ChartVertex* out, const Place& center, const Rgba& color) const {
+        for (std::size_t k = 0; k < 8; ++k) {
+            out = vmr::write(out, center, color);
+            out = vmr::write(out, {center.x + offsets_[k].x, center.y + offsets_[k].y}, color);
+            out = vmr::write(out, {center.x + offsets_[k + 1].x, center.y + offsets_[k + 1].y}, color);
+        }
+        return out;
+    }
+
+ private:
+    std::array<Place, 9> offsets_{};
+};
+
+/// Writes the quads between two successive points.
+class PairBrush {
+ public:
+    PairBrush(const EdgeStage& stage, const Rgba& fill)
+        : stage_(stage), fill_(fill), anchor_(stage.axisX()), maxW_(stage.maxW()), axisX_(stage.clipX(anchor_)) {}
+
+    ChartVertex* writeFill(ChartVertex* out, const WaveDisp& a, const WaveDisp& b) const {
+        const Rgba axis = faded(axisFade), colorA = faded(fadeAt(a.x)), colorB = faded(fadeAt(b.x));
+        const Place axisA{axisX_, stage_.clipY(a.py)}, axisB{axisX_, stage_.clipY(b.py)};
+        const Place pointA{stage_.clipX(a.x), axisA.y}, pointB{stage_.clipX(b.x), axisB.y};
+        out = write(out, axisA, axis);
+        out = write(out, pointA, colorA);
+        out = write(out, pointB, colorB);
+        out = write(out, axisA, axis);
+        out = write(out, pointB, colorB);
+        return write(out, axisB, axis);
+    }
+
+    ChartVertex* writeStroke(ChartVertex* out, const WaveDisp& a, const WaveDisp& b, const Rgba& color) const {
+        const double dx = b.x - a.x, dy = b.py - a.py;
+        const double length = std::max(std::sqrt(dx * dx + dy * dy), 1e-6);
+        const double nx = -dy / length * strokeHalf, ny = dx / length * strokeHalf;
+        const Place a0{stage_.clipX(a.x + nx), stage_.clipY(a.py + ny)};
+        const Place a1{stage_.clipX(a.x - nx), stage_.clipY(a.py - ny)};
+        const Place b0{stage_.clipX(b.x + nx), stage_.clipY(b.py + ny)};
+        const Place b1{stage_.clipX(b.x - nx), stage_.clipY(b.py - ny)};
+        for (const Place* corner : {&a0, &a1, &b0, &a1, &b1, &b0}) out = write(out, *corner, color);
+        return out;
+    }
+
+ private:
+    double fadeAt(double x) const {
+        const double t = std::clamp((x - (anchor_ - maxW_)) / maxW_, 0.0, 1.0);
+        return std::max(1.2 - t * 1.1, 0.0);
+    }
+    Rgba faded(double share) const { return {fill_[0], fill_[1], fill_[2], fill_[3] * static_cast<float>(share)}; }
+
+    const EdgeStage& stage_;
+    const Rgba fill_;
+    const double anchor_, maxW_;
+    const float axisX_;
+};
+
+}  // namespace
+
+bool steppedWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed, StrikeMetric metric, double maxHf,
+                 const EdgeStage& stage) {
+    return stepPoints(display, placed, metric, maxHf, stage, stage.snapLerps);
+}
+
+bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed, StrikeMetric metric, double maxHf,
+                    const EdgeStage& stage) {
+    return stepPoints(display, placed, metric, maxHf, stage, false);
+}
+
+std::size_t waveVertices(std::size_t points) {
+    return points < 2 ? 0 : (points - 1) * pairVertices + points * dotVertices;
+}
+
+ChartVertex* writeWave(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                       std::span<const PlacedRow> placed, StrikeMetric net, ChartVertex* out) {
+    const std::span<const WaveEntry> points = display.byRow();
+    if (points.size() < 2) return out;
+    const PairBrush pair(stage, look.fill);
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+        const WaveDisp &a = points[i].disp, &b = points[i + 1].disp;
+        out = pair.writeFill(out, a, b);
+        out = pair.writeStroke(out, a, b, look.stroke[signOf(points[i].strike, placed, net)]);
+    }
+    const DotBrush dot(stage);
+    for (const WaveEntry& point : points) {
+        out = dot.write(out, {stage.clipX(point.disp.x), stage.clipY(point.disp.py)},
+                        look.dot[signOf(point.strike, placed, net)]);
+    }
+    return out;
+}
+
+}  // namespace vmr

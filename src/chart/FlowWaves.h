@@ -1,0 +1,35 @@
+// Profiles along the price axis, one point a strike: flow and open interest.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <span>
+
+#include "chart/StrikeDisplay.h"
+
+namespace vmr {
+
+/// The colours of a wave; of strokes and dots, [1] is for points whose net is below 0.
+struct WaveLook {
+    Rgba fill{};
+    std::array<Rgba, 2> stroke{}, dot{};
+};
+
+/// Moves a wave's points on by a frame, on |metric| over `maxHf`. Points of strikes that went away fall back to the
+/// axis. True while something moves.
+bool steppedWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed, StrikeMetric metric, double maxHf,
+                 const EdgeStage& stage);
+
+/// The same, but easing through camera moves too.
+bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed, StrikeMetric metric, double maxHf,
+                    const EdgeStage& stage);
+
+/// Vertices that a wave of so many points takes: none under two points.
+std::size_t waveVertices(std::size_t points);
+
+/// Writes fill, stroke and dots, all as triangles, and returns the place after them. With `net`, a point is painted by
+/// the sign of its row in `placed`; without, or without a row, as 0 and above.
+ChartVertex* writeWave(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                       std::span<const PlacedRow> placed, StrikeMetric net, ChartVertex* out);
+
+}  // namespace vmr
