@@ -165,10 +165,8 @@ void Camera::settleRange(double lo, double hi, double lastClose) {
 }
 
 Uniforms Camera::uniforms(const DataOrigin& origin) const {
-    const double xScale = 2.0 / visibleCount;
-    const double yScale = 1.8 / (yMaxManual - yMinManual);
-    return {static_cast<float>(xScale), static_cast<float>(-1.0 - (firstVisible - origin.bar) * xScale),
-            static_cast<float>(yScale), static_cast<float>(-0.9 - (yMinManual - origin.price) * yScale)};
+    return {static_cast<float>(xScale()), static_cast<float>(-1.0 - (firstVisible - origin.bar) * xScale()),
+            static_cast<float>(yScale()), static_cast<float>(-0.9 - (yMinManual - origin.price) * yScale())};
 }
 
 }  // namespace vmr

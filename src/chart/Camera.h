@@ -59,6 +59,9 @@ class Camera {
     /// before. False, with nothing changed, when no bar is in view. `fatal` on a position that is not finite.
     bool settle(std::span<const Candle> candles);
 
+    double xScale() const { return 2.0 / visibleCount; }               ///< a bar in clip space
+    double yScale() const { return 1.8 / (yMaxManual - yMinManual); }  ///< a point of price in clip space
+    double yOffset() const { return -0.9 - yMinManual * yScale(); }
     /// Data space relative to `origin` to clip space.
     Uniforms uniforms(const DataOrigin& origin) const;
     Viewport viewport() const { return {firstVisible, visibleCount, yMinManual, yMaxManual}; }

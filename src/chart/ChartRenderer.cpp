@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <utility>
 
-#include "chart/CandleGeometry.h"
 #include "market/SessionTime.h"
 
 namespace vmr {
@@ -15,6 +15,7 @@ struct ChartRenderer::Delivery {
     ChartRenderer* owner;
     Post post;
     Viewport viewport;
+    bool viewportDue = false, labelsDue = false;
     bool pending = false;
 
     static std::vector<std::unique_ptr<Delivery>>& orphans() {
@@ -22,18 +23,26 @@ struct ChartRenderer::Delivery {
         return list;
     }
 
+    void send() {
+        if (std::exchange(pending, true)) return;
+        post([this] { run(); });
+    }
+
+    // `pending` stays on meanwhile, so that a handler that ends the renderer leaves the box alone.
     void run() {
-        if (owner == nullptr) {
-            std::erase_if(orphans(), [this](const auto& box) { return box.get() == this; });
-            return;
-        }
+        if (owner && std::exchange(viewportDue, false) && owner->onViewport)
+            owner->onViewport(viewport.first, viewport.count, viewport.minP, viewport.maxP);
+        if (owner && std::exchange(labelsDue, false) && owner->onBarLabels) owner->onBarLabels(owner->lastBarLabels_);
         pending = false;
-        if (owner->onViewport) owner->onViewport(viewport.first, viewport.count, viewport.minP, viewport.maxP);
+        if (!owner)
+            std::erase_if(orphans(), [this](const auto& box) { return box.get() == this; });
+        else if (viewportDue || labelsDue)
+            send();
     }
 };
 
 ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock, Post post)
-    : gpu_(gpu), clock_(clock), delivery_(new Delivery{this, std::move(post), {}}), arena_(gpu) {
+    : gpu_(gpu), clock_(clock), delivery_(new Delivery{this, std::move(post), {}, false, false, false}), arena_(gpu) {
     constexpr float corners[6][2] = {{-1, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, -1}, {1, 1}};
     for (const auto& corner : corners) flatScratch_.push_back({{corner[0], corner[1], 0.0F, 1.0F}, clearColor});
     retain(background_, flatScratch_);
@@ -41,7 +50,7 @@ ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock, Post post)
 
 ChartRenderer::~ChartRenderer() {
     for (const Retained* retained : {&background_, &candleTris_, &candleWicks_, &candleBorders_, &overlayLines_,
-                                     &sessionLines_, &second_, &secondBorders_}) {
+                                     &sessionLines_, &second_, &secondBorders_, &walls_, &markers_}) {
         if (retained->buf != 0) gpu_.release(retained->buf);
     }
     delivery_->owner = nullptr;
@@ -96,14 +105,62 @@ void ChartRenderer::setCandles(std::span<const Candle> candles) {
         camera_.followData(n, dropped, lastChanged);
         if (!lastChanged) return;
     }
-    if (staticChanged) staticDirty_ = true;
+    if (staticChanged) barsMoved();
     needsDisplay();
+}
+
+void ChartRenderer::barsMoved() {
+    const Candle& last = candles_.back();
+    origin_ = {static_cast<double>(candles_.size() - 1), std::isfinite(last.close) ? last.close : 0.0};
+    staticDirty_ = wallsDirty_ = markersDirty_ = true;
 }
 
 void ChartRenderer::setRenderConfig(const RenderConfig& config) {
     if (config == renderCfg_) return;
+    const auto markerLook = [](const RenderConfig& c) {
+        return std::tie(c.bubblesEnabled, c.trianglesEnabled, c.bubbleOpacity, c.triangleOpacity, c.bubblePos,
+                        c.bubbleNeg, c.hfCall, c.hfPut);
+    };
     if (config.candleTheme != renderCfg_.candleTheme) staticDirty_ = true;
+    if (config.wallsEnabled != renderCfg_.wallsEnabled) wallsDirty_ = true;
+    if (markerLook(config) != markerLook(renderCfg_)) markersDirty_ = true;
     renderCfg_ = config;
+    needsDisplay();
+}
+
+void ChartRenderer::setLevels(std::span<const PriceLevel> levels) {
+    if (std::ranges::equal(levels, levels_)) return;
+    levels_.assign(levels.begin(), levels.end());
+    wallsDirty_ = true;
+    needsDisplay();
+}
+
+void ChartRenderer::setStrikes(std::span<const StrikeRow> rows, double etfRatio, std::optional<double> flipStrike) {
+    const double ratio = std::isfinite(etfRatio) && etfRatio > 0 ? etfRatio : etfRatio_;
+    if (ratio == etfRatio_ && flipStrike == flipStrike_ && std::ranges::equal(rows, strikes_)) return;
+    if (ratio != etfRatio_) markersDirty_ = true;
+    strikes_.assign(rows.begin(), rows.end());
+    etfRatio_ = ratio;
+    flipStrike_ = flipStrike;
+    needsDisplay();
+}
+
+void ChartRenderer::setSecStrikes(std::span<const StrikeRow> rows, double ratio) {
+    const double usable = std::isfinite(ratio) && ratio != 0 ? ratio : secRatio_;
+    if (usable == secRatio_ && std::ranges::equal(rows, secStrikes_)) return;
+    secStrikes_.assign(rows.begin(), rows.end());
+    secRatio_ = usable;
+    needsDisplay();
+}
+
+void ChartRenderer::setBubbles(std::span<const BubblePt> bubbles, std::span<const TrianglePt> triangles) {
+    const auto same = [](const auto& fresh, const auto& held) {
+        return fresh.size() == held.size() && (fresh.empty() || fresh.back() == held.back());
+    };
+    if (same(bubbles, bubblePts_) && same(triangles, trianglePts_)) return;
+    bubblePts_.assign(bubbles.begin(), bubbles.end());
+    trianglePts_.assign(triangles.begin(), triangles.end());
+    markersDirty_ = true;
     needsDisplay();
 }
 
@@ -169,10 +226,20 @@ std::size_t ChartRenderer::currentSessionStartIndex() const {
 
 void ChartRenderer::publishViewport() {
     if (!camera_.snapLerps || !onViewport) return;
-    Delivery* box = delivery_.get();
-    box->viewport = camera_.viewport();
-    if (std::exchange(box->pending, true)) return;
-    box->post([box] { box->run(); });
+    delivery_->viewport = camera_.viewport();
+    delivery_->viewportDue = true;
+    delivery_->send();
+}
+
+void ChartRenderer::publishBarLabels(bool animating) {
+    constexpr double leastApart = 1.0 / 120.0;  // seconds, while something moves
+    const std::span<const BarLabel> labels = edges_.labels();
+    if (!onBarLabels || std::ranges::equal(labels, lastBarLabels_)) return;
+    if (animating && !(lastAnimTime_ - lastLabelPublish_ > leastApart)) return;
+    lastLabelPublish_ = lastAnimTime_;
+    lastBarLabels_.assign(labels.begin(), labels.end());
+    delivery_->labelsDue = true;
+    delivery_->send();
 }
 
 }  // namespace vmr

@@ -12,6 +12,7 @@
 
 #include "base/Clock.h"
 #include "chart/Camera.h"
+#include "chart/EdgeLayers.h"
 #include "chart/FrameArena.h"
 #include "chart/Gpu.h"
 #include "chart/OverlayLists.h"
@@ -25,8 +26,9 @@ namespace vmr {
 /// The renderer of a pane. Main thread only, frames included.
 ///
 /// Geometry in data space (x = bar, y = price) is built once and moved by uniforms alone, so a pan or zoom rebuilds
-/// nothing; only the forming bar and the price line are made anew in each frame. Vertices are stored relative to an
-/// origin near the last bar, which the uniforms fold back in (see `DataOrigin`).
+/// nothing; only the forming bar, the price line and the strike bars and waves at the edges are made anew in each
+/// frame. Vertices are stored relative to an origin near the last bar, which the uniforms fold back in (see
+/// `DataOrigin`).
 ///
 /// The host draws on demand: `onNeedsDisplay` asks for a frame, and `drawFrame` tells whether one more is needed.
 /// Arenas go round in three, so the host must never read a frame's arena more than two frames later.
@@ -55,6 +57,10 @@ class ChartRenderer {
     /// The camera of a frame in which it moved; posted, at most once a turn, with the newest values.
     std::function<void(double first, double count, double minP, double maxP)> onViewport;
 
+    /// The labels beside the strike bars when they are not what they were; posted, at most 120 times a second while
+    /// something moves. Draw no frame from within.
+    std::function<void(const std::vector<BarLabel>&)> onBarLabels;
+
     /// Called when `setInteracting` goes from true to false.
     std::function<void()> onInteractionEnd;
 
@@ -62,6 +68,16 @@ class ChartRenderer {
     /// the next bar comes. Bars that went away at the front slide out without moving the picture.
     void setCandles(std::span<const Candle> candles);
     void setRenderConfig(const RenderConfig& config);
+
+    // What is drawn with the bars; copied, and without effect when nothing differs.
+    void setLevels(std::span<const PriceLevel> levels);  ///< walls, from the session's start to the right end
+    /// The strike rows, the factor from strike to chart price (kept when it is not finite or not above 0) and the
+    /// strike where gamma flips.
+    void setStrikes(std::span<const StrikeRow> rows, double etfRatio, std::optional<double> flipStrike);
+    /// The second source's; a ratio that is 0 or not finite keeps the old one.
+    void setSecStrikes(std::span<const StrikeRow> rows, double ratio);
+    /// The markers, ascending by minute. Compares counts and last elements only.
+    void setBubbles(std::span<const BubblePt> bubbles, std::span<const TrianglePt> triangles);
 
     /// The overlay ribbons and the paired instrument's candles; replaces what was there. Copied to the GPU.
     void setOverlayGeometry(const OverlayLists& lists);
@@ -114,6 +130,7 @@ class ChartRenderer {
     /// What a frame makes anew.
     struct Geometry {
         std::optional<DynUpload> priceLine, formingTris, formingBorder, formingWicks;
+        std::optional<DynUpload> edgeTris, waveFill, waveStroke;
         Uniforms candleUniforms;
         bool animating = false;
     };
@@ -122,19 +139,39 @@ class ChartRenderer {
     void needsDisplay();
     void noteInput();
     void stepTime(double now);
+    void barsMoved();
+
+    // What is kept (ChartRetained.cpp)
+    void rebuildRetained();
     void rebuildCandleGeometry();
+    void rebuildWallGeometry();
+    void rebuildMarkers();
+    void retain(Retained& retained, std::span<const std::byte> bytes, std::size_t count);
     template <class Vertex>
-    void retain(Retained& retained, const std::vector<Vertex>& list);
+    void retain(Retained& retained, const std::vector<Vertex>& list) {
+        retain(retained, std::as_bytes(std::span(list)), list.size());
+    }
+
+    // What a frame makes anew (ChartFrame.cpp)
     bool buildGeometry(double viewW, double viewH, Geometry& geometry);
     void buildFormingCandle(double viewH, Geometry& geometry);
     void buildPriceLine(double viewW, Geometry& geometry);
+    void buildEdges(double viewW, double viewH, Geometry& geometry);
     bool easeClose();
     bool drawChart(double width, double height, double pixelRatio);
+
+    // The layers in their order (ChartLayers.cpp)
     void encodeLayers(const Geometry& geometry, double width, double height);
+    void encodeMarkers(const Uniforms& camera, double width, double height);
+    void encodeEdges(const Geometry& geometry);
     void encodeOverlays(double width, double height);
     void drawDyn(Primitive primitive, const std::optional<DynUpload>& list);
-    void drawRetained(const Retained& retained);
+    void drawRetained(const Retained& retained, Primitive primitive = Primitive::triangles);
+    void setFlat(const Uniforms& uniforms);
+    void setWithView(Pipeline pipeline, const LineUniforms& uniforms);
+
     void publishViewport();
+    void publishBarLabels(bool animating);
 
     Gpu& gpu_;
     const Clock& clock_;
@@ -142,23 +179,33 @@ class ChartRenderer {
     FrameArena arena_;
     std::vector<ScreenLayer*> screenLayers_;
     std::vector<Candle> candles_;
+    std::vector<PriceLevel> levels_;
+    std::vector<StrikeRow> strikes_, secStrikes_;
+    double etfRatio_ = 1, secRatio_ = 1;
+    std::optional<double> flipStrike_;
+    std::vector<BubblePt> bubblePts_;
+    std::vector<TrianglePt> trianglePts_;
     RenderConfig renderCfg_;
     Camera camera_;
-    DataOrigin origin_;  ///< of the retained and of the frame's own geometry
-    Retained background_, candleTris_, candleWicks_, candleBorders_;
+    EdgeLayers edges_;
+    DataOrigin origin_;  ///< of all data-space geometry but the overlays'; moves only when all of it is rebuilt
+    Retained background_, candleTris_, candleWicks_, candleBorders_, walls_, markers_;
     Retained overlayLines_, sessionLines_, second_, secondBorders_;
     std::uint64_t sessionRevision_ = 0;
     DataOrigin overlayOrigin_;  ///< of the four above
-    bool staticDirty_ = true;
+    bool staticDirty_ = true, wallsDirty_ = true, markersDirty_ = true;
     bool interacting_ = false;
     double dispClose_ = std::numeric_limits<double>::quiet_NaN();
     double dispHigh_ = std::numeric_limits<double>::quiet_NaN();
     double dispLow_ = std::numeric_limits<double>::quiet_NaN();
     double alphaX_ = lerpX, alphaY_ = lerpY, alphaClose_ = candleLerp;
     double lastAnimTime_ = 0;
+    double lastLabelPublish_ = -std::numeric_limits<double>::infinity();  ///< monotonic
+    std::vector<BarLabel> lastBarLabels_;
     std::optional<double> inputAt_, inputLagMs_;
     std::vector<ChartVertex> flatScratch_;
     std::vector<LineVertex> ribbonScratch_;
+    std::vector<MarkerVertex> markerScratch_;
 };
 
 }  // namespace vmr

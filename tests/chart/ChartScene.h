@@ -60,15 +60,19 @@ struct ChartScene : testing::Test {
 
     /// The chart's draw calls in their order; nothing for a layer that was not drawn.
     struct Layers {
-        const RecordingGpu::DrawCall *priceLine = nullptr, *bodies = nullptr, *forming = nullptr, *wicks = nullptr,
-                                     *formingWicks = nullptr, *borders = nullptr, *formingBorder = nullptr;
+        const RecordingGpu::DrawCall *markers = nullptr, *walls = nullptr, *priceLine = nullptr, *bodies = nullptr,
+                                     *forming = nullptr, *wicks = nullptr, *formingWicks = nullptr, *borders = nullptr,
+                                     *formingBorder = nullptr;
     };
+    /// Of a frame without strikes, overlays and screen layers.
     Layers layers() const {
         Layers found;
         for (std::size_t i = 1; i < gpu.draws.size(); ++i) {
             const auto& call = gpu.draws[i];
-            if (call.primitive == Primitive::lines)
-                found.priceLine = &call;
+            if (call.pipeline == Pipeline::marker)
+                found.markers = &call;
+            else if (call.primitive == Primitive::lines)
+                (call.retained ? found.walls : found.priceLine) = &call;
             else if (call.pipeline == Pipeline::ribbon)
                 (call.retained ? found.borders : found.formingBorder) = &call;
             else if (call.retained)

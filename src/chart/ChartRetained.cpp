@@ -1,0 +1,95 @@
+// What the GPU keeps from frame to frame: bodies and wicks, walls, markers and overlays, built when their inputs
+// change.
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "chart/CandleGeometry.h"
+#include "chart/ChartRenderer.h"
+#include "chart/Markers.h"
+
+namespace vmr {
+
+namespace {
+constexpr Rgba wallColor{0.667F, 0.667F, 0.667F, 0.85F};
+constexpr double wallReach = 2.0;  // bars past the last one
+}  // namespace
+
+void ChartRenderer::retain(Retained& retained, std::span<const std::byte> bytes, std::size_t count) {
+    if (retained.buf != 0) gpu_.release(retained.buf);
+    retained.buf = bytes.empty() ? 0 : gpu_.makeBuffer(bytes);
+    retained.n = count;
+}
+
+void ChartRenderer::setOverlayGeometry(const OverlayLists& lists) {
+    retain(overlayLines_, lists.lines);
+    if (std::exchange(sessionRevision_, lists.sessionRevision) != lists.sessionRevision)
+        retain(sessionLines_, lists.sessionLines);
+    retain(second_, lists.second);
+    retain(secondBorders_, lists.secondBorders);
+    overlayOrigin_ = lists.origin;
+    needsDisplay();
+}
+
+void ChartRenderer::rebuildRetained() {
+    if (staticDirty_) rebuildCandleGeometry();
+    if (wallsDirty_) rebuildWallGeometry();
+    if (markersDirty_) rebuildMarkers();
+}
+
+void ChartRenderer::rebuildCandleGeometry() {
+    using namespace CandleGeometry;
+    staticDirty_ = false;
+    const std::size_t n = candles_.size() - 1;  // the last one is the forming bar's
+    flatScratch_.resize(n * bodyVertices);
+    ribbonScratch_.clear();
+    ChartVertex* body = flatScratch_.data();
+    const auto each = [&](auto&& make) {
+        for (std::size_t i = 0; i < n; ++i) {
+            const Candle& c = candles_[i];
+            const bool up = isUp(c.open, c.close);
+            const double top = (up ? c.close : c.open) - origin_.price;
+            const double bot = std::min(c.open, c.close) - origin_.price;
+            make(c, static_cast<double>(i) - origin_.bar, top, bot, look(renderCfg_.candleTheme, up));
+        }
+    };
+    each([&](const Candle&, double x, double top, double bot, const Look& style) {
+        body = writeBody(body, x, top, bot, style.body);
+        if (!style.outlined) return;
+        ribbonScratch_.resize(ribbonScratch_.size() + outlineVertices);
+        appendBodyOutline(&*(ribbonScratch_.end() - outlineVertices), x, halfBody, top, bot, style.border);
+    });
+    retain(candleTris_, flatScratch_);
+    retain(candleBorders_, ribbonScratch_);
+
+    flatScratch_.resize(n * wickVertices);
+    ChartVertex* wick = flatScratch_.data();
+    each([&](const Candle& c, double x, double top, double bot, const Look& style) {
+        wick = writeWicks(wick, x, c.high - origin_.price, top, bot, c.low - origin_.price, style.wick);
+    });
+    retain(candleWicks_, flatScratch_);
+}
+
+void ChartRenderer::rebuildWallGeometry() {
+    wallsDirty_ = false;
+    flatScratch_.clear();
+    if (renderCfg_.wallsEnabled && !levels_.empty()) {
+        const auto start = static_cast<float>(static_cast<double>(currentSessionStartIndex()) - origin_.bar);
+        const auto end = static_cast<float>(static_cast<double>(candles_.size() - 1) + wallReach - origin_.bar);
+        for (const PriceLevel& level : levels_) {
+            if (!std::isfinite(level.price)) continue;
+            const auto y = static_cast<float>(level.price - origin_.price);
+            flatScratch_.push_back({{start, y, 0.0F, 1.0F}, wallColor});
+            flatScratch_.push_back({{end, y, 0.0F, 1.0F}, wallColor});
+        }
+    }
+    retain(walls_, flatScratch_);
+}
+
+void ChartRenderer::rebuildMarkers() {
+    markersDirty_ = false;
+    Markers::build(markerScratch_, {bubblePts_, trianglePts_, candles_, etfRatio_, renderCfg_, origin_});
+    retain(markers_, markerScratch_);
+}
+
+}  // namespace vmr
