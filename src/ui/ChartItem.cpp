@@ -19,6 +19,11 @@ namespace vmr {
 
 namespace {
 
+template <class T>
+std::span<const T> all(const std::vector<T>* list) {
+    return list ? std::span<const T>(*list) : std::span<const T>();
+}
+
 void postToMain(std::function<void()> task) {
     QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(task), Qt::QueuedConnection);
 }
@@ -101,16 +106,22 @@ void ChartItem::itemChange(ItemChange change, const ItemChangeData& data) {
     if (shown || change == ItemDevicePixelRatioHasChanged) requestFrame();
 }
 
+// The bars come last, so that the camera's rules see the rest as it is.
 void ChartItem::takeChart() {
     if (!pane_ || !std::exchange(chartDirty_, false)) return;
     const auto& chart = pane_->chart();
-    drawing_->renderer.sessionHHMM = chart.sessionHHMM;
+    ChartRenderer& renderer = drawing_->renderer;
     drawing_->axis.setTimeframe(pane_->timeframe());
     drawnTimeframe_ = pane_->timeframe();
-    drawing_->renderer.setRenderConfig(chart.config);
+    renderer.sessionHHMM = chart.sessionHHMM;
+    renderer.setRenderConfig(chart.config);
+    renderer.setLevels(all(chart.levels));
+    renderer.setStrikes(all(chart.strikes), chart.etfRatio, chart.flipStrike);
+    renderer.setSecStrikes(all(chart.secStrikes), chart.secRatio);
+    renderer.setBubbles(all(chart.bubbles), all(chart.triangles));
     if (chart.overlays && std::exchange(drawnOverlays_, chart.overlayRevision) != chart.overlayRevision)
-        drawing_->renderer.setOverlayGeometry(*chart.overlays);
-    drawing_->renderer.setCandles(chart.candles ? std::span<const Candle>(*chart.candles) : std::span<const Candle>());
+        renderer.setOverlayGeometry(*chart.overlays);
+    renderer.setCandles(all(chart.candles));
 }
 
 void ChartItem::updatePolish() {

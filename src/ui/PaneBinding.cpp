@@ -90,6 +90,14 @@ void PaneBinding::watch() {
     connections_.push_back(model_.displayCandles.changed.connect(chart));
     connections_.push_back(model_.chartVersionChanged.connect(chart));
     connections_.push_back(model_.config.changed.connect(chart));
+    connections_.push_back(model_.levels.changed.connect(chart));
+    connections_.push_back(model_.strikes.changed.connect(chart));
+    connections_.push_back(model_.etfRatio.changed.connect(chart));
+    connections_.push_back(model_.gammaFlipStrike.changed.connect(chart));
+    connections_.push_back(model_.secStrikes.changed.connect(chart));
+    connections_.push_back(model_.secEtfRatio.changed.connect(chart));
+    connections_.push_back(model_.bubblePts.changed.connect(chart));
+    connections_.push_back(model_.trianglePts.changed.connect(chart));
 }
 
 void PaneBinding::copyFields() {
@@ -111,8 +119,19 @@ void PaneBinding::copyFields() {
 }
 
 void PaneBinding::copyChart() {
-    view_.setChart(
-        {&model_.displayCandles.get(), renderConfig(model_.config), model_.sessionHHMM(), overlays_, overlayRevision_});
+    view_.setChart({.candles = &model_.displayCandles.get(),
+                    .config = renderConfig(model_.config),
+                    .sessionHHMM = model_.sessionHHMM(),
+                    .overlays = overlays_,
+                    .overlayRevision = overlayRevision_,
+                    .levels = &model_.levels.get(),
+                    .strikes = &model_.strikes.get(),
+                    .etfRatio = model_.etfRatio,
+                    .flipStrike = model_.gammaFlipStrike,
+                    .secStrikes = &model_.secStrikes.get(),
+                    .secRatio = model_.secEtfRatio,
+                    .bubbles = &model_.bubblePts.get(),
+                    .triangles = &model_.trianglePts.get()});
 }
 
 }  // namespace vmr

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "chart/OverlayLists.h"
@@ -59,13 +60,21 @@ class PaneViewModel : public QObject {
         std::function<void(const QString& symbol)> switchSymbol;
         std::function<void(int minutes)> setTimeframe;
     };
-    /// What the chart draws. `candles` stays valid until the next `setChart`.
+    /// What the chart draws. The lists stay valid until the next `setChart`; null counts as empty.
     struct Chart {
         const std::vector<Candle>* candles = nullptr;
         RenderConfig config;
         int sessionHHMM = 1800;
-        const OverlayLists* overlays = nullptr;  ///< valid until the next `setChart`
-        std::uint64_t overlayRevision = 0;       ///< raised when they were rebuilt
+        const OverlayLists* overlays = nullptr;
+        std::uint64_t overlayRevision = 0;  ///< raised when they were rebuilt
+        const std::vector<PriceLevel>* levels = nullptr;
+        const std::vector<StrikeRow>* strikes = nullptr;
+        double etfRatio = 1;
+        std::optional<double> flipStrike;
+        const std::vector<StrikeRow>* secStrikes = nullptr;
+        double secRatio = 1;
+        const std::vector<BubblePt>* bubbles = nullptr;
+        const std::vector<TrianglePt>* triangles = nullptr;
     };
 
     using QObject::QObject;
@@ -74,7 +83,7 @@ class PaneViewModel : public QObject {
     void setFields(Fields fields);
     void setActions(Actions actions) { actions_ = std::move(actions); }
 
-    /// Tells that bars, look or timeframe are not what they were. Copies no bars.
+    /// Tells that something of the chart or the timeframe is not what it was. Copies no list.
     void setChart(const Chart& chart);
     const Chart& chart() const { return chart_; }
 
