@@ -1,0 +1,77 @@
+// Probes that are always on: how often, how long, how late; reported every two seconds, and for a benchmark at its end.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Clock.h"
+
+namespace vmr {
+
+/// Any thread may call anything; each call is a lock and an append. All times are milliseconds.
+class Perf {
+ public:
+    using Print = std::function<void(const std::string& line)>;
+
+    /// `clock` must outlive the probe; `print` gets whole lines, on the thread whose call completed them.
+    Perf(const Clock& clock, Print print);
+
+    /// The process's own, which prints to standard output.
+    static Perf& shared();
+
+    /// Counts one `name`.
+    void bump(std::string_view name);
+    /// One duration of `name`.
+    void time(std::string_view name, double ms);
+    /// How late the main thread answered.
+    void lag(double ms);
+    /// A run of the main thread from waking to waiting; one longer than 16 ms counts as a duration of "turn".
+    void turn(double ms);
+    /// The end of a frame that took `drawMs` of CPU time to record. Every two seconds it prints the report.
+    void frame(double drawMs);
+
+    /// Opens the benchmark's window of measurement.
+    void benchBegin();
+    /// Prints the benchmark's figures and its verdict, and closes the window.
+    void benchEnd();
+
+    /// The sample that a share `p` of all is below: element min(n - 1, int(p * n)) of the sorted list; 0 for none.
+    /// Reorders the list.
+    static double percentile(std::vector<double>& list, double p);
+
+    /// The newest samples that a list keeps, for a window that nobody draws for hours.
+    static constexpr std::size_t maxSamples = 16384;
+
+ private:
+    struct Samples {
+        std::vector<double> list;
+        std::size_t oldest = 0;
+        void add(double value);
+        void clear();
+    };
+    using Timings = std::map<std::string, Samples, std::less<>>;
+
+    static Samples& named(Timings& timings, std::string_view name);
+    std::string takeReport(double now);
+
+    const Clock& clock_;
+    const Print print_;
+    std::mutex lock_;
+    std::map<std::string, int, std::less<>> counts_;
+    Samples drawTimes_, lags_;
+    Timings timings_;
+    int frames_ = 0;
+    double lastReport_;
+    bool benchActive_ = false;
+    Samples benchFrameIntervals_, benchDrawTimes_, benchLags_;
+    Timings benchTimings_;
+    int benchFrames_ = 0;
+    double benchStart_ = 0, lastFrameAt_ = 0;
+};
+
+}  // namespace vmr
