@@ -7,9 +7,10 @@
 
 namespace vmr {
 
+double Camera::maxBarW(double viewW) { return std::max((viewW * 0.25 - 90.0) * 0.8, 40.0); }
+
 double Camera::padFrac() const {
-    const double maxBarW = std::max((lastViewW * 0.25 - 90.0) * 0.8, 40.0);
-    return (maxBarW + priceAxisPadPx + 370.0) / std::max(lastViewW, 1.0);
+    return (maxBarW(lastViewW) + priceAxisPadPx + 370.0) / std::max(lastViewW, 1.0);
 }
 
 double Camera::rightEdgeFirst(std::size_t n) const {

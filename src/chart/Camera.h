@@ -36,6 +36,8 @@ class Camera {
     double lastViewW = 1400;                       ///< width of the last frame, points
     bool snapLerps = false;                        ///< the camera moved in this frame
 
+    /// The widest strike bar in a view `viewW` points wide, points.
+    static double maxBarW(double viewW);
     /// Share of the width that stays free right of the last bar.
     double padFrac() const;
     /// The greatest `firstVisible`: the last bar stops short of the right edge by the margin.

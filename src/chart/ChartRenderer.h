@@ -104,6 +104,8 @@ class ChartRenderer {
     /// True hands the price range back to the renderer, as a double click does.
     void setAutoY(bool on);
     void setInteracting(bool on);
+    /// Asks for a frame.
+    void redraw() { needsDisplay(); }
     bool interacting() const { return interacting_; }
 
     // What is shown.

@@ -36,7 +36,7 @@ struct EdgeStage {
 
     double axisX() const { return viewW - Camera::priceAxisPadPx; }
     /// The widest bar and the widest swing of a wave.
-    double maxW() const { return std::max((viewW * 0.25 - 90.0) * 0.8, 40.0); }
+    double maxW() const { return Camera::maxBarW(viewW); }
     float clipX(double x) const { return static_cast<float>(x * (2.0 / viewW) - 1.0); }
     float clipY(double y) const { return static_cast<float>(1.0 - y * (2.0 / viewH)); }
 };

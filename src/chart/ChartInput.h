@@ -1,0 +1,127 @@
+// Turns pointer, wheel, pinch and key events into camera moves and actions on the paper account.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/Clock.h"
+#include "base/SerialQueue.h"
+#include "chart/ChartRenderer.h"
+#include "chart/ChartTrading.h"
+#include "market/SessionTime.h"
+
+namespace vmr {
+
+class Perf;
+
+enum class ChartCursor : unsigned char { arrow, resizeUpDown, pointingHand };
+
+/// Points from the chart's top left.
+struct ChartPoint {
+    double x = 0, y = 0;
+    bool operator==(const ChartPoint&) const = default;
+};
+
+/// An entry of the order menu.
+struct OrderMenuItem {
+    enum class Action : unsigned char { separator, setSL, setTP, order, cancelAll };
+    Action action = Action::separator;
+    std::string text;
+    double price = 0;
+    std::string_view side;  ///< "buy" or "sell", for orders
+    std::string_view type;  ///< "limit" or "stop", for orders
+};
+
+/// The input rules of one chart, without a toolkit. Main thread. Nothing happens on prices that are not finite, such as
+/// those of an empty chart. Events may come at any rate: camera steps of a drag and pointer reports are made at most
+/// 120 times a second, drags of orders and the wheel with each event.
+class ChartInput {
+ public:
+    static constexpr double pace = 1.0 / 120.0;  ///< seconds between steps
+    static constexpr double hitTolerance = 6;    ///< points
+    static constexpr double hold = 0.18;         ///< seconds that frames go on after the last drag, wheel or pinch
+    static constexpr double priceAxisWidth = Camera::priceAxisPadPx;
+
+    /// All must outlive it; `perf` may be null.
+    ChartInput(ChartRenderer& renderer, SessionTime& session, const Clock& clock, MainLoop& main, Perf* perf);
+    ~ChartInput();
+    ChartInput(const ChartInput&) = delete;
+    ChartInput& operator=(const ChartInput&) = delete;
+
+    std::string simRoot;                                         ///< empty: no trading on this chart
+    ChartTrading* trading = nullptr;                             ///< null: none at all
+    std::function<void(std::optional<ChartPoint>)> onMouseMove;  ///< nothing: the pointer left
+    std::function<void(ChartCursor)> onCursor;                   ///< when it changes
+    std::function<void()> onMarketClosedOrder;
+    /// From true to false the host draws a frame at each refresh of the screen.
+    std::function<void(bool)> onLiveRefresh;
+
+    void setSize(double width, double height);
+
+    void mouseMoved(ChartPoint at);
+    void mouseExited();
+    void mouseDown(ChartPoint at, bool doubleClick);
+    void mouseDragged(ChartPoint at);
+    void mouseUp(ChartPoint at);
+    /// `precise`: deltas in points, of a device that scrolls in phases; else in lines.
+    void scrollWheel(double dx, double dy, bool precise, bool shift);
+    void magnify(double magnification);
+    // Keys: shares of the view, and its time zoom.
+    void panBy(double shareOfWidth, double shareOfHeight);
+    void zoomBy(double factor);
+    void toLiveEdge();
+
+    /// The menu of a right click; empty when there is to be none.
+    std::vector<OrderMenuItem> orderMenu(ChartPoint at) const;
+    void choose(const OrderMenuItem& item);
+
+    bool liveRefresh() const { return liveRefresh_; }
+    bool cursorOnRuler() const { return cursorOnRuler_; }
+    /// The order or leg whose line is being dragged.
+    bool draggingLine() const { return dragOrderId_.has_value() || dragProjLeg_.has_value(); }
+
+    void beginLiveRefresh();
+    void endLiveRefresh();
+
+    /// Where lines end and their close marks lie, for a view `width` points wide: the marks span from 16 left of it to
+    /// 2 right of it.
+    static double closeMarkEdge(double width);
+
+ private:
+    double priceAt(double y) const;
+    bool isNear(double price, double y) const;
+    bool onCloseColumn(double x) const;
+    const TradingLines& lines() const;
+    std::optional<Uuid> simOrder(double nearY) const;
+    std::optional<std::pair<Uuid, std::string_view>> simProjLeg(double nearY) const;
+    bool positionIsNear(double y) const;
+    void flushDrag(ChartPoint at);
+    double barsFor(double dx) const;
+    bool marketIsClosed() const;
+    bool trades() const { return trading != nullptr && !simRoot.empty(); }
+
+    ChartRenderer& renderer_;
+    SessionTime& session_;
+    const Clock& clock_;
+    MainLoop& main_;
+    Perf* perf_;
+    double width_ = 0, height_ = 0;
+    mutable TradingLines lines_;
+    std::optional<Uuid> dragOrderId_;
+    std::optional<std::pair<Uuid, std::string_view>> dragProjLeg_;
+    bool closedLine_ = false;  ///< the button went down on a close mark: moving the pointer then drags nothing
+    std::optional<ChartPoint> lastDrag_;
+    double pendingDX_ = 0, pendingDY_ = 0;
+    double lastMoveSent_, lastDragApply_;
+    bool liveRefresh_ = false;
+    double liveReleaseAt_ = 0;
+    SerialQueue::TimerId liveTimer_ = SerialQueue::noTimer;
+    ChartCursor cursor_ = ChartCursor::arrow;
+    bool cursorOnRuler_ = false;
+};
+
+}  // namespace vmr

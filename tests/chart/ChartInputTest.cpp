@@ -1,0 +1,274 @@
+// The rules of pointer, wheel and menu in virtual time, over a chart whose price range is known to the point.
+#include "chart/ChartInput.h"
+
+#include <gmock/gmock.h>
+
+#include "chart/AxisScale.h"
+#include "perf/Perf.h"
+#include "tests/chart/ChartScene.h"
+
+namespace vmr::test {
+namespace {
+
+using testing::ElementsAre;
+
+// Notes what is asked of the account; prices to a quarter.
+struct PlayedTrading final : ChartTrading {
+    TradingLines shown;
+    std::optional<double> lastPrice = 21000.0;
+    std::vector<std::string> done;
+
+    static std::string text(double price) { return std::to_string(std::lround(price)); }
+    void lines(const std::string&, TradingLines& out) const override { out = shown; }
+    std::size_t workingCount(const std::string&) const override { return shown.orders.size(); }
+    std::optional<double> last(const std::string&) const override { return lastPrice; }
+    std::int64_t ticketQty() const override { return 2; }
+    double roundTick(const std::string&, double price) const override { return std::round(price * 4) / 4; }
+    void place(const std::string& root, std::string_view side, std::string_view type, double price) override {
+        done.push_back("place " + root + " " + std::string(side) + " " + std::string(type) + " " + text(price));
+    }
+    void cancel(const Uuid& id) override { done.push_back("cancel " + std::to_string(id.bytes[0])); }
+    void cancelAll(const std::string& root) override { done.push_back("cancelAll " + root); }
+    void modify(const Uuid& id, double price) override {
+        done.push_back("modify " + std::to_string(id.bytes[0]) + " " + text(price));
+    }
+    void modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) override {
+        done.push_back("leg " + std::to_string(id.bytes[0]) + " " + std::string(leg) + " " + text(price));
+    }
+    void setProtective(const std::string&, std::string_view kind, double price) override {
+        done.push_back("protect " + std::string(kind) + " " + text(price));
+    }
+    void flatten(const std::string& root) override { done.push_back("flatten " + root); }
+};
+
+struct InputTest : ChartScene {
+    SessionTime session;
+    PlayedTrading trading;
+    Perf perf{time, [](const std::string&) {}};
+    ChartInput input{renderer, session, time, queue, &perf};
+    std::vector<bool> live;
+    int moves = 0, closed = 0;
+
+    InputTest() {
+        time.setNow(firstBarTime);  // Wednesday 08:00 New York
+        input.simRoot = "NQ";
+        input.trading = &trading;
+        input.setSize(width, height);
+        input.onLiveRefresh = [this](bool on) { live.push_back(on); };
+        input.onMouseMove = [this](auto) { ++moves; };
+        input.onMarketClosedOrder = [this] { ++closed; };
+        renderer.setCandles(bars(2000));
+        renderer.mirrorPrice(20900, 21100);
+        frame();
+    }
+    const Camera& camera() const { return renderer.camera(); }
+    double yOf(double price) const { return AxisScale::yFor(camera().viewport(), price, height); }
+    ChartPoint at(double x, double price) const { return {x, yOf(price)}; }
+    std::vector<std::string> done() { return std::exchange(trading.done, {}); }
+    static Uuid id(std::uint8_t n) { return Uuid{{n}}; }
+};
+
+TEST_F(InputTest, DragAddsEventsUpAndMovesTheCameraAtMost120TimesASecond) {
+    const double first = camera().firstVisible, perPoint = camera().visibleCount / width;
+    int ended = 0, steps = 0;
+    renderer.onInteractionEnd = [&] { ++ended; };
+    input.mouseDown({500, 400}, false);
+    double before = first;
+    for (int i = 1; i <= 100; ++i) {  // 1000 events a second
+        time.advance(0.001);
+        input.mouseDragged({500.0 + i, 400});
+        steps += std::exchange(before, camera().firstVisible) != camera().firstVisible;
+    }
+    EXPECT_LE(steps, 13);
+    EXPECT_GE(steps, 11);
+    EXPECT_TRUE(renderer.interacting());
+    input.mouseUp({600, 400});
+    EXPECT_NEAR(camera().firstVisible, first - 100 * perPoint, 1e-9);  // nothing of the drag is lost
+    EXPECT_EQ(ended, 1);
+    EXPECT_FALSE(renderer.interacting());
+    EXPECT_THAT(live, ElementsAre(true, false));
+
+    input.mouseDown({500, 400}, false);  // a click alone
+    input.mouseUp({500, 400});
+    EXPECT_EQ(ended, 1);
+    EXPECT_NEAR(camera().firstVisible, first - 100 * perPoint, 1e-9);
+}
+
+TEST_F(InputTest, DragDecidesBetweenRulerAndChartAtEachStep) {
+    const double span = camera().yMaxManual - camera().yMinManual, first = camera().firstVisible;
+    const auto drag = [&](ChartPoint to) {
+        time.advance(0.02);
+        input.mouseDragged(to);
+    };
+    input.mouseDown({width - 10, 400}, false);
+    drag({width - 10, 420});  // down widens
+    EXPECT_NEAR(camera().yMaxManual - camera().yMinManual, span * 1.1, 1e-6);
+    drag({width - 10, 300});  // clamped
+    EXPECT_NEAR(camera().yMaxManual - camera().yMinManual, span * 1.1 * 0.6, 1e-6);
+    EXPECT_EQ(camera().firstVisible, first);
+    const double low = camera().yMinManual;
+    drag({width - 110, 309});  // over the chart: time, and price with it
+    EXPECT_GT(camera().firstVisible, -1);
+    EXPECT_NEAR(camera().yMinManual - low, 9 / height * span * 0.66, 1e-6);
+    input.mouseUp({width - 110, 309});
+    EXPECT_FALSE(camera().autoY);
+    input.mouseDown({400, 400}, true);
+    EXPECT_TRUE(camera().autoY);
+}
+
+TEST_F(InputTest, WheelZoomsTimeAndPriceOrPans) {
+    struct Case {
+        double dx, dy;
+        bool precise, shift;
+        double zoom, price, panned;  // factors, and points
+    };
+    const Case cases[] = {{0, 1, false, false, 0.94, 0.94, 0},    {0, 200, false, false, 0.6, 0.6, 0},
+                          {0, -200, true, false, 1.6, 1.6, 0},    {0, -10, true, true, 1, 1.035, 0},
+                          {1, 5, true, false, 0.9825, 0.9825, 0}, {30, 30, true, false, 1, 1, 30}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.dx + c.dy * 1000);
+        renderer.mirrorView(1000, 200);
+        renderer.mirrorPrice(20900, 21100);
+        input.scrollWheel(c.dx, c.dy, c.precise, c.shift);
+        EXPECT_NEAR(camera().visibleCount, 200 * c.zoom, 1e-9);
+        EXPECT_NEAR(camera().yMaxManual - camera().yMinManual, 200 * c.price, 1e-9);
+        EXPECT_NEAR(camera().firstVisible + camera().visibleCount, 1200 - c.panned * 200 / width, 1e-9);
+    }
+    renderer.mirrorView(1000, 200);
+    input.magnify(0.25);
+    EXPECT_NEAR(camera().visibleCount, 150, 1e-9);
+    input.toLiveEdge();
+    EXPECT_TRUE(camera().followLive);
+}
+
+TEST_F(InputTest, LiveRefreshEndsSoonAfterTheLastInput) {
+    input.scrollWheel(0, 1, true, false);
+    for (int i = 0; i < 10; ++i) {
+        time.advance(0.1);
+        EXPECT_TRUE(input.liveRefresh());
+        input.scrollWheel(0, 1, true, false);
+    }
+    time.advance(0.179);
+    EXPECT_TRUE(input.liveRefresh());
+    time.advance(0.034);
+    EXPECT_FALSE(input.liveRefresh());
+    EXPECT_THAT(live, ElementsAre(true, false));
+    const int redrawsBefore = redraws;
+    time.advance(5);
+    EXPECT_EQ(redraws, redrawsBefore);
+}
+
+TEST_F(InputTest, PointerReportsKeepThePaceAndTheCursorDoesNot) {
+    std::vector<ChartCursor> cursors;
+    input.onCursor = [&](ChartCursor cursor) { cursors.push_back(cursor); };
+    trading.shown = {PositionLine{2, 21000}, {{id(1), 21040, true, 1, "LMT"}}, {{id(1), "SL", 20980}}};
+    const double edge = ChartInput::closeMarkEdge(width);
+    EXPECT_EQ(edge, 1400 - 74 - 208 - 80);
+    struct Case {
+        ChartPoint at;
+        ChartCursor cursor;
+        bool ruler;
+    };
+    using enum ChartCursor;
+    const Case cases[] = {{{400, 100}, arrow, false},           {{width - 74, 100}, resizeUpDown, true},
+                          {at(400, 21040), resizeUpDown, true}, {at(edge, 21040), pointingHand, true},
+                          {at(400, 20980), resizeUpDown, true}, {at(edge, 21000), pointingHand, false},
+                          {at(400, 21000), arrow, false}};
+    std::vector<ChartCursor> expected;
+    for (const Case& c : cases) {
+        input.mouseMoved(c.at);
+        EXPECT_EQ(input.cursorOnRuler(), c.ruler);
+        if (expected.empty() ? c.cursor != arrow : c.cursor != expected.back()) expected.push_back(c.cursor);
+    }
+    EXPECT_EQ(cursors, expected);
+    EXPECT_EQ(moves, 1);
+    time.advance(0.0084);
+    input.mouseMoved({400, 100});
+    input.mouseExited();
+    EXPECT_EQ(moves, 3);
+}
+
+TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
+    const double edge = ChartInput::closeMarkEdge(width);
+    trading.shown = {PositionLine{-1, 21000},
+                     {{id(1), 21040, true, 1, "LMT"}, {id(2), 21040, true, 1, "STP"}},
+                     {{id(1), "SL", 20980}, {id(1), "TP", 20980}}};
+    const auto press = [&](ChartPoint from, double toPrice) {
+        input.mouseDown(from, false);
+        time.advance(0.02);
+        input.mouseDragged(at(from.x, toPrice));
+        input.mouseDragged(at(from.x, toPrice + 1));
+        input.mouseUp(at(from.x, toPrice));
+        return done();
+    };
+    const auto below = [&](double price, double points) { return ChartPoint{400, yOf(price) + points}; };
+    const double first = camera().firstVisible, low = camera().yMinManual;
+    EXPECT_THAT(press(below(21040, 6), 21060), ElementsAre("modify 1 21060", "modify 1 21061"));
+    EXPECT_THAT(press(below(20980, -6), 20970), ElementsAre("leg 1 SL 20970", "leg 1 SL 20971"));
+    EXPECT_THAT(press(at(edge - 16, 21040), 21050), ElementsAre("cancel 1"));
+    EXPECT_THAT(press(at(edge + 2, 21000), 21000), ElementsAre("flatten NQ"));
+    EXPECT_FALSE(input.draggingLine());
+    EXPECT_EQ(camera().firstVisible, first);
+    EXPECT_EQ(camera().yMinManual, low);
+    EXPECT_THAT(press({edge, yOf(21000) + 7}, 21010), ElementsAre());  // beside the line: the chart moves
+    EXPECT_NE(camera().yMinManual, low);
+    input.simRoot.clear();
+    EXPECT_THAT(press(below(21040, 0), 21060), ElementsAre());
+}
+
+TEST_F(InputTest, MenuOffersWhatThePriceAllows) {
+    const auto texts = [&](double price) {
+        std::vector<std::string> list;
+        for (const auto& item : input.orderMenu(at(400, price))) list.push_back(item.text);
+        return list;
+    };
+    EXPECT_THAT(texts(20950.3), ElementsAre("Buy 2 Limit @ 20950.25", "", "Sell 2 Stop @ 20950.25"));
+    EXPECT_THAT(texts(21050), ElementsAre("Sell 2 Limit @ 21050", "", "Buy 2 Stop @ 21050"));
+    trading.lastPrice.reset();
+    trading.shown = {PositionLine{-3, 21000}, {{id(1), 21040, true, 1, "LMT"}}, {}};
+    EXPECT_THAT(texts(21050),
+                ElementsAre("Set SL @ 21050", "Set TP @ 21050", "", "Buy 2 Limit @ 21050", "Sell 2 Limit @ 21050", "",
+                            "Buy 2 Stop @ 21050", "Sell 2 Stop @ 21050", "", "Cancel All (1)"));
+    trading.lastPrice = 21000;
+    EXPECT_THAT(texts(21050), ElementsAre("Set SL @ 21050", "", "Sell 2 Limit @ 21050", "", "Buy 2 Stop @ 21050", "",
+                                          "Cancel All (1)"));
+    trading.shown.position->qty = 3;
+    const auto menu = input.orderMenu(at(400, 21050));
+    ASSERT_EQ(menu.at(0).text, "Set TP @ 21050");
+    for (const auto& item : menu) input.choose(item);
+    EXPECT_THAT(done(), ElementsAre("protect TP 21050", "place NQ sell limit 21050", "place NQ buy stop 21050",
+                                    "cancelAll NQ"));
+    EXPECT_TRUE(input.orderMenu(at(width - 74, 21050)).empty());
+    renderer.setCandles({});
+    EXPECT_TRUE(input.orderMenu({400, 400}).empty());
+    input.simRoot.clear();
+    EXPECT_TRUE(input.orderMenu({400, 400}).empty());
+}
+
+TEST_F(InputTest, AClosedMarketTakesNoOrders) {
+    const OrderMenuItem buy{OrderMenuItem::Action::order, "", 21000, "buy", "limit"};
+    constexpr double wednesday8 = static_cast<double>(firstBarTime), hour = 3600, day = 86400;
+    struct Case {
+        double at;
+        bool open;
+    };
+    const Case cases[] = {{wednesday8 + 9 * hour - 1, true},
+                          {wednesday8 + 9 * hour, false},
+                          {wednesday8 + 10 * hour - 1, false},
+                          {wednesday8 + 10 * hour, true},
+                          {wednesday8 + 2 * day + 9 * hour - 1, true},
+                          {wednesday8 + 2 * day + 9 * hour, false},
+                          {wednesday8 + 3 * day, false},
+                          {wednesday8 + 4 * day + 10 * hour - 1, false},
+                          {wednesday8 + 4 * day + 10 * hour, true}};
+    for (const Case& c : cases) {
+        time.setNow(c.at);
+        closed = 0;
+        input.choose(buy);
+        EXPECT_EQ(done().size(), c.open ? 1U : 0U) << c.at - wednesday8;
+        EXPECT_EQ(closed, c.open ? 0 : 1);
+    }
+}
+
+}  // namespace
+}  // namespace vmr::test
