@@ -22,16 +22,6 @@ std::string failure(const char* what, const fs::path& path, int error) {
     return std::string(what) + " " + path.string() + ": " + std::strerror(error);
 }
 
-std::optional<std::string> makePrivateFolders(const fs::path& folder) {
-    std::error_code error;
-    if (folder.empty() || fs::exists(folder, error)) return std::nullopt;
-    if (auto problem = makePrivateFolders(folder.parent_path())) return problem;
-    if (!fs::create_directory(folder, error) && error)
-        return "cannot make the folder " + folder.string() + ": " + error.message();
-    fs::permissions(folder, fs::perms::owner_all, error);
-    return std::nullopt;
-}
-
 #ifdef _WIN32
 std::optional<std::string> writeFlushed(const fs::path& path, std::string_view bytes) {
     std::FILE* file = _wfopen(path.c_str(), L"wb");
@@ -71,6 +61,16 @@ void flushFolder(const fs::path& folder) {
 }
 #endif
 }  // namespace
+
+std::optional<std::string> makePrivateFolders(const fs::path& folder) {
+    std::error_code error;
+    if (folder.empty() || fs::exists(folder, error)) return std::nullopt;
+    if (auto problem = makePrivateFolders(folder.parent_path())) return problem;
+    if (!fs::create_directory(folder, error) && error)
+        return "cannot make the folder " + folder.string() + ": " + error.message();
+    fs::permissions(folder, fs::perms::owner_all, error);
+    return std::nullopt;
+}
 
 std::optional<std::string> replaceFile(const fs::path& path, std::string_view bytes) {
     const fs::path folder = path.parent_path();

@@ -13,6 +13,9 @@ namespace vmr {
 /// what failed; the old file is then untouched.
 std::optional<std::string> replaceFile(const std::filesystem::path& path, std::string_view bytes);
 
+/// Makes the folder and those above it that are missing, for their owner only; what failed.
+std::optional<std::string> makePrivateFolders(const std::filesystem::path& folder);
+
 /// The whole file, or nothing when it cannot be read.
 std::optional<std::string> readFile(const std::filesystem::path& path);
 

@@ -14,6 +14,28 @@ std::string Uuid::text() const {
     return out;
 }
 
+std::optional<Uuid> Uuid::parse(std::string_view text) {
+    if (text.size() != 36) return std::nullopt;
+    Uuid id;
+    std::size_t digit = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const char lower = static_cast<char>(c | 0x20);
+        const bool hyphen = i == 8 || i == 13 || i == 18 || i == 23;
+        if (hyphen && c == '-') continue;
+        int value;
+        if (!hyphen && c >= '0' && c <= '9')
+            value = c - '0';
+        else if (!hyphen && lower >= 'a' && lower <= 'f')
+            value = lower - 'a' + 10;
+        else
+            return std::nullopt;
+        auto& byte = id.bytes[digit++ / 2];
+        byte = static_cast<std::uint8_t>(byte << 4 | value);
+    }
+    return id;
+}
+
 namespace {
 std::uint64_t entropy() {
     std::random_device device;

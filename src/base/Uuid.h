@@ -3,8 +3,10 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <random>
 #include <string>
+#include <string_view>
 
 namespace vmr {
 
@@ -15,6 +17,8 @@ struct Uuid {
     auto operator<=>(const Uuid&) const = default;
     /// 36 characters, upper case, with hyphens.
     std::string text() const;
+    /// Reads what `text` gives, in either case; nothing for anything else.
+    static std::optional<Uuid> parse(std::string_view text);
 };
 
 /// Makes version-4 identities. One thread.

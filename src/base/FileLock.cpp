@@ -1,0 +1,59 @@
+#include "base/FileLock.h"
+
+#include "base/FileReplace.h"
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#endif
+
+namespace vmr {
+
+#ifdef _WIN32
+FileLock::FileLock(const std::filesystem::path& file) {
+    if (makePrivateFolders(file.parent_path())) return;
+    const HANDLE handle = ::CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return;
+    OVERLAPPED whole{};
+    if (::LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &whole)) {
+        handle_ = reinterpret_cast<std::intptr_t>(handle);
+        state_ = State::held;
+        return;
+    }
+    if (::GetLastError() == ERROR_LOCK_VIOLATION) state_ = State::heldElsewhere;
+    ::CloseHandle(handle);
+}
+
+FileLock::~FileLock() {
+    if (handle_ != none) ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
+}
+#else
+FileLock::FileLock(const std::filesystem::path& file) {
+    if (makePrivateFolders(file.parent_path())) return;
+    const int handle = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (handle < 0) return;
+    int result;
+    do result = ::flock(handle, LOCK_EX | LOCK_NB);
+    while (result != 0 && errno == EINTR);
+    if (result == 0) {
+        handle_ = handle;
+        state_ = State::held;
+        return;
+    }
+    if (errno == EWOULDBLOCK) state_ = State::heldElsewhere;
+    ::close(handle);
+}
+
+FileLock::~FileLock() {
+    if (handle_ != none) ::close(static_cast<int>(handle_));
+}
+#endif
+
+}  // namespace vmr

@@ -1,0 +1,32 @@
+// One process at a time: an advisory lock in the shape of a file.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+namespace vmr {
+
+/// Tries once to take the lock, and holds it until destroyed or until the process ends, however it ends. Missing
+/// folders are made. The file itself is empty, readable by its owner only, and stays.
+class FileLock {
+ public:
+    enum class State {
+        held,
+        heldElsewhere,
+        unavailable  ///< the file cannot be made, or its file system knows no locks
+    };
+
+    explicit FileLock(const std::filesystem::path& file);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+    State state() const { return state_; }
+
+ private:
+    static constexpr std::intptr_t none = -1;
+    std::intptr_t handle_ = none;  // the platform's
+    State state_ = State::unavailable;
+};
+
+}  // namespace vmr

@@ -1,0 +1,165 @@
+#include "sim/SimEngine.h"
+
+#include <cmath>
+
+#include "base/Fatal.h"
+#include "base/LocalDay.h"
+#include "sim/Quantity.h"
+
+namespace vmr {
+
+namespace {
+SimEngine* sharedEngine = nullptr;
+
+bool isUsable(const std::optional<double>& price) { return price && std::isfinite(*price); }
+}  // namespace
+
+SimEngine::SimEngine(SimSetup setup)
+    : setup_(std::move(setup)), specs_{{"NQ", {0.25, 5.0}}, {"ES", {0.25, 12.5}}, {"RTY", {0.1, 5.0}},
+                                       {"YM", {1.0, 5.0}},  {"GC", {0.1, 10.0}},  {"CL", {0.01, 10.0}}} {
+    if (!setup_.localDay) setup_.localDay = localDay;
+    load();
+}
+
+SimEngine::~SimEngine() {
+    if (retry_ != SerialQueue::noTimer) setup_.main->cancel(retry_);
+}
+
+SimEngine& SimEngine::shared() {
+    if (!sharedEngine) fatal("the simulator is used before it is made");
+    return *sharedEngine;
+}
+void SimEngine::setShared(SimEngine* engine) { sharedEngine = engine; }
+
+sim::Date SimEngine::now() const { return sim::dateFrom1970(setup_.clock.now()); }
+
+void SimEngine::onTrade(std::string_view sym, double price) {
+    lasts_[sym] = price;
+    if (!account_.orders.empty()) match(sym);
+}
+
+void SimEngine::onQuote(std::string_view sym, double bid, double ask) {
+    quotes_[sym] = {bid, ask};
+    if (!account_.orders.empty()) match(sym);
+}
+
+void SimEngine::seedLast(std::string_view sym, double price) {
+    if (price > 0 && std::isfinite(price) && !lasts_.find(sym)) lasts_[sym] = price;
+}
+
+void SimEngine::updateSpecs(const std::map<std::string, Spec>& specs) {
+    for (const auto& [sym, spec] : specs) specs_[sym] = spec;
+}
+
+double SimEngine::roundTick(std::string_view sym, double price) const {
+    const Spec* spec = specs_.find(sym);
+    if (!spec || !(spec->tick > 0)) return price;
+    return spec->tick * std::round(price / spec->tick);
+}
+
+std::optional<SimEngine::Order> SimEngine::place(std::string_view sym, Side side, OrderType type, std::int64_t qty,
+                                                 Price limit, Price stop, const std::optional<BracketSpec>& bracket) {
+    const auto second = static_cast<std::int64_t>(std::floor(setup_.clock.now()));
+    if (!specs_.find(sym) || qty < 1 || !setup_.session.marketOpen(second, false)) return std::nullopt;
+    // a price that is no number would never fill, and could never be saved
+    if ((limit && !isUsable(limit)) || (stop && !isUsable(stop))) return std::nullopt;
+    Order order = newOrder(sym, side, type, qty);
+    order.limitPrice = limit;
+    order.stopPrice = stop;
+    order.bracket = bracket;
+    const bool buys = side == Side::buy;
+    if (type == OrderType::market) {
+        const auto top = book(sym);
+        if (!top || !fill(order, buys ? top->ask : top->bid)) return std::nullopt;
+    } else if (type == OrderType::limit) {
+        if (!limit) return std::nullopt;
+        const auto top = book(sym);
+        const bool marketable = top && (buys ? top->ask <= *limit : *limit <= top->bid);
+        if (!marketable)
+            append(order);
+        else if (!fill(order, *limit))
+            return std::nullopt;
+    } else {
+        if (!stop) return std::nullopt;
+        append(order);
+    }
+    persist();
+    return order;
+}
+
+bool SimEngine::cancel(const Uuid& id) {
+    const Order* order = orderOf(id);
+    if (!order) return false;
+    takeOrder(static_cast<std::size_t>(order - account_.orders.data()));
+    persist();
+    return true;
+}
+
+// Here and below the root is copied: it may be one that the caller reads out of an order which goes.
+void SimEngine::cancelAll(std::string_view sym) {
+    removeOrders([root = std::string(sym)](const Order& order) { return order.sym == root; });
+    persist();
+}
+
+bool SimEngine::modify(const Uuid& id, double price) {
+    Order* order = orderOf(id);
+    if (!order) return false;
+    const double px = roundTick(order->sym, price);
+    if (!(px > 0) || !std::isfinite(px)) return false;
+    if (order->limitPrice)
+        order->limitPrice = px;
+    else if (order->stopPrice)
+        order->stopPrice = px;
+    changed(Field::orders);
+    persist();
+    return true;
+}
+
+bool SimEngine::flatten(std::string_view sym) {
+    const auto position = account_.positions.find(sym);
+    if (position == account_.positions.end() || position->second.qty == 0) return false;
+    const std::int64_t qty = position->second.qty;
+    const std::string root(sym);
+    removeLegs(root);
+    return place(root, qty > 0 ? Side::sell : Side::buy, OrderType::market, sim::sizeOf(qty)).has_value();
+}
+
+SimEngine::Order SimEngine::newOrder(std::string_view sym, Side side, OrderType type, std::int64_t qty) {
+    Order order;
+    order.id = setup_.ids.next();
+    order.sym = sym;
+    order.side = side;
+    order.type = type;
+    order.qty = qty;
+    order.createdAt = now();
+    return order;
+}
+
+SimEngine::Order* SimEngine::orderOf(const Uuid& id) {
+    for (Order& order : account_.orders)
+        if (order.id == id) return &order;
+    return nullptr;
+}
+
+void SimEngine::append(Order order) {
+    account_.orders.push_back(std::move(order));
+    changed(Field::orders);
+}
+
+SimEngine::Order SimEngine::takeOrder(std::size_t at) {
+    auto& orders = account_.orders;
+    Order order = std::move(orders[at]);
+    orders.erase(orders.begin() + static_cast<std::ptrdiff_t>(at));
+    changed(Field::orders);
+    return order;
+}
+
+void SimEngine::removeOrders(const std::function<bool(const Order&)>& test) {
+    if (std::erase_if(account_.orders, test) > 0) changed(Field::orders);
+}
+
+void SimEngine::removeLegs(std::string_view sym) {
+    removeOrders([sym](const Order& order) { return order.isLeg() && order.sym == sym; });
+}
+
+}  // namespace vmr
