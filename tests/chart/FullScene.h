@@ -1,0 +1,99 @@
+// Everything that a chart can show, made up: for tests and benchmarks.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "chart/ChartRenderer.h"
+#include "chart/OverlayGeometry.h"
+
+namespace vmr::test {
+
+struct SceneSize {
+    std::size_t strikes = 40;   ///< rows of each source, around the last close
+    std::size_t minutes = 100;  ///< with markers, the newest
+    std::size_t bubbles = 1;    ///< a minute
+    std::size_t triangles = 1;  ///< a minute
+    std::size_t ribbons = 2;    ///< over all bars
+    double ratio = 41.0;        ///< from strike to chart price
+};
+
+/// A chart's inputs over the given bars, with every layer switched on.
+struct SceneData {
+    std::vector<Candle> candles;
+    RenderConfig config;
+    std::vector<PriceLevel> levels;
+    std::vector<StrikeRow> strikes, secStrikes;
+    double ratio, secRatio;
+    std::optional<double> flip;
+    std::vector<BubblePt> bubbles;
+    std::vector<TrianglePt> triangles;
+    OverlayLists overlays;
+
+    explicit SceneData(std::vector<Candle> list, const SceneSize& size = {})
+        : candles(std::move(list)), ratio(size.ratio), secRatio(size.ratio * 0.4) {
+        config.dexEnabled = config.dexLabels = config.oiEnabled = true;
+        const double close = candles.back().close;
+        flip = std::floor(close / ratio);
+        levels = {level(close + 12), level(std::numeric_limits<double>::infinity()), level(close - 9)};
+        strikes = rows(size.strikes, close / ratio);
+        secStrikes = rows(size.strikes, close / secRatio);
+        const std::size_t from = candles.size() > size.minutes ? candles.size() - size.minutes : 0;
+        for (std::size_t i = from; i < candles.size(); ++i) {
+            for (std::size_t k = 0; k < size.bubbles; ++k)
+                bubbles.push_back({candles[i].time, std::round(close / ratio) + wave(i + k) * 4,
+                                   0.2 + 0.5 * std::abs(wave(i)), i % 2 == 0, static_cast<int>(k)});
+            for (std::size_t k = 0; k < size.triangles; ++k)
+                triangles.push_back({candles[i].time, std::round(close / ratio) + wave(i + 7 * k) * 6, wave(i), 1.0});
+        }
+        makeOverlays(size.ribbons);
+    }
+
+    /// Hands all to the renderer, in the order of a pane.
+    void give(ChartRenderer& renderer, bool withOverlays = true) const {
+        renderer.setRenderConfig(config);
+        renderer.setLevels(levels);
+        renderer.setStrikes(strikes, ratio, flip);
+        renderer.setSecStrikes(secStrikes, secRatio);
+        renderer.setBubbles(bubbles, triangles);
+        if (withOverlays) renderer.setOverlayGeometry(overlays);
+        renderer.setCandles(candles);
+    }
+
+ private:
+    void makeOverlays(std::size_t ribbons) {
+        overlays.origin = {static_cast<double>(candles.size() - 1), candles.back().close};
+        for (std::size_t k = 0; k < ribbons; ++k) {
+            std::vector<OvPoint> points;
+            for (std::size_t i = 0; i < candles.size(); ++i)
+                points.push_back({static_cast<double>(i), candles[i].close + 3.0 * static_cast<double>(k + 1)});
+            OverlayGeometry::polyline(overlays.lines, points, 2.0, {1, 0.8F, 0, 1}, std::nullopt, overlays.origin);
+        }
+        std::vector<OvCandle> second;
+        for (std::size_t i = 0; i < candles.size(); ++i) {
+            const Candle& c = candles[i];
+            second.push_back({static_cast<double>(i), c.open - 5, c.high - 5, c.low - 5, c.close - 5, c.close});
+        }
+        OverlayGeometry::secondCandles(overlays.second, overlays.secondBorders, second, overlays.origin);
+        const OverlayLine line{candles.back().close + 7, candles.front().time, std::nullopt, "", true};
+        OverlayGeometry::srLines(overlays.sessionLines, {&line, 1}, candles, 0.8, overlays.origin);
+        overlays.sessionRevision = 1;
+    }
+    static double wave(std::size_t i) { return std::sin(static_cast<double>(i) * 0.7); }
+    static PriceLevel level(double price) { return {{}, "wall", price, 1, 1, 1}; }
+    static std::vector<StrikeRow> rows(std::size_t count, double middle) {
+        std::vector<StrikeRow> list;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double strike = std::round(middle) + static_cast<double>(i) - static_cast<double>(count) / 2;
+            list.push_back({strike, 5 + 4 * wave(i), 5 + 4 * wave(i + 9), 3 * wave(i), -2 * wave(i + 3), 1 + wave(i),
+                            1 - wave(i + 1), 20 + 9 * wave(i), 25 + 9 * wave(i + 5)});
+        }
+        return list;
+    }
+};
+
+}  // namespace vmr::test
