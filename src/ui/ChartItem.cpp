@@ -9,6 +9,7 @@
 
 #include "base/Clock.h"
 #include "chart/AxisLayer.h"
+#include "chart/BarLabelLayer.h"
 #include "chart/ChartRenderer.h"
 #include "market/SessionTime.h"
 #include "ui/ChartNode.h"
@@ -35,12 +36,14 @@ struct ChartItem::Drawing {
     RhiGpu gpu;
     GlyphAtlas atlas{QStringLiteral("Saira")};
     SessionTime session;
+    BarLabelLayer barLabels{atlas};
     AxisLayer axis{atlas, session};
     ChartRenderer renderer{gpu, clock, postToMain};
 };
 
 ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::make_unique<Drawing>()) {
     setFlag(ItemHasContents);
+    drawing_->renderer.addScreenLayer(drawing_->barLabels);
     drawing_->renderer.addScreenLayer(drawing_->axis);
     drawing_->renderer.onNeedsDisplay = [this] { requestFrame(); };
 }
@@ -129,8 +132,13 @@ void ChartItem::updatePolish() {
     if (!window() || width() <= 0 || height() <= 0) return;
     recording_ = true;
     takeChart();
-    animating_ = drawing_->renderer.drawFrame(width(), height(), window()->effectiveDevicePixelRatio(),
-                                              drawing_->clock.monotonic());
+    const auto record = [this] {
+        const unsigned glyphs = drawing_->atlas.generation();
+        animating_ = drawing_->renderer.drawFrame(width(), height(), window()->effectiveDevicePixelRatio(),
+                                                  drawing_->clock.monotonic());
+        return drawing_->atlas.generation() == glyphs;
+    };
+    if (!record()) record();  // a layer's new glyphs moved those that another layer had drawn already
     recording_ = false;
 }
 

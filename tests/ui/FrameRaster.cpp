@@ -151,12 +151,12 @@ class Canvas {
                 const double x = (sx + 0.5) / grid, y = (sy + 0.5) / grid;
                 const double wa = cross(b, c, x, y), wb = cross(c, a, x, y), wc = cross(a, b, x, y);
                 if (!covers(wa, b, c) || !covers(wb, c, a) || !covers(wc, a, b)) continue;
-                float alpha = a.color[3];
-                if (text) {
-                    const auto mix = [&](double p, double q, double r) { return (p * wa + q * wb + r * wc) / area; };
-                    alpha *= coverage(mix(a.u, b.u, c.u), mix(a.v, b.v, c.v));
-                }
-                blend(sx, sy, a.color, alpha);
+                const auto mix = [&](double p, double q, double r) { return (p * wa + q * wb + r * wc) / area; };
+                Rgba color;
+                for (std::size_t i = 0; i < 4; ++i)
+                    color[i] = static_cast<float>(mix(a.color[i], b.color[i], c.color[i]));
+                if (text) color[3] *= coverage(mix(a.u, b.u, c.u), mix(a.v, b.v, c.v));
+                blend(sx, sy, color);
             }
         }
     }
@@ -167,9 +167,9 @@ class Canvas {
         return static_cast<float>(atlas_.constScanLine(y)[x]) / 255.0F;
     }
 
-    void blend(int x, int y, const Rgba& color, float alpha) {
+    void blend(int x, int y, const Rgba& color) {
         auto& sample = const_cast<Sample&>(at(x, y));
-        for (std::size_t i = 0; i < 3; ++i) sample[i] = color[i] * alpha + sample[i] * (1 - alpha);
+        for (std::size_t i = 0; i < 3; ++i) sample[i] = color[i] * color[3] + sample[i] * (1 - color[3]);
     }
 
     const RecordedFrame& frame_;

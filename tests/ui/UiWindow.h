@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "tests/chart/FullScene.h"
 #include "ui/ChartItem.h"
 #include "ui/PaneViewModel.h"
 #include "ui/SyntheticBars.h"
@@ -74,6 +75,14 @@ class UiWindow {
 
     std::vector<Candle>& bars() { return bars_; }
     void showBars() { view.setChart(chart); }
+    /// Everything beside the bars; `data` must outlive what is shown.
+    void showScene(const SceneData& data) {
+        ++chart.overlayRevision;
+        chart = {&bars_,        data.config,   chart.sessionHHMM, &data.overlays, chart.overlayRevision,
+                 &data.levels,  &data.strikes, data.ratio,        data.flip,      &data.secStrikes,
+                 data.secRatio, &data.bubbles, &data.triangles};
+        showBars();
+    }
 
     /// Waits until no frame has come for a while.
     bool settle() {
