@@ -1,0 +1,126 @@
+// Which labels are drawn, and where.
+#include "chart/BarLabelLayer.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+#include "tests/chart/AllocationCount.h"
+#include "tests/chart/FakeGlyphs.h"
+#include "tests/chart/RecordingGpu.h"
+
+namespace vmr::test {
+namespace {
+
+/// Labels wear their number as their red, so that glyphs tell whose they are.
+struct BarLabelLayerTest : testing::Test {
+    static constexpr double right = 600 - 74, bottom = 400 - 22;
+    RecordingGpu gpu;
+    FrameArena arena{gpu};
+    FakeGlyphs glyphs;
+    BarLabelLayer layer{glyphs};
+    std::vector<BarLabel> labels;
+
+    void add(const char* text, double x, double y, std::optional<double> value, bool alignRight = true) {
+        labels.push_back({x, y, text, 12, alignRight, static_cast<double>(labels.size()) / 1024, 0, 0.5, value});
+    }
+    bool draw(double ratio = 1) {
+        gpu.beginFrame(600, 400, ratio);
+        arena.beginFrame();
+        ScreenFrame frame{gpu, arena, 600, 400, ratio, {}, {}};
+        frame.barLabels = labels;
+        const bool again = layer.drawAbove(frame);
+        gpu.endFrame();
+        return again;
+    }
+    struct Ink {
+        std::size_t label;
+        double left, top, right, bottom;
+    };
+    std::vector<Ink> inks(double ratio = 1) const {
+        std::vector<Ink> list;
+        if (gpu.draws.empty()) return list;
+        const auto corners = gpu.vertices<TextVertex>(gpu.draws[0]);
+        for (std::size_t i = 0; i < corners.size(); i += 4) {
+            const auto &a = corners[i], &c = corners[i + 2];
+            if (a.color[2] != 0.5F) continue;  // a shadow
+            list.push_back({static_cast<std::size_t>(std::lround(a.color[0] * 1024)), a.position[0] / ratio,
+                            a.position[1] / ratio, c.position[0] / ratio, c.position[1] / ratio});
+        }
+        return list;
+    }
+    std::vector<std::size_t> drawn() const {
+        std::vector<std::size_t> list;
+        for (const Ink& ink : inks()) {
+            if (list.empty() || list.back() != ink.label) list.push_back(ink.label);
+        }
+        std::sort(list.begin(), list.end());
+        return list;
+    }
+};
+
+TEST_F(BarLabelLayerTest, TheMoreImportantOfTwoStays) {
+    using testing::ElementsAre;
+    add("100 ", 300, 100, -9);
+    add("101 ", 305, 102, 8);
+    add("102 ", 300, 200, 1e9);
+    add("Gamma Flip", 300, 203, {});
+    add("103 ", 300, 300, 5);
+    add("Gamma Flip", 320, 302, {});
+    add("KGS", 300, 303, {});
+    add("104 ", 5, 300, 5, false);
+    draw();
+    EXPECT_THAT(drawn(), ElementsAre(0, 3, 6, 7));
+    std::swap(labels[0].value, labels[1].value);
+    draw();
+    EXPECT_THAT(drawn(), ElementsAre(1, 3, 6, 7)) << "by size, not by sign or order";
+    labels.clear();
+    EXPECT_FALSE(draw());
+    EXPECT_TRUE(gpu.draws.empty());
+}
+
+TEST_F(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
+    std::mt19937 random(3);
+    const auto between = [&](double lo, double hi) { return std::uniform_real_distribution(lo, hi)(random); };
+    std::size_t seen = 0;
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE(round);
+        const double ratio = round % 2 == 0 ? 1 : 1.5;
+        labels.clear();
+        for (int i = 0; i < 60; ++i) {
+            const bool tag = i % 10 == 0;
+            add(tag ? "Gamma Flip" : "21000.5 ", between(-40, 640), between(-40, 440),
+                tag ? std::nullopt : std::optional(between(-9, 9)), i % 2 == 0);
+            labels.back().fontSize = std::round(between(9, 13));
+        }
+        draw(ratio);
+        const auto list = inks(ratio);
+        seen += list.size();
+        for (const Ink& a : list) {
+            ASSERT_TRUE(a.left >= -1 && a.right <= right + 1 && a.top >= 0 && a.bottom <= bottom);
+            for (const Ink& b : list) {
+                if (a.label == b.label) continue;
+                ASSERT_FALSE(a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom);
+            }
+        }
+    }
+    EXPECT_GT(seen, 300U * 50) << "most of what fits is drawn";
+    EXPECT_TRUE(gpu.faults.empty());
+}
+
+TEST_F(BarLabelLayerTest, ARebuiltAtlasIsFollowedAndAStillFrameAsksForNoMemory) {
+    for (int i = 0; i < 20; ++i) add("6900 ", 300, 20 + 17 * i, i);
+    glyphs.rebuildAt = 3;
+    EXPECT_FALSE(draw());
+    const auto corners = gpu.vertices<TextVertex>(gpu.draws.at(0));
+    EXPECT_EQ(corners.front().uv[0], 2);
+    for (int i = 0; i < 8; ++i) draw();
+    labels.front().value = std::nan("");
+    const long before = allocationCount();
+    draw();
+    const long drawing = allocationCount() - before;
+    EXPECT_EQ(drawing, 0);
+}
+
+}  // namespace
+}  // namespace vmr::test
