@@ -66,6 +66,7 @@ Problem check(const Options& out) {
     if (anyTape && (out.tapeFile.empty() || out.tapeSymbol.empty())) return "--tape FILE and --symbol SYM go together";
     if (out.speed && out.tapeFile.empty()) return "--speed needs --tape; use --clock MOMENT@SPEED otherwise";
     if (out.headless && !out.screenshotFile.empty()) return "--screenshot needs a window";
+    if (out.headless && out.bench.bench) return "--perf-bench needs a window";
     return std::nullopt;
 }
 }  // namespace
@@ -73,12 +74,15 @@ Problem check(const Options& out) {
 std::variant<Options, std::string> parseOptions(const std::vector<std::string>& arguments,
                                                 const std::function<std::optional<std::string>(const char*)>& lookup) {
     Options out;
+    out.bench = BenchSettings::fromEnvironment(lookup);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         std::string name = arguments[i];
         if (name == "--practice") {
             out.practice = true;
         } else if (name == "--headless") {
             out.headless = true;
+        } else if (name == "--perf-bench") {
+            out.bench.bench = true;
         } else if (name == "--help" || name == "-h") {
             out.help = true;
         } else {
@@ -114,6 +118,8 @@ std::string usageText() {
            "  --window WxH           size of the window\n"
            "  --clock MOMENT[@SPEED] start the market's clock at an ISO 8601 moment (New York without an offset) and\n"
            "                         run it at that speed; also VMR_CLOCK\n"
+           "  --perf-bench           measure this machine: everything on, a synthetic drag, a report, the end;\n"
+           "                         VMR_BENCH_WARMUP and VMR_BENCH_SECS are its seconds (6 and 10)\n"
            "With --practice:\n"
            "  --seed N               another market\n"
            "  --tape FILE            play recorded trades (CSV or .csv.gz) as the symbol's market\n"

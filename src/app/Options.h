@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "market/ClockSetting.h"
+#include "perf/BenchSettings.h"
 
 namespace vmr {
 
@@ -25,9 +26,11 @@ struct Options {
     std::optional<double> speed;  ///< of the tape
     std::uint64_t seed = 1;       ///< of the practice market
     double tokenLife = 3600;      ///< of practice tokens, real seconds
+    BenchSettings bench;
 };
 
-/// Reads the arguments (without the program's name); VMR_CLOCK stands in for a missing --clock. Gives the text of what
+/// Reads the arguments (without the program's name); VMR_CLOCK stands in for a missing --clock, and the benchmark's
+/// variables are read. Gives the text of what
 /// is wrong with them otherwise.
 std::variant<Options, std::string> parseOptions(const std::vector<std::string>& arguments,
                                                 const std::function<std::optional<std::string>(const char*)>& lookup);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "model/StateDocument.h"
+#include "perf/Perf.h"
 #include "relay/Tape.h"
 #include "services/BeastWebSocket.h"
 
@@ -86,9 +87,17 @@ Program::Program(ProgramStart& start, MainLoop& main)
       preferences_(openPreferences(start)),
       http_(main),
       auth_(start.endpoints(), http_, preferences_, start.clock()) {
-    PaneSurroundings surroundings{
-        start_.clock(),  main_, preferences_, auth_, session_, ids_, [this] { return makeRelay(); },
-        &Program::print, {}};
+    PaneSurroundings surroundings{start_.clock(),
+                                  main_,
+                                  preferences_,
+                                  auth_,
+                                  session_,
+                                  ids_,
+                                  [this] { return makeRelay(); },
+                                  &Program::print,
+                                  {},
+                                  &Perf::shared(),
+                                  start_.options().bench};
     if (start_.options().headless) surroundings.printMessage = &Program::print;
     pane_ = std::make_unique<AppModel>(std::move(surroundings));
     if (!start_.options().tapeSymbol.empty()) pane_->setFirstSymbol(start_.options().tapeSymbol);

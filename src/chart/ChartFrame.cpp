@@ -6,6 +6,7 @@
 
 #include "chart/CandleGeometry.h"
 #include "chart/ChartRenderer.h"
+#include "perf/Perf.h"
 
 namespace vmr {
 
@@ -16,8 +17,10 @@ bool positive(double value) { return std::isfinite(value) && value > 0; }
 }  // namespace
 
 bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, double nowMonotonic) {
+    const double start = clock_.monotonic();
     inputLagMs_.reset();
     if (inputAt_) inputLagMs_ = (nowMonotonic - *std::exchange(inputAt_, std::nullopt)) * 1000.0;
+    if (perf && inputLagMs_) perf->time("inputLag", *inputLagMs_);
     arena_.beginFrame();
     stepTime(nowMonotonic);
 
@@ -28,6 +31,7 @@ bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, do
     if (drawable) camera_.lastViewW = width;  // also without bars, so that the first ones find their margin
     const bool animating = drawable && !candles_.empty() && drawChart(width, height, pixelRatio);
     gpu_.endFrame();
+    if (perf) perf->frame((clock_.monotonic() - start) * 1000.0);
     return animating;
 }
 

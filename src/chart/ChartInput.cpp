@@ -174,8 +174,10 @@ void ChartInput::magnify(double magnification) {
 
 void ChartInput::panBy(double shareOfWidth, double shareOfHeight) {
     if (shareOfWidth != 0) renderer_.pan(shareOfWidth * renderer_.camera().visibleCount);
-    if (shareOfHeight != 0) renderer_.panByPrice(shareOfHeight * height_, height_);
+    if (shareOfHeight != 0) panByPoints(shareOfHeight * height_);
 }
+
+void ChartInput::panByPoints(double dy) { renderer_.panByPrice(dy, height_); }
 
 void ChartInput::zoomBy(double factor) {
     if (factor > 0) renderer_.zoom(factor);

@@ -72,6 +72,7 @@ class ChartInput {
     void magnify(double magnification);
     // Keys: shares of the view, and its time zoom.
     void panBy(double shareOfWidth, double shareOfHeight);
+    void panByPoints(double dy);  ///< of price; positive shows higher prices
     void zoomBy(double factor);
     void toLiveEdge();
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "base/Clock.h"
@@ -22,6 +23,8 @@
 #include "market/Records.h"
 
 namespace vmr {
+
+class Perf;
 
 /// The renderer of a pane. Main thread only, frames included.
 ///
@@ -60,6 +63,9 @@ class ChartRenderer {
     /// The labels beside the strike bars when they are not what they were; posted, at most 120 times a second while
     /// something moves. Draw no frame from within.
     std::function<void(const std::vector<BarLabel>&)> onBarLabels;
+
+    /// Where frames and rebuilds are timed; may be null.
+    Perf* perf = nullptr;
 
     /// Called when `setInteracting` goes from true to false.
     std::function<void()> onInteractionEnd;
@@ -118,6 +124,10 @@ class ChartRenderer {
     double alphaClose() const { return alphaClose_; }
     /// Milliseconds from the oldest input of the last frame to that frame; nothing when no input led to it.
     std::optional<double> inputLagMs() const { return inputLagMs_; }
+    /// Whether ribbons of overlay series or session lines are there.
+    bool hasOverlays() const;
+    /// What a benchmark draws: counts of bars, strikes, markers and overlay vertices.
+    std::string benchDataSummary() const;
 
     /// Start of the session of the last bar, in bars; 0 without bars.
     std::size_t currentSessionStartIndex() const;

@@ -1,5 +1,7 @@
 // What the GPU keeps from frame to frame: bodies and wicks, walls, markers and overlays, built when their inputs
 // change.
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -7,6 +9,7 @@
 #include "chart/CandleGeometry.h"
 #include "chart/ChartRenderer.h"
 #include "chart/Markers.h"
+#include "perf/Perf.h"
 
 namespace vmr {
 
@@ -87,9 +90,19 @@ void ChartRenderer::rebuildWallGeometry() {
 }
 
 void ChartRenderer::rebuildMarkers() {
+    const double start = clock_.monotonic();
     markersDirty_ = false;
     Markers::build(markerScratch_, {bubblePts_, trianglePts_, candles_, etfRatio_, renderCfg_, origin_});
     retain(markers_, markerScratch_);
+    if (perf) perf->time("markers", (clock_.monotonic() - start) * 1000.0);
+}
+
+bool ChartRenderer::hasOverlays() const { return overlayLines_.n + sessionLines_.n > 0; }
+
+std::string ChartRenderer::benchDataSummary() const {
+    return fmt::format("candles={} visible={:.0f} strikes={} bubbles={} triangles={} overlayLineVerts={} 2ndVerts={}",
+                       candles_.size(), camera_.visibleCount, strikes_.size(), bubblePts_.size(), trianglePts_.size(),
+                       overlayLines_.n + sessionLines_.n, second_.n);
 }
 
 }  // namespace vmr

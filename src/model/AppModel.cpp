@@ -14,6 +14,17 @@ int liveModels = 0;
 
 constexpr const char* firstChart = "futures:NQU6";
 constexpr const char* firstLevels = "derived:QQQ";
+
+// Everything that the chart can show.
+GexConfig everythingOn(GexConfig c) {
+    for (bool* field : {&c.gexEnabled,     &c.gexBubbles,  &c.dexEnabled,       &c.wallsEnabled, &c.levelsEnabled,
+                        &c.sessionEnabled, &c.showOpen,    &c.showPrev,         &c.vwapEnabled,  &c.vwapNyEnabled,
+                        &c.showSecondary,  &c.hfEnabled,   &c.hfLateralEnabled, &c.hfBubbles,    &c.vixEnabled,
+                        &c.ema1Enabled,    &c.ema2Enabled, &c.oscEnabled,       &c.oscNq,        &c.oscEs,
+                        &c.oscVix,         &c.oscCall,     &c.oscPut,           &c.oscNet})
+        *field = true;
+    return c;
+}
 }  // namespace
 
 AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> restore)
@@ -24,6 +35,11 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
       counted_(true),
       overlays_(at_.session) {
     ++liveModels;
+    if (at_.bench.bench) {
+        ConfigIO::suppressSave = true;
+        config = everythingOn(config);
+        at_.print("[bench] config forced — all overlays + oscillator ON");
+    }
     if (const auto stored = at_.preferences.get(ConfigIO::timeframeKey)) {
         const auto minutes = parseInt(*stored);
         if (minutes && *minutes > 0 && *minutes <= INT32_MAX) timeframe = static_cast<int>(*minutes);

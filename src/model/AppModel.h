@@ -31,12 +31,15 @@
 #include "model/HfpSample.h"
 #include "model/Instruments.h"
 #include "model/OverlayBuilder.h"
+#include "perf/BenchSettings.h"
 #include "services/FirebaseRESTAuth.h"
 #include "services/RelayClient.h"
 #include "store/GexConfig.h"
 #include "store/PaneState.h"
 
 namespace vmr {
+
+class Perf;
 
 /// One line of the pane's log; `time` is market time in seconds.
 struct LogLine {
@@ -77,6 +80,8 @@ struct PaneSurroundings {
     std::function<std::unique_ptr<RelayClient>()> makeRelay;
     std::function<void(const std::string& line)> print;         ///< one whole line to standard output
     std::function<void(const std::string& line)> printMessage;  ///< also for each logged message; may be empty
+    Perf* perf = nullptr;                                       ///< where work is timed; may be null
+    BenchSettings bench{};  ///< a benchmark forces settings, which are then not saved
 };
 
 /// One per pane. Main thread only. Observable fields tell when they change; everything else is read when `chartVersion`

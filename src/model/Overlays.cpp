@@ -3,6 +3,7 @@
 
 #include "chart/OverlayGeometry.h"
 #include "model/AppModel.h"
+#include "perf/Perf.h"
 #include "store/HexColor.h"
 
 namespace vmr {
@@ -28,7 +29,7 @@ constexpr double costShare = 4;        // a rebuild takes at most a quarter of t
 }  // namespace
 
 void AppModel::scheduleOverlays() {
-    if (renderer_.interacting && renderer_.interacting()) {
+    if (!at_.bench.baseline && renderer_.interacting && renderer_.interacting()) {
         overlaysPendingAfterDrag_ = true;
         return;
     }
@@ -80,6 +81,7 @@ void AppModel::rebuildOverlays() {
     overlaysChanged();
     pushOverlayGeometryToGPU();
     const double cost = at_.clock.monotonic() - start;
+    if (at_.perf) at_.perf->time("OverlayRebuild", cost * 1000);
     overlayCostEMA_ = overlayCostEMA_ == 0 ? cost : cost * 0.2 + overlayCostEMA_ * 0.8;
 }
 

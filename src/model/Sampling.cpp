@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "model/AppModel.h"
+#include "perf/Perf.h"
 
 namespace vmr {
 
@@ -26,11 +27,13 @@ void AppModel::updateHfpTimer() {
 
 void AppModel::takeHfpSample() {
     const double now = at_.clock.now();
+    const double start = at_.clock.monotonic();
     const auto sample = Hfp::sample(strikes, Hfp::spotPrice(FieldView(derivedFields), candles, etfRatio), now);
     if (!sample) return;
     hfp.samples.push_back(*sample);
     Hfp::trim(hfp.samples, now);
     hfp.changed();
+    if (at_.perf) at_.perf->time("hfpSample", (at_.clock.monotonic() - start) * 1000);
 }
 
 void AppModel::setGex3DActive(bool on) {
