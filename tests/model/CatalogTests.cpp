@@ -1,4 +1,4 @@
-// The server's catalog and contract map: what they change, what they leave, when the chart rolls.
+// The server's catalog and contract map: what they change and what they leave.
 #include "model/PaneFixture.h"
 
 namespace vmr::test {
@@ -19,17 +19,8 @@ TEST_F(Catalog, BuiltInTablesServeUntilACatalogComes) {
     EXPECT_THAT(model->futuresList(), ElementsAre(Pair("NQ", "QQQ"), Pair("ES", "SPY"), Pair("RTY", "IWM"),
                                                   Pair("YM", "DIA"), Pair("GC", "GLD"), Pair("CL", "USO")));
     EXPECT_THAT(model->stockList(), ElementsAre("AAPL", "NVDA", "MSFT", "GOOGL", "AMZN", "META", "TSLA"));
-    EXPECT_EQ(model->effectiveContract("NQ"), "NQM6");
     EXPECT_EQ(model->effectiveContract("SI"), std::nullopt);
-    EXPECT_EQ(model->pairFor("NQ"), "ES");
-    EXPECT_EQ(model->pairFor("ES"), "NQ");
-    EXPECT_EQ(model->pairFor("RTY"), std::nullopt);
-    EXPECT_EQ(model->indexSourceFor("RTY"), "RUT");
-    EXPECT_EQ(model->indexSourceFor("GC"), std::nullopt);
-    EXPECT_EQ(model->defaultSourceFor("GC"), "GLD");
     EXPECT_EQ(model->defaultSourceFor("SI"), std::nullopt);
-    EXPECT_EQ(pairedInstrument("NQ"), (PairedInstrument{"ES", "ESM6"}));
-    EXPECT_EQ(pairedInstrument("GC"), std::nullopt);
 }
 
 TEST_F(Catalog, ReadsEntriesWithTheirDefaults) {
@@ -80,38 +71,6 @@ TEST_F(Catalog, AnEmptyOrUnchangedListLeavesTheOldOneInPeace) {
     EXPECT_EQ(notices, 2);
     EXPECT_EQ(model->catFutures->size(), 1u);
     EXPECT_THAT(model->catStocks.get(), ElementsAre("NFLX"));
-}
-
-TEST_F(Catalog, TheChartRollsWithItsOwnContractAlone) {
-    open();  // futures:NQU6, before any map
-    contracts(R"({"NQ":"NQM6","ES":"ESU6"})");
-    EXPECT_EQ(model->chartChannel.get(), "futures:NQM6");
-    EXPECT_EQ(model->secondaryContract, "ESU6");
-    EXPECT_THAT(takeLog(),
-                ElementsAre("→ contract roll: NQ → NQM6", "→ chart: futures:NQM6 + derived:QQQ + derived:srlevels:NQ"));
-    EXPECT_EQ(preferences.get("gex-last-symbol"), "NQ");
-
-    snapshot("futures:NQM6", flatBars(minute, 1));
-    takeLog();
-    contracts(R"({"NQ":"NQM6","ES":"ESU6"})");
-    contracts(R"({"ES":"ESZ6","GC":"GCZ6"})");
-    contracts(R"({"NQ":"NQM6"})");  // new to the map, but the chart is there
-    EXPECT_THAT(takeLog(), IsEmpty());
-    EXPECT_EQ(model->candles.size(), 1u);
-    EXPECT_EQ(model->secondaryContract, "ESU6") << "the pair's contract takes effect with the next chart";
-    EXPECT_THAT(model->contractOverrides.get(), ElementsAre(Pair("NQ", "NQM6"))) << "replaced as a whole";
-
-    contracts(R"({"NQ":"NQU6"})");
-    EXPECT_EQ(model->chartChannel.get(), "futures:NQU6");
-    EXPECT_THAT(model->candles, IsEmpty());
-    EXPECT_EQ(model->effectiveContract("NQ"), "NQU6") << "over the built-in table";
-}
-
-TEST_F(Catalog, AStockChartNeverRolls) {
-    openSymbol("AAPL");
-    contracts(R"({"AAPL":"AAPLM6","NQ":"NQU6"})");
-    EXPECT_EQ(model->chartChannel.get(), "stocks:AAPL");
-    EXPECT_EQ(model->contractOverrides->size(), 2u);
 }
 
 TEST_F(Catalog, AMapThatIsNotAllTextIsOnlyLogged) {

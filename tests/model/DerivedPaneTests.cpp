@@ -1,6 +1,5 @@
-// A pane's derived data: which expiration and source it shows, what a patch changes, and what is sampled when.
+// A pane's derived data beside its steps: long rows, markers, session lines, overlays, and what is sampled when.
 #include <algorithm>
-#include <cmath>
 
 #include "model/PaneFixture.h"
 
@@ -11,62 +10,17 @@ using namespace testing;
 
 using DerivedPane = test::PaneFixture;
 
-// Rows at two strikes; the slice of 2026-06-12 has other rows and no ratio.
+// Aggregate rows, and rows of two expirations out of four.
 const std::string wholePatch =
-    R"({"etfRatio":41,"spot":600,"callWallStrike":610,"putWallStrike":590.5,"gammaFlipStrike":"600.5",)"
-    R"("totalCallOI":7,"totalPutGex":-3,"hfTotal":12,"expirations":["2026-06-17","2026-06-12","2026-06-10","2026-07-17"],)"
-    R"("gexByStrike":[{"strike":601,"callGex":5,"putGex":1,"callHf":3,"putHf":-1},{"strike":599,"callGex":"2","putGex":4}],)"
-    R"("byExpiration":{"2026-06-12":{"gexByStrike":[{"strike":605,"callGex":9}],"totalCallOI":1},)"
+    R"({"etfRatio":41,"spot":600,"expirations":["2026-06-17","2026-06-12","2026-06-10","2026-07-17"],)"
+    R"("gexByStrike":[{"strike":601,"callGex":5,"putGex":1},{"strike":599,"callGex":"2","putGex":4}],)"
+    R"("byExpiration":{"2026-06-12":{"gexByStrike":[{"strike":605,"callGex":9}]},)"
     R"("2026-06-10":{"gexByStrike":[{"strike":598,"callGex":1},{"strike":600,"callGex":2}]}}})";
 
 std::vector<double> strikesOf(const AppModel& pane) {
     std::vector<double> out;
     for (const StrikeRow& row : pane.strikes.get()) out.push_back(row.strike);
     return out;
-}
-
-TEST_F(DerivedPane, FollowsTheNearestExpirationUntilOneIsPicked) {
-    AppModel& pane = openSymbol("NQ");
-    event("derived:QQQ", wholePatch);
-    EXPECT_EQ(pane.futureExps.get(), (std::vector<std::string>{"2026-06-10", "2026-06-12", "2026-06-17"}));
-    EXPECT_EQ(pane.selectedExp.get(), "2026-06-10");
-    EXPECT_THAT(strikesOf(pane), ElementsAre(598, 600));
-    EXPECT_EQ(pane.etfRatio, 41);  // the slice lacks it
-    EXPECT_EQ(pane.gammaFlipStrike.get(), 600.5);
-    EXPECT_EQ(pane.hud->callOI, 7);
-    ASSERT_EQ(pane.levels->size(), 2u);
-    EXPECT_EQ(pane.levels.get()[1].label, "Put Wall 590.5");
-    takeLog();
-
-    pane.setExpiration("2026-06-12");
-    EXPECT_THAT(strikesOf(pane), ElementsAre(605));
-    EXPECT_EQ(pane.hud->callOI, 1);
-    EXPECT_EQ(takeLog(), std::vector<std::string>{"→ exp: 2026-06-12"});
-    pane.setExpiration("2026-06-12");
-    EXPECT_TRUE(takeLog().empty());
-
-    event("derived:QQQ", R"({"expirations":["2026-06-10","2026-06-17"]})");  // the pick is gone
-    EXPECT_EQ(pane.selectedExp.get(), "2026-06-10");
-    event("derived:QQQ", R"({"expirations":["2026-06-10","2026-06-12"]})");  // and is not taken up again by itself
-    EXPECT_EQ(pane.selectedExp.get(), "2026-06-10");
-    event("derived:QQQ", R"({"expirations":[]})");
-    EXPECT_EQ(pane.selectedExp.get(), std::nullopt);
-    EXPECT_THAT(strikesOf(pane), ElementsAre(599, 601));  // the aggregate
-}
-
-TEST_F(DerivedPane, AnExpirationWithoutASliceShowsTheAggregateAndPatchesOnlyReplaceTheirKeys) {
-    AppModel& pane = openSymbol("NQ");
-    event("derived:QQQ", wholePatch);
-    pane.setExpiration("2026-06-17");
-    EXPECT_THAT(strikesOf(pane), ElementsAre(599, 601));
-    event("derived:QQQ", R"({"gexByStrike":[{"strike":700},{"strike":"nan"},{"strike":650}],"etfRatio":0})");
-    ASSERT_EQ(pane.strikes->size(), 3u);
-    EXPECT_EQ(pane.strikes.get()[0].strike, 650);
-    EXPECT_TRUE(std::isnan(pane.strikes.get()[2].strike));
-    EXPECT_EQ(pane.etfRatio, 41);  // a ratio of 0 is no ratio
-    EXPECT_TRUE(pane.levels->empty());
-    event("derived:QQQ", R"({"gexByStrike":"none"})");
-    EXPECT_TRUE(pane.strikes->empty());
 }
 
 TEST_F(DerivedPane, LongRowsReadOnTheRelaysQueueEqualShortOnesReadHere) {
@@ -92,36 +46,6 @@ TEST_F(DerivedPane, LongRowsReadOnTheRelaysQueueEqualShortOnesReadHere) {
     EXPECT_THAT(strikesOf(pane), ElementsAre(5));
 }
 
-TEST_F(DerivedPane, GoesRoundTheSources) {
-    AppModel& pane = openSymbol("NQ");
-    const struct {
-        const char *source, *levels, *second, *key;
-        std::size_t channels;
-    } rounds[] = {{"INDEX", "derived:NDX", "", "NQ_NDX", 17},
-                  {"BOTH", "derived:QQQ", "derived:NDX", "NQ_QQQNDX", 18},
-                  {"ETF", "derived:QQQ", "", "NQ_QQQ", 17}};
-    for (const auto& r : rounds) {
-        pane.cycleGexSource();
-        EXPECT_EQ(pane.config->gexSource, r.source);
-        EXPECT_EQ(pane.levelsChannel.get(), r.levels);
-        EXPECT_EQ(pane.secondaryGexChannel, r.second);
-        EXPECT_EQ(pane.symbolSource(), r.key);
-        EXPECT_EQ(pane.subscribedChans.size(), r.channels);
-    }
-    pane.cycleGexSource();
-    pane.cycleGexSource();
-    event("derived:NDX", R"({"gexByStrike":[{"strike":24000}],"etfRatio":1.01})");
-    EXPECT_EQ(pane.secStrikes->at(0).strike, 24000);
-    EXPECT_EQ(pane.secEtfRatio, 1.01);
-    for (const auto& [symbol, key] : {std::pair{"GC", "GC_GLD"}, {"AAPL", "AAPL"}}) {
-        pane.switchSymbol(symbol);
-        EXPECT_EQ(pane.symbolSource(), key);
-        EXPECT_TRUE(pane.secStrikes->empty());
-    }
-    pane.cycleGexSource();
-    EXPECT_EQ(pane.chartChannel.get(), "stocks:AAPL");
-}
-
 TEST_F(DerivedPane, KeepsMarkersAndHistoriesByMinute) {
     AppModel& pane = openSymbol("NQ");
     snapshot("derived:gexBubbles:QQQ",
@@ -145,10 +69,6 @@ TEST_F(DerivedPane, KeepsMarkersAndHistoriesByMinute) {
     time.advance(1.0 / 100);
     EXPECT_EQ(pane.oscLines->nq, (std::vector<OscPt>{{1781100000, 1}, {1781100060, 3}}));
     EXPECT_EQ(pane.oscLines->vix, (std::vector<OscPt>{{1781100000, 2.5}}));
-
-    pane.switchSymbol("ES");
-    EXPECT_TRUE(pane.bubblePts->empty() && pane.trianglePts->empty() && pane.hfByMin.empty() &&
-                pane.oscLines->nq.empty());
 }
 
 TEST_F(DerivedPane, SessionLinesFollowTheBarsAlsoAtTheCap) {

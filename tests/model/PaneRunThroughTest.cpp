@@ -1,0 +1,431 @@
+// One pane from its first connect on, step by step: what each step changes in the state, and that the rest stays.
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <set>
+
+#include "model/PaneFixture.h"
+
+namespace vmr::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Names = std::vector<std::string>;
+
+std::string joined(const Names& names) {
+    std::string out;
+    for (const std::string& name : names) out += (out.empty() ? "" : " ") + name;
+    return out;
+}
+
+std::set<std::string> split(const std::string& text, const std::string& mark) {
+    std::set<std::string> out;
+    for (std::size_t at = 0, end = 0; end != std::string::npos; at = end + mark.size()) {
+        end = text.find(mark, at);
+        if (end != at && at < text.size()) out.insert(text.substr(at, end - at));
+    }
+    return out;
+}
+
+// A field as the steps write it: strikes and walls by their numbers, any other list of records by its length.
+std::string brief(std::string_view key, JsonView value) {
+    if (key == "oscLines") return std::to_string(value["nq"].size()) + " minutes";
+    if (key == "gex3D") return value.isObject() ? "surface" : "none";
+    if (key == "hud") return value["callOI"].text() + " " + value["putGex"].text() + " " + value["hf"].text();
+    if (value.isString()) return std::string(value.string());
+    if (!value.isArray()) return value.text();
+    Names out;
+    for (const JsonView item : value.items()) {
+        if (key == "strikes" || key == "secStrikes")
+            out.push_back(item["strike"].text());
+        else if (key == "levels")
+            out.push_back(std::string(item["label"].string()) + " @" + item["price"].text());
+        else if (!item.isString())
+            return std::to_string(value.size()) + " records";
+        else
+            out.emplace_back(item.string());
+    }
+    return joined(out);
+}
+
+// The first channels of a chart; the other instrument's, the second source's and the session levels' come behind.
+std::string chart(const std::string& bars, const std::string& source) {
+    const std::string quote = bars.starts_with("futures:") ? bars + ":quote " : "";
+    return bars + " " + bars + ":1m " + bars + ":trades meta:contracts meta:instruments " + quote +
+           "indices:I:VIX indices:I:VIX:1m derived:" + source + " derived:gexBubbles:" + source +
+           " derived:hfTriangles:" + source + " derived:osc:" + source + " derived:hfHistory:" + source;
+}
+
+std::string other(const std::string& bars) { return " " + bars + " " + bars + ":1m " + bars + ":trades"; }
+
+class PaneRunThrough : public PaneFixture {
+ protected:
+    /// Whether those of the state's fields that have changed since the last call are the `wanted` ones, written as
+    /// "field=value; field=value".
+    testing::AssertionResult changed(const std::string& wantedText) {
+        const auto wanted = split(wantedText, "; ");
+        const auto before = std::exchange(seen_, fields());
+        std::set<std::string> found;
+        for (const auto& [key, value] : seen_)
+            if (const auto old = before.find(key); old == before.end() || old->second != value)
+                found.insert(key + "=" + (key == "chartVersion" ? "raised" : value));
+        auto result = found == wanted ? testing::AssertionSuccess() : testing::AssertionFailure();
+        for (const std::string& line : found)
+            if (!wanted.contains(line)) result << "\n  unexpected: " << line;
+        for (const std::string& line : wanted)
+            if (!found.contains(line)) result << "\n  missing: " << line;
+        return result;
+    }
+
+    /// The messages since the last call, as "subscribe a b".
+    Names sent() {
+        time.runUntilIdle();
+        Names out;
+        for (const std::string& text : sockets.count() > 0 ? sockets.last().takeSent() : Names()) {
+            const auto message = Json::parse(text);
+            if (const JsonView list = (*message)["channels"]; list.isArray())
+                out.push_back(std::string((*message)["action"].string()) + " " + brief("", list));
+        }
+        return out;
+    }
+
+    /// Takes whatever has changed, has been sent and stands in the log.
+    void forget() {
+        seen_ = fields();
+        sent();
+        takeLog();
+    }
+
+    /// Something on every channel of a futures chart with a pair, and all that comes of it.
+    void fill() {
+        snapshot(model->chartChannel, flatBars(minute - 60, 2, 24600));
+        snapshot(model->secondaryChannel, flatBars(minute - 60, 2, 6000));
+        snapshot("indices:I:VIX", flatBars(minute - 60, 2, 17));
+        event(model->levelsChannel, derived);
+        event(model->bubblesChannel, R"({"bubbles":{"1781100000":{"s":600}}})");
+        event(model->trianglesChannel, R"({"triangles":{"1781100000":{"d":[[600,-10]]}}})");
+        event(model->oscChannel, R"({"points":{"1781100000":{"nq":1}}})");
+        event(model->hfHistoryChannel, R"({"candles":{"1781100000":{"c":5}}})");
+        event(model->srChannel, R"({"sessions":{"1781042400":{"openPrice":1,"up":[{"i":1,"price":101}]}}})");
+        model->hfp.samples.push_back({});
+        model->setGex3DActive(true);
+        time.advance(0.1);
+    }
+
+    // The steps, in the order of the test.
+    void connects();
+    void rollsToItsContract();
+    void fillsUp();
+    void followsTheExpirationThatIsPicked();
+    void fallsBackWhenThePickIsGone();
+    void goesToTheIndex();
+    void showsBothSources();
+    void reconnects();
+    void changesTheVolatilityIndex();
+    void goesToAStock();
+
+    /// What a new chart empties of a filled one. The volatility index, the catalog and what was made of the last
+    /// derived fields (strikes, ratios, gamma flip, totals, expirations) are not among it.
+    const std::string emptied =
+        "candles=; displayCandles=; secondaryCandles=; levels=; derivedFields=; srSessions=; srLines=; bubblePts=; "
+        "trianglePts=; hfByMin=0; hfp=; oscLines=0 minutes; gex3D=none; vwapMain=; vixLine=; hfLine=; secondCandles=; ";
+
+    // Walls at 610 and 590.5. The slice of 2026-06-12 has rows, a ratio and a call wall of its own and takes the flip.
+    const std::string derived =
+        R"({"etfRatio":41,"callWallStrike":610,"putWallStrike":590.5,"gammaFlipStrike":"600.5",)"
+        R"("totalCallOI":7,"totalPutGex":-3,"hfTotal":12,)"
+        R"("expirations":["2026-06-17","2026-06-12","2026-06-10","2026-07-17"],)"
+        R"("gexByStrike":[{"strike":601,"callGex":5},{"strike":599,"callGex":"2"}],"byExpiration":{)"
+        R"("2026-06-12":{"gexByStrike":[{"strike":605}],"etfRatio":40,"callWallStrike":620,"gammaFlipStrike":null},)"
+        R"("2026-06-10":{"gexByStrike":[{"strike":600},{"strike":598}],"totalCallOI":1}}})";
+
+ private:
+    std::map<std::string, std::string> fields() {
+        std::map<std::string, std::string> out;
+        const auto document = Json::parse(documentWithoutLog());
+        const JsonView pane = *(*document)["panes"].items().begin();
+        for (const auto& [key, value] : pane.members())
+            if (key != "config") out[std::string(key)] = brief(key, value);
+        for (const auto& [key, value] : pane["config"].members()) out["config." + std::string(key)] = brief("", value);
+        return out;
+    }
+    std::map<std::string, std::string> seen_;
+};
+
+const std::string nqByEtf = chart("futures:NQM6", "QQQ") + other("futures:ESU6") + " derived:srlevels:NQ";
+const std::string nqByIndex = chart("futures:NQM6", "NDX") + other("futures:ESU6") + " derived:srlevels:NQ";
+const std::string nqByBoth = chart("futures:NQM6", "QQQ") + other("futures:ESU6") + " derived:NDX derived:srlevels:NQ";
+
+void PaneRunThrough::connects() {
+    make();
+    forget();
+    signIn();
+    greet();
+    const std::string list =
+        "futures:NQU6 futures:NQU6:1m futures:NQU6:trades meta:contracts meta:instruments futures:NQU6:quote "
+        "indices:I:VIX indices:I:VIX:1m derived:QQQ derived:gexBubbles:QQQ derived:hfTriangles:QQQ derived:osc:QQQ "
+        "derived:hfHistory:QQQ futures:ESM6 futures:ESM6:1m futures:ESM6:trades derived:srlevels:NQ";
+    EXPECT_TRUE(
+        changed("isSignedIn=true; userEmail=a@b.c; connected=true; status=Connected; chartChannel=futures:NQU6; "
+                "levelsChannel=derived:QQQ; currentSymbol=NQ; symbolSource=NQ_QQQ; simRoot=NQ; "
+                "bubblesChannel=derived:gexBubbles:QQQ; trianglesChannel=derived:hfTriangles:QQQ; "
+                "oscChannel=derived:osc:QQQ; hfHistoryChannel=derived:hfHistory:QQQ; srChannel=derived:srlevels:NQ; "
+                "secondSymbol=ES; secondaryContract=ESM6; secondaryChannel=futures:ESM6; subscribedChans=" +
+                list));
+    EXPECT_THAT(sent(), ElementsAre("subscribe " + list));
+    EXPECT_EQ(takeLog().back(), "→ chart: futures:NQU6 + derived:QQQ + derived:srlevels:NQ");
+    EXPECT_EQ(printed.back(), "[app] → chart: futures:NQU6 + derived:QQQ + derived:srlevels:NQ");
+}
+
+void PaneRunThrough::rollsToItsContract() {
+    fill();
+    forget();
+    const std::string map = R"({"ES":"ESU6","NQ":"NQM6"})";
+    event("meta:contracts", R"({"map":)" + map + "}");
+    EXPECT_TRUE(changed(emptied +
+                        "chartChannel=futures:NQM6; secondaryContract=ESU6; secondaryChannel=futures:ESU6; "
+                        "contractOverrides=" +
+                        map + "; subscribedChans=" + nqByEtf));
+    EXPECT_THAT(takeLog(),
+                ElementsAre("→ contract roll: NQ → NQM6", "→ chart: futures:NQM6 + derived:QQQ + derived:srlevels:NQ"));
+    EXPECT_EQ(sent().back(), "subscribe " + nqByEtf);
+    EXPECT_EQ(preferences.get("gex-last-symbol"), "NQ");
+    event("meta:contracts", R"({"map":)" + map + "}");
+    EXPECT_TRUE(changed(""));
+    // another's contract, and the chart's own when it is there already
+    for (const std::string& next : {std::string(R"({"ES":"ESZ6"})"), map}) {
+        event("meta:contracts", R"({"map":)" + next + "}");
+        EXPECT_TRUE(changed("contractOverrides=" + next));
+    }
+    EXPECT_THAT(takeLog(), IsEmpty());
+    EXPECT_THAT(sent(), IsEmpty());
+}
+
+void PaneRunThrough::fillsUp() {
+    model->reloadChart();
+    forget();
+    fill();
+    EXPECT_TRUE(changed(
+        "candles=2 records; displayCandles=2 records; secondaryCandles=2 records; chartVersion=raised; "
+        "levels=Call Wall 610 @25010.0 Put Wall 590.5 @24210.5; derivedFields=byExpiration callWallStrike etfRatio "
+        "expirations gammaFlipStrike gexByStrike hfTotal putWallStrike totalCallOI totalPutGex; srSessions=1 records; "
+        "srLines=2 records; bubblePts=1 records; trianglePts=1 records; hfByMin=1; hfp=1 records; "
+        "oscLines=1 minutes; gex3D=surface; vwapMain=2 records; vixLine=2 records; hfLine=1 records; "
+        "secondCandles=2 records"))
+        << "the rest stands there from the contract before";
+    forget();
+}
+
+void PaneRunThrough::followsTheExpirationThatIsPicked() {
+    EXPECT_EQ(model->selectedExp.get(), "2026-06-10") << "the nearest, by itself";
+    EXPECT_EQ(model->futureExps.get(), (Names{"2026-06-10", "2026-06-12", "2026-06-17"}));
+    model->setExpiration("2026-06-12");
+    EXPECT_TRUE(
+        changed("selectedExp=2026-06-12; strikes=605.0; etfRatio=40.0; gammaFlipStrike=null; "
+                "levels=Call Wall 620 @24800.0 Put Wall 590.5 @23620.0; hud=7.0 -3.0 12.0"));
+    EXPECT_THAT(takeLog(), ElementsAre("→ exp: 2026-06-12"));
+    model->setExpiration("2026-06-12");
+    EXPECT_THAT(takeLog(), IsEmpty());
+    event("derived:QQQ", R"({"callWallStrike":611,"gexByStrike":[{"strike":602}],"etfRatio":41.5})");
+    EXPECT_TRUE(changed("")) << "the slice goes before the aggregate";
+    EXPECT_THAT(sent(), IsEmpty());
+}
+
+void PaneRunThrough::fallsBackWhenThePickIsGone() {
+    event("derived:QQQ", R"({"expirations":["2026-06-10","2026-06-17"]})");
+    EXPECT_TRUE(
+        changed("futureExps=2026-06-10 2026-06-17; selectedExp=2026-06-10; strikes=598.0 600.0; etfRatio=41.5; "
+                "levels=Call Wall 611 @25356.5 Put Wall 590.5 @24505.75; gammaFlipStrike=600.5; "
+                "hud=1.0 -3.0 12.0"));
+    model->setExpiration("2026-06-17");
+    EXPECT_TRUE(changed("selectedExp=2026-06-17; strikes=602.0; hud=7.0 -3.0 12.0")) << "no slice: the aggregate";
+    event("derived:QQQ", R"({"expirations":["2026-06-12","2026-06-17",5,""]})");
+    EXPECT_TRUE(changed("futureExps=2026-06-12 2026-06-17")) << "the later pick is honoured";
+    event("derived:QQQ", R"({"expirations":{}})");
+    EXPECT_TRUE(changed("futureExps=; selectedExp=null"));
+    event("derived:QQQ", R"({"expirations":["2026-06-12"],"etfRatio":0,"totalCallOI":9})");
+    EXPECT_TRUE(
+        changed("futureExps=2026-06-12; selectedExp=2026-06-12; strikes=605.0; etfRatio=40.0; "
+                "levels=Call Wall 620 @24800.0 Put Wall 590.5 @23620.0; gammaFlipStrike=null; "
+                "hud=9.0 -3.0 12.0"));
+    event("derived:QQQ", R"({"byExpiration":{"2026-06-12":7}})");
+    EXPECT_TRUE(changed("strikes=602.0; levels=; gammaFlipStrike=600.5"))
+        << "a ratio of 0 is none, but allows no walls";
+    forget();
+}
+
+void PaneRunThrough::goesToTheIndex() {
+    event("derived:QQQ", derived);
+    forget();
+    model->cycleGexSource();
+    EXPECT_TRUE(changed(emptied +
+                        "config.gexSource=INDEX; chartVersion=raised; levelsChannel=derived:NDX; symbolSource=NQ_NDX; "
+                        "bubblesChannel=derived:gexBubbles:NDX; trianglesChannel=derived:hfTriangles:NDX; "
+                        "oscChannel=derived:osc:NDX; hfHistoryChannel=derived:hfHistory:NDX; hfScale=1.5e-06; "
+                        "subscribedChans=" +
+                        nqByIndex));
+    EXPECT_THAT(sent(), ElementsAre("unsubscribe " + nqByEtf, "subscribe " + nqByIndex));
+    EXPECT_THAT(takeLog(), ElementsAre("→ chart: futures:NQM6 + derived:NDX + derived:srlevels:NQ"));
+    event("derived:NDX", R"({"gexByStrike":[{"strike":24600}]})");
+    EXPECT_TRUE(
+        changed("derivedFields=gexByStrike; strikes=24600.0; futureExps=; selectedExp=null; "
+                "hud=0.0 0.0 0.0"))
+        << "the ratio stays until one comes";
+    event("derived:QQQ", derived);
+    EXPECT_TRUE(changed("")) << "a channel of the chart before";
+}
+
+void PaneRunThrough::showsBothSources() {
+    model->cycleGexSource();
+    EXPECT_TRUE(
+        changed("config.gexSource=BOTH; chartVersion=raised; levelsChannel=derived:QQQ; symbolSource=NQ_QQQNDX; "
+                "secondaryGexChannel=derived:NDX; bubblesChannel=derived:gexBubbles:QQQ; "
+                "trianglesChannel=derived:hfTriangles:QQQ; oscChannel=derived:osc:QQQ; "
+                "hfHistoryChannel=derived:hfHistory:QQQ; hfScale=2e-07; derivedFields=; subscribedChans=" +
+                nqByBoth));
+    EXPECT_THAT(sent(), ElementsAre("unsubscribe " + nqByIndex, "subscribe " + nqByBoth));
+    fill();
+    forget();
+    event("derived:NDX", R"({"gexByStrike":[{"strike":24700},{"strike":24600}],"etfRatio":1.01,"totalCallOI":5})");
+    EXPECT_TRUE(
+        changed("secondaryGexFields=etfRatio gexByStrike totalCallOI; secStrikes=24600.0 24700.0; "
+                "secEtfRatio=1.01"));
+    event("derived:NDX", R"({"etfRatio":"inf"})");
+    event("derived:NDX", R"({"etfRatio":0})");
+    EXPECT_TRUE(changed(""));
+    EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+void PaneRunThrough::reconnects() {
+    sockets.last().close(1006);
+    time.runUntilIdle();
+    EXPECT_TRUE(changed("connected=false; status=Disconnected (reconnecting…)"));
+    time.advance(1);
+    greet();
+    EXPECT_TRUE(changed("connected=true; status=Connected"));
+    const Names restored = sent();
+    ASSERT_EQ(restored.size(), 1u);
+    EXPECT_EQ(split(restored.front(), " "), split("subscribe " + nqByBoth, " ")) << "in whatever order";
+    EXPECT_EQ(takeLog().back(), "→ reconnected — subscriptions re-flushed, snapshots merge in place");
+    snapshot("derived:NDX", R"({"totalCallOI":6,"new":1})");
+    snapshot("futures:NQM6", flatBars(minute - 120, 2, 24500));
+    EXPECT_TRUE(
+        changed("secondaryGexFields=etfRatio gexByStrike new totalCallOI; candles=3 records; "
+                "displayCandles=3 records; vwapMain=3 records; chartVersion=raised"));
+    time.advance(0.1);
+    forget();
+}
+
+void PaneRunThrough::changesTheVolatilityIndex() {
+    GexConfig config = model->config;
+    config.vixMode = "1d";
+    model->setConfig(config);
+    std::string list = nqByBoth;
+    for (auto at = list.find("I:VIX"); at != std::string::npos; at = list.find("I:VIX", at + 5))
+        list.insert(at + 5, "1D");
+    EXPECT_TRUE(changed(emptied +
+                        "secStrikes=; secondaryGexFields=; vixCandles=; config.vixMode=1d; "
+                        "vixBaseChannel=indices:I:VIX1D; vixChannel=indices:I:VIX1D:1m; subscribedChans=" +
+                        list));
+    EXPECT_THAT(sent(), ElementsAre("unsubscribe " + nqByBoth, "subscribe " + list));
+    config.vixMode = "30d";
+    model->setConfig(config);
+    fill();
+    forget();
+}
+
+void PaneRunThrough::goesToAStock() {
+    event("meta:instruments", R"({"catalog":{"stocks":[{"sym":"AAPL","hfScale":3}]}})");
+    EXPECT_TRUE(changed("catStocks=AAPL"));
+    model->switchSymbol("AAPL");
+    const std::string list = chart("stocks:AAPL", "AAPL");
+    EXPECT_TRUE(changed(emptied +
+                        "chartChannel=stocks:AAPL; levelsChannel=derived:AAPL; currentSymbol=AAPL; symbolSource=AAPL; "
+                        "sessionHHMM=930; simRoot=; bubblesChannel=derived:gexBubbles:AAPL; "
+                        "trianglesChannel=derived:hfTriangles:AAPL; oscChannel=derived:osc:AAPL; "
+                        "hfHistoryChannel=derived:hfHistory:AAPL; srChannel=; secondSymbol=; secondaryContract=; "
+                        "secondaryChannel=; secondaryGexChannel=; oscPrimaryLabel=AAPL; oscSingle=true; hfScale=3.0; "
+                        "subscribedChans=" +
+                        list));
+    EXPECT_THAT(sent(), ElementsAre("unsubscribe " + nqByBoth, "subscribe " + list));
+    EXPECT_EQ(takeLog().back(), "→ chart: stocks:AAPL + derived:AAPL");
+    const std::string map = R"({"AAPL":"AAPLM6","NQ":"NQU6"})";
+    event("meta:contracts", R"({"map":)" + map + "}");
+    EXPECT_TRUE(changed("contractOverrides=" + map)) << "a stock never rolls";
+    model->cycleGexSource();
+    EXPECT_TRUE(changed("config.gexSource=ETF; chartVersion=raised")) << "and has one source";
+    model->switchSymbol("ZZZ");
+    EXPECT_TRUE(changed("")) << "an unknown symbol is remembered and nothing else";
+    EXPECT_EQ(preferences.get("gex-last-symbol"), "ZZZ");
+    EXPECT_THAT(takeLog(), IsEmpty());
+    EXPECT_THAT(sent(), IsEmpty());
+    model->switchSymbol("NQ");
+    EXPECT_EQ(model->chartChannel.get(), "futures:NQU6") << "the contract that came in between";
+}
+
+TEST_F(PaneRunThrough, EachStepChangesWhatItShouldAndNothingElse) {
+    connects();
+    rollsToItsContract();
+    fillsUp();
+    followsTheExpirationThatIsPicked();
+    fallsBackWhenThePickIsGone();
+    goesToTheIndex();
+    showsBothSources();
+    reconnects();
+    changesTheVolatilityIndex();
+    goesToAStock();
+}
+
+TEST_F(PaneRunThrough, EveryChartHasItsChannels) {
+    const std::string nq = other("futures:NQM6"), es = other("futures:ESM6"), sr = " derived:srlevels:";
+    const struct {
+        const char *symbol, *source;
+        std::string list;
+        std::size_t count;
+        const char *second, *secondGex, *key;
+        double hfScale;
+    } cases[] = {
+        {"NQ", "ETF", chart("futures:NQM6", "QQQ") + es + sr + "NQ", 17, "ES", "", "NQ_QQQ", 2e-7},
+        {"ES", "ETF", chart("futures:ESM6", "SPY") + nq + sr + "ES", 17, "NQ", "", "ES_SPY", 2e-7},
+        {"RTY", "ETF", chart("futures:RTYM6", "IWM") + sr + "RTY", 14, "", "", "RTY_IWM", 5e-7},
+        {"YM", "ETF", chart("futures:YMM6", "DIA") + sr + "YM", 14, "", "", "YM_DIA", 1e-4},
+        {"GC", "ETF", chart("futures:GCQ6", "GLD") + sr + "GC", 14, "", "", "GC_GLD", 4e-6},
+        {"CL", "ETF", chart("futures:CLN6", "USO") + sr + "CL", 14, "", "", "CL_USO", 5e-6},
+        {"META", "ETF", chart("stocks:META", "META"), 12, "", "", "META", 2e-7},
+        {"NQ", "INDEX", chart("futures:NQM6", "NDX") + es + sr + "NQ", 17, "ES", "", "NQ_NDX", 1.5e-6},
+        {"ES", "INDEX", chart("futures:ESM6", "SPX") + nq + sr + "ES", 17, "NQ", "", "ES_SPX", 2.5e-7},
+        {"RTY", "INDEX", chart("futures:RTYM6", "RUT") + sr + "RTY", 14, "", "", "RTY_RUT", 5e-7},
+        {"GC", "INDEX", chart("futures:GCQ6", "GLD") + sr + "GC", 14, "", "", "GC_GLD", 4e-6},
+        {"NQ", "BOTH", chart("futures:NQM6", "QQQ") + es + " derived:NDX" + sr + "NQ", 18, "ES", "derived:NDX",
+         "NQ_QQQNDX", 2e-7},
+        {"ES", "BOTH", chart("futures:ESM6", "SPY") + nq + " derived:SPX" + sr + "ES", 18, "NQ", "derived:SPX",
+         "ES_SPYSPX", 2e-7},
+        {"RTY", "BOTH", chart("futures:RTYM6", "IWM") + " derived:RUT" + sr + "RTY", 15, "", "derived:RUT",
+         "RTY_IWMRUT", 5e-7},
+        {"GC", "BOTH", chart("futures:GCQ6", "GLD") + sr + "GC", 14, "", "", "GC_GLD", 4e-6},
+        {"TSLA", "BOTH", chart("stocks:TSLA", "TSLA"), 12, "", "", "TSLA", 2e-7},
+    };
+    open();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.symbol) + " " + c.source);
+        GexConfig config = model->config;
+        config.gexSource = c.source;
+        model->setConfig(config);
+        model->switchSymbol(c.symbol);
+        EXPECT_EQ(joined(model->subscribedChans), c.list);
+        EXPECT_EQ(model->subscribedChans.size(), c.count);
+        EXPECT_EQ(sent().back(), "subscribe " + c.list);
+        EXPECT_EQ(model->levelsChannel.get(), model->subscribedChans.at(model->isStock() ? 7 : 8));
+        EXPECT_EQ(model->secondSymbol, c.second);
+        EXPECT_EQ(model->secondaryGexChannel, c.secondGex);
+        EXPECT_EQ(model->symbolSource(), c.key);
+        EXPECT_EQ(model->hfScale, c.hfScale);
+        EXPECT_EQ(model->oscPrimaryLabel.get(), c.symbol);
+        EXPECT_EQ(model->oscSingle, std::string(c.symbol) != "NQ");
+    }
+}
+
+}  // namespace
+}  // namespace vmr::test
