@@ -26,7 +26,7 @@ std::vector<StrikeRow> rows(std::size_t n, double first, double step) {
     return list;
 }
 
-/// 250 strikes on two sources, all layers on, three strikes' room to a bar's label.
+/// 250 strikes on two sources, all layers on, 15 points a strike, so that every bar has its label.
 struct Edges {
     test::RecordingGpu gpu;
     FrameArena arena{gpu};

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <random>
+#include <set>
 
 #include "tests/chart/AllocationCount.h"
 #include "tests/chart/FakeGlyphs.h"
@@ -39,41 +40,35 @@ struct BarLabelLayerTest : testing::Test {
     };
     std::vector<Ink> inks(double ratio = 1) const {
         std::vector<Ink> list;
-        if (gpu.draws.empty()) return list;
-        const auto corners = gpu.vertices<TextVertex>(gpu.draws[0]);
+        const auto corners = gpu.draws.empty() ? std::vector<TextVertex>{} : gpu.vertices<TextVertex>(gpu.draws[0]);
         for (std::size_t i = 0; i < corners.size(); i += 4) {
             const auto &a = corners[i], &c = corners[i + 2];
             if (a.color[2] != 0.5F) continue;  // a shadow
-            list.push_back({static_cast<std::size_t>(std::lround(a.color[0] * 1024)), a.position[0] / ratio,
-                            a.position[1] / ratio, c.position[0] / ratio, c.position[1] / ratio});
+            list.push_back({static_cast<std::size_t>(a.color[0] * 1024), a.position[0] / ratio, a.position[1] / ratio,
+                            c.position[0] / ratio, c.position[1] / ratio});
         }
         return list;
     }
-    std::vector<std::size_t> drawn() const {
-        std::vector<std::size_t> list;
-        for (const Ink& ink : inks()) {
-            if (list.empty() || list.back() != ink.label) list.push_back(ink.label);
-        }
-        std::sort(list.begin(), list.end());
-        return list;
+    std::set<std::size_t> drawn() const {
+        std::set<std::size_t> numbers;
+        for (const Ink& ink : inks()) numbers.insert(ink.label);
+        return numbers;
     }
 };
 
 TEST_F(BarLabelLayerTest, TheMoreImportantOfTwoStays) {
-    using testing::ElementsAre;
     add("100 ", 300, 100, -9);
     add("101 ", 305, 102, 8);
     add("102 ", 300, 200, 1e9);
     add("Gamma Flip", 300, 203, {});
-    add("103 ", 300, 300, 5);
     add("Gamma Flip", 320, 302, {});
     add("KGS", 300, 303, {});
     add("104 ", 5, 300, 5, false);
     draw();
-    EXPECT_THAT(drawn(), ElementsAre(0, 3, 6, 7));
+    EXPECT_THAT(drawn(), testing::ElementsAre(0, 3, 5, 6));
     std::swap(labels[0].value, labels[1].value);
     draw();
-    EXPECT_THAT(drawn(), ElementsAre(1, 3, 6, 7)) << "by size, not by sign or order";
+    EXPECT_THAT(drawn(), testing::ElementsAre(1, 3, 5, 6)) << "by size, not by sign or order";
     labels.clear();
     EXPECT_FALSE(draw());
     EXPECT_TRUE(gpu.draws.empty());
@@ -84,23 +79,21 @@ TEST_F(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
     const auto between = [&](double lo, double hi) { return std::uniform_real_distribution(lo, hi)(random); };
     std::size_t seen = 0;
     for (int round = 0; round < 300; ++round) {
-        SCOPED_TRACE(round);
         const double ratio = round % 2 == 0 ? 1 : 1.5;
         labels.clear();
         for (int i = 0; i < 60; ++i) {
-            const bool tag = i % 10 == 0;
-            add(tag ? "Gamma Flip" : "21000.5 ", between(-40, 640), between(-40, 440),
-                tag ? std::nullopt : std::optional(between(-9, 9)), i % 2 == 0);
+            const auto value = i % 10 == 0 ? std::nullopt : std::optional(between(-9, 9));
+            add(value ? "21000.5 " : "Gamma Flip", between(-40, 640), between(-40, 440), value, i % 2 == 0);
             labels.back().fontSize = std::round(between(9, 13));
         }
         draw(ratio);
         const auto list = inks(ratio);
         seen += list.size();
         for (const Ink& a : list) {
-            ASSERT_TRUE(a.left >= -1 && a.right <= right + 1 && a.top >= 0 && a.bottom <= bottom);
+            ASSERT_TRUE(a.left >= -1 && a.right <= right + 1 && a.top >= 0 && a.bottom <= bottom) << round;
             for (const Ink& b : list) {
-                if (a.label == b.label) continue;
-                ASSERT_FALSE(a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom);
+                const bool meet = a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+                ASSERT_FALSE(meet && a.label != b.label) << round;
             }
         }
     }
@@ -109,17 +102,14 @@ TEST_F(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
 }
 
 TEST_F(BarLabelLayerTest, ARebuiltAtlasIsFollowedAndAStillFrameAsksForNoMemory) {
-    for (int i = 0; i < 20; ++i) add("6900 ", 300, 20 + 17 * i, i);
+    for (int i = 0; i < 20; ++i) add("6900 ", 300, 20 + 17 * i, i == 0 ? std::nan("") : i);
     glyphs.rebuildAt = 3;
     EXPECT_FALSE(draw());
-    const auto corners = gpu.vertices<TextVertex>(gpu.draws.at(0));
-    EXPECT_EQ(corners.front().uv[0], 2);
+    EXPECT_EQ(gpu.vertices<TextVertex>(gpu.draws.at(0)).front().uv[0], 2);
     for (int i = 0; i < 8; ++i) draw();
-    labels.front().value = std::nan("");
     const long before = allocationCount();
     draw();
-    const long drawing = allocationCount() - before;
-    EXPECT_EQ(drawing, 0);
+    EXPECT_EQ(allocationCount() - before, 0);
 }
 
 }  // namespace
