@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "base/Clock.h"
+#include "bench/chart/Measure.h"
 #include "chart/AxisLayer.h"
 #include "chart/ChartRenderer.h"
-#include "tests/chart/AllocationCount.h"
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/RecordingGpu.h"
 
@@ -48,16 +48,6 @@ struct Scene {
         if (task) std::exchange(task, nullptr)();
     }
 };
-
-/// Runs `step` as the benchmark's body and reports its allocations.
-template <class Step>
-void measure(benchmark::State& state, Step&& step) {
-    for (int i = 0; i < 200; ++i) step();
-    const long before = test::allocationCount();
-    for (auto _ : state) step();
-    state.counters["allocs"] =
-        benchmark::Counter(static_cast<double>(test::allocationCount() - before), benchmark::Counter::kAvgIterations);
-}
 
 void memcpyOfStillFrame(benchmark::State& state) {
     Scene scene(5000);

@@ -1,0 +1,156 @@
+// CPU time of a frame with every layer on, as the window records it: 250 strikes of two sources with DEX, open interest
+// and waves, ten hours of markers, all overlays. `memcpyOfFullFrame` copies as many bytes as such a frame streams and
+// is the baseline of the run.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <vector>
+
+#include "base/Clock.h"
+#include "bench/chart/Measure.h"
+#include "chart/AxisLayer.h"
+#include "chart/BarLabelLayer.h"
+#include "chart/ChartRenderer.h"
+#include "tests/chart/FakeGlyphs.h"
+#include "tests/chart/FullScene.h"
+#include "ui/RhiGpu.h"
+
+namespace vmr {
+namespace {
+
+std::vector<Candle> waveBars(std::size_t n) {
+    std::vector<Candle> list;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double open = 21000 + 60 * std::sin(static_cast<double>(i) * 0.03);
+        const double close = 21000 + 60 * std::sin(static_cast<double>(i + 1) * 0.03);
+        list.push_back({1781092800 + static_cast<std::int64_t>(i) * 60, open, std::max(open, close) + 2,
+                        std::min(open, close) - 2, close, 1});
+    }
+    return list;
+}
+
+constexpr test::SceneSize everything{.strikes = 250, .minutes = 600, .bubbles = 3, .triangles = 5, .ribbons = 5};
+
+struct FullScene {
+    SystemClock clock;
+    RhiGpu gpu;
+    RecordedFrame shown;
+    test::FakeGlyphs glyphs;
+    SessionTime session;
+    BarLabelLayer labels{glyphs};
+    AxisLayer axes{glyphs, session};
+    std::function<void()> task;
+    ChartRenderer renderer{gpu, clock, [this](std::function<void()> posted) { task = std::move(posted); }};
+    test::SceneData data;
+    double now = 1000;
+
+    explicit FullScene(std::size_t bars = 5000) : data(waveBars(bars), everything) {
+        renderer.addScreenLayer(labels);
+        renderer.addScreenLayer(axes);
+        renderer.onViewport = [](double first, double, double, double) { benchmark::DoNotOptimize(first); };
+        renderer.onBarLabels = [](const std::vector<BarLabel>& list) { benchmark::DoNotOptimize(list.data()); };
+        data.give(renderer);
+        for (int i = 0; i < 100; ++i) frame();
+    }
+    void frame() {
+        renderer.drawFrame(1400, 900, 2, now += 1.0 / 120);
+        gpu.swapFrame(shown);
+        if (task) std::exchange(task, nullptr)();
+    }
+};
+
+void memcpyOfFullFrame(benchmark::State& state) {
+    FullScene scene;
+    std::vector<std::byte> to(scene.shown.stream.size());
+    measureSpread(state, [&] {
+        std::memcpy(to.data(), scene.shown.stream.data(), to.size());
+        benchmark::ClobberMemory();
+    });
+    state.counters["bytes"] = static_cast<double>(to.size());
+}
+BENCHMARK(memcpyOfFullFrame)->Unit(benchmark::kMicrosecond);
+
+void fullStillFrame(benchmark::State& state) {
+    FullScene scene;
+    measureSpread(state, [&] { scene.frame(); });
+}
+BENCHMARK(fullStillFrame)->Unit(benchmark::kMicrosecond);
+
+/// Pan by a bar and draw, with the same bars in view whatever the history's length.
+void fullPanFrame(benchmark::State& state) {
+    FullScene scene(static_cast<std::size_t>(state.range(0)));
+    scene.renderer.mirrorView(100, 300);
+    int i = 0;
+    measureSpread(state, [&] {
+        scene.renderer.pan(++i % 200 < 100 ? 1 : -1);
+        scene.frame();
+    });
+}
+BENCHMARK(fullPanFrame)->Arg(500)->Arg(5000)->Arg(50000)->Unit(benchmark::kMicrosecond);
+
+/// Rows that change before what is shown has arrived.
+void fullEasingFrame(benchmark::State& state) {
+    FullScene scene;
+    auto& data = scene.data;
+    int i = 0;
+    measureSpread(state, [&] {
+        for (std::size_t row = 0; row < data.strikes.size(); row += 2) {
+            const double factor = i % 2 == 0 ? 3.0 : 1.0 / 3.0;
+            StrikeRow& at = data.strikes[row];
+            for (double* value : {&at.callGex, &at.callDex, &at.callHf, &at.callOI}) *value *= factor;
+        }
+        ++i;
+        scene.renderer.setStrikes(data.strikes, data.ratio, data.flip);
+        scene.frame();
+    });
+}
+BENCHMARK(fullEasingFrame)->Unit(benchmark::kMicrosecond);
+
+/// A trade: everything is handed over as a pane does, and only the forming bar differs.
+void fullTick(benchmark::State& state) {
+    FullScene scene;
+    int i = 0;
+    measureSpread(state, [&] {
+        scene.data.candles.back().close += ++i % 2 == 0 ? 1 : -1;
+        scene.data.give(scene.renderer, false);
+        scene.frame();
+    });
+}
+BENCHMARK(fullTick)->Unit(benchmark::kMicrosecond);
+
+/// Frames that build one kept layer anew, in a chart that shows nothing else beside its bars.
+template <class Change>
+void rebuild(benchmark::State& state, Change&& change) {
+    FullScene scene;
+    scene.data.strikes.clear();
+    scene.data.secStrikes.clear();
+    scene.data.give(scene.renderer, false);
+    for (int i = 0; i < 100; ++i) scene.frame();
+    int i = 0;
+    measureSpread(state, [&] {
+        change(scene.data, ++i % 2 == 0);
+        scene.data.give(scene.renderer, false);
+        scene.frame();
+    });
+}
+void rebuildNothing(benchmark::State& state) {
+    rebuild(state, [](test::SceneData&, bool) {});
+}
+BENCHMARK(rebuildNothing)->Unit(benchmark::kMicrosecond);
+void rebuildCandles(benchmark::State& state) {
+    rebuild(state, [](test::SceneData& data, bool other) { data.config.candleTheme = other ? "other" : "mono"; });
+}
+BENCHMARK(rebuildCandles)->Unit(benchmark::kMicrosecond);
+void rebuildMarkers(benchmark::State& state) {
+    rebuild(state, [](test::SceneData& data, bool other) { data.config.bubbleOpacity = other ? 0.5F : 1.0F; });
+}
+BENCHMARK(rebuildMarkers)->Unit(benchmark::kMicrosecond);
+void rebuildWalls(benchmark::State& state) {
+    rebuild(state, [](test::SceneData& data, bool other) { data.levels[0].price += other ? 1 : -1; });
+}
+BENCHMARK(rebuildWalls)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace vmr
