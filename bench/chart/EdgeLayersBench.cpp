@@ -6,9 +6,9 @@
 #include <cstring>
 #include <vector>
 
+#include "bench/chart/Measure.h"
 #include "chart/BarLabelLayer.h"
 #include "chart/EdgeLayers.h"
-#include "tests/chart/AllocationCount.h"
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/RecordingGpu.h"
 
@@ -60,15 +60,6 @@ struct Edges {
     }
     std::size_t bytes() const { return (made.waveFill->count + made.edgeTris->count) * sizeof(ChartVertex); }
 };
-
-template <class Step>
-void measure(benchmark::State& state, Step&& step) {
-    for (int i = 0; i < 20; ++i) step();
-    const long before = test::allocationCount();
-    for (auto _ : state) step();
-    state.counters["allocs"] =
-        benchmark::Counter(static_cast<double>(test::allocationCount() - before), benchmark::Counter::kAvgIterations);
-}
 
 /// Into three buffers in turn, as the frames write.
 void memcpyOfEdges(benchmark::State& state) {

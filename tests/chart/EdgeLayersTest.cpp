@@ -23,7 +23,7 @@ StrikeRow flow(double strike, double call, double put) { return {.strike = strik
 
 /// A view of 1000 x 800 with price 100 in its middle. The axis is at 926, the widest bar has 128.
 struct EdgeLayersTest : testing::Test {
-    static constexpr double axisX = 926, maxW = 128;
+    static constexpr double axisX = 926;
     RecordingGpu gpu;
     FrameArena arena{gpu};
     EdgeLayers edges;
