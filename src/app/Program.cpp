@@ -7,6 +7,7 @@
 #include "perf/Perf.h"
 #include "relay/Tape.h"
 #include "services/BeastWebSocket.h"
+#include "sim/SimStore.h"
 
 namespace vmr {
 
@@ -87,6 +88,7 @@ Program::Program(ProgramStart& start, MainLoop& main)
       preferences_(openPreferences(start)),
       http_(main),
       auth_(start.endpoints(), http_, preferences_, start.clock()) {
+    openAccount();
     PaneSurroundings surroundings{start_.clock(),
                                   main_,
                                   preferences_,
@@ -96,15 +98,41 @@ Program::Program(ProgramStart& start, MainLoop& main)
                                   [this] { return makeRelay(); },
                                   &Program::print,
                                   {},
+                                  sim_.get(),
                                   &Perf::shared(),
                                   start_.options().bench};
     if (start_.options().headless) surroundings.printMessage = &Program::print;
     pane_ = std::make_unique<AppModel>(std::move(surroundings));
+    for (const std::string& line : std::exchange(accountNotices_, {})) tellOfAccount(line);
     if (!start_.options().tapeSymbol.empty()) pane_->setFirstSymbol(start_.options().tapeSymbol);
 }
 
+// One account for the process. What was traded is on the disk before the process ends.
+void Program::openAccount() {
+    sim_ = std::make_unique<SimEngine>(SimSetup{start_.clock(),
+                                                session_,
+                                                UuidSource(),
+                                                std::make_shared<SimStore>(start_.paths().data, start_.clock()),
+                                                &main_,
+                                                &files_.loop(),
+                                                {},
+                                                [this](const std::string& line) { tellOfAccount(line); }});
+    SimEngine::setShared(sim_.get());
+}
+
+// A person must see it, in the log and over the chart; before there is a pane it waits.
+void Program::tellOfAccount(const std::string& line) {
+    if (!pane_) return accountNotices_.push_back(line);
+    print("[sim] " + line);
+    pane_->append(line);
+    pane_->flashToast("Simulator", line);
+}
+
 Program::~Program() {
+    sim_->flushPendingSave();
     pane_.reset();
+    SimEngine::setShared(nullptr);
+    sim_.reset();
     relayThreads_.clear();
 }
 
@@ -120,7 +148,7 @@ void Program::signInToPractice() {
 
 std::optional<std::string> Program::writeState(const std::string& file) const {
     // a report for the person, not a stored record: it gets the permissions that the person's files get
-    const std::string text = stateDocument(start_.clock(), {pane_.get()});
+    const std::string text = stateDocument(start_.clock(), {pane_.get()}, sim_.get());
     std::FILE* out = std::fopen(file.c_str(), "wb");
     if (!out) return "cannot write " + file;
     const bool written = std::fwrite(text.data(), 1, text.size(), out) == text.size();

@@ -21,6 +21,7 @@
 #include "services/CurlHttpClient.h"
 #include "services/Endpoints.h"
 #include "services/FirebaseRESTAuth.h"
+#include "sim/SimEngine.h"
 
 namespace vmr {
 
@@ -60,6 +61,7 @@ class Program {
     ~Program();
 
     AppModel& pane() { return *pane_; }
+    SimEngine& sim() { return *sim_; }
     ProgramStart& start() { return start_; }
     MainLoop& main() { return main_; }
 
@@ -74,6 +76,8 @@ class Program {
 
  private:
     std::unique_ptr<RelayClient> makeRelay();
+    void openAccount();
+    void tellOfAccount(const std::string& line);
 
     ProgramStart& start_;
     MainLoop& main_;
@@ -83,6 +87,9 @@ class Program {
     SessionTime session_;
     UuidSource ids_;
     std::list<AsioThread> relayThreads_;  // one for each pane's connection
+    AsioThread files_{"velmora.files"};   // writes the paper account
+    std::unique_ptr<SimEngine> sim_;
+    std::vector<std::string> accountNotices_;
     std::unique_ptr<AppModel> pane_;
 };
 

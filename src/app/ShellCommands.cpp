@@ -5,6 +5,7 @@
 #include <mutex>
 #include <thread>
 
+#include "app/SimCommands.h"
 #include "base/NumberText.h"
 
 namespace vmr {
@@ -51,8 +52,10 @@ ShellCommands::Answer ShellCommands::carryOut(const std::string& name, std::stri
     if (name == "help")
         return "ok sign-in EMAIL PASSWORD [forget] | sign-out | open CANDLE_CHANNEL [DERIVED_CHANNEL] | symbol SYM | "
                "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay "
-               "COMMAND (practice) | quit";
+               "COMMAND (practice) | " +
+               std::string(simCommandsHelp) + " | quit";
     if (name == "state") return state(std::string(rest));
+    if (const auto answer = runSimCommand(program_.sim(), name, rest)) return *answer;
     const std::string argument = word(rest);
     if (!argument.empty() && rest.empty()) {
         if (name == "symbol") return symbol(argument);

@@ -40,6 +40,7 @@
 namespace vmr {
 
 class Perf;
+class SimEngine;
 
 /// One line of the pane's log; `time` is market time in seconds.
 struct LogLine {
@@ -80,6 +81,7 @@ struct PaneSurroundings {
     std::function<std::unique_ptr<RelayClient>()> makeRelay;
     std::function<void(const std::string& line)> print;         ///< one whole line to standard output
     std::function<void(const std::string& line)> printMessage;  ///< also for each logged message; may be empty
+    SimEngine* sim = nullptr;                                   ///< the process's one account; null for none
     Perf* perf = nullptr;                                       ///< where work is timed; may be null
     BenchSettings bench{};  ///< a benchmark forces settings, which are then not saved
 };
@@ -305,6 +307,7 @@ class AppModel {
     void autoApplyPreferredTemplate();
     void tellPresence();
     void stopPresence();
+    // The simulator (Simulator.cpp)
     void simOnTrade(double price);
     void simOnQuote(double bid, double ask);
     void simSeedLast(double price);

@@ -1,5 +1,6 @@
 // What a pane takes at intervals: HF pressure samples while the panel is on, the 3D surface while its view is open.
 #include <algorithm>
+#include <utility>
 
 #include "model/AppModel.h"
 #include "perf/Perf.h"
@@ -28,11 +29,11 @@ void AppModel::updateHfpTimer() {
 void AppModel::takeHfpSample() {
     const double now = at_.clock.now();
     const double start = at_.clock.monotonic();
-    const auto sample = Hfp::sample(strikes, Hfp::spotPrice(FieldView(derivedFields), candles, etfRatio), now);
-    if (!sample) return;
-    hfp.samples.push_back(*sample);
-    Hfp::trim(hfp.samples, now);
-    hfp.changed();
+    if (auto sample = Hfp::sample(strikes, Hfp::spotPrice(FieldView(derivedFields), candles, etfRatio), now)) {
+        hfp.samples.push_back(std::move(*sample));
+        Hfp::trim(hfp.samples, now);
+        hfp.changed();
+    }
     if (at_.perf) at_.perf->time("hfpSample", (at_.clock.monotonic() - start) * 1000);
 }
 

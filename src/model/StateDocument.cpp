@@ -115,11 +115,12 @@ json paneDocument(const AppModel& pane) {
 }
 }  // namespace
 
-std::string stateDocument(const Clock& clock, const std::vector<const AppModel*>& panes) {
+std::string stateDocument(const Clock& clock, const std::vector<const AppModel*>& panes, const SimEngine* sim) {
     json out;
     out["clock"] = clock.now();
     out["panes"] = json::array();
     for (const AppModel* pane : panes) out["panes"].push_back(paneDocument(*pane));
+    if (sim) out["sim"] = record(*sim);
     return out.dump(1, ' ', false, json::error_handler_t::replace) + "\n";
 }
 

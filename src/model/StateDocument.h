@@ -8,8 +8,10 @@
 
 namespace vmr {
 
-/// {"clock": seconds, "panes": [...]}: every pane's fields under their own names. Bars are arrays [time, open, high,
-/// low, close, volume], other records objects; a missing optional or a non-finite number is null; doubles round-trip.
-std::string stateDocument(const Clock& clock, const std::vector<const AppModel*>& panes);
+/// {"clock": seconds, "panes": [...], "sim": {...}}: every pane's fields under their own names. Bars are arrays [time,
+/// open, high, low, close, volume], other records objects; a missing optional or a non-finite number is null; doubles
+/// round-trip. Without `sim` its part is missing; dates of the simulator are seconds since 2001.
+std::string stateDocument(const Clock& clock, const std::vector<const AppModel*>& panes,
+                          const SimEngine* sim = nullptr);
 
 }  // namespace vmr

@@ -10,6 +10,7 @@
 #include "market/Records.h"
 #include "model/Gex3D.h"
 #include "model/HfpSample.h"
+#include "sim/SimEngine.h"
 
 namespace vmr::stateRecords {
 
@@ -38,6 +39,7 @@ json record(const OvColorPoint& point);
 json record(const OvCandle& candle);
 json record(const HfpSample& sample);
 json record(const Gex3DData& surface);
+json record(const SimEngine& engine);
 
 template <class Record>
 json list(const std::vector<Record>& records) {

@@ -9,11 +9,4 @@ void AppModel::tellPresence() {}
 void AppModel::stopPresence() {}
 void AppModel::autoApplyPreferredTemplate() {}
 
-// The trading simulator
-void AppModel::simOnTrade(double) {}
-void AppModel::simOnQuote(double, double) {}
-void AppModel::simSeedLast(double) {}
-void AppModel::simUpdateSpecs() {}
-void AppModel::simTakeCommission() {}
-
 }  // namespace vmr

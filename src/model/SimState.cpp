@@ -1,0 +1,118 @@
+// The simulator in the state document.
+#include "model/StateRecords.h"
+
+namespace vmr::stateRecords {
+
+namespace {
+json identity(const std::optional<Uuid>& id) { return id ? json(id->text()) : json(nullptr); }
+json count(const std::optional<std::int64_t>& value) { return value ? json(*value) : json(nullptr); }
+
+json record(const sim::Order& order) {
+    json bracket = nullptr;
+    if (order.bracket)
+        bracket = {{"slTicks", count(order.bracket->slTicks)}, {"tpTicks", count(order.bracket->tpTicks)}};
+    return {{"id", order.id.text()},
+            {"sym", order.sym},
+            {"side", sim::rawText(order.side)},
+            {"type", sim::rawText(order.type)},
+            {"qty", order.qty},
+            {"limitPrice", number(order.limitPrice)},
+            {"stopPrice", number(order.stopPrice)},
+            {"state", sim::rawText(order.state)},
+            {"createdAt", number(order.createdAt)},
+            {"filledAt", number(order.filledAt)},
+            {"fillPrice", number(order.fillPrice)},
+            {"ocoId", identity(order.ocoId)},
+            {"bracket", std::move(bracket)},
+            {"tag", order.tag}};
+}
+
+json record(const sim::Fill& fill) {
+    return {{"id", fill.id.text()},
+            {"sym", fill.sym},
+            {"side", sim::rawText(fill.side)},
+            {"qty", fill.qty},
+            {"price", number(fill.price)},
+            {"commission", number(fill.commission)},
+            {"ts", number(fill.ts)},
+            {"tag", fill.tag}};
+}
+
+json record(const sim::Trade& trade) {
+    return {{"id", trade.id.text()},
+            {"sym", trade.sym},
+            {"side", sim::rawText(trade.side)},
+            {"qty", trade.qty},
+            {"entry", number(trade.entry)},
+            {"exit", number(trade.exit)},
+            {"pnl", number(trade.pnl)},
+            {"fees", number(trade.fees)},
+            {"openedAt", number(trade.openedAt)},
+            {"closedAt", number(trade.closedAt)},
+            {"exitTag", trade.exitTag}};
+}
+
+json record(const sim::OpenTrade& open) {
+    return {{"side", sim::rawText(open.side)},
+            {"maxQty", open.maxQty},
+            {"entryAvg", number(open.entryAvg)},
+            {"openedAt", number(open.openedAt)},
+            {"realizedStart", number(open.realizedStart)},
+            {"fees", number(open.fees)},
+            {"exitQty", open.exitQty},
+            {"exitNotional", number(open.exitNotional)}};
+}
+
+json record(const sim::Stats& stats) {
+    json curve = json::array();
+    for (const double point : stats.curve) curve.push_back(number(point));
+    return {{"count", stats.count},
+            {"wins", stats.wins},
+            {"winRate", number(stats.winRate)},
+            {"net", number(stats.net)},
+            {"fees", number(stats.fees)},
+            {"profitFactor", number(stats.profitFactor)},
+            {"avgWin", number(stats.avgWin)},
+            {"avgLoss", number(stats.avgLoss)},
+            {"payoff", number(stats.payoff)},
+            {"expectancy", number(stats.expectancy)},
+            {"maxDrawdown", number(stats.maxDrawdown)},
+            {"best", number(stats.best)},
+            {"worst", number(stats.worst)},
+            {"avgDurationSec", number(stats.avgDurationSec)},
+            {"slExits", stats.slExits},
+            {"tpExits", stats.tpExits},
+            {"manualExits", stats.manualExits},
+            {"curve", std::move(curve)}};
+}
+
+template <class Records>
+json all(const Records& records) {
+    json out = json::array();
+    for (const auto& one : records) out.push_back(record(one));
+    return out;
+}
+}  // namespace
+
+json record(const SimEngine& engine) {
+    json positions = json::object(), open = json::object(), quotes = json::object(), lasts = json::object();
+    json unrealized = json::object();
+    for (const auto& [root, position] : engine.positions()) {
+        positions[root] = {
+            {"qty", position.qty}, {"avg", number(position.avg)}, {"realized", number(position.realized)}};
+        unrealized[root] = number(engine.unrealized(root));
+    }
+    for (const auto& [root, trade] : engine.openTrades()) open[root] = record(trade);
+    for (const auto& [root, quote] : engine.quotes())
+        quotes[root] = {{"bid", number(quote.bid)}, {"ask", number(quote.ask)}};
+    for (const auto& [root, last] : engine.lasts()) lasts[root] = number(last);
+    return {{"balance", number(engine.balance())}, {"startBalance", number(engine.startBalance())},
+            {"positions", std::move(positions)},   {"orders", all(engine.orders())},
+            {"fills", all(engine.fills())},        {"trades", all(engine.trades())},
+            {"openTrades", std::move(open)},       {"commission", number(engine.commission)},
+            {"quotes", std::move(quotes)},         {"lasts", std::move(lasts)},
+            {"unrealized", std::move(unrealized)}, {"totalUnrealized", number(engine.totalUnrealized())},
+            {"dayPnL", number(engine.dayPnL())},   {"stats", record(SimEngine::stats(engine.trades()))}};
+}
+
+}  // namespace vmr::stateRecords

@@ -1,0 +1,51 @@
+#include "model/SimTrading.h"
+
+#include <algorithm>
+
+namespace vmr {
+
+namespace {
+std::string_view kindOf(const sim::Order& order) {
+    if (order.tag == sim::slTag) return "SL";
+    if (order.tag == sim::tpTag) return "TP";
+    if (order.type == sim::OrderType::limit) return "LMT";
+    return order.type == sim::OrderType::stop ? "STP" : "STP LMT";
+}
+}  // namespace
+
+void SimTrading::lines(const std::string& root, TradingLines& out) const {
+    out.position.reset();
+    out.orders.clear();
+    out.legs.clear();
+    if (const auto found = engine_.positions().find(root); found != engine_.positions().end() && found->second.qty != 0)
+        out.position = {found->second.qty, found->second.avg};
+    for (const sim::Order& order : engine_.orders()) {
+        if (order.sym != root) continue;
+        if (const auto price = order.limitPrice ? order.limitPrice : order.stopPrice)
+            out.orders.push_back({order.id, *price, order.side == sim::Side::buy, order.qty, kindOf(order)});
+        const auto legs = engine_.projectedBracket(order);
+        if (legs.sl) out.legs.push_back({order.id, "SL", *legs.sl});
+        if (legs.tp) out.legs.push_back({order.id, "TP", *legs.tp});
+    }
+}
+
+std::size_t SimTrading::workingCount(const std::string& root) const {
+    return static_cast<std::size_t>(std::count_if(engine_.orders().begin(), engine_.orders().end(),
+                                                  [&](const sim::Order& order) { return order.sym == root; }));
+}
+
+std::optional<double> SimTrading::last(const std::string& root) const {
+    const double* price = engine_.lasts().find(root);
+    return price ? std::optional(*price) : std::nullopt;
+}
+
+void SimTrading::place(const std::string& root, std::string_view side, std::string_view type, double price) {
+    const auto wantedSide = sim::sideNamed(side);
+    const auto wantedType = sim::orderTypeNamed(type);
+    if (!wantedSide || !wantedType) return;
+    const bool isLimit = *wantedType == sim::OrderType::limit;
+    engine_.place(root, *wantedSide, *wantedType, engine_.ticketQty, isLimit ? std::optional(price) : std::nullopt,
+                  isLimit ? std::nullopt : std::optional(price), engine_.ticketBracket);
+}
+
+}  // namespace vmr
