@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "model/PaneFixture.h"
+#include "perf/Perf.h"
 
 namespace vmr {
 namespace {
@@ -177,6 +178,24 @@ TEST_F(DerivedPane, SamplesPressureOnlyWhileWantedAndSignedIn) {
     greet();
     time.advance(2.5);
     EXPECT_EQ(pane.hfp.samples.size(), 5u);
+}
+
+TEST_F(DerivedPane, EveryTurnOfTheSamplerIsTimedAlsoWithoutRows) {
+    std::string report;
+    Perf perf(time, [&report](const std::string& line) { report = line; });
+    auto around = surroundings();
+    around.perf = &perf;
+    model = std::make_unique<AppModel>(around);
+    signIn();
+    greet();
+    GexConfig on = model->config;
+    on.hfPressure = true;
+    model->setConfig(on);
+    time.advance(2.5);
+    EXPECT_TRUE(model->hfp.samples.empty());
+    perf.frame(1);
+    EXPECT_THAT(report, HasSubstr("hfpSample"));
+    model.reset();
 }
 
 TEST_F(DerivedPane, BuildsTheSurfaceAtMostEveryThreeSecondsWhileOpen) {
