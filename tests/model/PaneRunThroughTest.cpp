@@ -219,8 +219,14 @@ void PaneRunThrough::fillsUp() {
 }
 
 void PaneRunThrough::followsTheExpirationThatIsPicked() {
-    EXPECT_EQ(model->selectedExp.get(), "2026-06-10") << "the nearest, by itself";
-    EXPECT_EQ(model->futureExps.get(), (Names{"2026-06-10", "2026-06-12", "2026-06-17"}));
+    event("derived:QQQ", R"({"expirations":["2026-06-17"]})");
+    EXPECT_TRUE(changed("futureExps=2026-06-17; selectedExp=2026-06-17; strikes=599.0 601.0; hud=7.0 -3.0 12.0"));
+    event("derived:QQQ", R"({"expirations":["2026-06-17","2026-06-12","2026-06-10","2026-07-17"]})");
+    EXPECT_TRUE(
+        changed("futureExps=2026-06-10 2026-06-12 2026-06-17; selectedExp=2026-06-10; strikes=598.0 600.0; "
+                "hud=1.0 -3.0 12.0"))
+        << "the nearest, by itself";
+    takeLog();
     model->setExpiration("2026-06-12");
     EXPECT_TRUE(
         changed("selectedExp=2026-06-12; strikes=605.0; etfRatio=40.0; gammaFlipStrike=null; "
