@@ -22,12 +22,12 @@ struct SimSetup {
     SessionTime& session;  ///< the main thread's
     UuidSource ids;
     /// Where the account is kept; none for an account that ends with the process.
-    std::shared_ptr<SimStore> store;
+    std::shared_ptr<SimStore> store = nullptr;
     MainLoop* main = nullptr;      ///< with a store: times the saves
     SerialQueue* files = nullptr;  ///< with a store: encodes and writes them
     /// The number of the machine's calendar day that holds a moment in seconds since 1970; empty for the machine's own.
-    std::function<std::int64_t(double)> localDay;
-    std::function<void(const std::string& line)> log;  ///< what a person should know of the file; may be empty
+    std::function<std::int64_t(double)> localDay = {};
+    std::function<void(const std::string& line)> log = {};  ///< what a person should know of the file; may be empty
 };
 
 /// Main thread only. There are no partial fills, no slippage and no margin: an order fills at once, for its whole

@@ -1,0 +1,287 @@
+// The account's file: when it is written, what it holds, and what happens when it cannot be read or written.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "sim/SimAccountText.h"
+#include "sim/SimScript.h"
+#include "sim/SimStore.h"
+
+namespace vmr::test {
+namespace {
+
+namespace fs = std::filesystem;
+using sim::Side;
+using sim::Snapshot;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// An account with every kind of row and every optional field.
+Snapshot richAccount() {
+    SimScript sim;
+    sim.run(
+        "trade 100; quote 99.75 100; buy 2 sl=40 tp=8; sell 1; buy 1 limit=90.1 sl=3; sell 1 stop=80 limit=79; "
+        "root ES; quote 5 5; sell 1; buy 1; buy 1 stop=7 tp=2");
+    Snapshot account = sim.engine.snapshot();
+    account.orders[2].filledAt = account.orders[2].createdAt + 0.1;
+    account.orders[2].fillPrice = 1e-300;
+    account.positions["flat \"\\\n"] = {0, -0.0, 0.1 + 0.2};
+    account.positions["far"] = {std::numeric_limits<std::int64_t>::min(), 1.7976931348623157e308,
+                                12345678901234567890.0};
+    return account;
+}
+
+TEST(SimAccountText, ReadsBackEqualAndHasTheForm) {
+    const Snapshot account = richAccount();
+    const std::string text = sim::accountText(account).value_or("");
+    const auto read = sim::readAccount(text);
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(*read == account);
+    EXPECT_TRUE(std::signbit(read->positions.at("flat \"\\\n").avg));
+    EXPECT_EQ(sim::accountText(*read), text);
+
+    Snapshot one;
+    sim::Order order;
+    order.id = UuidSource(5).next();
+    order.sym = "NQ";
+    order.type = sim::OrderType::stopLimit;
+    order.stopPrice = 100.25;
+    order.createdAt = sim::dateFrom1970(openHours) + 0.5;
+    order.bracket = sim::BracketSpec{};
+    one.orders = {order};
+    EXPECT_EQ(sim::accountText(one),
+              R"({"balance":50000,"startBalance":50000,"positions":{},"orders":[{"id":")" + order.id.text() +
+                  R"(","sym":"NQ","side":"buy","type":"stopLimit","qty":1,"stopPrice":100.25,"state":"working",)"
+                  R"("createdAt":802792800.5,"bracket":{},"tag":""}],"fills":[],"commission":2.5,"trades":[],)"
+                  R"("openTrades":{}})");
+    const Uuid id{{0x0a, 0xbc, 0xde, 0xf0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 0xff}};
+    EXPECT_EQ(Uuid::parse("0ABCDEF0-0102-0304-0506-0708090A0BFF"), id);
+    EXPECT_EQ(Uuid::parse("0abcdef0-0102-0304-0506-0708090a0bff"), id);
+    for (const char* bad : {"", "0ABCDEF0-0102-0304-0506-0708090A0BF", "0ABCDEF0-0102-0304-0506-0708090A0BFG",
+                            "0ABCDEF00-102-0304-0506-0708090A0BFF", "0ABCDEF0-0102-0304-0506-0708090A0BFFF"})
+        EXPECT_EQ(Uuid::parse(bad), std::nullopt) << bad;
+}
+
+TEST(SimAccountText, AllOrNothing) {
+    const std::string text = sim::accountText(richAccount()).value_or("");
+    struct Row {
+        const char* name;
+        const char* from;  // its first place is replaced
+        const char* to;
+        bool reads;
+    };
+    const Row rows[] = {
+        {"as written", "{", " {", true},
+        {"an unknown key", "{", R"({"later":[1],)", true},
+        {"no trades", R"("trades")", R"("older")", true},
+        {"no open trades", R"("openTrades")", R"("older")", true},
+        {"null for nothing", R"("bracket":{"slTicks":3})", R"("bracket":null)", true},
+        {"a whole number with a point", R"("qty":2)", R"("qty":2.0)", true},
+        {"no commission", R"("commission":2.5,"t)", R"("t)", false},
+        {"no tag", R"(,"tag":"SL"})", "}", false},
+        {"an unknown side", R"("side":"sell")", R"("side":"hold")", false},
+        {"an unknown type", R"("type":"stopLimit")", R"("type":"trail")", false},
+        {"an unknown state", R"("state":"working")", R"("state":"Working")", false},
+        {"half a contract", R"("qty":2)", R"("qty":2.5)", false},
+        {"too many contracts", R"("qty":2)", R"("qty":9223372036854775808)", false},
+        {"text for a number", R"("balance":)", R"("balance":"1","x":)", false},
+        {"a number too large", R"("avg":100)", R"("avg":1e999)", false},
+        {"null for a number", R"("realized":)", R"("realized":null,"x":)", false},
+        {"a broken identity", R"("id":")", R"("id":"x)", false},
+        {"a wrong optional", R"("limitPrice":90.1)", R"("limitPrice":"90.1")", false},
+        {"a list for a map", R"("positions":{)", R"("positions":[],"x":{)", false},
+        {"a wrong row", R"("orders":[)", R"("orders":[7,)", false},
+        {"wrong open trades", R"("openTrades":{)", R"("openTrades":{"a":{},)", false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::string changed = text;
+        const auto at = changed.find(row.from);
+        ASSERT_NE(at, std::string::npos);
+        changed.replace(at, std::string(row.from).size(), row.to);
+        EXPECT_EQ(sim::readAccount(changed).has_value(), row.reads);
+    }
+    for (const char* other : {"", "[]", "null", "{", "{}"}) EXPECT_FALSE(sim::readAccount(other)) << other;
+}
+
+class SimSaving : public testing::Test {
+ protected:
+    void SetUp() override {
+        std::string name = (fs::temp_directory_path() / "velmora-sim-XXXXXX").string();
+        ASSERT_TRUE(::mkdtemp(name.data()));
+        folder = name;
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    std::shared_ptr<SimStore> store() {
+        return std::make_shared<SimStore>(
+            folder / "Velmora", time, [this](const fs::path& path, std::string_view text) {
+                ++writes;
+                return failing ? std::optional<std::string>("no space left") : replaceFile(path, text);
+            });
+    }
+    std::unique_ptr<SimEngine> engine() {
+        return std::make_unique<SimEngine>(SimSetup{.clock = time,
+                                                    .session = session,
+                                                    .ids = UuidSource(3),
+                                                    .store = store(),
+                                                    .main = &main,
+                                                    .files = &files,
+                                                    .log = [this](const std::string& line) { lines.push_back(line); }});
+    }
+    Snapshot saved() const { return sim::readAccount(readFile(file()).value_or("")).value_or(Snapshot{}); }
+    fs::path file() const { return folder / "Velmora" / "sim-account.json"; }
+    static void buy(SimEngine& engine) { engine.place("NQ", Side::buy, sim::OrderType::market, 1); }
+
+    fs::path folder;
+    TestTime time{openHours};
+    TestQueue main{time};
+    TestQueue files{time};
+    SessionTime session;
+    int writes = 0;
+    bool failing = false;
+    std::vector<std::string> lines;
+};
+
+TEST_F(SimSaving, ChangesOfASecondAreOneWrite) {
+    const auto sim = engine();
+    sim->onQuote("NQ", 100, 100);
+    sim->onTrade("NQ", 100);
+    for (int i = 0; i < 3; ++i, time.advance(0.1)) buy(*sim);
+    time.advance(0.65);
+    EXPECT_EQ(writes, 0);
+    time.advance(0.1);
+    EXPECT_EQ(writes, 1);
+    EXPECT_EQ(saved(), sim->snapshot());
+    EXPECT_EQ(saved().fills.size(), 3u);
+    struct stat status {};
+    ASSERT_EQ(::stat(file().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600u);
+    time.advance(10);
+    EXPECT_EQ(writes, 1) << "nothing changed";
+    fs::remove(file());
+    sim->commission = 1.25;
+    buy(*sim);
+    time.advance(1);
+    EXPECT_EQ(writes, 2);
+    EXPECT_EQ(saved().commission, 1.25);
+    EXPECT_TRUE(lines.empty());
+}
+
+TEST_F(SimSaving, AnAccountGoesOnAfterARestart) {
+    auto sim = engine();
+    sim->onTrade("NQ", 100);
+    sim->place("NQ", Side::buy, sim::OrderType::market, 2, {}, {}, sim::BracketSpec{40, 80});
+    sim->place("NQ", Side::buy, sim::OrderType::limit, 1, 99.0, {}, sim::BracketSpec{{}, 8});
+    sim->commission = 3;
+    sim->ticketQty = 9;
+    sim->updateSpecs({{"ODD", {1, 1}}});
+    for (const auto type : {sim::OrderType::limit, sim::OrderType::stop}) sim->place("ODD", Side::buy, type, 1, 7, 7);
+    const Snapshot before = sim->snapshot();
+    EXPECT_TRUE(sim->flushPendingSave());
+    EXPECT_EQ(writes, 1) << "at once";
+    EXPECT_TRUE(sim->flushPendingSave());
+    time.advance(2);
+    EXPECT_EQ(writes, 1) << "the delayed save has nothing left to do";
+    sim.reset();
+    sim = engine();
+    EXPECT_TRUE(sim->snapshot() == before);
+    EXPECT_EQ(sim->ticketQty, 1);
+    EXPECT_EQ(sim->ticketBracket, (sim::BracketSpec{40, 80}));
+    EXPECT_EQ(sim->unrealized("NQ"), 0);
+    sim->onQuote("NQ", 90, 90);
+    EXPECT_EQ(sim->fills().size(), 1u) << "no last price";
+    sim->onTrade("ODD", 7);  // the root is unknown so far: the limit is lost, the stop has no touch
+    EXPECT_EQ(sim->orders().size(), 4u);
+    EXPECT_EQ(sim->fills().size(), 1u);
+    sim->onTrade("NQ", 98.5);
+    EXPECT_EQ(sim->fills().front().price, 99);
+    EXPECT_EQ(sim->positions().at("NQ").qty, 3);
+}
+
+TEST_F(SimSaving, AFailedSaveIsTriedAgainAndSaysSoOnce) {
+    const auto sim = engine();
+    sim->onTrade("NQ", 100);
+    failing = true;
+    buy(*sim);
+    time.advance(1.5);
+    EXPECT_EQ(writes, 1);
+    time.advance(4);
+    EXPECT_EQ(writes, 1);
+    time.advance(10.5);
+    EXPECT_EQ(writes, 4) << "after 1, 6, 11 and 16 s";
+    EXPECT_FALSE(sim->flushPendingSave());
+    EXPECT_THAT(lines, ElementsAre(HasSubstr("no space left")));
+    EXPECT_FALSE(fs::exists(file()));
+    failing = false;
+    time.advance(5);
+    EXPECT_EQ(saved(), sim->snapshot());
+    const int enough = writes;
+    time.advance(20);
+    EXPECT_EQ(writes, enough);
+    EXPECT_THAT(lines, ElementsAre(HasSubstr("no space left"), HasSubstr("saved again")));
+
+    sim->updateSpecs({{"NQ", {0, 5}}});
+    sim->flatten("NQ");
+    time.advance(7);
+    EXPECT_THAT(lines.back(), HasSubstr("not finite"));
+    EXPECT_EQ(saved().fills.size(), 1u) << "the last good state";
+    sim->resetAccount(100);
+    time.advance(1);
+    EXPECT_EQ(saved().balance, 100);
+}
+
+TEST_F(SimSaving, AnUndecodableFileIsKeptAndTheAccountStartsAnew) {
+    for (const char* bad : {"{\"balance\":1}", ""}) {
+        SCOPED_TRACE(bad);
+        fs::create_directories(file().parent_path());
+        ASSERT_EQ(replaceFile(file(), bad), std::nullopt);
+        const auto sim = engine();
+        EXPECT_TRUE(sim->snapshot() == Snapshot{});
+        EXPECT_THAT(lines, ElementsAre(HasSubstr("cannot be read")));
+        lines.clear();
+        time.advance(5);
+        EXPECT_EQ(readFile(file()), bad) << "nothing is touched before there is something to save";
+        const std::string kept = file().string() + ".bad-" + std::to_string(static_cast<long>(time.now()) + 1);
+        sim->resetAccount(7);
+        time.advance(1);
+        EXPECT_EQ(readFile(kept), bad);
+        EXPECT_EQ(saved().balance, 7);
+        sim->resetAccount(8);
+        time.advance(1);
+        EXPECT_EQ(readFile(kept), bad);
+    }
+}
+
+TEST_F(SimSaving, ASecondProcessReadsAndDoesNotWrite) {
+    auto first = engine();
+    first->resetAccount(11);
+    EXPECT_TRUE(first->flushPendingSave());
+    {
+        const auto second = engine();
+        EXPECT_FALSE(second->keepsAccount());
+        EXPECT_THAT(lines, ElementsAre(AllOf(HasSubstr("another Velmora"), HasSubstr("not be saved"))));
+        EXPECT_EQ(second->balance(), 11);
+        second->resetAccount(22);
+        time.advance(10);
+        EXPECT_TRUE(second->flushPendingSave());
+    }
+    EXPECT_EQ(writes, 1);
+    EXPECT_EQ(saved().balance, 11);
+    first.reset();
+    EXPECT_TRUE(engine()->keepsAccount());
+}
+
+TEST_F(SimSaving, AnOlderSaveNeverReplacesANewerOne) {
+    const auto file = store();
+    Snapshot older, newer;
+    newer.balance = 2;
+    EXPECT_EQ(file->save(newer, 2), std::nullopt);
+    EXPECT_EQ(file->save(older, 1), std::nullopt);
+    EXPECT_EQ(saved().balance, 2);
+}
+
+}  // namespace
+}  // namespace vmr::test
