@@ -27,9 +27,9 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
     int status = 0;
 
     WindowShellHooks hooks;
-    hooks.makeModel = [&](MainLoop& main) -> AppModel& {
+    hooks.makePane = [&](MainLoop& main) {
         program = std::make_unique<Program>(start, main);
-        return program->pane();
+        return WindowPane{program->pane(), program->sim(), start.clock(), options.bench};
     };
     hooks.started = [&](std::function<void(int)> quit) {
         onQuitRequest([&main = program->main(), quit] { main.post([quit] { quit(0); }); });

@@ -1,5 +1,6 @@
 #include "app/WindowShell.h"
 
+#include <QAbstractEventDispatcher>
 #include <QGuiApplication>
 #include <QImage>
 #include <QQmlApplicationEngine>
@@ -7,8 +8,13 @@
 #include <QScreen>
 #include <clocale>
 #include <cstdio>
+#include <memory>
 #include <utility>
 
+#include "base/Clock.h"
+#include "model/SimTrading.h"
+#include "perf/Perf.h"
+#include "perf/PerfPinger.h"
 #include "ui/PaneBinding.h"
 #include "ui/PaneViewModel.h"
 #include "ui/QtLoop.h"
@@ -52,10 +58,32 @@ bool savePicture(QQuickWindow& window, const std::string& file) {
     return false;
 }
 
-int runViews(QGuiApplication& app, QtLoop& loop, AppModel& model, const WindowShellOptions& options,
+void print(const std::string& line) {
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+}
+
+// Times every run of the main thread between waking and waiting.
+void watchTurns(Perf& perf) {
+    auto* dispatcher = QAbstractEventDispatcher::instance();
+    const auto woke = std::make_shared<double>(0);
+    QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, dispatcher,
+                     [woke] { *woke = SystemClock().monotonic(); });
+    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, dispatcher, [woke, &perf] {
+        if (*woke > 0) perf.turn((SystemClock().monotonic() - *woke) * 1000);
+    });
+}
+
+int runViews(QGuiApplication& app, QtLoop& loop, const WindowPane& pane, const WindowShellOptions& options,
              const WindowShellHooks& hooks) {
+    Perf& perf = Perf::shared();
+    const PerfPinger pinger(perf, loop);
+    watchTurns(perf);
+    SimTrading trading(pane.sim);
     PaneViewModel view;
-    const PaneBinding binding(model, view, options.setupProblem, options.signInHint);
+    view.setSurroundings({&pane.clock, &loop, &trading, &perf, pane.bench, print,
+                          [&loop] { loop.post([] { QCoreApplication::exit(0); }); }});
+    const PaneBinding binding(pane.model, view, options.setupProblem, options.signInHint, &pane.sim);
     QQmlApplicationEngine engine;
     registerQml(engine);
     engine.setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});
@@ -86,7 +114,7 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
     registerFonts();
     QtLoop loop;
-    const int status = runViews(app, loop, hooks.makeModel(loop), options, hooks);
+    const int status = runViews(app, loop, hooks.makePane(loop), options, hooks);
     if (hooks.ending) hooks.ending();
     return status;
 }

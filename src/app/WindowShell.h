@@ -4,11 +4,22 @@
 #include <functional>
 #include <string>
 
+#include "base/Clock.h"
 #include "base/SerialQueue.h"
+#include "perf/BenchSettings.h"
 
 namespace vmr {
 
 class AppModel;
+class SimEngine;
+
+/// What a window shows and works on.
+struct WindowPane {
+    AppModel& model;
+    SimEngine& sim;
+    const Clock& clock;
+    BenchSettings bench;
+};
 
 struct WindowShellOptions {
     double seconds = 0;      ///< real seconds until the program ends by itself with status 0; 0 for never
@@ -20,8 +31,8 @@ struct WindowShellOptions {
 };
 
 struct WindowShellHooks {
-    /// Makes what the window shows, once the main loop exists. What it returns must live until `ending`.
-    std::function<AppModel&(MainLoop&)> makeModel;
+    /// Makes what the window shows, once the main loop exists. It must live until `ending`.
+    std::function<WindowPane(MainLoop&)> makePane;
     /// Called once the window is on its way; `quit(status)` ends the program, from any thread, until `ending`.
     std::function<void(std::function<void(int)> quit)> started;
     /// Called when the event loop has ended, the picture is saved and no view refers to the model any more. The main

@@ -7,14 +7,8 @@
 #include <span>
 #include <utility>
 
-#include "base/Clock.h"
-#include "chart/AxisLayer.h"
-#include "chart/BarLabelLayer.h"
-#include "chart/ChartRenderer.h"
-#include "market/SessionTime.h"
+#include "ui/ChartItemDrawing.h"
 #include "ui/ChartNode.h"
-#include "ui/GlyphAtlas.h"
-#include "ui/RhiGpu.h"
 
 namespace vmr {
 
@@ -25,38 +19,43 @@ std::span<const T> all(const std::vector<T>* list) {
     return list ? std::span<const T>(*list) : std::span<const T>();
 }
 
-void postToMain(std::function<void()> task) {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(task), Qt::QueuedConnection);
-}
-
 }  // namespace
-
-struct ChartItem::Drawing {
-    SystemClock clock;
-    RhiGpu gpu;
-    GlyphAtlas atlas{QStringLiteral("Saira")};
-    SessionTime session;
-    BarLabelLayer barLabels{atlas};
-    AxisLayer axis{atlas, session};
-    ChartRenderer renderer{gpu, clock, postToMain};
-};
 
 ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::make_unique<Drawing>()) {
     setFlag(ItemHasContents);
+    setAcceptedMouseButtons(Qt::LeftButton | Qt::RightButton);
+    setAcceptHoverEvents(true);
+    setActiveFocusOnTab(true);
     drawing_->renderer.addScreenLayer(drawing_->barLabels);
+    drawing_->renderer.addScreenLayer(drawing_->tradingLines);
     drawing_->renderer.addScreenLayer(drawing_->axis);
     drawing_->renderer.onNeedsDisplay = [this] { requestFrame(); };
+    drawing_->renderer.onViewport = [this](double, double, double, double) {
+        updateCrosshair();
+        if (pane_ && pane_->surroundings().bench.baseline) emit pane_->changed();
+    };
+    drawing_->renderer.onInteractionEnd = [this] {
+        if (pane_ && pane_->actions().interactionEnded) pane_->actions().interactionEnded();
+    };
+    makeInput();
 }
 
-ChartItem::~ChartItem() = default;
+ChartItem::~ChartItem() {
+    if (pane_) pane_->setInteractingProbe({});
+}
 
 PaneViewModel* ChartItem::pane() const { return pane_; }
 
 void ChartItem::setPane(PaneViewModel* pane) {
     if (pane == pane_) return;
-    if (pane_) disconnect(pane_, nullptr, this, nullptr);
-    pane_ = pane;
     if (pane_) {
+        disconnect(pane_, nullptr, this, nullptr);
+        pane_->setInteractingProbe({});
+    }
+    pane_ = pane;
+    makeInput();
+    if (pane_) {
+        pane_->setInteractingProbe([this] { return drawing_->renderer.interacting(); });
         const auto take = [this] {
             chartDirty_ = true;
             requestFrame();
@@ -99,7 +98,9 @@ void ChartItem::componentComplete() {
 
 void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
     QQuickItem::geometryChange(now, before);
-    if (now.size() != before.size()) requestFrame();
+    if (now.size() == before.size()) return;
+    drawing_->input->setSize(now.width(), now.height());
+    requestFrame();
 }
 
 void ChartItem::itemChange(ItemChange change, const ItemChangeData& data) {
@@ -121,6 +122,8 @@ void ChartItem::takeChart() {
     renderer.setLevels(all(chart.levels));
     renderer.setStrikes(all(chart.strikes), chart.etfRatio, chart.flipStrike);
     renderer.setSecStrikes(all(chart.secStrikes), chart.secRatio);
+    drawing_->input->simRoot = chart.simRoot;
+    drawing_->tradingLines.root = chart.simRoot;
     renderer.setBubbles(all(chart.bubbles), all(chart.triangles));
     if (chart.overlays && std::exchange(drawnOverlays_, chart.overlayRevision) != chart.overlayRevision)
         renderer.setOverlayGeometry(*chart.overlays);
@@ -169,7 +172,7 @@ QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node->atlasGiven();
     }
     node->markDirty(QSGNode::DirtyMaterial);
-    if (animating_ || (!old && !given)) requestFrame();
+    if (animating_ || drawing_->input->liveRefresh() || (!old && !given)) requestFrame();
     return node;
 }
 

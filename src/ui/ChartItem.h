@@ -4,10 +4,15 @@
 #include <QPointer>
 #include <QQuickItem>
 #include <QString>
+#include <QVariantList>
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <vector>
 
+#include "chart/ChartInput.h"
+#include "ui/CrosshairState.h"
 #include "ui/PaneViewModel.h"
 
 namespace vmr {
@@ -21,6 +26,8 @@ class ChartItem : public QQuickItem {
     QML_ELEMENT
     Q_PROPERTY(vmr::PaneViewModel* pane READ pane WRITE setPane NOTIFY paneChanged)
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
+    Q_PROPERTY(vmr::CrosshairState* crosshair READ crosshair CONSTANT)
+    Q_PROPERTY(QVariantList orderMenu READ orderMenu NOTIFY orderMenuRequested)
 
  public:
     explicit ChartItem(QQuickItem* parent = nullptr);
@@ -32,6 +39,15 @@ class ChartItem : public QQuickItem {
     /// Why the chart cannot be shown, for the person; empty while it can.
     QString problem() const { return problem_; }
 
+    CrosshairState* crosshair();
+
+    /// The entries of the last right click: { text, separator }.
+    QVariantList orderMenu() const;
+    /// Carries out an entry.
+    Q_INVOKABLE void chooseOrder(int index);
+    /// A pinch by a touch screen, as a share of its size.
+    Q_INVOKABLE void magnify(qreal magnification);
+
     ChartRenderer& renderer();
     /// Frames recorded so far.
     std::uint64_t framesDrawn() const;
@@ -41,8 +57,19 @@ class ChartItem : public QQuickItem {
  signals:
     void paneChanged();
     void problemChanged();
+    void orderMenuRequested(qreal x, qreal y);
 
  protected:
+    bool event(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseUngrabEvent() override;
+    void wheelEvent(QWheelEvent* event) override;
+    void hoverMoveEvent(QHoverEvent* event) override;
+    void hoverLeaveEvent(QHoverEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void componentComplete() override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
@@ -53,6 +80,10 @@ class ChartItem : public QQuickItem {
     struct Drawing;
     void requestFrame();
     void takeChart();
+    void makeInput();
+    void pointerMoved(std::optional<ChartPoint> point);
+    void updateCrosshair();
+    void press(QMouseEvent* event, bool doubleClick);
     void setProblem(const QString& problem);
 
     std::unique_ptr<Drawing> drawing_;
@@ -63,6 +94,8 @@ class ChartItem : public QQuickItem {
     bool animating_ = false;
     int drawnTimeframe_ = 0;
     std::uint64_t drawnOverlays_ = 0;
+    ChartPoint lastPress_;  ///< where a drag has come to
+    std::vector<OrderMenuItem> orderMenu_;
     std::shared_ptr<std::atomic<int>> sampleCount_ = std::make_shared<std::atomic<int>>(0);
 };
 

@@ -1,6 +1,7 @@
 #include "ui/PaneBinding.h"
 
 #include "model/AppModel.h"
+#include "sim/SimEngine.h"
 #include "store/HexColor.h"
 
 namespace vmr {
@@ -45,7 +46,7 @@ RenderConfig renderConfig(const GexConfig& config) {
 }
 
 PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem,
-                         const std::string& signInHint)
+                         const std::string& signInHint, SimEngine* sim)
     : model_(model), view_(view), setupProblem_(text(setupProblem)), signInHint_(text(signInHint)) {
     view_.setActions({
         [this](const QString& email, const QString& password, bool remember) {
@@ -54,10 +55,14 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, const std::string
         [this] { model_.signOut(); },
         [this](const QString& symbol) { model_.switchSymbol(symbol.toStdString()); },
         [this](int minutes) { model_.setTimeframe(minutes); },
+        [this] { model_.flashMarketClosedNotice(); },
+        [this] { model_.interactionEnded(); },
     });
     watch();
+    if (sim) connections_.push_back(sim->changed.connect([this](SimEngine::Field) { copyChart(); }));
     copyFields();
     RendererBridge bridge;
+    bridge.interacting = [this] { return view_.interacting(); };
     bridge.setOverlayGeometry = [this](const OverlayLists& lists) {
         overlays_ = &lists;
         ++overlayRevision_;
@@ -87,6 +92,8 @@ void PaneBinding::watch() {
     connections_.push_back(model_.timeframe.changed.connect(fields));
     connections_.push_back(model_.catFutures.changed.connect(fields));
     connections_.push_back(model_.catStocks.changed.connect(fields));
+    connections_.push_back(model_.toast.changed.connect(fields));
+    connections_.push_back(model_.marketClosedNotice.changed.connect(fields));
     connections_.push_back(model_.displayCandles.changed.connect(chart));
     connections_.push_back(model_.chartVersionChanged.connect(chart));
     connections_.push_back(model_.config.changed.connect(chart));
@@ -113,6 +120,13 @@ void PaneBinding::copyFields() {
     out.status = text(model_.status);
     out.symbol = text(model_.currentSymbol());
     out.timeframe = model_.timeframe;
+    if (const auto& toast = model_.toast.get()) {
+        out.notice = text(toast->title);
+        out.noticeDetail = text(toast->detail.value_or(""));
+    } else if (model_.marketClosedNotice) {
+        out.notice = QObject::tr("Market Closed");
+        out.noticeDetail = QObject::tr("Trading resumes next session.");
+    }
     for (const auto& future : model_.futuresList()) out.futures.push_back(text(future.first));
     for (const auto& stock : model_.stockList()) out.stocks.push_back(text(stock));
     view_.setFields(std::move(out));
@@ -131,7 +145,8 @@ void PaneBinding::copyChart() {
                     .secStrikes = &model_.secStrikes.get(),
                     .secRatio = model_.secEtfRatio,
                     .bubbles = &model_.bubblePts.get(),
-                    .triangles = &model_.trianglePts.get()});
+                    .triangles = &model_.trianglePts.get(),
+                    .simRoot = model_.simRoot});
 }
 
 }  // namespace vmr

@@ -12,6 +12,7 @@
 namespace vmr {
 
 class AppModel;
+class SimEngine;
 
 /// The look of the chart that the settings ask for.
 RenderConfig renderConfig(const GexConfig& config);
@@ -20,7 +21,9 @@ RenderConfig renderConfig(const GexConfig& config);
 /// must outlive it. Main thread.
 class PaneBinding {
  public:
-    PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem, const std::string& signInHint);
+    /// `sim` is the account whose lines the chart shows; null for none.
+    PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem, const std::string& signInHint,
+                SimEngine* sim = nullptr);
     ~PaneBinding();
     PaneBinding(const PaneBinding&) = delete;
     PaneBinding& operator=(const PaneBinding&) = delete;

@@ -8,13 +8,20 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
+#include "base/Clock.h"
+#include "base/SerialQueue.h"
 #include "chart/OverlayLists.h"
 #include "chart/RenderConfig.h"
 #include "market/Records.h"
+#include "perf/BenchSettings.h"
 
 namespace vmr {
+
+class ChartTrading;
+class Perf;
 
 /// Mirrors a pane for QML and passes gestures on; decides nothing about the market. Main thread. `bindPane` ties it to
 /// an `AppModel`; without one it shows what it is told.
@@ -35,6 +42,8 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(int timeframe READ timeframe NOTIFY changed)
     Q_PROPERTY(QStringList futures READ futures NOTIFY changed)
     Q_PROPERTY(QStringList stocks READ stocks NOTIFY changed)
+    Q_PROPERTY(QString notice READ notice NOTIFY changed)
+    Q_PROPERTY(QString noticeDetail READ noticeDetail NOTIFY changed)
     Q_PROPERTY(bool empty READ empty NOTIFY emptyChanged)
 
  public:
@@ -52,6 +61,8 @@ class PaneViewModel : public QObject {
         int timeframe = 1;
         QStringList futures;
         QStringList stocks;
+        QString notice;  ///< a passing notice over the chart; empty for none
+        QString noticeDetail;
         bool operator==(const Fields&) const = default;
     };
     struct Actions {
@@ -59,6 +70,18 @@ class PaneViewModel : public QObject {
         std::function<void()> signOut;
         std::function<void(const QString& symbol)> switchSymbol;
         std::function<void(int minutes)> setTimeframe;
+        std::function<void()> marketClosedOrder;  ///< an order was chosen while the market is closed
+        std::function<void()> interactionEnded;   ///< a drag of the chart ended
+    };
+    /// What the chart's input reaches beside the pane; null and empty where there is none. All outlive the views.
+    struct Surroundings {
+        const Clock* clock = nullptr;  ///< market time
+        MainLoop* main = nullptr;
+        ChartTrading* trading = nullptr;
+        Perf* perf = nullptr;
+        BenchSettings bench;
+        std::function<void(const std::string& line)> print;
+        std::function<void()> quit;  ///< at the end of a benchmark
     };
     /// What the chart draws. The lists stay valid until the next `setChart`; null counts as empty.
     struct Chart {
@@ -75,6 +98,7 @@ class PaneViewModel : public QObject {
         double secRatio = 1;
         const std::vector<BubblePt>* bubbles = nullptr;
         const std::vector<TrianglePt>* triangles = nullptr;
+        std::string simRoot;  ///< empty: no trading on this chart
     };
 
     using QObject::QObject;
@@ -82,6 +106,13 @@ class PaneViewModel : public QObject {
     const Fields& fields() const { return fields_; }
     void setFields(Fields fields);
     void setActions(Actions actions) { actions_ = std::move(actions); }
+    const Actions& actions() const { return actions_; }
+
+    const Surroundings& surroundings() const { return surroundings_; }
+    void setSurroundings(Surroundings surroundings) { surroundings_ = std::move(surroundings); }
+    /// The chart answers here whether the person drags it; empty takes the chart away.
+    void setInteractingProbe(std::function<bool()> probe) { interactingProbe_ = std::move(probe); }
+    bool interacting() const { return interactingProbe_ && interactingProbe_(); }
 
     /// Tells that something of the chart or the timeframe is not what it was. Copies no list.
     void setChart(const Chart& chart);
@@ -100,6 +131,8 @@ class PaneViewModel : public QObject {
     int timeframe() const { return fields_.timeframe; }
     QStringList futures() const { return fields_.futures; }
     QStringList stocks() const { return fields_.stocks; }
+    QString notice() const { return fields_.notice; }
+    QString noticeDetail() const { return fields_.noticeDetail; }
     bool empty() const { return !chart_.candles || chart_.candles->empty(); }
 
     Q_INVOKABLE void signIn(const QString& email, const QString& password, bool remember);
@@ -116,6 +149,8 @@ class PaneViewModel : public QObject {
  private:
     Fields fields_;
     Actions actions_;
+    Surroundings surroundings_;
+    std::function<bool()> interactingProbe_;
     Chart chart_;
     bool wasEmpty_ = true;
 };

@@ -115,12 +115,12 @@ TEST(WindowTurns, HugeSnapshotsLeaveTheMainThreadFree) {
     script.step([&] { return rest() && streaming(); }, [&] { freeingMs = probe.longestMs(); });
 
     WindowShellOptions shell;
-    shell.width = 720;
-    shell.height = 480;
+    shell.width = 800;
+    shell.height = 500;
     WindowShellHooks hooks;
-    hooks.makeModel = [&](MainLoop& main) -> AppModel& {
+    hooks.makePane = [&](MainLoop& main) {
         program = std::make_unique<Program>(start, main);
-        return program->pane();
+        return WindowPane{program->pane(), program->sim(), start.clock(), {}};
     };
     hooks.started = [&](std::function<void(int)> quit) {
         probe.watch(QAbstractEventDispatcher::instance());

@@ -65,7 +65,7 @@ TEST(Views, NothingIsCutOffOrOverlapsInASmallWindow) {
         {"away", away},   {"limited", limited}};
     for (const auto& [name, fields] : stages) {
         SCOPED_TRACE(name);
-        UiWindow ui(QSize(720, 480), fields);
+        UiWindow ui(QSize(800, 500), fields);
         ASSERT_NE(ui.window, nullptr);
         ASSERT_TRUE(ui.settle());
         expectTidy(ui);
@@ -84,7 +84,7 @@ TEST(Views, TheWindowMayNotBecomeSmallerThanItsStageNeeds) {
         engine.load(QUrl(QStringLiteral("qrc:/Velmora/Main.qml")));
         ASSERT_FALSE(engine.rootObjects().isEmpty());
         auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().first());
-        EXPECT_EQ(window->minimumSize(), entered ? QSize(720, 480) : QSize(1000, 580));
+        EXPECT_EQ(window->minimumSize(), entered ? QSize(800, 500) : QSize(1000, 580));
         EXPECT_EQ(window->title(), "Velmora");
     }
 }
@@ -166,7 +166,7 @@ TEST(Views, WithoutARelayTheFormExplainsAndSendsNothing) {
 }
 
 TEST(Views, ToolbarMenusChoose) {
-    UiWindow ui(QSize(720, 480), UiWindow::entered());
+    UiWindow ui(QSize(800, 500), UiWindow::entered());
     ASSERT_NE(ui.window, nullptr);
     QStringList symbols;
     std::vector<int> frames;

@@ -22,6 +22,38 @@ FocusScope {
         width: parent.width
         focus: true
         pane: paneView.pane
+        onOrderMenuRequested: (x, y) => {
+            orderMenu.rows = chart.orderMenu;
+            orderMenu.openAt(x, y);
+        }
+
+        PinchHandler {
+            property real lastScale: 1
+            target: null
+            acceptedDevices: PointerDevice.TouchScreen
+            onActiveChanged: lastScale = 1
+            onActiveScaleChanged: {
+                chart.magnify(activeScale / lastScale - 1);
+                lastScale = activeScale;
+            }
+        }
+        Crosshair {
+            anchors.fill: parent
+            cross: chart.crosshair
+        }
+        OrderMenu {
+            id: orderMenu
+            objectName: "orderMenu"
+            onChosen: index => chart.chooseOrder(index)
+        }
+    }
+    Toast {
+        objectName: "toast"
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 48
+        anchors.horizontalCenter: parent.horizontalCenter
+        title: paneView.pane.notice
+        detail: paneView.pane.noticeDetail
     }
     Label {
         objectName: "chartNotice"

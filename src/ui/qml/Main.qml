@@ -10,8 +10,8 @@ Window {
 
     title: "Velmora"
     color: Theme.background
-    minimumWidth: pane.entered ? 720 : 1000
-    minimumHeight: pane.entered ? 480 : 580
+    minimumWidth: pane.entered ? 800 : 1000
+    minimumHeight: pane.entered ? 500 : 580
 
     Loader {
         objectName: "stage"

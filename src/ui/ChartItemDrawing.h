@@ -1,0 +1,42 @@
+// What a chart item draws with and is driven by. Private to the item's sources.
+#pragma once
+
+#include <QCoreApplication>
+#include <functional>
+#include <memory>
+
+#include "base/Clock.h"
+#include "chart/AxisLayer.h"
+#include "chart/BarLabelLayer.h"
+#include "chart/ChartRenderer.h"
+#include "chart/PerfDrive.h"
+#include "chart/TradingLinesLayer.h"
+#include "market/SessionTime.h"
+#include "ui/ChartItem.h"
+#include "ui/CrosshairState.h"
+#include "ui/GlyphAtlas.h"
+#include "ui/QtLoop.h"
+#include "ui/RhiGpu.h"
+
+namespace vmr {
+
+inline void postToMain(std::function<void()> task) {
+    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(task), Qt::QueuedConnection);
+}
+
+struct ChartItem::Drawing {
+    SystemClock clock;
+    RhiGpu gpu;
+    GlyphAtlas atlas{QStringLiteral("Saira")};
+    SessionTime session;
+    BarLabelLayer barLabels{atlas};
+    TradingLinesLayer tradingLines{atlas};
+    AxisLayer axis{atlas, session};
+    ChartRenderer renderer{gpu, clock, postToMain};
+    CrosshairState crosshair;
+    QtLoop loop;  // for a chart whose pane names none
+    std::unique_ptr<ChartInput> input;
+    std::unique_ptr<PerfDrive> drive;
+};
+
+}  // namespace vmr

@@ -1,0 +1,53 @@
+// Where the pointer is over a chart, and what lies there.
+#pragma once
+
+#include <QObject>
+#include <QQmlEngine>
+#include <QString>
+#include <optional>
+#include <span>
+
+#include "chart/ChartInput.h"
+#include "market/Records.h"
+#include "market/SessionTime.h"
+
+namespace vmr {
+
+/// Watched by the crosshair's views alone, so that moving the pointer redraws nothing else. Points from the chart's top
+/// left. Main thread.
+class CrosshairState : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("belongs to a chart")
+    Q_PROPERTY(bool shown READ shown NOTIFY changed)
+    Q_PROPERTY(qreal x READ x NOTIFY changed)
+    Q_PROPERTY(qreal y READ y NOTIFY changed)
+    Q_PROPERTY(QString priceText READ priceText NOTIFY changed)
+    Q_PROPERTY(QString timeText READ timeText NOTIFY changed)
+
+ public:
+    using QObject::QObject;
+
+    std::optional<ChartPoint> mousePoint() const { return mousePoint_; }
+    void setMousePoint(std::optional<ChartPoint> point) { mousePoint_ = point; }
+
+    /// Works out the tags anew: after the pointer, the camera or the bars have moved. `width` and `height` in points.
+    void update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,
+                SessionTime& session);
+
+    bool shown() const { return shown_; }
+    qreal x() const { return mousePoint_ ? mousePoint_->x : 0; }
+    qreal y() const { return mousePoint_ ? mousePoint_->y : 0; }
+    QString priceText() const { return priceText_; }
+    QString timeText() const { return timeText_; }  ///< of the bar under the pointer; empty beyond the bars
+
+ signals:
+    void changed();
+
+ private:
+    std::optional<ChartPoint> mousePoint_;
+    bool shown_ = false;
+    QString priceText_, timeText_;
+};
+
+}  // namespace vmr

@@ -1,0 +1,59 @@
+// Lines through the pointer, with the price and the time there on the axes.
+import QtQuick
+import Velmora
+
+Item {
+    id: view
+
+    required property CrosshairState cross
+    readonly property int priceAxis: 74
+    readonly property int timeAxis: 22
+    readonly property bool inPlot: cross.shown && cross.x < width - priceAxis && cross.y < height - timeAxis
+
+    component Tag: Rectangle {
+        property alias text: label.text
+        height: 18
+        radius: 3
+        color: Theme.pressed
+        border.width: 1
+        border.color: Theme.lineStrong
+        Label {
+            id: label
+            anchors.centerIn: parent
+            font.pixelSize: 11
+        }
+    }
+
+    Rectangle {
+        objectName: "crosshairVertical"
+        visible: view.inPlot
+        x: Math.round(view.cross.x)
+        width: 1
+        height: view.height - view.timeAxis
+        color: "#40ffffff"
+    }
+    Rectangle {
+        objectName: "crosshairHorizontal"
+        visible: view.inPlot
+        y: Math.round(view.cross.y)
+        width: view.width - view.priceAxis
+        height: 1
+        color: "#40ffffff"
+    }
+    Tag {
+        objectName: "crosshairPrice"
+        visible: view.inPlot
+        x: view.width - width
+        y: Math.max(0, Math.min(Math.round(view.cross.y) - 9, view.height - view.timeAxis - height))
+        width: view.priceAxis
+        text: view.cross.priceText
+    }
+    Tag {
+        objectName: "crosshairTime"
+        visible: view.inPlot && view.cross.timeText !== ""
+        width: 104
+        x: Math.max(0, Math.min(Math.round(view.cross.x - width / 2), view.width - view.priceAxis - width))
+        y: view.height - view.timeAxis + 2
+        text: view.cross.timeText
+    }
+}

@@ -1,0 +1,88 @@
+// The menu of a right click on the chart. `rows` holds { text, separator }.
+import QtQuick
+import QtQuick.Templates as T
+
+T.Popup {
+    id: menu
+
+    property var rows: []
+    property int marked: -1
+    signal chosen(int index)
+
+    function openAt(px, py) {
+        marked = -1;
+        x = Math.max(0, Math.min(px, parent.width - width - 4));
+        y = Math.max(0, Math.min(py, parent.height - height - 4));
+        open();
+    }
+    function step(by) {
+        for (let i = marked + by; i >= 0 && i < rows.length; i += by) {
+            if (!rows[i].separator) {
+                marked = i;
+                return;
+            }
+        }
+    }
+    function take(index) {
+        close();
+        if (index >= 0 && !rows[index].separator)
+            chosen(index);
+    }
+
+    width: 220
+    height: column.implicitHeight + 2 * padding
+    padding: 6
+    focus: true
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+    background: Rectangle {
+        radius: 8
+        color: Theme.raised
+        border.width: 1
+        border.color: Theme.lineStrong
+    }
+    contentItem: FocusScope {
+        focus: true
+        Keys.onDownPressed: menu.step(1)
+        Keys.onUpPressed: menu.step(-1)
+        Keys.onReturnPressed: menu.take(menu.marked)
+        Keys.onEnterPressed: menu.take(menu.marked)
+
+        Column {
+            id: column
+            width: parent.width
+            Repeater {
+                model: menu.rows
+                delegate: Rectangle {
+                    id: row
+                    required property var modelData
+                    required property int index
+                    objectName: "orderRow" + index
+                    width: column.width
+                    height: modelData.separator ? 9 : 28
+                    radius: 4
+                    color: !modelData.separator && index === menu.marked ? Theme.pressed : "transparent"
+                    Rectangle {
+                        visible: row.modelData.separator
+                        anchors.centerIn: parent
+                        width: parent.width
+                        height: 1
+                        color: Theme.line
+                    }
+                    Label {
+                        x: 10
+                        visible: !row.modelData.separator
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: row.modelData.text
+                    }
+                    MouseArea {
+                        anchors.fill: parent
+                        enabled: !row.modelData.separator
+                        hoverEnabled: true
+                        onEntered: menu.marked = row.index
+                        onClicked: menu.take(row.index)
+                    }
+                }
+            }
+        }
+    }
+}
