@@ -228,6 +228,19 @@ TEST_F(ChartPixels, AStillChartAsksForNoFrames) {
     EXPECT_LE(chart->framesDrawn(), drawn + 2) << "the second one for a camera that follows the view's width";
     EXPECT_EQ(static_cast<std::uint64_t>(ui->swaps - repainted), chart->framesDrawn() - drawn);
 
+    // walls and markers that change in one turn cost one frame together
+    SceneData data(ui->bars(), {.strikes = 30, .minutes = 30, .ratio = 10.0});
+    data.config.initialCandles = 20;
+    ui->showScene(data);
+    ASSERT_TRUE(ui->settle());
+    const auto quiet = chart->framesDrawn();
+    data.levels[0].price += 1;
+    ui->showBars();
+    data.bubbles.pop_back();
+    ui->showBars();
+    ASSERT_TRUE(ui->settle());
+    EXPECT_EQ(chart->framesDrawn(), quiet + 1);
+
     // a change wakes it, easing keeps it awake, and it falls asleep again
     ui->bars().back().close += 4;
     ui->showBars();

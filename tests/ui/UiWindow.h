@@ -77,10 +77,17 @@ class UiWindow {
     void showBars() { view.setChart(chart); }
     /// Everything beside the bars; `data` must outlive what is shown.
     void showScene(const SceneData& data) {
+        chart.config = data.config;
+        chart.overlays = &data.overlays;
         ++chart.overlayRevision;
-        chart = {&bars_,        data.config,   chart.sessionHHMM, &data.overlays, chart.overlayRevision,
-                 &data.levels,  &data.strikes, data.ratio,        data.flip,      &data.secStrikes,
-                 data.secRatio, &data.bubbles, &data.triangles};
+        chart.levels = &data.levels;
+        chart.strikes = &data.strikes;
+        chart.etfRatio = data.ratio;
+        chart.flipStrike = data.flip;
+        chart.secStrikes = &data.secStrikes;
+        chart.secRatio = data.secRatio;
+        chart.bubbles = &data.bubbles;
+        chart.triangles = &data.triangles;
         showBars();
     }
 
