@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <thread>
 
 #include "sim/SimAccountText.h"
 #include "sim/SimScript.h"
@@ -274,13 +275,44 @@ TEST_F(SimSaving, ASecondProcessReadsAndDoesNotWrite) {
     EXPECT_TRUE(engine()->keepsAccount());
 }
 
+TEST_F(SimSaving, ALinkOfTheFileHoldsForAnyOrder) {
+    Snapshot account;
+    UuidSource ids(9);
+    for (const double limit : {99.0, 98.0, 97.0}) {
+        sim::Order order;
+        order.id = ids.next();
+        order.sym = "NQ";
+        order.type = sim::OrderType::limit;
+        order.limitPrice = limit;
+        account.orders.push_back(order);
+    }
+    account.orders[1].ocoId = account.orders[0].id;
+    account.orders[0].state = sim::OrderState::cancelled;
+    account.positions["NQ"] = {-1, 100, 5};  // its opening is not in the file
+    EXPECT_EQ(store()->save(account, 1), std::nullopt);
+    const auto sim = engine();
+    sim->onQuote("NQ", 110, 110);
+    sim->onTrade("NQ", 98);
+    EXPECT_THAT(sim->orders(), ElementsAre(account.orders[2])) << "the other order of the pair is gone";
+    EXPECT_EQ(sim->positions().at("NQ"), (sim::Position{0, 0, 5 + 40}));
+    EXPECT_TRUE(sim->trades().empty());
+}
+
 TEST_F(SimSaving, AnOlderSaveNeverReplacesANewerOne) {
     const auto file = store();
-    Snapshot older, newer;
-    newer.balance = 2;
-    EXPECT_EQ(file->save(newer, 2), std::nullopt);
-    EXPECT_EQ(file->save(older, 1), std::nullopt);
-    EXPECT_EQ(saved().balance, 2);
+    const auto save = [&](std::uint64_t from) {
+        for (std::uint64_t revision = from; revision <= 40; revision += 2) {
+            Snapshot account;
+            account.balance = static_cast<double>(revision);
+            EXPECT_EQ(file->save(account, revision), std::nullopt);
+        }
+    };
+    std::thread odd(save, 1), even(save, 2);
+    odd.join();
+    even.join();
+    EXPECT_EQ(saved().balance, 40);
+    EXPECT_EQ(file->save(Snapshot{}, 39), std::nullopt);
+    EXPECT_EQ(saved().balance, 40);
 }
 
 }  // namespace

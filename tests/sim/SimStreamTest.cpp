@@ -80,8 +80,11 @@ class Stream {
         if (bracket && pick(4) != 0) bracket->slTicks = pick(12);
         if (bracket && pick(4) != 0) bracket->tpTicks = pick(12);
         const bool open = session_.marketOpen(static_cast<std::int64_t>(time_.now()), false);
-        const auto order = engine_.place(root_, pick(2) == 0 ? Side::buy : Side::sell, type, 1 + pick(4),
-                                         near(center, 16), near(center, 16), bracket);
+        const Side side = pick(2) == 0 ? Side::buy : Side::sell;
+        const int qty = 1 + pick(4);
+        const double limit = near(center, 16);
+        const double stop = near(center, 16);
+        const auto order = engine_.place(root_, side, type, qty, limit, stop, bracket);
         EXPECT_FALSE(order && !open);
         counts_.refusals += open ? 0 : 1;
     }
