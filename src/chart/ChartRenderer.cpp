@@ -85,7 +85,10 @@ void ChartRenderer::setCandles(std::span<const Candle> candles) {
         candles_.clear();
         return;
     }
-    const bool first = oldCount == 0;
+    // a bar or two may come ahead of their history: nobody has looked at them, and their camera would show as few
+    constexpr std::size_t few = 10;
+    const bool historyCame = oldCount < few && n >= oldCount + few && camera_.followLive;
+    const bool first = oldCount == 0 || historyCame;
     const bool countChanged = oldCount != n;
     const std::size_t dropped = droppedAtFront(candles_, candles);
     const bool shifted = countChanged || dropped > 0;

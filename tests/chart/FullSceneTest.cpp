@@ -216,6 +216,7 @@ TEST_F(FullSceneTest, BarsMayComeAloneBeforeTheirHistory) {
     settle();
     EXPECT_GE(gpu.draws.size(), 15U) << gpu.dump();
     EXPECT_TRUE(renderer.camera().followLive);
+    EXPECT_GT(renderer.camera().visibleCount, 200) << "the history is in view as if it had come first";
     EXPECT_NEAR(gpu.vertices<MarkerVertex>(markers())[0].center[0], 200.0F - 299.0F, 1e-6);
     renderer.setCandles({});
     frame();
