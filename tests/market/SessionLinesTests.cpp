@@ -6,15 +6,9 @@
 #include <limits>
 
 #include "market/SessionTime.h"
-#include "support/SyntheticMarket.h"
+#include "support/PlainSessionLines.h"
 
 namespace vmr {
-
-void PrintTo(const OverlayLine& line, std::ostream* out) {
-    *out << "{" << line.price << " from " << line.startTime << " to " << line.endTime.value_or(-1) << " " << line.label
-         << (line.dashed ? " dashed}" : "}");
-}
-
 namespace {
 
 using testing::ElementsAre;
@@ -44,34 +38,6 @@ TEST(SessionLines, DrawsEachDayAndTheDayBefore) {
     EXPECT_EQ(SessionLines::build({bars[0], bars[1]}, {}, 1800).size(), 1U);
 }
 
-// The lines as their definition reads, one look at the calendar for every bar.
-std::vector<OverlayLine> plainLines(const std::vector<Candle>& bars, const SRSessions& sessions, int hhmm) {
-    std::map<std::int64_t, std::vector<Candle>> days;
-    for (const Candle& bar : bars) days[test::plainSessionOpen(bar.time, hhmm)].push_back(bar);
-    std::vector<OverlayLine> lines;
-    for (auto day = days.begin(); day != days.end(); ++day) {
-        const auto& own = day->second;
-        const bool isLast = std::next(day) == days.end();
-        const auto end = isLast ? std::nullopt : std::optional(std::next(day)->second.front().time);
-        lines.push_back({own.front().open, own.front().time, end, "Open", true});
-        if (day != days.begin()) {
-            const auto& before = std::prev(day)->second;
-            const auto high = std::max_element(before.begin(), before.end(),
-                                               [](const Candle& x, const Candle& y) { return x.high < y.high; });
-            const auto low = std::min_element(before.begin(), before.end(),
-                                              [](const Candle& x, const Candle& y) { return x.low < y.low; });
-            lines.push_back({before.back().close, before.back().time, end, "Prev Close", true});
-            lines.push_back({high->high, high->time, end, "Prev High", false});
-            lines.push_back({low->low, low->time, end, "Prev Low", false});
-        }
-        if (!sessions.contains(day->first)) continue;
-        const auto levelEnd = isLast ? std::nullopt : std::optional(own.back().time);
-        for (const SRLevel& level : sessions.at(day->first).up)
-            lines.push_back({level.price, std::max(level.triggerTime, own.front().time), levelEnd, level.label, true});
-    }
-    return lines;
-}
-
 TEST(SessionLines, AgreeWithAPlainComputation) {
     for (const auto& [from, to] : test::stretches())
         for (const int hhmm : {1800, 930, 0, 2359}) {
@@ -79,12 +45,12 @@ TEST(SessionLines, AgreeWithAPlainComputation) {
             SRSessions sessions;
             for (std::int64_t t = from; t < to; t += 40'000) {
                 const std::int64_t open = test::plainSessionOpen(t, hhmm);
-                sessions[open] = {open, 21000, {{1, "up", 21050, open + 3600}}, {}};
+                sessions[open] = {open, 21000, {{1, "up", 21050, open + 3600}}, {{2, "", 20950, open - 60}}};
             }
             const auto lines = SessionLines::build(bars, sessions, hhmm);
             EXPECT_GE(std::count_if(lines.begin(), lines.end(), [](const auto& line) { return line.label == "Open"; }),
                       5);
-            EXPECT_EQ(lines, plainLines(bars, sessions, hhmm)) << from << " " << hhmm;
+            EXPECT_EQ(lines, test::plainLines(bars, sessions, hhmm)) << from << " " << hhmm;
         }
 }
 

@@ -1,83 +1,12 @@
 // A random day's trades against a plain computation of the bars, written from the rules alone.
 #include <cmath>
-#include <map>
 #include <random>
 
 #include "model/PaneFixture.h"
+#include "model/PlainBars.h"
 
 namespace vmr::test {
 namespace {
-
-// Nothing here is shared with the program: maps, division and the clock of one June week, four hours behind UTC.
-class PlainBars {
- public:
-    PlainBars(bool isStock, bool rolls) : isStock_(isStock), rolls_(rolls) {}
-
-    void merge(const std::vector<Candle>& incoming) {
-        for (const Candle& bar : incoming) bars_[bar.time] = bar;
-        trim();
-    }
-    void roll(double now) {
-        const auto second = static_cast<std::int64_t>(std::floor(now));
-        const std::int64_t m = second - second % 60;
-        if (!rolls_ || bars_.empty() || !isOpen(second) || bars_.rbegin()->first >= m) return;
-        const double close = bars_.rbegin()->second.close;
-        bars_[m] = {m, close, close, close, close, 0};
-        trim();
-    }
-    void trade(double price, double tsMs) {
-        if (bars_.empty()) return;
-        const auto t = static_cast<std::int64_t>(std::floor(tsMs / 60000)) * 60;
-        const Candle last = bars_.rbegin()->second;
-        if (last.time > t) return;
-        if (last.time == t)
-            bars_[t] = {t, last.open, std::fmax(last.high, price), std::fmin(last.low, price), price, last.volume};
-        else
-            bars_[t] = {t, last.close, std::fmax(last.close, price), std::fmin(last.close, price), price, 0};
-        trim();
-    }
-    std::vector<Candle> bars() const {
-        std::vector<Candle> out;
-        for (const auto& [time, bar] : bars_) out.push_back(bar);
-        return out;
-    }
-    std::vector<Candle> atTimeframe(std::int64_t minutes) const {
-        std::map<std::int64_t, Candle> out;
-        for (const auto& [time, bar] : bars_) {
-            const std::int64_t bucket = time / (minutes * 60) * (minutes * 60);
-            const auto [place, isFirst] = out.try_emplace(bucket, bar);
-            Candle& one = place->second;
-            one.time = bucket;
-            if (isFirst) continue;
-            one = {bucket,
-                   one.open,
-                   std::fmax(one.high, bar.high),
-                   std::fmin(one.low, bar.low),
-                   bar.close,
-                   one.volume + bar.volume};
-        }
-        std::vector<Candle> list;
-        for (const auto& [time, bar] : out) list.push_back(bar);
-        return list;
-    }
-
- private:
-    bool isOpen(std::int64_t t) const {
-        const std::int64_t local = t - 4 * 3600;
-        const std::int64_t weekday = (local / 86400 + 4) % 7;
-        const std::int64_t minuteOfDay = local % 86400 / 60;
-        if (isStock_) return weekday >= 1 && weekday <= 5 && minuteOfDay >= 570 && minuteOfDay < 960;
-        if (weekday == 6) return false;
-        if (weekday == 0) return minuteOfDay >= 1080;
-        if (weekday == 5) return minuteOfDay < 1020;
-        return minuteOfDay < 1020 || minuteOfDay >= 1080;
-    }
-    void trim() {
-        while (bars_.size() > 5000) bars_.erase(bars_.begin());
-    }
-    bool isStock_, rolls_;
-    std::map<std::int64_t, Candle> bars_;
-};
 
 class BarOracle : public PaneFixture {
  protected:
@@ -153,7 +82,7 @@ class BarOracle : public PaneFixture {
         }
         for (const int minutes : {1, 5, 7, 60}) {
             model->setTimeframe(minutes);
-            EXPECT_EQ(model->displayCandles.get(), plain.atTimeframe(minutes));
+            EXPECT_EQ(model->displayCandles.get(), plainAggregate(plain.bars(), minutes));
         }
         EXPECT_EQ(model->candles.size(), 5000u) << "the run is to reach the cap";
     }

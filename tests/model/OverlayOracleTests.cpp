@@ -3,151 +3,14 @@
 
 #include <cmath>
 #include <limits>
-#include <map>
 
 #include "model/AppModel.h"
 #include "model/OverlaySeries.h"
+#include "model/PlainOverlays.h"
 #include "model/SessionWalk.h"
-#include "support/SyntheticMarket.h"
 
 namespace vmr::test {
 namespace {
-
-using Bars = std::vector<Candle>;
-
-// Nothing here is shared with the program: maps, division and the date library's calendar.
-std::map<std::int64_t, double> positions(const Bars& bars) {
-    std::map<std::int64_t, double> byTime;
-    for (std::size_t i = 0; i < bars.size(); ++i) byTime[bars[i].time] = static_cast<double>(i);
-    return byTime;
-}
-
-std::map<std::int64_t, double> opens(const Bars& bars, int hhmm) {
-    std::map<std::int64_t, double> byOpen;
-    for (const Candle& bar : bars) byOpen.try_emplace(plainSessionOpen(bar.time, hhmm), bar.open);
-    return byOpen;
-}
-
-Bars plainAggregate(const Bars& bars, int tf) {
-    std::map<std::int64_t, Bars> buckets;
-    for (const Candle& bar : bars) buckets[bar.time / (tf * 60) * (tf * 60)].push_back(bar);
-    Bars out;
-    for (const auto& [time, own] : buckets) {
-        Candle whole{time, own.front().open, own.front().high, own.front().low, own.back().close, 0};
-        for (const Candle& bar : own) {
-            whole.high = std::max(whole.high, bar.high);
-            whole.low = std::min(whole.low, bar.low);
-            whole.volume += bar.volume;
-        }
-        out.push_back(whole);
-    }
-    return out;
-}
-
-std::vector<OvPoint> plainVwap(const Bars& bars, int hhmm) {
-    const std::int64_t open = plainSessionOpen(bars.back().time, hhmm);
-    std::vector<OvPoint> points;
-    for (std::size_t i = 0; i < bars.size(); ++i) {
-        double priceVolume = 0, volume = 0;
-        for (std::size_t j = 0; j <= i; ++j) {
-            if (bars[j].time < open || !(bars[j].volume > 0)) continue;
-            priceVolume += bars[j].volume * (bars[j].high + bars[j].low + bars[j].close) / 3;
-            volume += bars[j].volume;
-        }
-        if (bars[i].time >= open && volume > 0) points.push_back({static_cast<double>(i), priceVolume / volume});
-    }
-    return points;
-}
-
-std::vector<OvCandle> plainSecond(const Bars& primary, const Bars& sec, int hhmm) {
-    const std::int64_t open = plainSessionOpen(primary.back().time, hhmm);
-    const auto since = [open](const Candle& bar) { return bar.time >= open; };
-    const auto place = positions(primary);
-    const Candle& reference = *std::find_if(primary.begin(), primary.end(), since);
-    auto own = std::find_if(sec.begin(), sec.end(), [&](const Candle& bar) { return bar.time == reference.time; });
-    if (own == sec.end()) own = std::find_if(sec.begin(), sec.end(), since);
-    if (own == sec.end()) own = sec.begin();
-    const double ratio = reference.open / own->open;
-    std::vector<OvCandle> points;
-    for (const Candle& bar : sec)
-        if (bar.time >= open && place.contains(bar.time))
-            points.push_back({place.at(bar.time), bar.open * ratio, bar.high * ratio, bar.low * ratio,
-                              bar.close * ratio, bar.close});
-    return points;
-}
-
-std::vector<OvColorPoint> plainHf(const Bars& bars, const HfByMin& flow, int tf, int hhmm, double fallback,
-                                  const SRSessions& levels) {
-    std::map<std::int64_t, double> value;
-    for (const auto& [t, minute] : flow)
-        if (newYorkSecondsOfDay(t) < 16 * 3600 + 16 * 60) value[t / (tf * 60) * (tf * 60)] = minute.c ? *minute.c : 0;
-    const auto place = positions(bars);
-    const auto sessionOpen = opens(bars, hhmm);
-    std::vector<OvColorPoint> points;
-    for (const auto& [bar, hf] : value) {
-        const std::int64_t open = plainSessionOpen(bar, hhmm);
-        if (!place.contains(bar) || !sessionOpen.contains(open)) continue;
-        const double base = sessionOpen.at(open);
-        double up = fallback, down = fallback;
-        if (levels.contains(open)) {
-            const SRSession& session = levels.at(open);
-            const double from = session.openPrice == 0 ? base : session.openPrice;
-            std::map<std::int64_t, double> ups, downs;
-            for (const SRLevel& level : session.up) ups.try_emplace(level.i, level.price);
-            for (const SRLevel& level : session.dn) downs.try_emplace(level.i, level.price);
-            if (!ups.empty() && from < ups.begin()->second) up = (ups.begin()->second - from) / 1e8;
-            if (!downs.empty() && downs.begin()->second < from) down = (from - downs.begin()->second) / 1e8;
-        }
-        const double v = base + hf * (hf < 0 ? down : up);
-        if (std::isfinite(v)) points.push_back({place.at(bar), v, hf >= 0, base, hf});
-    }
-    return points;
-}
-
-std::vector<OvPoint> plainVix(const Bars& bars, const Bars& vix, int tf, int hhmm, double scale, int smooth) {
-    std::map<std::int64_t, double> value;
-    const auto sessionOpen = opens(bars, hhmm);
-    for (auto session = sessionOpen.begin(); session != sessionOpen.end(); ++session) {
-        const auto [s, openP] = *session;
-        const auto next = std::next(session) == sessionOpen.end() ? std::numeric_limits<std::int64_t>::max()
-                                                                  : std::next(session)->first;
-        double anchor = 0;
-        for (const Candle& bar : vix)
-            if (bar.time >= s + 33300 && bar.time < next) {
-                anchor = bar.open != 0 ? bar.open : bar.close;
-                break;
-            }
-        if (anchor == 0 || !(openP > 0)) continue;
-        std::vector<std::pair<std::int64_t, double>> pts;
-        for (const Candle& bar : vix) {
-            const auto ofDay = newYorkSecondsOfDay(bar.time);
-            if (bar.time >= s && bar.time < next && ofDay >= 3 * 3600 + 15 * 60 && ofDay < 16 * 3600 + 16 * 60)
-                pts.emplace_back(bar.time, openP * (scale * (bar.close - anchor) / anchor + 1));
-        }
-        if (pts.size() < 2) continue;
-        const int w = smooth < 1 ? 1 : std::min(smooth, static_cast<int>(pts.size()));
-        for (int i = 0; i < static_cast<int>(pts.size()); ++i) {
-            double sum = 0;
-            const int first = std::max(i - w + 1, 0);
-            for (int j = first; j <= i; ++j) sum += pts[static_cast<std::size_t>(j)].second;
-            value[pts[static_cast<std::size_t>(i)].first / (tf * 60) * (tf * 60)] = sum / (i - first + 1);
-        }
-    }
-    const auto place = positions(bars);
-    std::vector<OvPoint> points;
-    for (const auto& [bar, v] : value)
-        if (place.contains(bar)) points.push_back({place.at(bar), v});
-    return points;
-}
-
-// Relative to the values, which are prices.
-void expectNear(const std::vector<OvPoint>& got, const std::vector<OvPoint>& expected, const std::string& what) {
-    ASSERT_EQ(got.size(), expected.size()) << what;
-    for (std::size_t i = 0; i < got.size(); ++i) {
-        ASSERT_EQ(got[i].idx, expected[i].idx) << what;
-        ASSERT_NEAR(got[i].v, expected[i].v, 1e-10 * std::abs(expected[i].v)) << what << " at " << i;
-    }
-}
 
 struct Scene {
     Bars raw, second, vix;
@@ -186,7 +49,7 @@ TEST(OverlaySeries, AgreeWithPlainComputations) {
             const Scene s = scene(from, to, hhmm, ++seed);
             const Bars bars = plainAggregate(s.raw, tf);
             SessionTime session;
-            EXPECT_GE(opens(bars, hhmm).size(), 5U);
+            EXPECT_GE(plainOpens(bars, hhmm).size(), 5U);
 
             const auto vwap = OverlaySeries::computeVWAP(bars, hhmm, session);
             EXPECT_GT(vwap.size(), 2U);
@@ -194,11 +57,11 @@ TEST(OverlaySeries, AgreeWithPlainComputations) {
 
             const auto second = OverlaySeries::computeSecond(bars, s.second, tf, hhmm, session);
             EXPECT_GT(second.size(), 2U);
-            EXPECT_EQ(second, plainSecond(bars, plainAggregate(s.second, tf), hhmm)) << what;
+            expectNear(second, plainSecond(bars, plainAggregate(s.second, tf), hhmm), what);
 
             const auto hf = OverlaySeries::computeHFLine(bars, s.flow, tf, hhmm, 2e-7, s.levels, session);
             EXPECT_GT(hf.size(), 50U);
-            EXPECT_EQ(hf, plainHf(bars, s.flow, tf, hhmm, 2e-7, s.levels)) << what;
+            expectNear(hf, plainHf(bars, s.flow, tf, hhmm, 2e-7, s.levels), what);
 
             for (const int smooth : {-3, 1, 5, 64, 1'000'000}) {
                 const auto vix = OverlaySeries::computeVIX(bars, s.vix, tf, hhmm, 0.08, smooth, session);

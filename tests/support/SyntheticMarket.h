@@ -46,6 +46,12 @@ inline bool futuresOpen(std::int64_t t) {
     return hour != 17;
 }
 
+inline bool stocksOpen(std::int64_t t) {
+    const unsigned weekday = date::weekday(date::floor<date::days>(newYorkTime(t))).c_encoding();
+    const std::int64_t ofDay = newYorkSecondsOfDay(t);
+    return weekday >= 1 && weekday <= 5 && ofDay >= 34200 && ofDay < 57600;
+}
+
 /// One-minute bars of a random walk while the futures market is open; a few minutes are missing, a few lack volume.
 inline std::vector<Candle> futuresMinutes(std::int64_t from, std::int64_t to, unsigned seed, double price) {
     std::mt19937 random(seed);

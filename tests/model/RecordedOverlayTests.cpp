@@ -1,0 +1,170 @@
+// A recorded practice session over a weekend and a clock change: every overlay series against the plain computation.
+#include <filesystem>
+#include <set>
+
+#include "model/PaneFixture.h"
+#include "model/PlainOverlays.h"
+#include "model/RecordedMarket.h"
+#include "support/PlainSessionLines.h"
+
+namespace vmr::test {
+namespace {
+
+struct Variant {
+    int tf, hhmm;
+};
+constexpr std::array<Variant, 9> variants{
+    {{1, 1800}, {5, 930}, {15, 0}, {5, 1800}, {15, 930}, {1, 0}, {15, 1800}, {1, 930}, {5, 0}}};
+
+/// A pane that is shown the recording, and beside it the plain series.
+class Player {
+ public:
+    explicit Player(double start) : pane_(start, speed) {
+        pane_.openSymbol("NQ");
+        GexConfig all = pane_.model->config;
+        all.vwapEnabled = all.vwapNyEnabled = all.showSecondary = all.hfEnabled = all.vixEnabled = true;
+        all.ema1Enabled = all.ema2Enabled = true;
+        all.hfScaleBySymbol["NQ"] = 7;
+        pane_.model->setConfig(all);
+    }
+
+    void play(const RecordedFrame& frame) {
+        moveTo(static_cast<double>(frame.timeMs) / 1000);
+        plain_.take(pane_.time.now(), frame);
+        pane_.frame(*frame.frame.bytes);
+    }
+    /// The series as the last frames left them, then those of the next variant made anew.
+    void checkAt(double t) {
+        moveTo(t);
+        check();
+        show(variants[++shown_ % variants.size()]);
+        check();
+    }
+    AppModel& model() { return *pane_.model; }
+    std::map<std::string, std::size_t> points;  ///< compared, by series
+    std::size_t byLevels = 0;                   ///< of these, HF points that a level has scaled
+
+ private:
+    static constexpr double speed = 60;
+
+    // Longer stretches are slept through: no timer runs in them.
+    void moveTo(double t) {
+        const double gap = t - pane_.time.now();
+        if (gap > 600) pane_.time.setNow(t);
+        if (gap > 0 && gap <= 600) pane_.time.advance(gap / speed);
+    }
+    void show(const Variant& one) {
+        GexConfig c = model().config;
+        c.sessionStart = one.hhmm;
+        model().setConfig(c);
+        model().setTimeframe(one.tf);
+    }
+    template <class Points>
+    void expectSame(const Points& got, const Points& expected, const std::string& series) {
+        points[series] += got.size();
+        expectNear(got, expected, what_ + series);
+    }
+
+    void check() {
+        pane_.time.advance(0.02);  // the throttled rebuilds
+        plain_.chart.roll(pane_.time.now());
+        const int tf = model().timeframe, hhmm = static_cast<int>(model().config->sessionStart);
+        what_ = std::to_string(pane_.time.now()) + " tf " + std::to_string(tf) + " start " + std::to_string(hhmm) + " ";
+        const Bars raw = plain_.chart.bars(), vix = plain_.vix.bars(), bars = plainAggregate(raw, tf);
+        ASSERT_EQ(model().displayCandles.get(), bars) << what_;
+        const OverlaySet& got = model().overlays();
+        expectSame(got.vwapMain, plainVwap(bars, hhmm), "VWAP");
+        expectSame(got.vwapNY, plainNyVwap(bars, hhmm), "New York VWAP");
+        expectSame(got.ema1, plainEma(bars, 9), "EMA 9");
+        expectSame(got.ema2, plainEma(bars, 200), "EMA 200");
+        expectSame(got.secondCandles, plainSecond(bars, plainAggregate(plain_.second.bars(), tf), hhmm), "second");
+        const double scale = 7.0 / 5.0 * 2e-7;  // the user's over the standard one for NQ, times that of QQQ's flow
+        expectSame(got.hfLine, plainHf(bars, plain_.flow, tf, hhmm, scale, plain_.levels), "HF");
+        const auto unscaled = plainHf(bars, plain_.flow, tf, hhmm, scale, {});
+        for (std::size_t i = 0; i < unscaled.size(); ++i) byLevels += unscaled[i].v != got.hfLine.at(i).v;
+        expectSame(got.vixLine, plainVix(bars, vix, tf, hhmm, 0.08, 5), "VIX");
+        EXPECT_EQ(got.vixSpot, vix.back().close) << what_;
+        const auto& lines = model().srLines.get();
+        points["lines"] += lines.size();
+        EXPECT_EQ(lines, plainLines(raw, plain_.levels, hhmm)) << what_;
+    }
+
+    TestPane pane_;
+    PlainSeries plain_;
+    std::size_t shown_ = 0;
+    std::string what_;
+};
+
+struct Season {
+    const char* month;  // of the contract
+    std::vector<LiveStretch> live;
+};
+
+Season spring() {
+    using namespace date::literals;
+    const auto at = [](int day, int hour, int minute) {
+        return newYorkMoment(date::local_days(2026_y / 3 / day), hour, minute);
+    };
+    return {"H6",
+            {{at(6, 15, 20), at(6, 16, 19), 20},
+             {at(8, 17, 57), at(8, 18, 6), 7},
+             {at(9, 9, 20), at(9, 9, 40), 7},
+             {at(9, 16, 57), at(9, 18, 3), 20},
+             {at(10, 10, 0), at(10, 10, 20), 7}}};
+}
+
+Season autumn() {
+    using namespace date::literals;
+    const date::local_days monday(2026_y / 11 / 2), tuesday(2026_y / 11 / 3);
+    return {"Z6",
+            {{newYorkMoment(monday, 15, 40), newYorkMoment(monday, 16, 4), 7},
+             {newYorkMoment(tuesday, 9, 25), newYorkMoment(tuesday, 9, 35), 7}}};
+}
+
+// The clock change lies in the recorded weekend: the sessions on both sides open at 18:00 all the same.
+void expectEveningOpens(const std::vector<OverlayLine>& lines) {
+    std::set<std::int64_t> offsets;
+    std::size_t evenings = 0;
+    for (const OverlayLine& line : lines) {
+        if (line.label != "Open") continue;
+        evenings += newYorkSecondsOfDay(line.startTime) == 18 * 3600;
+        offsets.insert(newYorkTime(line.startTime).time_since_epoch().count() - line.startTime);
+    }
+    EXPECT_GE(evenings, 3U);
+    EXPECT_EQ(offsets, (std::set<std::int64_t>{-5 * 3600, -4 * 3600}));
+}
+
+void playAndCompare(const Season& season) {
+    const std::string file = testing::TempDir() + "/overlays_" + season.month + ".vmr";
+    ASSERT_NO_FATAL_FAILURE(record(file, 11, season.month, season.live));
+    std::string error;
+    const auto reader = RecordingReader::open(file, error);
+    ASSERT_TRUE(reader) << error;
+
+    Player player(static_cast<double>(season.live.front().from));
+    for (const LiveStretch& live : season.live) {
+        // not in a session's first two minutes: a new bar makes the lines anew, and the bars before it may then be sent
+        // once more as they ended
+        const double middle = static_cast<double>(live.from + live.to) / 2 + 153,
+                     end = static_cast<double>(live.to) + 2;
+        for (const double moment : {middle, end}) {
+            for (; reader->peek() && static_cast<double>(reader->peek()->timeMs) < moment * 1000; reader->pop())
+                player.play(*reader->peek());
+            ASSERT_NO_FATAL_FAILURE(player.checkAt(moment));
+        }
+    }
+    EXPECT_EQ(player.model().chartChannel.get(), std::string("futures:NQ") + season.month);
+    for (const auto& [series, count] : player.points) EXPECT_GT(count, 150U) << series;
+    EXPECT_GT(player.byLevels, 1000U);
+    GexConfig evening = player.model().config;
+    evening.sessionStart = 1800;
+    player.model().setConfig(evening);
+    expectEveningOpens(player.model().srLines);
+    std::filesystem::remove(file);
+}
+
+TEST(RecordedOverlays, AgreeWithPlainComputationsOverTheSpringChange) { playAndCompare(spring()); }
+TEST(RecordedOverlays, AgreeWithPlainComputationsOverTheAutumnChange) { playAndCompare(autumn()); }
+
+}  // namespace
+}  // namespace vmr::test
