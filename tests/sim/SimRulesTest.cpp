@@ -267,10 +267,10 @@ sim::Trade trade(double pnl, double fees, double opened, double closed, const ch
 
 TEST(SimStats, FiguresOfATable) {
     // given newest first; after fees: -10, 30, 0, -20
-    const sim::Trade all[] = {trade(-15, 5, 40, 80, "SL"), trade(2, 2, 30, 40, "other"), trade(32, 2, 10, 30, "TP"),
+    const sim::Trade all[] = {trade(-15, 5, 5, 80, "SL"), trade(2, 2, 30, 40, "other"), trade(32, 2, 10, 30, "TP"),
                               trade(-10, 0, 0, 10, "SL")};
     const sim::Stats mixed = SimEngine::stats(all);
-    const sim::Stats expected{4, 1, 25, 0, 9, 1, 30, -10, 3, 0, 20, 30, -20, 20, 2, 1, 1, {-10, 20, 20, 0}};
+    const sim::Stats expected{4, 1, 25, 0, 9, 1, 30, -10, 3, 0, 20, 30, -20, 28.75, 2, 1, 1, {-10, 20, 20, 0}};
     EXPECT_EQ(mixed, expected);
 
     const sim::Trade wins[] = {trade(4, 0, 0, 1, ""), trade(6, 0, 0, 1, "")};

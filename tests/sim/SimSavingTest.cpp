@@ -171,6 +171,35 @@ TEST_F(SimSaving, ChangesOfASecondAreOneWrite) {
     EXPECT_TRUE(lines.empty());
 }
 
+TEST_F(SimSaving, EveryOperationThatChangesSomethingIsSaved) {
+    const auto sim = engine();
+    sim->onQuote("NQ", 100, 100);
+    const auto firstId = [&] { return sim->orders().front().id; };
+    const std::function<void()> operations[] = {
+        [&] { buy(*sim); },
+        [&] { sim->setProtective("NQ", "SL", 90); },
+        [&] { sim->modify(firstId(), 91); },
+        [&] { sim->cancel(firstId()); },
+        [&] {
+            sim->place("NQ", Side::buy, sim::OrderType::stopLimit, 1, 99, 101, sim::BracketSpec{4, 4});
+        },
+        [&] { sim->modifyProjectedLeg(firstId(), "SL", 80); },
+        [&] { sim->onTrade("NQ", 101); },  // turns it into a limit
+        [&] { sim->onTrade("NQ", 98); },
+        [&] { sim->cancelAll("NQ"); },
+        [&] { sim->flatten("NQ"); },
+        [&] { sim->resetAccount(1); },
+    };
+    for (const auto& operation : operations) {
+        SCOPED_TRACE(&operation - operations);
+        const int before = writes;
+        operation();
+        time.advance(1);
+        EXPECT_EQ(writes, before + 1);
+        EXPECT_TRUE(saved() == sim->snapshot());
+    }
+}
+
 TEST_F(SimSaving, AnAccountGoesOnAfterARestart) {
     auto sim = engine();
     sim->onTrade("NQ", 100);
