@@ -181,7 +181,7 @@ TEST_F(SimSaving, EveryOperationThatChangesSomethingIsSaved) {
         [&] { sim->modify(firstId(), 91); },
         [&] { sim->cancel(firstId()); },
         [&] {
-            sim->place("NQ", Side::buy, sim::OrderType::stopLimit, 1, 99, 101, sim::BracketSpec{4, 4});
+            sim->place("NQ", Side::buy, sim::OrderType::stopLimit, 1, 99, 101, {{4, 40}});
         },
         [&] { sim->modifyProjectedLeg(firstId(), "SL", 80); },
         [&] { sim->onTrade("NQ", 101); },  // turns it into a limit
