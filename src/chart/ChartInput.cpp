@@ -169,7 +169,7 @@ void ChartInput::scrollWheel(double dx, double dy, bool precise, bool shift) {
 
 void ChartInput::magnify(double magnification) {
     beginLiveRefresh();
-    zoomBy(1 - magnification);
+    renderer_.zoom(1 - magnification);
 }
 
 void ChartInput::panBy(double shareOfWidth, double shareOfHeight) {

@@ -84,6 +84,8 @@ class ChartInput {
     bool cursorOnRuler() const { return cursorOnRuler_; }
     /// The order or leg whose line is being dragged.
     bool draggingLine() const { return dragOrderId_.has_value() || dragProjLeg_.has_value(); }
+    /// The button is down and moves the chart or a line.
+    bool dragging() const { return lastDrag_.has_value() || draggingLine(); }
 
     void beginLiveRefresh();
     void endLiveRefresh();

@@ -1,4 +1,5 @@
 // The layers of a frame, back to front.
+#include <algorithm>
 #include <array>
 #include <bit>
 
@@ -40,6 +41,25 @@ void ChartRenderer::drawRetained(const Retained& retained, Primitive primitive) 
     if (retained.n > 0) gpu_.draw(primitive, retained.buf, 0, retained.n);
 }
 
+// A history is mostly out of view: of a long list only the blocks in view are drawn, runs of them at once.
+void ChartRenderer::drawInView(const Retained& retained, const DataOrigin& origin) {
+    if (retained.blocks.empty()) return drawRetained(retained);
+    const double first = camera_.firstVisible - origin.bar, last = first + camera_.visibleCount;
+    const double barsPerPoint = camera_.visibleCount / std::max(camera_.lastViewW, 1.0);
+    const auto isOut = [&](const Reach& reach) {
+        const double beyond = (static_cast<double>(reach.points) + 1.0) * barsPerPoint;
+        return static_cast<double>(reach.high) + beyond < first || static_cast<double>(reach.low) - beyond > last;
+    };
+    const std::size_t count = retained.blocks.size();
+    for (std::size_t begin = 0, end; begin < count; begin = end) {
+        end = begin + 1;
+        if (isOut(retained.blocks[begin])) continue;
+        while (end < count && !isOut(retained.blocks[end])) ++end;
+        const std::size_t from = begin * blockVertices, to = std::min(end * blockVertices, retained.n);
+        gpu_.draw(Primitive::triangles, retained.buf, from * retained.stride, to - from);
+    }
+}
+
 void ChartRenderer::encodeMarkers(const Uniforms& camera, double width, double height) {
     if (markers_.n == 0) return;
     const Markers::Zoom zoom = Markers::zoom(camera_.visibleCount);
@@ -47,7 +67,7 @@ void ChartRenderer::encodeMarkers(const Uniforms& camera, double width, double h
     uniforms.pad0 = zoom.fade;
     uniforms.pad1 = zoom.shrink;
     setWithView(Pipeline::marker, uniforms);
-    drawRetained(markers_);
+    drawInView(markers_, origin_);
 }
 
 void ChartRenderer::encodeEdges(const Geometry& geometry) {
@@ -64,12 +84,12 @@ void ChartRenderer::encodeOverlays(double width, double height) {
     const Uniforms camera = camera_.uniforms(overlayOrigin_);
     const LineUniforms ribbons = lineUniforms(camera, width, height);
     if (overlayLines_.n + sessionLines_.n > 0) setWithView(Pipeline::ribbon, ribbons);
-    drawRetained(overlayLines_);
-    drawRetained(sessionLines_);
+    drawInView(overlayLines_, overlayOrigin_);
+    drawInView(sessionLines_, overlayOrigin_);
     if (second_.n > 0) setFlat(camera);
-    drawRetained(second_);
+    drawInView(second_, overlayOrigin_);
     if (secondBorders_.n > 0) setWithView(Pipeline::ribbon, ribbons);
-    drawRetained(secondBorders_);
+    drawInView(secondBorders_, overlayOrigin_);
     setFlat(camera_.uniforms(origin_));
 }
 
@@ -81,13 +101,13 @@ void ChartRenderer::encodeLayers(const Geometry& geometry, double width, double 
     drawRetained(walls_, Primitive::lines);
     drawDyn(Primitive::lines, geometry.priceLine);
     encodeOverlays(width, height);
-    drawRetained(candleTris_);
+    drawInView(candleTris_, origin_);
     drawDyn(Primitive::triangles, geometry.formingTris);
-    drawRetained(candleWicks_);
+    drawInView(candleWicks_, origin_);
     drawDyn(Primitive::triangles, geometry.formingWicks);
     if (candleBorders_.n == 0 && !geometry.formingBorder) return;
     setWithView(Pipeline::ribbon, lineUniforms(camera, width, height));
-    drawRetained(candleBorders_);
+    drawInView(candleBorders_, origin_);
     drawDyn(Primitive::triangles, geometry.formingBorder);
 }
 

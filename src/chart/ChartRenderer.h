@@ -135,10 +135,17 @@ class ChartRenderer {
     int sessionHHMM = 1800;
 
  private:
+    /// What a block of a retained list spans: bars relative to the list's origin, and points beyond them.
+    struct Reach {
+        float low = 0, high = 0, points = 0;
+    };
     struct Retained {
         GpuBuffer buf = 0;
         std::size_t n = 0;
+        std::size_t stride = 0;     ///< bytes of a vertex
+        std::vector<Reach> blocks;  ///< of `blockVertices` each, for lists of several; else it is drawn whole
     };
+    static constexpr std::size_t blockVertices = 1152;  ///< whole shapes of 3, 6, 12, 24 and 36 vertices
     /// What a frame makes anew.
     struct Geometry {
         std::optional<DynUpload> priceLine, formingTris, formingBorder, formingWicks;
@@ -158,11 +165,8 @@ class ChartRenderer {
     void rebuildCandleGeometry();
     void rebuildWallGeometry();
     void rebuildMarkers();
-    void retain(Retained& retained, std::span<const std::byte> bytes, std::size_t count);
     template <class Vertex>
-    void retain(Retained& retained, const std::vector<Vertex>& list) {
-        retain(retained, std::as_bytes(std::span(list)), list.size());
-    }
+    void retain(Retained& retained, const std::vector<Vertex>& list);
 
     // What a frame makes anew (ChartFrame.cpp)
     bool buildGeometry(double viewW, double viewH, Geometry& geometry);
@@ -179,6 +183,7 @@ class ChartRenderer {
     void encodeOverlays(double width, double height);
     void drawDyn(Primitive primitive, const std::optional<DynUpload>& list);
     void drawRetained(const Retained& retained, Primitive primitive = Primitive::triangles);
+    void drawInView(const Retained& retained, const DataOrigin& origin);
     void setFlat(const Uniforms& uniforms);
     void setWithView(Pipeline pipeline, const LineUniforms& uniforms);
 

@@ -18,11 +18,37 @@ constexpr Rgba wallColor{0.667F, 0.667F, 0.667F, 0.85F};
 constexpr double wallReach = 2.0;  // bars past the last one
 }  // namespace
 
-void ChartRenderer::retain(Retained& retained, std::span<const std::byte> bytes, std::size_t count) {
+namespace {
+struct Place {
+    float bar, points;
+};
+Place placeOf(const ChartVertex& vertex) { return {vertex.position[0], 0}; }
+Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], vertex.pos[3]}; }
+Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.off[2]}; }
+}  // namespace
+
+template <class Vertex>
+void ChartRenderer::retain(Retained& retained, const std::vector<Vertex>& list) {
     if (retained.buf != 0) gpu_.release(retained.buf);
-    retained.buf = bytes.empty() ? 0 : gpu_.makeBuffer(bytes);
-    retained.n = count;
+    retained.buf = list.empty() ? 0 : gpu_.makeBuffer(std::as_bytes(std::span(list)));
+    retained.n = list.size();
+    retained.stride = sizeof(Vertex);
+    retained.blocks.clear();
+    if (list.size() <= blockVertices) return;
+    for (std::size_t begin = 0; begin < list.size(); begin += blockVertices) {
+        const Place first = placeOf(list[begin]);
+        Reach reach{first.bar, first.bar, first.points};
+        for (std::size_t i = begin; i < std::min(begin + blockVertices, list.size()); ++i) {
+            const Place place = placeOf(list[i]);
+            reach.low = std::min(reach.low, place.bar);
+            reach.high = std::max(reach.high, place.bar);
+            reach.points = std::max(reach.points, place.points);
+        }
+        retained.blocks.push_back(reach);
+    }
 }
+
+template void ChartRenderer::retain(Retained&, const std::vector<ChartVertex>&);
 
 void ChartRenderer::setOverlayGeometry(const OverlayLists& lists) {
     retain(overlayLines_, lists.lines);

@@ -82,12 +82,17 @@ struct ChartScene : testing::Test {
         }
         return found;
     }
+    /// Where vertex `i` of a retained list stands in a draw of the part in view.
+    static std::size_t inDraw(const RecordingGpu::DrawCall& call, std::size_t i, std::size_t stride = 32) {
+        return call.retained ? i - call.offset / stride : i;
+    }
     /// Top left and bottom right of a shape's box on the screen, from vertices 0 and 2.
     struct Box {
         double left, top, right, bottom;
     };
     Box box(const RecordingGpu::DrawCall& call, std::size_t first = 0) const {
         const auto list = gpu.vertices<ChartVertex>(call);
+        first = inDraw(call, first);
         const auto a = gpu.screen(call, list.at(first).position[0], list.at(first).position[1]);
         const auto c = gpu.screen(call, list.at(first + 2).position[0], list.at(first + 2).position[1]);
         return {a[0], a[1], c[0], c[1]};

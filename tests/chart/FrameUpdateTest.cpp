@@ -88,8 +88,9 @@ TEST_F(FrameUpdateTest, BarsThatTheCapDropsDoNotMoveThePicture) {
     frame();
     renderer.setCandles(std::span(list).subspan(1));
     frame();
-    EXPECT_NEAR(gpu.vertices<ChartVertex>(*layers().wicks)[298 * 12].position[1] + list.back().close, list[299].high,
-                1e-3);
+    const auto& wicks = *layers().wicks;
+    EXPECT_NEAR(gpu.vertices<ChartVertex>(wicks).at(inDraw(wicks, 298 * 12)).position[1] + list.back().close,
+                list[299].high, 1e-3);
     // Far left the view stops at the first bar that is left; a list that shares no bar is no shift.
     renderer.pan(-1000);
     renderer.setCandles(bars(400, 50));
@@ -129,6 +130,22 @@ TEST_F(FrameUpdateTest, InputChangesUniformsAlone) {
     }
     EXPECT_EQ(layers().borders->uniforms[4], 900.0F);
     EXPECT_EQ(gpu.buffersMade, made);
+}
+
+TEST_F(FrameUpdateTest, OfALongHistoryOnlyWhatIsInViewIsDrawn) {
+    renderer.setCandles(bars(5000));
+    for (const double first : {0.0, 1234.5, 3000.0}) {
+        renderer.mirrorView(first, 300);
+        frame();
+        const auto& call = *layers().bodies;
+        const double from = static_cast<double>(call.offset / 32 / 6), to = from + static_cast<double>(call.count / 6);
+        EXPECT_LE(from, std::max(first - 0.5, 0.0));
+        EXPECT_GE(to, first + 300.5);
+        EXPECT_LE(call.count / 6, 300U + 2 * 192);
+    }
+    renderer.mirrorView(0, 5000);
+    frame();
+    EXPECT_EQ(layers().bodies->count, 4999U * 6);
 }
 
 TEST_F(FrameUpdateTest, ThemeChangesColoursOnce) {

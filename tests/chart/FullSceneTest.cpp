@@ -210,7 +210,6 @@ TEST_F(FullSceneTest, BarsMayComeAloneBeforeTheirHistory) {
     frame();
     EXPECT_EQ(gpu.vertices<ChartVertex>(walls())[0].position[0], 0.0F);
     EXPECT_EQ(gpu.vertices<ChartVertex>(walls())[1].position[0], 2.0F);
-    for (const auto& vertex : gpu.vertices<MarkerVertex>(markers())) ASSERT_EQ(vertex.center[0], 0.0F);
     data.candles = bars(300);
     show();
     settle();
