@@ -1,6 +1,7 @@
 #include "market/SessionTime.h"
 
 #include <date/tz.h>
+#include <algorithm>
 
 #include <limits>
 
@@ -35,6 +36,11 @@ const date::time_zone& newYork() {
 }
 }  // namespace
 
+namespace {
+// No arithmetic on these overflows.
+std::int64_t bounded(std::int64_t t) { return std::clamp(t, -SessionTime::farthest, SessionTime::farthest); }
+}  // namespace
+
 SessionTime::SessionTime() : lastDay_(std::numeric_limits<std::int64_t>::min()) { newYork(); }
 
 std::int64_t SessionTime::offset(std::int64_t t) {
@@ -51,11 +57,13 @@ std::int64_t SessionTime::offset(std::int64_t t) {
 }
 
 int SessionTime::weekday(std::int64_t t) {
+    t = bounded(t);
     const std::int64_t days = floorDiv(t + offset(t), day);
     return static_cast<int>(((days + 4) % 7 + 7) % 7);
 }
 
 bool SessionTime::marketOpen(std::int64_t t, bool isStock) {
+    t = bounded(t);
     const std::int64_t local = t + offset(t);
     const std::int64_t s = local - floorDiv(local, day) * day;
     const int w = weekday(t);
@@ -67,6 +75,7 @@ bool SessionTime::marketOpen(std::int64_t t, bool isStock) {
 }
 
 std::int64_t SessionTime::sessionOpenSec(std::int64_t t, int hhmm) {
+    t = bounded(t);
     const std::int64_t off = offset(t);
     const std::int64_t local = t + off;
     std::int64_t open = floorDiv(local, day) * day + secondsOf(hhmm);
@@ -75,6 +84,7 @@ std::int64_t SessionTime::sessionOpenSec(std::int64_t t, int hhmm) {
 }
 
 std::int64_t SessionTime::calendarSessionOpenSec(std::int64_t t, int hhmm) {
+    t = bounded(t);
     const date::sys_seconds moment{std::chrono::seconds(t)};
     const auto local = date::make_zoned(&newYork(), moment).get_local_time();
     const auto wanted = date::floor<date::days>(local) + std::chrono::seconds(secondsOf(hhmm));

@@ -7,9 +7,12 @@
 namespace vmr {
 
 /// Answers what the exchange calendar says at a moment. Times are seconds since 1970; a session start is hhmm, so 930
-/// is 09:30. Not safe from two threads: each thread has an instance of its own.
+/// is 09:30. Moments beyond `farthest` count as that one. Not safe from two threads: each thread has an instance of its
+/// own.
 class SessionTime {
  public:
+    static constexpr std::int64_t farthest = std::int64_t{1} << 56;  ///< seconds from 1970, either way
+
     /// `fatal` when the zone America/New_York cannot be found.
     SessionTime();
 
