@@ -54,7 +54,8 @@ class TestPane {
             ids,
             [this] { return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time); },
             [this](const std::string& line) { printed.push_back(line); },
-            {}};
+            {},
+            sim};
     }
     AppModel& make() {
         model = std::make_unique<AppModel>(surroundings());
@@ -127,6 +128,7 @@ class TestPane {
     UuidSource ids{1};
     std::vector<std::string> printed;
     int tokens = 0;
+    SimEngine* sim = nullptr;  ///< to be set before the pane is made
     std::unique_ptr<AppModel> model;
 };
 
