@@ -154,6 +154,7 @@ class AppModel {
     Observable<bool> priceRising{true};
     std::uint64_t chartVersion = 0;  ///< raised after each display rebuild
     Signal<> chartVersionChanged;
+    std::optional<Viewport> viewport;  ///< the camera of the last frame that moved it; nothing without a chart view
 
     /// A trade of the chart; `tsMs` in milliseconds since 1970 (`fatal` outside 64 bits).
     void applyTrade(double price, double tsMs);

@@ -29,6 +29,7 @@ void addChart(json& out, const AppModel& pane) {
     out["timeframe"] = pane.timeframe.get();
     out["priceRising"] = pane.priceRising.get();
     out["chartVersion"] = pane.chartVersion;
+    out["viewport"] = pane.viewport ? record(*pane.viewport) : json(nullptr);
     out["subscribedChans"] = pane.subscribedChans;
     out["vixBaseChannel"] = pane.vixBaseChannel();
     out["vixChannel"] = pane.vixChannel();

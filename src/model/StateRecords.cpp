@@ -42,6 +42,13 @@ json record(const HudMetrics& hud) {
             {"hf", number(hud.hf)}};
 }
 
+json record(const Viewport& viewport) {
+    return {{"first", number(viewport.first)},
+            {"count", number(viewport.count)},
+            {"minP", number(viewport.minP)},
+            {"maxP", number(viewport.maxP)}};
+}
+
 json record(const BubblePt& point) {
     return {{"minuteTs", point.minuteTs},
             {"strike", number(point.strike)},

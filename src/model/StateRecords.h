@@ -27,6 +27,7 @@ json keys(const DerivedFields& fields);
 json record(const PriceLevel& level);
 json record(const StrikeRow& row);
 json record(const HudMetrics& hud);
+json record(const Viewport& viewport);
 json record(const BubblePt& point);
 json record(const TrianglePt& point);
 json record(const OscPt& point);

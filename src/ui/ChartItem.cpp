@@ -30,8 +30,10 @@ ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::mak
     drawing_->renderer.addScreenLayer(drawing_->tradingLines);
     drawing_->renderer.addScreenLayer(drawing_->axis);
     drawing_->renderer.onNeedsDisplay = [this] { requestFrame(); };
-    drawing_->renderer.onViewport = [this](double, double, double, double) {
+    drawing_->renderer.onViewport = [this](double first, double count, double minP, double maxP) {
         updateCrosshair();
+        if (pane_ && pane_->actions().viewportChanged)
+            pane_->actions().viewportChanged(Viewport{first, count, minP, maxP});
         if (pane_ && pane_->surroundings().bench.baseline) emit pane_->changed();
     };
     drawing_->renderer.onInteractionEnd = [this] {
@@ -40,31 +42,30 @@ ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::mak
     makeInput();
 }
 
-ChartItem::~ChartItem() {
-    if (pane_) pane_->setInteractingProbe({});
+ChartItem::~ChartItem() { leavePane(); }
+
+void ChartItem::leavePane() {
+    if (!pane_) return;
+    disconnect(pane_, nullptr, this, nullptr);
+    pane_->setInteractingProbe({});
+    if (pane_->actions().viewportChanged) pane_->actions().viewportChanged(std::nullopt);
 }
 
 PaneViewModel* ChartItem::pane() const { return pane_; }
 
 void ChartItem::setPane(PaneViewModel* pane) {
     if (pane == pane_) return;
-    if (pane_) {
-        disconnect(pane_, nullptr, this, nullptr);
-        pane_->setInteractingProbe({});
-    }
+    leavePane();
     pane_ = pane;
     makeInput();
     if (pane_) {
         pane_->setInteractingProbe([this] { return drawing_->renderer.interacting(); });
-        const auto take = [this] {
-            chartDirty_ = true;
-            requestFrame();
-        };
-        connect(pane_, &PaneViewModel::chartChanged, this, take);
-        connect(pane_, &PaneViewModel::changed, this, [this, take] {
-            if (drawnTimeframe_ != pane_->timeframe()) take();
-        });
-        take();
+        connect(pane_, &PaneViewModel::chartChanged, this, &ChartItem::chartTold);
+        connect(pane_, &PaneViewModel::changed, this, &ChartItem::chartTold);
+        connect(pane_, &PaneViewModel::accountChanged, this, &ChartItem::requestFrame);
+        chartDirty_ = true;
+        drawnOverlays_ = 0;
+        requestFrame();
     }
     emit paneChanged();
 }
@@ -87,6 +88,7 @@ void ChartItem::setProblem(const QString& problem) {
 // many.
 void ChartItem::requestFrame() {
     if (recording_) return;
+    frameAwaited_ = true;
     polish();
     update();
 }
@@ -110,28 +112,37 @@ void ChartItem::itemChange(ItemChange change, const ItemChangeData& data) {
     if (shown || change == ItemDevicePixelRatioHasChanged) requestFrame();
 }
 
+// Much of what a pane tells changes nothing on the chart. So the news of a turn are taken after it, and the renderer
+// finds whether they are worth a frame; while one is on its way, they wait for it.
+void ChartItem::chartTold() {
+    if (std::exchange(chartDirty_, true) || frameAwaited_) return;
+    QMetaObject::invokeMethod(this, &ChartItem::takeChart, Qt::QueuedConnection);
+}
+
 // The bars come last, so that the camera's rules see the rest as it is.
 void ChartItem::takeChart() {
     if (!pane_ || !std::exchange(chartDirty_, false)) return;
     const auto& chart = pane_->chart();
     ChartRenderer& renderer = drawing_->renderer;
-    drawing_->axis.setTimeframe(pane_->timeframe());
-    drawnTimeframe_ = pane_->timeframe();
+    if (drawing_->axis.setTimeframe(pane_->timeframe())) requestFrame();
     renderer.sessionHHMM = chart.sessionHHMM;
     renderer.setRenderConfig(chart.config);
     renderer.setLevels(all(chart.levels));
     renderer.setStrikes(all(chart.strikes), chart.etfRatio, chart.flipStrike);
     renderer.setSecStrikes(all(chart.secStrikes), chart.secRatio);
     drawing_->input->simRoot = chart.simRoot;
-    drawing_->tradingLines.root = chart.simRoot;
+    if (std::exchange(drawing_->tradingLines.root, chart.simRoot) != chart.simRoot) requestFrame();
     renderer.setBubbles(all(chart.bubbles), all(chart.triangles));
     if (chart.overlays && std::exchange(drawnOverlays_, chart.overlayRevision) != chart.overlayRevision)
         renderer.setOverlayGeometry(*chart.overlays);
+    const bool emptied = pane_->empty() && !renderer.candles().empty();
     renderer.setCandles(all(chart.candles));
+    if (emptied) requestFrame();
 }
 
 void ChartItem::updatePolish() {
     animating_ = false;
+    frameAwaited_ = false;
     if (!window() || width() <= 0 || height() <= 0) return;
     recording_ = true;
     takeChart();

@@ -79,6 +79,8 @@ class ChartItem : public QQuickItem {
  private:
     struct Drawing;
     void requestFrame();
+    void chartTold();
+    void leavePane();
     void takeChart();
     void makeInput();
     void pointerMoved(std::optional<ChartPoint> point);
@@ -89,10 +91,10 @@ class ChartItem : public QQuickItem {
     std::unique_ptr<Drawing> drawing_;
     QPointer<PaneViewModel> pane_;
     QString problem_;
-    bool chartDirty_ = true;
+    bool chartDirty_ = true;    ///< the pane told of a chart that `takeChart` has not seen
+    bool frameAwaited_ = false;
     bool recording_ = false;
     bool animating_ = false;
-    int drawnTimeframe_ = 0;
     std::uint64_t drawnOverlays_ = 0;
     ChartPoint lastPress_;  ///< where a drag has come to
     std::vector<OrderMenuItem> orderMenu_;

@@ -92,7 +92,7 @@ void ChartItem::mouseReleaseEvent(QMouseEvent* event) {
 
 // The pointer was taken away in the middle of a drag, by a popup or another window.
 void ChartItem::mouseUngrabEvent() {
-    if (drawing_->renderer.interacting() || drawing_->input->draggingLine()) drawing_->input->mouseUp(lastPress_);
+    if (drawing_->input->dragging()) drawing_->input->mouseUp(lastPress_);
 }
 
 // The other axis' deltas come with Alt on some platforms, and with Shift on others.

@@ -57,9 +57,10 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, const std::string
         [this](int minutes) { model_.setTimeframe(minutes); },
         [this] { model_.flashMarketClosedNotice(); },
         [this] { model_.interactionEnded(); },
+        [this](const std::optional<Viewport>& viewport) { model_.viewport = viewport; },
     });
     watch();
-    if (sim) connections_.push_back(sim->changed.connect([this](SimEngine::Field) { copyChart(); }));
+    if (sim) connections_.push_back(sim->changed.connect([this](SimEngine::Field) { view_.tellAccountChanged(); }));
     copyFields();
     RendererBridge bridge;
     bridge.interacting = [this] { return view_.interacting(); };
@@ -73,6 +74,7 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, const std::string
 }
 
 PaneBinding::~PaneBinding() {
+    model_.viewport.reset();
     model_.setRendererBridge({});
     view_.setActions({});
     view_.setChart({});

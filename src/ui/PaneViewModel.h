@@ -72,6 +72,8 @@ class PaneViewModel : public QObject {
         std::function<void(int minutes)> setTimeframe;
         std::function<void()> marketClosedOrder;  ///< an order was chosen while the market is closed
         std::function<void()> interactionEnded;   ///< a drag of the chart ended
+        /// The chart's camera moved; nothing: the chart is gone.
+        std::function<void(const std::optional<Viewport>& viewport)> viewportChanged;
     };
     /// What the chart's input reaches beside the pane; null and empty where there is none. All outlive the views.
     struct Surroundings {
@@ -117,6 +119,8 @@ class PaneViewModel : public QObject {
     /// Tells that something of the chart or the timeframe is not what it was. Copies no list.
     void setChart(const Chart& chart);
     const Chart& chart() const { return chart_; }
+    /// Tells that the paper account's lines are not what they were.
+    void tellAccountChanged() { emit accountChanged(); }
 
     bool entered() const { return fields_.entered; }
     bool signingIn() const { return fields_.signingIn; }
@@ -145,6 +149,7 @@ class PaneViewModel : public QObject {
     void enteredChanged();
     void emptyChanged();
     void chartChanged();
+    void accountChanged();
 
  private:
     Fields fields_;

@@ -1,0 +1,332 @@
+// The running window driven by a real pointer: what its camera shows and what its account did.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <nlohmann/json.hpp>
+
+#include "base/Uuid.h"
+#include "tests/app/RunningProgram.h"
+
+namespace vmr {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+constexpr double width = 1200, windowHeight = 800, toolbarHeight = 44;
+constexpr double height = windowHeight - toolbarHeight;  // of the chart
+constexpr double closeMarkX = 1200 - 74 - 168 - 80 - 7;
+constexpr double tick = 0.25;
+
+struct Point {
+    double x, y;  // in the chart, whole numbers
+};
+
+// The camera as the state document tells it.
+struct View {
+    double first, count, minP, maxP;
+
+    explicit View(const json& pane)
+        : first(pane["viewport"]["first"]),
+          count(pane["viewport"]["count"]),
+          minP(pane["viewport"]["minP"]),
+          maxP(pane["viewport"]["maxP"]) {}
+    double span() const { return maxP - minP; }
+    double priceAt(double y) const { return minP + (1.9 - 2 * y / height) * span() / 1.8; }
+    double yOf(double price) const { return std::round(height * (1.9 - (price - minP) * 1.8 / span()) / 2); }
+    void zoomPrice(double factor) {
+        const double middle = (minP + maxP) / 2, half = span() / 2 * factor;
+        minP = middle - half;
+        maxP = middle + half;
+    }
+    void zoom(double factor) {
+        first += count * (1 - factor);
+        count *= factor;
+    }
+    void move(double dx, double dy) {
+        const double up = dy / height * span();
+        first -= dx * count / width;
+        minP += up;
+        maxP += up;
+    }
+    bool near(const View& other) const {
+        constexpr double tolerance = 1e-6;
+        return std::abs(first - other.first) < tolerance && std::abs(count - other.count) < tolerance &&
+               std::abs(minP - other.minP) < tolerance && std::abs(maxP - other.maxP) < tolerance;
+    }
+    std::string text() const {
+        return std::to_string(first) + " + " + std::to_string(count) + ", " + std::to_string(minP) + " to " +
+               std::to_string(maxP);
+    }
+};
+
+class WindowInput : public testing::Test {
+ protected:
+    void SetUp() override {
+        if (std::system("command -v xdotool > /dev/null") != 0)
+            GTEST_SKIP() << "xdotool is not installed, so there is no pointer to drive the window with";
+        fs::create_directories(home_);
+    }
+    void TearDown() override {
+        if (program_) {
+            program_->say("quit\n");
+            EXPECT_EQ(program_->wait(), 0);
+        }
+        std::error_code ignored;
+        fs::remove_all(home_, ignored);
+    }
+
+    // Starts the window and waits until it shows a market.
+    void open(const std::string& clock) {
+        program_ = std::make_unique<RunningProgram>(
+            home_, std::vector<std::string>{"--practice", "--clock", clock, "--window", "1200x800"});
+        ASSERT_TRUE(until([](const json& state) {
+            const json& pane = state["panes"][0];
+            return pane["displayCandles"].size() > 100 && pane["catFutures"].size() == 6 &&
+                   pane["viewport"].is_object() && state["sim"]["lasts"].contains("NQ");
+        })) << "the market did not come";
+        const fs::path file = home_ / "window";
+        const std::string find = "xdotool search --onlyvisible --name '^Velmora$' > '" + file.string() + "'";
+        ASSERT_EQ(std::system(find.c_str()), 0) << "no window";
+        std::ifstream(file) >> window_;
+        settle();
+    }
+
+    // Real events, one after the other; `move` is a place in the chart.
+    static std::string move(Point to) {
+        return " mousemove --window $W " + std::to_string(std::lround(to.x)) + " " +
+               std::to_string(std::lround(to.y + toolbarHeight)) + " sleep 0.03";
+    }
+    void act(const std::string& events) {
+        const std::string command = "W=" + window_ + "; xdotool" + events;
+        ASSERT_EQ(std::system(command.c_str()), 0) << command;
+    }
+    void drag(Point from, const std::vector<Point>& over) {
+        std::string events = move(from) + " mousedown 1";
+        for (const Point& to : over) events += move(to);
+        act(events + " mouseup 1");
+    }
+    void wheel(int button, int times = 1) {
+        act(move({400, 400}) + " click --repeat " + std::to_string(times) + " --delay 20 " + std::to_string(button));
+    }
+    void shiftWheel(int button, int times) {
+        act(move({400, 400}) + " keydown shift click --repeat " + std::to_string(times) + " --delay 20 " +
+            std::to_string(button) + " keyup shift");
+    }
+    // Opens the order menu and clicks what lies `down` points below its top.
+    void chooseFromMenu(Point at, double down) {
+        act(move(at) + " click 3 sleep 0.4" + move({at.x + 30, at.y + down}) + " click 1");
+    }
+    static constexpr double firstRow = 6 + 14, rowAfterSeparator = 6 + 28 + 9 + 14;
+
+    // The state document as of now.
+    const json& look() {
+        const fs::path file = home_ / "state.json";
+        program_->say("state " + file.string() + "\n");
+        while (const auto line = program_->line(30))
+            if (line->starts_with("[cmd] ok state")) break;
+        std::ifstream in(file);
+        state_ = json::parse(in, nullptr, false);
+        EXPECT_TRUE(state_.is_object());
+        return state_;
+    }
+    bool until(const std::function<bool(const json&)>& holds) {
+        const double end = clock_.monotonic() + 20;
+        while (clock_.monotonic() < end) {
+            if (holds(look())) return true;
+            program_->line(0.02);
+        }
+        return false;
+    }
+    const json& pane() { return state_["panes"][0]; }
+    const json& account() { return state_["sim"]; }
+
+    // The camera, its bars counted from one bar of the history whatever comes or goes at the ends.
+    View view() {
+        View out(pane());
+        const json& bars = pane()["displayCandles"];
+        if (anchor_.is_null()) anchor_ = bars[50][0];
+        for (std::size_t i = 0; i < bars.size(); ++i)
+            if (bars[i][0] == anchor_) out.first -= static_cast<double>(i);
+        return out;
+    }
+    // The camera once nothing has moved it for a while.
+    View settle() {
+        std::optional<View> before;
+        int same = 0;
+        EXPECT_TRUE(until([&](const json&) {
+            same = before && before->near(view()) ? same + 1 : 0;
+            before = view();
+            return same >= 3;
+        }));
+        return *before;
+    }
+    void expectView(const View& expected, const char* after) {
+        EXPECT_TRUE(until([&](const json&) { return view().near(expected); }))
+            << after << ": " << view().text() << ", expected " << expected.text();
+    }
+    // Brings the market to 250 points below the top, a point being 0.3 of price, and ends the automatic range.
+    View standStill() {
+        shiftWheel(4, 1);
+        for (int i = 0; i < 10; ++i) {
+            const View now = settle();
+            const double factor = 0.3 * height * 0.9 / now.span(), off = 250 - now.yOf(account()["lasts"]["NQ"]);
+            if (factor < 0.94)
+                shiftWheel(4, std::max(1, static_cast<int>(std::log(factor) / std::log(0.94))));
+            else if (factor > 1.07)
+                shiftWheel(5, std::max(1, static_cast<int>(std::log(factor) / std::log(1.06))));
+            else if (std::abs(off) > 30)
+                drag({300, 300}, {{300, 300 + std::clamp(off, -200.0, 200.0)}});
+            else
+                return now;
+        }
+        ADD_FAILURE() << "the market does not stand still";
+        return View(pane());
+    }
+
+    fs::path home_ = fs::temp_directory_path() / ("velmora-input-" + UuidSource().next().text());
+    SystemClock clock_;
+    std::unique_ptr<RunningProgram> program_;
+    std::string window_;
+    json state_, anchor_;
+};
+
+TEST_F(WindowInput, ThePointerAndTheKeysMoveTheCamera) {
+    open("2026-06-10T10:00");
+    const double liveFirst = view().first;
+    drag({200, 200}, {{400, 220}, {600, 240}, {900, 260}});  // off the live edge, and the range is fixed
+    View expected = settle();
+    EXPECT_LT(expected.first, liveFirst - 0.3 * expected.count);
+
+    drag({800, 300}, {{750, 310}, {600, 350}, {500, 380}});
+    expected.move(-300, 80);
+    expectView(expected, "a drag");
+
+    drag({1160, 300}, {{1160, 340}});
+    expected.zoomPrice(1.2);
+    expectView(expected, "a drag on the ruler");
+
+    wheel(4);
+    expected.zoom(0.94);
+    expected.zoomPrice(0.94);
+    expectView(expected, "the wheel");
+    wheel(5, 2);
+    for (int i = 0; i < 2; ++i) expected.zoom(1.06), expected.zoomPrice(1.06);
+    expectView(expected, "the wheel back");
+    wheel(6, 5);
+    expected.move(5, 0);
+    expectView(expected, "the wheel sideways");
+    shiftWheel(5, 3);
+    expected.zoomPrice(std::pow(1.06, 3));
+    expectView(expected, "the wheel with Shift");
+
+    for (int i = 0; i < 3; ++i) drag({100, 300}, {{500, 300}, {1000, 300}});
+    shiftWheel(5, 20);
+    settle();
+    act(move({400, 400}) + " click --repeat 2 --delay 60 1");  // the range is the bars' again
+    double low = HUGE_VAL, high = -HUGE_VAL;
+    expected = view();
+    const json& bars = pane()["displayCandles"];
+    const View shown(pane());
+    const auto end = std::min(bars.size(), static_cast<std::size_t>(std::ceil(shown.first + shown.count)));
+    for (auto i = static_cast<std::size_t>(shown.first); i < end; ++i) {
+        low = std::min(low, bars[i][3].get<double>());
+        high = std::max(high, bars[i][2].get<double>());
+    }
+    ASSERT_LT((high - low) * 2.2, expected.span());
+    expected.minP = low - (high - low) * 1.02;
+    expected.maxP = high + (high - low) * 1.02;
+    expectView(expected, "a double click");
+
+    act(" windowfocus --sync $W key Home");
+    EXPECT_TRUE(until([&](const json& state) {
+        const View now(state["panes"][0]);  // at this width half of the view stays free
+        return std::abs(now.first + now.count / 2 - static_cast<double>(pane()["displayCandles"].size())) < 1e-6;
+    })) << view().text();
+}
+
+TEST_F(WindowInput, OrdersAreEnteredMovedAndClosedOnTheChart) {
+    open("2026-06-10T10:00");
+    const View at = standStill();
+    const double last = account()["lasts"]["NQ"];
+    const double entryY = at.yOf(last) + 260;
+    const auto rounded = [](double price) { return std::round(price / tick) * tick; };
+    const auto order = [&](const char* tag) -> json {
+        for (const json& one : account()["orders"])
+            if (one["tag"] == tag) return one;
+        return {};
+    };
+    const auto near = [](const json& price, double expected) {
+        return price.is_number() && std::abs(price.get<double>() - expected) <= tick;
+    };
+
+    chooseFromMenu({300, entryY}, firstRow);
+    ASSERT_TRUE(until([&](const json&) { return account()["orders"].size() == 1; })) << account()["orders"];
+    EXPECT_EQ(order("")["side"], "buy");
+    EXPECT_EQ(order("")["type"], "limit");
+    EXPECT_EQ(order("")["qty"], 1);
+    EXPECT_TRUE(near(order("")["limitPrice"], at.priceAt(entryY))) << order("");
+    EXPECT_EQ(order("")["bracket"], (json{{"slTicks", 40}, {"tpTicks", 80}}));
+
+    // the planned stop through the entry: it comes back on its own side
+    const double entry = order("")["limitPrice"];
+    const double legY = at.yOf(entry - 40 * tick), throughY = entryY - 90;
+    const double slTicks = std::round((rounded(at.priceAt(throughY)) - entry) / tick);
+    drag({300, legY}, {{300, legY - 20}, {300, entryY}, {300, throughY}});
+    EXPECT_TRUE(until([&](const json&) { return order("")["bracket"]["slTicks"] == slTicks; })) << order("");
+    EXPECT_GT(slTicks, 60);
+    EXPECT_EQ(order("")["bracket"]["tpTicks"], 80);
+    EXPECT_EQ(order("")["limitPrice"], entry);
+
+    drag({300, at.yOf(entry)}, {{300, entryY + 20}, {300, entryY + 60}});
+    EXPECT_TRUE(until([&](const json&) { return near(order("")["limitPrice"], at.priceAt(entryY + 60)); }));
+    EXPECT_LT(order("")["limitPrice"], entry - 10);
+    EXPECT_EQ(order("")["bracket"], (json{{"slTicks", slTicks}, {"tpTicks", 80}}));
+
+    // a second one, taken back by its close mark
+    const json first = order("");
+    chooseFromMenu({300, entryY - 130}, firstRow);
+    EXPECT_TRUE(until([&](const json&) { return account()["orders"].size() == 2; }));
+    act(move({closeMarkX, entryY - 130}) + " click 1");
+    EXPECT_TRUE(until([&](const json&) { return account()["orders"].size() == 1; }));
+    EXPECT_EQ(order(""), first);
+
+    // over the market in one move: the next trade fills it at its limit
+    const double fillY = at.yOf(account()["lasts"]["NQ"]) - 30;
+    drag({300, at.yOf(first["limitPrice"])}, {{300, fillY}});
+    const auto position = [&]() -> json { return account()["positions"].value("NQ", json{{"qty", 0}}); };
+    ASSERT_TRUE(until([&](const json&) { return position()["qty"] == 1; })) << account()["orders"];
+    const double average = position()["avg"];
+    EXPECT_TRUE(near(average, at.priceAt(fillY))) << average;
+    EXPECT_EQ(account()["orders"].size(), 2u);
+    EXPECT_TRUE(near(order("SL")["stopPrice"], average - slTicks * tick)) << order("SL");
+    EXPECT_TRUE(near(order("TP")["limitPrice"], average + 80 * tick)) << order("TP");
+    EXPECT_EQ(order("SL")["ocoId"], order("TP")["id"]);
+
+    chooseFromMenu({300, entryY}, firstRow);  // "Set SL"
+    EXPECT_TRUE(until([&](const json&) { return near(order("SL")["stopPrice"], at.priceAt(entryY)); })) << order("SL");
+    const double targetY = at.yOf(order("TP")["limitPrice"]);
+    drag({300, targetY}, {{300, targetY - 40}});
+    EXPECT_TRUE(until([&](const json&) { return near(order("TP")["limitPrice"], at.priceAt(targetY - 40)); }));
+
+    act(move({closeMarkX, at.yOf(average)}) + " click 1");
+    ASSERT_TRUE(until([&](const json&) { return position()["qty"] == 0; })) << position();
+    EXPECT_TRUE(account()["orders"].empty()) << account()["orders"];
+    ASSERT_EQ(account()["fills"].size(), 2u);
+    ASSERT_EQ(account()["trades"].size(), 1u);
+    const double exit = account()["fills"][0]["price"], commission = account()["commission"];
+    EXPECT_EQ(account()["fills"][0]["side"], "sell");
+    EXPECT_NEAR(account()["balance"], 50000 + (exit - average) / tick * 5 - 2 * commission, 1e-6);
+}
+
+TEST_F(WindowInput, AClosedMarketTakesNoOrderFromTheMenu) {
+    open("2026-06-13T12:00");
+    act(move({300, 300}) + " click 3 sleep 0.4" + move({330, 300 + firstRow}) + " click 1");
+    EXPECT_TRUE(until([](const json& state) { return state["panes"][0]["marketClosedNotice"] == true; }));
+    EXPECT_TRUE(account()["orders"].empty());
+}
+
+}  // namespace
+}  // namespace vmr
