@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "base/LocalDay.h"
+#include "chart/AllocationCount.h"
 #include "sim/SimScript.h"
 
 namespace vmr::test {
@@ -84,6 +85,19 @@ TEST(SimMatching, EachTypeFillsWhereItsRuleSays) {
          "buy 9223372036854775807 100.125", "buy"},
     };
     for (const Rule& rule : rules) check(rule);
+}
+
+TEST(SimMatching, ATickAllocatesNothing) {
+    SimScript sim;
+    sim.run("trade 100; quote 99 101");
+    for (int i = 0; i < 200; ++i) sim.run(i % 2 == 0 ? "buy 1 limit=50" : "sell 1 stop=40");
+    const long before = allocationCount();
+    for (int i = 0; i < 100; ++i) {
+        sim.engine.onTrade(sim.root, 90 + i % 5);
+        sim.engine.onQuote(sim.root, 90, 91 + i % 5);
+    }
+    EXPECT_EQ(allocationCount() - before, 0);
+    EXPECT_EQ(sim.engine.orders().size(), 200u);
 }
 
 TEST(SimBrackets, LegsFollowThePosition) {
