@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "chart/AxisScale.h"
@@ -24,8 +25,8 @@ class AxisLayer final : public ScreenLayer {
     /// Both must outlive the layer. `session` is used on the main thread.
     AxisLayer(GlyphSource& glyphs, SessionTime& session);
 
-    /// Minutes of a bar; 1 at the start. Shows in the next frame.
-    void setTimeframe(double minutes) { timeframe_ = minutes; }
+    /// Minutes of a bar; 1 at the start. Shows in the next frame. True when it was another.
+    bool setTimeframe(double minutes) { return std::exchange(timeframe_, minutes) != minutes; }
 
     void drawBelow(ScreenFrame& frame) override;
     bool drawAbove(ScreenFrame& frame) override;

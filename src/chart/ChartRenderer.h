@@ -85,7 +85,8 @@ class ChartRenderer {
     /// The markers, ascending by minute. Compares counts and last elements only.
     void setBubbles(std::span<const BubblePt> bubbles, std::span<const TrianglePt> triangles);
 
-    /// The overlay ribbons and the paired instrument's candles; replaces what was there. Copied to the GPU.
+    /// The overlay ribbons and the paired instrument's candles; replaces what was there. What differs is copied to the
+    /// GPU, and asks for a frame.
     void setOverlayGeometry(const OverlayLists& lists);
 
     /// Draws `layer` in every frame after those added before; it must outlive the renderer's frames.
@@ -167,6 +168,8 @@ class ChartRenderer {
     void rebuildMarkers();
     template <class Vertex>
     void retain(Retained& retained, const std::vector<Vertex>& list);
+    template <class Vertex>
+    bool replace(Retained& retained, const std::vector<Vertex>& list);
 
     // What a frame makes anew (ChartFrame.cpp)
     bool buildGeometry(double viewW, double viewH, Geometry& geometry);

@@ -48,16 +48,24 @@ void ChartRenderer::retain(Retained& retained, const std::vector<Vertex>& list) 
     }
 }
 
+template <class Vertex>
+bool ChartRenderer::replace(Retained& retained, const std::vector<Vertex>& list) {
+    if (retained.n == list.size() && (list.empty() || gpu_.holds(retained.buf, std::as_bytes(std::span(list)))))
+        return false;
+    retain(retained, list);
+    return true;
+}
+
 template void ChartRenderer::retain(Retained&, const std::vector<ChartVertex>&);
 
 void ChartRenderer::setOverlayGeometry(const OverlayLists& lists) {
-    retain(overlayLines_, lists.lines);
+    bool changed = std::exchange(overlayOrigin_, lists.origin) != lists.origin;
+    changed |= replace(overlayLines_, lists.lines);
     if (std::exchange(sessionRevision_, lists.sessionRevision) != lists.sessionRevision)
-        retain(sessionLines_, lists.sessionLines);
-    retain(second_, lists.second);
-    retain(secondBorders_, lists.secondBorders);
-    overlayOrigin_ = lists.origin;
-    needsDisplay();
+        changed |= replace(sessionLines_, lists.sessionLines);
+    changed |= replace(second_, lists.second);
+    changed |= replace(secondBorders_, lists.secondBorders);
+    if (changed) needsDisplay();
 }
 
 void ChartRenderer::rebuildRetained() {

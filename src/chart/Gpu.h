@@ -28,6 +28,9 @@ class Gpu {
     /// A retained buffer with these bytes, never changed again.
     virtual GpuBuffer makeBuffer(std::span<const std::byte> bytes) = 0;
 
+    /// Whether a retained buffer holds exactly these bytes, so that nothing new needs to be made.
+    virtual bool holds(GpuBuffer buffer, std::span<const std::byte> bytes) const = 0;
+
     /// A buffer of `size` bytes that the frame writes through `arenaBytes`.
     virtual GpuBuffer makeArena(std::size_t size) = 0;
 

@@ -1,6 +1,7 @@
 #include "ui/RhiGpu.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "base/Fatal.h"
@@ -13,6 +14,13 @@ GpuBuffer RhiGpu::makeBuffer(std::span<const std::byte> bytes) {
     retained->bytes.assign(bytes.begin(), bytes.end());
     buffers_[ids_].retained = std::move(retained);
     return ids_;
+}
+
+bool RhiGpu::holds(GpuBuffer buffer, std::span<const std::byte> bytes) const {
+    const auto found = buffers_.find(buffer);
+    if (found == buffers_.end() || !found->second.retained) return false;
+    const auto& held = found->second.retained->bytes;
+    return held.size() == bytes.size() && std::memcmp(held.data(), bytes.data(), held.size()) == 0;
 }
 
 GpuBuffer RhiGpu::makeArena(std::size_t size) {

@@ -19,6 +19,7 @@ namespace vmr {
 class RhiGpu final : public Gpu {
  public:
     GpuBuffer makeBuffer(std::span<const std::byte> bytes) override;
+    bool holds(GpuBuffer buffer, std::span<const std::byte> bytes) const override;
     GpuBuffer makeArena(std::size_t size) override;
     std::span<std::byte> arenaBytes(GpuBuffer arena) override;
     void release(GpuBuffer buffer) override;

@@ -51,18 +51,33 @@ TEST_F(OverlayFrame, LieBetweenThePriceLineAndTheCandlesAndFollowTheCamera) {
     EXPECT_EQ(u[5], 900);
 }
 
-TEST_F(OverlayFrame, SessionLinesAreUploadedOnlyWhenMadeAnewAndAllGoWhenEmpty) {
+TEST_F(OverlayFrame, OnlyWhatDiffersIsUploadedAndAsksForAFrameAndAllGoWhenEmpty) {
     const auto list = bars(300);
     renderer.setCandles(list);
     auto lists = someLists(list);
     renderer.setOverlayGeometry(lists);
     settle();
     const int before = gpu.buffersMade;
+    int asked = 0;
+    renderer.onNeedsDisplay = [&] { ++asked; };
     renderer.setOverlayGeometry(lists);
-    EXPECT_EQ(gpu.buffersMade, before + 3);  // all but the session lines
     ++lists.sessionRevision;
     renderer.setOverlayGeometry(lists);
-    EXPECT_EQ(gpu.buffersMade, before + 7);
+    EXPECT_EQ(gpu.buffersMade, before);
+    EXPECT_EQ(asked, 0);
+    lists.lines.back().pos[1] += 1;
+    renderer.setOverlayGeometry(lists);
+    EXPECT_EQ(gpu.buffersMade, before + 1);
+    lists.sessionLines.back().pos[1] += 1;  // not looked at under the same revision
+    renderer.setOverlayGeometry(lists);
+    EXPECT_EQ(asked, 1);
+    ++lists.sessionRevision;
+    renderer.setOverlayGeometry(lists);
+    EXPECT_EQ(gpu.buffersMade, before + 2);
+    lists.origin.bar += 1;
+    renderer.setOverlayGeometry(lists);
+    EXPECT_EQ(gpu.buffersMade, before + 2);
+    EXPECT_EQ(asked, 3);
     frame();
     const auto drawn = gpu.draws.size();
     OverlayLists none;

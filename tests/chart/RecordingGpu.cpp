@@ -27,6 +27,10 @@ GpuBuffer RecordingGpu::makeBuffer(std::span<const std::byte> bytes) {
     return last_;
 }
 
+bool RecordingGpu::holds(GpuBuffer buffer, std::span<const std::byte> bytes) const {
+    return std::ranges::equal(buffers_.at(buffer).bytes, bytes);
+}
+
 GpuBuffer RecordingGpu::makeArena(std::size_t size) {
     ++arenasMade;
     buffers_[++last_] = {std::vector<std::byte>(size), true, -1};

@@ -28,6 +28,7 @@ class RecordingGpu final : public Gpu {
     };
 
     GpuBuffer makeBuffer(std::span<const std::byte> bytes) override;
+    bool holds(GpuBuffer buffer, std::span<const std::byte> bytes) const override;
     GpuBuffer makeArena(std::size_t size) override;
     std::span<std::byte> arenaBytes(GpuBuffer arena) override;
     void release(GpuBuffer buffer) override;
