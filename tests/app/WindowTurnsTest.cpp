@@ -1,17 +1,12 @@
 // The whole client in a window: huge messages never hold up the main thread, from the socket to the drawn bar.
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <QAbstractEventDispatcher>
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <algorithm>
-#include <filesystem>
 #include <future>
-#include <memory>
 
-#include "app/Program.h"
-#include "app/WindowShell.h"
+#include "tests/app/WindowScript.h"
 
 namespace vmr {
 namespace {
@@ -34,48 +29,16 @@ class TurnProbe {
     double longest_ = 0;
 };
 
-// Steps that wait for a condition, looked at every 5 ms; the window ends after the last, or after `limit` seconds.
-class Script {
- public:
-    void step(std::function<bool()> done, std::function<void()> then) {
-        steps_.push_back({std::move(done), std::move(then)});
-    }
-    void start(MainLoop& loop, std::function<void(int)> quit, double limit) {
-        loop.every(0, 0.005, [this, quit] {
-            if (at_ == steps_.size() || !steps_[at_].done()) return;
-            auto then = steps_[at_++].then;
-            then();
-            if (at_ == steps_.size()) quit(0);
-        });
-        loop.after(limit, [quit] { quit(1); });
-    }
-    std::size_t finished() const { return at_; }
-
- private:
-    struct Step {
-        std::function<bool()> done;
-        std::function<void()> then;
-    };
-    std::vector<Step> steps_;
-    std::size_t at_ = 0;
-};
-
 TEST(WindowTurns, HugeSnapshotsLeaveTheMainThreadFree) {
-    const auto home = std::filesystem::temp_directory_path() / ("velmora-turns-" + UuidSource().next().text());
-    ::setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
-    ::setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
-    Options options;
-    options.practice = true;
-    options.clock = parseClockSetting("2026-06-10T10:00:30");
-    ProgramStart start(options);
+    test::WindowRun window("2026-06-10T10:00:30");
+    ProgramStart& start = *window.start;
     ASSERT_FALSE(start.failure()) << *start.failure();
 
-    std::unique_ptr<Program> program;
     TurnProbe probe;
-    Script script;
+    test::Script script;
     double barsMs = -1, derivedMs = -1, freeingMs = -1;
-    const auto pane = [&]() -> AppModel& { return program->pane(); };
-    const auto streaming = [&] { return pane().catFutures->size() == 6 && pane().candles.size() > 100; };
+    const auto pane = [&]() -> AppModel& { return window.pane(); };
+    const auto streaming = [&] { return window.streaming(); };
     const auto snapshots = [&](const std::string& channel) {
         return std::count_if(pane().logLines.begin(), pane().logLines.end(),
                              [&](const LogLine& line) { return line.text.starts_with(channel + " [snapshot]"); });
@@ -114,31 +77,13 @@ TEST(WindowTurns, HugeSnapshotsLeaveTheMainThreadFree) {
                 }));
     script.step([&] { return rest() && streaming(); }, [&] { freeingMs = probe.longestMs(); });
 
-    WindowShellOptions shell;
-    shell.width = 800;
-    shell.height = 500;
-    WindowShellHooks hooks;
-    hooks.makePane = [&](MainLoop& main) {
-        program = std::make_unique<Program>(start, main);
-        return WindowPane{program->pane(), program->sim(), start.clock(), {}};
-    };
-    hooks.started = [&](std::function<void(int)> quit) {
-        probe.watch(QAbstractEventDispatcher::instance());
-        script.start(program->main(), quit, 60);
-        program->signInToPractice();
-    };
-    hooks.ending = [&] { program.reset(); };
-    int argc = 1;
-    char name[] = "velmora";
-    char* argv[] = {name, nullptr};
-    EXPECT_EQ(runWindow(argc, argv, shell, hooks), 0) << "stopped at step " << script.finished();
+    EXPECT_EQ(window.run(script, 60, [&] { probe.watch(QAbstractEventDispatcher::instance()); }), 0)
+        << "stopped at step " << script.finished();
     std::printf("longest turns: bars %.1f ms, derived %.1f ms, freeing %.1f ms\n", barsMs, derivedMs, freeingMs);
     for (const double ms : {barsMs, derivedMs, freeingMs}) {
         EXPECT_GT(ms, 0);
         EXPECT_LT(ms, 50);
     }
-    std::error_code ignored;
-    std::filesystem::remove_all(home, ignored);
 }
 
 }  // namespace
