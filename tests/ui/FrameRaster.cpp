@@ -1,5 +1,7 @@
 #include "ui/FrameRaster.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -184,6 +186,35 @@ Raster rasterise(const RecordedFrame& frame, const QImage& atlas) {
     Canvas canvas(frame, atlas);
     for (const auto& call : frame.draws) canvas.draw(call);
     return canvas.resolve();
+}
+
+void expectSame(const QImage& image, const Raster& expected, double meanError) {
+    // at a fractional ratio the last pixel may lie beyond the window
+    ASSERT_GE(image.width(), expected.width - 1);
+    ASSERT_GE(image.height(), expected.height - 1);
+    int wrong = 0;
+    double error = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb got = image.pixel(x, y);
+            const auto at =
+                static_cast<std::size_t>(y) * static_cast<std::size_t>(expected.width) + static_cast<std::size_t>(x);
+            const std::array<int, 3> channels{qRed(got), qGreen(got), qBlue(got)};
+            bool fits = true;
+            for (std::size_t c = 0; c < 3; ++c) {
+                const auto value = static_cast<float>(channels[c]);
+                fits = fits && value >= expected.low[at][c] - 3 && value <= expected.high[at][c] + 3;
+                error += std::abs(value - expected.mean[at][c]);
+            }
+            if (!fits && ++wrong <= 5) {
+                ADD_FAILURE() << "at " << x << ", " << y << ": " << channels[0] << " " << channels[1] << " "
+                              << channels[2] << ", expected about " << expected.mean[at][0] << " "
+                              << expected.mean[at][1] << " " << expected.mean[at][2];
+            }
+        }
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_LT(error / (3.0 * image.width() * image.height()), meanError);
 }
 
 }  // namespace vmr::test

@@ -19,4 +19,7 @@ struct Raster {
 /// Sixteen samples a pixel, over black. `atlas` holds the glyphs that the frame refers to.
 Raster rasterise(const RecordedFrame& frame, const QImage& atlas);
 
+/// Expects that every pixel is one that the raster allows. `meanError` grows with the share of pixels on an edge.
+void expectSame(const QImage& image, const Raster& expected, double meanError);
+
 }  // namespace vmr::test
