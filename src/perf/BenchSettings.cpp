@@ -12,6 +12,7 @@ BenchSettings BenchSettings::fromEnvironment(const std::function<std::optional<s
     out.baseline = lookup("VMR_BENCH_BASELINE").has_value();
     out.live = lookup("VMR_BENCH_LIVE").has_value();
     out.drive = lookup("VMR_PERF_DRIVE").has_value();
+    out.input = lookup("VMR_PERF_INPUT").has_value();
     const auto seconds = [&](const char* name, double& value) {
         const auto read = parseDouble(lookup(name).value_or(""));
         if (read && std::isfinite(*read) && *read >= 0) value = *read;

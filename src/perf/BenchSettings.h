@@ -13,6 +13,7 @@ struct BenchSettings {
     bool baseline = false;  ///< VMR_BENCH_BASELINE: work that a drag holds back goes on
     bool live = false;      ///< VMR_BENCH_LIVE: the benchmark's drag also holds the live refresh open
     bool drive = false;     ///< VMR_PERF_DRIVE: the drag alone
+    bool input = false;     ///< VMR_PERF_INPUT: report the time from an input to its picture
     double warmup = 6;      ///< VMR_BENCH_WARMUP: seconds before the measurement
     double secs = 10;       ///< VMR_BENCH_SECS: seconds of it
 

@@ -42,7 +42,10 @@ ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::mak
     makeInput();
 }
 
-ChartItem::~ChartItem() { leavePane(); }
+ChartItem::~ChartItem() {
+    disconnect(swaps_);
+    leavePane();
+}
 
 void ChartItem::leavePane() {
     if (!pane_) return;
@@ -107,6 +110,7 @@ void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
 
 void ChartItem::itemChange(ItemChange change, const ItemChangeData& data) {
     QQuickItem::itemChange(change, data);
+    if (change == ItemSceneChange) timeSwapsOf(data.window);
     const bool shown =
         (change == ItemVisibleHasChanged && data.boolValue) || (change == ItemSceneChange && data.window);
     if (shown || change == ItemDevicePixelRatioHasChanged) requestFrame();
@@ -150,6 +154,7 @@ void ChartItem::updatePolish() {
         const unsigned glyphs = drawing_->atlas.generation();
         animating_ = drawing_->renderer.drawFrame(width(), height(), window()->effectiveDevicePixelRatio(),
                                                   drawing_->clock.monotonic());
+        if (drawing_->renderer.inputLagMs()) drawing_->timing->recorded();
         return drawing_->atlas.generation() == glyphs;
     };
     if (!record()) record();  // a layer's new glyphs moved those that another layer had drawn already
@@ -177,6 +182,7 @@ QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     }
     node->setItemSize(size());
     const bool given = drawing_->gpu.swapFrame(node->replay().frame());
+    if (given) drawing_->timing->handedOver();
     auto& atlas = drawing_->atlas;
     if (auto change = atlas.takeChange(node->needsAtlas())) {
         node->replay().changeAtlas({atlas.size(), change->at, std::move(change->pixels)});

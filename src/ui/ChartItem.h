@@ -67,6 +67,7 @@ class ChartItem : public QQuickItem {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseUngrabEvent() override;
     void wheelEvent(QWheelEvent* event) override;
+    void hoverEnterEvent(QHoverEvent* event) override;
     void hoverMoveEvent(QHoverEvent* event) override;
     void hoverLeaveEvent(QHoverEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -86,13 +87,15 @@ class ChartItem : public QQuickItem {
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
     void press(QMouseEvent* event, bool doubleClick);
+    void timeSwapsOf(QQuickWindow* window);
     void setProblem(const QString& problem);
 
     std::unique_ptr<Drawing> drawing_;
     QPointer<PaneViewModel> pane_;
     QString problem_;
-    bool chartDirty_ = true;    ///< the pane told of a chart that `takeChart` has not seen
+    bool chartDirty_ = true;  ///< the pane told of a chart that `takeChart` has not seen
     bool frameAwaited_ = false;
+    QMetaObject::Connection swaps_;
     bool recording_ = false;
     bool animating_ = false;
     std::uint64_t drawnOverlays_ = 0;

@@ -15,6 +15,7 @@
 #include "ui/ChartItem.h"
 #include "ui/CrosshairState.h"
 #include "ui/GlyphAtlas.h"
+#include "ui/InputTiming.h"
 #include "ui/QtLoop.h"
 #include "ui/RhiGpu.h"
 
@@ -37,6 +38,7 @@ struct ChartItem::Drawing {
     QtLoop loop;  // for a chart whose pane names none
     std::unique_ptr<ChartInput> input;
     std::unique_ptr<PerfDrive> drive;
+    std::shared_ptr<InputTiming> timing = std::make_shared<InputTiming>();  // shared with the render thread
 };
 
 }  // namespace vmr

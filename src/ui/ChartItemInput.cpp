@@ -39,6 +39,7 @@ void ChartItem::makeInput() {
     own.input->trading = at.trading;
     own.tradingLines.trading = at.trading;
     own.renderer.perf = at.perf;
+    own.timing->perf = at.bench.input ? at.perf : nullptr;
     own.input->onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
     own.input->onCursor = [this](ChartCursor cursor) { setCursor(shapeOf(cursor)); };
     own.input->onMarketClosedOrder = [this] {
@@ -53,6 +54,15 @@ void ChartItem::makeInput() {
     };
     if (at.bench.drives() && at.perf && at.print)
         own.drive = std::make_unique<PerfDrive>(own.renderer, *own.input, main, *at.perf, at.bench, at.print, at.quit);
+}
+
+// Swaps are told on the render thread.
+void ChartItem::timeSwapsOf(QQuickWindow* window) {
+    disconnect(swaps_);
+    if (!window) return;
+    swaps_ = connect(
+        window, &QQuickWindow::frameSwapped, window, [timing = drawing_->timing] { timing->swapped(); },
+        Qt::DirectConnection);
 }
 
 CrosshairState* ChartItem::crosshair() { return &drawing_->crosshair; }
@@ -83,6 +93,7 @@ void ChartItem::mouseDoubleClickEvent(QMouseEvent* event) { press(event, true); 
 void ChartItem::mouseMoveEvent(QMouseEvent* event) {
     if (!(event->buttons() & Qt::LeftButton)) return;
     lastPress_ = pointOf(*event);
+    if (drawing_->input->dragging() && !drawing_->input->draggingLine()) drawing_->timing->input(event->timestamp());
     drawing_->input->mouseDragged(lastPress_);
 }
 
@@ -102,9 +113,12 @@ void ChartItem::wheelEvent(QWheelEvent* event) {
     const bool shift = event->modifiers() & Qt::ShiftModifier;
     const bool swapped = (event->modifiers() & Qt::AltModifier) || (shift && delta.y() == 0);
     if (swapped) delta = delta.transposed();
+    drawing_->timing->input(event->timestamp());
     drawing_->input->scrollWheel(delta.x(), delta.y(), precise, shift);
     event->accept();
 }
+
+void ChartItem::hoverEnterEvent(QHoverEvent* event) { drawing_->input->mouseMoved(pointOf(*event)); }
 
 void ChartItem::hoverMoveEvent(QHoverEvent* event) { drawing_->input->mouseMoved(pointOf(*event)); }
 

@@ -7,12 +7,12 @@ T.Popup {
 
     property var rows: []
     property int marked: -1
+    property point at
     signal chosen(int index)
 
     function openAt(px, py) {
         marked = -1;
-        x = Math.max(0, Math.min(px, parent.width - width - 4));
-        y = Math.max(0, Math.min(py, parent.height - height - 4));
+        at = Qt.point(px, py);
         open();
     }
     function step(by) {
@@ -29,6 +29,8 @@ T.Popup {
             chosen(index);
     }
 
+    x: Math.max(0, Math.min(at.x, parent.width - width - 4))
+    y: Math.max(0, Math.min(at.y, parent.height - height - 4))
     width: 220
     height: column.implicitHeight + 2 * padding
     padding: 6
