@@ -1,7 +1,9 @@
 // What the chart really puts on the screen.
 #include <gtest/gtest.h>
 
+#include <QPixmap>
 #include <QSGRendererInterface>
+#include <QScreen>
 #include <cstdlib>
 #include <string>
 
@@ -229,6 +231,20 @@ TEST_F(ChartPixels, ItemsAboveCoverTheChartAndItemsBelowDoNotShow) {
         }
     }
     cover->setParentItem(nullptr);
+}
+
+// Blending leaves alpha below one in the buffer; a window that has an alpha channel would let the desktop through.
+TEST_F(ChartPixels, TheWindowIsOpaque) {
+    SceneData data(ui->bars(), {.strikes = 30, .minutes = 30, .bubbles = 2, .triangles = 2, .ratio = 10.0});
+    ui->showScene(data);
+    ASSERT_TRUE(ui->settle());
+    EXPECT_LE(ui->window->format().alphaBufferSize(), 0);
+    const QImage picture = windowPicture(*ui->window);
+    EXPECT_FALSE(picture.hasAlphaChannel());
+    runFor(200);
+    const QImage shown =
+        ui->window->screen()->grabWindow(ui->window->winId()).toImage().convertToFormat(picture.format());
+    EXPECT_EQ(shown, picture) << "on the screen";
 }
 
 TEST_F(ChartPixels, SurvivesLosingItsGpuSide) {
