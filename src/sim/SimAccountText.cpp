@@ -211,8 +211,11 @@ class Reader {
     template <class Value>
     static bool read(JsonView json, std::map<std::string, Value, std::less<>>& map) {
         if (!json.isObject()) return false;
-        for (const auto& [key, value] : json.members())
-            if (!read(value, map[std::string(key)])) return false;
+        for (const auto& [key, value] : json.members()) {
+            Value one;
+            if (!read(value, one)) return false;
+            map.try_emplace(std::string(key), one);  // of a repeated key the first, as in records
+        }
         return true;
     }
     template <class Record>

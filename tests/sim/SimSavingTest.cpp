@@ -105,6 +105,13 @@ TEST(SimAccountText, AllOrNothing) {
         EXPECT_EQ(sim::readAccount(changed).has_value(), row.reads);
     }
     for (const char* other : {"", "[]", "null", "{", "{}"}) EXPECT_FALSE(sim::readAccount(other)) << other;
+
+    const auto twice = sim::readAccount(
+        R"({"balance":1,"balance":2,"startBalance":1,"positions":{"NQ":{"qty":3,"avg":1,"realized":0},)"
+        R"("NQ":{"qty":4,"avg":1,"realized":0}},"orders":[],"fills":[],"commission":0})");
+    ASSERT_TRUE(twice);
+    EXPECT_EQ(twice->balance, 1) << "of repeated keys the first";
+    EXPECT_EQ(twice->positions.at("NQ").qty, 3);
 }
 
 class SimSaving : public testing::Test {
