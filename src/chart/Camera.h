@@ -23,7 +23,6 @@ struct DataOrigin {
 class Camera {
  public:
     static constexpr double priceAxisPadPx = 74.0;  ///< width of the price axis, points
-    static constexpr double defaultVisibleCount = 150.0;
 
     double firstVisible = 0;    ///< bar at the left edge, fractional
     double visibleCount = 120;  ///< bars across the view, fractional

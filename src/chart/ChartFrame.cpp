@@ -79,8 +79,6 @@ bool ChartRenderer::buildGeometry(double viewW, double viewH, Geometry& geometry
 bool ChartRenderer::easeClose() {
     const Candle& last = candles_.back();
     if (!std::isfinite(dispClose_)) dispClose_ = last.close;
-    dispHigh_ = last.high;
-    dispLow_ = last.low;
     const double tolerance = std::max(std::abs(last.close) * 1e-6, 0.01);
     if (!(std::abs(last.close - dispClose_) > tolerance)) {
         dispClose_ = last.close;
@@ -92,7 +90,8 @@ bool ChartRenderer::easeClose() {
 
 void ChartRenderer::buildFormingCandle(double viewH, Geometry& geometry) {
     using namespace CandleGeometry;
-    const double open = candles_.back().open;
+    const Candle& last = candles_.back();
+    const double open = last.open;
     const double x = static_cast<double>(candles_.size() - 1) - origin_.bar;
     const Look& style = look(renderCfg_.candleTheme, isUp(open, dispClose_));  // may change while it eases
 
@@ -104,8 +103,8 @@ void ChartRenderer::buildFormingCandle(double viewH, Geometry& geometry) {
         top = mid + minBody * 0.5;
         bot = mid - minBody * 0.5;
     }
-    const double wickHi = std::max({dispHigh_, dispClose_, open}) - origin_.price;
-    const double wickLo = std::min({dispLow_, dispClose_, open}) - origin_.price;
+    const double wickHi = std::max({last.high, dispClose_, open}) - origin_.price;
+    const double wickLo = std::min({last.low, dispClose_, open}) - origin_.price;
     top -= origin_.price;
     bot -= origin_.price;
 

@@ -97,11 +97,7 @@ void ChartRenderer::setCandles(std::span<const Candle> candles) {
     const bool staticChanged = shifted || (n > 1 && candles_[n - 2] != candles[n - 2]);
     candles_.assign(candles.begin(), candles.end());
 
-    if (newBar) {
-        dispClose_ = candles_.back().close;
-        dispHigh_ = candles_.back().high;
-        dispLow_ = candles_.back().low;
-    }
+    if (newBar) dispClose_ = candles_.back().close;
     if (first) {
         camera_.showFirstData(n, renderCfg_.initialCandles);
     } else {

@@ -37,13 +37,11 @@ class Perf;
 /// Arenas go round in three, so the host must never read a frame's arena more than two frames later.
 class ChartRenderer {
  public:
-    static constexpr double candleLerp = 0.3;   ///< easing of the forming close per frame of 60 Hz
-    static constexpr double lerpX = 0.25;       ///< of widths and x positions
-    static constexpr double lerpY = 0.2;        ///< of y positions
-    static constexpr double pixelSettle = 0.5;  ///< a distance at or under this snaps
+    static constexpr double candleLerp = 0.3;  ///< easing of the forming close per frame of 60 Hz
+    static constexpr double lerpX = 0.25;      ///< of widths and x positions
+    static constexpr double lerpY = 0.2;       ///< of y positions
     static constexpr Rgba clearColor{0.04F, 0.04F, 0.04F, 1.0F};
     static constexpr Rgba priceLineColor{1.0F, 1.0F, 1.0F, 0.38F};
-    static constexpr Rgba monoDownFill{1.0F, 1.0F, 1.0F, 0.4F};
 
     using Post = std::function<void(std::function<void()>)>;
 
@@ -216,8 +214,6 @@ class ChartRenderer {
     bool staticDirty_ = true, wallsDirty_ = true, markersDirty_ = true;
     bool interacting_ = false;
     double dispClose_ = std::numeric_limits<double>::quiet_NaN();
-    double dispHigh_ = std::numeric_limits<double>::quiet_NaN();
-    double dispLow_ = std::numeric_limits<double>::quiet_NaN();
     double alphaX_ = lerpX, alphaY_ = lerpY, alphaClose_ = candleLerp;
     double lastAnimTime_ = 0;
     double lastLabelPublish_ = -std::numeric_limits<double>::infinity();  ///< monotonic

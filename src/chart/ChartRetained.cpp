@@ -16,9 +16,7 @@ namespace vmr {
 namespace {
 constexpr Rgba wallColor{0.667F, 0.667F, 0.667F, 0.85F};
 constexpr double wallReach = 2.0;  // bars past the last one
-}  // namespace
 
-namespace {
 struct Place {
     float bar, points;
 };

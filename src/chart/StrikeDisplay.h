@@ -71,7 +71,6 @@ class StrikeMap {
         Disp disp;
     };
 
-    std::span<const Entry> entries() const { return entries_; }
     std::size_t size() const { return entries_.size(); }
     void clear() { entries_.clear(); }
 
