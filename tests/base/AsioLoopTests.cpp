@@ -3,9 +3,10 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <atomic>
-#include <future>
 #include <latch>
+#include <numeric>
 
 namespace vmr {
 namespace {
@@ -18,18 +19,16 @@ TEST(AsioLoop, RunsInOrderAndNeverInsideTheCall) {
     EXPECT_FALSE(loop.isCurrent());
     loop.post([&] {
         EXPECT_TRUE(loop.isCurrent());
-        story.push_back("a");
         loop.post([&] { story.push_back("posted inside"); });
         loop.after(-1, [&] {
             story.push_back("after");
             loop.quit();
         });
-        story.push_back("a ends");
+        story.push_back("a");
     });
     loop.post([&] { story.push_back("b"); });
-    EXPECT_TRUE(story.empty());
     loop.run();
-    EXPECT_THAT(story, ElementsAre("a", "a ends", "b", "posted inside", "after"));
+    EXPECT_THAT(story, ElementsAre("a", "b", "posted inside", "after"));
     EXPECT_FALSE(loop.isCurrent());
 }
 
@@ -40,16 +39,12 @@ TEST(AsioLoop, TimersFireByTimeRepeatAndEnd) {
     loop.after(0.020, [&] { story.push_back("late"); });
     loop.after(0.005, [&] { story.push_back("early"); });
     const auto never = loop.after(0.001, [&] { story.push_back("cancelled"); });
-    loop.cancel(never);
-    loop.cancel(never);
-    loop.cancel(12345);
-    loop.cancel(SerialQueue::noTimer);
-    SerialQueue::TimerId repeating = SerialQueue::noTimer;
+    for (const auto timer : {never, never, SerialQueue::TimerId(12345), SerialQueue::noTimer}) loop.cancel(timer);
+    SerialQueue::TimerId repeating = SerialQueue::noTimer, sibling = SerialQueue::noTimer;
     repeating = loop.every(0.001, 0.001, [&] {
         if (++ticks == 3) loop.cancel(repeating);
         ASSERT_LE(ticks, 3);
     });
-    SerialQueue::TimerId sibling = SerialQueue::noTimer;
     loop.after(0.002, [&] { loop.cancel(sibling); });
     sibling = loop.after(0.004, [&] { story.push_back("cancelled by a task"); });
     loop.after(0.030, [&] { loop.quit(); });
@@ -58,43 +53,33 @@ TEST(AsioLoop, TimersFireByTimeRepeatAndEnd) {
     EXPECT_EQ(ticks, 3);
 }
 
-TEST(AsioLoop, ManyThreadsPostAndCancel) {
-    std::atomic<int> ran = 0;
-    constexpr int threads = 4, each = 500;
+TEST(AsioLoop, ManyThreadsPostAndCancelAndEachKeepsItsOrder) {
+    constexpr std::size_t threads = 4, each = 500;
+    std::array<std::vector<std::size_t>, threads> order;
+    std::atomic<int> fired = 0;
     std::latch done(threads * each * 2);
     {
         AsioThread worker("velmora.test");
         std::vector<std::thread> others;
-        for (int t = 0; t < threads; ++t)
+        for (auto& own : order)
             others.emplace_back([&] {
-                for (int i = 0; i < each; ++i) {
-                    worker.loop().post([&] {
-                        ++ran;
+                for (std::size_t i = 0; i < each; ++i) {
+                    worker.loop().post([&, i] {
+                        own.push_back(i);
                         done.count_down();
                     });
-                    const auto timer = worker.loop().every(0.5, 1, [&] { ran += 1'000'000; });
-                    worker.loop().after(0, [&] {
-                        ++ran;
-                        done.count_down();
-                    });
+                    const auto timer = worker.loop().every(0.5, 1, [&] { ++fired; });
+                    worker.loop().after(0, [&] { done.count_down(); });
                     worker.loop().cancel(timer);
                 }
             });
         for (auto& other : others) other.join();
         done.wait();
     }
-    EXPECT_EQ(ran, threads * each * 2);
-}
-
-TEST(AsioLoop, PostsOfOneThreadKeepTheirOrder) {
-    AsioThread worker("velmora.test.order");
-    std::vector<int> order;
-    std::promise<void> done;
-    for (int i = 0; i < 1000; ++i) worker.loop().post([&order, i] { order.push_back(i); });
-    worker.loop().post([&] { done.set_value(); });
-    done.get_future().wait();
-    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-    EXPECT_EQ(order.size(), 1000u);
+    std::vector<std::size_t> inOrder(each);
+    std::iota(inOrder.begin(), inOrder.end(), 0U);
+    for (const auto& own : order) EXPECT_EQ(own, inOrder);
+    EXPECT_EQ(fired, 0);
 }
 
 TEST(AsioLoop, WhatIsStillQueuedIsDestroyedWithoutRunning) {
@@ -102,13 +87,13 @@ TEST(AsioLoop, WhatIsStillQueuedIsDestroyedWithoutRunning) {
     struct CancelsAsItGoes {
         AsioLoop* loop;
         SerialQueue::TimerId timer;
-        std::atomic<int>* gone;
+        int* gone;
         ~CancelsAsItGoes() {
             loop->cancel(timer);
             ++*gone;
         }
     };
-    std::atomic<int> gone = 0;
+    int gone = 0;
     {
         AsioLoop loop;
         const auto timer = loop.every(1000, 1000, [] { FAIL(); });
@@ -117,28 +102,6 @@ TEST(AsioLoop, WhatIsStillQueuedIsDestroyedWithoutRunning) {
         loop.after(1000, [held = std::move(held)] { FAIL(); });
     }
     EXPECT_EQ(gone, 1);
-    std::weak_ptr<int> weak;
-    {
-        AsioThread worker("velmora.test.end");
-        auto held = std::make_shared<int>(0);
-        weak = held;
-        worker.loop().after(1000, [held = std::move(held)] { FAIL(); });
-    }
-    EXPECT_TRUE(weak.expired());
-}
-
-TEST(AsioLoop, RemembersItsLongestTurn) {
-    AsioLoop loop;
-    loop.post([&] {
-        const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(2);
-        while (std::chrono::steady_clock::now() < until) {
-        }
-    });
-    loop.post([&] { loop.quit(); });
-    loop.run();
-    EXPECT_GE(loop.longestTurn(), 0.002);
-    loop.resetLongestTurn();
-    EXPECT_EQ(loop.longestTurn(), 0);
 }
 
 }  // namespace

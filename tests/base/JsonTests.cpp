@@ -14,9 +14,9 @@ namespace {
 using Kind = JsonView::Kind;
 
 TEST(Json, TellsKindsApart) {
-    const auto json = Json::parse(
-        R"({"null":null,"true":true,"int":-5,"min":-9223372036854775808,"big":18446744073709551615,"float":5.0,)"
-        R"("exp":1e3,"text":"a\u0000b\"é","array":[1,[2]],"object":{"a":{"b":7}},"":3})");
+    const auto json =
+        Json::parse(R"({"null":null,"true":true,"min":-9223372036854775808,"big":18446744073709551615,"float":5.0,)"
+                    R"("text":"a\u0000b\"é","array":[1,[2]],"object":{"a":{"b":7}}})");
     ASSERT_TRUE(json);
     struct Case {
         const char* key;
@@ -24,97 +24,64 @@ TEST(Json, TellsKindsApart) {
         double number;
     };
     for (const auto& [key, kind, number] :
-         {Case{"null", Kind::null, 0}, Case{"true", Kind::boolean, 0}, Case{"int", Kind::integer, -5},
-          Case{"min", Kind::integer, -9223372036854775808.0},
-          Case{"big", Kind::unsignedInteger, 18446744073709551615.0}, Case{"float", Kind::floating, 5},
-          Case{"exp", Kind::floating, 1000}, Case{"text", Kind::string, 0}, Case{"array", Kind::array, 0},
-          Case{"object", Kind::object, 0}, Case{"", Kind::integer, 3}, Case{"absent", Kind::missing, 0}}) {
+         {Case{"null", Kind::null, 0}, Case{"true", Kind::boolean, 0}, Case{"min", Kind::integer, -0x1p63},
+          Case{"big", Kind::unsignedInteger, 0x1p64}, Case{"float", Kind::floating, 5}, Case{"text", Kind::string, 0},
+          Case{"array", Kind::array, 0}, Case{"object", Kind::object, 0}, Case{"absent", Kind::missing, 0}}) {
         EXPECT_EQ((*json)[key].kind(), kind) << key;
         EXPECT_EQ((*json)[key].number(), number) << key;
     }
     EXPECT_EQ((*json)["min"].integer(), INT64_MIN);
-    EXPECT_EQ((*json)["big"].unsignedInteger(), UINT64_MAX);
     EXPECT_EQ((*json)["text"].string(), std::string_view("a\0b\"é", 6));
     EXPECT_EQ((*json)["object"]["a"]["b"].integer(), 7);
-    EXPECT_EQ((*json)["array"]["a"].kind(), Kind::missing);
     EXPECT_EQ((*json)["absent"]["deeper"].kind(), Kind::missing);
-    EXPECT_EQ((*json)["int"].string(), "");
+    EXPECT_EQ((*json)["array"]["a"].kind(), Kind::missing);
+    EXPECT_EQ((*json)["float"].string(), "");
     EXPECT_EQ((*json)["text"].integer(), 0);
-    EXPECT_FALSE((*json)["int"].boolean());
-    EXPECT_TRUE((*json)["null"].isNothing() && JsonView().isNothing());
     EXPECT_EQ((*json)["array"].size(), 2u);
-    EXPECT_EQ(json->size(), 11u);
-    EXPECT_EQ(JsonView().text(), "null");
+    const auto twice = Json::parse(R"({"b":1,"b":2})");
+    EXPECT_EQ((*twice)["b"].integer(), 1) << "the first of its name";
+    EXPECT_TRUE((*twice)["b"].items().begin() == (*twice)["b"].items().end());
 }
 
 TEST(Json, RefusesWhatIsNotOneDocument) {
-    for (const char* text :
-         {"", " ", "{", "[1,]", "{\"a\":1,}", "{'a':1}", "nul", "01", "1 2", "\"\xff\"", "NaN", "[1", "\"abc"})
+    for (const char* text : {"", " ", "{", "[1,]", "{\"a\":1,}", "{'a':1}", "nul", "1 2", "\"\xff\"", "NaN", "\"abc",
+                             // with something in it that alone would be mended
+                             R"({"a":1e400,})", R"({"a":99999999999999999999 1})", R"(["\ud800)", R"([01e400])"})
         EXPECT_FALSE(Json::parse(text)) << text;
     EXPECT_FALSE(Json::parse(std::string(5000, '[') + std::string(5000, ']')));
-    for (const char* text : {"1", "\"x\"", "null", "true", " [ ] ", "{}"}) EXPECT_TRUE(Json::parse(text)) << text;
+    for (const char* text : {"1", "\"x\"", "null", " [ ] "}) EXPECT_TRUE(Json::parse(text)) << text;
 }
 
 TEST(Json, OddValuesDoNotCostTheWholeDocument) {
     const auto doc = Json::parse(
-        R"({"big":123456789012345678901234,"neg":-99999999999999999999,"huge":1e400,"tiny":-1e999,"max":18446744073709551615,)"
-        R"("min":-9223372036854775808,"small":1e-400,"half":"a\ud800b\udc00\\ud800","pair":"\ud83d\ude00","n":[1e400,7]})");
+        R"({"big":123456789012345678901234,"neg":-99999999999999999999,"huge":1e400,"tiny":-1e999,)"
+        R"("max":18446744073709551615,"small":1e-400,"half":"a\ud800b\udc00\\ud800","pair":"\ud83d\ude00"})");
     ASSERT_TRUE(doc);
     EXPECT_EQ((*doc)["big"].floating(), 123456789012345678901234.0);
     EXPECT_EQ((*doc)["neg"].floating(), -99999999999999999999.0);
     EXPECT_EQ((*doc)["huge"].string(), "inf");
     EXPECT_EQ((*doc)["tiny"].string(), "-inf");
     EXPECT_EQ((*doc)["max"].unsignedInteger(), 18446744073709551615u);
-    EXPECT_EQ((*doc)["min"].integer(), INT64_MIN);
     EXPECT_EQ((*doc)["small"].floating(), 0.0);
     EXPECT_EQ((*doc)["half"].string(), "a\uFFFDb\uFFFD\\ud800");
     EXPECT_EQ((*doc)["pair"].string(), "\U0001F600");
-    EXPECT_EQ((*doc)["n"].size(), 2u);
-    for (const char* broken : {R"({"a":1e400)", R"({"a":1e400,})", R"({"a":99999999999999999999 1})", R"(["\ud800)",
-                               R"(["\ud80"])", R"([01e400])", R"([-])", R"([1e400)"})
-        EXPECT_FALSE(Json::parse(broken)) << broken;
 }
 
-TEST(Json, WalksInOrder) {
-    const auto json = Json::parse(R"({"b":1,"a":[10,"x",{},[],null],"b":2})");
-    ASSERT_TRUE(json);
-    std::string keys;
-    for (const auto& [key, value] : json->members()) keys += std::string(key) + "=" + value.text() + ";";
-    EXPECT_EQ(keys, R"(b=1;a=[10,"x",{},[],null];b=2;)");
-    EXPECT_EQ((*json)["b"].integer(), 1);
-    std::string items;
-    for (const JsonView item : (*json)["a"].items()) items += item.text() + ";";
-    EXPECT_EQ(items, R"(10;"x";{};[];null;)");
-    for (const JsonView view : {(*json)["b"], JsonView()}) {
-        EXPECT_TRUE(view.items().begin() == view.items().end());
-        EXPECT_TRUE(view.members().begin() == view.members().end());
-    }
-}
-
-TEST(Json, TextAndDetachedCopiesKeepEveryValue) {
+TEST(Json, HandlesKeepTheirDocumentAndDetachedCopiesAreTheSameInLess) {
     const std::string text = R"({"a":[1.0,-0.0,0.1,1e+308,5,18446744073709551615,true,null],"k\"\n":"x\u0000é"})";
-    const auto json = Json::parse(text);
-    ASSERT_TRUE(json);
-    EXPECT_EQ(json->text(), text);
-    const Json part = json->at((*json)["a"]).detached();
-    EXPECT_EQ(part.text(), (*json)["a"].text());
-    EXPECT_LT(part.documentBytes(), json->documentBytes());
-    EXPECT_EQ(Json().detached().kind(), Kind::missing);
-    EXPECT_EQ(Json::parse("null")->detached().kind(), Kind::null);
-}
-
-TEST(Json, AHandleKeepsItsDocumentAlive) {
-    Json kept;
+    Json part;
     {
-        auto json = Json::parse(R"({"deep":{"value":"still here, and too long for any small buffer"}})");
+        const auto json = Json::parse(text);
         ASSERT_TRUE(json);
-        kept = json->at((*json)["deep"]["value"]);
+        EXPECT_EQ(json->text(), text);
+        part = json->at((*json)["a"]);
     }
     for (int i = 0; i < 100; ++i) ASSERT_TRUE(Json::parse("[" + std::string(200, ' ') + "\"overwritten\"]"));
-    EXPECT_EQ(kept.string(), "still here, and too long for any small buffer");
-    Json copy = kept;
-    kept = Json();
-    EXPECT_EQ(copy.string(), "still here, and too long for any small buffer");
+    const Json copy = part.detached();
+    EXPECT_EQ(part.text(), "[1.0,-0.0,0.1,1e+308,5,18446744073709551615,true,null]");
+    EXPECT_EQ(copy.text(), part.text());
+    EXPECT_LT(copy.documentBytes(), part.documentBytes());
+    EXPECT_EQ(Json().detached().kind(), Kind::missing);
 }
 
 TEST(Json, ALargeDocumentIsReadOnOneThreadAndDroppedOnAnother) {
@@ -123,7 +90,6 @@ TEST(Json, ALargeDocumentIsReadOnOneThreadAndDroppedOnAnother) {
     text += "0]";
     auto json = Json::parse(text);
     ASSERT_TRUE(json);
-    EXPECT_EQ(json->size(), 200'001u);
     std::thread reader([copy = *json] {
         std::int64_t sum = 0;
         for (const JsonView item : copy.items()) sum += item.integer();
@@ -134,7 +100,6 @@ TEST(Json, ALargeDocumentIsReadOnOneThreadAndDroppedOnAnother) {
     std::promise<std::thread::id> freed;  // the queue is in order, so this one comes after the document
     freeLater([&freed] { freed.set_value(std::this_thread::get_id()); });
     EXPECT_NE(freed.get_future().get(), std::this_thread::get_id());
-    EXPECT_TRUE(Json::parse("{}"));
 }
 
 }  // namespace
