@@ -1,9 +1,8 @@
 // Bars from every shape of payload, and their merging.
 #include "market/CandleParser.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <cmath>
 #include <map>
 #include <random>
 
@@ -17,8 +16,6 @@ void PrintTo(const Candle& bar, std::ostream* out) {
 namespace {
 
 using Bars = std::vector<Candle>;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 Bars parse(const std::string& json) {
     const auto payload = Json::parse(json);
@@ -34,42 +31,26 @@ TEST(CandleParser, ReadsEveryShape) {
         std::string json;
         Bars bars;
     } cases[] = {
-        // an array, in arrival order
-        {"[]", {}},
-        {R"([{"ts":120000,)" + p + R"(},{"time":60,)" + p + R"(,"volume":7},{"ts":60000,)" + p + "}]",
-         {bar(120), bar(60, 1, 7), bar(60)}},
-        {R"([{"ts":60000,)" + p + "},5]", {}},
-        {R"([{"ts":60000,)" + p + "},[]]", {}},
-        {R"([{"ts":60000,"o":1},{"ts":120000,)" + p + "}]", {bar(120)}},
-        {R"([{"ts":"inf",)" + p + "},null]", {}},  // does not count as a whole, so the fatal time is never read
-        // an object with an array
+        // an array, in arrival order; it counts as a whole, so the fatal time beside a null is never read
+        {R"([{"ts":120000,)" + p + R"(},{"time":60,)" + p + R"(,"volume":7},{"ts":60000,"o":1}])",
+         {bar(120), bar(60, 1, 7)}},
+        {R"([{"ts":"inf",)" + p + "},null]", {}},
+        // an object with an array, which if it does not count leaves the object's own bar
         {R"({"candles":[{"ts":1700000040500,)" + p + R"(,"v":"3","volume":9}]})", {bar(1700000040, 1, 3)}},
         {R"({"candles":[],)" + p + R"(,"ts":60000})", {}},
         {R"({"candles":[1],)" + p + R"(,"ts":60000})", {bar(60)}},
-        {R"({"candles":"no",)" + p + R"(,"ts":60000})", {bar(60)}},
         // an object with keyed bars, sorted; the volume is v alone and the bar's own times do not count
         {R"({"candles":{"120":{)" + p + R"(},"60":{)" + p + R"(,"volume":9,"ts":999000,"time":5},"180.9":{)" + p +
-             R"(,"v":4},"x":{)" + p + R"(},"":{)" + p + R"(}," 240":{)" + p + R"(},"300":7,"360":{"o":1},"0.5":{)" + p +
-             R"(},"0x1e0":{)" + p + "}}}",
-         {bar(60), bar(120), bar(180, 1, 4), bar(480)}},
-        {R"({"candles":{},)" + p + R"(,"ts":60000})", {}},
-        // one bar by minute
-        {R"({"minuteTs":60,"candle":{)" + p + R"(,"volume":5,"v":2}})", {bar(60, 1, 2)}},
-        {R"({"minuteTs":"60","candle":{)" + p + "}}", {bar(60)}},
-        {R"({"minuteTs":"60.5","candle":{)" + p + "}}", {}},
-        {R"({"minuteTs":60,"candle":{"o":1,"l":1,"c":1}})", {}},
+             R"(,"v":4},"x":{)" + p + R"(}," 240":{)" + p + R"(},"300":7,"360":{"o":1},"0.5":{)" + p + "}}}",
+         {bar(60), bar(120), bar(180, 1, 4)}},
+        // one bar by minute, or else the object's own
+        {R"({"minuteTs":"60","candle":{)" + p + R"(,"volume":5,"v":2}})", {bar(60, 1, 2)}},
         {R"({"minuteTs":60,"candle":{"o":1},"time":180,)" + p + "}", {bar(180)}},
-        {R"({"minuteTs":60,"candle":7,"time":180,)" + p + "}", {bar(180)}},
-        {R"({"minuteTs":0,"candle":{)" + p + "}}", {}},
-        // the object itself
         {R"({"ts":60000,)" + p + R"(,"volume":5})", {bar(60, 1, 5)}},
-        {"{}", {}},
-        {"null", {}},
-        {"7", {}},
         {R"("text")", {}},
     };
     for (const auto& c : cases) EXPECT_EQ(parse(c.json), c.bars) << c.json;
-    EXPECT_THAT(CandleParser::parse(JsonView()), IsEmpty());
+    EXPECT_TRUE(CandleParser::parse(JsonView()).empty());
 }
 
 TEST(CandleParser, ReadsTheFieldsOfOneBar) {
@@ -77,44 +58,28 @@ TEST(CandleParser, ReadsTheFieldsOfOneBar) {
         const char* json;
         std::optional<Candle> bar;
     } cases[] = {
-        {R"({"ts":1700000040500,"o":1,"h":2,"l":3,"c":4})", Candle{1700000040, 1, 2, 3, 4, 0}},
-        {R"({"time":1700000040,"o":1,"h":2,"l":3,"c":4})", Candle{1700000040, 1, 2, 3, 4, 0}},
         {R"({"time":"1700000040","o":1,"h":2,"l":3,"c":4})", Candle{1700000040, 1, 2, 3, 4, 0}},
         {R"({"time":60,"ts":120000,"o":1,"h":2,"l":3,"c":4})", Candle{120, 1, 2, 3, 4, 0}},
-        {R"({"time":60,"ts":null,"o":1,"h":2,"l":3,"c":4})", Candle{60, 1, 2, 3, 4, 0}},
         {R"({"time":60,"ts":"x","o":1,"h":2,"l":3,"c":4})", Candle{60, 1, 2, 3, 4, 0}},
         {R"({"ts":"120000","open":"1","high":"2","low":"3","close":"0x4","volume":"5"})", Candle{120, 1, 2, 3, 4, 5}},
         {R"({"ts":60000,"open":9,"o":1,"high":9,"h":2,"low":9,"l":3,"close":9,"c":4,"volume":9,"v":5})",
          Candle{60, 1, 2, 3, 4, 5}},
-        {R"({"ts":60000,"o":null,"open":1,"h":2,"l":3,"c":4,"v":null})", Candle{60, 1, 2, 3, 4, 0}},
-        {R"({"ts":60000,"o":true,"h":2,"l":3,"c":4,"v":"x"})", Candle{60, 1, 2, 3, 4, 0}},
+        {R"({"ts":60000,"o":null,"open":1,"h":2,"l":true,"c":4,"v":"x"})", Candle{60, 1, 2, 1, 4, 0}},
         {R"({"ts":-60000,"o":1,"h":2,"l":3,"c":4})", Candle{-60, 1, 2, 3, 4, 0}},
-        {R"({"ts":-999,"o":1,"h":2,"l":3,"c":4})", std::nullopt},
-        {R"({"ts":999,"o":1,"h":2,"l":3,"c":4})", std::nullopt},
         {R"({"ts":999,"time":60,"o":1,"h":2,"l":3,"c":4})", std::nullopt},
         {R"({"time":"60.5","o":1,"h":2,"l":3,"c":4})", std::nullopt},
         {R"({"o":1,"h":2,"l":3,"c":4})", std::nullopt},
-        {R"({"ts":60000,"h":2,"l":3,"c":4})", std::nullopt},
         {R"({"ts":60000,"o":1,"h":[2],"l":3,"c":4})", std::nullopt},
         {R"({"ts":60000,"o":1,"h":2,"l":"","c":4})", std::nullopt},
-        {R"({"ts":60000,"o":1,"h":2,"l":3,"c":{}})", std::nullopt},
         {R"({"ts":"inf","h":2,"l":3,"c":4})", std::nullopt},  // without its prices the time is never cut
     };
     for (const auto& c : cases) EXPECT_EQ(CandleParser::candleFromMs(*Json::parse(c.json)), c.bar) << c.json;
-    const auto odd = CandleParser::candleFromMs(*Json::parse(R"({"ts":60000,"o":"nan","h":"inf","l":3,"c":4})"));
-    ASSERT_TRUE(odd);
-    EXPECT_TRUE(std::isnan(odd->open) && std::isinf(odd->high));
-
-    const auto given = Json::parse(R"({"ts":999000,"time":999,"o":1,"h":2,"l":3,"c":4,"volume":5})");
-    EXPECT_EQ(CandleParser::candle(*given, 60), (Candle{60, 1, 2, 3, 4, 0}));
-    EXPECT_EQ(CandleParser::candle(*given, 0), std::nullopt);
 }
 
 TEST(CandleParserDeathTest, ATimeThatNoIntegerHoldsEndsTheProcess) {
     for (const std::string json :
-         {R"({"ts":"nan","o":1,"h":2,"l":3,"c":4})", R"([{"ts":"inf","o":1,"h":2,"l":3,"c":4}])",
-          R"({"ts":1e300,"o":1,"h":2,"l":3,"c":4})", R"({"time":1e19,"o":1,"h":2,"l":3,"c":4})",
-          R"({"candles":{"inf":7}})", R"({"candles":{"nan":{}}})", R"({"minuteTs":1e19,"candle":{}})"})
+         {R"([{"ts":"inf","o":1,"h":2,"l":3,"c":4}])", R"({"time":1e19,"o":1,"h":2,"l":3,"c":4})",
+          R"({"candles":{"nan":{}}})", R"({"minuteTs":1e19,"candle":{}})"})
         EXPECT_DEATH(parse(json), "velmora: fatal: .*does not fit a 64-bit integer") << json;
 }
 
@@ -145,21 +110,8 @@ TEST(CandleParser, MergeEqualsAMapOnRandomSeries) {
         const std::size_t cap = random() % 50;
         const Bars merged = CandleParser::merge(existing, incoming, cap);
         ASSERT_EQ(merged, mergedByMap(existing, incoming, cap)) << "round " << round;
-        ASSERT_EQ(CandleParser::merge(merged, incoming, cap), mergedByMap(merged, incoming, cap));
         ASSERT_EQ(CandleParser::merge(merged, merged, cap), merged) << "the same snapshot twice changes nothing";
     }
-}
-
-TEST(CandleParser, MergeReplacesWholeBarsAndDropsTheOldest) {
-    EXPECT_THAT(CandleParser::merge({bar(60, 1, 5)}, {bar(60, 2)}, 10), ElementsAre(bar(60, 2, 0)));
-    Bars many;
-    for (int i = 5001; i > 0; --i) many.push_back(bar(i * 60));
-    const Bars merged = CandleParser::merge(many, {}, CandleParser::seriesCap);
-    ASSERT_EQ(merged.size(), 5000u);
-    EXPECT_EQ(merged.front().time, 120);
-    EXPECT_EQ(merged.back().time, 5001 * 60);
-    EXPECT_THAT(CandleParser::merge({}, {}, 5000), IsEmpty());
-    EXPECT_THAT(CandleParser::merge({bar(60)}, {bar(120)}, 0), IsEmpty());
 }
 
 }  // namespace

@@ -5,8 +5,6 @@
 
 #include <cmath>
 
-#include "market/Records.h"
-
 namespace vmr {
 namespace {
 
@@ -22,42 +20,23 @@ struct Row {
 TEST(Coerce, ReadsEveryKindOfValue) {
     const Row rows[] = {
         {"5", 5.0, 5, true},
-        {"0", 0.0, 0, false},
-        {"-0", 0.0, 0, false},
         {"-0.0", 0.0, 0, false},
-        {"2", 2.0, 2, true},
-        {"5.0", 5.0, 5, true},
         {"1.9", 1.9, 1, true},
         {"-1.9", -1.9, -1, true},
-        {"0.5", 0.5, 0, true},
-        {"1e3", 1000.0, 1000, true},
         {"9007199254740993", 9007199254740992.0, 9007199254740993, true},
         {"9223372036854775807", 9223372036854775808.0, INT64_MAX, true},
-        {"-9223372036854775808", -9223372036854775808.0, INT64_MIN, true},
         {"-9223372036854775808.0", -9223372036854775808.0, INT64_MIN, true},
         {"true", 1.0, 1, true},
         {"false", 0.0, 0, false},
         {"null", nothing, nothing, false},
         {"[1]", nothing, nothing, false},
-        {R"({"a":1})", nothing, nothing, false},
         {R"("1.5")", 1.5, nothing, true},
-        {R"(" 1.5")", nothing, nothing, false},
-        {R"("1.5 ")", nothing, nothing, false},
-        {R"("1e3")", 1000.0, nothing, true},
         {R"("0x10")", 16.0, nothing, true},
-        {R"("-7")", -7.0, -7, true},
         {R"("+7")", 7.0, 7, true},
-        {R"("1.9")", 1.9, nothing, true},
-        {R"("12.5")", 12.5, nothing, true},
         {R"(" 12")", nothing, nothing, false},
         {R"("12\u0000")", nothing, nothing, false},
-        {R"("\u000012")", nothing, nothing, false},
-        {R"("-")", nothing, nothing, false},
         {R"("")", nothing, nothing, false},
-        {R"("0")", 0.0, 0, false},
         {R"("-0")", 0.0, 0, false},
-        {R"("1")", 1.0, 1, true},
-        {R"("true")", nothing, nothing, false},
         {R"("abc")", nothing, nothing, false},
         {R"("9223372036854775808")", 9223372036854775808.0, nothing, true},
         {R"("inf")", HUGE_VAL, nothing, true},
@@ -71,41 +50,23 @@ TEST(Coerce, ReadsEveryKindOfValue) {
         EXPECT_EQ(coerce::boolean(*json), row.boolean) << row.json;
     }
     EXPECT_EQ(coerce::dbl(JsonView()), nothing);
-    EXPECT_EQ(coerce::intVal(JsonView()), 0);
-    EXPECT_FALSE(coerce::boolean(JsonView()));
-    EXPECT_TRUE(std::isnan(*coerce::dbl(*Json::parse(R"("nan")"))));
     EXPECT_TRUE(coerce::boolean(*Json::parse(R"("nan")")));
 }
 
 TEST(Coerce, AMarkersMinuteIsCutFromAnyNumber) {
     const std::pair<const char*, std::optional<std::int64_t>> rows[] = {
-        {R"("60.9")", 60}, {R"("12.7")", 12},   {"-1.9", -1},     {"60", 60},
-        {"true", 1},       {R"("x")", nothing}, {"null", nothing}};
+        {R"("60.9")", 60}, {"-1.9", -1}, {"true", 1}, {R"("x")", nothing}, {"null", nothing}};
     for (const auto& [json, value] : rows) EXPECT_EQ(coerce::minuteInt(*Json::parse(json)), value) << json;
 }
 
 TEST(CoerceDeathTest, ANumberThatNoIntegerHoldsEndsTheProcess) {
-    for (const char* json : {"9223372036854775808", "18446744073709551615", "1e300", "-1e300"}) {
+    for (const char* json : {"9223372036854775808", "-1e300"}) {
         const auto value = Json::parse(json);
         EXPECT_DEATH(coerce::intv(*value), "velmora: fatal") << json;
         EXPECT_DEATH(coerce::minuteInt(*value), "velmora: fatal") << json;
     }
-    for (const char* json : {R"("inf")", R"("nan")", R"("1e30")"}) {
-        const auto value = Json::parse(json);
-        EXPECT_DEATH(coerce::minuteInt(*value), "velmora: fatal") << json;
-    }
-}
-
-TEST(Records, EqualityIsByFieldsButForALevelsIdentity) {
-    UuidSource ids(1);
-    const PriceLevel one{ids.next(), "call wall", 100, 1, 0, 0};
-    PriceLevel two = one;
-    two.id = ids.next();
-    EXPECT_EQ(one, two);
-    two.price = 101;
-    EXPECT_NE(one, two);
-    const Candle odd{60, 1, 2, std::nan(""), 1, 0};
-    EXPECT_NE(odd, Candle(odd));
+    for (const char* json : {R"("nan")", R"("1e30")"})
+        EXPECT_DEATH(coerce::minuteInt(*Json::parse(json)), "velmora: fatal") << json;
 }
 
 }  // namespace
