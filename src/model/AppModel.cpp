@@ -216,8 +216,8 @@ void AppModel::setConfig(const GexConfig& changed) {
             ++chartVersion;
             chartVersionChanged();
         }
+        simTakeCommission();
     }
-    simTakeCommission();
 }
 
 void AppModel::append(const std::string& text) {

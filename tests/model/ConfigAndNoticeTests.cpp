@@ -1,5 +1,6 @@
 // Changed settings and what they set off; the log's cap; notices that end by themselves.
 #include "model/PaneFixture.h"
+#include "sim/SimEngine.h"
 
 namespace vmr::test {
 namespace {
@@ -10,6 +11,9 @@ using testing::SizeIs;
 class ConfigAndNotices : public PaneFixture {};
 
 TEST_F(ConfigAndNotices, OnlyADifferenceIsSavedAndApplied) {
+    SimEngine engine({time, session, UuidSource(5)});
+    engine.commission = 3;
+    sim = &engine;
     openSymbol("NQ");
     int notices = 0;
     const auto watching = model->config.changed.connect([&] { ++notices; });
@@ -18,16 +22,19 @@ TEST_F(ConfigAndNotices, OnlyADifferenceIsSavedAndApplied) {
     EXPECT_EQ(notices, 0);
     EXPECT_EQ(model->chartVersion, version);
     EXPECT_EQ(preferences.get("gex-config"), std::nullopt);
+    EXPECT_EQ(engine.commission, 3) << "as the account was found";
 
     GexConfig changed = model->config;
     changed.lineOpacity = 55;
     changed.sessionStart = 930;
     model->setConfig(changed);
+    EXPECT_EQ(engine.commission, changed.simCommission);
     EXPECT_EQ(notices, 1);
     EXPECT_EQ(model->chartVersion, version + 1);
     EXPECT_EQ(GexConfig::fromJson(preferences.get("gex-config").value_or("")), changed);
     EXPECT_EQ(model->sessionHHMM(), 930);
     EXPECT_EQ(AppModel(surroundings()).config.get(), changed) << "a later pane reads it";
+    model.reset();  // it must not outlive the account
 }
 
 TEST_F(ConfigAndNotices, AnotherVolatilityIndexReloadsTheChart) {
