@@ -10,6 +10,10 @@
 namespace vmr::test {
 namespace {
 
+using sim::BracketSpec;
+using sim::OrderType;
+using sim::Side;
+
 struct Rule {
     const char* name;
     const char* script;
@@ -85,6 +89,19 @@ TEST(SimMatching, EachTypeFillsWhereItsRuleSays) {
          "buy 9223372036854775807 100.125", "buy"},
     };
     for (const Rule& rule : rules) check(rule);
+}
+
+TEST(SimMatching, AStopLimitWithoutALimitEndsAsALimitThatNeverFills) {
+    SimScript sim;
+    sim.run("trade 99; quote 98 99");
+    const auto order = sim.engine.place("NQ", Side::buy, OrderType::stopLimit, 2, {}, 100.0, BracketSpec{4, {}});
+    ASSERT_TRUE(order);
+    sim.run("trade 101; trade 1; quote 0.5 1");
+    sim::Order expected = *order;
+    expected.type = OrderType::limit;
+    expected.stopPrice.reset();
+    EXPECT_THAT(sim.engine.orders(), testing::ElementsAre(expected));
+    EXPECT_EQ(sim.fills(), "");
 }
 
 TEST(SimMatching, ATickAllocatesNothing) {
