@@ -1,6 +1,7 @@
 // Which bars and prices the chart shows, and how input, new data and a partner pane move that.
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <span>
@@ -59,6 +60,8 @@ class Camera {
     /// Settles the price range on the bars in view and notes in `snapLerps` whether the camera moved since the frame
     /// before. False, with nothing changed, when no bar is in view. `fatal` on a position that is not finite.
     bool settle(std::span<const Candle> candles);
+    /// Whether that ever happened; before, the price range means nothing.
+    bool settled() const { return !std::isnan(lastMin_); }
 
     double xScale() const { return 2.0 / visibleCount; }               ///< a bar in clip space
     double yScale() const { return 1.8 / (yMaxManual - yMinManual); }  ///< a point of price in clip space

@@ -73,8 +73,9 @@ void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
 }
 
 void ChartItem::updateCrosshair() {
-    drawing_->crosshair.update(drawing_->renderer.camera().viewport(), drawing_->renderer.candles(), width(), height(),
-                               drawing_->session);
+    const ChartRenderer& renderer = drawing_->renderer;
+    const auto bars = renderer.camera().settled() ? renderer.candles() : std::span<const Candle>();
+    drawing_->crosshair.update(renderer.camera().viewport(), bars, width(), height(), drawing_->session);
 }
 
 void ChartItem::press(QMouseEvent* event, bool doubleClick) {

@@ -130,6 +130,29 @@ TEST_F(TwoPanes, EachShowsItsOwnAndIsDrawnForItsOwnSake) {
     }
 }
 
+TEST_F(TwoPanes, TheCrosshairWaitsForAFrameWithBars) {
+    PaneViewModel fresh;
+    ChartItem item;
+    item.setParentItem(window_->contentItem());
+    item.setPosition({451, 370});
+    item.setSize({400, 30});
+    item.setPane(&fresh);
+    ASSERT_TRUE(settle());
+    const auto point = [&] {
+        QHoverEvent event(QEvent::HoverMove, QPointF(90, 10), QPointF(90, 10), QPointF(90, 10));
+        QCoreApplication::sendEvent(&item, &event);
+    };
+    fresh.setChart(left_.view.chart());
+    QCoreApplication::sendPostedEvents(&item, QEvent::MetaCall);
+    ASSERT_FALSE(item.renderer().candles().empty());
+    point();
+    EXPECT_FALSE(item.crosshair()->shown());
+    ASSERT_TRUE(settle());
+    point();
+    EXPECT_TRUE(item.crosshair()->shown());
+    EXPECT_GT(item.crosshair()->priceText().remove(',').toDouble(), 10000);
+}
+
 TEST_F(TwoPanes, OneTakesTheOthersPaneAndOneGoesAway) {
     right_.item->setPane(nullptr);
     left_.item->setPane(&right_.view);
