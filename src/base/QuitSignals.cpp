@@ -58,6 +58,8 @@ void onQuitRequest(std::function<void()> handler) {
         char byte = 0;
         if (::read(quitPipe[0], &byte, 1) == 1) slot().call();
     }).detach();
+    std::signal(SIGHUP, noteQuit);
+    std::signal(SIGPIPE, SIG_IGN);  // who reads the output may leave first
 #endif
     std::signal(SIGINT, noteQuit);
     std::signal(SIGTERM, noteQuit);
