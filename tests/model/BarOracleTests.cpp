@@ -18,18 +18,11 @@ class BarOracle : public PaneFixture {
     // Mostly now; sometimes late, far too late, or ahead of the local clock; quarters of a millisecond.
     double tradeTime() {
         const double now = time.now() * 1000;
-        switch (below(8)) {
-            case 0:
-                return now - static_cast<double>(below(200'000));
-            case 1:
-                return now - static_cast<double>(below(5'000)) * 0.25;
-            case 2:
-                return now + static_cast<double>(below(3) == 0 ? below(150'000) : 0);
-            case 3:
-                return std::floor(now / 60'000) * 60'000;
-            default:
-                return now;
-        }
+        const std::int64_t kind = below(8);
+        if (kind == 0) return now - static_cast<double>(below(200'000));
+        if (kind == 1) return now - static_cast<double>(below(5'000)) * 0.25;
+        if (kind == 2) return now + static_cast<double>(below(3) == 0 ? below(150'000) : 0);
+        return kind == 3 ? std::floor(now / 60'000) * 60'000 : now;
     }
 
     void play(const std::string& symbol, double start, int steps) {

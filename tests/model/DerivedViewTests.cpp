@@ -1,5 +1,5 @@
 // What the pane makes of derived fields: the 3D surface, HF samples and the expirations on offer.
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cmath>
 
@@ -10,9 +10,6 @@
 
 namespace vmr {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr double mondayNoon = 1'781'539'200;  // 2026-06-15 12:00 New York
 
@@ -44,35 +41,10 @@ TEST(Gex3D, LaysOutEveryExpiration) {
 }
 
 TEST(Gex3D, NeedsExpirationsAndTwoStrikes) {
-    for (
-        const char* none :
-        {R"({"gexByStrike":[{"strike":99},{"strike":100}]})",
-         R"({"expirations":[],"gexByStrike":[{"strike":99},{"strike":100}]})",
-         R"({"expirations":["a"],"gexByStrike":[{"strike":99},{"strike":99},{"strike":90}]})",
-         R"({"expirations":["b","a"],"byExpiration":{"a":{"gexByStrike":[]}},"gexByStrike":[{"strike":99},{"strike":100}]})",
-         R"({"expirations":["a"],"byExpiration":[1],"gexByStrike":[{"strike":99},{"strike":100},1]})"})
+    for (const char* none :
+         {R"({"gexByStrike":[{"strike":99},{"strike":100}]})", R"({"expirations":["a"],"gexByStrike":[{"strike":99}]})",
+          R"({"expirations":["a"],"gexByStrike":[{"strike":99},{"strike":100},1]})"})
         EXPECT_FALSE(Gex3D::build(100, fieldsOf(none), mondayNoon)) << none;
-    EXPECT_EQ(Gex3D::build(100, fieldsOf(R"({"expirations":["a"],"gexByStrike":[{"strike":99},{"strike":100}]})"),
-                           mondayNoon),
-              (Gex3DData{100, {99, 100}, {"a"}, {{0, 0}}}));
-}
-
-TEST(SpotPrice, EachViewPrefersItsOwnSource) {
-    const std::vector<Candle> bars = {{0, 1, 1, 1, 500, 0}};
-    const auto with = fieldsOf(R"({"spot":"7"})");
-    const auto broken = fieldsOf(R"({"spot":"x"})");
-    const struct {
-        const DerivedFields& fields;
-        std::vector<Candle> bars;
-        double ratio;
-        std::optional<double> surface, sample;
-    } cases[] = {{with, bars, 40, 12.5, 7.0},    {with, {}, 40, 7.0, 7.0},
-                 {broken, bars, 40, 12.5, 12.5}, {broken, bars, 0, 500 / 1e-9, 500 / 1e-9},
-                 {broken, {}, 40, {}, {}},       {broken, {{0, 1, 1, 1, -5, 0}}, 1, {}, -5.0}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(Gex3D::spotPrice(c.bars, c.ratio, c.fields), c.surface);
-        EXPECT_EQ(Hfp::spotPrice(c.fields, c.bars, c.ratio), c.sample);
-    }
 }
 
 std::vector<StrikeRow> rows(std::initializer_list<double> strikes) {
@@ -91,23 +63,15 @@ TEST(HfpSample, TakesTheStrikesAroundTheSpot) {
     const struct {
         std::optional<double> spot;
         std::vector<double> band;
-    } cases[] = {{44, {20, 30, 40, 50, 60}},
-                 {45, {20, 30, 40, 50, 60}},
-                 {3, {10, 20, 30}},
-                 {19, {10, 20, 30, 40}},
-                 {1e9, {50, 60, 70}},
-                 {0, {}},
-                 {-5, {}},
-                 {std::nan(""), {}},
-                 {std::nullopt, {}}};
+    } cases[] = {
+        {44, {20, 30, 40, 50, 60}}, {45, {20, 30, 40, 50, 60}}, {19, {10, 20, 30, 40}}, {1e9, {50, 60, 70}}, {0, {}},
+        {std::nan(""), {}},         {std::nullopt, {}}};
     for (const auto& c : cases) {
         const auto sample = Hfp::sample(all, c.spot, 100);
         ASSERT_TRUE(sample);
-        EXPECT_EQ(sample->t, 100);
         EXPECT_EQ(sample->call, 28);
         EXPECT_EQ(sample->put, -280);
         EXPECT_EQ(sample->band, c.band) << c.spot.value_or(-1);
-        EXPECT_EQ(sample->atm.size(), c.band.size());
         for (const double strike : c.band) {
             ASSERT_TRUE(sample->atmAt(strike));
             EXPECT_EQ(*sample->atmAt(strike), (StrikeFlow{strike, strike / 10, -strike}));
@@ -118,24 +82,16 @@ TEST(HfpSample, TakesTheStrikesAroundTheSpot) {
     const auto odd = Hfp::sample(rows({30, 30, std::nan(""), std::nan("")}), 30, 0);
     EXPECT_EQ(odd->atmAt(30)->call, 2);
     EXPECT_EQ(odd->band[1], 30);
-    EXPECT_TRUE(std::isnan(odd->band[2]));
 }
 
 TEST(HfpSample, HistoryIsHalfAnHour) {
     std::deque<HfpSample> samples;
     for (const double t : {0.0, 100.0, 50.0, 1900.0}) samples.push_back({t, 0, 0, {}, {}});
-    const auto times = [&samples] {
-        std::vector<double> found;
-        for (const HfpSample& sample : samples) found.push_back(sample.t);
-        return found;
-    };
     Hfp::trim(samples, 1800);
     EXPECT_EQ(samples.size(), 4U);
     Hfp::trim(samples, 1890);
-    EXPECT_THAT(times(), ElementsAre(100, 1900));
-    Hfp::trim(samples, 1e6);
-    EXPECT_THAT(times(), IsEmpty());
-    Hfp::trim(samples, 0);
+    ASSERT_EQ(samples.size(), 2U);
+    EXPECT_EQ(samples.front().t, 100);
 }
 
 // June 2026: the 15th is a Monday.
@@ -158,7 +114,6 @@ TEST(Expirations, OfferThisWeekAndTheNext) {
     EXPECT_EQ(days(moment(20, 10)), from(5));
     EXPECT_EQ(days(moment(20, 20)).front(), 22);  // Saturday night as Sunday
     EXPECT_EQ(days(moment(20, 20)).back(), 1);    // of July, in the second week now
-    EXPECT_THAT(computeFutureExps({}, mondayNoon), IsEmpty());
     EXPECT_EQ(computeFutureExps({"2026-06-16", "2026-06-15", "2026-06-16"}, mondayNoon),
               (std::vector<std::string>{"2026-06-15", "2026-06-16", "2026-06-16"}));
 }
@@ -171,24 +126,18 @@ TEST(Expirations, CountTradingDays) {
         const char* dteLabel;  // in Tokyo, thirteen hours ahead
     } cases[] = {
         {"2026-06-15", moment(12, 9), "6/15 (1DTE)", "1DTE Mon 6/15"},  // asked on Friday
-        {"2026-06-15", moment(12, 23), "6/15 (1DTE)", "1DTE Mon 6/15"},
         {"2026-06-15", moment(14, 23), "6/15 (1DTE)", "0DTE Mon 6/15"},
         {"2026-06-15", moment(15, 9), "6/15 (0DTE)", "0DTE Mon 6/15"},
         {"2026-06-01", moment(15, 9), "6/1 (0DTE)", "0DTE Mon 6/1"},
         {"2026-06-20", moment(15, 9), "6/20 (4DTE)", "4DTE Sat 6/20"},
-        {"2026-07-15", moment(15, 9), "7/15 (22DTE)", "22DTE Wed 7/15"},
         {"2026-12-31", moment(15, 9), "12/31 (143DTE)", "143DTE Thu 12/31"},
         {"2026-02-30", moment(15, 9), "2026-02-30", "2026-02-30"},
-        {"2026-6-15", moment(15, 9), "2026-6-15", "2026-6-15"},
-        {"20260-6-15", moment(15, 9), "20260-6-15", "20260-6-15"},
-        {"", moment(15, 9), "", ""},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(expLabel(c.iso, c.now), c.label) << c.now;
         EXPECT_EQ(expDteLabel(c.iso, c.now, "Asia/Tokyo"), c.dteLabel) << c.now;
     }
-    for (const double now : {0.0, 1e300, -1e300, std::nan("")}) EXPECT_NE(expLabel("2026-06-15", now), "");
-    EXPECT_THAT(expDteLabel("2026-06-15", moment(1, 9)), testing::EndsWith("DTE Mon 6/15"));  // the machine's zone
+    for (const double now : {1e300, std::nan("")}) EXPECT_NE(expLabel("2026-06-15", now), "");
 }
 
 }  // namespace

@@ -9,17 +9,43 @@ namespace vmr::test {
 namespace {
 
 using nlohmann::json;
+using Values = std::vector<json>;
 
-// One valid message of a channel kind, and where it can be broken so that nothing of it remains valid.
+// Values that no reader of numbers takes. Left out: those that are fatal by design, and those that are numbers
+// after all (true, "nan", "1e3"), since with them a bar would be valid.
+const Values noNumbers{nullptr, "", "abc", " 5", "1,5", "--1", json::array({5}), json::object(), json{{"price", 5}}};
+const Values noPrices{nullptr, "", "abc", "1,5", json::array({5}), "nan", "inf", "-infinity"};  // a trade's is finite
+const Values noObjects{nullptr, "{}", 5, -0.5, true, json::array(), json::array({1, json::object()})};
+
+// One valid message of a channel kind, the members without any one of which it says nothing, and the values that are as
+// good as none.
 struct Kind {
-    const char* name;
     std::string channel;
     json body;
-    bool changesState;                 ///< whether the valid message is seen in the state
-    std::vector<std::string> members;  ///< JSON pointers; without any one of them the body says nothing
-    bool needsObject;                  ///< whether any body that is no object says nothing
-    std::vector<json> oddValues;       ///< what makes a member as good as missing
+    std::vector<std::string> members;
+    const Values& odd;
 };
+
+std::vector<Kind> kinds() {
+    const json bar = json::parse(R"({"time":1781100000,"o":1,"h":4,"l":1,"c":2,"v":3})");
+    const json trade = json::parse(R"({"price":50.25,"ts":1781100000000})");
+    return {
+        {"futures:NQM6:trades", trade, {"/price"}, noPrices},
+        {"futures:ESM6:trades", trade, {"/price"}, noPrices},
+        {"futures:NQM6", json::array({bar}), {"/0/o", "/0/h", "/0/l", "/0/c", "/0/time"}, noNumbers},
+        {"futures:NQM6", {{"candles", {bar}}}, {"/candles/0/o", "/candles/0/c"}, noNumbers},
+        {"futures:NQM6", {{"candles", {{"1781100000", bar}}}}, {"/candles/1781100000/l"}, noNumbers},
+        {"futures:NQM6:1m", {{"minuteTs", 1781100000}, {"candle", bar}}, {"/minuteTs", "/candle/h"}, noNumbers},
+        {"futures:ESM6", json::array({bar}), {"/0/o", "/0/h", "/0/l", "/0/c"}, noNumbers},
+        {"indices:I:VIX:1m", bar, {"/o", "/h", "/l", "/c", "/time"}, noNumbers},
+        {"meta:instruments", {{"catalog", {{"futures", {{{"sym", "SI"}}}}}}}, {"/catalog"}, noObjects},
+        {"meta:contracts", {{"map", {{"GC", "GCZ6"}, {"CL", "CLZ6"}}}}, {"/map"}, noObjects},
+        {"derived:QQQ", {{"etfRatio", 41.5}, {"expirations", {"2026-06-12"}}}, {}, noObjects},
+        {"derived:NDX", {{"etfRatio", 2}}, {}, noObjects},
+        {"derived:gexBubbles:QQQ", {{"bubbles", {{"1781100000", {{"s", 600}}}}}}, {"/bubbles"}, noObjects},
+        {"derived:hfHistory:QQQ", {{"candles", {{"1781100000", {{"c", 5}}}}}}, {"/candles"}, noObjects},
+    };
+}
 
 class MutatedFrames : public PaneFixture {
  protected:
@@ -30,173 +56,57 @@ class MutatedFrames : public PaneFixture {
         return from[below(from.size())];
     }
 
-    // Values that no reader of numbers takes. Left out: those that are fatal by design, and those that are numbers
-    // after all (true, "nan", "1e3"), since with them a bar would be valid.
-    const std::vector<json> noNumbers{
-        nullptr,           "", "abc", " 5", "5 ", "1,5", "--1", json::array(), json::array({5}), json::object(),
-        json{{"price", 5}}};
-    const std::vector<json> noObjects{nullptr, "{}", 5, -0.5, true, json::array(), json::array({1, json::object()})};
-
-    std::vector<Kind> kinds() const {
-        const json prices{{"o", 1}, {"h", 4}, {"l", 1}, {"c", 2}, {"v", 3}};
-        json bar = prices;
-        bar["time"] = minute;
-        const std::string now = std::to_string(minute);
-        std::vector<json> trades = noNumbers;
-        trades.insert(trades.end(), {"nan", "inf", "-infinity"});  // a trade's price must be finite, a bar's need not
-        std::vector<json> noCatalogs = noObjects, noLists = noObjects;
-        noLists.push_back(json::array({json::object(), json{{"sym", 5}}, nullptr, "NQ"}));
-        std::erase(noLists, json(json::array({1, json::object()})));
-        return {
-            {"trade",
-             "futures:NQM6:trades",
-             {{"price", 123.25}, {"ts", minute * 1000}},
-             true,
-             {"/price"},
-             true,
-             trades},
-            {"quote", "futures:NQM6:quote", {{"bid", 1}, {"ask", 2}}, false, {"/bid", "/ask"}, true, trades},
-            {"second trade",
-             "futures:ESM6:trades",
-             {{"price", 50}, {"ts", minute * 1000}},
-             true,
-             {"/price"},
-             true,
-             trades},
-            {"bars",
-             "futures:NQM6",
-             json::array({bar}),
-             true,
-             {"/0/o", "/0/h", "/0/l", "/0/c", "/0/time"},
-             true,
-             noNumbers},
-            {"bars in an object",
-             "futures:NQM6",
-             {{"candles", {bar}}},
-             true,
-             {"/candles/0/o", "/candles/0/c"},
-             true,
-             noNumbers},
-            {"keyed bars",
-             "futures:NQM6",
-             {{"candles", {{now, prices}}}},
-             true,
-             {"/candles/" + now + "/l"},
-             true,
-             noNumbers},
-            {"minute",
-             "futures:NQM6:1m",
-             {{"minuteTs", minute}, {"candle", prices}},
-             true,
-             {"/minuteTs", "/candle", "/candle/h"},
-             true,
-             noNumbers},
-            {"second bars",
-             "futures:ESM6",
-             json::array({bar}),
-             true,
-             {"/0/o", "/0/h", "/0/l", "/0/c"},
-             true,
-             noNumbers},
-            {"volatility bars", "indices:I:VIX:1m", bar, true, {"/o", "/h", "/l", "/c", "/time"}, true, noNumbers},
-            {"catalog",
-             "meta:instruments",
-             {{"catalog", {{"futures", {{{"sym", "SI"}}}}}}},
-             true,
-             {"/catalog", "/catalog/futures"},
-             true,
-             noLists},
-            {"contracts", "meta:contracts", {{"map", {{"GC", "GCZ6"}}}}, true, {"/map"}, true, noObjects},
-            {"contract", "meta:contracts", {{"map", {{"GC", "GCZ6"}, {"CL", "CLZ6"}}}}, true, {}, true, {}},
-            {"levels", "derived:QQQ", {{"etfRatio", 41.5}, {"expirations", {"2026-06-12"}}}, true, {}, true, {}},
-            {"second levels", "derived:NDX", {{"etfRatio", 2}}, true, {}, true, {}},
-            {"bubbles", "derived:gexBubbles:QQQ", {{"points", json::array()}}, false, {}, true, {}},
-            {"triangles", "derived:hfTriangles:QQQ", {{"points", json::array()}}, false, {}, true, {}},
-            {"history", "derived:hfHistory:QQQ", json::object(), false, {}, true, {}},
-        };
-    }
-
     json envelope(const Kind& kind) {
-        switch (below(3)) {
-            case 0:
-                return {{"type", "snapshot"}, {"channel", kind.channel}, {"data", kind.body}};
-            case 1:
-                return {{"type", "event"}, {"channel", kind.channel}, {"payload", kind.body}};
-            default:
-                return {{"type", "batch"}, {"channel", kind.channel}, {"events", {kind.body}}};
-        }
+        const std::size_t type = below(3);
+        if (type == 0) return {{"type", "snapshot"}, {"channel", kind.channel}, {"data", kind.body}};
+        if (type == 1) return {{"type", "event"}, {"channel", kind.channel}, {"payload", kind.body}};
+        return {{"type", "batch"}, {"channel", kind.channel}, {"events", {kind.body}}};
     }
-    static json& bodyOf(json& frame) {
-        if (frame["type"] == "snapshot") return frame["data"];
-        if (frame["type"] == "event") return frame["payload"];
-        return frame["events"][0];
+    static const char* memberOf(const json& frame) {
+        return frame.contains("data") ? "data" : frame.contains("payload") ? "payload" : "events";
     }
 
     // Cut short, or with bytes overwritten until an independent decoder refuses the text. Cutting any text that ends
     // with its outermost brace leaves no JSON.
-    std::string brokenText(const std::string& text) {
+    std::string brokenText(std::string text) {
         if (below(2) == 0) return text.substr(0, below(text.size()));
-        std::string broken = text;
-        while (json::accept(broken))
-            for (auto flips = 1 + below(4); flips > 0; --flips) {
-                char& c = broken[below(broken.size())];
-                c = static_cast<char>(c ^ static_cast<char>(1u << below(8)));
-            }
-        return broken;
-    }
-    // An envelope that names no known message, no channel, another one's member, or a channel that nobody asked for.
-    std::string brokenEnvelope(json frame) {
-        const std::string member = frame.contains("data") ? "data" : frame.contains("payload") ? "payload" : "events";
-        switch (below(6)) {
-            case 0:
-                frame["type"] = pick(std::vector<json>{nullptr, 5, "Event", "", "snapshots", json::array({"event"})});
-                break;
-            case 1:
-                frame.erase(below(2) == 0 ? "type" : "channel");
-                break;
-            case 2:
-                frame["channel"] = pick(noObjects);
-                break;
-            case 3:
-                frame.erase(member);
-                break;
-            case 4:
-                frame["channel"] =
-                    frame["channel"].get<std::string>() + pick(std::vector<std::string>{" ", ":2m", "x", ":"});
-                break;
-            default:
-                return json::array({frame}).dump();
+        while (json::accept(text)) {
+            char& c = text[below(text.size())];
+            c = static_cast<char>(c ^ static_cast<char>(1u << below(8)));
         }
-        // a channel that happens to be a text, such as "{}", is one that nobody asked for
+        return text;
+    }
+    // An envelope that names no known message, no channel, no body, or a channel that nobody asked for.
+    std::string brokenEnvelope(json frame) {
+        const std::size_t way = below(6);
+        if (way == 0) frame["type"] = pick(Values{nullptr, 5, "Event", "", "snapshots", json::array({"event"})});
+        if (way == 1) frame.erase(below(2) == 0 ? "type" : "channel");
+        if (way == 2) frame["channel"] = pick(noObjects);
+        if (way == 3) frame.erase(memberOf(frame));
+        if (way == 4)
+            frame["channel"] = frame["channel"].get<std::string>() + pick(Values{" ", ":2m", "x"}).get<std::string>();
+        if (way == 5) frame = json::array({frame});
         return frame.dump();
     }
     // A body without an essential member, with an odd value for it, or that is of another type altogether.
     std::string brokenBody(const Kind& kind, json frame) {
-        json& body = bodyOf(frame);
-        if (std::string(kind.name) == "contract" && below(2) == 0) {
-            body["map"][below(2) == 0 ? "GC" : "CL"] =
-                pick(std::vector<json>{nullptr, 5, true, json::array(), json::object()});
-        } else if (kind.members.empty() || below(4) == 0) {
+        json& member = frame[memberOf(frame)];
+        json& body = frame.contains("events") ? member[0] : member;
+        if (kind.members.empty() || below(4) == 0) {
             body = pick(noObjects);
         } else {
             const json::json_pointer place(pick(kind.members));
             if (below(3) == 0)
                 body.at(place.parent_pointer()).erase(place.back());
             else
-                body[place] = pick(kind.oddValues);
+                body[place] = pick(kind.odd);
         }
         return frame.dump();
     }
     std::string broken(const Kind& kind) {
         const json frame = envelope(kind);
-        switch (below(3)) {
-            case 0:
-                return brokenText(frame.dump());
-            case 1:
-                return brokenEnvelope(frame);
-            default:
-                return brokenBody(kind, frame);
-        }
+        const std::size_t where = below(3);
+        return where == 0 ? brokenText(frame.dump()) : where == 1 ? brokenEnvelope(frame) : brokenBody(kind, frame);
     }
 
     void openBoth() {
@@ -209,13 +119,11 @@ class MutatedFrames : public PaneFixture {
 
 TEST_F(MutatedFrames, ValidMessagesAreSeenInTheState) {
     for (const Kind& kind : kinds()) {
-        for (int i = 0; i < 4; ++i) {
-            openBoth();
-            const auto before = documentWithoutLog();
-            const std::string text = envelope(kind).dump();
-            frame(text);
-            EXPECT_EQ(documentWithoutLog() != before, kind.changesState) << kind.name << " " << text;
-        }
+        openBoth();
+        const auto before = documentWithoutLog();
+        const std::string text = envelope(kind).dump();
+        frame(text);
+        EXPECT_NE(documentWithoutLog(), before) << text;
     }
 }
 
@@ -224,10 +132,9 @@ TEST_F(MutatedFrames, BrokenOnesChangeNothingButTheLog) {
     const auto all = kinds();
     const auto before = documentWithoutLog();
     for (std::size_t i = 0; i < 1000; ++i) {
-        const Kind& kind = all[i % all.size()];
-        const std::string text = broken(kind);
+        const std::string text = broken(all[i % all.size()]);
         frame(text);
-        ASSERT_EQ(documentWithoutLog(), before) << i << " " << kind.name << ": " << text;
+        ASSERT_EQ(documentWithoutLog(), before) << i << ": " << text;
         ASSERT_FALSE(sockets.last().gone());
     }
     EXPECT_EQ(sockets.count(), 1u);

@@ -1,13 +1,15 @@
-// The kept series against the same made from nothing, after every kind of change.
+// The kept series after every kind of change against the same made from nothing, and these against plain computations.
 #include "model/OverlayBuilder.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 #include "model/AppModel.h"
 #include "model/OverlaySeries.h"
-#include "support/SyntheticMarket.h"
+#include "model/PlainOverlays.h"
+#include "model/SessionWalk.h"
 
 namespace vmr::test {
 namespace {
@@ -31,48 +33,23 @@ class Stream {
     }
 
     void change() {
-        switch (pick(16)) {
-            case 0:
-            case 1:
-            case 2:
-            case 3:
-                trade();
-                break;
-            case 4:
-            case 5:
-            case 6:
-                appendBar();
-                break;
-            case 7:
-                for (int i = 0; i < 90; ++i) appendBar();
-                break;
-            case 8:
-                appendBar();
-                raw.erase(raw.begin());
-                break;
-            case 9:
-                raw[pick(raw.size())].volume += 5;
-                break;
-            case 10:
-                raw.erase(raw.begin() + static_cast<std::ptrdiff_t>(pick(raw.size() - 2)));
-                break;
-            case 11:
-                raw.back().open += 0.25;
-                break;
-            case 12:
-                second.back().close += 1;
-                break;
-            case 13:
-                hf[raw[pick(raw.size())].time].c = step() * 1e7;
-                ++sideRevision;
-                break;
-            case 14:
-                changeLevels();
-                break;
-            default:
-                changeSettings();
-                break;
+        const std::size_t kind = pick(16), some = pick(raw.size() - 2);
+        if (kind < 4) trade();
+        if (kind >= 4 && kind < 7) appendBar();
+        if (kind == 7)
+            for (int i = 0; i < 90; ++i) appendBar();
+        if (kind == 8) {
+            appendBar();
+            raw.erase(raw.begin());
         }
+        if (kind == 9) raw[some].volume += 5;
+        if (kind == 10) raw.erase(raw.begin() + static_cast<std::ptrdiff_t>(some));
+        if (kind == 11) raw.back().open += 0.25;
+        if (kind == 12) second.back().close += 1;
+        if (kind == 13) hf[raw[some].time].c = step() * 1e7;
+        if (kind == 14) changeLevels(plainSessionOpen(raw[some].time, settings.sessionHHMM));
+        if (kind == 15) changeSettings();
+        sideRevision += kind == 13 || kind == 14;
         aggregate(raw, settings.timeframe, bars);
     }
 
@@ -102,41 +79,24 @@ class Stream {
     }
     void addSides(const Candle& bar) {
         if (pick(8) != 0) second.push_back({bar.time, bar.open / 4, bar.high / 4, bar.low / 4, bar.close / 4, 0});
-        if (pick(8) != 0) vix.push_back({bar.time, 18 + step() / 50, 0, 0, 18 + step() / 50, 0});
+        if (pick(8) != 0) vix.push_back({bar.time, pick(7) ? 18 + step() / 50 : 0, 0, 0, 18 + step() / 50, 0});
         if (pick(3) != 0) hf[bar.time].c = step() * 1e7;
     }
-    void changeLevels() {
-        const std::int64_t open = plainSessionOpen(raw[pick(raw.size())].time, settings.sessionHHMM);
-        levels[open] = {open, 0, {{1, "", 21000 + step() * 10, 0}}, {{1, "", 20900 + step() * 10, 0}}};
-        ++sideRevision;
+    void changeLevels(std::int64_t open) {
+        levels[open] = {open,
+                        pick(2) ? 0.0 : 21000,
+                        {{3, "", 21300, 0}, {1, "", 21000 + step() * 10, 0}},
+                        {{1, "", 20900 + step() * 10, 0}}};
     }
     void changeSettings() {
-        switch (pick(8)) {
-            case 0:
-                settings.timeframe = static_cast<int>(1 + pick(3) * 7);
-                break;
-            case 1:
-                settings.sessionHHMM = settings.sessionHHMM == 930 ? 1800 : 930;
-                break;
-            case 2:
-                settings.vwapEnabled = !settings.vwapEnabled;
-                break;
-            case 3:
-                settings.vwapNyEnabled = !settings.vwapNyEnabled;
-                break;
-            case 4:
-                settings.hfEnabled = !settings.hfEnabled;
-                break;
-            case 5:
-                settings.vixEnabled = !settings.vixEnabled;
-                break;
-            case 6:
-                settings.ema1Enabled = !settings.ema1Enabled;
-                break;
-            default:
-                settings.vixSmooth = static_cast<std::int64_t>(pick(50));
-                break;
-        }
+        constexpr bool OverlaySettings::*flags[] = {&OverlaySettings::vwapEnabled, &OverlaySettings::vwapNyEnabled,
+                                                    &OverlaySettings::hfEnabled, &OverlaySettings::vixEnabled,
+                                                    &OverlaySettings::ema1Enabled};
+        const std::size_t kind = pick(8);
+        if (kind < std::size(flags)) settings.*flags[kind] = !(settings.*flags[kind]);
+        if (kind == 5) settings.timeframe = static_cast<int>(1 + pick(3) * 7);
+        if (kind == 6) settings.sessionHHMM = settings.sessionHHMM == 930 ? 1800 : 930;
+        if (kind == 7) settings.vixSmooth = static_cast<std::int64_t>(pick(50));
     }
 
     std::mt19937 random_;
@@ -144,24 +104,28 @@ class Stream {
     std::size_t next_ = 0;
 };
 
-// The series from nothing, by the pure functions alone.
-OverlaySet fromNothing(const OverlayInput& in, SessionTime& session) {
+void expectSame(const OverlaySet& kept, const OverlaySet& fresh) {
+    ASSERT_EQ(kept.vwapMain, fresh.vwapMain);
+    ASSERT_EQ(kept.vwapNY, fresh.vwapNY);
+    ASSERT_EQ(kept.secondCandles, fresh.secondCandles);
+    ASSERT_EQ(kept.hfLine, fresh.hfLine);
+    ASSERT_EQ(kept.vixLine, fresh.vixLine);
+    ASSERT_EQ(kept.ema1, fresh.ema1);
+    ASSERT_EQ(kept.ema2, fresh.ema2);
+}
+
+void expectPlain(const OverlaySet& kept, const OverlayInput& in) {
     const OverlaySettings& on = in.settings;
-    OverlaySet set;
-    using namespace OverlaySeries;
-    const std::int64_t last = in.bars.back().time;
-    if (on.vwapEnabled) set.vwapMain = computeVWAP(in.bars, on.sessionHHMM, session);
-    if (on.vwapNyEnabled && showsNyVWAP(last, on.sessionHHMM, session)) set.vwapNY = computeVWAP(in.bars, 930, session);
-    if (on.showSecondary)
-        set.secondCandles = computeSecond(in.bars, in.secondaryRaw, on.timeframe, on.sessionHHMM, session);
+    const int tf = on.timeframe, hhmm = on.sessionHHMM;
+    if (on.vwapEnabled) expectNear(kept.vwapMain, plainVwap(in.bars, hhmm), "VWAP");
+    if (on.vwapNyEnabled) expectNear(kept.vwapNY, plainNyVwap(in.bars, hhmm), "New York VWAP");
+    expectNear(kept.secondCandles, plainSecond(in.bars, plainAggregate(in.secondaryRaw, tf), hhmm), "second");
     if (on.hfEnabled)
-        set.hfLine = computeHFLine(in.bars, in.hfByMin, on.timeframe, on.sessionHHMM, on.hfFallbackScale, in.srSessions,
-                                   session);
+        expectNear(kept.hfLine, plainHf(in.bars, in.hfByMin, tf, hhmm, on.hfFallbackScale, in.srSessions), "HF");
     if (on.vixEnabled)
-        set.vixLine = computeVIX(in.bars, in.vix, on.timeframe, on.sessionHHMM, on.vixScale, on.vixSmooth, session);
-    if (on.ema1Enabled) set.ema1 = computeEMA(in.bars, on.ema1Period);
-    if (on.ema2Enabled) set.ema2 = computeEMA(in.bars, on.ema2Period);
-    return set;
+        expectNear(kept.vixLine, plainVix(in.bars, in.vix, tf, hhmm, on.vixScale, static_cast<int>(on.vixSmooth)),
+                   "VIX");
+    expectNear(kept.ema2, plainEma(in.bars, 200), "EMA");
 }
 
 TEST(OverlayBuilder, KeepsExactlyWhatAFreshBuildGives) {
@@ -171,17 +135,16 @@ TEST(OverlayBuilder, KeepsExactlyWhatAFreshBuildGives) {
         Stream stream(seed);
         OverlayBuilder builder(session);
         for (int round = 0; round < 150; ++round) {
+            SCOPED_TRACE(std::to_string(seed) + " " + std::to_string(round));
             stream.change();
             builder.update(stream.input());
             const OverlaySet& kept = builder.series();
-            const OverlaySet fresh = fromNothing(stream.input(), session);
-            ASSERT_EQ(kept.vwapMain, fresh.vwapMain) << seed << " " << round;
-            ASSERT_EQ(kept.vwapNY, fresh.vwapNY) << seed << " " << round;
-            ASSERT_EQ(kept.secondCandles, fresh.secondCandles) << seed << " " << round;
-            ASSERT_EQ(kept.hfLine, fresh.hfLine) << seed << " " << round;
-            ASSERT_EQ(kept.vixLine, fresh.vixLine) << seed << " " << round;
-            ASSERT_EQ(kept.ema1, fresh.ema1) << seed << " " << round;
-            ASSERT_EQ(kept.ema2, fresh.ema2) << seed << " " << round;
+            OverlayBuilder fresh(session);
+            fresh.update(stream.input());
+            ASSERT_NO_FATAL_FAILURE(expectSame(kept, fresh.series()));
+            if (round % 75 == 74) {
+                ASSERT_NO_FATAL_FAILURE(expectPlain(kept, stream.input()));
+            }
             shownNy += kept.vwapNY.empty() ? 0 : 1;
             points += kept.hfLine.size() + kept.vixLine.size();
         }
@@ -213,40 +176,65 @@ TEST(OverlayBuilder, FewerThanTwoBarsEmptyEverySeries) {
     OverlayBuilder builder(session);
     stream.change();
     builder.update(stream.input());
-    EXPECT_EQ(builder.series().vixSpot, stream.vix.back().close);
-    EXPECT_FALSE(builder.series().ema1.empty());
-    const auto all = stream.bars;
     stream.bars.resize(1);
     builder.update(stream.input());
-    const OverlaySet& none = builder.series();
-    EXPECT_TRUE(none.vwapMain.empty() && none.vwapNY.empty() && none.vixLine.empty() && none.ema1.empty() &&
-                none.ema2.empty() && none.hfLine.empty() && none.secondCandles.empty());
-    EXPECT_TRUE(none.vixSpot);
-    stream.bars = all;
-    builder.update(stream.input());
-    EXPECT_EQ(builder.series().hfLine, fromNothing(stream.input(), session).hfLine);
+    expectSame(builder.series(), {});
 }
 
 TEST(OverlayBuilder, TakesAnyTimesAndNumbers) {
-    constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min(),
-                           highest = std::numeric_limits<std::int64_t>::max();
     const double nan = std::nan("");
     SessionTime session;
     Stream stream(2);
-    stream.raw = {{lowest, 1, 2, 3, 4, 5},
-                  {-60, nan, nan, nan, nan, nan},
-                  {0, 1e308, 1e308, 1e308, 1e308, 1e308},
-                  {highest, 1, 2, 3, 4, 5}};
-    stream.bars = stream.second = stream.vix = stream.raw;
-    for (const Candle& bar : stream.raw) stream.hf[bar.time].c = bar.close;
+    stream.bars = {{std::numeric_limits<std::int64_t>::min(), 1, 2, 3, 4, 5},
+                   {-60, nan, nan, nan, nan, nan},
+                   {0, 1e308, 1e308, 1e308, 1e308, 1e308},
+                   {std::numeric_limits<std::int64_t>::max(), 1, 2, 3, 4, 5}};
+    stream.second = stream.vix = stream.bars;
+    for (const Candle& bar : stream.bars) stream.hf[bar.time].c = bar.close;
     OverlayBuilder builder(session);
-    for (const int tf : {0, 1, 7, std::numeric_limits<int>::max()})
-        for (const int hhmm : {1800, 0, -5000, 999'999, std::numeric_limits<int>::max()}) {
-            stream.settings.timeframe = tf;
-            stream.settings.sessionHHMM = hhmm;
-            builder.update(stream.input());
-            EXPECT_EQ(builder.series().ema1.size(), 4U);
+    for (const auto& [tf, hhmm] : {std::pair{0, -5000}, {7, 1800}, {INT32_MAX, INT32_MAX}}) {
+        stream.settings.timeframe = tf;
+        stream.settings.sessionHHMM = hhmm;
+        builder.update(stream.input());
+        EXPECT_EQ(builder.series().ema1.size(), 4U);
+    }
+}
+
+// In any order and over the clock changes, whatever the session's start.
+TEST(SessionWalk, AnswersAsTheSessionClock) {
+    std::mt19937 random(5);
+    for (const auto& [from, to] : stretches())
+        for (const int hhmm : {1800, 930, 0, 2430, -100}) {
+            SessionTime session;
+            SessionWalk walk(session, hhmm);
+            std::int64_t t = from;
+            for (int i = 0; i < 3000; ++i) {
+                t = i % 3 == 0 ? from + static_cast<std::int64_t>(random()) % (to - from)
+                               : t + random() % 20'000 - 10'000;
+                ASSERT_EQ(walk.open(t), session.sessionOpenSec(t, hhmm)) << t << " " << hhmm;
+            }
         }
+}
+
+TEST(OverlaySeries, GiveNothingForWhatCannotBeUsed) {
+    using namespace date::literals;
+    SessionTime session;
+    const std::int64_t open = newYorkMoment(date::local_days(2026_y / 6 / 9), 18);
+    const auto bar = [open](std::int64_t after, double price, double volume = 0) {
+        return Candle{open + after, price, price, price, price, volume};
+    };
+    // no volume, no average; a bar without repeats it
+    EXPECT_EQ(OverlaySeries::computeVWAP({bar(-60, 9, 9), bar(0, 1), bar(60, 2, 1), bar(120, 3)}, 1800, session),
+              (std::vector<OvPoint>{{2, 2}, {3, 2}}));
+    const Bars chart = {bar(0, 100), bar(33300, 100), bar(33360, 100)};
+    for (const double broken : {0.0, -1.0, std::nan(""), 1e-320})
+        EXPECT_TRUE(OverlaySeries::computeSecond(chart, {bar(0, broken), bar(33300, 5)}, 1, 1800, session).empty())
+            << broken;
+    // a first VIX bar whose open and close are 0 leaves its session without a line
+    EXPECT_TRUE(OverlaySeries::computeVIX(chart, {bar(33300, 0), bar(33360, 25)}, 1, 1800, 1, 1, session).empty());
+    HfByMin minutes;
+    for (const Candle& at : chart) minutes[at.time].c = 1e8;
+    EXPECT_TRUE(OverlaySeries::computeHFLine(chart, minutes, 1, 1800, 1e305, {}, session).empty());
 }
 
 }  // namespace

@@ -20,13 +20,15 @@ std::map<std::int64_t, double> positions(const Bars& bars) {
     for (std::size_t i = 0; i < bars.size(); ++i) byTime[bars[i].time] = static_cast<double>(i);
     return byTime;
 }
-}  // namespace
 
+// Each session's open, with the offset from UTC that holds at a bar for that bar, and its first bar's open.
 std::map<std::int64_t, double> plainOpens(const Bars& bars, int hhmm) {
     std::map<std::int64_t, double> byOpen;
     for (const Candle& bar : bars) byOpen.try_emplace(openOf(bar.time, hhmm), bar.open);
     return byOpen;
 }
+
+}  // namespace
 
 std::vector<OvPoint> plainVwap(const Bars& bars, int hhmm) {
     const std::int64_t open = openOf(bars.back().time, hhmm);

@@ -15,8 +15,6 @@
 
 namespace vmr::test {
 
-/// Each session's open, with the offset from UTC that holds at a bar for that bar, and its first bar's open.
-std::map<std::int64_t, double> plainOpens(const Bars& bars, int hhmm);
 std::vector<OvPoint> plainVwap(const Bars& bars, int hhmm);
 /// The VWAP since 09:30, shown while stocks trade.
 std::vector<OvPoint> plainNyVwap(const Bars& bars, int hhmm);
