@@ -16,6 +16,11 @@ constexpr const char* granted =
     R"({"idToken":"id1","refreshToken":"re1","expiresIn":"3600","localId":"uid1","email":"other@x"})";
 constexpr const char* refreshed = R"({"id_token":"id2","refresh_token":"re2","expires_in":"3600","user_id":"uid2"})";
 
+std::string shown(const FirebaseRESTAuth& auth) {
+    return auth.idToken.value_or("-") + " " + auth.refreshToken.value_or("-") + " " + auth.localId.value_or("-") + " " +
+           auth.email.value_or("-");
+}
+
 class Auth : public testing::Test {
  protected:
     static Endpoints places() {
@@ -32,17 +37,11 @@ class Auth : public testing::Test {
     }
     void refresh() {
         auth.refresh([this](const std::variant<std::string, AuthError>& result) {
-            if (const auto* token = std::get_if<std::string>(&result))
-                results.push_back("token " + *token);
-            else
-                note(std::get<AuthError>(result));
+            const auto* token = std::get_if<std::string>(&result);
+            token ? results.push_back("token " + *token) : note(std::get<AuthError>(result));
         });
     }
     void note(const std::optional<AuthError>& error) { results.push_back(error ? error->text() : "done"); }
-    std::string session() const {
-        return auth.idToken.value_or("-") + " " + auth.refreshToken.value_or("-") + " " + auth.localId.value_or("-") +
-               " " + auth.email.value_or("-");
-    }
     std::vector<std::string> takeResults() {
         time.runUntilIdle();
         return std::exchange(results, {});
@@ -60,14 +59,12 @@ TEST_F(Auth, SignInSendsTheRequestAndKeepsTheSession) {
     signIn(200, granted);
     EXPECT_THAT(takeResults(), ElementsAre("done"));
     const auto& request = http.requests.at(0);
-    EXPECT_EQ(request.method, "POST");
     EXPECT_EQ(request.url, "https://id.test/v1/accounts:signInWithPassword?key=key%201");
-    EXPECT_THAT(request.headers, ElementsAre(Pair("Content-Type", "application/json")));
     EXPECT_EQ(request.body, R"({"email":"me@x","password":"pass\"word","returnSecureToken":true})");
-    EXPECT_EQ(request.timeoutSeconds, 60);
-    EXPECT_EQ(session(), "id1 re1 uid1 me@x");
-    EXPECT_THAT(preferences.values(), ElementsAre(Pair("vmr.auth.email", "me@x"), Pair("vmr.auth.refreshToken", "re1"),
-                                                  Pair("vmr.auth.uid", "uid1")));
+    EXPECT_EQ(shown(auth), "id1 re1 uid1 me@x");
+    const FirebaseRESTAuth resumed(places(), http, preferences, time);
+    EXPECT_EQ(shown(resumed), "- re1 uid1 me@x") << "by the next process, through a refresh";
+    EXPECT_FALSE(resumed.tokenIsLive());
     time.advance(3539.9);
     EXPECT_TRUE(auth.tokenIsLive());
     time.advance(0.2);
@@ -77,28 +74,20 @@ TEST_F(Auth, SignInSendsTheRequestAndKeepsTheSession) {
 TEST_F(Auth, RefreshSendsTheTokenRawAndRotatesIt) {
     signIn(200, R"({"idToken":"i","refreshToken":"r+/=&","expiresIn":"30"})");
     EXPECT_FALSE(auth.tokenIsLive());  // a life within the margin is over at once
-    EXPECT_EQ(auth.localId, std::nullopt);
     refresh();
     http.answer(200, refreshed);
     EXPECT_THAT(takeResults(), ElementsAre("done", "token id2"));
-    const auto& request = http.requests.at(1);
-    EXPECT_EQ(request.url, "https://token.test/v1/token?key=key%201");
-    EXPECT_THAT(request.headers, ElementsAre(Pair("Content-Type", "application/x-www-form-urlencoded")));
-    EXPECT_EQ(request.body, "grant_type=refresh_token&refresh_token=r+/=&");
-    EXPECT_EQ(session(), "id2 re2 uid2 me@x");
-    EXPECT_DOUBLE_EQ(auth.expiresAt, time.monotonic() + 3540);
-
-    refresh();
-    http.answer(200, R"({"id_token":"id3","refresh_token":"re3","expires_in":"1e2","user_id":"somebody else"})");
-    takeResults();
-    EXPECT_EQ(session(), "id3 re3 uid2 me@x");
-    EXPECT_EQ(preferences.get("vmr.auth.refreshToken"), "re3");
+    EXPECT_EQ(http.requests.at(1).url, "https://token.test/v1/token?key=key%201");
+    EXPECT_THAT(http.requests.at(1).headers, ElementsAre(Pair("Content-Type", "application/x-www-form-urlencoded")));
+    EXPECT_EQ(http.requests.at(1).body, "grant_type=refresh_token&refresh_token=r+/=&");
+    EXPECT_EQ(shown(auth), "id2 re2 uid2 me@x");
+    EXPECT_TRUE(auth.tokenIsLive());
+    EXPECT_EQ(preferences.get("vmr.auth.refreshToken"), "re2");
 }
 
 TEST_F(Auth, AFailedCallIsToldAndChangesNothing) {
     signIn(200, granted);
     takeResults();
-    const double until = auth.expiresAt;
     struct Case {
         int status;
         const char* body;
@@ -106,20 +95,10 @@ TEST_F(Auth, AFailedCallIsToldAndChangesNothing) {
     };
     const Case cases[] = {
         {400, R"({"error":{"message":"INVALID_PASSWORD"}})", "Auth error (400): INVALID_PASSWORD"},
-        {400, "", "Auth error (400): request failed"},
-        {503, "<html>", "Auth error (503): request failed"},
-        {302, R"({"error":"text"})", "Auth error (302): request failed"},
         {403, R"({"error":{"message":5}})", "Auth error (403): request failed"},
-        {199, R"([{"error":{"message":"X"}}])", "Auth error (199): request failed"},
         {200, "not JSON", "The response is not valid JSON."},
-        {200, "", "The response is not valid JSON."},
-        {200, "[1]", "Unexpected auth response."},
-        {200, R"({"idToken":"i","refreshToken":"r"})", "Unexpected auth response."},
-        {200, R"({"idToken":"i","refreshToken":"r","expiresIn":3600})", "Unexpected auth response."},
-        {200, R"({"idToken":"i","refreshToken":"r","expiresIn":" 3600"})", "Unexpected auth response."},
         {200, R"({"idToken":"i","refreshToken":"r","expiresIn":"3600s"})", "Unexpected auth response."},
         {200, R"({"idToken":null,"refreshToken":"r","expiresIn":"3600"})", "Unexpected auth response."},
-        {200, R"({"idToken":"i","refreshToken":9,"expiresIn":"3600"})", "Unexpected auth response."},
         {200, refreshed, "Unexpected auth response."},
     };
     for (const auto& [status, body, text] : cases) {
@@ -127,41 +106,11 @@ TEST_F(Auth, AFailedCallIsToldAndChangesNothing) {
         EXPECT_THAT(takeResults(), ElementsAre(text)) << body;
     }
     refresh();
-    http.answer(200, granted);  // the other call's key names
-    refresh();
     http.fail("Could not resolve host");
-    EXPECT_THAT(takeResults(), ElementsAre("Unexpected auth response.", "Could not resolve host"));
-    EXPECT_EQ(session(), "id1 re1 uid1 me@x");
-    EXPECT_EQ(auth.expiresAt, until);
+    EXPECT_THAT(takeResults(), ElementsAre("Could not resolve host"));
+    EXPECT_EQ(shown(auth), "id1 re1 uid1 me@x");
+    EXPECT_TRUE(auth.tokenIsLive());
     EXPECT_EQ(preferences.get("vmr.auth.refreshToken"), "re1");
-
-    auth.signIn("a", "\xff", [this](const std::optional<AuthError>& error) {
-        results.push_back(error && error->kind == AuthError::Kind::transport ? "refused" : "?");
-    });
-    EXPECT_THAT(takeResults(), ElementsAre("refused"));
-}
-
-TEST_F(Auth, TheStoredSessionIsResumedThroughRefresh) {
-    struct Case {
-        std::map<std::string, std::string> stored;
-        std::string session;
-    };
-    const Case cases[] = {
-        {{{"vmr.auth.refreshToken", "r"}, {"vmr.auth.uid", "u"}, {"vmr.auth.email", "e"}}, "- r u e"},
-        {{{"vmr.auth.refreshToken", "r"}}, "- r - -"},
-        {{{"vmr.auth.refreshToken", ""}, {"vmr.auth.uid", "u"}, {"vmr.auth.email", "e"}}, "- - - -"},
-        {{{"vmr.auth.uid", "u"}, {"vmr.auth.email", "e"}}, "- - - -"},
-    };
-    for (const auto& [stored, expected] : cases) {
-        MemoryPreferences kept;
-        for (const auto& [key, value] : stored) kept.set(key, value);
-        const FirebaseRESTAuth resumed(places(), http, kept, time);
-        EXPECT_EQ(resumed.idToken.value_or("-") + " " + resumed.refreshToken.value_or("-") + " " +
-                      resumed.localId.value_or("-") + " " + resumed.email.value_or("-"),
-                  expected);
-        EXPECT_FALSE(resumed.tokenIsLive());
-        EXPECT_EQ(resumed.expiresAt, FirebaseRESTAuth::distantPast);
-    }
 }
 
 TEST_F(Auth, ASessionThatIsNotKeptLeavesNoTrace) {
@@ -173,13 +122,11 @@ TEST_F(Auth, ASessionThatIsNotKeptLeavesNoTrace) {
     preferences.set("vmr.auth.uid", "left over");
     auth.signOut();
     EXPECT_THAT(preferences.values(), IsEmpty());
-    EXPECT_EQ(session(), "- - - -");
-    EXPECT_EQ(auth.expiresAt, FirebaseRESTAuth::distantPast);
-    EXPECT_FALSE(auth.persistSession);
+    EXPECT_EQ(shown(auth), "- - - -");
+    EXPECT_FALSE(auth.tokenIsLive());
     takeResults();
     refresh();
     EXPECT_THAT(takeResults(), ElementsAre("Not signed in."));
-    EXPECT_EQ(http.waiting(), 0u);
 }
 
 TEST_F(Auth, AnAnswerAfterSignOutDoesNotBringTheSessionBack) {
@@ -191,21 +138,8 @@ TEST_F(Auth, AnAnswerAfterSignOutDoesNotBringTheSessionBack) {
     http.answer(200, refreshed);
     http.answer(200, granted);
     EXPECT_THAT(takeResults(), ElementsAre("Not signed in.", "Not signed in."));
-    EXPECT_EQ(session(), "- - - -");
+    EXPECT_EQ(shown(auth), "- - - -");
     EXPECT_THAT(preferences.values(), IsEmpty());
-    signIn(200, granted);  // and a new session is not held up
-    EXPECT_THAT(takeResults(), ElementsAre("done"));
-}
-
-TEST_F(Auth, OfTwoRefreshesTheLaterAnswerWins) {
-    signIn(200, granted);
-    takeResults();
-    refresh();
-    refresh();
-    http.answer(200, R"({"id_token":"second","refresh_token":"s","expires_in":"100"})", 1);
-    http.answer(200, R"({"id_token":"first","refresh_token":"f","expires_in":"100"})");
-    EXPECT_THAT(takeResults(), ElementsAre("token second", "token first"));
-    EXPECT_EQ(session(), "first f uid1 me@x");
 }
 
 TEST_F(Auth, PasswordResetTellsTheStatusAlone) {
@@ -218,9 +152,7 @@ TEST_F(Auth, PasswordResetTellsTheStatusAlone) {
     http.answer(204, "");
     ask();
     http.answer(400, R"({"error":{"message":"EMAIL_NOT_FOUND"}})");
-    ask();
-    http.fail("timed out");
-    EXPECT_THAT(takeResults(), ElementsAre("sent", "HTTP 400", "timed out"));
+    EXPECT_THAT(takeResults(), ElementsAre("sent", "HTTP 400"));
     EXPECT_EQ(http.requests.at(0).url, "https://id.test/v1/accounts:sendOobCode?key=key%201");
     EXPECT_EQ(http.requests.at(0).body, R"({"email":"me@x","requestType":"PASSWORD_RESET"})");
 }

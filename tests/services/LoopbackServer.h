@@ -16,22 +16,43 @@ namespace vmr::test {
 class LoopbackServer {
  public:
     using Socket = boost::asio::ip::tcp::socket;
-    explicit LoopbackServer(std::function<void(Socket)> script);
+    explicit LoopbackServer(std::function<void(Socket)> script)
+        : script_(std::move(script)), thread_([this] { acceptAll(); }) {}
     /// Waits for the scripts to end: destroy the clients first.
-    ~LoopbackServer();
+    ~LoopbackServer() {
+        ending_ = true;
+        Socket wake(context_);
+        boost::system::error_code ignored;
+        wake.connect({boost::asio::ip::address_v4::loopback(), port_}, ignored);
+        thread_.join();
+        for (auto& connection : connections_) connection.join();
+    }
 
-    unsigned short port() const { return port_; }
     /// "SCHEME://HOST:PORT/"
     std::string url(const std::string& scheme, const std::string& host = "127.0.0.1") const {
         return scheme + "://" + host + ":" + std::to_string(port_) + "/";
     }
 
  private:
-    void acceptAll();
+    void acceptAll() {
+        while (true) {
+            boost::system::error_code error;
+            Socket socket(context_);
+            acceptor_.accept(socket, error);
+            if (ending_) return;
+            if (error) continue;
+            connections_.emplace_back([this, held = std::make_shared<Socket>(std::move(socket))] {
+                try {
+                    script_(std::move(*held));
+                } catch (const boost::system::system_error&) {
+                }
+            });
+        }
+    }
 
     boost::asio::io_context context_;
-    boost::asio::ip::tcp::acceptor acceptor_;
-    const unsigned short port_;
+    boost::asio::ip::tcp::acceptor acceptor_{context_, {boost::asio::ip::address_v4::loopback(), 0}};
+    const unsigned short port_ = acceptor_.local_endpoint().port();
     const std::function<void(Socket)> script_;
     std::vector<std::thread> connections_;
     std::atomic<bool> ending_ = false;

@@ -12,8 +12,7 @@ namespace vmr::test {
 class RelayFixture : public testing::Test {
  protected:
     void SetUp() override {
-        printed().clear();
-        RelayClient::setPrinter([](const std::string& line) { printed().push_back(line); });
+        RelayClient::setPrinter([](const std::string&) {});
         make("wss://relay.test/");
     }
     void TearDown() override { RelayClient::setPrinter(nullptr); }
@@ -74,11 +73,6 @@ class RelayFixture : public testing::Test {
     std::vector<std::string> takeStory() {
         time.runUntilIdle();
         return std::exchange(story, {});
-    }
-
-    static std::vector<std::string>& printed() {
-        static std::vector<std::string> lines;
-        return lines;
     }
 
     TestTime time;
