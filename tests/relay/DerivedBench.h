@@ -21,18 +21,12 @@ using nlohmann::json;
 /// Keeps what it is sent and merges it as a chart does.
 class Listener final : public Subscriber {
  public:
-    struct Heard {
-        std::string type, channel;
-        std::vector<std::string> keys;  // of the payload
-    };
     void send(const Frame& frame) override {
         const json message = json::parse(*frame.bytes);
-        const json& payload = message["type"] == "snapshot" ? message["data"] : message["payload"];
-        messages.push_back({message["type"], message["channel"], {}});
-        for (const auto& [key, value] : payload.items()) messages.back().keys.push_back(key);
-        merge(message["channel"], payload);
+        ++heard[message["channel"]];
+        merge(message["channel"], message[message["type"] == "snapshot" ? "data" : "payload"]);
     }
-    std::vector<Heard> messages;
+    std::map<std::string, int> heard;   ///< how many messages of each channel
     std::map<std::string, json> state;  ///< of each channel, in the shape of its snapshot
 
  private:

@@ -17,7 +17,6 @@ namespace beast = boost::beast;
 namespace http = beast::http;
 using asio::ip::tcp;
 using boost::system::error_code;
-using json = nlohmann::json;
 
 tcp::endpoint endpointOf(const std::string& url) {
     const std::size_t colon = url.rfind(':');
@@ -27,13 +26,7 @@ tcp::endpoint endpointOf(const std::string& url) {
 std::string escaped(const std::string& text) {
     static const char* const digits = "0123456789ABCDEF";
     std::string out;
-    for (const unsigned char c : text) {
-        if (std::isalnum(c)) {
-            out += static_cast<char>(c);
-        } else {
-            out += {'%', digits[c >> 4], digits[c & 15]};
-        }
-    }
+    for (const unsigned char c : text) out += {'%', digits[c >> 4], digits[c & 15]};
     return out;
 }
 }  // namespace
@@ -58,9 +51,7 @@ struct RelayProbe::Impl {
 
 RelayProbe::RelayProbe(const PracticeRelay& relay, const std::string& token) : impl_(std::make_unique<Impl>()) {
     Impl& in = *impl_;
-    std::string url = relay.relayUrl();
-    url.pop_back();
-    in.socket.next_layer().connect(endpointOf(url));
+    in.socket.next_layer().connect(endpointOf(relay.relayUrl()));
     in.socket.read_message_max(512u << 20);
     beast::websocket::response_type response;
     const auto failed = in.run(
@@ -89,47 +80,38 @@ Heard RelayProbe::read(double seconds) {
     heard.timedOut = failed == beast::error::timeout;
     if (failed == beast::websocket::error::closed) heard.closeCode = in.socket.reason().code;
     if (!failed) heard.text = beast::buffers_to_string(in.buffer.data());
-    heard.binary = in.socket.got_binary();
     in.buffer.consume(in.buffer.size());
     return heard;
 }
 
-json RelayProbe::next(const std::function<bool(const json&)>& wanted) {
+json RelayProbe::next(const std::string& type, const std::string& channel) {
     for (;;) {
         const Heard heard = read();
         if (heard.ended) return nullptr;
         json message = json::parse(heard.text, nullptr, false);
-        if (message.is_object() && wanted(message)) return message;
+        if (!message.is_object() || message.value("type", "") != type) continue;
+        if (channel.empty() || message.value("channel", "") == channel) return message;
     }
 }
 
-json RelayProbe::next(const std::string& type, const std::string& channel) {
-    return next([&](const json& message) {
-        return message.value("type", "") == type && (channel.empty() || message.value("channel", "") == channel);
-    });
-}
-
-std::pair<int, std::string> post(const PracticeRelay& relay, const std::string& target, const std::string& body) {
-    asio::io_context context;
-    beast::tcp_stream stream(context);
-    stream.connect(endpointOf(relay.restUrl()));
-    http::request<http::string_body> request(http::verb::post, target, 11, body);
-    request.set(http::field::host, "127.0.0.1");
-    request.prepare_payload();
-    http::response<http::string_body> response;
-    beast::flat_buffer buffer;
-    stream.expires_after(std::chrono::seconds(20));
-    http::async_write(stream, request, [&](error_code, std::size_t) {
-        http::async_read(stream, buffer, response, [](error_code, std::size_t) {});
-    });
-    context.run();
-    return {static_cast<int>(response.result_int()), response.body()};
+bool RelayProbe::answers() {
+    send(R"({"type":"ping","ts":1})");
+    return next("pong").is_object();
 }
 
 std::string signedIn(const PracticeRelay& relay) {
     const json body{{"email", relay.email()}, {"password", relay.password()}, {"returnSecureToken", true}};
-    const auto reply = post(relay, "/v1/accounts:signInWithPassword?key=" + relay.apiKey(), body.dump());
-    return json::parse(reply.second).value("idToken", "");
+    http::request<http::string_body> request(http::verb::post, "/v1/accounts:signInWithPassword?key=" + relay.apiKey(),
+                                             11, body.dump());
+    request.prepare_payload();
+    asio::io_context context;
+    tcp::socket socket(context);
+    socket.connect(endpointOf(relay.restUrl()));
+    http::write(socket, request);
+    http::response<http::string_body> response;
+    beast::flat_buffer buffer;
+    http::read(socket, buffer, response);
+    return json::parse(response.body()).value("idToken", "");
 }
 
 }  // namespace vmr::test

@@ -1,5 +1,7 @@
-// A plain client of the practice relay, and one request at a time to its sign-in endpoints.
+// A practice relay that runs, a plain client of it, and one request at a time to its sign-in endpoints.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>
@@ -7,14 +9,17 @@
 #include <optional>
 #include <string>
 
+#include "market/ClockSetting.h"
+#include "relay/HandClock.h"
 #include "relay/PracticeRelay.h"
 
 namespace vmr::test {
 
+using nlohmann::json;
+
 /// What a read gave: a message, or how the connection ended.
 struct Heard {
     std::string text;
-    bool binary = false;
     int closeCode = 0;   ///< of a close frame
     bool ended = false;  ///< closed, dropped, or nothing came in time
     bool timedOut = false;
@@ -31,20 +36,35 @@ class RelayProbe {
     void send(const std::string& text);
     void subscribe(const std::vector<std::string>& channels);
     Heard read(double seconds = 20);
-    /// Reads messages, dropping those for which `wanted` does not hold; null when the connection ended first.
-    nlohmann::json next(const std::function<bool(const nlohmann::json&)>& wanted);
-    /// The next message of that type and, unless empty, channel.
-    nlohmann::json next(const std::string& type, const std::string& channel = {});
+    /// The next message of that type and, unless empty, channel; null when the connection ended first.
+    json next(const std::string& type, const std::string& channel = {});
+    /// Whether a ping is answered.
+    bool answers();
 
  private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };
 
-/// One POST; status and body.
-std::pair<int, std::string> post(const PracticeRelay& relay, const std::string& target, const std::string& body);
-
 /// Signs the practice account in and gives its identity token.
 std::string signedIn(const PracticeRelay& relay);
+
+struct RunningRelay : testing::Test {
+    void start(const PracticeRelayOptions& options = {}) {
+        relay = std::make_unique<PracticeRelay>(clock, options);
+        const auto wrong = relay->start();
+        ASSERT_FALSE(wrong) << *wrong;
+        token = signedIn(*relay);
+    }
+    void SetUp() override { start(); }
+    std::unique_ptr<RelayProbe> greeted() {
+        auto probe = std::make_unique<RelayProbe>(*relay, token);
+        EXPECT_EQ(probe->next("hello")["type"], "hello");
+        return probe;
+    }
+    HandClock clock{*parseMoment("2026-06-10T10:00:20")};
+    std::unique_ptr<PracticeRelay> relay;
+    std::string token;
+};
 
 }  // namespace vmr::test
