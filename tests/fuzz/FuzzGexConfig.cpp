@@ -1,0 +1,22 @@
+// Any bytes as the stored settings, and as one value set by name.
+#include "FuzzEntry.h"
+#include "store/GexConfig.h"
+#include "store/HexColor.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace vmr;
+    const auto text = fuzz::textOf(data, size);
+    if (const auto config = GexConfig::fromJson(text)) {
+        fuzz::require(config->initialCandles >= 30 && config->initialCandles <= 1000);
+        fuzz::require(config->simBalance >= 1000 && config->simCommission >= 0 && config->simCommission <= 50);
+        fuzz::require(config->oscHeight >= 100 && config->oscHeight <= 400);
+        fuzz::require(GexConfig::fromJson(config->toJson()) == config);
+    }
+    GexConfig config;
+    const auto equals = text.find('=');
+    if (equals != std::string_view::npos && config.set(text.substr(0, equals), text.substr(equals + 1)))
+        fuzz::require(config == GexConfig());
+    const Rgb color = HexColor::rgb(text);
+    fuzz::require(color.r >= 0 && color.r <= 1 && HexColor::rgb(HexColor::hex(color)) == color);
+    return 0;
+}
