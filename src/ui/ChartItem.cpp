@@ -66,6 +66,8 @@ void ChartItem::setPane(PaneViewModel* pane) {
         connect(pane_, &PaneViewModel::chartChanged, this, &ChartItem::chartTold);
         connect(pane_, &PaneViewModel::changed, this, &ChartItem::chartTold);
         connect(pane_, &PaneViewModel::accountChanged, this, &ChartItem::requestFrame);
+        drawing_->renderer.setOverlayGeometry({});
+        drawing_->renderer.setCandles({});
         chartDirty_ = true;
         drawnOverlays_ = 0;
         requestFrame();
@@ -159,6 +161,7 @@ void ChartItem::updatePolish() {
     };
     if (!record()) record();  // a layer's new glyphs moved those that another layer had drawn already
     recording_ = false;
+    drawing_->recordedAt = drawing_->clock.monotonic();
 }
 
 // On the render thread with the main thread blocked, or on the main thread.
@@ -182,7 +185,10 @@ QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     }
     node->setItemSize(size());
     const bool given = drawing_->gpu.swapFrame(node->replay().frame());
-    if (given) drawing_->timing->handedOver();
+    if (given) {
+        drawing_->timing->handedOver();
+        drawing_->timeGate();
+    }
     auto& atlas = drawing_->atlas;
     if (auto change = atlas.takeChange(node->needsAtlas())) {
         node->replay().changeAtlas({atlas.size(), change->at, std::move(change->pixels)});

@@ -12,6 +12,7 @@
 #include "chart/PerfDrive.h"
 #include "chart/TradingLinesLayer.h"
 #include "market/SessionTime.h"
+#include "perf/Perf.h"
 #include "ui/ChartItem.h"
 #include "ui/CrosshairState.h"
 #include "ui/GlyphAtlas.h"
@@ -26,6 +27,13 @@ inline void postToMain(std::function<void()> task) {
 }
 
 struct ChartItem::Drawing {
+    /// A recorded frame is handed over: times how long it waited for the one before it.
+    void timeGate() const {
+        constexpr double least = 1.0;  // milliseconds
+        const double waited = (clock.monotonic() - recordedAt) * 1000.0;
+        if (renderer.perf && waited > least) renderer.perf->time("gpuGate", waited);
+    }
+
     SystemClock clock;
     RhiGpu gpu;
     GlyphAtlas atlas{QStringLiteral("Saira")};
@@ -38,6 +46,7 @@ struct ChartItem::Drawing {
     QtLoop loop;  // for a chart whose pane names none
     std::unique_ptr<ChartInput> input;
     std::unique_ptr<PerfDrive> drive;
+    double recordedAt = 0;                                                  // seconds, monotonic
     std::shared_ptr<InputTiming> timing = std::make_shared<InputTiming>();  // shared with the render thread
 };
 

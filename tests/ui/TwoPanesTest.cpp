@@ -155,8 +155,15 @@ TEST_F(TwoPanes, TheCrosshairWaitsForAFrameWithBars) {
 
 TEST_F(TwoPanes, OneTakesTheOthersPaneAndOneGoesAway) {
     right_.item->setPane(nullptr);
+    auto bare = right_.view.chart();
+    bare.overlays = nullptr;
+    right_.view.setChart(bare);
+    left_.item->magnify(0.5);
+    ASSERT_TRUE(left_.item->renderer().hasOverlays());
     left_.item->setPane(&right_.view);
     ASSERT_TRUE(settle());
+    EXPECT_FALSE(left_.item->renderer().hasOverlays()) << "of the pane before";
+    EXPECT_EQ(left_.item->renderer().camera().visibleCount, 2 * right_.data.config.initialCandles);
     EXPECT_EQ(left_.item->renderer().candles().size(), right_.data.candles.size());
     const auto drawn = left_.item->framesDrawn(), gone = right_.item->framesDrawn();
     right_.data.candles.back().close += 3;
