@@ -33,7 +33,7 @@ PerfDrive::~PerfDrive() { main_.cancel(driveTimer_); }
 
 // The price moves to and fro by a pixel, so that the view stays where it is.
 void PerfDrive::tick() {
-    if (driveTick_ == 0 && !renderer_.hasOverlays()) return;
+    if (driveTick_ == 0 && !renderer_.hasOverlays() && ++waited_ * tickPeriod < patience) return;
     ++driveTick_;
     if (settings_.live || !settings_.bench) input_.beginLiveRefresh();
     renderer_.setInteracting(true);

@@ -11,10 +11,12 @@
 namespace vmr {
 
 /// From construction to destruction, and in benchmark mode with the window of measurement: after the warm-up it opens,
-/// `secs` later it is reported and `done` is called. The drag begins once the chart's overlays are there. Main thread.
+/// `secs` later it is reported and `done` is called. The drag begins once the chart's overlays are there, which it
+/// would hold back, or after `patience` without any. Main thread.
 class PerfDrive {
  public:
     static constexpr double firstTick = 2.5, tickPeriod = 0.008;  ///< seconds
+    static constexpr double patience = 10;                        ///< seconds
     static constexpr int phaseTicks = 60;                         ///< the drag turns around so often
 
     /// All must outlive it.
@@ -36,7 +38,7 @@ class PerfDrive {
     std::function<void()> done_;
     std::shared_ptr<int> alive_ = std::make_shared<int>();
     SerialQueue::TimerId driveTimer_ = SerialQueue::noTimer;
-    int driveTick_ = 0;
+    int driveTick_ = 0, waited_ = 0;
 };
 
 }  // namespace vmr
