@@ -12,8 +12,7 @@ TEST(NoRhi, TheChartSaysWhyItIsNotThere) {
     ASSERT_EQ(ui.window->rendererInterface()->graphicsApi(), QSGRendererInterface::Software);
     ASSERT_TRUE(runUntil([&] { return !ui.chartItem()->problem().isEmpty(); }));
     const auto* notice = ui.item("chartNotice");
-    ASSERT_NE(notice, nullptr);
-    EXPECT_TRUE(notice->isVisible());
+    ASSERT_TRUE(notice && notice->isVisible());
     EXPECT_EQ(notice->property("text").toString(), ui.chartItem()->problem());
     EXPECT_TRUE(ui.settle());
 }

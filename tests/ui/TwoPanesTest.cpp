@@ -34,17 +34,7 @@ struct Pane {
     void show() {
         PaneViewModel::Chart chart;
         chart.candles = &data.candles;
-        chart.config = data.config;
-        chart.overlays = &data.overlays;
-        chart.overlayRevision = 1;
-        chart.levels = &data.levels;
-        chart.strikes = &data.strikes;
-        chart.etfRatio = data.ratio;
-        chart.flipStrike = data.flip;
-        chart.secStrikes = &data.secStrikes;
-        chart.secRatio = data.secRatio;
-        chart.bubbles = &data.bubbles;
-        chart.triangles = &data.triangles;
+        setScene(chart, data);
         view.setChart(chart);
     }
 
@@ -72,15 +62,7 @@ class TwoPanes : public testing::Test {
         ASSERT_NE(window_->rendererInterface()->graphicsApi(), QSGRendererInterface::Software);
     }
 
-    bool settle() {
-        int last = -1;
-        return runUntil([&] {
-            if (last == swaps_ && swaps_ > 0) return true;
-            last = swaps_;
-            runFor(200);
-            return false;
-        });
-    }
+    bool settle() { return comesToRest(swaps_); }
     QImage picture(const Pane& pane) {
         const QRectF place(pane.item->mapToScene(QPointF()), pane.item->size());
         return windowPicture(*window_).copy(place.toRect());

@@ -38,6 +38,32 @@ inline void runFor(int ms) {
     runUntil([&] { return clock.elapsed() >= ms; }, ms + 1000);
 }
 
+/// Waits until a first frame has come and then none for a while; `swaps` counts them.
+inline bool comesToRest(const int& swaps) {
+    int last = -1;
+    return runUntil([&] {
+        if (last == swaps && swaps > 0) return true;
+        last = swaps;
+        runFor(200);
+        return false;
+    });
+}
+
+/// Makes everything of `data` but the bars the chart's; `data` must outlive it.
+inline void setScene(PaneViewModel::Chart& chart, const SceneData& data) {
+    chart.config = data.config;
+    chart.overlays = &data.overlays;
+    ++chart.overlayRevision;
+    chart.levels = &data.levels;
+    chart.strikes = &data.strikes;
+    chart.etfRatio = data.ratio;
+    chart.flipStrike = data.flip;
+    chart.secStrikes = &data.secStrikes;
+    chart.secRatio = data.secRatio;
+    chart.bubbles = &data.bubbles;
+    chart.triangles = &data.triangles;
+}
+
 class UiWindow {
  public:
     explicit UiWindow(QSize size, const PaneViewModel::Fields& fields, std::vector<Candle> bars = {})
@@ -77,30 +103,11 @@ class UiWindow {
     void showBars() { view.setChart(chart); }
     /// Everything beside the bars; `data` must outlive what is shown.
     void showScene(const SceneData& data) {
-        chart.config = data.config;
-        chart.overlays = &data.overlays;
-        ++chart.overlayRevision;
-        chart.levels = &data.levels;
-        chart.strikes = &data.strikes;
-        chart.etfRatio = data.ratio;
-        chart.flipStrike = data.flip;
-        chart.secStrikes = &data.secStrikes;
-        chart.secRatio = data.secRatio;
-        chart.bubbles = &data.bubbles;
-        chart.triangles = &data.triangles;
+        setScene(chart, data);
         showBars();
     }
 
-    /// Waits until no frame has come for a while.
-    bool settle() {
-        int last = -1;
-        return runUntil([&] {
-            if (last == swaps) return true;
-            last = swaps;
-            runFor(200);
-            return false;
-        });
-    }
+    bool settle() { return comesToRest(swaps); }
 
     PaneViewModel view;
     PaneViewModel::Chart chart;
