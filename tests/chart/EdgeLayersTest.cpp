@@ -191,6 +191,10 @@ TEST_F(EdgeLayersTest, WavesAreFilledStrokedAndDotted) {
         EXPECT_NEAR(wave[i].color[3], alpha, 1e-6);
     }
 
+    strikes = {flow(99, 4, 8), flow(101, 4, 8)};
+    step(1, true);
+    EXPECT_NEAR(shown().hfCallDisp.find(99)->x, axisX - 64, 1e-9) << "calls and puts share a scale";
+
     config.waveEnabled = false;
     config.oiEnabled = true;
     strikes = {{.strike = 99, .callOI = 2, .putOI = 8}, {.strike = 101, .callOI = 4, .putOI = 8}};
