@@ -99,7 +99,7 @@ TEST_F(ProgramRun, AnswersEveryCommandAndWritesTheState) {
 TEST_F(ProgramRun, EndsPolitelyOnRequestAndAfterItsTime) {
     run("timeout -s TERM 3", "--practice --headless --state end.json");
     EXPECT_TRUE(state("end.json").is_object()) << output;  // written although the process was asked to end
-    run("", "--practice --headless --clock 2026-06-10T10:00 --seconds 2 --state end.json");
+    run("", "--practice --headless --clock 2026-06-10T10:00 --seconds 6 --state end.json");
     EXPECT_EQ(status, 0);
     EXPECT_TRUE(printed("[relay] hello: ")) << output;
     EXPECT_TRUE(printed("[app] → chart: ")) << output;
