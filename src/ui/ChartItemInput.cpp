@@ -39,7 +39,7 @@ void ChartItem::makeInput() {
     own.input->trading = at.trading;
     own.tradingLines.trading = at.trading;
     own.renderer.perf = at.perf;
-    own.follower->perf = at.bench.input ? at.perf : nullptr;
+    own.timing->perf = at.bench.input ? at.perf : nullptr;
     own.input->onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
     own.input->onCursor = [this](ChartCursor cursor) { setCursor(shapeOf(cursor)); };
     own.input->onMarketClosedOrder = [this] {
@@ -57,21 +57,17 @@ void ChartItem::makeInput() {
 }
 
 // Swaps are told on the render thread.
-void ChartItem::watchSwapsOf(QQuickWindow* window) {
-    disconnect(following_);
+void ChartItem::timeSwapsOf(QQuickWindow* window) {
     disconnect(swaps_);
     if (!window) return;
-    following_ = connect(
-        window, &QQuickWindow::frameSwapped, window, [follower = drawing_->follower] { follower->swapped(); },
+    swaps_ = connect(
+        window, &QQuickWindow::frameSwapped, window, [timing = drawing_->timing] { timing->swapped(); },
         Qt::DirectConnection);
-    swaps_ = connect(window, &QQuickWindow::frameSwapped, this, &ChartItem::frameShown);
 }
 
 CrosshairState* ChartItem::crosshair() { return &drawing_->crosshair; }
 
-// Where it is again told while the chart moves below it; what it is over then changes with the frame.
 void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
-    if (point && drawing_->crosshair.mousePoint() == point) return;
     drawing_->crosshair.setMousePoint(point);
     updateCrosshair();
 }
@@ -98,7 +94,7 @@ void ChartItem::mouseDoubleClickEvent(QMouseEvent* event) { press(event, true); 
 void ChartItem::mouseMoveEvent(QMouseEvent* event) {
     if (!(event->buttons() & Qt::LeftButton)) return;
     lastPress_ = pointOf(*event);
-    if (drawing_->input->dragging() && !drawing_->input->draggingLine()) drawing_->follower->input(event->timestamp());
+    if (drawing_->input->dragging() && !drawing_->input->draggingLine()) drawing_->timing->input(event->timestamp());
     drawing_->input->mouseDragged(lastPress_);
 }
 
@@ -118,7 +114,7 @@ void ChartItem::wheelEvent(QWheelEvent* event) {
     const bool shift = event->modifiers() & Qt::ShiftModifier;
     const bool swapped = (event->modifiers() & Qt::AltModifier) || (shift && delta.y() == 0);
     if (swapped) delta = delta.transposed();
-    drawing_->follower->input(event->timestamp());
+    drawing_->timing->input(event->timestamp());
     drawing_->input->scrollWheel(delta.x(), delta.y(), precise, shift);
     event->accept();
 }

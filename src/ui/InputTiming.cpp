@@ -1,4 +1,4 @@
-#include "ui/FrameFollower.h"
+#include "ui/InputTiming.h"
 
 #include <utility>
 
@@ -6,11 +6,11 @@
 
 namespace vmr {
 
-double FrameFollower::nowMs() const {
+double InputTiming::nowMs() const {
     return static_cast<double>(origin_.msecsSinceReference()) + static_cast<double>(origin_.nsecsElapsed()) * 1e-6;
 }
 
-void FrameFollower::input(std::uint64_t timestampMs) {
+void InputTiming::input(std::uint64_t timestampMs) {
     if (!perf || oldest_) return;
     constexpr std::uint32_t longest = 5000;  // milliseconds; beyond it the stamp is of another clock
     const double now = nowMs();
@@ -19,18 +19,14 @@ void FrameFollower::input(std::uint64_t timestampMs) {
     oldest_ = age <= longest ? now - age : now;
 }
 
-void FrameFollower::recorded() {
+void InputTiming::recorded() {
     const auto oldest = std::exchange(oldest_, std::nullopt);
     if (!recorded_) recorded_ = oldest;  // a frame that was never shown passes its input on
 }
 
-void FrameFollower::handedOver() {
-    ++frames_;
-    shown_ = std::exchange(recorded_, std::nullopt);
-}
+void InputTiming::handedOver() { shown_ = std::exchange(recorded_, std::nullopt); }
 
-void FrameFollower::swapped() {
-    shownFrames_ = frames_;
+void InputTiming::swapped() {
     if (const auto at = std::exchange(shown_, std::nullopt); at && perf) perf->time("inputToSwap", nowMs() - *at);
 }
 
