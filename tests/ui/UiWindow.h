@@ -1,12 +1,14 @@
 // The program's window over made-up data, for tests.
 #pragma once
 
+#include <QCursor>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QScreen>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -44,7 +46,7 @@ inline bool comesToRest(const int& swaps) {
     return runUntil([&] {
         if (last == swaps && swaps > 0) return true;
         last = swaps;
-        runFor(200);
+        runFor(300);
         return false;
     });
 }
@@ -81,6 +83,7 @@ class UiWindow {
         window->setMinimumSize(QSize(1, 1));
         window->resize(size);
         QObject::connect(window, &QQuickWindow::frameSwapped, window, [this] { ++swaps; });
+        QCursor::setPos(window->screen()->geometry().bottomRight());  // no crosshair in the pictures
         window->show();
         window->requestActivate();
         runUntil([this] { return swaps > 0; });
