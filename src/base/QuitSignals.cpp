@@ -1,6 +1,7 @@
 #include "base/QuitSignals.h"
 
 #include <csignal>
+#include <ctime>
 #include <mutex>
 #include <utility>
 #ifndef _WIN32
@@ -35,8 +36,16 @@ Slot& slot() {
 #ifndef _WIN32
 int quitPipe[2] = {-1, -1};
 
+// Some senders ask twice at once: the process, and the group it is in. That is one request.
 extern "C" void noteQuit(int signal) {
-    std::signal(signal, SIG_DFL);
+    static volatile std::sig_atomic_t asked = 0;  // seconds
+    const auto now = static_cast<std::sig_atomic_t>(std::time(nullptr));
+    if (asked == 0) asked = now;
+    if (now - asked > 1) {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+        return;
+    }
     const char byte = 'q';
     [[maybe_unused]] const auto written = ::write(quitPipe[1], &byte, 1);
 }

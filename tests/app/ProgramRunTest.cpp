@@ -97,7 +97,7 @@ TEST_F(ProgramRun, AnswersEveryCommandAndWritesTheState) {
 }
 
 TEST_F(ProgramRun, EndsPolitelyOnRequestAndAfterItsTime) {
-    run("timeout -s TERM 3", "--practice --headless --state end.json");
+    run("timeout --foreground -s TERM 3", "--practice --headless --state end.json");
     EXPECT_TRUE(state("end.json").is_object()) << output;  // written although the process was asked to end
     run("", "--practice --headless --clock 2026-06-10T10:00 --seconds 6 --state end.json");
     EXPECT_EQ(status, 0);
