@@ -1,6 +1,7 @@
 // Long random streams of trades, quotes and operations: what must hold after every step.
 #include <algorithm>
 #include <cstdlib>
+#include <iostream>
 #include <random>
 
 #include "sim/PlainLedger.h"
@@ -15,7 +16,8 @@ using sim::OrderType;
 using sim::Side;
 
 struct Counts {
-    std::size_t partialCloses = 0, reversals = 0, conversions = 0, passedOver = 0, refusals = 0;
+    std::size_t partialCloses = 0, reversals = 0, rebuilds = 0, pairs = 0, gaps = 0, conversions = 0, passedOver = 0,
+                refusals = 0, reloads = 0, fills = 0, trades = 0;
 };
 
 class Stream {
@@ -125,6 +127,7 @@ class Stream {
             EXPECT_EQ(fill.commission, engine_.commission * static_cast<double>(fill.qty));
             ledger_.apply(fill, spec.tickValue / spec.tick);
         }
+        counts_.fills += fills_.size();
         std::vector<sim::Trade> made;
         for (const sim::Trade& trade : engine_.trades()) {
             if (trade.id == newestTrade) break;
@@ -132,6 +135,7 @@ class Stream {
         }
         ASSERT_EQ(tradesSeen_ + made.size(), ledger_.finished.size()) << "one trade for each round trip";
         for (const sim::Trade& trade : made) checkTrade(trade, ledger_.finished[tradesSeen_++]);
+        counts_.trades += made.size();
     }
 
     static void checkTrade(const sim::Trade& trade, const PlainLedger::Trip& trip) {
@@ -193,24 +197,38 @@ class Stream {
 
     void checkMatch() {
         bool explained = fills_.size() != 1;
+        bool gap = false;
+        bool stopBefore = false, targetBefore = false, legKept = false, newLeg = false;
         for (const Order& order : before_) {
             const Order* after = now(order.id);
             if (order.sym != root_) {
                 EXPECT_TRUE(after && *after == order) << "another root's order";
                 continue;
             }
+            legKept = legKept || (order.isLeg() && after);
+            stopBefore = stopBefore || order.tag == sim::slTag;
+            targetBefore = targetBefore || order.tag == sim::tpTag;
             const auto price = fillOf(order);
-            explained = explained || (!after && price && fills_[0].side == order.side && fills_[0].tag == order.tag &&
-                                      fills_[0].price == *price);
+            if (!after && price && fills_.size() == 1 && fills_[0].side == order.side && fills_[0].tag == order.tag &&
+                fills_[0].price == *price) {
+                explained = true;
+                gap = gap || (order.type == OrderType::stop && *price != *order.stopPrice);
+            }
             if (order.type == OrderType::stopLimit && (after ? after->type == OrderType::limit : price.has_value()))
                 ++counts_.conversions;
         }
         EXPECT_TRUE(explained) << "a fill at a price that no order gives";
         for (const Order& order : engine_.orders()) {
+            const bool known =
+                std::any_of(before_.begin(), before_.end(), [&](auto& old) { return old.id == order.id; });
+            newLeg = newLeg || (!known && order.isLeg() && order.sym == root_);
             if (order.sym != root_ || !fillOf(order)) continue;
             EXPECT_FALSE(fills_.empty()) << "an order that should have filled";
             ++counts_.passedOver;
         }
+        counts_.gaps += gap ? 1 : 0;
+        counts_.rebuilds += newLeg && !legKept && (stopBefore || targetBefore) ? 1 : 0;
+        counts_.pairs += stopBefore && targetBefore && fills_.size() == 1 && !fills_[0].tag.empty() ? 1 : 0;
     }
 
     void checkReload() {
@@ -221,6 +239,7 @@ class Stream {
         ASSERT_TRUE(read);
         EXPECT_TRUE(*read == account);
         EXPECT_EQ(sim::accountText(*read), written);
+        ++counts_.reloads;
     }
 
     std::mt19937_64 random_;
@@ -249,10 +268,17 @@ TEST(SimStreams, EveryRuleHoldsAfterEveryStep) {
     }
     const std::pair<const char*, std::size_t> rows[] = {{"reversals", counts.reversals},
                                                         {"partial closes", counts.partialCloses},
+                                                        {"brackets rebuilt", counts.rebuilds},
+                                                        {"pairs", counts.pairs},
+                                                        {"stop gaps", counts.gaps},
                                                         {"stop-limits converted", counts.conversions},
                                                         {"passed over", counts.passedOver},
                                                         {"refused, closed", counts.refusals}};
-    for (const auto& [name, count] : rows) EXPECT_GE(count, one ? 0u : 500u) << name;
+    for (const auto& [name, count] : rows) {
+        std::cout << name << ": " << count << "\n";
+        EXPECT_GE(count, one ? 0u : 500u) << name;
+    }
+    std::cout << "fills: " << counts.fills << ", trades: " << counts.trades << ", reloads: " << counts.reloads << "\n";
 }
 
 TEST(SimStreams, TheSameEventsGiveTheSameAccount) {
