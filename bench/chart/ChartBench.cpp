@@ -15,17 +15,6 @@
 namespace vmr {
 namespace {
 
-std::vector<Candle> bars(std::size_t n) {
-    std::vector<Candle> list;
-    for (std::size_t i = 0; i < n; ++i) {
-        const double open = 21000 + 60 * std::sin(static_cast<double>(i) * 0.03);
-        const double close = 21000 + 60 * std::sin(static_cast<double>(i + 1) * 0.03);
-        list.push_back({1781092800 + static_cast<std::int64_t>(i) * 60, open, std::max(open, close) + 2,
-                        std::min(open, close) - 2, close, 1});
-    }
-    return list;
-}
-
 struct Scene {
     SystemClock clock;
     test::RecordingGpu gpu;
@@ -37,7 +26,7 @@ struct Scene {
     std::vector<Candle> list;
     double now = 1000;
 
-    explicit Scene(std::size_t n) : list(bars(n)) {
+    explicit Scene(std::size_t n) : list(waveBars(n)) {
         renderer.addScreenLayer(axes);
         renderer.onViewport = [](double first, double, double, double) { benchmark::DoNotOptimize(first); };
         renderer.setCandles(list);
@@ -115,7 +104,7 @@ BENCHMARK(tickAndFrame)->Arg(500)->Arg(5000);
 /// The rare heavy frame: a bar closed and all retained geometry is made anew.
 void newBarAtTheCapAndFrame(benchmark::State& state) {
     Scene scene(5000);
-    const auto longer = bars(5001);
+    const auto longer = waveBars(5001);
     int i = 0;
     measure(state, [&] {
         scene.renderer.setCandles(std::span(longer).subspan(++i % 2 == 0 ? 1 : 0, 5000));

@@ -20,17 +20,6 @@
 namespace vmr {
 namespace {
 
-std::vector<Candle> waveBars(std::size_t n) {
-    std::vector<Candle> list;
-    for (std::size_t i = 0; i < n; ++i) {
-        const double open = 21000 + 60 * std::sin(static_cast<double>(i) * 0.03);
-        const double close = 21000 + 60 * std::sin(static_cast<double>(i + 1) * 0.03);
-        list.push_back({1781092800 + static_cast<std::int64_t>(i) * 60, open, std::max(open, close) + 2,
-                        std::min(open, close) - 2, close, 1});
-    }
-    return list;
-}
-
 constexpr test::SceneSize everything{.strikes = 250, .minutes = 600, .bubbles = 3, .triangles = 5, .ribbons = 5};
 
 struct FullScene {

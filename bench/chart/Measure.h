@@ -1,15 +1,29 @@
-// Runs a benchmark's step and reports its memory and its spread.
+// Runs a benchmark's step and reports its memory and its spread; and bars to draw.
 #pragma once
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
 #include <vector>
 
+#include "market/Records.h"
 #include "tests/chart/AllocationCount.h"
 
 namespace vmr {
+
+/// `n` minute bars in a wave around 21,000.
+inline std::vector<Candle> waveBars(std::size_t n) {
+    std::vector<Candle> list;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double open = 21000 + 60 * std::sin(static_cast<double>(i) * 0.03);
+        const double close = 21000 + 60 * std::sin(static_cast<double>(i + 1) * 0.03);
+        list.push_back({1781092800 + static_cast<std::int64_t>(i) * 60, open, std::max(open, close) + 2,
+                        std::min(open, close) - 2, close, 1});
+    }
+    return list;
+}
 
 /// Runs `step` as the benchmark's body and reports its calls of operator new.
 template <class Step>
