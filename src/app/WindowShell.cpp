@@ -112,6 +112,7 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     QGuiApplication app(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // the application object takes the environment's
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
+    prepareUpdates();
     registerFonts();
     QtLoop loop;
     const int status = runViews(app, loop, hooks.makePane(loop), options, hooks);

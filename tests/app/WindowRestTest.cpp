@@ -77,7 +77,7 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
         set([](GexConfig& config) { config.hfLateralMode = "net"; });
         mark();
     });
-    script.step(passed(0.1), [&] { EXPECT_GT(drawn.frames(), frames + 1) << "the waves ease to their new shape"; });
+    script.step(passed(0.5), [&] { EXPECT_GT(drawn.frames(), frames + 1) << "the waves ease to their new shape"; });
     script.step(settled, mark);
     script.step(passed(3), [&] { nothingDrawn("after the easing"); });
     EXPECT_EQ(window.run(script, 90, [&] { drawn.watch(); }), 0) << "stopped at step " << script.finished();
