@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "perf/StartUp.h"
 #include "ui/ChartItemDrawing.h"
 #include "ui/ChartNode.h"
 
@@ -150,6 +151,7 @@ void ChartItem::takeChart() {
         renderer.setOverlayGeometry(*chart.overlays);
     const bool emptied = pane_->empty() && !renderer.candles().empty();
     renderer.setCandles(all(chart.candles));
+    if (!renderer.candles().empty()) startUpStage("bars");
     if (emptied) requestFrame();
 }
 
@@ -211,6 +213,7 @@ QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
 // comes in the meantime has to wait for the frame after. So the next one is recorded when the last one is shown.
 void ChartItem::frameShown() {
     if (drawing_->follower->onItsWay()) return;  // the news are of the frame before
+    if (!drawing_->renderer.candles().empty()) startUpStage("drawn");
     const bool asked = unshown_.isActive();
     unshown_.stop();
     if (asked || animating_ || drawing_->input->liveRefresh()) requestFrame();
