@@ -128,8 +128,8 @@ std::string relayHelp() {
   --port N            port of the relay's WebSocket (default: a free one)
   --rest-port N       port of the sign-in endpoints (default: a free one)
   --seed N            which market; the same seed and clock give the same bars (default: 1)
-  --busy X            X times as many trades as usual, from the start on (a history stays as it was); 150 is some
-                      2,000 trades a second of NQ in the morning
+  --busy X            X times as many trades as usual, from the start on (a history stays as it was); 500 is some
+                      2,000 trades a second of NQ in the morning and more of ES; to 1000
   --token-life S      real seconds that an identity token lives (default: 3600)
   --clock ISO[@speed] market time at the start and how fast it runs, as in 2026-06-10T10:00@60;
                       New York time unless it says otherwise (default: VMR_CLOCK, else this machine's time)
