@@ -30,18 +30,6 @@ TEST_F(PaneData, AFlatBarComesOnlyWhileConnected) {
     }
 }
 
-TEST(FastClock, RollsBarsOnItsOwnWholeSeconds) {
-    TestPane pane(TestPane::wednesdayAt10 + 0.5, 60);
-    const auto& bars = pane.openSymbol("NQ").candles;
-    pane.snapshot("futures:NQM6", flatBars(static_cast<std::int64_t>(TestPane::wednesdayAt10), 1));
-    pane.time.advance(59.49 / 60);
-    EXPECT_EQ(bars.size(), 1u);
-    pane.time.advance(0.02 / 60);
-    EXPECT_EQ(bars.size(), 2u);
-    pane.time.advance(9);
-    EXPECT_EQ(bars.size(), 11u) << "a minute of the market each second";
-}
-
 TEST_F(PaneData, LongRowsReadOnTheRelaysQueueEqualShortOnesReadHere) {
     AppModel& pane = openSymbol("NQ");
     std::string rows;
