@@ -1,9 +1,7 @@
 // Two charts of two panes in one window: each its own picture, each drawn for its own sake.
 #include <gtest/gtest.h>
 
-#include <QQmlComponent>
 #include <QSGRendererInterface>
-#include <memory>
 
 #include "tests/chart/FullScene.h"
 #include "ui/CpuChart.h"
@@ -12,15 +10,6 @@
 
 namespace vmr::test {
 namespace {
-
-constexpr const char* twoCharts = R"(
-import QtQuick
-import Velmora
-Window {
-    width: 903; height: 400; visible: true
-    ChartItem { objectName: "left"; width: 450; height: parent.height }
-    ChartItem { objectName: "right"; x: 451; width: 452; height: parent.height - 30 }
-})";
 
 struct Pane {
     explicit Pane(std::vector<Candle> list)
@@ -45,23 +34,23 @@ class TwoPanes : public testing::Test {
     void SetUp() override {
         right_.data.config.candleTheme = "classic";
         right_.show();
-        registerQml(engine_);
-        QQmlComponent component(&engine_);
-        component.setData(twoCharts, QUrl());
-        window_.reset(qobject_cast<QQuickWindow*>(component.create()));
-        ASSERT_NE(window_, nullptr) << component.errorString().toStdString();
-        for (const auto& [pane, name] : {std::pair{&left_, "left"}, {&right_, "right"}}) {
-            pane->item = window_->findChild<ChartItem*>(name);
+        for (Pane* pane : {&left_, &right_}) {
+            pane->item = new ChartItem(window_.contentItem());
             pane->item->setPane(&pane->view);
         }
-        QObject::connect(window_.get(), &QQuickWindow::frameSwapped, window_.get(), [this] { ++swaps_; });
+        left_.item->setSize({450, 400});
+        right_.item->setPosition({451, 0});
+        right_.item->setSize({452, 370});
+        window_.resize(903, 400);
+        window_.show();
+        QObject::connect(&window_, &QQuickWindow::frameSwapped, &window_, [this] { ++swaps_; });
         ASSERT_TRUE(settle());
-        ASSERT_NE(window_->rendererInterface()->graphicsApi(), QSGRendererInterface::Software);
+        ASSERT_NE(window_.rendererInterface()->graphicsApi(), QSGRendererInterface::Software);
     }
 
     bool settle() { return comesToRest(swaps_); }
     QImage picture(const Pane& pane) {
-        return windowPicture(*window_).copy(QRectF(pane.item->position(), pane.item->size()).toRect());
+        return windowPicture(window_).copy(QRectF(pane.item->position(), pane.item->size()).toRect());
     }
     // The pane's chart drawn elsewhere, with the bars that it had when it was first shown.
     void expectOwnPicture(const Pane& pane, CpuChart& expected) {
@@ -71,9 +60,8 @@ class TwoPanes : public testing::Test {
         expectSame(picture(pane), rasterise(frame, expected.atlas.image()), 0.6);
     }
 
-    QQmlEngine engine_;
     Pane left_{syntheticBars(40)}, right_{syntheticBars(90)};
-    std::unique_ptr<QQuickWindow> window_;
+    QQuickWindow window_;
     int swaps_ = 0;
 };
 
