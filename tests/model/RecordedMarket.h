@@ -32,7 +32,7 @@ inline std::vector<RecordedFrame> record(std::uint64_t seed, const std::string& 
     DerivedMarket derived(seed, [&market](const Instrument& one) -> TradeSource& { return market->trades(one); });
     ChainBook chains(derived);
     ChannelHub hub;
-    auto prices = std::make_unique<MarketPublisher>(hub, seed, nullptr, nullptr);
+    auto prices = std::make_unique<MarketPublisher>(hub, seed, Rush{}, nullptr, nullptr);
     market = prices.get();
     hub.add(std::move(prices));
     hub.add(std::make_unique<MetaPublisher>(hub));
