@@ -43,6 +43,7 @@ ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::mak
         if (pane_ && pane_->actions().interactionEnded) pane_->actions().interactionEnded();
     };
     makeInput();
+    watchSwapsOf(window());  // a parent in a window has brought it there already
 }
 
 ChartItem::~ChartItem() {
