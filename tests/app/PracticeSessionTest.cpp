@@ -64,7 +64,8 @@ class Session {
     // Closed bars of the pane that differ from the relay's own; a busy machine has 3 seconds until the last one comes.
     std::vector<std::int64_t> differences() {
         std::vector<std::int64_t> out;
-        const auto none = [&] {
+        for (int tries = 0; tries < 7 && (tries == 0 || !out.empty()); ++tries) {
+            if (tries > 0) runUntil([] { return false; }, 0.5);
             out.clear();
             std::map<std::int64_t, Candle> truth;
             for (const Candle& bar : relay().ledger(pane().chartChannel)) truth[bar.time] = bar;
@@ -72,9 +73,7 @@ class Session {
             for (std::size_t i = 0; i + 2 < bars.size(); ++i)
                 if (const auto found = truth.find(bars[i].time); found == truth.end() || found->second != bars[i])
                     out.push_back(bars[i].time);
-            return out.empty();
-        };
-        runUntil(none, 3);
+        }
         return out;
     }
 

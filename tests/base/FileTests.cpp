@@ -40,6 +40,7 @@ TEST_F(Files, AFailedReplaceTellsWhyAndLeavesTheOldFile) {
     fs::create_directories(asFolder / "inside");
     EXPECT_THAT(replaceFile(asFolder, "x").value_or(""), testing::HasSubstr("cannot replace"));
     EXPECT_TRUE(fs::exists(asFolder / "inside"));
+    EXPECT_FALSE(fs::exists(folder / "taken.new"));
     ASSERT_EQ(replaceFile(folder / "file", "old"), std::nullopt);
     EXPECT_THAT(replaceFile(folder / "file" / "below", "x").value_or(""), testing::HasSubstr("cannot"));
     EXPECT_EQ(readFile(folder / "file"), "old");
