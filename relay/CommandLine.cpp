@@ -18,7 +18,7 @@ const std::map<std::string, std::string>& knownOptions() {
     static const std::map<std::string, std::string> known{
         {"--port", "N"},      {"--rest-port", "N"}, {"--seed", "N"},  {"--token-life", "SECONDS"},
         {"--tape", "FILE"},   {"--symbol", "SYM"},  {"--speed", "X"}, {"--clock", "ISO[@speed]"},
-        {"--record", "FILE"}, {"--replay", "FILE"}};
+        {"--record", "FILE"}, {"--replay", "FILE"}, {"--busy", "X"}};
     return known;
 }
 
@@ -53,10 +53,13 @@ std::string readPlain(const Values& values, PracticeRelayOptions& options) {
         if (isPort && (!whole || *whole < 0 || *whole > 65535)) return name + " must be 0 to 65535, not " + text;
         if (name == "--seed" && (!whole || *whole < 0)) return "--seed must be a whole number from 0 on, not " + text;
         if (name == "--token-life" && !positive(text)) return "--token-life must be seconds above 0, not " + text;
+        if (name == "--busy" && (!positive(text) || *positive(text) > PracticeRelayOptions::busiest))
+            return "--busy must be a number above 0, at most 1000, not " + text;
         if (name == "--speed" && !positive(text)) return "--speed must be a number above 0, not " + text;
         if (name == "--port") options.relayPort = static_cast<int>(*whole);
         if (name == "--rest-port") options.restPort = static_cast<int>(*whole);
         if (name == "--seed") options.seed = static_cast<std::uint64_t>(*whole);
+        if (name == "--busy") options.busy = *positive(text);
         if (name == "--token-life") options.tokenLife = *positive(text);
     }
     return {};
@@ -125,6 +128,8 @@ std::string relayHelp() {
   --port N            port of the relay's WebSocket (default: a free one)
   --rest-port N       port of the sign-in endpoints (default: a free one)
   --seed N            which market; the same seed and clock give the same bars (default: 1)
+  --busy X            X times as many trades as usual, from the start on (a history stays as it was); 500 is some
+                      2,000 trades a second of NQ in the morning and more of ES; to 1000
   --token-life S      real seconds that an identity token lives (default: 3600)
   --clock ISO[@speed] market time at the start and how fast it runs, as in 2026-06-10T10:00@60;
                       New York time unless it says otherwise (default: VMR_CLOCK, else this machine's time)

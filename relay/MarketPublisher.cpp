@@ -59,9 +59,9 @@ class MarketPublisher::Announcer final : public FeedListener {
     std::string events_;
 };
 
-MarketPublisher::MarketPublisher(ChannelHub& hub, std::uint64_t seed, const Instrument* tapeInstrument,
+MarketPublisher::MarketPublisher(ChannelHub& hub, std::uint64_t seed, Rush rush, const Instrument* tapeInstrument,
                                  std::unique_ptr<TradeSource> tape)
-    : hub_(hub), simulated_(seed, calendar_) {
+    : hub_(hub), simulated_(seed, calendar_, rush) {
     if (tape) symbols_.try_emplace(tapeInstrument, *tapeInstrument, std::move(tape));
 }
 

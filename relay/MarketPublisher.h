@@ -22,7 +22,7 @@ namespace vmr {
 class MarketPublisher final : public Publisher {
  public:
     /// `tape`, if there is one, is the market of `tapeInstrument`; the others are simulated.
-    MarketPublisher(ChannelHub& hub, std::uint64_t seed, const Instrument* tapeInstrument,
+    MarketPublisher(ChannelHub& hub, std::uint64_t seed, Rush rush, const Instrument* tapeInstrument,
                     std::unique_ptr<TradeSource> tape);
 
     bool serves(const std::string& channel) const override;

@@ -41,8 +41,9 @@ struct Engine {
           accounts(theClock, options.tokenLife),
           derived(options.seed, [this](const Instrument& one) -> TradeSource& { return market->trades(one); }),
           recording(std::move(supplies.record)) {
-        auto marketChannels =
-            std::make_unique<MarketPublisher>(hub, options.seed, supplies.tapeInstrument, std::move(supplies.tape));
+        const Rush rush{options.busy, marketMs(clock) / 60000 * 60};
+        auto marketChannels = std::make_unique<MarketPublisher>(hub, options.seed, rush, supplies.tapeInstrument,
+                                                                std::move(supplies.tape));
         auto metaChannels = std::make_unique<MetaPublisher>(hub);
         market = marketChannels.get();
         meta = metaChannels.get();

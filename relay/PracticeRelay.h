@@ -20,7 +20,9 @@ struct TapeOptions {
 };
 
 struct PracticeRelayOptions {
+    static constexpr double busiest = 1000;
     std::uint64_t seed = 1;
+    double busy = 1;          ///< times as many simulated trades as usual from the minute of the start on, to `busiest`
     double tokenLife = 3600;  ///< real seconds that an identity token lives
     int relayPort = 0;        ///< 0 takes a free port
     int restPort = 0;

@@ -25,21 +25,26 @@ struct MinuteShape {
 
 class SimulatedSource final : public TradeSource {
  public:
-    SimulatedSource(std::uint64_t seed, const Instrument& instrument, SessionCalendar& calendar, LogPath& equities)
+    SimulatedSource(std::uint64_t seed, const Instrument& instrument, SessionCalendar& calendar, LogPath& equities,
+                    const Rush& rush)
         : seed_(seed),
           instrument_(instrument),
           name_(instrument.symbol),
           calendar_(calendar),
           equities_(equities),
+          rush_(rush),
           own_(seed, name_, instrument.ownVolatility, activityOf(instrument)) {}
 
     void minuteTrades(std::int64_t minute, std::vector<Trade>& trades) override {
         trades.clear();
         const auto place = calendar_.place(minute);
         if (!place || !calendar_.open(minute, instrument_.family)) return;
-        const MinuteShape shape = day(place->day)[static_cast<std::size_t>(place->minute)];
+        MinuteShape shape = day(place->day)[static_cast<std::size_t>(place->minute)];
+        const double rush = minute >= rush_.fromMinute ? rush_.factor : 1;
+        shape.trades *= rush;
+        shape.volume *= rush;
         RandomStream random(streamKey(seed_, name_ + "/minute", minute));
-        drawTimes(random, minute * 1000, drawCount(random, shape), trades);
+        drawTimes(random, minute * 1000, drawCount(random, shape, mostTrades * std::max(1.0, rush)), trades);
         drawPrices(random, minute * 1000, shape, trades);
         drawSizes(random, shape.volume / static_cast<double>(trades.size()), trades);
     }
@@ -75,10 +80,10 @@ class SimulatedSource final : public TradeSource {
         return shapes;
     }
 
-    std::size_t drawCount(RandomStream& random, const MinuteShape& shape) const {
+    std::size_t drawCount(RandomStream& random, const MinuteShape& shape, double most) const {
         if (instrument_.family == Family::indices) return static_cast<std::size_t>(instrument_.tradesPerMinute);
         const double count = shape.trades * std::exp(countDeviation * random.normal());
-        return static_cast<std::size_t>(std::clamp(std::round(count), 1.0, mostTrades));
+        return static_cast<std::size_t>(std::clamp(std::round(count), 1.0, most));
     }
 
     void drawTimes(RandomStream& random, std::int64_t startMs, std::size_t count, std::vector<Trade>& trades) const {
@@ -136,17 +141,18 @@ class SimulatedSource final : public TradeSource {
     std::string name_;
     SessionCalendar& calendar_;
     LogPath& equities_;
+    Rush rush_;
     LogPath own_;
     std::map<std::int64_t, std::vector<MinuteShape>> days_;
     mutable std::vector<double> gaps_;
 };
 }  // namespace
 
-SimulatedMarket::SimulatedMarket(std::uint64_t seed, SessionCalendar& calendar)
-    : seed_(seed), calendar_(calendar), equities_(seed, "equities", equityVolatility, equityActivity()) {}
+SimulatedMarket::SimulatedMarket(std::uint64_t seed, SessionCalendar& calendar, Rush rush)
+    : seed_(seed), calendar_(calendar), rush_(rush), equities_(seed, "equities", equityVolatility, equityActivity()) {}
 
 std::unique_ptr<TradeSource> SimulatedMarket::source(const Instrument& instrument) {
-    return std::make_unique<SimulatedSource>(seed_, instrument, calendar_, equities_);
+    return std::make_unique<SimulatedSource>(seed_, instrument, calendar_, equities_, rush_);
 }
 
 }  // namespace vmr

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/NumberText.h"
+#include "relay/PracticeRelay.h"
 
 namespace vmr {
 
@@ -38,7 +39,10 @@ Problem readValue(const std::string& name, const std::string& value, Options& ou
     if (name == "--token-life") return readPositive(name, value, out.tokenLife);
     if (name == "--clock") return readClock(name, value, out.clock);
     if (name == "--window") return readSize(value, out);
-    if (name == "--speed") {
+    if (name == "--busy") {
+        if (auto problem = readPositive(name, value, out.busy)) return problem;
+        if (out.busy > PracticeRelayOptions::busiest) return "--busy goes up to 1000, not " + value;
+    } else if (name == "--speed") {
         double speed = 1;
         if (auto problem = readPositive(name, value, speed)) return problem;
         out.speed = speed;
@@ -122,6 +126,7 @@ std::string usageText() {
            "                         VMR_BENCH_WARMUP and VMR_BENCH_SECS are its seconds (6 and 10)\n"
            "With --practice:\n"
            "  --seed N               another market\n"
+           "  --busy X               X times as many trades as usual, from the start on\n"
            "  --tape FILE            play recorded trades (CSV or .csv.gz) as the symbol's market\n"
            "  --symbol SYM           the symbol that the tape is, such as GC\n"
            "  --speed X              speed of the tape\n"

@@ -25,6 +25,7 @@ struct Options {
     std::string tapeFile, tapeSymbol;
     std::optional<double> speed;  ///< of the tape
     std::uint64_t seed = 1;       ///< of the practice market
+    double busy = 1;              ///< times as many practice trades as usual
     double tokenLife = 3600;      ///< of practice tokens, real seconds
     BenchSettings bench;
 };

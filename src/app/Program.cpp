@@ -61,6 +61,7 @@ void ProgramStart::startPractice() {
     PracticeRelayOptions relay;
     relay.seed = options_.seed;
     relay.tokenLife = options_.tokenLife;
+    relay.busy = options_.busy;
     if (!options_.tapeFile.empty()) relay.tape = TapeOptions{options_.tapeFile, options_.tapeSymbol};
     practice_ = std::make_unique<PracticeRelay>(*clock_, relay);
     failure_ = practice_->start();

@@ -15,6 +15,7 @@
 #include "model/SimTrading.h"
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
+#include "perf/StartUp.h"
 #include "ui/PaneBinding.h"
 #include "ui/PaneViewModel.h"
 #include "ui/QtLoop.h"
@@ -94,9 +95,13 @@ int runViews(QGuiApplication& app, QtLoop& loop, const WindowPane& pane, const W
         return 1;
     }
     WindowStage stage(*window, QSize(options.width, options.height));
-    QObject::connect(&view, &PaneViewModel::enteredChanged, window, [&] { stage.apply(view.entered()); });
+    QObject::connect(&view, &PaneViewModel::enteredChanged, window, [&] {
+        startUpStage("entered");
+        stage.apply(view.entered());
+    });
     stage.apply(view.entered());
     window->show();
+    startUpStage("window");
     // `exit` has no effect before the loop runs, so it is posted.
     if (hooks.started) hooks.started([&loop](int status) { loop.post([status] { QCoreApplication::exit(status); }); });
     if (options.seconds > 0) loop.after(options.seconds, [] { QCoreApplication::exit(0); });
@@ -112,6 +117,8 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     QGuiApplication app(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // the application object takes the environment's
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
+    startUpStage("application");
+    prepareUpdates();
     registerFonts();
     QtLoop loop;
     const int status = runViews(app, loop, hooks.makePane(loop), options, hooks);

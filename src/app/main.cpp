@@ -8,6 +8,7 @@
 #include "app/Options.h"
 #include "app/Program.h"
 #include "model/BarRollSelfTest.h"
+#include "perf/StartUp.h"
 #ifdef VMR_WITH_QT
 #include "app/WindowProgram.h"
 #endif
@@ -41,7 +42,9 @@ int main(int argc, char** argv) {
         std::fputs(vmr::usageText().c_str(), stdout);
         return 0;
     }
+    vmr::startUpStage("main");
     vmr::ProgramStart start(options);
+    if (start.practice()) vmr::startUpStage("relay");
     if (start.failure()) {
         std::fprintf(stderr, "velmora: %s\n", start.failure()->c_str());
         return 1;

@@ -35,17 +35,9 @@ struct AsioLoop::Impl : std::enable_shared_from_this<AsioLoop::Impl> {
     asio::io_context context{1};
     asio::executor_work_guard<asio::io_context::executor_type> work{context.get_executor()};
     std::atomic<std::thread::id> runner{};
-    std::atomic<double> longest{0};
     std::mutex mutex;  // guards the two below
     std::unordered_map<TimerId, std::shared_ptr<Timer>> timers;
     TimerId lastId = noTimer;
-
-    void timed(const Task& task) {
-        const auto start = SteadyTime::now();
-        task();
-        const double took = std::chrono::duration<double>(SteadyTime::now() - start).count();
-        if (took > longest.load(std::memory_order_relaxed)) longest.store(took, std::memory_order_relaxed);
-    }
 
     TimerId add(double first, double period, Task task) {
         auto timer = std::make_shared<Timer>(context);
@@ -83,7 +75,7 @@ struct AsioLoop::Impl : std::enable_shared_from_this<AsioLoop::Impl> {
         auto timer = find(id);
         if (!timer) return;
         if (timer->period > 0) {
-            timed(timer->task);
+            timer->task();
             // a late turn must not be followed by a burst of missed ones
             arm(id, std::max(due + seconds(timer->period), SteadyTime::now()));
             return;
@@ -92,7 +84,7 @@ struct AsioLoop::Impl : std::enable_shared_from_this<AsioLoop::Impl> {
             std::lock_guard lock(mutex);
             timers.erase(id);
         }
-        timed(timer->task);
+        timer->task();
     }
 
     void cancel(TimerId id) {
@@ -117,9 +109,7 @@ AsioLoop::~AsioLoop() {
     ended.swap(impl_->timers);
 }
 
-void AsioLoop::post(Task task) {
-    asio::post(impl_->context, [impl = impl_.get(), task = std::move(task)] { impl->timed(task); });
-}
+void AsioLoop::post(Task task) { asio::post(impl_->context, std::move(task)); }
 
 SerialQueue::TimerId AsioLoop::after(double delay, Task task) { return impl_->add(delay, 0, std::move(task)); }
 
@@ -141,10 +131,6 @@ void AsioLoop::run() {
 void AsioLoop::quit() { impl_->context.stop(); }
 
 asio::io_context& AsioLoop::context() { return impl_->context; }
-
-double AsioLoop::longestTurn() const { return impl_->longest.load(std::memory_order_relaxed); }
-
-void AsioLoop::resetLongestTurn() { impl_->longest.store(0, std::memory_order_relaxed); }
 
 AsioThread::AsioThread(const std::string& name) : thread_([this] { loop_.run(); }) {
 #ifdef __linux__

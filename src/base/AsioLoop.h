@@ -36,11 +36,6 @@ class AsioLoop final : public SerialQueue {
     /// The context, for sockets that live on this loop.
     boost::asio::io_context& context();
 
-    /// The longest that one task has run so far, in seconds; any thread.
-    double longestTurn() const;
-    /// Starts `longestTurn` anew.
-    void resetLongestTurn();
-
  private:
     struct Impl;
     std::shared_ptr<Impl> impl_;

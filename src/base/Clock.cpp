@@ -4,7 +4,16 @@
 #include <cmath>
 #ifdef __linux__
 #include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
 #endif
+
+#include "base/NumberText.h"
 
 namespace vmr {
 
@@ -24,6 +33,27 @@ double machineMonotonic() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 }  // namespace
+
+namespace {
+// On machineMonotonic's clock.
+double processStart() {
+#ifdef __linux__
+    // the 22nd field, counted from the end of the name in brackets, which is the second
+    std::ifstream file("/proc/self/stat");
+    const std::string text((std::istreambuf_iterator<char>(file)), {});
+    std::istringstream fields(text.substr(std::min(text.rfind(')') + 1, text.size())));
+    std::string field;
+    for (int i = 3; i <= 22; ++i) fields >> field;
+    if (const auto ticks = parseInt(field); ticks && fields)
+        return static_cast<double>(*ticks) / static_cast<double>(sysconf(_SC_CLK_TCK));
+#endif
+    return machineMonotonic();
+}
+
+const double startOfProcess = processStart();
+}  // namespace
+
+double secondsSinceProcessStart() { return machineMonotonic() - startOfProcess; }
 
 SystemClock::SystemClock() : startWall_(0), startMonotonic_(0), speed_(1), machineTime_(true) {}
 

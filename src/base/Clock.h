@@ -39,4 +39,7 @@ class SystemClock final : public Clock {
     bool machineTime_;
 };
 
+/// Real seconds since the process began; where the system cannot tell, since this program's own code ran first.
+double secondsSinceProcessStart();
+
 }  // namespace vmr

@@ -7,12 +7,15 @@
 #include <span>
 #include <utility>
 
+#include "perf/StartUp.h"
 #include "ui/ChartItemDrawing.h"
 #include "ui/ChartNode.h"
 
 namespace vmr {
 
 namespace {
+
+constexpr int longestWait = 100;  // milliseconds until a frame that was not shown holds up the next one no longer
 
 template <class T>
 std::span<const T> all(const std::vector<T>* list) {
@@ -31,7 +34,7 @@ ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::mak
     drawing_->renderer.addScreenLayer(drawing_->axis);
     drawing_->renderer.onNeedsDisplay = [this] { requestFrame(); };
     drawing_->renderer.onViewport = [this](double first, double count, double minP, double maxP) {
-        updateCrosshair();
+        if (Perf* perf = drawing_->renderer.perf) perf->bump("ChartOverlay");
         if (pane_ && pane_->actions().viewportChanged)
             pane_->actions().viewportChanged(Viewport{first, count, minP, maxP});
         if (pane_ && pane_->surroundings().bench.baseline) emit pane_->changed();
@@ -43,7 +46,7 @@ ChartItem::ChartItem(QQuickItem* parent) : QQuickItem(parent), drawing_(std::mak
 }
 
 ChartItem::~ChartItem() {
-    disconnect(swaps_);
+    disconnect(following_);
     leavePane();
 }
 
@@ -93,6 +96,10 @@ void ChartItem::setProblem(const QString& problem) {
 // many.
 void ChartItem::requestFrame() {
     if (recording_) return;
+    if (drawing_->follower->onItsWay()) {
+        if (!unshown_.isActive()) unshown_.start(longestWait, this);
+        return;
+    }
     frameAwaited_ = true;
     polish();
     update();
@@ -107,12 +114,13 @@ void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
     QQuickItem::geometryChange(now, before);
     if (now.size() == before.size()) return;
     drawing_->input->setSize(now.width(), now.height());
+    updateCrosshair();
     requestFrame();
 }
 
 void ChartItem::itemChange(ItemChange change, const ItemChangeData& data) {
     QQuickItem::itemChange(change, data);
-    if (change == ItemSceneChange) timeSwapsOf(data.window);
+    if (change == ItemSceneChange) watchSwapsOf(data.window);
     const bool shown =
         (change == ItemVisibleHasChanged && data.boolValue) || (change == ItemSceneChange && data.window);
     if (shown || change == ItemDevicePixelRatioHasChanged) requestFrame();
@@ -143,6 +151,7 @@ void ChartItem::takeChart() {
         renderer.setOverlayGeometry(*chart.overlays);
     const bool emptied = pane_->empty() && !renderer.candles().empty();
     renderer.setCandles(all(chart.candles));
+    if (!renderer.candles().empty()) startUpStage("bars");
     if (emptied) requestFrame();
 }
 
@@ -156,7 +165,8 @@ void ChartItem::updatePolish() {
         const unsigned glyphs = drawing_->atlas.generation();
         animating_ = drawing_->renderer.drawFrame(width(), height(), window()->effectiveDevicePixelRatio(),
                                                   drawing_->clock.monotonic());
-        if (drawing_->renderer.inputLagMs()) drawing_->timing->recorded();
+        if (drawing_->renderer.inputLagMs()) drawing_->follower->recorded();
+        if (drawing_->renderer.camera().snapLerps) updateCrosshair();  // in this frame, not in one of its own
         return drawing_->atlas.generation() == glyphs;
     };
     if (!record()) record();  // a layer's new glyphs moved those that another layer had drawn already
@@ -186,7 +196,7 @@ QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     node->setItemSize(size());
     const bool given = drawing_->gpu.swapFrame(node->replay().frame());
     if (given) {
-        drawing_->timing->handedOver();
+        drawing_->follower->handedOver();
         drawing_->timeGate();
     }
     auto& atlas = drawing_->atlas;
@@ -195,8 +205,28 @@ QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node->atlasGiven();
     }
     node->markDirty(QSGNode::DirtyMaterial);
-    if (animating_ || drawing_->input->liveRefresh() || (!old && !given)) requestFrame();
+    if (!old && !given) requestFrame();
     return node;
+}
+
+// A frame that is recorded while another one is being rendered waits for that, and the main thread with it: input that
+// comes in the meantime has to wait for the frame after. So the next one is recorded when the last one is shown.
+void ChartItem::frameShown() {
+    if (drawing_->follower->onItsWay()) return;  // the news are of the frame before
+    if (!drawing_->renderer.candles().empty()) startUpStage("drawn");
+    const bool asked = unshown_.isActive();
+    unshown_.stop();
+    if (asked || animating_ || drawing_->input->liveRefresh()) requestFrame();
+}
+
+void ChartItem::frameTaken() {
+    drawing_->follower->lost();
+    frameShown();
+}
+
+// A window out of sight shows nothing.
+void ChartItem::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == unshown_.timerId()) frameTaken();
 }
 
 }  // namespace vmr

@@ -1,6 +1,7 @@
 // The chart as a Qt Quick item.
 #pragma once
 
+#include <QBasicTimer>
 #include <QPointer>
 #include <QQuickItem>
 #include <QString>
@@ -48,6 +49,9 @@ class ChartItem : public QQuickItem {
     /// A pinch by a touch screen, as a share of its size.
     Q_INVOKABLE void magnify(qreal magnification);
 
+    /// The last frame went into a picture and not to the screen.
+    void frameTaken();
+
     ChartRenderer& renderer();
     /// Frames recorded so far.
     std::uint64_t framesDrawn() const;
@@ -71,6 +75,7 @@ class ChartItem : public QQuickItem {
     void hoverMoveEvent(QHoverEvent* event) override;
     void hoverLeaveEvent(QHoverEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void componentComplete() override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
@@ -87,7 +92,8 @@ class ChartItem : public QQuickItem {
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
     void press(QMouseEvent* event, bool doubleClick);
-    void timeSwapsOf(QQuickWindow* window);
+    void watchSwapsOf(QQuickWindow* window);
+    void frameShown();
     void setProblem(const QString& problem);
 
     std::unique_ptr<Drawing> drawing_;
@@ -95,7 +101,8 @@ class ChartItem : public QQuickItem {
     QString problem_;
     bool chartDirty_ = true;  ///< the pane told of a chart that `takeChart` has not seen
     bool frameAwaited_ = false;
-    QMetaObject::Connection swaps_;
+    QMetaObject::Connection following_, swaps_;
+    QBasicTimer unshown_;  ///< runs while a frame is wanted and the one before is on its way to the screen
     bool recording_ = false;
     bool animating_ = false;
     std::uint64_t drawnOverlays_ = 0;

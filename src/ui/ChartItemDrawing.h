@@ -15,8 +15,8 @@
 #include "perf/Perf.h"
 #include "ui/ChartItem.h"
 #include "ui/CrosshairState.h"
+#include "ui/FrameFollower.h"
 #include "ui/GlyphAtlas.h"
-#include "ui/InputTiming.h"
 #include "ui/QtLoop.h"
 #include "ui/RhiGpu.h"
 
@@ -46,8 +46,8 @@ struct ChartItem::Drawing {
     QtLoop loop;  // for a chart whose pane names none
     std::unique_ptr<ChartInput> input;
     std::unique_ptr<PerfDrive> drive;
-    double recordedAt = 0;                                                  // seconds, monotonic
-    std::shared_ptr<InputTiming> timing = std::make_shared<InputTiming>();  // shared with the render thread
+    double recordedAt = 0;                                                        // seconds, monotonic
+    std::shared_ptr<FrameFollower> follower = std::make_shared<FrameFollower>();  // shared with the render thread
 };
 
 }  // namespace vmr

@@ -39,7 +39,7 @@ void ChartItem::makeInput() {
     own.input->trading = at.trading;
     own.tradingLines.trading = at.trading;
     own.renderer.perf = at.perf;
-    own.timing->perf = at.bench.input ? at.perf : nullptr;
+    own.follower->setPerf(at.bench.input ? at.perf : nullptr);
     own.input->onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
     own.input->onCursor = [this](ChartCursor cursor) { setCursor(shapeOf(cursor)); };
     own.input->onMarketClosedOrder = [this] {
@@ -57,17 +57,21 @@ void ChartItem::makeInput() {
 }
 
 // Swaps are told on the render thread.
-void ChartItem::timeSwapsOf(QQuickWindow* window) {
+void ChartItem::watchSwapsOf(QQuickWindow* window) {
+    disconnect(following_);
     disconnect(swaps_);
     if (!window) return;
-    swaps_ = connect(
-        window, &QQuickWindow::frameSwapped, window, [timing = drawing_->timing] { timing->swapped(); },
+    following_ = connect(
+        window, &QQuickWindow::frameSwapped, window, [follower = drawing_->follower] { follower->swapped(); },
         Qt::DirectConnection);
+    swaps_ = connect(window, &QQuickWindow::frameSwapped, this, &ChartItem::frameShown);
 }
 
 CrosshairState* ChartItem::crosshair() { return &drawing_->crosshair; }
 
+// Where it is again told while the chart moves below it; what it is over then changes with the frame.
 void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
+    if (point && drawing_->crosshair.mousePoint() == point) return;
     drawing_->crosshair.setMousePoint(point);
     updateCrosshair();
 }
@@ -76,6 +80,7 @@ void ChartItem::updateCrosshair() {
     const ChartRenderer& renderer = drawing_->renderer;
     const auto bars = renderer.camera().settled() ? renderer.candles() : std::span<const Candle>();
     drawing_->crosshair.update(renderer.camera().viewport(), bars, width(), height(), drawing_->session);
+    if (renderer.perf && drawing_->crosshair.shown()) renderer.perf->bump("CrosshairHud");
 }
 
 void ChartItem::press(QMouseEvent* event, bool doubleClick) {
@@ -94,7 +99,7 @@ void ChartItem::mouseDoubleClickEvent(QMouseEvent* event) { press(event, true); 
 void ChartItem::mouseMoveEvent(QMouseEvent* event) {
     if (!(event->buttons() & Qt::LeftButton)) return;
     lastPress_ = pointOf(*event);
-    if (drawing_->input->dragging() && !drawing_->input->draggingLine()) drawing_->timing->input(event->timestamp());
+    if (drawing_->input->dragging() && !drawing_->input->draggingLine()) drawing_->follower->input(event->timestamp());
     drawing_->input->mouseDragged(lastPress_);
 }
 
@@ -114,7 +119,7 @@ void ChartItem::wheelEvent(QWheelEvent* event) {
     const bool shift = event->modifiers() & Qt::ShiftModifier;
     const bool swapped = (event->modifiers() & Qt::AltModifier) || (shift && delta.y() == 0);
     if (swapped) delta = delta.transposed();
-    drawing_->timing->input(event->timestamp());
+    drawing_->follower->input(event->timestamp());
     drawing_->input->scrollWheel(delta.x(), delta.y(), precise, shift);
     event->accept();
 }

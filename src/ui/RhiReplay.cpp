@@ -152,8 +152,8 @@ bool RhiReplay::makePipelines(QRhiRenderTarget& target) {
 }
 
 std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int samples) {
-    constexpr std::array<Pipeline, kinds> programs{Pipeline::flat, Pipeline::flat, Pipeline::ribbon, Pipeline::marker,
-                                                   Pipeline::text};
+    constexpr std::array<Pipeline, kinds> programs{Pipeline::flat,   Pipeline::flat,   Pipeline::flat,
+                                                   Pipeline::ribbon, Pipeline::marker, Pipeline::text};
     const auto attributes = attributesOf(programs[kind]);
     std::unique_ptr<QRhiGraphicsPipeline> out(rhi_->newGraphicsPipeline());
     out->setTopology(kind == flatLines ? QRhiGraphicsPipeline::Lines : QRhiGraphicsPipeline::Triangles);
@@ -164,7 +164,7 @@ std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int sam
     layout.setAttributes(attributes.inputs.begin(), attributes.inputs.end());
     out->setVertexInputLayout(layout);
     QRhiGraphicsPipeline::TargetBlend blend;
-    blend.enable = true;
+    blend.enable = kind != backgroundKind;  // opaque: a rasteriser then need not read what it covers
     blend.srcColor = blend.srcAlpha = QRhiGraphicsPipeline::SrcAlpha;
     blend.dstColor = blend.dstAlpha = QRhiGraphicsPipeline::OneMinusSrcAlpha;
     out->setTargetBlends({blend});
@@ -271,7 +271,7 @@ void RhiReplay::draw(QRhiCommandBuffer& commands, const RhiPlacement& placement)
     const auto& clip = placement.scissor;
     QRhiGraphicsPipeline* bound = nullptr;
     for (const auto& call : frame_.draws) {
-        const Kind kind = kindOf(call);
+        const Kind kind = &call == frame_.draws.data() ? backgroundKind : kindOf(call);
         auto* pipeline = pipelines_[kind].get();
         if (pipeline != bound) {
             commands.setGraphicsPipeline(pipeline);

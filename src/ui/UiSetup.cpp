@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QQmlEngine>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QSurfaceFormat>
 
 void qml_register_types_Velmora();
@@ -27,6 +28,13 @@ void prepareGraphics() {
     format.setAlphaBufferSize(0);  // the chart's blending leaves alpha below one
     QSurfaceFormat::setDefaultFormat(format);
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+}
+
+void prepareUpdates() {
+    constexpr double fast = 100;  // Hz
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (screen && screen->refreshRate() > fast && !qEnvironmentVariableIsSet("QT_QPA_UPDATE_IDLE_TIME"))
+        qputenv("QT_QPA_UPDATE_IDLE_TIME", "1");
 }
 
 void registerFonts() {

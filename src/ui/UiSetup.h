@@ -8,6 +8,11 @@ namespace vmr {
 /// Asks for four samples a pixel, an opaque surface and native text. Before the application object is made.
 void prepareGraphics();
 
+/// Qt waits 5 ms from the wish for a frame to the frame, to hear the input that came meanwhile first. Charts ask for
+/// the next frame when the last is shown, so a fast screen has no 5 ms to spare. After the application object is made,
+/// before the first window.
+void prepareUpdates();
+
 /// Registers the fonts and makes Saira the application's font. After the application object is made.
 void registerFonts();
 

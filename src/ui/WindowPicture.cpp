@@ -5,6 +5,8 @@
 #include <QQuickWindow>
 #include <QSGRendererInterface>
 
+#include "ui/ChartItem.h"
+
 namespace vmr {
 
 namespace {
@@ -52,6 +54,7 @@ QImage windowPicture(QQuickWindow& window) {
     }
     QImage picture = window.grabWindow();  // draws a frame, and waits for it
     QObject::disconnect(reading);
+    for (ChartItem* chart : window.findChildren<ChartItem*>()) chart->frameTaken();
     if (!resolved.isNull()) picture = resolved;
     // The bytes are taken as they are: blending leaves alpha below one, which an opaque window never shows.
     switch (picture.format()) {

@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -39,16 +38,18 @@ struct SceneData {
         config.dexEnabled = config.dexLabels = config.oiEnabled = true;
         const double close = candles.back().close;
         flip = std::floor(close / ratio);
-        levels = {level(close + 12), level(std::numeric_limits<double>::infinity()), level(close - 9)};
+        for (const double price : {close + 12, HUGE_VAL, close - 9}) levels.push_back({{}, "wall", price, 1, 1, 1});
         strikes = rows(size.strikes, close / ratio);
         secStrikes = rows(size.strikes, close / secRatio);
         const std::size_t from = candles.size() > size.minutes ? candles.size() - size.minutes : 0;
+        const double strike = std::round(close / ratio);
         for (std::size_t i = from; i < candles.size(); ++i) {
+            const std::int64_t time = candles[i].time;
             for (std::size_t k = 0; k < size.bubbles; ++k)
-                bubbles.push_back({candles[i].time, std::round(close / ratio) + wave(i + k) * 4,
-                                   0.2 + 0.5 * std::abs(wave(i)), i % 2 == 0, static_cast<int>(k)});
+                bubbles.push_back(
+                    {time, strike + wave(i + k) * 4, 0.2 + 0.5 * std::abs(wave(i)), i % 2 == 0, static_cast<int>(k)});
             for (std::size_t k = 0; k < size.triangles; ++k)
-                triangles.push_back({candles[i].time, std::round(close / ratio) + wave(i + 7 * k) * 6, wave(i), 1.0});
+                triangles.push_back({time, strike + wave(i + 7 * k) * 6, wave(i), 1.0});
         }
         makeOverlays(size.ribbons);
     }
@@ -67,16 +68,16 @@ struct SceneData {
  private:
     void makeOverlays(std::size_t ribbons) {
         overlays.origin = {static_cast<double>(candles.size() - 1), candles.back().close};
-        for (std::size_t k = 0; k < ribbons; ++k) {
-            std::vector<OvPoint> points;
-            for (std::size_t i = 0; i < candles.size(); ++i)
-                points.push_back({static_cast<double>(i), candles[i].close + 3.0 * static_cast<double>(k + 1)});
-            OverlayGeometry::polyline(overlays.lines, points, 2.0, {1, 0.8F, 0, 1}, std::nullopt, overlays.origin);
-        }
         std::vector<OvCandle> second;
-        for (std::size_t i = 0; i < candles.size(); ++i) {
-            const Candle& c = candles[i];
-            second.push_back({static_cast<double>(i), c.open - 5, c.high - 5, c.low - 5, c.close - 5, c.close});
+        std::vector<OvPoint> points;
+        for (const Candle& c : candles) {
+            const auto i = static_cast<double>(second.size());
+            second.push_back({i, c.open - 5, c.high - 5, c.low - 5, c.close - 5, c.close});
+            points.push_back({i, c.close});
+        }
+        for (std::size_t k = 0; k < ribbons; ++k) {
+            for (OvPoint& point : points) point.v += 3;
+            OverlayGeometry::polyline(overlays.lines, points, 2.0, {1, 0.8F, 0, 1}, std::nullopt, overlays.origin);
         }
         OverlayGeometry::secondCandles(overlays.second, overlays.secondBorders, second, overlays.origin);
         const OverlayLine line{candles.back().close + 7, candles.front().time, std::nullopt, "", true};
@@ -84,7 +85,6 @@ struct SceneData {
         overlays.sessionRevision = 1;
     }
     static double wave(std::size_t i) { return std::sin(static_cast<double>(i) * 0.7); }
-    static PriceLevel level(double price) { return {{}, "wall", price, 1, 1, 1}; }
     static std::vector<StrikeRow> rows(std::size_t count, double middle) {
         std::vector<StrikeRow> list;
         for (std::size_t i = 0; i < count; ++i) {

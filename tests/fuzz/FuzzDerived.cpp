@@ -9,24 +9,24 @@
 #include "model/Gex3D.h"
 #include "model/HfpSample.h"
 
+namespace vmr::fuzz {
 namespace {
-using namespace vmr;
 
 void readFields(const Json& json) {
     DerivedFields fields;
     for (const auto& [key, value] : json.members()) fields.insert_or_assign(std::string(key), json.at(value));
     const FieldView view = FieldView::forExpiration(fields, "2026-06-16");
     UuidSource ids(1);
-    fuzz::require(LevelsParser::parse(view, ids).size() <= 2);
+    require(LevelsParser::parse(view, ids).size() <= 2);
     StrikesParser::totals(view);
     const auto rows = StrikesParser::parse(view);
-    for (std::size_t i = 1; i < rows.size(); ++i) fuzz::require(!strikeBefore(rows[i].strike, rows[i - 1].strike));
+    for (std::size_t i = 1; i < rows.size(); ++i) require(!strikeBefore(rows[i].strike, rows[i - 1].strike));
     const auto sample = Hfp::sample(rows, Hfp::spotPrice(fields, {}, 1), 0);
-    fuzz::require(sample.has_value() != rows.empty() && (!sample || sample->band.size() <= 5));
+    require(sample.has_value() != rows.empty() && (!sample || sample->band.size() <= 5));
     if (const auto spot = Gex3D::spotPrice({}, 1, fields))
         if (const auto surface = Gex3D::build(*spot, fields, 1'781'539'200)) {
-            fuzz::require(surface->strikes.size() >= 2 && surface->net.size() == surface->expLabels.size());
-            for (const auto& row : surface->net) fuzz::require(row.size() == surface->strikes.size());
+            require(surface->strikes.size() >= 2 && surface->net.size() == surface->expLabels.size());
+            for (const auto& row : surface->net) require(row.size() == surface->strikes.size());
         }
     std::vector<std::string> expirations;
     for (const JsonView item : view["expirations"].items())
@@ -35,21 +35,21 @@ void readFields(const Json& json) {
 }
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto json = Json::parse(fuzz::textOf(data, size));
-    if (!json) return 0;
-    fuzz::survives([&] { readFields(*json); });
+void take(std::string_view text) {
+    const auto json = Json::parse(text);
+    if (!json) return;
+    survives([&] { readFields(*json); });
     for (const MinuteChannel* channel : {&bubbleMinutes, &triangleMinutes, &hfHistoryMinutes})
-        fuzz::survives([&] {
+        survives([&] {
             HfByMin minutes;
             forEachMinute(*json, *channel, [&minutes](std::int64_t minute, JsonView object) {
-                fuzz::require(BubbleParser::bubblePts(object, minute).size() <= 3);
-                for (const TrianglePt& point : BubbleParser::trianglePts(object, minute))
-                    fuzz::require(point.minuteMax > 0);
+                require(BubbleParser::bubblePts(object, minute).size() <= 3);
+                for (const TrianglePt& point : BubbleParser::trianglePts(object, minute)) require(point.minuteMax > 0);
                 minutes[minute] = HfHistoryParser::hfCandle(object);
             });
             keepNewest(minutes, 3);
-            fuzz::require(minutes.size() <= 3);
+            require(minutes.size() <= 3);
         });
-    return 0;
 }
+
+}  // namespace vmr::fuzz

@@ -1,16 +1,15 @@
-// What every fuzz target shares: its entry, and a way out of what is fatal on purpose.
+// What every fuzz target shares: what it defines, and a way out of what is fatal on purpose.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <string_view>
 
 #include "base/Fatal.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 namespace vmr::fuzz {
+
+/// Defined by each target: does with any text what the program does with it.
+void take(std::string_view text);
 
 /// Thrown instead of ending the process: a time that no integer holds is fatal by design, and no finding.
 struct FatalByDesign {};
@@ -21,19 +20,15 @@ bool survives(Work&& work) {
     setFatalHandler([](std::string_view) { throw FatalByDesign(); });
     try {
         work();
+        return true;
     } catch (const FatalByDesign&) {
         return false;
     }
-    return true;
 }
 
 /// Aborts, which a fuzzer reports, when `holds` is false.
 inline void require(bool holds) {
     if (!holds) std::abort();
-}
-
-inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {
-    return {reinterpret_cast<const char*>(data), size};
 }
 
 }  // namespace vmr::fuzz

@@ -3,20 +3,17 @@
 #include "store/GexConfig.h"
 #include "store/HexColor.h"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace vmr;
-    const auto text = fuzz::textOf(data, size);
+void vmr::fuzz::take(std::string_view text) {
     if (const auto config = GexConfig::fromJson(text)) {
-        fuzz::require(config->initialCandles >= 30 && config->initialCandles <= 1000);
-        fuzz::require(config->simBalance >= 1000 && config->simCommission >= 0 && config->simCommission <= 50);
-        fuzz::require(config->oscHeight >= 100 && config->oscHeight <= 400);
-        fuzz::require(GexConfig::fromJson(config->toJson()) == config);
+        require(config->initialCandles >= 30 && config->initialCandles <= 1000);
+        require(config->simBalance >= 1000 && config->simCommission >= 0 && config->simCommission <= 50);
+        require(config->oscHeight >= 100 && config->oscHeight <= 400);
+        require(GexConfig::fromJson(config->toJson()) == config);
     }
     GexConfig config;
     const auto equals = text.find('=');
     if (equals != std::string_view::npos && config.set(text.substr(0, equals), text.substr(equals + 1)))
-        fuzz::require(config == GexConfig());
+        require(config == GexConfig());
     const Rgb color = HexColor::rgb(text);
-    fuzz::require(color.r >= 0 && color.r <= 1 && HexColor::rgb(HexColor::hex(color)) == color);
-    return 0;
+    require(color.r >= 0 && color.r <= 1 && HexColor::rgb(HexColor::hex(color)) == color);
 }

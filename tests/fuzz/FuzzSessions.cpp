@@ -6,8 +6,8 @@
 #include "market/SessionLines.h"
 #include "model/OverlayBuilder.h"
 
+namespace vmr::fuzz {
 namespace {
-using namespace vmr;
 
 void drawOverlays(const std::vector<Candle>& bars, const HfByMin& flow, const SRSessions& levels) {
     static SessionTime session;
@@ -20,35 +20,36 @@ void drawOverlays(const std::vector<Candle>& bars, const HfByMin& flow, const SR
     std::vector<Candle> fewer = bars;
     for (int round = 0; round < 3 && !fewer.empty(); ++round, fewer.pop_back()) {
         builder.update({fewer, bars, bars, flow, levels, 0, on});
-        fuzz::require(builder.series().ema1.size() == (fewer.size() < 2 ? 0 : fewer.size()));
-        fuzz::require(builder.series().hfLine.size() <= fewer.size());
+        require(builder.series().ema1.size() == (fewer.size() < 2 ? 0 : fewer.size()));
+        require(builder.series().hfLine.size() <= fewer.size());
     }
     builder.update({bars, bars, bars, flow, levels, 0, on});
 }
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto json = Json::parse(fuzz::textOf(data, size));
-    if (!json) return 0;
-    fuzz::survives([&] {
+void take(std::string_view text) {
+    const auto json = Json::parse(text);
+    if (!json) return;
+    survives([&] {
         OscByMin minutes;
         OscParser::merge(*json, minutes);
         const OscLines lines = OscParser::build(minutes);
-        fuzz::require(lines.nq.size() <= minutes.size());
-        for (std::size_t i = 1; i < lines.net.size(); ++i) fuzz::require(lines.net[i - 1].t < lines.net[i].t);
+        require(lines.nq.size() <= minutes.size());
+        for (std::size_t i = 1; i < lines.net.size(); ++i) require(lines.net[i - 1].t < lines.net[i].t);
     });
-    fuzz::survives([&] {
+    survives([&] {
         SRSessions levels;
         SRLevelsParser::merge(*json, levels);
-        fuzz::require(!levels.contains(0));
+        require(!levels.contains(0));
         const auto bars = CandleParser::merge({}, CandleParser::parse(*json), 500);
         for (const int hhmm : {1800, 930, -1})
-            fuzz::require(SessionLines::build(bars, levels, hhmm).empty() == (bars.size() < 2));
+            require(SessionLines::build(bars, levels, hhmm).empty() == (bars.size() < 2));
         HfByMin flow;
         forEachMinute(*json, hfHistoryMinutes, [&flow](std::int64_t minute, JsonView object) {
             flow[minute] = HfHistoryParser::hfCandle(object);
         });
         drawOverlays(bars, flow, levels);
     });
-    return 0;
 }
+
+}  // namespace vmr::fuzz

@@ -4,18 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <random>
 
-namespace vmr {
+#include "support/SyntheticMarket.h"
 
-void PrintTo(const Candle& bar, std::ostream* out) {
-    *out << "{" << bar.time << " " << bar.open << " " << bar.high << " " << bar.low << " " << bar.close << " v"
-         << bar.volume << "}";
-}
-
+namespace vmr::test {
 namespace {
-
-using Bars = std::vector<Candle>;
 
 Bars parse(const std::string& json) {
     const auto payload = Json::parse(json);
@@ -27,10 +20,7 @@ Candle bar(std::int64_t time, double close = 1, double volume = 0) { return {tim
 
 TEST(CandleParser, ReadsEveryShape) {
     const std::string p = R"("o":1,"h":2,"l":0.5,"c":1)";
-    const struct {
-        std::string json;
-        Bars bars;
-    } cases[] = {
+    const std::pair<std::string, Bars> cases[] = {
         // an array, in arrival order; it counts as a whole, so the fatal time beside a null is never read
         {R"([{"ts":120000,)" + p + R"(},{"time":60,)" + p + R"(,"volume":7},{"ts":60000,"o":1}])",
          {bar(120), bar(60, 1, 7)}},
@@ -46,73 +36,49 @@ TEST(CandleParser, ReadsEveryShape) {
         // one bar by minute, or else the object's own
         {R"({"minuteTs":"60","candle":{)" + p + R"(,"volume":5,"v":2}})", {bar(60, 1, 2)}},
         {R"({"minuteTs":60,"candle":{"o":1},"time":180,)" + p + "}", {bar(180)}},
-        {R"({"ts":60000,)" + p + R"(,"volume":5})", {bar(60, 1, 5)}},
+        // a bar's fields: short names before long ones, milliseconds before seconds, any number's text
+        {R"({"time":60,"ts":120000,)" + p + "}", {bar(120)}},
+        {R"({"time":60,"ts":"x",)" + p + "}", {bar(60)}},
+        {R"({"ts":"120000","open":"1","high":"2","low":"0.5","close":"0x4","volume":"5"})", {bar(120, 4, 5)}},
+        {R"({"ts":60000,"open":9,"high":9,"low":9,"close":9,"volume":9,"v":5,)" + p + "}", {bar(60, 1, 5)}},
+        {R"({"ts":60000,"o":null,"open":1,"h":2,"l":0.5,"c":true,"v":"x"})", {bar(60)}},
+        {R"({"ts":999,"time":60,)" + p + "}", {}},
+        {R"({"time":"60.5",)" + p + "}", {}},
+        {R"({"ts":"inf","h":2,"l":3,"c":4})", {}},  // without its prices the time is never cut
         {R"("text")", {}},
     };
-    for (const auto& c : cases) EXPECT_EQ(parse(c.json), c.bars) << c.json;
-    EXPECT_TRUE(CandleParser::parse(JsonView()).empty());
-}
-
-TEST(CandleParser, ReadsTheFieldsOfOneBar) {
-    const struct {
-        const char* json;
-        std::optional<Candle> bar;
-    } cases[] = {
-        {R"({"time":"1700000040","o":1,"h":2,"l":3,"c":4})", Candle{1700000040, 1, 2, 3, 4, 0}},
-        {R"({"time":60,"ts":120000,"o":1,"h":2,"l":3,"c":4})", Candle{120, 1, 2, 3, 4, 0}},
-        {R"({"time":60,"ts":"x","o":1,"h":2,"l":3,"c":4})", Candle{60, 1, 2, 3, 4, 0}},
-        {R"({"ts":"120000","open":"1","high":"2","low":"3","close":"0x4","volume":"5"})", Candle{120, 1, 2, 3, 4, 5}},
-        {R"({"ts":60000,"open":9,"o":1,"high":9,"h":2,"low":9,"l":3,"close":9,"c":4,"volume":9,"v":5})",
-         Candle{60, 1, 2, 3, 4, 5}},
-        {R"({"ts":60000,"o":null,"open":1,"h":2,"l":true,"c":4,"v":"x"})", Candle{60, 1, 2, 1, 4, 0}},
-        {R"({"ts":-60000,"o":1,"h":2,"l":3,"c":4})", Candle{-60, 1, 2, 3, 4, 0}},
-        {R"({"ts":999,"time":60,"o":1,"h":2,"l":3,"c":4})", std::nullopt},
-        {R"({"time":"60.5","o":1,"h":2,"l":3,"c":4})", std::nullopt},
-        {R"({"o":1,"h":2,"l":3,"c":4})", std::nullopt},
-        {R"({"ts":60000,"o":1,"h":[2],"l":3,"c":4})", std::nullopt},
-        {R"({"ts":60000,"o":1,"h":2,"l":"","c":4})", std::nullopt},
-        {R"({"ts":"inf","h":2,"l":3,"c":4})", std::nullopt},  // without its prices the time is never cut
-    };
-    for (const auto& c : cases) EXPECT_EQ(CandleParser::candleFromMs(*Json::parse(c.json)), c.bar) << c.json;
+    for (const auto& [json, bars] : cases) EXPECT_EQ(parse(json), bars) << json;
 }
 
 TEST(CandleParserDeathTest, ATimeThatNoIntegerHoldsEndsTheProcess) {
     for (const std::string json :
-         {R"([{"ts":"inf","o":1,"h":2,"l":3,"c":4}])", R"({"time":1e19,"o":1,"h":2,"l":3,"c":4})",
-          R"({"candles":{"nan":{}}})", R"({"minuteTs":1e19,"candle":{}})"})
+         {R"([{"ts":"inf","o":1,"h":2,"l":3,"c":4}])", R"({"candles":{"nan":{}}})", R"({"minuteTs":1e19,"candle":{}})"})
         EXPECT_DEATH(parse(json), "velmora: fatal: .*does not fit a 64-bit integer") << json;
 }
 
 // The rule as it is told, over a map.
-Bars mergedByMap(const Bars& existing, const Bars& incoming, std::size_t cap) {
-    std::map<std::int64_t, Candle> byTime;
-    for (const Bars* bars : {&existing, &incoming})
-        for (const Candle& one : *bars) byTime.insert_or_assign(one.time, one);
-    while (byTime.size() > cap) byTime.erase(byTime.begin());
-    Bars out;
-    for (const auto& [time, one] : byTime) out.push_back(one);
-    return out;
-}
-
 TEST(CandleParser, MergeEqualsAMapOnRandomSeries) {
     std::mt19937 random(3);
     for (int round = 0; round < 2000; ++round) {
         const auto series = [&random](bool sorted) {
             Bars bars(random() % 40);
             for (Candle& one : bars)
-                one = bar(static_cast<std::int64_t>(random() % 60) * 60 - 600, static_cast<double>(random() % 1000),
-                          random() % 9);
-            if (sorted) std::stable_sort(bars.begin(), bars.end(), [](auto& a, auto& b) { return a.time < b.time; });
+                one = bar(static_cast<std::int64_t>(random() % 60) * 60 - 600, static_cast<double>(random() % 1000));
+            if (sorted) std::ranges::stable_sort(bars, {}, &Candle::time);
             return bars;
         };
-        const Bars existing = series(random() % 2);
-        const Bars incoming = series(random() % 2);
+        const Bars existing = series(random() % 2), incoming = series(random() % 2);
         const std::size_t cap = random() % 50;
-        const Bars merged = CandleParser::merge(existing, incoming, cap);
-        ASSERT_EQ(merged, mergedByMap(existing, incoming, cap)) << "round " << round;
-        ASSERT_EQ(CandleParser::merge(merged, merged, cap), merged) << "the same snapshot twice changes nothing";
+        std::map<std::int64_t, Candle> byTime;
+        for (const Bars* bars : {&existing, &incoming})
+            for (const Candle& one : *bars) byTime[one.time] = one;
+        while (byTime.size() > cap) byTime.erase(byTime.begin());
+        Bars expected;
+        for (const auto& [time, one] : byTime) expected.push_back(one);
+        ASSERT_EQ(CandleParser::merge(existing, incoming, cap), expected) << "round " << round;
+        ASSERT_EQ(CandleParser::merge(expected, expected, cap), expected) << "the same snapshot twice changes nothing";
     }
 }
 
 }  // namespace
-}  // namespace vmr
+}  // namespace vmr::test

@@ -2,8 +2,8 @@
 #include <cmath>
 #include <random>
 
-#include "model/PaneFixture.h"
 #include "model/PlainBars.h"
+#include "model/TestPane.h"
 
 namespace vmr::test {
 namespace {
@@ -29,17 +29,17 @@ class BarOracle : public PaneFixture {
         time.setNow(start - 60);
         openSymbol(symbol);
         const std::string chart = model->chartChannel;
-        const std::string other = model->secondaryChannel;
+        const std::string other = symbol == "NQ" ? model->secondaryChannel : "futures:none";
         PlainBars plain(symbol == "AAPL", true), plainOther(false, false);
-        const auto first = static_cast<std::int64_t>(start) / 60 * 60 - 4990 * 60;
-        std::vector<Candle> history;
-        for (int i = 0; i < 4990; ++i) history.push_back({first + i * 60, 100, 100, 100, 100, 1});
+        for (const std::string& channel : {chart, other}) event(channel + ":trades", R"({"price":5})");
+        EXPECT_TRUE(model->candles.empty() && model->secondaryCandles.empty()) << "trades start no history";
+        const int count = symbol == "NQ" ? 4990 : 6000;
+        const auto first = static_cast<std::int64_t>(start) / 60 * 60 - count * 60;
+        Bars history;
+        for (int i = 0; i < count; ++i) history.push_back({first + i * 60, 100, 100, 100, 100, 1});
         plain.merge(history);
-        snapshot(chart, flatBars(first, 4990));
-        if (!other.empty()) {
-            plainOther.merge(history);
-            snapshot(other, flatBars(first, 4990));
-        }
+        if (symbol == "NQ") plainOther.merge(history);
+        for (const std::string& channel : {chart, other}) snapshot(channel, flatBars(first, count));
         plain.roll(time.now());
         for (int step = 0; step < steps; ++step) {
             const double before = time.now();
@@ -59,17 +59,14 @@ class BarOracle : public PaneFixture {
                 if (below(5) != 0) price += static_cast<double>(below(9) - 4) * 0.25;
                 const bool stamped = below(6) != 0;
                 const double ts = stamped ? tradeTime() : after * 1000;
+                const std::string stamp = stamped ? R"(,"ts":)" + std::to_string(ts) : "";
                 plain.trade(price, ts);
-                if (!other.empty()) plainOther.trade(price / 2, ts);
-                const auto text = [&](double p) {
-                    return std::string(R"({"price":)") + std::to_string(p) +
-                           (stamped ? R"(,"ts":)" + std::to_string(ts) : "") + "},";
-                };
-                events += text(price);
-                otherEvents += text(price / 2);
+                plainOther.trade(price / 2, ts);
+                events += R"({"price":)" + std::to_string(price) + stamp + "},";
+                otherEvents += R"({"price":)" + std::to_string(price / 2) + stamp + "},";
             }
             batch(chart + ":trades", "[" + events + R"({"price":"nan"}])");
-            if (!other.empty()) batch(other + ":trades", "[" + otherEvents + "7]");
+            batch(other + ":trades", "[" + otherEvents + "7]");
             ASSERT_EQ(model->candles, plain.bars()) << "step " << step << " at " << std::to_string(after);
             ASSERT_EQ(model->secondaryCandles, plainOther.bars()) << "step " << step << " at " << std::to_string(after);
         }
@@ -78,6 +75,9 @@ class BarOracle : public PaneFixture {
             EXPECT_EQ(model->displayCandles.get(), plainAggregate(plain.bars(), minutes));
         }
         EXPECT_EQ(model->candles.size(), 5000u) << "the run is to reach the cap";
+        event(chart + ":1m", flatBars(model->candles.back().time + 60, 1));
+        EXPECT_EQ(model->srLines.get(), plainLines(model->candles, {}, model->sessionHHMM()))
+            << "the oldest bar is gone";
     }
 };
 

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <random>
 
-#include "model/PaneFixture.h"
+#include "model/TestPane.h"
 
 namespace vmr::test {
 namespace {
@@ -56,57 +56,52 @@ class MutatedFrames : public PaneFixture {
         return from[below(from.size())];
     }
 
-    json envelope(const Kind& kind) {
+    // A message as an event, a snapshot or a batch of one, and where its body is.
+    std::pair<json, json::json_pointer> envelope(const Kind& kind) {
+        const json frames[] = {{{"type", "snapshot"}, {"channel", kind.channel}, {"data", kind.body}},
+                               {{"type", "event"}, {"channel", kind.channel}, {"payload", kind.body}},
+                               {{"type", "batch"}, {"channel", kind.channel}, {"events", {kind.body}}}};
+        const char* const places[] = {"/data", "/payload", "/events/0"};
         const std::size_t type = below(3);
-        if (type == 0) return {{"type", "snapshot"}, {"channel", kind.channel}, {"data", kind.body}};
-        if (type == 1) return {{"type", "event"}, {"channel", kind.channel}, {"payload", kind.body}};
-        return {{"type", "batch"}, {"channel", kind.channel}, {"events", {kind.body}}};
-    }
-    static const char* memberOf(const json& frame) {
-        return frame.contains("data") ? "data" : frame.contains("payload") ? "payload" : "events";
+        return {frames[type], json::json_pointer(places[type])};
     }
 
     // Cut short, or with bytes overwritten until an independent decoder refuses the text. Cutting any text that ends
     // with its outermost brace leaves no JSON.
     std::string brokenText(std::string text) {
         if (below(2) == 0) return text.substr(0, below(text.size()));
-        while (json::accept(text)) {
-            char& c = text[below(text.size())];
-            c = static_cast<char>(c ^ static_cast<char>(1u << below(8)));
-        }
+        while (json::accept(text)) text[below(text.size())] ^= static_cast<char>(1u << below(8));
         return text;
     }
     // An envelope that names no known message, no channel, no body, or a channel that nobody asked for.
     std::string brokenEnvelope(json frame) {
         const std::size_t way = below(6);
         if (way == 0) frame["type"] = pick(Values{nullptr, 5, "Event", "", "snapshots", json::array({"event"})});
-        if (way == 1) frame.erase(below(2) == 0 ? "type" : "channel");
+        if (way == 1) frame.erase(pick(Values{"type", "channel"}).get<std::string>());
         if (way == 2) frame["channel"] = pick(noObjects);
-        if (way == 3) frame.erase(memberOf(frame));
-        if (way == 4)
-            frame["channel"] = frame["channel"].get<std::string>() + pick(Values{" ", ":2m", "x"}).get<std::string>();
+        if (way == 3)
+            for (const char* body : {"data", "payload", "events"}) frame.erase(body);
+        if (way == 4) frame["channel"] = std::string(frame["channel"]) + std::string(pick(Values{" ", ":2m", "x"}));
         if (way == 5) frame = json::array({frame});
         return frame.dump();
     }
     // A body without an essential member, with an odd value for it, or that is of another type altogether.
-    std::string brokenBody(const Kind& kind, json frame) {
-        json& member = frame[memberOf(frame)];
-        json& body = frame.contains("events") ? member[0] : member;
+    std::string brokenBody(const Kind& kind, json frame, const json::json_pointer& at) {
         if (kind.members.empty() || below(4) == 0) {
-            body = pick(noObjects);
+            frame[at] = pick(noObjects);
         } else {
-            const json::json_pointer place(pick(kind.members));
+            const json::json_pointer place = at / json::json_pointer(pick(kind.members));
             if (below(3) == 0)
-                body.at(place.parent_pointer()).erase(place.back());
+                frame.at(place.parent_pointer()).erase(place.back());
             else
-                body[place] = pick(kind.odd);
+                frame[place] = pick(kind.odd);
         }
         return frame.dump();
     }
     std::string broken(const Kind& kind) {
-        const json frame = envelope(kind);
+        const auto [frame, at] = envelope(kind);
         const std::size_t where = below(3);
-        return where == 0 ? brokenText(frame.dump()) : where == 1 ? brokenEnvelope(frame) : brokenBody(kind, frame);
+        return where == 0 ? brokenText(frame.dump()) : where == 1 ? brokenEnvelope(frame) : brokenBody(kind, frame, at);
     }
 
     void openBoth() {
@@ -121,7 +116,7 @@ TEST_F(MutatedFrames, ValidMessagesAreSeenInTheState) {
     for (const Kind& kind : kinds()) {
         openBoth();
         const auto before = documentWithoutLog();
-        const std::string text = envelope(kind).dump();
+        const std::string text = envelope(kind).first.dump();
         frame(text);
         EXPECT_NE(documentWithoutLog(), before) << text;
     }

@@ -1,33 +1,32 @@
 // The bars of a pane by their rules alone, as directly as these read.
 #pragma once
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <map>
-#include <vector>
 
 #include "support/SyntheticMarket.h"
 
 namespace vmr::test {
 
-using Bars = std::vector<Candle>;
+inline Bars valuesOf(const std::map<std::int64_t, Candle>& byTime) {
+    Bars out;
+    for (const auto& [time, bar] : byTime) out.push_back(bar);
+    return out;
+}
 
 /// Bars of `minutes` each.
 inline Bars plainAggregate(const Bars& bars, std::int64_t minutes) {
-    std::map<std::int64_t, Bars> buckets;
-    for (const Candle& bar : bars) buckets[bar.time / (minutes * 60) * (minutes * 60)].push_back(bar);
-    Bars out;
-    for (const auto& [time, own] : buckets) {
-        Candle whole{time, own.front().open, own.front().high, own.front().low, own.back().close, 0};
-        for (const Candle& bar : own) {
-            whole.high = std::fmax(whole.high, bar.high);
-            whole.low = std::fmin(whole.low, bar.low);
-            whole.volume += bar.volume;
-        }
-        out.push_back(whole);
+    std::map<std::int64_t, Candle> buckets;
+    for (const Candle& bar : bars) {
+        const std::int64_t time = bar.time / (minutes * 60) * (minutes * 60);
+        Candle& whole = buckets.try_emplace(time, Candle{time, bar.open, bar.high, bar.low, 0, 0}).first->second;
+        whole.high = std::fmax(whole.high, bar.high);
+        whole.low = std::fmin(whole.low, bar.low);
+        whole.close = bar.close;
+        whole.volume += bar.volume;
     }
-    return out;
+    return valuesOf(buckets);
 }
 
 /// Shares nothing with the program: a map, division and the date library's calendar.
@@ -58,11 +57,7 @@ class PlainBars {
             bars_[t] = {t, last.close, std::fmax(last.close, price), std::fmin(last.close, price), price, 0};
         trim();
     }
-    Bars bars() const {
-        Bars out;
-        for (const auto& [time, bar] : bars_) out.push_back(bar);
-        return out;
-    }
+    Bars bars() const { return valuesOf(bars_); }
 
  private:
     bool isOpen(std::int64_t t) const { return isStock_ ? stocksOpen(t) : futuresOpen(t); }

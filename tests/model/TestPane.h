@@ -1,6 +1,8 @@
 // A whole pane in virtual time: the real model, relay client and session over a played server and memory alone.
 #pragma once
 
+#include <gmock/gmock.h>
+
 #include <memory>
 #include <string>
 #include <utility>
@@ -11,6 +13,7 @@
 #include "model/StateDocument.h"
 #include "services/FakeHttpClient.h"
 #include "services/FakeWebSocket.h"
+#include "support/SyntheticMarket.h"
 #include "support/TestTime.h"
 
 namespace vmr::test {
@@ -36,33 +39,24 @@ class TestPane {
 
     /// An answer to a sign-in or to a refresh: a new token that lives one hour.
     HttpResponse grant() {
-        const std::string n = std::to_string(++tokens);
+        const std::string id = R"("id)" + std::to_string(++tokens) + "\",";
         return {200,
-                R"({"idToken":"id)" + n +
-                    R"(","refreshToken":"refresh","expiresIn":"3600","localId":"uid","id_token":"id)" + n +
-                    R"(","refresh_token":"refresh","expires_in":"3600"})",
+                R"({"refreshToken":"r","expiresIn":"3600","localId":"uid","idToken":)" + id + R"("id_token":)" + id +
+                    R"("refresh_token":"r","expires_in":"3600"})",
                 std::nullopt};
     }
 
     PaneSurroundings surroundings() {
-        return {
-            time,
-            main,
-            preferences,
-            auth,
-            session,
-            ids,
-            [this] { return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time); },
-            [this](const std::string& line) { printed.push_back(line); },
-            {},
-            sim};
+        const auto relay = [this] {
+            return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time);
+        };
+        return {time,    main, preferences, auth,
+                session, ids,  relay,       [this](const std::string& line) { printed.push_back(line); },
+                {},      sim};
     }
-    AppModel& make() {
-        model = std::make_unique<AppModel>(surroundings());
-        return *model;
-    }
-    AppModel& make(const PaneState& restore) {
-        model = std::make_unique<AppModel>(surroundings(), restore);
+    template <class... Restore>
+    AppModel& make(const Restore&... restore) {
+        model = std::make_unique<AppModel>(surroundings(), restore...);
         return *model;
     }
     void signIn() {
@@ -93,15 +87,12 @@ class TestPane {
         sockets.last().frame(bytes);
         time.runUntilIdle();
     }
-    void event(const std::string& channel, const std::string& payload) {
-        frame(R"({"type":"event","channel":")" + channel + R"(","payload":)" + payload + "}");
+    void message(const std::string& type, const std::string& channel, const std::string& key, const std::string& body) {
+        frame(R"({"type":")" + type + R"(","channel":")" + channel + R"(",")" + key + "\":" + body + "}");
     }
-    void snapshot(const std::string& channel, const std::string& data) {
-        frame(R"({"type":"snapshot","channel":")" + channel + R"(","data":)" + data + "}");
-    }
-    void batch(const std::string& channel, const std::string& events) {
-        frame(R"({"type":"batch","channel":")" + channel + R"(","events":)" + events + "}");
-    }
+    void event(const std::string& channel, const std::string& body) { message("event", channel, "payload", body); }
+    void snapshot(const std::string& channel, const std::string& body) { message("snapshot", channel, "data", body); }
+    void batch(const std::string& channel, const std::string& body) { message("batch", channel, "events", body); }
 
     /// The log's texts since the last call.
     std::vector<std::string> takeLog() {
@@ -132,15 +123,21 @@ class TestPane {
     std::unique_ptr<AppModel> model;
 };
 
+/// The same as a test fixture.
+class PaneFixture : public testing::Test, public TestPane {
+ protected:
+    /// The whole minute in which the test starts.
+    static constexpr std::int64_t minute = static_cast<std::int64_t>(wednesdayAt10);
+};
+
 /// JSON of bars, one a minute from `start` (seconds), all prices `price` and volume 1.
 inline std::string flatBars(std::int64_t start, int count, double price = 100) {
+    const std::string p = std::to_string(price);
+    const std::string rest = R"(,"o":)" + p + R"(,"h":)" + p + R"(,"l":)" + p + R"(,"c":)" + p + R"(,"v":1},)";
     std::string out = "[";
-    for (int i = 0; i < count; ++i) {
-        const std::string p = std::to_string(price);
-        out += std::string(i ? "," : "") + R"({"time":)" + std::to_string(start + i * 60) + R"(,"o":)" + p +
-               R"(,"h":)" + p + R"(,"l":)" + p + R"(,"c":)" + p + R"(,"v":1})";
-    }
-    return out + "]";
+    for (int i = 0; i < count; ++i) out += R"({"time":)" + std::to_string(start + i * 60) + rest;
+    out.back() = ']';
+    return out;
 }
 
 }  // namespace vmr::test

@@ -14,19 +14,14 @@ SerialQueue::TimerId TestQueue::every(double first, double period, Task task) {
 bool TestQueue::isCurrent() const { return time_.current_ == this; }
 
 void TestQueue::cancel(TimerId timer) {
-    if (auto found = time_.timers_.find(timer); found != time_.timers_.end()) {
-        time_.entries_.erase(found->second);
-        time_.timers_.erase(found);
-    } else {
-        time_.cancelled_.insert(timer);  // a repeating timer cancelled by its own task
-    }
+    const auto isIt = [timer](const auto& entry) { return entry.second.id == timer; };
+    // otherwise a repeating timer cancelled by its own task
+    if (std::erase_if(time_.entries_, isIt) == 0) time_.cancelled_.insert(timer);
 }
 
 SerialQueue::TimerId TestTime::add(TestQueue* queue, double delay, double period, Task task) {
     const auto id = ++ids_;
-    const Key key{monotonic_ + std::max(delay, 0.0), ++order_};
-    entries_.emplace(key, Entry{queue, std::move(task), period, id});
-    timers_.emplace(id, key);
+    entries_.emplace(Key{monotonic_ + std::max(delay, 0.0), ++order_}, Entry{queue, std::move(task), period, id});
     return id;
 }
 
@@ -34,17 +29,12 @@ bool TestTime::runNext(double end) {
     if (entries_.empty() || entries_.begin()->first.first > end) return false;
     auto node = entries_.extract(entries_.begin());
     Entry entry = std::move(node.mapped());
-    timers_.erase(entry.id);
     monotonic_ = std::max(monotonic_, node.key().first);
     const TestQueue* outer = std::exchange(current_, entry.queue);
     entry.task();
     current_ = outer;
-    if (entry.period > 0 && cancelled_.erase(entry.id) == 0) {
-        const Key key{node.key().first + entry.period, ++order_};
-        const auto id = entry.id;
-        entries_.emplace(key, std::move(entry));
-        timers_.emplace(id, key);
-    }
+    if (entry.period > 0 && cancelled_.erase(entry.id) == 0)
+        entries_.emplace(Key{node.key().first + entry.period, ++order_}, std::move(entry));
     return true;
 }
 
@@ -52,14 +42,6 @@ void TestTime::runUntil(double end) {
     while (runNext(end)) {
     }
     monotonic_ = std::max(monotonic_, end);
-}
-
-bool TestTime::advanceUntil(const std::function<bool()>& done, double limit) {
-    const double end = monotonic_ + limit;
-    while (!done()) {
-        if (!runNext(end)) return done();
-    }
-    return true;
 }
 
 }  // namespace vmr::test

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
-#include <memory>
 #include <set>
 #include <utility>
 
@@ -43,8 +41,6 @@ class TestTime final : public Clock {
     void runUntilIdle() { runUntil(monotonic_); }
     /// Moves time forward by `seconds`, running what falls due in order.
     void advance(double seconds) { runUntil(monotonic_ + seconds); }
-    /// Runs and advances until `done()` holds, at most `limit` virtual seconds; whether it came to hold.
-    bool advanceUntil(const std::function<bool()>& done, double limit);
     /// Jumps market time without running anything.
     void setNow(double now) { start_ = now - monotonic_ * speed_; }
 
@@ -62,13 +58,9 @@ class TestTime final : public Clock {
     void runUntil(double end);
     bool runNext(double end);
 
-    double start_;
-    double speed_;
-    double monotonic_ = 0;
-    std::uint64_t order_ = 0;
-    std::uint64_t ids_ = 0;
+    double start_, speed_, monotonic_ = 0;
+    std::uint64_t order_ = 0, ids_ = 0;
     std::map<Key, Entry> entries_;
-    std::map<SerialQueue::TimerId, Key> timers_;
     std::set<SerialQueue::TimerId> cancelled_;
     const TestQueue* current_ = nullptr;
 };

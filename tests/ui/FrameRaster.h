@@ -9,17 +9,19 @@
 
 namespace vmr::test {
 
-/// A picture that knows how far each pixel may stray: antialiasing places its samples as it likes, so a pixel on an
-/// edge may take any value between the samples around it.
+/// A picture of `samplesASide` by `samplesASide` samples a pixel.
 struct Raster {
-    int width = 0, height = 0;                          ///< device pixels
-    std::vector<std::array<float, 3>> low, high, mean;  ///< 0 to 255 a pixel
+    static constexpr int samplesASide = 4;
+    int width = 0, height = 0;                  ///< samples
+    std::vector<std::array<float, 3>> samples;  ///< 0 to 1
+    std::array<float, 3>& at(int x, int y) { return samples[static_cast<std::size_t>(y * width + x)]; }
 };
 
-/// Sixteen samples a pixel, over black. `atlas` holds the glyphs that the frame refers to.
+/// The frame over black. `atlas` holds the glyphs that it refers to.
 Raster rasterise(const RecordedFrame& frame, const QImage& atlas);
 
-/// Expects that every pixel is one that the raster allows. `meanError` grows with the share of pixels on an edge.
-void expectSame(const QImage& image, const Raster& expected, double meanError);
+/// Expects that every pixel is one that the raster allows: antialiasing places its samples as it likes, so a pixel on
+/// an edge may take any value between the samples around it. `meanError` grows with the share of pixels on an edge.
+void expectSame(const QImage& image, Raster expected, double meanError);
 
 }  // namespace vmr::test

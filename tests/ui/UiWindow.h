@@ -16,7 +16,6 @@
 #include "tests/chart/FullScene.h"
 #include "ui/ChartItem.h"
 #include "ui/PaneViewModel.h"
-#include "ui/SyntheticBars.h"
 #include "ui/UiSetup.h"
 #include "ui/WindowPicture.h"
 
@@ -35,19 +34,32 @@ inline bool runUntil(const std::function<bool()>& done, int limitMs = 10000) {
 }
 
 inline void runFor(int ms) {
-    QElapsedTimer clock;
-    clock.start();
-    runUntil([&] { return clock.elapsed() >= ms; }, ms + 1000);
+    runUntil([] { return false; }, ms);
+}
+
+/// Bars of one trading day from 09:30 in New York, the same for the same count.
+inline std::vector<Candle> syntheticBars(int count) {
+    std::vector<Candle> out;
+    std::uint32_t state = 12345;
+    const auto random = [&state] { return ((state = state * 1664525U + 1013904223U) >> 8) / 16777216.0; };
+    const auto quarter = [](double price) { return std::round(price * 4) / 4; };
+    double close = 21480.25;
+    for (int i = 0; i < count; ++i) {
+        const double open = std::exchange(close, quarter(close + (random() - 0.49) * 14 + 4 * std::sin(i / 7.0)));
+        const double high = quarter(std::max(open, close) + random() * 6);
+        const double low = quarter(std::min(open, close) - random() * 6);
+        out.push_back({1781098200 + 60LL * i, open, high, low, close, std::floor(100 + random() * 900)});
+    }
+    return out;
 }
 
 /// Waits until a first frame has come and then none for a while; `swaps` counts them.
 inline bool comesToRest(const int& swaps) {
     int last = -1;
     return runUntil([&] {
-        if (last == swaps && swaps > 0) return true;
-        last = swaps;
-        runFor(300);
-        return false;
+        const bool rests = std::exchange(last, swaps) == swaps && swaps > 0;
+        if (!rests) runFor(300);
+        return rests;
     });
 }
 
@@ -92,10 +104,7 @@ class UiWindow {
     static PaneViewModel::Fields entered() {
         PaneViewModel::Fields out;
         out.entered = out.connected = true;
-        out.status = "Connected";
-        out.symbol = "NQ";
-        out.futures = QStringList{"NQ", "ES", "RTY", "YM", "GC", "CL"};
-        out.stocks = QStringList{"AAPL", "NVDA", "MSFT", "GOOGL", "AMZN", "META", "TSLA"};
+        out.futures = QStringList{"NQ", "ES"};
         return out;
     }
 
@@ -109,7 +118,6 @@ class UiWindow {
         setScene(chart, data);
         showBars();
     }
-
     bool settle() { return comesToRest(swaps); }
 
     PaneViewModel view;

@@ -1,0 +1,165 @@
+// What lies in screen space around the chart: axes over many cameras and sizes, and the labels beside the strike bars.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "chart/AxisLayer.h"
+#include "chart/AxisScale.h"
+#include "chart/BarLabelLayer.h"
+#include "tests/chart/ChartScene.h"
+#include "tests/chart/FakeGlyphs.h"
+
+namespace vmr::test {
+namespace {
+
+struct AxisLayerTest : ChartScene {
+    FakeGlyphs glyphs;
+    SessionTime session;
+    AxisLayer axes{glyphs, session};
+    std::mt19937 random{7};
+
+    AxisLayerTest() { renderer.addScreenLayer(axes); }
+
+    double between(double lo, double hi) { return std::uniform_real_distribution(lo, hi)(random); }
+    /// A text as drawn, in points.
+    struct Drawn {
+        double left, top, right, bottom;
+        float alpha;
+    };
+    /// Glyphs gathered into texts: those on one line that stand one pen step from each other, or two over a blank.
+    std::vector<Drawn> texts() const {
+        std::vector<Drawn> list;
+        double previous = 0;
+        for (const Draw& call : calls(Pipeline::text, false, Primitive::quads)) {
+            const auto vertices = gpu.vertices<TextVertex>(call);
+            for (std::size_t i = 0; i < vertices.size(); i += 4) {
+                const auto &a = vertices[i].position, &c = vertices[i + 2].position;
+                const Drawn glyph{a[0] / pixelRatio, a[1] / pixelRatio, c[0] / pixelRatio, c[1] / pixelRatio,
+                                  vertices[i].color[3]};
+                const double step = glyph.left - std::exchange(previous, glyph.left);
+                const bool near = (step > 4 && step < 8) || (step > 11.5 && step < 14);
+                if (near && !list.empty() && list.back().top == glyph.top)
+                    list.back().right = glyph.right;
+                else
+                    list.push_back(glyph);
+            }
+        }
+        return list;
+    }
+
+    /// Any bars under any camera in a view of any size.
+    void showAnything(int round) {
+        const int minutes = std::array{1, 5, 15, 60, 240}[static_cast<std::size_t>(round % 5)];
+        auto list = bars(static_cast<std::size_t>(between(1, 1500)));
+        std::int64_t at = firstBarTime;
+        for (Candle& c : list) {
+            c.time = std::exchange(at, at + minutes * 60);
+            const bool night = round % 2 == 0 && AxisScale::fmtTime(session, at, false).text() >= "16:00";
+            if (night) at += 17 * 3600 + 1800;
+        }
+        axes.setTimeframe(minutes);
+        renderer.setCandles({});
+        renderer.setCandles(list);
+        width = between(80, 3000);
+        height = between(30, 2000);
+        pixelRatio = 1 + round / 5 % 4 * 0.25;
+        frame();
+        if (round % 3 == 0) return;
+        renderer.zoom(std::exp(between(-4, 3)));
+        renderer.pan(between(-1500, 100));
+        renderer.zoomPrice(std::exp(between(-7, 3)));
+        renderer.panByPrice(between(-0.6, 0.6) * height, height);
+        frame();
+    }
+};
+
+TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
+    std::size_t seen = 0;
+    for (int round = 0; round < 1500 && !HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        showAnything(round);
+        const auto labels = texts();
+        seen += labels.size();
+        const double slack = 1.01 / pixelRatio;  // rounding to pixels
+        const double right = width - AxisLayer::priceAxisWidth, bottom = height - AxisLayer::timeAxisHeight;
+        const auto onPriceAxis = [&](const Drawn& d) { return d.left > right && d.bottom < bottom; };
+        const bool tagged = !labels.empty() && labels.back().alpha == 1.0F && labels.back().top < bottom;
+        for (std::size_t i = 0; i < labels.size(); ++i) {
+            const Drawn& a = labels[i];
+            EXPECT_TRUE(a.left >= -slack && a.right <= width + slack && a.top >= -slack && a.bottom <= height + slack);
+            if (a.bottom > bottom + slack)
+                EXPECT_TRUE(a.top >= bottom - slack && a.right <= right + slack) << "time label outside its axis";
+            else
+                EXPECT_GE(a.left, right - slack) << "price label outside its axis";
+            for (std::size_t j = i + 1; j < labels.size(); ++j) {
+                const Drawn& b = labels[j];
+                EXPECT_TRUE(a.right <= b.left || b.right <= a.left || a.bottom <= b.top || b.bottom <= a.top)
+                    << a.left << "," << a.top << " and " << b.left << "," << b.top;
+                if (!onPriceAxis(a) || !onPriceAxis(b)) continue;
+                EXPECT_GE(std::abs(a.top - b.top), 16 - slack) << "lines of text crowd";
+                const bool isTag = tagged && j + 1 == labels.size();  // its box is 18 points high around its text
+                EXPECT_GT(std::abs(a.top + a.bottom - b.top - b.bottom) / 2, isTag ? 9 + 3.5 : 0);
+            }
+        }
+    }
+    EXPECT_GT(seen, 15000U);
+}
+
+TEST_F(AxisLayerTest, TheTagLiesOnThePriceLineOfTheSameFrame) {
+    auto list = bars(300);
+    renderer.setCandles(list);
+    settle();
+    list.back().close += 12;
+    renderer.setCandles(list);
+    for (int i = 0; i < 20; ++i) {
+        renderer.panByPrice(7, height);
+        frame();
+        const Drawn tag = texts().back();
+        EXPECT_NEAR((tag.top + tag.bottom) / 2, box(priceLine()).top, 1.6);
+        EXPECT_EQ(tag.alpha, 1.0F);
+    }
+}
+
+TEST(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
+    RecordingGpu gpu;
+    FrameArena arena{gpu};
+    FakeGlyphs glyphs;
+    BarLabelLayer layer{glyphs};
+    std::mt19937 random(3);
+    const auto between = [&](double lo, double hi) { return std::uniform_real_distribution(lo, hi)(random); };
+    std::size_t seen = 0;
+    for (int round = 0; round < 300; ++round) {
+        std::vector<BarLabel> labels;
+        for (int i = 0; i < 60; ++i) {  // each wears its number as its red, so that glyphs tell whose they are
+            const auto value = i % 10 == 0 ? std::nullopt : std::optional(between(-9, 9));
+            labels.push_back({between(-40, 640), between(-40, 440), value ? "21000.5 " : "Gamma Flip",
+                              std::round(between(9, 13)), i % 2 == 0, i / 64.0, 0, 0.5, value});
+        }
+        const double ratio = round % 2 == 0 ? 1 : 1.5;
+        gpu.beginFrame(600, 400, ratio);
+        arena.beginFrame();
+        ScreenFrame frame{gpu, arena, 600, 400, ratio, {}, {}, 0, true, labels};
+        layer.drawAbove(frame);
+        gpu.endFrame();
+        const auto corners = gpu.vertices<TextVertex>(gpu.draws.at(0));
+        for (std::size_t i = 0; i < corners.size(); i += 4) {
+            const auto &a = corners[i], &c = corners[i + 2];
+            for (const float place : a.position) ASSERT_EQ(place, std::round(place)) << "between two pixels";
+            if (a.color[2] != 0.5F) continue;  // a shadow
+            ++seen;
+            ASSERT_TRUE(a.position[0] >= -ratio && c.position[0] <= (600 - 74 + 1) * ratio) << round;
+            ASSERT_TRUE(a.position[1] >= 0 && c.position[1] <= (400 - 22) * ratio) << round;
+            for (std::size_t j = 0; j < corners.size(); j += 4) {
+                const auto &b = corners[j], &d = corners[j + 2];
+                if (b.color[2] != 0.5F || b.color[0] == a.color[0]) continue;
+                const bool besides = a.position[0] >= d.position[0] || b.position[0] >= c.position[0];
+                ASSERT_TRUE(besides || a.position[1] >= d.position[1] || b.position[1] >= c.position[1]) << round;
+            }
+        }
+    }
+    EXPECT_TRUE(gpu.faults.empty());
+    EXPECT_GT(seen, 300U * 50) << "most of what fits is drawn";
+}
+
+}  // namespace
+}  // namespace vmr::test

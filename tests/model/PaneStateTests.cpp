@@ -1,0 +1,78 @@
+// The tables and settings of a pane, and its state document.
+#include <cmath>
+
+#include "model/TestPane.h"
+#include "sim/SimEngine.h"
+
+namespace vmr::test {
+namespace {
+
+using testing::ElementsAre;
+
+using PaneStates = PaneFixture;
+
+TEST_F(PaneStates, TheCatalogReplacesTheBuiltInTables) {
+    openSymbol("NQ");
+    event("meta:instruments", R"({"catalog":{"futures":[
+        {"sym":"SI","sources":["SLV","XAG"],"defaultSource":"XAG","pair":"GC","tick":"0.005","tickValue":25,"hfScale":3},
+        {"sym":"NQ","sources":["QQQ"]}, {"sym":"ES","pair":7,"tick":"x","sources":"SPY"}, {"sym":5}, 7],
+        "stocks":[{"sym":"NFLX","hfScale":"0.5"},{"sym":"AMD"},{"sym":""},"IBM"]}})");
+    event("meta:instruments", R"({"catalog":{"futures":[{"sym":1}],"stocks":[]}})");  // empty lists change nothing
+    EXPECT_THAT(model->catFutures.get(), ElementsAre(CatalogFut{"SI", {"SLV", "XAG"}, "XAG", "GC", 0.005, 25, 3},
+                                                     CatalogFut{"NQ", {"QQQ"}, "QQQ", std::nullopt, 0.25, 5, 1},
+                                                     CatalogFut{"ES", {}, "ES", std::nullopt, 0.25, 5, 1}));
+    EXPECT_EQ(model->pairFor("NQ"), std::nullopt) << "the catalog's entry has no pair";
+    const std::pair<const char*, const char*> charts[] = {{"SI", "futures:SI derived:XAG"},
+                                                          {"AAPL", "futures:SI derived:XAG"},  // no stock any more
+                                                          {"NFLX", "stocks:NFLX derived:NFLX"}};
+    for (const auto& [symbol, chart] : charts) {
+        model->switchSymbol(symbol);
+        EXPECT_EQ(model->chartChannel.get() + " " + model->levelsChannel.get(), chart);
+    }
+    EXPECT_EQ(model->hfScale, 0.5) << "the catalog's";
+}
+
+TEST(FuturesRoot, CutsMonthAndYear) {
+    const std::pair<const char*, const char*> roots[] = {
+        {"futures:NQM6", "NQ"},  {"futures:NQM26", "NQ"},  {"futures:NQM2026", "NQ"}, {"futures:RTYZ25", "RTY"},
+        {"futures:NQ", "NQ"},    {"futures:NQM20261", ""}, {"futures:NQA6", ""},      {"futures:SIN6", ""},
+        {"futures:NQM6:1m", ""}, {"stocks:NQ", ""},        {"futures:NQM", ""},       {"futures:", ""}};
+    for (const auto& [channel, root] : roots) EXPECT_EQ(futuresRoot(channel), root) << channel;
+}
+
+TEST_F(PaneStates, TellsTheAccountQuotesAndOnlySettingsThatDiffer) {
+    SimEngine engine({time, session, UuidSource(5)});
+    engine.commission = 3;
+    sim = &engine;
+    openSymbol("NQ");
+    model->setConfig(model->config);
+    EXPECT_EQ(engine.commission, 3) << "as the account was found";
+    event("futures:NQM6:quote", R"({"bid":99,"ask":101})");
+    engine.place("NQ", sim::Side::buy, sim::OrderType::market, 1);
+    EXPECT_EQ(engine.fills().front().price, 101);
+    GexConfig changed = model->config;
+    changed.sessionStart = 930;
+    model->setConfig(changed);
+    EXPECT_EQ(engine.commission, changed.simCommission);
+    EXPECT_EQ(AppModel(surroundings()).config.get(), changed) << "a later pane reads it";
+    model.reset();  // it must not outlive the account
+}
+
+TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
+    openSymbol("NQ");
+    model->append("quote \" and \xff and \n");
+    model->candles = {{minute, std::nan(""), HUGE_VAL, -HUGE_VAL, 0.1, 1e-310}, {INT64_MAX, 1, 2, 3, 4, 5}};
+    AppModel other(surroundings());
+    const auto document = Json::parse(stateDocument(time, {model.get(), &other}));
+    EXPECT_EQ((*document)["clock"].number(), wednesdayAt10);
+    ASSERT_EQ((*document)["panes"].size(), 2u);
+    const JsonView pane = *(*document)["panes"].items().begin();
+    EXPECT_EQ(pane["authError"].kind(), JsonView::Kind::null);
+    EXPECT_EQ(pane["logLines"].text(), "[\"quote \\\" and \xEF\xBF\xBD and \\n\"]");
+    EXPECT_EQ(pane["candles"].text(),
+              "[[1781100000,null,null,null,0.1,1e-310],[9223372036854775807,1.0,2.0,3.0,4.0,5.0]]");
+    EXPECT_EQ(pane["config"].size(), 60u);
+}
+
+}  // namespace
+}  // namespace vmr::test

@@ -1,0 +1,163 @@
+// What a chart and the login form make of the toolkit's events.
+#include <gtest/gtest.h>
+
+#include <QTest>
+#include <QTime>
+#include <QWheelEvent>
+
+#include "ui/UiWindow.h"
+
+namespace vmr::test {
+namespace {
+
+class ChartItemInput : public testing::Test {
+ protected:
+    void SetUp() override {
+        ASSERT_NE(ui.window, nullptr);
+        ui.window->setPosition(0, 0);
+        chart = ui.chartItem();
+        ASSERT_NE(chart, nullptr);
+        ui.showBars();
+        ASSERT_TRUE(ui.settle());
+        startOver();
+    }
+    void startOver() {
+        chart->renderer().mirrorView(100, 200);
+        chart->renderer().mirrorPrice(21400, 21600);
+    }
+    const Camera& camera() const { return chart->renderer().camera(); }
+    QPoint inWindow(double x, double y) const { return chart->mapToScene(QPointF(x, y)).toPoint(); }
+
+    UiWindow ui{QSize(900, 644), UiWindow::entered(), syntheticBars(1000)};
+    ChartItem* chart = nullptr;
+};
+
+TEST_F(ChartItemInput, WheelsOfEveryKindAndKeysTurnTheRightWay) {
+    struct View {
+        double count = 200, right = 300, span = 200, middle = 21500;
+    };
+    const auto expect = [&](const View& expected) {
+        EXPECT_NEAR(camera().visibleCount, expected.count, 1e-9);
+        EXPECT_NEAR(camera().firstVisible + camera().visibleCount, expected.right, 1e-9);
+        EXPECT_NEAR(camera().yMaxManual - camera().yMinManual, expected.span, 1e-9);
+        EXPECT_NEAR((camera().yMaxManual + camera().yMinManual) / 2, expected.middle, 1e-9);
+        startOver();
+    };
+    const auto none = Qt::NoScrollPhase, update = Qt::ScrollUpdate;
+    const auto wheel = [&](const char* name, const View& expected, QPoint pixels, QPoint angle, Qt::ScrollPhase phase,
+                           Qt::KeyboardModifiers keys = {}) {
+        SCOPED_TRACE(name);
+        const QPointF at = inWindow(300, 200);
+        QWheelEvent event(at, ui.window->mapToGlobal(at), pixels, angle, Qt::NoButton, keys, phase, false);
+        QCoreApplication::sendEvent(ui.window, &event);
+        expect(expected);
+    };
+    const View notch{.count = 188, .span = 188}, pan{.right = 300 - 30 * 200 / chart->width()};
+    wheel("a notch is a line", notch, {}, {0, 120}, none);
+    wheel("no more than this at once", {.count = 120, .span = 120}, {}, {0, 24000}, none);
+    wheel("pixels without phases count for nothing", notch, {0, 40}, {0, 120}, none);
+    wheel("pixels of a touchpad", {.count = 186, .span = 186}, {0, 20}, {0, 240}, update);
+    wheel("a touchpad without pixels", notch, {}, {0, 120}, update);
+    wheel("sideways", pan, {30, 10}, {240, 80}, update);
+    wheel("Alt swaps nothing", notch, {}, {120, 0}, none, Qt::AltModifier);
+    wheel("Shift with the axes swapped", {.span = 188}, {}, {120, 0}, none, Qt::ShiftModifier);
+
+    const auto press = [&](Qt::Key key, const View& expected) {
+        SCOPED_TRACE(key);
+        QTest::keyClick(ui.window, key);
+        expect(expected);
+    };
+    chart->forceActiveFocus();
+    press(Qt::Key_Left, {.right = 280});
+    press(Qt::Key_Right, {.right = 320});
+    press(Qt::Key_Up, {.middle = 21520});
+    press(Qt::Key_Down, {.middle = 21480});
+    press(Qt::Key_Equal, {.count = 200 / 1.15});
+    press(Qt::Key_Minus, {.count = 200 * 1.15});
+    press(Qt::Key_Home, {.right = chart->renderer().rightEdgeFirst() + 200});
+}
+
+TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
+    const auto hover = [&](double x, double y) {
+        runFor(20);  // further apart than the least time between two reports
+        QTest::mouseMove(ui.window, inWindow(x, y));
+        runFor(20);
+    };
+    const auto shows = [&](const char* name) { return ui.item(name)->isVisible(); };
+    const auto textOf = [&](const char* name) { return ui.item(name)->property("text").toString(); };
+    const auto priceAt = [&](double y, double low) { return low + (1.9 - 2 * y / chart->height()) * 200 / 1.8; };
+    hover(250, 411);
+    ASSERT_TRUE(shows("crosshairPrice"));
+    EXPECT_NEAR(textOf("crosshairPrice").remove(',').toDouble(), priceAt(411, 21400), 0.005);
+    EXPECT_EQ(ui.item("crosshairHorizontal")->y(), 411);
+    EXPECT_EQ(ui.item("crosshairVertical")->x(), 250);
+    const auto bar = static_cast<int>(std::round(100 + 250 / chart->width() * 200));  // the first one is at 09:30
+    EXPECT_EQ(textOf("crosshairTime"), "Jun 10  " + QTime(9, 30).addSecs(bar * 60).toString("HH:mm"));
+
+    chart->renderer().mirrorPrice(21300, 21500);  // the camera moves under a resting pointer
+    ASSERT_TRUE(ui.settle());
+    EXPECT_NEAR(textOf("crosshairPrice").remove(',').toDouble(), priceAt(411, 21300), 0.005);
+
+    hover(chart->width() - 10, 300);
+    EXPECT_FALSE(shows("crosshairPrice")) << "over the price axis";
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(ui.window, &leave);
+    EXPECT_FALSE(shows("crosshairVertical")) << "outside of the window";
+}
+
+TEST_F(ChartItemInput, TakingThePointerAwayEndsADrag) {
+    int ended = 0;
+    PaneViewModel::Actions actions;
+    actions.interactionEnded = [&] { ++ended; };
+    ui.view.setActions(actions);
+    QTest::mousePress(ui.window, Qt::LeftButton, {}, inWindow(300, 100));
+    for (const double y : {150, 180}) QTest::mouseMove(ui.window, inWindow(300, y));
+    EXPECT_TRUE(chart->renderer().interacting());
+    chart->ungrabMouse();
+    EXPECT_FALSE(chart->renderer().interacting());
+    EXPECT_EQ(ended, 1);
+    EXPECT_NEAR(camera().yMinManual, 21400 + 80 / chart->height() * 200, 1e-9) << "nothing of the drag is lost";
+    QTest::mouseRelease(ui.window, Qt::LeftButton, {}, inWindow(300, 300));
+    EXPECT_EQ(ended, 1);
+}
+
+TEST(Views, SignInByKeyboardAlone) {
+    UiWindow ui(QSize(1000, 580), {});
+    ASSERT_NE(ui.window, nullptr);
+    QStringList calls;
+    PaneViewModel::Actions actions;
+    actions.signIn = [&](const QString& email, const QString& password, bool remember) {
+        calls.push_back(email + '|' + password + (remember ? "|remember" : ""));
+    };
+    ui.view.setActions(actions);
+    ASSERT_TRUE(runUntil([&] { return ui.window->activeFocusItem() != nullptr; }));
+    const auto type = [&](const char* text) {
+        for (; *text; ++text) QTest::keyClick(ui.window, *text);
+    };
+    const auto press = [&](Qt::Key key) { QTest::keyClick(ui.window, key); };
+    type("ann@example.com");
+    press(Qt::Key_Return);
+    EXPECT_TRUE(calls.empty()) << "nothing is sent without a password";
+    EXPECT_TRUE(ui.item("password")->hasActiveFocus());
+    type("s3 cret");
+    press(Qt::Key_Tab);
+    press(Qt::Key_Space);
+    press(Qt::Key_Backtab);
+    press(Qt::Key_Return);
+    EXPECT_EQ(calls, QStringList{"ann@example.com|s3 cret"}) << "not to be remembered";
+
+    auto fields = ui.view.fields();
+    fields.signingIn = true;
+    ui.view.setFields(fields);
+    press(Qt::Key_Return);
+    EXPECT_EQ(calls.size(), 1);
+    fields.signingIn = false;
+    fields.authError = "Auth error (400): INVALID_PASSWORD";
+    ui.view.setFields(fields);
+    EXPECT_EQ(ui.item("error")->property("text").toString(), fields.authError);
+    press(Qt::Key_Enter);
+    EXPECT_EQ(calls.size(), 2) << "ready for another try";
+}
+
+}  // namespace
+}  // namespace vmr::test
