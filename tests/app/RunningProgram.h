@@ -1,71 +1,79 @@
 // The program as a process that a test speaks to through pipes.
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "base/Clock.h"
-
-extern char** environ;
+#include "base/Uuid.h"
 
 namespace vmr {
 
 class RunningProgram {
  public:
-    /// Starts it with `home` as the person's home and without settings from the environment.
-    RunningProgram(const std::filesystem::path& home, std::vector<std::string> words) {
+    /// The person's home and the current folder; it goes with this object.
+    const std::filesystem::path home =
+        std::filesystem::temp_directory_path() / ("velmora-run-" + UuidSource().next().text());
+
+    /// Starts it without settings from the environment.
+    explicit RunningProgram(std::vector<std::string> words) {
+        std::filesystem::create_directories(home);
         int in[2], out[2];
-        if (::pipe(in) != 0 || ::pipe(out) != 0) std::abort();
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, in[0], 0);
-        posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-        for (const int end : {in[0], in[1], out[0], out[1]}) posix_spawn_file_actions_addclose(&actions, end);
-        std::vector<std::string> environment{"HOME=" + home.string()};
-        for (char** at = environ; *at; ++at) {
-            const std::string entry = *at;
-            if (!entry.starts_with("HOME=") && !entry.starts_with("XDG_") && !entry.starts_with("VMR_"))
-                environment.push_back(entry);
-        }
+        EXPECT_EQ(::pipe2(in, O_CLOEXEC) | ::pipe2(out, O_CLOEXEC), 0);
         words.insert(words.begin(), VMR_PROGRAM);
-        auto pointers = pointersTo(environment), argv = pointersTo(words);
-        EXPECT_EQ(::posix_spawn(&pid_, VMR_PROGRAM, &actions, nullptr, argv.data(), pointers.data()), 0);
-        posix_spawn_file_actions_destroy(&actions);
+        std::vector<char*> argv;
+        for (auto& word : words) argv.push_back(word.data());
+        argv.push_back(nullptr);
+        if ((pid_ = ::fork()) == 0) {
+            ::dup2(in[0], 0);
+            for (const int told : {1, 2}) ::dup2(out[1], told);
+            for (char** at = environ; *at;) {
+                const std::string name(*at, std::string_view(*at).find('='));
+                if (!name.starts_with("XDG_") && !name.starts_with("VMR_"))
+                    ++at;
+                else
+                    ::unsetenv(name.c_str());
+            }
+            ::setenv("HOME", home.c_str(), 1);
+            if (::chdir(home.c_str()) == 0) ::execv(VMR_PROGRAM, argv.data());
+            ::_exit(127);
+        }
         ::close(in[0]);
         ::close(out[1]);
         input_ = in[1];
         output_ = out[0];
     }
     ~RunningProgram() {
-        if (pid_ > 0) kill();
+        if (pid_ > 0) end(SIGKILL);
         ::close(input_);
         ::close(output_);
+        std::error_code ignored;
+        std::filesystem::remove_all(home, ignored);
     }
     RunningProgram(const RunningProgram&) = delete;
-    RunningProgram& operator=(const RunningProgram&) = delete;
 
-    void kill() {
-        ::kill(pid_, SIGKILL);
-        wait();
-    }
-    /// Its status as `waitpid` gives it, once it has ended.
-    int wait() {
+    /// Its exit status once it has ended, on its own or by the signal.
+    int end(int signal = 0) {
         int status = 0;
+        ::kill(pid_, signal);
         ::waitpid(pid_, &status, 0);
         pid_ = 0;
-        return status;
+        return WEXITSTATUS(status);
     }
-    void say(const std::string& line) { EXPECT_EQ(::write(input_, line.data(), line.size()), ssize_t(line.size())); }
+    void say(const std::string& line) {
+        EXPECT_EQ(::write(input_, (line + "\n").c_str(), line.size() + 1), ssize_t(line.size() + 1));
+    }
     /// Waits at most `seconds` for a whole line.
     std::optional<std::string> line(double seconds) {
         const double until = clock_.monotonic() + seconds;
@@ -84,15 +92,13 @@ class RunningProgram {
             text_.append(buffer, static_cast<std::size_t>(count));
         }
     }
-
- private:
-    static std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-        std::vector<char*> out;
-        for (auto& text : texts) out.push_back(text.data());
-        out.push_back(nullptr);
-        return out;
+    /// A file below its home as JSON.
+    nlohmann::json file(const std::string& name) const {
+        std::ifstream in(home / name);
+        return nlohmann::json::parse(in, nullptr, false);
     }
 
+ private:
     SystemClock clock_;
     pid_t pid_ = 0;
     int input_ = -1, output_ = -1;

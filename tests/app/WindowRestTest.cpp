@@ -11,47 +11,34 @@
 namespace vmr {
 namespace {
 
-class Drawn {
- public:
-    void watch() {
-        window_ = qobject_cast<QQuickWindow*>(QGuiApplication::topLevelWindows().value(0));
-        ASSERT_NE(window_, nullptr);
-        QObject::connect(
-            window_, &QQuickWindow::frameSwapped, window_, [this] { ++swaps_; }, Qt::DirectConnection);
-    }
-    ChartItem* chart() const { return window_->findChild<ChartItem*>(); }
-    std::uint64_t frames() const { return chart() ? chart()->framesDrawn() : 0; }
-    int swaps() const { return swaps_; }
-
- private:
-    QQuickWindow* window_ = nullptr;
-    std::atomic<int> swaps_ = 0;
-};
-
 TEST(WindowRest, AClosedMarketDrawsNothing) {
     test::WindowRun window("2026-06-13T12:00:00");
     ASSERT_FALSE(window.start->failure()) << *window.start->failure();
     const Clock& clock = window.start->clock();
-    Drawn drawn;
-    test::Script script;
+    QQuickWindow* shown = nullptr;
+    std::atomic<int> swapped = 0;
+    const auto drawn = [&]() -> std::uint64_t {
+        const auto* chart = shown->findChild<ChartItem*>();
+        return chart ? chart->framesDrawn() : 0;
+    };
 
     double since = 0;
     std::uint64_t frames = 0;
     int swaps = 0;
     const auto mark = [&] {
         since = clock.monotonic();
-        frames = drawn.frames();
-        swaps = drawn.swaps();
+        frames = drawn();
+        swaps = swapped;
     };
     const auto passed = [&](double seconds) { return [&, seconds] { return clock.monotonic() - since >= seconds; }; };
     // Nothing drawn for a second and a half: the seconds' timers have run meanwhile.
     const auto settled = [&] {
-        if (drawn.frames() != frames || drawn.swaps() != swaps) mark();
+        if (drawn() != frames || swapped != swaps) mark();
         return passed(1.5)();
     };
     const auto nothingDrawn = [&](const char* when) {
-        EXPECT_EQ(drawn.frames(), frames) << when;
-        EXPECT_EQ(drawn.swaps(), swaps) << when;
+        EXPECT_EQ(drawn(), frames) << when;
+        EXPECT_EQ(swapped, swaps) << when;
     };
     const auto set = [&](auto&& change) {
         GexConfig config = window.pane().config;
@@ -59,9 +46,9 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
         window.pane().setConfig(config);
     };
 
-    script.step([&] { return window.streaming() && drawn.frames() > 0; }, mark);
-    script.step(settled, mark);
-    script.step(passed(10), [&] {
+    window.step([&] { return window.streaming() && drawn() > 0; }, mark);
+    window.step(settled, mark);
+    window.step(passed(10), [&] {
         nothingDrawn("at rest");
         EXPECT_TRUE(window.pane().connected);
         EXPECT_GT(window.pane().strikes->size(), 5U) << "something to ease";
@@ -72,15 +59,21 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
         window.pane().chartVersionChanged();
         mark();
     });
-    script.step(passed(1.5), [&] {
+    window.step(passed(1.5), [&] {
         nothingDrawn("after changes that do not show");
         set([](GexConfig& config) { config.hfLateralMode = "net"; });
         mark();
     });
-    script.step(passed(0.5), [&] { EXPECT_GT(drawn.frames(), frames + 1) << "the waves ease to their new shape"; });
-    script.step(settled, mark);
-    script.step(passed(3), [&] { nothingDrawn("after the easing"); });
-    EXPECT_EQ(window.run(script, 90, [&] { drawn.watch(); }), 0) << "stopped at step " << script.finished();
+    window.step(passed(0.5), [&] { EXPECT_GT(drawn(), frames + 1) << "the waves ease to their new shape"; });
+    window.step(settled, mark);
+    window.step(passed(3), [&] { nothingDrawn("after the easing"); });
+    EXPECT_EQ(window.run(90,
+                         [&] {
+                             shown = qobject_cast<QQuickWindow*>(QGuiApplication::topLevelWindows().value(0));
+                             QObject::connect(
+                                 shown, &QQuickWindow::frameSwapped, shown, [&] { ++swapped; }, Qt::DirectConnection);
+                         }),
+              0u);
 }
 
 }  // namespace

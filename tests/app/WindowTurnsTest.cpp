@@ -11,76 +11,67 @@
 namespace vmr {
 namespace {
 
-// Measures how long the event loop stays away from waiting (with QT_NO_GLIB: GLib dispatches between the two signals).
-class TurnProbe {
- public:
-    void watch(QAbstractEventDispatcher* dispatcher) {
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, [this] { timer_.start(); });
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, [this] {
-            if (timer_.isValid()) longest_ = std::max(longest_, static_cast<double>(timer_.nsecsElapsed()) * 1e-6);
-            timer_.invalidate();
-        });
-    }
-    void reset() { longest_ = 0; }
-    double longestMs() const { return longest_; }
-
- private:
-    QElapsedTimer timer_;
-    double longest_ = 0;
-};
-
 TEST(WindowTurns, HugeSnapshotsLeaveTheMainThreadFree) {
     test::WindowRun window("2026-06-10T10:00:30");
     ProgramStart& start = *window.start;
     ASSERT_FALSE(start.failure()) << *start.failure();
 
-    TurnProbe probe;
-    test::Script script;
-    double barsMs = -1, derivedMs = -1, freeingMs = -1;
+    // how long the event loop stays away from waiting (with QT_NO_GLIB: GLib dispatches between the two signals)
+    QElapsedTimer turn;
+    double longestMs = 0;
+    const auto watch = [&] {
+        auto* dispatcher = QAbstractEventDispatcher::instance();
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, [&] { turn.start(); });
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, [&] {
+            if (turn.isValid()) longestMs = std::max(longestMs, static_cast<double>(turn.nsecsElapsed()) * 1e-6);
+            turn.invalidate();
+        });
+    };
     const auto pane = [&]() -> AppModel& { return window.pane(); };
-    const auto streaming = [&] { return window.streaming(); };
     const auto snapshots = [&](const std::string& channel) {
         return std::count_if(pane().logLines.begin(), pane().logLines.end(),
                              [&](const LogLine& line) { return line.text.starts_with(channel + " [snapshot]"); });
     };
-    double settled = 0;  // a rest after each step, so that its frames and its freeing are in the measure
-    const auto rest = [&] { return start.clock().monotonic() > settled; };
-    const auto then = [&](std::function<void()> act, double seconds = 1.0) {
-        return [&, act, seconds] {
-            act();
-            settled = start.clock().monotonic() + seconds;
-        };
+    double restedAt = 0;  // a second after each step, so that its frames and its freeing are in the measure
+    const auto rested = [&] { return start.clock().monotonic() > restedAt; };
+    const auto step = [&](std::function<bool()> done, std::function<void()> act) {
+        window.step([&, done] { return rested() && done(); },
+                    [&, act] {
+                        act();
+                        restedAt = start.clock().monotonic() + 1;
+                    });
     };
+    std::vector<std::pair<const char*, double>> longest;
     std::future<std::string> told;  // the relay writes the message on the thread that asks for it
-    const auto tell = [&](const std::string& fault) {
-        told = std::async(std::launch::async, [&start, fault] { return start.practice()->command(fault); });
-    };
-    script.step(streaming, then([] {}));
+    std::string channel;
     std::ptrdiff_t before = 0;
-    script.step(rest, then([&] {
-                    before = snapshots(pane().chartChannel);
-                    probe.reset();
-                    tell("big-bars 60000000 " + pane().chartChannel.get());
-                }));
-    script.step([&] { return rest() && snapshots(pane().chartChannel) > before; }, then([] {}));
-    script.step(rest, then([&] {
-                    barsMs = probe.longestMs();
-                    before = snapshots(pane().levelsChannel);
-                    probe.reset();
-                    tell("big-derived 60000000 " + pane().levelsChannel.get());
-                }));
-    script.step([&] { return snapshots(pane().levelsChannel) > before; }, then([] {}));
-    script.step(rest, then([&] {
-                    derivedMs = probe.longestMs();
-                    probe.reset();
-                    pane().reloadChart();
-                }));
-    script.step([&] { return rest() && streaming(); }, [&] { freeingMs = probe.longestMs(); });
+    const auto big = [&](const std::string& fault, const std::string& name) {
+        channel = name;
+        before = snapshots(channel);
+        longestMs = 0;
+        told = std::async(std::launch::async,
+                          [&start, fault, name] { return start.practice()->command(fault + " 60000000 " + name); });
+    };
+    const auto came = [&] { return snapshots(channel) > before; };
+    step([&] { return window.streaming(); }, [] {});
+    step([] { return true; }, [&] { big("big-bars", pane().chartChannel); });
+    step(came, [] {});
+    step(came, [&] {
+        longest.emplace_back("bars", longestMs);
+        big("big-derived", pane().levelsChannel);
+    });
+    step(came, [] {});
+    step(came, [&] {
+        longest.emplace_back("derived", longestMs);
+        longestMs = 0;
+        pane().reloadChart();
+    });
+    step([&] { return window.streaming(); }, [&] { longest.emplace_back("freeing", longestMs); });
 
-    EXPECT_EQ(window.run(script, 60, [&] { probe.watch(QAbstractEventDispatcher::instance()); }), 0)
-        << "stopped at step " << script.finished();
-    std::printf("longest turns: bars %.1f ms, derived %.1f ms, freeing %.1f ms\n", barsMs, derivedMs, freeingMs);
-    for (const double ms : {barsMs, derivedMs, freeingMs}) {
+    EXPECT_EQ(window.run(60, watch), 0u);
+    ASSERT_EQ(longest.size(), 3u);
+    for (const auto& [name, ms] : longest) {
+        std::printf("longest turn, %s: %.1f ms\n", name, ms);
         EXPECT_GT(ms, 0);
         EXPECT_LT(ms, 50);
     }

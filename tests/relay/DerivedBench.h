@@ -51,20 +51,14 @@ class Listener final : public Subscriber {
 /// One run of the market.
 class DerivedBench {
  public:
-    explicit DerivedBench(std::uint64_t seed = 1, double speed = 1, std::map<std::string, TradeSource*> tapes = {})
-        : simulated_(seed, calendar_),
-          tapes_(std::move(tapes)),
-          market(seed, [this](const Instrument& one) -> TradeSource& { return source(one); }),
-          chains(market) {
+    explicit DerivedBench(double speed = 1) {
         hub.add(std::make_unique<ChainPublisher>(hub, chains, speed));
         hub.add(std::make_unique<MinutePublisher>(hub, chains, speed));
         hub.add(std::make_unique<LevelsPublisher>(hub, market));
     }
 
     TradeSource& source(const Instrument& one) {
-        const std::string symbol(one.symbol);
-        if (const auto tape = tapes_.find(symbol); tape != tapes_.end()) return *tape->second;
-        auto& made = sources_[symbol];
+        auto& made = sources_[std::string(one.symbol)];
         if (!made) made = simulated_.source(one);
         return *made;
     }
@@ -79,13 +73,12 @@ class DerivedBench {
 
  private:
     SessionCalendar calendar_;
-    SimulatedMarket simulated_;
-    std::map<std::string, TradeSource*> tapes_;
+    SimulatedMarket simulated_{1, calendar_};
     std::map<std::string, std::unique_ptr<TradeSource>> sources_;
 
  public:
-    DerivedMarket market;
-    ChainBook chains;
+    DerivedMarket market{1, [this](const Instrument& one) -> TradeSource& { return source(one); }};
+    ChainBook chains{market};
     ChannelHub hub;
 };
 

@@ -4,12 +4,37 @@
 
 #include "market/ClockSetting.h"
 #include "relay/BarBook.h"
+#include "relay/SessionCalendar.h"
 #include "relay/SimulatedMarket.h"
 
 namespace vmr {
 namespace {
 
 std::int64_t at(const std::string& moment) { return static_cast<std::int64_t>(*parseMoment(moment)); }
+
+TEST(SessionCalendar, CountsMinutesFromTheEveningOpenWithoutWeekends) {
+    SessionCalendar calendar;
+    const std::int64_t day = calendar.place(at("2026-06-10T00:00"))->day;
+    for (const auto& [moment, place] : {std::pair("2026-06-09T18:00:00", std::optional(SessionPlace{day, 0})),
+                                        {"2026-06-10T17:00:00", std::nullopt},
+                                        {"2026-06-12T16:59:00", SessionPlace{day + 2, 1379}},
+                                        {"2026-06-14T17:59:00", std::nullopt},
+                                        {"2026-06-15T09:30:00", SessionPlace{day + 3, 930}}})
+        EXPECT_EQ(calendar.place(at(moment)), place) << moment;
+    EXPECT_EQ(calendar.dayStart(day + 3), at("2026-06-14T18:00"));
+    EXPECT_EQ(calendar.historyStart(at("2026-06-13T12:00")), at("2026-06-04T18:00"));
+}
+
+TEST(SessionCalendar, AClockChangeSundayDoesNotDependOnWhatWasAskedFirst) {
+    for (const std::string change : {"2026-03-08", "2026-11-01"}) {
+        SessionCalendar early, late;
+        early.place(at(change + "T00:30Z"));
+        const std::int64_t open = at(change + "T18:00");
+        ASSERT_TRUE(late.place(open));
+        EXPECT_EQ(late.place(open)->minute, 0);
+        EXPECT_EQ(early.place(open), late.place(open));
+    }
+}
 
 struct Market {
     explicit Market(std::uint64_t seed) : simulated(seed, calendar) {}

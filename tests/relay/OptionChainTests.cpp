@@ -67,17 +67,5 @@ TEST(OptionChain, EverySourceAddsUp) {
     }
 }
 
-TEST(OptionChain, ExpiresOnWeekdaysOfThreeWeeksAndStocksOnFridays) {
-    DerivedBench bench;
-    const json dates = bench.snapshot("derived:QQQ", morning)["expirations"];
-    EXPECT_EQ(dates.size(), 15u);
-    EXPECT_EQ(dates.front(), "2026-06-10");
-    EXPECT_EQ(dates[3], "2026-06-15");
-    EXPECT_EQ(bench.snapshot("derived:AAPL", morning)["expirations"],
-              json::parse(R"(["2026-06-12","2026-06-19","2026-06-26"])"));
-    EXPECT_EQ(bench.snapshot("derived:SPX", morning + 10 * 3600)["expirations"].front(), "2026-06-11")
-        << "the evening session is the next day's";
-}
-
 }  // namespace
 }  // namespace vmr

@@ -16,15 +16,6 @@ using test::RelayProbe;
 
 std::string inTemp(const std::string& name) { return testing::TempDir() + "/relay_recording_" + name; }
 
-std::vector<RecordedFrame> all(const std::string& file) {
-    std::string error;
-    const auto reader = RecordingReader::open(file, error);
-    EXPECT_TRUE(reader) << error;
-    std::vector<RecordedFrame> frames;
-    for (; reader && reader->peek(); reader->pop()) frames.push_back(*reader->peek());
-    return frames;
-}
-
 TEST(Recording, GivesBackWhatWasWrittenWhileItGrows) {
     const std::string file = inTemp("growing.vmr");
     std::string error;
@@ -60,24 +51,12 @@ TEST(Recording, ACutOrDamagedFilePlaysUpToThere) {
     damaged.replace(bytes.size() / 2, 40, std::string(40, '\xa5'));
     for (const auto& left : {bytes.substr(0, bytes.size() - 20), bytes.substr(0, bytes.size() / 2), damaged}) {
         ASSERT_FALSE(replaceFile(part, left));
-        const auto frames = all(part);
-        EXPECT_GT(frames.size(), 100u);
-        EXPECT_LT(frames.size(), 2000u);
-    }
-    EXPECT_EQ(all(file).size(), 2000u);
-}
-
-TEST(Recording, NamesWhatIsWrongWithAFile) {
-    const std::string text = inTemp("text.vmr");
-    ASSERT_FALSE(replaceFile(text, "velmora-recording 1\n{\"t\":1,\"n\":2,\"c\":\"x\"}\n{}\n"));
-    for (const auto& [file, expected] : {std::pair(inTemp("missing.vmr"), "cannot be opened"),
-                                         {testing::TempDir(), "cannot be opened"},
-                                         {text, "is no recording of a relay"}}) {
-        test::HandClock clock(1000);
-        PracticeRelayOptions options;
-        options.replay = file;
-        const std::string wrong = PracticeRelay(clock, options).start().value_or("");
-        EXPECT_NE(wrong.find(expected), std::string::npos) << wrong;
+        const auto reader = RecordingReader::open(part, error);
+        ASSERT_TRUE(reader) << error;
+        int frames = 0;
+        for (; reader->peek(); reader->pop()) ++frames;
+        EXPECT_GT(frames, 100);
+        EXPECT_LT(frames, 2000);
     }
 }
 
@@ -93,12 +72,12 @@ struct Client {
     }
     void readUntil(const std::function<bool()>& enough) {
         while (!enough()) {
-            const auto heard = probe.read();
-            ASSERT_FALSE(heard.ended);
-            const json message = json::parse(heard.text);
+            const std::string text = probe.read();
+            ASSERT_FALSE(text.empty());
+            const json message = json::parse(text);
             const std::string channel = message["channel"];
             if (channel.starts_with("derived:")) {
-                listener.send(Frame(heard.text));
+                listener.send(Frame(text));
             } else {
                 prices.push_back(message);
                 if (message["type"] == "snapshot")

@@ -1,53 +1,113 @@
-// A practice relay that runs, a plain client of it, and one request at a time to its sign-in endpoints.
+// A practice relay that runs, and plain blocking clients of it.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <atomic>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/beast/core/buffers_to_string.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http.hpp>
+#include <boost/beast/websocket.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 
+#include "base/Clock.h"
 #include "market/ClockSetting.h"
-#include "relay/HandClock.h"
 #include "relay/PracticeRelay.h"
 
 namespace vmr::test {
 
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+using asio::ip::tcp;
 using nlohmann::json;
 
-/// What a read gave: a message, or how the connection ended.
-struct Heard {
-    std::string text;
-    int closeCode = 0;   ///< of a close frame
-    bool ended = false;  ///< closed, dropped, or nothing came in time
-    bool timedOut = false;
-};
-
-/// Blocking calls, each with a limit of 20 real seconds.
-class RelayProbe {
+/// A clock that stands where the test put it. Any thread.
+class HandClock final : public Clock {
  public:
-    /// Opens a socket with this token; `status()` is 101 when it was let in.
-    RelayProbe(const PracticeRelay& relay, const std::string& token);
-    ~RelayProbe();
-
-    int status() const;
-    void send(const std::string& text);
-    void subscribe(const std::vector<std::string>& channels);
-    Heard read(double seconds = 20);
-    /// The next message of that type and, unless empty, channel; null when the connection ended first.
-    json next(const std::string& type, const std::string& channel = {});
-    /// Whether a ping is answered.
-    bool answers();
+    explicit HandClock(double now) : now_(now) {}
+    double now() const override { return now_; }
+    double monotonic() const override { return monotonic_; }
+    double speed() const override { return 1; }
+    void set(double now) { now_ = now; }
+    void advance(double seconds) { now_ = now_ + seconds; }
+    void age(double realSeconds) { monotonic_ = monotonic_ + realSeconds; }
 
  private:
-    struct Impl;
-    std::unique_ptr<Impl> impl_;
+    std::atomic<double> now_, monotonic_ = 1000;
+};
+
+inline tcp::endpoint endpointOf(const std::string& url) {
+    return {asio::ip::address_v4::loopback(), static_cast<unsigned short>(std::stoi(url.substr(url.rfind(':') + 1)))};
+}
+
+class RelayProbe {
+ public:
+    /// Opens a socket with this token; `status` is 101 when it was let in.
+    RelayProbe(const PracticeRelay& relay, const std::string& token) {
+        socket_.next_layer().connect(endpointOf(relay.relayUrl()));
+        socket_.read_message_max(512u << 20);
+        beast::websocket::response_type response;
+        std::string target = "/?token=";
+        for (const unsigned char c : token) target += {'%', "0123456789ABCDEF"[c >> 4], "0123456789ABCDEF"[c & 15]};
+        // the blocking call does not tell a refusal's status
+        socket_.async_handshake(response, "127.0.0.1", target, [this](auto error) { failed_ = error; });
+        context_.run();
+        status = response.result_int();
+    }
+    unsigned status = 0;
+    int closeCode = 0;  ///< of the close frame that ended the connection
+
+    void send(const std::string& text) { socket_.write(asio::buffer(text), failed_); }
+    void subscribe(const std::vector<std::string>& channels) {
+        send(json{{"action", "subscribe"}, {"channels", channels}}.dump());
+    }
+    bool hasUnread() { return socket_.next_layer().available() > 0; }
+    /// The next message; empty once the connection has ended.
+    std::string read() {
+        beast::flat_buffer buffer;
+        socket_.read(buffer, failed_);
+        if (failed_ == beast::websocket::error::closed) closeCode = socket_.reason().code;
+        return failed_ ? "" : beast::buffers_to_string(buffer.data());
+    }
+    /// The next message of that type and, unless empty, channel; null when the connection ended first.
+    json next(const std::string& type, const std::string& channel = {}) {
+        for (std::string text; !(text = read()).empty();) {
+            json message = json::parse(text);
+            if (message["type"] == type && (channel.empty() || message["channel"] == channel)) return message;
+        }
+        return nullptr;
+    }
+    bool answers() {
+        send(R"({"type":"ping","ts":1})");
+        return next("pong").is_object();
+    }
+
+ private:
+    asio::io_context context_;
+    beast::websocket::stream<tcp::socket> socket_{context_};
+    boost::system::error_code failed_;
 };
 
 /// Signs the practice account in and gives its identity token.
-std::string signedIn(const PracticeRelay& relay);
+inline std::string signedIn(const PracticeRelay& relay) {
+    namespace http = beast::http;
+    const json body{{"email", relay.email()}, {"password", relay.password()}, {"returnSecureToken", true}};
+    http::request<http::string_body> request(http::verb::post, "/v1/accounts:signInWithPassword?key=" + relay.apiKey(),
+                                             11, body.dump());
+    request.prepare_payload();
+    asio::io_context context;
+    tcp::socket socket(context);
+    socket.connect(endpointOf(relay.restUrl()));
+    http::write(socket, request);
+    http::response<http::string_body> response;
+    beast::flat_buffer buffer;
+    http::read(socket, buffer, response);
+    return json::parse(response.body()).value("idToken", "");
+}
 
 struct RunningRelay : testing::Test {
     void start(const PracticeRelayOptions& options = {}) {
@@ -59,7 +119,7 @@ struct RunningRelay : testing::Test {
     void SetUp() override { start(); }
     std::unique_ptr<RelayProbe> greeted() {
         auto probe = std::make_unique<RelayProbe>(*relay, token);
-        EXPECT_EQ(probe->next("hello")["type"], "hello");
+        EXPECT_EQ(probe->next("hello")["email"], relay->email());
         return probe;
     }
     HandClock clock{*parseMoment("2026-06-10T10:00:20")};

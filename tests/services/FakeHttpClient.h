@@ -22,35 +22,24 @@ class FakeHttpClient final : public HttpClient {
     /// Asked for each request; what it gives is the answer at once, nothing leaves the request waiting.
     std::function<std::optional<HttpResponse>(const HttpRequest&)> responder;
 
-    /// How many requests wait for an answer.
-    std::size_t waiting() const { return waiting_.size(); }
-
     /// Answers the one that has waited longest, or the `index`-th of those that wait.
     void answer(int status, std::string body, std::size_t index = 0) {
-        reply({status, std::move(body), std::nullopt}, index);
+        answer(HttpResponse{status, std::move(body), std::nullopt}, index);
     }
-    /// Likewise with a transport's error.
-    void fail(std::string error, std::size_t index = 0) { reply({0, "", std::move(error)}, index); }
-
-    void send(HttpRequest request, Done done) override {
-        auto response = responder ? responder(request) : std::nullopt;
-        requests.push_back(std::move(request));
-        if (response)
-            post(std::move(done), std::move(*response));
-        else
-            waiting_.push_back(std::move(done));
-    }
-
- private:
-    void reply(HttpResponse response, std::size_t index) {
+    void answer(HttpResponse response, std::size_t index = 0) {
         Done done = std::move(waiting_.at(index));
         waiting_.erase(waiting_.begin() + static_cast<std::ptrdiff_t>(index));
-        post(std::move(done), std::move(response));
-    }
-    void post(Done done, HttpResponse response) {
         main_.post([done = std::move(done), response = std::move(response)] { done(response); });
     }
 
+    void send(HttpRequest request, Done done) override {
+        waiting_.push_back(std::move(done));
+        requests.push_back(std::move(request));
+        if (auto response = responder ? responder(requests.back()) : std::nullopt)
+            answer(std::move(*response), waiting_.size() - 1);
+    }
+
+ private:
     SerialQueue& main_;
     std::deque<Done> waiting_;
 };

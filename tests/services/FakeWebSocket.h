@@ -19,38 +19,27 @@ class FakeWebSockets {
     class Socket : public std::enable_shared_from_this<Socket> {
      public:
         std::string url;
-        std::size_t maxMessageBytes = 0;
         std::vector<std::string> sent;  ///< what the client sent, oldest first
         std::optional<int> cancelCode;  ///< set once the client has cancelled
         bool lateEvents = false;
 
         bool gone() const { return cancelCode || destroyed_; }
 
-        void accept() {
-            fire([](const WebSocket::Events& events) { events.onOpen(); });
-        }
-        void frame(std::string bytes, bool binary = false) {
-            fire([bytes, binary](const WebSocket::Events& events) { events.onFrame(bytes, binary); });
-        }
-        void close(int code) {
-            fire([code](const WebSocket::Events& events) { events.onClosed(code); });
-        }
-        void fail(std::string error) {
-            fire([error](const WebSocket::Events& events) { events.onFailed(error); });
-        }
-        void failSend(std::string error) {
-            fire([error](const WebSocket::Events& events) { events.onSendFailed(error); });
-        }
+        void accept() { fire(&WebSocket::Events::onOpen); }
+        void frame(std::string bytes, bool binary = false) { fire(&WebSocket::Events::onFrame, bytes, binary); }
+        void close(int code) { fire(&WebSocket::Events::onClosed, code); }
+        void fail(std::string error) { fire(&WebSocket::Events::onFailed, error); }
+        void failSend(std::string error) { fire(&WebSocket::Events::onSendFailed, error); }
 
         /// Takes out what the client has sent so far.
         std::vector<std::string> takeSent() { return std::exchange(sent, {}); }
 
      private:
         friend class FakeWebSockets;
-        template <class Event>
-        void fire(Event event) {
-            queue_->post([self = shared_from_this(), event] {
-                if (!self->gone() || self->lateEvents) event(self->events_);
+        template <class Event, class... Values>
+        void fire(Event event, Values... values) {
+            queue_->post([self = shared_from_this(), event, values...] {
+                if (!self->gone() || self->lateEvents) (self->events_.*event)(values...);
             });
         }
         SerialQueue* queue_ = nullptr;
@@ -62,11 +51,10 @@ class FakeWebSockets {
 
     /// The fake must outlive what it is given to.
     WebSocketFactory factory() {
-        return [this]() -> std::unique_ptr<WebSocket> {
-            auto socket = std::make_shared<Socket>();
-            socket->queue_ = &queue_;
-            all_.push_back(socket);
-            return std::make_unique<End>(std::move(socket));
+        return [this] {
+            all_.push_back(std::make_shared<Socket>());
+            all_.back()->queue_ = &queue_;
+            return std::make_unique<End>(all_.back());
         };
     }
 
@@ -80,9 +68,8 @@ class FakeWebSockets {
      public:
         explicit End(std::shared_ptr<Socket> socket) : socket_(std::move(socket)) {}
         ~End() override { socket_->destroyed_ = true; }
-        void open(const std::string& url, std::size_t maxMessageBytes, Events events) override {
+        void open(const std::string& url, std::size_t, Events events) override {
             socket_->url = url;
-            socket_->maxMessageBytes = maxMessageBytes;
             socket_->events_ = std::move(events);
         }
         void sendText(std::string text) override { socket_->sent.push_back(std::move(text)); }

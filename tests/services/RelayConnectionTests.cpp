@@ -1,5 +1,9 @@
-// Opening, losing and reopening the connection, heartbeats, and what comes too late.
-#include "RelayFixture.h"
+// A relay client in virtual time, with its server, its token provider and its owner played by the test.
+#include <gmock/gmock.h>
+
+#include "FakeWebSocket.h"
+#include "services/RelayClient.h"
+#include "support/TestTime.h"
 
 namespace vmr::test {
 namespace {
@@ -7,34 +11,77 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class RelayConnection : public RelayFixture {};
+class RelayConnection : public testing::Test {
+ protected:
+    void SetUp() override {
+        RelayClient::setPrinter([](const std::string&) {});
+        client->setCallbacks(callbacks());
+    }
+    void TearDown() override { RelayClient::setPrinter(nullptr); }
 
-TEST_F(RelayConnection, GreetingTellsItsStoryInOrder) {
-    client->connect(giving({"a b/ü%", std::nullopt}));
-    time.runUntilIdle();
-    ASSERT_EQ(sockets.count(), 1u);
-    EXPECT_EQ(sockets.last().url, "wss://relay.test/?token=a%20b/%C3%BC%25");
-    greet();
-    EXPECT_THAT(takeStory(),
-                ElementsAre("connecting…", "socket opened, awaiting hello…", "hello: a@b.c", "<connected>"));
-    EXPECT_THAT(sockets.last().sent, IsEmpty()) << "nothing is wanted yet";
-}
+    RelayClient::Callbacks callbacks() {
+        RelayClient::Callbacks made;
+        made.onLog = [this](const std::string& text) { tell(text); };
+        made.onConnected = [this] { tell("<connected>"); };
+        made.onConnectionLimit = [this] { tell("<limit>"); };
+        made.onDisconnected = [this] { tell("<disconnected>"); };
+        made.onChannelMessage = [this](const ChannelMessage& message, const std::string& type) {
+            tell("<" + type + " " + message.channel + " " + message.payload.text() + ">");
+        };
+        return made;
+    }
+    void tell(const std::string& what) {
+        EXPECT_TRUE(main.isCurrent()) << what;
+        story.push_back(what);
+    }
+
+    /// Connects with a provider that answers every attempt with `result`.
+    void connect(const TokenResult& result = {"token", std::nullopt}) {
+        client->connect([this, result](const std::function<void(TokenResult)>& done) {
+            ++tokensAsked;
+            done(result);
+        });
+        time.runUntilIdle();
+    }
+    /// Connected and greeted; the story so far is forgotten.
+    FakeWebSockets::Socket& goLive() {
+        connect();
+        greet();
+        story.clear();
+        return sockets.last();
+    }
+    void greet() {
+        sockets.last().accept();
+        frame(R"({"type":"hello","email":"a@b.c"})");
+    }
+    void frame(const std::string& bytes, bool binary = false) {
+        sockets.last().frame(bytes, binary);
+        time.runUntilIdle();
+    }
+    std::vector<std::string> takeStory() {
+        time.runUntilIdle();
+        return std::exchange(story, {});
+    }
+
+    TestTime time;
+    TestQueue queue{time};
+    TestQueue main{time};
+    FakeWebSockets sockets{queue};
+    std::vector<std::string> story;  ///< every callback in the order in which it came
+    int tokensAsked = 0;
+    std::unique_ptr<RelayClient> client =
+        std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time);
+};
 
 TEST_F(RelayConnection, EveryFailureBeforeTheSocketRetriesWithAFreshToken) {
-    const std::pair<const char*, TokenResult> cases[] = {{"wss://r.test/", {"", "no network"}},
-                                                         {"wss://r.test/", {"", std::nullopt}},
-                                                         {"ws://elsewhere.test/", {"t", std::nullopt}}};
-    for (const auto& [url, token] : cases) {
-        make(url);
-        client->connect(giving(token));
-        const auto told = takeStory();
-        EXPECT_EQ(told.at(1), token.error ? "token fetch failed: no network" : told.back());
-        EXPECT_EQ(told.back(), "reconnecting in 1s (attempt 1)") << url;
-        tokensAsked = 0;
-        time.advance(1.001);
-        EXPECT_EQ(tokensAsked, 1);
-        takeStory();
-    }
+    connect({"", "no network"});
+    EXPECT_THAT(takeStory(),
+                ElementsAre("connecting…", "token fetch failed: no network", "reconnecting in 1s (attempt 1)"));
+    connect({"", std::nullopt});  // by the owner, before the second is over
+    EXPECT_THAT(takeStory(), ElementsAre("connecting…"));
+    time.advance(1.001);
+    EXPECT_THAT(takeStory(), ElementsAre("connecting…", "reconnecting in 2s (attempt 2)"));
+    EXPECT_EQ(tokensAsked, 3);
     EXPECT_EQ(sockets.count(), 0u);
 }
 
@@ -70,19 +117,7 @@ TEST_F(RelayConnection, TooManyConnectionsIsToldAndWaitsFiveSeconds) {
     EXPECT_EQ(takeStory().back(), "reconnecting in 2s (attempt 2)");
 }
 
-TEST_F(RelayConnection, SilenceOfMoreThanSixtySecondsIsALoss) {
-    auto& socket = goLive();
-    time.advance(60);  // the firing at exactly 60 still pings
-    EXPECT_EQ(socket.takeSent().size(), 6u);
-    time.advance(9.99);
-    EXPECT_FALSE(socket.gone());
-    time.advance(0.01);
-    EXPECT_THAT(takeStory(),
-                ElementsAre("heartbeat timeout, reconnecting", "<disconnected>", "reconnecting in 1s (attempt 1)"));
-    EXPECT_TRUE(socket.gone());
-}
-
-TEST_F(RelayConnection, PongsKeepTheSocketAndPingsCarryTheMarketClock) {
+TEST_F(RelayConnection, PingsCarryTheMarketClockAndSilenceOfMoreThanSixtySecondsIsALoss) {
     time = TestTime(1781100000.9996, 10.0);  // market time runs ten times as fast; heartbeats do not
     auto& socket = goLive();
     time.advance(10);
@@ -91,16 +126,22 @@ TEST_F(RelayConnection, PongsKeepTheSocketAndPingsCarryTheMarketClock) {
         frame(R"({"type":"pong"})");
         time.advance(10);
     }
+    EXPECT_EQ(socket.takeSent().size(), 30u);
+    time.advance(50);  // the firing at exactly 60 still pings
+    EXPECT_EQ(socket.takeSent().size(), 5u);
+    time.advance(9.99);
     EXPECT_FALSE(socket.gone());
-    EXPECT_EQ(socket.sent.size(), 30u);
+    time.advance(0.01);
+    EXPECT_THAT(takeStory(),
+                ElementsAre("heartbeat timeout, reconnecting", "<disconnected>", "reconnecting in 1s (attempt 1)"));
+    EXPECT_TRUE(socket.gone());
 }
 
 TEST_F(RelayConnection, OnlyAConnectThatHangsIsLeftAndNotAServerThatNeverGreets) {
     connect();
     story.clear();
     time.advance(60.1);
-    EXPECT_THAT(takeStory(),
-                ElementsAre("receive error: connect timed out", "<disconnected>", "reconnecting in 1s (attempt 1)"));
+    EXPECT_EQ(takeStory().front(), "receive error: connect timed out");
     EXPECT_TRUE(sockets.at(0).gone());
     time.advance(1);
     sockets.last().accept();
@@ -134,7 +175,11 @@ TEST_F(RelayConnection, LateEventsOfAReplacedOrDroppedSocketChangeNothing) {
 }
 
 TEST_F(RelayConnection, ATokenThatComesTooLateOpensNothing) {
-    client->connect(slow());
+    std::vector<std::function<void(TokenResult)>> answers;
+    const auto ask = [&] {
+        client->connect([&](std::function<void(TokenResult)> done) { answers.push_back(std::move(done)); });
+    };
+    ask();
     time.runUntilIdle();
     client->disconnect();
     time.runUntilIdle();
@@ -142,8 +187,8 @@ TEST_F(RelayConnection, ATokenThatComesTooLateOpensNothing) {
     time.runUntilIdle();
     EXPECT_EQ(sockets.count(), 0u);
 
-    client->connect(slow());
-    client->connect(slow());
+    ask();
+    ask();
     time.runUntilIdle();
     answers.at(2)({"newer", std::nullopt});
     answers.at(1)({"older", std::nullopt});
@@ -153,24 +198,17 @@ TEST_F(RelayConnection, ATokenThatComesTooLateOpensNothing) {
     EXPECT_EQ(sockets.last().url, "wss://relay.test/?token=newer");
 }
 
-TEST_F(RelayConnection, AReconnectThatIsDueAddsNoneAndLeavesAStandingConnectionAlone) {
+TEST_F(RelayConnection, AReconnectThatIsDueLeavesAStandingConnectionAlone) {
     goLive().fail("first");
     time.advance(0.5);
     connect();  // by the owner, before the second is over
-    story.clear();
-    sockets.last().fail("second");
-    EXPECT_THAT(takeStory(), ElementsAre("receive error: second", "<disconnected>"));
-    time.advance(0.6);
-    EXPECT_EQ(sockets.count(), 3u);
-    sockets.last().fail("third");
-    connect();
     greet();
     time.advance(5);
     EXPECT_FALSE(sockets.last().gone());
-    sockets.last().fail("fourth");
+    sockets.last().fail("second");
     client->disconnect();
     time.advance(60);
-    EXPECT_EQ(sockets.count(), 4u) << "disconnected while it waited";
+    EXPECT_EQ(sockets.count(), 2u) << "disconnected while it waited";
 }
 
 TEST_F(RelayConnection, NoCallbackComesAfterTheOwnerHasDestroyedTheClient) {
@@ -187,6 +225,31 @@ TEST_F(RelayConnection, NoCallbackComesAfterTheOwnerHasDestroyedTheClient) {
     EXPECT_THAT(takeStory(), ElementsAre("ended with 7"));
     EXPECT_TRUE(socket.gone());
     EXPECT_EQ(sockets.count(), 1u);
+}
+
+TEST_F(RelayConnection, SubscriptionsWaitForTheGreetingAndSurviveReconnects) {
+    client->subscribe({"b", "a", "dropped"});
+    client->unsubscribe({"dropped", "never wanted"});
+    connect({"a b/ü%", std::nullopt});
+    EXPECT_EQ(sockets.last().url, "wss://relay.test/?token=a%20b/%C3%BC%25");
+    client->subscribe({"c"});
+    sockets.last().accept();
+    time.runUntilIdle();
+    EXPECT_THAT(sockets.last().sent, IsEmpty());
+    frame(R"({"type":"hello","email":"a@b.c"})");
+    EXPECT_THAT(takeStory(),
+                ElementsAre("connecting…", "socket opened, awaiting hello…", "hello: a@b.c", "<connected>"));
+    client->subscribe({"z", "a", "say \"hi\""});
+    client->unsubscribe({"b", "unknown"});
+    time.runUntilIdle();
+    EXPECT_THAT(sockets.last().sent, ElementsAre(R"({"action":"subscribe","channels":["a","b","c"]})",
+                                                 R"({"action":"subscribe","channels":["z","a","say \"hi\""]})",
+                                                 R"({"action":"unsubscribe","channels":["b","unknown"]})"));
+    sockets.last().close(1000);
+    client->unsubscribe({"z"});
+    time.advance(1);
+    greet();
+    EXPECT_THAT(sockets.last().sent, ElementsAre(R"({"action":"subscribe","channels":["a","c","say \"hi\""]})"));
 }
 
 }  // namespace
