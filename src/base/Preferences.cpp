@@ -35,7 +35,11 @@ void FilePreferences::remove(std::string_view key) {
 
 void FilePreferences::reload() {
     const auto bytes = readFile(file_);
-    if (!bytes) return;
+    if (!bytes) {
+        std::error_code ignored;
+        undecodable_ = fs::exists(file_, ignored);  // it is there and cannot be read: kept aside as well
+        return;
+    }
     const json stored = json::parse(*bytes, nullptr, false);
     undecodable_ = !stored.is_object();
     if (undecodable_) return;

@@ -105,21 +105,6 @@ TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
     EXPECT_GT(seen, 15000U);
 }
 
-TEST_F(AxisLayerTest, TheTagLiesOnThePriceLineOfTheSameFrame) {
-    auto list = bars(300);
-    renderer.setCandles(list);
-    settle();
-    list.back().close += 12;
-    renderer.setCandles(list);
-    for (int i = 0; i < 20; ++i) {
-        renderer.panByPrice(7, height);
-        frame();
-        const Drawn tag = texts().back();
-        EXPECT_NEAR((tag.top + tag.bottom) / 2, box(priceLine()).top, 1.6);
-        EXPECT_EQ(tag.alpha, 1.0F);
-    }
-}
-
 TEST(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
     RecordingGpu gpu;
     FrameArena arena{gpu};

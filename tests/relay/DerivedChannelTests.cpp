@@ -58,33 +58,5 @@ TEST(DerivedChannels, EventsOnTheSnapshotMakeTheLaterSnapshotWhoeverAsksAndWhen)
     }
 }
 
-TEST(DerivedChannels, LevelsComeIntoForceWhenThePriceReachesTheOneBefore) {
-    DerivedBench bench;
-    const double now = *parseMoment("2026-06-12T16:30:00");
-    std::size_t reached = 0;
-    const json sessions = bench.snapshot("derived:srlevels:NQ", now)["sessions"];
-    for (const json& session : sessions) {
-        std::vector<Trade> all, minute;
-        for (std::int64_t t = session["sessionOpenTs"];
-             static_cast<double>(t) < now && t < session["sessionOpenTs"].get<std::int64_t>() + 82800; t += 60) {
-            bench.source(*findTradable("NQ")).minuteTrades(t, minute);
-            all.insert(all.end(), minute.begin(), minute.end());
-        }
-        for (const auto& [key, sign] : {std::pair("up", 1.0), {"dn", -1.0}}) {
-            std::int64_t inForce = all.front().timeMs / 1000;
-            for (const json& level : session[key]) {
-                EXPECT_EQ(level["triggerTime"], inForce) << session["sessionOpenTs"] << level;
-                const double price = level["price"].get<double>() * sign;
-                const auto at = std::find_if(all.begin(), all.end(), [price, sign = sign](const Trade& trade) {
-                    return trade.price * sign >= price;
-                });
-                inForce = at == all.end() ? 0 : at->timeMs / 1000;
-                reached += inForce > 0;
-            }
-        }
-    }
-    EXPECT_GT(reached, 3u);
-}
-
 }  // namespace
 }  // namespace vmr

@@ -25,17 +25,6 @@ TEST(SessionCalendar, CountsMinutesFromTheEveningOpenWithoutWeekends) {
     EXPECT_EQ(calendar.historyStart(at("2026-06-13T12:00")), at("2026-06-04T18:00"));
 }
 
-TEST(SessionCalendar, AClockChangeSundayDoesNotDependOnWhatWasAskedFirst) {
-    for (const std::string change : {"2026-03-08", "2026-11-01"}) {
-        SessionCalendar early, late;
-        early.place(at(change + "T00:30Z"));
-        const std::int64_t open = at(change + "T18:00");
-        ASSERT_TRUE(late.place(open));
-        EXPECT_EQ(late.place(open)->minute, 0);
-        EXPECT_EQ(early.place(open), late.place(open));
-    }
-}
-
 struct Market {
     explicit Market(std::uint64_t seed) : simulated(seed, calendar) {}
     std::vector<Candle> bars(Family family, const char* symbol, const std::string& from, const std::string& end) {

@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <functional>
 
-#include "base/FileReplace.h"
 #include "market/CandleParser.h"
 #include "relay/DerivedBench.h"
 #include "relay/Recording.h"
@@ -13,52 +12,6 @@ namespace {
 
 using test::json;
 using test::RelayProbe;
-
-std::string inTemp(const std::string& name) { return testing::TempDir() + "/relay_recording_" + name; }
-
-TEST(Recording, GivesBackWhatWasWrittenWhileItGrows) {
-    const std::string file = inTemp("growing.vmr");
-    std::string error;
-    auto writer = RecordingWriter::create(file, error);
-    ASSERT_TRUE(writer) << error;
-    EXPECT_FALSE(RecordingReader::open(file, error));
-    EXPECT_NE(error.find("holds no frame"), std::string::npos) << error;
-    std::unique_ptr<RecordingReader> reader;
-    for (const auto& [channel, frame] : {std::pair("a:b", Frame("{}")),
-                                         {"c\n\"d", Frame(std::string("line\none \0 \xff", 13), true)},
-                                         {"e", Frame(std::string(400000, 'e'))}}) {
-        writer->write(2000, channel, frame);
-        writer->flush();
-        if (!reader) reader = RecordingReader::open(file, error);
-        ASSERT_TRUE(reader && reader->peek()) << channel << error;
-        EXPECT_EQ(reader->peek()->channel, channel);
-        EXPECT_EQ(*reader->peek()->frame.bytes, *frame.bytes);
-        EXPECT_EQ(reader->peek()->frame.binary, frame.binary);
-        reader->pop();
-        EXPECT_FALSE(reader->peek());
-    }
-    EXPECT_EQ(recordingStart(file, error), 2);
-}
-
-TEST(Recording, ACutOrDamagedFilePlaysUpToThere) {
-    const std::string file = inTemp("whole.vmr"), part = inTemp("part.vmr");
-    std::string error;
-    auto writer = RecordingWriter::create(file, error);
-    for (int i = 0; i < 2000; ++i) writer->write(i, "c" + std::to_string(i % 7), Frame(std::to_string(i * 7919)));
-    writer.reset();
-    const std::string bytes = *readFile(file);
-    std::string damaged = bytes;
-    damaged.replace(bytes.size() / 2, 40, std::string(40, '\xa5'));
-    for (const auto& left : {bytes.substr(0, bytes.size() - 20), bytes.substr(0, bytes.size() / 2), damaged}) {
-        ASSERT_FALSE(replaceFile(part, left));
-        const auto reader = RecordingReader::open(part, error);
-        ASSERT_TRUE(reader) << error;
-        int frames = 0;
-        for (; reader->peek(); reader->pop()) ++frames;
-        EXPECT_GT(frames, 100);
-        EXPECT_LT(frames, 2000);
-    }
-}
 
 const std::vector<std::string> channels{"futures:ESM6", "futures:ESM6:1m",       "futures:ESM6:trades",
                                         "derived:SPY",  "derived:hfHistory:SPY", "derived:srlevels:ES"};
@@ -104,7 +57,7 @@ struct RecordedSession : test::RunningRelay {
 };
 
 TEST_F(RecordedSession, PlaysAgainForEarlyAndLateSubscribers) {
-    const std::string file = inTemp("session.vmr");
+    const std::string file = testing::TempDir() + "/relay_recording.vmr";
     const double begin = clock.now(), end = *parseMoment("2026-06-10T10:03:01.4");
     PracticeRelayOptions recording, replaying;
     recording.record = replaying.replay = file;

@@ -65,7 +65,6 @@ class RelayProbe {
     void subscribe(const std::vector<std::string>& channels) {
         send(json{{"action", "subscribe"}, {"channels", channels}}.dump());
     }
-    bool hasUnread() { return socket_.next_layer().available() > 0; }
     /// The next message; empty once the connection has ended.
     std::string read() {
         beast::flat_buffer buffer;

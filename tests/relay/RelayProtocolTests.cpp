@@ -109,43 +109,5 @@ TEST_F(RelayProtocol, LiveTradesContinueTheSnapshotOfEarlyAndLateSubscribersExac
     }
 }
 
-TEST_F(RelayProtocol, ContractsFollowTheClock) {
-    const auto probe = greeted();
-    probe->subscribe({"meta:contracts"});
-    EXPECT_EQ(probe->next("snapshot")["data"]["map"]["ES"], "ESM6");
-    clock.advance(86400);
-    EXPECT_EQ(probe->next("event", "meta:contracts")["payload"]["map"]["ES"], "ESU6");
-    EXPECT_EQ(relay->command("contract ES ESZ6"), "ok ES is ESZ6");
-    EXPECT_EQ(probe->next("event", "meta:contracts")["payload"]["map"]["ES"], "ESZ6");
-    EXPECT_EQ(relay->command("contract ES auto"), "ok ES is ESU6");
-}
-
-TEST_F(RelayProtocol, FaultsDoWhatTheySay) {
-    relay->command("stall on");
-    RelayProbe stalled(*relay, token);
-    relay->command("stall off");
-    auto probe = greeted();  // a greeting of the stalled socket would have come before this one's
-    EXPECT_FALSE(stalled.hasUnread());
-    EXPECT_EQ(relay->command("mute on"), "ok on");
-    probe->send(R"({"type":"ping"})");
-    probe->send(R"({"action":"dance"})");
-    EXPECT_EQ(json::parse(probe->read())["type"], "error") << "the ping before it stays unanswered";
-    relay->command("refuse on");
-    EXPECT_EQ(test::signedIn(*relay), "");
-    for (const char* line : {"", "dance", "drop 1", "close 1006", "malformed 0", "big-bars 5000 derived:QQQ"})
-        EXPECT_EQ(relay->command(line).find("error: "), 0u) << line;
-}
-
-TEST_F(RelayProtocol, ASocketThatDoesNotReadIsDroppedBeforeItsQueueGrowsOn) {
-    auto probe = greeted();
-    probe->subscribe({"derived:QQQ"});
-    probe->answers();
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(relay->command("status").find("ok 1 socket,"), 0u);
-        EXPECT_EQ(relay->command("big-derived 150000000 derived:QQQ").substr(0, 2), "ok");
-    }
-    for (int tries = 0; relay->command("status").find("ok 0 sockets") != 0; ++tries) ASSERT_LT(tries, 1000000);
-}
-
 }  // namespace
 }  // namespace vmr

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <filesystem>
-
 #include "relay/BarBook.h"
 #include "relay/Tape.h"
 #include "relay/TapeReader.h"
@@ -48,29 +46,6 @@ TEST(Tape, ItsBarsAreThoseOfItsTradesInOrderPlainAndPacked) {
                                        {noon + 180, 1314.05, 1314.05, 1314.05, 1314.05, 5}};
         EXPECT_EQ(BarBook(*tape).upTo((noon + 3600) * 1000), bars);
         EXPECT_EQ(BarBook(*tape).upTo(noon * 1000 + 250).back(), (Candle{noon, 1313.7, 1313.7, 1313.5, 1313.5, 3}));
-    }
-}
-
-TEST(TapeTime, ReadsIsoAndEpochInAnyUnit) {
-    for (const auto& [text, ms] : {std::pair("2013-10-07 12:00", std::optional(noon * 1000)),
-                                   {"2013-10-07T08:00:00.5-04:00", noon * 1000 + 500},
-                                   {"1381147200250000000", noon * 1000 + 250},
-                                   {"2013-10-07T12:00:00Zx", std::nullopt}})
-        EXPECT_EQ(tapeTime(text), ms) << text;
-}
-
-TEST(Tape, SaysWhatIsWrong) {
-    const std::string packed = written("relay_cut.csv.gz", std::string(sample) + std::string(20000, '\n'), "wb");
-    std::filesystem::resize_file(packed, std::filesystem::file_size(packed) - 9);
-    const std::pair<std::string, const char*> cases[] = {
-        {written("relay_time.csv", "timestamp,price\n1381147200,5\nsoon,5\n"), "line 3: \"soon\" is no time"},
-        {written("relay_price.csv", "timestamp,price\n1381147200,inf\n"), "line 2: \"inf\" is no price"},
-        {packed, "damaged or cut short"},
-    };
-    for (const auto& [file, text] : cases) {
-        std::string error;
-        EXPECT_FALSE(Tape::load(file, 1, error));
-        EXPECT_NE(error.find(text), std::string::npos) << error << " | " << text;
     }
 }
 

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <string>
 
-#include "perf/Perf.h"
 #include "tests/chart/FullScene.h"
 #include "ui/CpuChart.h"
 #include "ui/FrameRaster.h"
@@ -127,32 +126,6 @@ TEST_F(ChartPixels, AStillChartAsksForNoFrames) {
     const auto eased = chart->framesDrawn();
     runFor(300);
     EXPECT_EQ(chart->framesDrawn(), eased);
-}
-
-TEST_F(ChartPixels, AFrameThatWaitsForTheOneBeforeIsTimed) {
-    std::vector<std::string> lines;
-    const SystemClock clock;
-    Perf perf(clock, [&](const std::string& line) { lines.push_back(line); });
-    chart->renderer().perf = &perf;
-    const auto waiting = QObject::connect(
-        ui->window, &QQuickWindow::beforeSynchronizing, chart,
-        [] {
-            QElapsedTimer busy;
-            busy.start();
-            while (busy.nsecsElapsed() < 3'000'000) continue;
-        },
-        Qt::DirectConnection);
-    perf.benchBegin();
-    chart->renderer().redraw();
-    ASSERT_TRUE(ui->settle());
-    perf.benchEnd();
-    QObject::disconnect(waiting);
-    chart->renderer().perf = nullptr;
-    const std::string name = "[bench] gpuGate ms : p50 ";
-    const auto gate =
-        std::find_if(lines.begin(), lines.end(), [&](const auto& line) { return line.starts_with(name); });
-    ASSERT_NE(gate, lines.end());
-    EXPECT_GE(std::stod(gate->substr(name.size())), 3.0);
 }
 
 TEST_F(ChartPixels, ItemsAboveCoverTheChartAndItemsBelowDoNotShow) {

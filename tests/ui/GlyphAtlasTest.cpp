@@ -18,12 +18,6 @@ int ink(const QImage& image, const Glyph& glyph) {
     return sum;
 }
 
-TEST(GlyphAtlas, AlsoHasWhatTheFaceHasNot) {
-    GlyphAtlas atlas(family);
-    for (const char32_t character : {U'8', U',', U'\u2192', U'\uE123'})
-        EXPECT_GT(ink(atlas.image(), atlas.glyph(character, FontFace::regular, 12, 1.5)), 255);
-}
-
 TEST(GlyphAtlas, GrowsThenStartsOverWithANewGeneration) {
     GlyphAtlas atlas(family, 64, 128);
     std::set<unsigned> generations;
