@@ -3,12 +3,14 @@
 #include <benchmark/benchmark.h>
 #include <simdjson.h>
 
+#include <algorithm>
 #include <ctime>
 #include <thread>
 
 #include "bench/model/DerivedText.h"
 #include "bench/model/HandPane.h"
 #include "chart/AxisLayer.h"
+#include "chart/BarLabelLayer.h"
 #include "chart/ChartRenderer.h"
 #include "market/SessionLines.h"
 #include "tests/chart/FakeGlyphs.h"
@@ -40,16 +42,39 @@ struct BusyPane : bench::HandPane {
             const std::int64_t open = SessionLines::sessionOpenSec(minute - d * 86400, m.sessionHHMM());
             m.srSessions[open] = {open, 21000, {{1, "", 21100, 0}, {2, "", 21200, 0}}, {{1, "", 20900, 0}}};
         }
+        std::vector<BubblePt> bubbles;
+        std::vector<TrianglePt> triangles;
+        for (int i = 0; i < 1800; ++i) {
+            bubbles.push_back({.minuteTs = minute - (i / 3) * 60, .strike = 520.0 + i % 11, .dom = 0.5, .rank = i % 3});
+            triangles.push_back(
+                {.minuteTs = minute - (i / 3) * 60, .strike = 518.0 + i % 13, .net = 5, .minuteMax = 9});
+        }
+        m.bubblePts = bubbles;
+        m.trianglePts = triangles;
+        RenderConfig look;
+        look.gexEnabled = look.gexLabels = look.dexEnabled = look.dexLabels = look.waveEnabled = look.oiEnabled = true;
+        renderer.setRenderConfig(look);
         RendererBridge bridge;
         bridge.setOverlayGeometry = [this](const OverlayLists& lists) { renderer.setOverlayGeometry(lists); };
         m.setRendererBridge(std::move(bridge));
+        renderer.addScreenLayer(labels);
         renderer.addScreenLayer(axes);
         renderer.onNeedsDisplay = [this] { due = true; };
         links.push_back(m.displayCandles.changed.connect([this] { renderer.setCandles(model->displayCandles.get()); }));
         receive(bench::derivedFrame(250, 15, 0));
     }
 
+    // As the window does it: the renderer finds what differs.
+    void show() {
+        const auto& m = *model;
+        renderer.setLevels(m.levels.get());
+        renderer.setStrikes(m.strikes.get(), m.etfRatio, m.gammaFlipStrike);
+        renderer.setSecStrikes(m.strikes.get(), m.etfRatio);
+        renderer.setBubbles(m.bubblePts.get(), m.trianglePts.get());
+    }
+
     void frame() {
+        show();
         if (!std::exchange(due, false)) return;
         due = renderer.drawFrame(1400, 900, 1, clock.monotonic());
         ++frames;
@@ -58,6 +83,7 @@ struct BusyPane : bench::HandPane {
 
     test::RecordingGpu gpu;
     test::FakeGlyphs glyphs;
+    BarLabelLayer labels{glyphs};
     AxisLayer axes{glyphs, session};
     std::vector<std::function<void()>> posted;
     ChartRenderer renderer{gpu, clock, [this](std::function<void()> task) { posted.push_back(std::move(task)); }};
@@ -127,7 +153,11 @@ void busyOpen(benchmark::State& state) {
             if (rest > 0) std::this_thread::sleep_for(std::chrono::duration<double>(rest));
         }
     }
-    if (pane.model->overlays().hfLine.size() < 3000 || pane.frames == 0) state.SkipWithError("something is missing");
+    const bool marked = std::ranges::any_of(
+        pane.gpu.draws, [](const auto& call) { return call.pipeline == Pipeline::marker && call.count > 1800 * 36; });
+    if (pane.model->overlays().hfLine.size() < 3000 || pane.frames == 0 || !marked ||
+        pane.model->strikes->size() != 250)
+        state.SkipWithError("something is missing");
     state.counters["core_share"] = used / second;
     state.counters["to_bare_parse"] = used / second / bare;
     state.counters["frames_a_second"] = static_cast<double>(pane.frames) / second;
