@@ -6,6 +6,7 @@
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QScreen>
+#include <QThread>
 #include <clocale>
 #include <cstdio>
 #include <memory>
@@ -64,22 +65,37 @@ void print(const std::string& line) {
     std::fflush(stdout);
 }
 
-// Times every run of the main thread between waking and waiting.
-void watchTurns(Perf& perf) {
-    auto* dispatcher = QAbstractEventDispatcher::instance();
-    const auto woke = std::make_shared<double>(0);
-    QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, dispatcher,
-                     [woke] { *woke = SystemClock().monotonic(); });
-    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, dispatcher, [woke, &perf] {
-        if (*woke > 0) perf.turn((SystemClock().monotonic() - *woke) * 1000);
-    });
-}
+/// Times every run of the main thread, from the first event after a wait to the next wait. The dispatcher's own news of
+/// waking come too late for that: it has handled much by then, and the GLib one everything.
+class TimedApplication final : public QGuiApplication {
+ public:
+    using QGuiApplication::QGuiApplication;
 
-int runViews(QGuiApplication& app, QtLoop& loop, const WindowPane& pane, const WindowShellOptions& options,
+    /// `perf` must outlive the application.
+    void watchTurns(Perf& perf) {
+        perf_ = &perf;
+        auto* dispatcher = QAbstractEventDispatcher::instance();
+        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
+            if (woke_ > 0) perf_->turn((clock_.monotonic() - std::exchange(woke_, 0)) * 1000);
+        });
+    }
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        if (QThread::currentThread() == thread() && perf_ && woke_ == 0) woke_ = clock_.monotonic();
+        return QGuiApplication::notify(receiver, event);
+    }
+
+ private:
+    SystemClock clock_;
+    Perf* perf_ = nullptr;
+    double woke_ = 0;  // seconds, monotonic; 0 while it waits
+};
+
+int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const WindowShellOptions& options,
              const WindowShellHooks& hooks) {
     Perf& perf = Perf::shared();
     const PerfPinger pinger(perf, loop);
-    watchTurns(perf);
+    app.watchTurns(perf);
     SimTrading trading(pane.sim);
     PaneViewModel view;
     view.setSurroundings({&pane.clock, &loop, &trading, &perf, pane.bench, print,
@@ -114,7 +130,7 @@ int runViews(QGuiApplication& app, QtLoop& loop, const WindowPane& pane, const W
 
 int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowShellHooks hooks) {
     prepareGraphics();
-    QGuiApplication app(argc, argv);
+    TimedApplication app(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // the application object takes the environment's
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
     startUpStage("application");

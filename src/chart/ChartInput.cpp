@@ -33,6 +33,11 @@ double ChartInput::closeMarkEdge(double width) {
     return std::max(width - priceAxisWidth - Camera::maxBarW(width) - 80.0, 240.0);
 }
 
+bool ChartInput::closeMarkShown(double y, double height) {
+    constexpr double halfMark = 8, timeAxisHeight = 22;
+    return y >= halfMark && y <= height - timeAxisHeight - halfMark;
+}
+
 double ChartInput::priceAt(double y) const {
     if (renderer_.candles().empty()) return std::numeric_limits<double>::quiet_NaN();
     return AxisScale::priceAtY(renderer_.camera().viewport(), y, height_);
@@ -58,10 +63,15 @@ const TradingLines& ChartInput::lines() const {
     return lines_;
 }
 
-std::optional<Uuid> ChartInput::simOrder(double nearY) const {
+const OrderLine* ChartInput::orderLine(double nearY) const {
     for (const OrderLine& order : lines_.orders)
-        if (isNear(order.price, nearY)) return order.id;
-    return std::nullopt;
+        if (isNear(order.price, nearY)) return &order;
+    return nullptr;
+}
+
+std::optional<Uuid> ChartInput::simOrder(double nearY) const {
+    const OrderLine* line = orderLine(nearY);
+    return line ? std::optional(line->id) : std::nullopt;
 }
 
 std::optional<std::pair<Uuid, std::string_view>> ChartInput::simProjLeg(double nearY) const {
@@ -72,10 +82,23 @@ std::optional<std::pair<Uuid, std::string_view>> ChartInput::simProjLeg(double n
 
 bool ChartInput::positionIsNear(double y) const { return lines_.position && isNear(lines_.position->avg, y); }
 
+bool ChartInput::markIsShown(double price) const {
+    return closeMarkShown(AxisScale::yFor(renderer_.camera().viewport(), price, height_), height_);
+}
+
+bool ChartInput::onOrderMark(ChartPoint at) const {
+    const OrderLine* line = orderLine(at.y);
+    return line && onCloseColumn(at.x) && markIsShown(line->price);
+}
+
+bool ChartInput::onPositionMark(ChartPoint at) const {
+    return onCloseColumn(at.x) && positionIsNear(at.y) && markIsShown(lines_.position->avg);
+}
+
 void ChartInput::mouseMoved(ChartPoint at) {
     lines();
     const bool order = simOrder(at.y).has_value();
-    const bool onMark = onCloseColumn(at.x) && (order || positionIsNear(at.y));
+    const bool onMark = onPositionMark(at) || onOrderMark(at);
     cursorOnRuler_ = at.x >= width_ - priceAxisWidth || order || simProjLeg(at.y).has_value();
     const ChartCursor cursor = onMark           ? ChartCursor::pointingHand
                                : cursorOnRuler_ ? ChartCursor::resizeUpDown
@@ -95,8 +118,9 @@ void ChartInput::mouseExited() {
 void ChartInput::mouseDown(ChartPoint at, bool doubleClick) {
     lines();
     const auto order = simOrder(at.y);
-    closedLine_ = onCloseColumn(at.x) && (order || positionIsNear(at.y));
-    if (closedLine_ && positionIsNear(at.y)) return trading->flatten(simRoot);
+    const bool position = onPositionMark(at);
+    closedLine_ = position || onOrderMark(at);
+    if (position) return trading->flatten(simRoot);
     if (closedLine_) return trading->cancel(*order);
     if (order) {
         dragOrderId_ = order;

@@ -93,11 +93,17 @@ class ChartInput {
     /// Where lines end and their close marks lie, for a view `width` points wide: the marks span from 16 left of it to
     /// 2 right of it.
     static double closeMarkEdge(double width);
+    /// Whether a line at `y` has room for its label and close mark in a view `height` points high.
+    static bool closeMarkShown(double y, double height);
 
  private:
     double priceAt(double y) const;
     bool isNear(double price, double y) const;
     bool onCloseColumn(double x) const;
+    const OrderLine* orderLine(double nearY) const;
+    bool onOrderMark(ChartPoint at) const;
+    bool onPositionMark(ChartPoint at) const;
+    bool markIsShown(double price) const;
     const TradingLines& lines() const;
     std::optional<Uuid> simOrder(double nearY) const;
     std::optional<std::pair<Uuid, std::string_view>> simProjLeg(double nearY) const;

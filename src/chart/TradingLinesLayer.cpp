@@ -35,7 +35,6 @@ bool TradingLinesLayer::drawAbove(ScreenFrame& frame) {
     trading->lines(root, lines_);
     shapes_.clear();
     labelCount_ = 0;
-    std::string text;
     for (const ProjectedLeg& leg : lines_.legs) {
         const Style style{plannedColor, 2, 4, false};
         addLine(frame, leg.price, style);
@@ -44,16 +43,16 @@ bool TradingLinesLayer::drawAbove(ScreenFrame& frame) {
     for (const OrderLine& order : lines_.orders) {
         const Style style{order.buy ? buyColor : sellColor, 6, 4, true};
         addLine(frame, order.price, style);
-        print(text, "%s %lld %.*s", order.buy ? "BUY" : "SELL", static_cast<long long>(order.qty),
+        print(words_, "%s %lld %.*s", order.buy ? "BUY" : "SELL", static_cast<long long>(order.qty),
               static_cast<int>(order.kind.size()), order.kind.data());
-        addLabel(frame, order.price, style, text);
+        addLabel(frame, order.price, style, words_);
     }
     if (const auto& position = lines_.position) {
         const bool isLong = position->qty > 0;
         const Style style{isLong ? buyColor : sellColor, 0, 0, true};
         addLine(frame, position->avg, style);
-        print(text, "%s %lld", isLong ? "LONG" : "SHORT", static_cast<long long>(std::abs(position->qty)));
-        addLabel(frame, position->avg, style, text);
+        print(words_, "%s %lld", isLong ? "LONG" : "SHORT", static_cast<long long>(std::abs(position->qty)));
+        addLabel(frame, position->avg, style, words_);
     }
     if (shapes_.empty()) return false;
     constexpr int attempts = 3;  // a new glyph may move the others
@@ -86,7 +85,7 @@ void TradingLinesLayer::addLine(const ScreenFrame& frame, double price, const St
 
 void TradingLinesLayer::addLabel(const ScreenFrame& frame, double price, const Style& style, std::string_view label) {
     const double y = AxisScale::yFor(frame.viewport, price, frame.height);
-    if (!(y >= boxHeight / 2 && y <= plotBottom(frame) - boxHeight / 2)) return;
+    if (!ChartInput::closeMarkShown(y, frame.height)) return;
     if (labelCount_ == labels_.size()) labels_.emplace_back();
     Label& next = labels_[labelCount_++];
     next.y = y;

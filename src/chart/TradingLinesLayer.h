@@ -42,6 +42,7 @@ class TradingLinesLayer final : public ScreenLayer {
     TextLayer text_;
     TradingLines lines_;
     std::vector<ChartVertex> shapes_;
+    std::string words_;          ///< of the label being made
     std::vector<Label> labels_;  ///< the first `labelCount_`; the others keep their memory
     std::size_t labelCount_ = 0;
 };

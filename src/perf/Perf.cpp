@@ -26,9 +26,9 @@ std::string spread(std::vector<double>& list) {
 }  // namespace
 
 void Perf::Samples::add(double value) {
-    if (list.size() < maxSamples) return list.push_back(value);
+    if (list.size() < most) return list.push_back(value);
     list[oldest] = value;
-    oldest = (oldest + 1) % maxSamples;
+    oldest = (oldest + 1) % most;
 }
 
 void Perf::Samples::clear() {
@@ -54,9 +54,9 @@ double Perf::percentile(std::vector<double>& list, double p) {
     return list[at];
 }
 
-Perf::Samples& Perf::named(Timings& timings, std::string_view name) {
+Perf::Samples& Perf::named(Timings& timings, std::string_view name, std::size_t most) {
     const auto found = timings.find(name);
-    return found != timings.end() ? found->second : timings.emplace(name, Samples{}).first->second;
+    return found != timings.end() ? found->second : timings.emplace(name, Samples(most)).first->second;
 }
 
 void Perf::bump(std::string_view name) {
@@ -70,8 +70,8 @@ void Perf::bump(std::string_view name) {
 
 void Perf::time(std::string_view name, double ms) {
     std::lock_guard guard(lock_);
-    named(timings_, name).add(ms);
-    if (benchActive_) named(benchTimings_, name).add(ms);
+    named(timings_, name, maxSamples).add(ms);
+    if (benchActive_) named(benchTimings_, name, noLimit).add(ms);
 }
 
 void Perf::lag(double ms) {

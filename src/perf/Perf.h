@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <map>
 #include <mutex>
 #include <string>
@@ -44,19 +45,23 @@ class Perf {
     /// Reorders the list.
     static double percentile(std::vector<double>& list, double p);
 
-    /// The newest samples that a list keeps, for a window that nobody draws for hours.
+    /// The newest samples that a list keeps between reports, for a window that nobody draws for hours. A benchmark
+    /// keeps all.
     static constexpr std::size_t maxSamples = 16384;
 
  private:
     struct Samples {
+        explicit Samples(std::size_t limit = maxSamples) : most(limit) {}
         std::vector<double> list;
+        std::size_t most;  ///< the newest that it keeps
         std::size_t oldest = 0;
         void add(double value);
         void clear();
     };
+    static constexpr std::size_t noLimit = std::numeric_limits<std::size_t>::max();
     using Timings = std::map<std::string, Samples, std::less<>>;
 
-    static Samples& named(Timings& timings, std::string_view name);
+    static Samples& named(Timings& timings, std::string_view name, std::size_t most);
     std::string takeReport(double now);
 
     const Clock& clock_;
@@ -68,7 +73,7 @@ class Perf {
     int frames_ = 0;
     double lastReport_;
     bool benchActive_ = false;
-    Samples benchFrameIntervals_, benchDrawTimes_, benchLags_;
+    Samples benchFrameIntervals_{noLimit}, benchDrawTimes_{noLimit}, benchLags_{noLimit};
     Timings benchTimings_;
     int benchFrames_ = 0;
     double benchStart_ = 0, lastFrameAt_ = 0;

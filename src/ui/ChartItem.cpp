@@ -151,7 +151,10 @@ void ChartItem::takeChart() {
     if (chart.overlays && std::exchange(drawnOverlays_, chart.overlayRevision) != chart.overlayRevision)
         renderer.setOverlayGeometry(*chart.overlays);
     const bool emptied = pane_->empty() && !renderer.candles().empty();
+    const auto lastBar = [&] { return renderer.candles().empty() ? 0 : renderer.candles().back().time; };
+    const auto before = std::pair(renderer.candles().size(), lastBar());
     renderer.setCandles(all(chart.candles));
+    barsMoved_ = barsMoved_ || before != std::pair(renderer.candles().size(), lastBar());
     if (!renderer.candles().empty()) startUpStage("bars");
     if (emptied) requestFrame();
 }
@@ -166,11 +169,16 @@ void ChartItem::updatePolish() {
         const unsigned glyphs = drawing_->atlas.generation();
         animating_ = drawing_->renderer.drawFrame(width(), height(), window()->effectiveDevicePixelRatio(),
                                                   drawing_->clock.monotonic());
-        if (drawing_->renderer.inputLagMs()) drawing_->follower->recorded();
-        if (drawing_->renderer.camera().snapLerps) updateCrosshair();  // in this frame, not in one of its own
+        drawing_->follower->recorded(drawing_->renderer.inputLagMs().has_value());
+        const bool barsMoved = std::exchange(barsMoved_, false);
+        if (barsMoved || drawing_->renderer.camera().snapLerps) updateCrosshair();  // with this frame, not after it
         return drawing_->atlas.generation() == glyphs;
     };
-    if (!record()) record();  // a layer's new glyphs moved those that another layer had drawn already
+    if (!record()) {  // a layer's new glyphs moved those that another layer had drawn already
+        Perf* const perf = std::exchange(drawing_->renderer.perf, nullptr);  // it is one frame
+        record();
+        drawing_->renderer.perf = perf;
+    }
     recording_ = false;
     drawing_->recordedAt = drawing_->clock.monotonic();
 }
@@ -206,7 +214,10 @@ QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node->atlasGiven();
     }
     node->markDirty(QSGNode::DirtyMaterial);
-    if (!old && !given) requestFrame();
+    if (!old && !given) {
+        drawing_->follower->lost();  // with the node before
+        requestFrame();
+    }
     return node;
 }
 

@@ -91,7 +91,6 @@ class ChartItem : public QQuickItem {
     void makeInput();
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
-    void press(QMouseEvent* event, bool doubleClick);
     void watchSwapsOf(QQuickWindow* window);
     void frameShown();
     void setProblem(const QString& problem);
@@ -105,9 +104,11 @@ class ChartItem : public QQuickItem {
     QBasicTimer unshown_;  ///< runs while a frame is wanted and the one before is on its way to the screen
     bool recording_ = false;
     bool animating_ = false;
+    bool barsMoved_ = false;  ///< bars came or went since the crosshair was told
     std::uint64_t drawnOverlays_ = 0;
     ChartPoint lastPress_;  ///< where a drag has come to
     std::vector<OrderMenuItem> orderMenu_;
+    std::string orderMenuRoot_;  ///< what it trades
     std::shared_ptr<std::atomic<int>> sampleCount_ = std::make_shared<std::atomic<int>>(0);
 };
 

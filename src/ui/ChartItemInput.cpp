@@ -1,5 +1,6 @@
 // What a chart hears from pointer, wheel, pinch and keys: translated, and handed to the chart's own rules.
 #include <QCursor>
+#include <QGuiApplication>
 #include <QNativeGestureEvent>
 #include <QQuickWindow>
 #include <QScreen>
@@ -13,6 +14,12 @@ namespace vmr {
 
 namespace {
 ChartPoint pointOf(const QSinglePointEvent& event) { return {event.position().x(), event.position().y()}; }
+
+// Some platforms give the other axis' deltas with Alt.
+bool altSwapsAxes() {
+    static const QString platform = QGuiApplication::platformName();
+    return platform == QLatin1String("xcb") || platform == QLatin1String("windows");
+}
 
 Qt::CursorShape shapeOf(ChartCursor cursor) {
     switch (cursor) {
@@ -83,18 +90,22 @@ void ChartItem::updateCrosshair() {
     if (renderer.perf && drawing_->crosshair.shown()) renderer.perf->bump("CrosshairHud");
 }
 
-void ChartItem::press(QMouseEvent* event, bool doubleClick) {
+void ChartItem::mousePressEvent(QMouseEvent* event) {
     forceActiveFocus(Qt::MouseFocusReason);
     const ChartPoint at = pointOf(*event);
     lastPress_ = at;
-    if (event->button() == Qt::LeftButton) return drawing_->input->mouseDown(at, doubleClick);
+    if (event->button() == Qt::LeftButton) return drawing_->input->mouseDown(at, false);
     orderMenu_ = drawing_->input->orderMenu(at);
+    orderMenuRoot_ = drawing_->input->simRoot;
     if (!orderMenu_.empty()) emit orderMenuRequested(at.x, at.y);
 }
 
-void ChartItem::mousePressEvent(QMouseEvent* event) { press(event, false); }
-
-void ChartItem::mouseDoubleClickEvent(QMouseEvent* event) { press(event, true); }
+// Comes after a press of its own, which took what lies there.
+void ChartItem::mouseDoubleClickEvent(QMouseEvent* event) {
+    const ChartInput& input = *drawing_->input;
+    if (event->button() == Qt::LeftButton && input.dragging() && !input.draggingLine())
+        drawing_->renderer.setAutoY(true);
+}
 
 void ChartItem::mouseMoveEvent(QMouseEvent* event) {
     if (!(event->buttons() & Qt::LeftButton)) return;
@@ -117,7 +128,7 @@ void ChartItem::wheelEvent(QWheelEvent* event) {
     const bool precise = event->phase() != Qt::NoScrollPhase && !event->pixelDelta().isNull();
     QPointF delta = precise ? QPointF(event->pixelDelta()) : QPointF(event->angleDelta()) / 120.0;
     const bool shift = event->modifiers() & Qt::ShiftModifier;
-    const bool swapped = (event->modifiers() & Qt::AltModifier) || (shift && delta.y() == 0);
+    const bool swapped = (altSwapsAxes() && (event->modifiers() & Qt::AltModifier)) || (shift && delta.y() == 0);
     if (swapped) delta = delta.transposed();
     drawing_->follower->input(event->timestamp());
     drawing_->input->scrollWheel(delta.x(), delta.y(), precise, shift);
@@ -178,6 +189,7 @@ QVariantList ChartItem::orderMenu() const {
 
 void ChartItem::chooseOrder(int index) {
     if (index < 0 || static_cast<std::size_t>(index) >= orderMenu_.size()) return;
+    if (orderMenuRoot_ != drawing_->input->simRoot) return;  // its prices are those of another chart
     drawing_->input->choose(orderMenu_[static_cast<std::size_t>(index)]);
 }
 

@@ -17,8 +17,9 @@ void FrameFollower::input(std::uint64_t timestampMs) {
     waiting_.push_back(age <= longest ? now - age : now);
 }
 
-void FrameFollower::recorded() {
-    recorded_.insert(recorded_.end(), waiting_.begin(), waiting_.end());  // a frame that was never shown passes its on
+void FrameFollower::recorded(bool showsInput) {
+    // a frame that was never shown passes its own on
+    if (showsInput) recorded_.insert(recorded_.end(), waiting_.begin(), waiting_.end());
     waiting_.clear();
 }
 

@@ -22,8 +22,8 @@ class FrameFollower {
 
     // Main thread.
     void input(std::uint64_t timestampMs);
-    /// A frame was recorded that shows all input so far.
-    void recorded();
+    /// A frame was recorded; it shows all input so far, or none of it was worth showing.
+    void recorded(bool showsInput);
     /// The recorded frame goes to the render thread; the main thread waits, or is the caller.
     void handedOver();
     /// A frame was handed over that is not on the screen yet.

@@ -12,15 +12,15 @@ Item {
 
     component Tag: Rectangle {
         property alias text: label.text
-        height: 18
+        width: Math.ceil(label.implicitWidth) + 8
+        height: Math.ceil(label.implicitHeight) + 3
         radius: 3
         color: Theme.pressed
-        border.width: 1
-        border.color: Theme.lineStrong
         Label {
             id: label
             anchors.centerIn: parent
-            font.pixelSize: 11
+            color: "white"
+            font.pixelSize: 13
         }
     }
 
@@ -43,15 +43,13 @@ Item {
     Tag {
         objectName: "crosshairPrice"
         visible: view.inPlot
-        x: view.width - width
-        y: Math.max(0, Math.min(Math.round(view.cross.y) - 9, view.height - view.timeAxis - height))
-        width: view.priceAxis
+        x: view.width - width - 1
+        y: Math.max(0, Math.min(Math.round(view.cross.y - height / 2), view.height - view.timeAxis - height))
         text: view.cross.priceText
     }
     Tag {
         objectName: "crosshairTime"
         visible: view.inPlot && view.cross.timeText !== ""
-        width: 104
         x: Math.max(0, Math.min(Math.round(view.cross.x - width / 2), view.width - view.priceAxis - width))
         y: view.height - view.timeAxis + 2
         text: view.cross.timeText

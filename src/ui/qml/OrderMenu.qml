@@ -35,6 +35,8 @@ T.Popup {
     height: column.implicitHeight + 2 * padding
     padding: 6
     focus: true
+    modal: true  // the press that closes it is not for the chart
+    dim: false
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
     background: Rectangle {
         radius: 8
