@@ -51,7 +51,7 @@ Item {
         objectName: "crosshairTime"
         visible: view.inPlot && view.cross.timeText !== ""
         x: Math.max(0, Math.min(Math.round(view.cross.x - width / 2), view.width - view.priceAxis - width))
-        y: view.height - view.timeAxis + 2
+        y: view.height - view.timeAxis + Math.round((view.timeAxis - height) / 2)
         text: view.cross.timeText
     }
 }
