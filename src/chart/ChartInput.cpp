@@ -115,7 +115,7 @@ void ChartInput::mouseExited() {
     if (onMouseMove) onMouseMove(std::nullopt);
 }
 
-void ChartInput::mouseDown(ChartPoint at, bool doubleClick) {
+void ChartInput::mouseDown(ChartPoint at) {
     lines();
     const auto order = simOrder(at.y);
     const bool position = onPositionMark(at);
@@ -131,7 +131,10 @@ void ChartInput::mouseDown(ChartPoint at, bool doubleClick) {
         return;
     }
     lastDrag_ = at;
-    if (doubleClick) renderer_.setAutoY(true);
+}
+
+void ChartInput::doubleClick() {
+    if (lastDrag_) renderer_.setAutoY(true);  // it took no line and closed none
 }
 
 void ChartInput::mouseDragged(ChartPoint at) {

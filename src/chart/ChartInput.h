@@ -64,7 +64,9 @@ class ChartInput {
 
     void mouseMoved(ChartPoint at);
     void mouseExited();
-    void mouseDown(ChartPoint at, bool doubleClick);
+    void mouseDown(ChartPoint at);
+    /// The last `mouseDown` was the second of a double click.
+    void doubleClick();
     void mouseDragged(ChartPoint at);
     void mouseUp(ChartPoint at);
     /// `precise`: deltas in points, of a device that scrolls in phases; else in lines.

@@ -94,17 +94,15 @@ void ChartItem::mousePressEvent(QMouseEvent* event) {
     forceActiveFocus(Qt::MouseFocusReason);
     const ChartPoint at = pointOf(*event);
     lastPress_ = at;
-    if (event->button() == Qt::LeftButton) return drawing_->input->mouseDown(at, false);
+    if (event->button() == Qt::LeftButton) return drawing_->input->mouseDown(at);
     orderMenu_ = drawing_->input->orderMenu(at);
     orderMenuRoot_ = drawing_->input->simRoot;
     if (!orderMenu_.empty()) emit orderMenuRequested(at.x, at.y);
 }
 
-// Comes after a press of its own, which took what lies there.
+// Comes after a press of its own.
 void ChartItem::mouseDoubleClickEvent(QMouseEvent* event) {
-    const ChartInput& input = *drawing_->input;
-    if (event->button() == Qt::LeftButton && input.dragging() && !input.draggingLine())
-        drawing_->renderer.setAutoY(true);
+    if (event->button() == Qt::LeftButton) drawing_->input->doubleClick();
 }
 
 void ChartItem::mouseMoveEvent(QMouseEvent* event) {

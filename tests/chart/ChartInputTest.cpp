@@ -78,7 +78,7 @@ TEST_F(InputTest, DragAddsEventsUpAndMovesTheCameraAtMost120TimesASecond) {
     const double first = camera().firstVisible, perPoint = camera().visibleCount / width;
     int ended = 0, steps = 0;
     renderer.onInteractionEnd = [&] { ++ended; };
-    input.mouseDown({500, 400}, false);
+    input.mouseDown({500, 400});
     double before = first;
     for (int i = 1; i <= 105; ++i) {  // 1000 events a second
         time.advance(0.001);
@@ -93,7 +93,7 @@ TEST_F(InputTest, DragAddsEventsUpAndMovesTheCameraAtMost120TimesASecond) {
     EXPECT_FALSE(renderer.interacting());
     EXPECT_THAT(live, ElementsAre(true, false));
 
-    input.mouseDown({500, 400}, false);  // a click alone
+    input.mouseDown({500, 400});  // a click alone
     input.mouseUp({500, 400});
     EXPECT_EQ(ended, 1);
 }
@@ -104,7 +104,7 @@ TEST_F(InputTest, DragDecidesBetweenRulerAndChartAtEachStep) {
         time.advance(0.02);
         input.mouseDragged(to);
     };
-    input.mouseDown({width - 10, 400}, false);
+    input.mouseDown({width - 10, 400});
     drag({width - 10, 420});  // down widens
     EXPECT_NEAR(span(), whole * 1.1, 1e-6);
     drag({width - 10, 300});  // clamped
@@ -116,7 +116,8 @@ TEST_F(InputTest, DragDecidesBetweenRulerAndChartAtEachStep) {
     EXPECT_NEAR(camera().yMinManual - low, 9 / height * whole * 0.66, 1e-6);
     input.mouseUp({width - 110, 309});
     EXPECT_FALSE(camera().autoY);
-    input.mouseDown({400, 400}, true);
+    input.mouseDown({400, 400});
+    input.doubleClick();
     EXPECT_TRUE(camera().autoY);
 }
 
@@ -161,7 +162,8 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
                      {{id(1), 21040, true, 1, "LMT"}, {id(2), 21040, true, 1, "STP"}},
                      {{id(1), "SL", 20980}, {id(1), "TP", 20980}}};
     const auto press = [&](ChartPoint from, double toPrice) {
-        input.mouseDown(from, false);
+        input.mouseDown(from);
+        input.doubleClick();  // is nothing more on a line
         time.advance(0.02);
         input.mouseDragged(at(from.x, toPrice));
         input.mouseDragged(at(from.x, toPrice + 1));
@@ -177,8 +179,12 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
     EXPECT_FALSE(input.draggingLine());
     EXPECT_EQ(camera().firstVisible, first);
     EXPECT_EQ(camera().yMinManual, low);
+    EXPECT_FALSE(camera().autoY);
     EXPECT_THAT(press({edge, yOf(21000) + 7}, 21010), ElementsAre());  // beside the line: the chart moves
     EXPECT_NE(camera().yMinManual, low);
+    while (yOf(21000) > 7) renderer.panByPrice(-1, height);
+    ASSERT_GE(yOf(21000), 0);  // the line is in view, its mark has no room
+    EXPECT_THAT(press(at(edge, 21000), 21000), ElementsAre());
     input.simRoot.clear();
     EXPECT_THAT(press(below(21040, 0), 21060), ElementsAre());
 }
