@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "chart/AxisLayer.h"
 #include "chart/AxisScale.h"
 #include "perf/Perf.h"
 
@@ -34,8 +35,7 @@ double ChartInput::closeMarkEdge(double width) {
 }
 
 bool ChartInput::closeMarkShown(double y, double height) {
-    constexpr double halfMark = 8, timeAxisHeight = 22;
-    return y >= halfMark && y <= height - timeAxisHeight - halfMark;
+    return y >= closeMarkHeight / 2 && y <= height - AxisLayer::timeAxisHeight - closeMarkHeight / 2;
 }
 
 double ChartInput::priceAt(double y) const {

@@ -41,9 +41,10 @@ struct OrderMenuItem {
 /// 120 times a second, drags of orders and the wheel with each event.
 class ChartInput {
  public:
-    static constexpr double pace = 1.0 / 120.0;  ///< seconds between steps
-    static constexpr double hitTolerance = 6;    ///< points
-    static constexpr double hold = 0.18;         ///< seconds that frames go on after the last drag, wheel or pinch
+    static constexpr double pace = 1.0 / 120.0;    ///< seconds between steps
+    static constexpr double hitTolerance = 6;      ///< points
+    static constexpr double hold = 0.18;           ///< seconds that frames go on after the last drag, wheel or pinch
+    static constexpr double closeMarkHeight = 16;  ///< points; that of the labels as well
     static constexpr double priceAxisWidth = Camera::priceAxisPadPx;
 
     /// All must outlive it; `perf` may be null.

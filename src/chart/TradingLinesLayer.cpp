@@ -17,7 +17,7 @@ constexpr Rgba sellColor{0.937F, 0.325F, 0.314F, 1.0F};
 constexpr Rgba plannedColor{0.6F, 0.6F, 0.6F, 1.0F};
 constexpr Rgba backColor{0.04F, 0.04F, 0.04F, 0.92F};
 constexpr TextStyle labelStyle{FontFace::regular, 11};
-constexpr double boxHeight = 16, boxPadding = 6, markWidth = 18;  // points
+constexpr double boxHeight = ChartInput::closeMarkHeight, boxPadding = 6, markWidth = 18;  // points
 
 double plotRight(const ScreenFrame& frame) { return frame.width - AxisLayer::priceAxisWidth; }
 double plotBottom(const ScreenFrame& frame) { return frame.height - AxisLayer::timeAxisHeight; }
