@@ -15,7 +15,7 @@
 #include "chart/ChartRenderer.h"
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/FullScene.h"
-#include "ui/RhiGpu.h"
+#include "gpu/FrameRecorder.h"
 
 namespace vmr {
 namespace {

@@ -6,7 +6,7 @@
 #include "model/StateDocument.h"
 #include "perf/Perf.h"
 #include "relay/Tape.h"
-#include "services/BeastWebSocket.h"
+#include "services/net/BeastWebSocket.h"
 #include "sim/SimStore.h"
 
 namespace vmr {

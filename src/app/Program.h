@@ -18,9 +18,9 @@
 #include "market/SessionTime.h"
 #include "model/AppModel.h"
 #include "relay/PracticeRelay.h"
-#include "services/CurlHttpClient.h"
-#include "services/Endpoints.h"
-#include "services/FirebaseRESTAuth.h"
+#include "services/net/CurlHttpClient.h"
+#include "services/net/Endpoints.h"
+#include "services/cloud/FirebaseRESTAuth.h"
 #include "sim/SimEngine.h"
 
 namespace vmr {

@@ -17,11 +17,11 @@
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
 #include "perf/StartUp.h"
-#include "ui/PaneBinding.h"
-#include "ui/PaneViewModel.h"
-#include "ui/QtLoop.h"
-#include "ui/UiSetup.h"
-#include "ui/WindowPicture.h"
+#include "ui/pane/PaneBinding.h"
+#include "ui/pane/PaneViewModel.h"
+#include "ui/platform/QtLoop.h"
+#include "ui/platform/UiSetup.h"
+#include "ui/platform/WindowPicture.h"
 
 namespace vmr {
 

@@ -6,7 +6,7 @@
 #include <limits>
 #include <span>
 
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 #include "market/Records.h"
 
 namespace vmr {

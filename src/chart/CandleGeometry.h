@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 #include "market/Records.h"
 
 namespace vmr::CandleGeometry {

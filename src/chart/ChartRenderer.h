@@ -14,12 +14,12 @@
 #include "base/Clock.h"
 #include "chart/Camera.h"
 #include "chart/EdgeLayers.h"
-#include "chart/FrameArena.h"
-#include "chart/Gpu.h"
+#include "gpu/FrameArena.h"
+#include "gpu/Gpu.h"
 #include "chart/OverlayLists.h"
 #include "chart/RenderConfig.h"
 #include "chart/ScreenLayer.h"
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 #include "market/Records.h"
 
 namespace vmr {

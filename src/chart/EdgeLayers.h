@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "chart/FrameArena.h"
+#include "gpu/FrameArena.h"
 #include "chart/RenderConfig.h"
 #include "market/Records.h"
 

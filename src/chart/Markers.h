@@ -6,7 +6,7 @@
 
 #include "chart/Camera.h"
 #include "chart/RenderConfig.h"
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 #include "market/Records.h"
 
 namespace vmr::Markers {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "chart/Camera.h"
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 #include "market/Records.h"
 
 /// Each function appends to the lists that it is given, in data space relative to `origin`, so that pan and zoom

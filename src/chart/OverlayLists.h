@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "chart/Camera.h"
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 
 namespace vmr {
 

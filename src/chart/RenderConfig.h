@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 
 namespace vmr {
 

@@ -3,8 +3,8 @@
 
 #include <span>
 
-#include "chart/FrameArena.h"
-#include "chart/Gpu.h"
+#include "gpu/FrameArena.h"
+#include "gpu/Gpu.h"
 #include "market/Records.h"
 
 namespace vmr {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "chart/Camera.h"
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 #include "market/Records.h"
 
 namespace vmr {

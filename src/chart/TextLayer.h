@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "chart/GlyphSource.h"
+#include "gpu/GlyphSource.h"
 #include "chart/ScreenLayer.h"
-#include "chart/Vertices.h"
+#include "gpu/Vertices.h"
 
 namespace vmr {
 

@@ -32,8 +32,8 @@
 #include "model/Instruments.h"
 #include "model/OverlayBuilder.h"
 #include "perf/BenchSettings.h"
-#include "services/FirebaseRESTAuth.h"
-#include "services/RelayClient.h"
+#include "services/cloud/FirebaseRESTAuth.h"
+#include "services/feed/RelayClient.h"
 #include "store/GexConfig.h"
 #include "store/PaneState.h"
 

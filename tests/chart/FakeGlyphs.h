@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "chart/GlyphSource.h"
+#include "gpu/GlyphSource.h"
 
 namespace vmr::test {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "chart/Gpu.h"
-#include "chart/Vertices.h"
+#include "gpu/Gpu.h"
+#include "gpu/Vertices.h"
 
 namespace vmr::test {
 

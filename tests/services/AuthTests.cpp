@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "FakeHttpClient.h"
-#include "services/FirebaseRESTAuth.h"
+#include "services/cloud/FirebaseRESTAuth.h"
 #include "support/TestTime.h"
 
 namespace vmr::test {

@@ -3,8 +3,8 @@
 
 #include <map>
 
-#include "services/Endpoints.h"
-#include "services/Url.h"
+#include "services/net/Endpoints.h"
+#include "services/net/Url.h"
 
 namespace vmr::test {
 namespace {

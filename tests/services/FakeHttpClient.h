@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/SerialQueue.h"
-#include "services/HttpClient.h"
+#include "services/net/HttpClient.h"
 
 namespace vmr::test {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/SerialQueue.h"
-#include "services/WebSocket.h"
+#include "services/net/WebSocket.h"
 
 namespace vmr::test {
 

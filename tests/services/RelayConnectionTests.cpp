@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "FakeWebSocket.h"
-#include "services/RelayClient.h"
+#include "services/feed/RelayClient.h"
 #include "support/TestTime.h"
 
 namespace vmr::test {

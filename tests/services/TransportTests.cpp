@@ -14,8 +14,8 @@
 #include <thread>
 
 #include "base/AsioLoop.h"
-#include "services/BeastWebSocket.h"
-#include "services/CurlHttpClient.h"
+#include "services/net/BeastWebSocket.h"
+#include "services/net/CurlHttpClient.h"
 
 namespace vmr::test {
 namespace {

@@ -8,8 +8,8 @@
 #include "chart/BarLabelLayer.h"
 #include "chart/ChartRenderer.h"
 #include "market/SessionTime.h"
-#include "ui/GlyphAtlas.h"
-#include "ui/RhiGpu.h"
+#include "ui/gpu/GlyphAtlas.h"
+#include "gpu/FrameRecorder.h"
 
 namespace vmr::test {
 

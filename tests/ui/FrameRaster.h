@@ -5,7 +5,7 @@
 #include <array>
 #include <vector>
 
-#include "ui/RhiFrame.h"
+#include "gpu/RecordedFrame.h"
 
 namespace vmr::test {
 

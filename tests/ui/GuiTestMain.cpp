@@ -3,7 +3,7 @@
 
 #include <QGuiApplication>
 
-#include "ui/UiSetup.h"
+#include "ui/platform/UiSetup.h"
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);

@@ -14,10 +14,10 @@
 #include <vector>
 
 #include "tests/chart/FullScene.h"
-#include "ui/ChartItem.h"
-#include "ui/PaneViewModel.h"
-#include "ui/UiSetup.h"
-#include "ui/WindowPicture.h"
+#include "ui/chart/ChartItem.h"
+#include "ui/pane/PaneViewModel.h"
+#include "ui/platform/UiSetup.h"
+#include "ui/platform/WindowPicture.h"
 
 namespace vmr::test {
 

@@ -1,0 +1,101 @@
+#include "gpu/FrameRecorder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "base/Fatal.h"
+
+namespace vmr {
+
+GpuBuffer RhiGpu::makeBuffer(std::span<const std::byte> bytes) {
+    auto retained = std::make_shared<RetainedBytes>();
+    retained->id = ++ids_;
+    retained->bytes.assign(bytes.begin(), bytes.end());
+    buffers_[ids_].retained = std::move(retained);
+    return ids_;
+}
+
+bool RhiGpu::holds(GpuBuffer buffer, std::span<const std::byte> bytes) const {
+    const auto found = buffers_.find(buffer);
+    if (found == buffers_.end() || !found->second.retained) return false;
+    const auto& held = found->second.retained->bytes;
+    return held.size() == bytes.size() && std::memcmp(held.data(), bytes.data(), held.size()) == 0;
+}
+
+GpuBuffer RhiGpu::makeArena(std::size_t size) {
+    buffers_[++ids_].arena.resize(size);
+    return ids_;
+}
+
+RhiGpu::Buffer& RhiGpu::find(GpuBuffer buffer) {
+    const auto found = buffers_.find(buffer);
+    if (found == buffers_.end()) fatal("chart: a GPU buffer was used that does not exist");
+    return found->second;
+}
+
+std::span<std::byte> RhiGpu::arenaBytes(GpuBuffer arena) { return find(arena).arena; }
+
+void RhiGpu::release(GpuBuffer buffer) { buffers_.erase(buffer); }
+
+void RhiGpu::beginFrame(double width, double height, double pixelRatio) {
+    recording_.clear();
+    recording_.width = width;
+    recording_.height = height;
+    recording_.pixelRatio = pixelRatio;
+    recording_.uniforms.push_back({1, 0, 1, 0, 0, 0, 0, 0});
+    pipeline_ = Pipeline::flat;
+    inFrame_ = true;
+    pending_ = false;
+}
+
+void RhiGpu::setUniforms(std::span<const float> values) {
+    auto& block = recording_.uniforms.emplace_back();
+    std::copy_n(values.begin(), std::min(values.size(), block.size()), block.begin());
+}
+
+std::int32_t RhiGpu::retainedIndex(const std::shared_ptr<const RetainedBytes>& retained) {
+    auto& list = recording_.retained;
+    const auto found = std::find(list.begin(), list.end(), retained);
+    const auto index = found - list.begin();
+    if (found == list.end()) list.push_back(retained);
+    return static_cast<std::int32_t>(index);
+}
+
+void RhiGpu::draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset, std::size_t vertexCount) {
+    if (!inFrame_) fatal("chart: a draw outside a frame");
+    if (vertexCount == 0) return;
+    const Buffer& from = find(buffer);
+    const auto& bytes = from.retained ? from.retained->bytes : from.arena;
+    const std::size_t size = vertexCount * vertexStride(pipeline_);
+    if (byteOffset > bytes.size() || size > bytes.size() - byteOffset) fatal("chart: a draw beyond its buffer's end");
+
+    RecordedFrame::Draw call;
+    call.pipeline = pipeline_;
+    call.primitive = primitive;
+    call.uniforms = static_cast<std::uint32_t>(recording_.uniforms.size() - 1);
+    call.vertexCount = vertexCount;
+    if (from.retained) {
+        call.source = retainedIndex(from.retained);
+        call.byteOffset = byteOffset;
+    } else {
+        call.byteOffset = recording_.stream.size();  // strides are multiples of 16, so offsets stay aligned
+        const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(byteOffset);
+        recording_.stream.insert(recording_.stream.end(), first, first + static_cast<std::ptrdiff_t>(size));
+    }
+    recording_.draws.push_back(call);
+}
+
+void RhiGpu::endFrame() {
+    inFrame_ = false;
+    pending_ = true;
+    ++framesRecorded_;
+}
+
+bool RhiGpu::swapFrame(RecordedFrame& frame) {
+    if (!std::exchange(pending_, false)) return false;
+    std::swap(recording_, frame);
+    return true;
+}
+
+}  // namespace vmr

@@ -1,0 +1,188 @@
+#include "services/cloud/FirebaseRESTAuth.h"
+
+#include <nlohmann/json.hpp>
+
+#include "base/Json.h"
+#include "base/NumberText.h"
+#include "services/net/Url.h"
+
+namespace vmr {
+
+namespace {
+
+using Failure = std::optional<AuthError>;
+
+std::string withKey(const std::string& host, const char* path, const Endpoints& endpoints) {
+    return host + path + "?key=" + percentEncoded(endpoints.apiKey, queryValueCharacters);
+}
+
+/// Nothing when the text cannot be JSON (bytes that are not UTF-8); `problem` then says why.
+std::optional<std::string> encoded(const nlohmann::json& body, std::string& problem) {
+    try {
+        return body.dump();
+    } catch (const nlohmann::json::exception& error) {
+        problem = error.what();
+        return std::nullopt;
+    }
+}
+
+HttpRequest jsonPost(std::string url, std::string body) {
+    return {"POST", std::move(url), {{"Content-Type", "application/json"}}, std::move(body), 60};
+}
+
+Failure checkHTTP(const HttpResponse& response) {
+    if (response.transportError) return AuthError{AuthError::Kind::transport, 0, *response.transportError};
+    if (response.status >= 200 && response.status <= 299) return std::nullopt;
+    std::string message = "request failed";
+    if (const auto body = Json::parse(response.body)) {
+        const JsonView told = (*body)["error"]["message"];
+        if (told.isString()) message = told.string();
+    }
+    return AuthError{AuthError::Kind::http, response.status, std::move(message)};
+}
+
+/// What both calls read from an answer, under their own key names.
+struct Granted {
+    std::string idToken;
+    std::string refreshToken;
+    double lifetime = 0;
+    std::optional<std::string> localId;
+};
+
+struct GrantKeys {
+    const char* idToken;
+    const char* refreshToken;
+    const char* lifetime;
+    const char* localId;
+};
+constexpr GrantKeys signInKeys{"idToken", "refreshToken", "expiresIn", "localId"};
+constexpr GrantKeys refreshKeys{"id_token", "refresh_token", "expires_in", "user_id"};
+
+Failure readGrant(const HttpResponse& response, const GrantKeys& keys, Granted& granted) {
+    if (auto failed = checkHTTP(response)) return failed;
+    const auto body = Json::parse(response.body);
+    if (!body) return AuthError{AuthError::Kind::transport, 0, "The response is not valid JSON."};
+    const JsonView id = (*body)[keys.idToken];
+    const JsonView refresh = (*body)[keys.refreshToken];
+    const JsonView lifetime = (*body)[keys.lifetime];
+    if (!id.isString() || !refresh.isString() || !lifetime.isString()) return AuthError{};
+    const auto seconds = parseDouble(lifetime.string());
+    if (!seconds) return AuthError{};
+    granted.idToken = id.string();
+    granted.refreshToken = refresh.string();
+    granted.lifetime = *seconds;
+    if (const JsonView uid = (*body)[keys.localId]; uid.isString()) granted.localId = uid.string();
+    return std::nullopt;
+}
+
+constexpr double expiryMargin = 60;
+
+}  // namespace
+
+std::string AuthError::text() const {
+    switch (kind) {
+        case Kind::http:
+            return "Auth error (" + std::to_string(status) + "): " + message;
+        case Kind::malformed:
+            return "Unexpected auth response.";
+        case Kind::notSignedIn:
+            return "Not signed in.";
+        case Kind::transport:
+            return message;
+    }
+    return message;
+}
+
+FirebaseRESTAuth::FirebaseRESTAuth(Endpoints endpoints, HttpClient& http, Preferences& preferences, const Clock& clock)
+    : endpoints_(std::move(endpoints)),
+      http_(http),
+      preferences_(preferences),
+      clock_(clock),
+      session_(std::make_shared<int>(0)) {
+    auto stored = preferences_.get(refreshTokenKey);
+    if (!stored || stored->empty()) return;
+    refreshToken = std::move(stored);
+    localId = preferences_.get(uidKey);
+    email = preferences_.get(emailKey);
+}
+
+void FirebaseRESTAuth::signIn(const std::string& address, const std::string& password,
+                              std::function<void(std::optional<AuthError>)> done) {
+    std::string problem;
+    auto body = encoded({{"email", address}, {"password", password}, {"returnSecureToken", true}}, problem);
+    if (!body) return done(AuthError{AuthError::Kind::transport, 0, problem});
+    auto request =
+        jsonPost(withKey(endpoints_.identityUrl, "/v1/accounts:signInWithPassword", endpoints_), std::move(*body));
+    http_.send(std::move(request), [this, session = std::weak_ptr(session_), address,
+                                    done = std::move(done)](const HttpResponse& response) {
+        if (session.expired()) return done(AuthError{AuthError::Kind::notSignedIn, 0, {}});
+        Granted granted;
+        if (auto failed = readGrant(response, signInKeys, granted)) return done(std::move(failed));
+        idToken = std::move(granted.idToken);
+        refreshToken = std::move(granted.refreshToken);
+        localId = std::move(granted.localId);
+        email = address;
+        expiresAt = clock_.monotonic() + granted.lifetime - expiryMargin;
+        persist();
+        done(std::nullopt);
+    });
+}
+
+void FirebaseRESTAuth::refresh(std::function<void(std::variant<std::string, AuthError>)> done) {
+    if (!refreshToken) return done(AuthError{AuthError::Kind::notSignedIn, 0, {}});
+    HttpRequest request{"POST",
+                        withKey(endpoints_.secureTokenUrl, "/v1/token", endpoints_),
+                        {{"Content-Type", "application/x-www-form-urlencoded"}},
+                        "grant_type=refresh_token&refresh_token=" + *refreshToken,
+                        60};
+    http_.send(std::move(request),
+               [this, session = std::weak_ptr(session_), done = std::move(done)](const HttpResponse& response) {
+                   if (session.expired()) return done(AuthError{AuthError::Kind::notSignedIn, 0, {}});
+                   Granted granted;
+                   if (auto failed = readGrant(response, refreshKeys, granted)) return done(std::move(*failed));
+                   idToken = granted.idToken;
+                   refreshToken = std::move(granted.refreshToken);
+                   expiresAt = clock_.monotonic() + granted.lifetime - expiryMargin;
+                   if (!localId) localId = std::move(granted.localId);
+                   persist();
+                   done(std::move(granted.idToken));
+               });
+}
+
+void FirebaseRESTAuth::signOut() {
+    session_ = std::make_shared<int>(0);
+    idToken.reset();
+    refreshToken.reset();
+    localId.reset();
+    email.reset();
+    expiresAt = distantPast;
+    for (const char* key : {refreshTokenKey, uidKey, emailKey}) preferences_.remove(key);
+}
+
+void FirebaseRESTAuth::persist() {
+    const auto keep = [this](const char* key, const std::optional<std::string>& value) {
+        if (persistSession && value)
+            preferences_.set(key, *value);
+        else
+            preferences_.remove(key);
+    };
+    keep(refreshTokenKey, refreshToken);
+    keep(uidKey, localId);
+    keep(emailKey, email);
+}
+
+void AccountService::sendPasswordReset(HttpClient& http, const Endpoints& endpoints, const std::string& email,
+                                       std::function<void(std::optional<std::string>)> done) {
+    std::string problem;
+    auto body = encoded({{"requestType", "PASSWORD_RESET"}, {"email", email}}, problem);
+    if (!body) return done(problem);
+    http.send(jsonPost(withKey(endpoints.identityUrl, "/v1/accounts:sendOobCode", endpoints), std::move(*body)),
+              [done = std::move(done)](const HttpResponse& response) {
+                  if (response.transportError) return done(response.transportError);
+                  if (response.status < 200 || response.status > 299)
+                      return done("HTTP " + std::to_string(response.status));
+                  done(std::nullopt);
+              });
+}
+
+}  // namespace vmr

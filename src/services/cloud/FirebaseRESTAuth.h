@@ -1,0 +1,86 @@
+// Sign-in over the Identity Toolkit and secure-token REST endpoints.
+#pragma once
+
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "base/Clock.h"
+#include "base/Preferences.h"
+#include "services/net/Endpoints.h"
+#include "services/net/HttpClient.h"
+
+namespace vmr {
+
+/// Why a sign-in or refresh failed. `text()` is for the person.
+struct AuthError {
+    enum class Kind { http, malformed, notSignedIn, transport };
+    Kind kind = Kind::malformed;
+    int status = 0;       ///< of `http`
+    std::string message;  ///< the server's code word for `http`, the library's text for `transport`
+    bool operator==(const AuthError&) const = default;
+
+    /// "Auth error (400): INVALID_PASSWORD", "Unexpected auth response.", "Not signed in.", or the transport's text.
+    std::string text() const;
+};
+
+/// The session of the process. Main thread; callbacks come on the HTTP client's queue, which is the main loop, or
+/// within the call when nothing is sent. Fields change only once a whole response has been checked; concurrent
+/// refreshes are not merged. After `signOut` or destruction a call under way ends with `notSignedIn`.
+class FirebaseRESTAuth {
+ public:
+    static constexpr double distantPast = -std::numeric_limits<double>::infinity();
+
+    /// Restores a stored session: with a stored refresh token, the first use goes through `refresh`.
+    FirebaseRESTAuth(Endpoints endpoints, HttpClient& http, Preferences& preferences, const Clock& clock);
+
+    /// Nothing on success.
+    void signIn(const std::string& email, const std::string& password,
+                std::function<void(std::optional<AuthError>)> done);
+
+    /// Gives the new identity token, or the error.
+    void refresh(std::function<void(std::variant<std::string, AuthError>)> done);
+
+    /// Forgets the session in memory and in the preferences; no network call. A call still under way changes nothing
+    /// any more.
+    void signOut();
+
+    /// Writes or, with `persistSession` off, removes the three stored keys.
+    void persist();
+
+    /// Whether `idToken` may be used now.
+    bool tokenIsLive() const { return idToken && clock_.monotonic() < expiresAt; }
+
+    std::optional<std::string> idToken;
+    std::optional<std::string> refreshToken;
+    std::optional<std::string> localId;
+    std::optional<std::string> email;
+    double expiresAt = distantPast;  ///< monotonic seconds; token life is real time, whatever the market clock does
+    bool persistSession = true;
+
+    const Endpoints& endpoints() const { return endpoints_; }
+    HttpClient& http() { return http_; }
+
+    static constexpr const char* refreshTokenKey = "vmr.auth.refreshToken";
+    static constexpr const char* uidKey = "vmr.auth.uid";
+    static constexpr const char* emailKey = "vmr.auth.email";
+
+ private:
+    Endpoints endpoints_;
+    HttpClient& http_;
+    Preferences& preferences_;
+    const Clock& clock_;
+    std::shared_ptr<int> session_;  // replaced by signOut, so that late answers find their session gone
+};
+
+/// The other calls on the user's account.
+namespace AccountService {
+/// Asks for a reset mail. Nothing on success, else "HTTP <status>" or the transport's text.
+void sendPasswordReset(HttpClient& http, const Endpoints& endpoints, const std::string& email,
+                       std::function<void(std::optional<std::string>)> done);
+}  // namespace AccountService
+
+}  // namespace vmr

@@ -1,0 +1,34 @@
+#include "ui/chart/CrosshairState.h"
+
+#include <cmath>
+
+#include "chart/AxisScale.h"
+
+namespace vmr {
+
+namespace {
+QString text(const AxisScale::Label& label) {
+    const std::string_view chars = label.text();
+    return QString::fromUtf8(chars.data(), static_cast<qsizetype>(chars.size()));
+}
+}  // namespace
+
+void CrosshairState::update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,
+                            SessionTime& session) {
+    const bool wasShown = std::exchange(shown_, mousePoint_.has_value() && !candles.empty());
+    if (!shown_) {
+        if (wasShown) emit changed();
+        return;
+    }
+    priceText_ = text(AxisScale::fmtPrice(AxisScale::priceAtY(viewport, mousePoint_->y, height)));
+    const double index = std::round(viewport.first + mousePoint_->x / std::max(width, 1.0) * viewport.count);
+    timeText_.clear();
+    if (index >= 0 && index < static_cast<double>(candles.size())) {
+        const std::int64_t time = candles[static_cast<std::size_t>(index)].time;
+        timeText_ = text(AxisScale::fmtTime(session, time, true)) + QStringLiteral("  ") +
+                    text(AxisScale::fmtTime(session, time, false));
+    }
+    emit changed();
+}
+
+}  // namespace vmr

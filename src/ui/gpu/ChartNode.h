@@ -1,0 +1,52 @@
+// The chart in the scene graph.
+#pragma once
+
+#include <QRectF>
+#include <QSGRenderNode>
+#include <QString>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "ui/gpu/RhiReplay.h"
+
+class QQuickWindow;
+
+namespace vmr {
+
+/// Draws the last recorded frame inside the scene graph's own pass, within the item's rectangle. Made and used on the
+/// render thread, or on the main thread while that is blocked.
+class ChartNode final : public QSGRenderNode {
+ public:
+    explicit ChartNode(QQuickWindow& window) : window_(window) {}
+
+    RhiReplay& replay() { return replay_; }
+    void setItemSize(QSizeF size) { size_ = size; }
+    /// Whether the GPU side was given back since `atlasGiven`, so that the atlas must be given anew.
+    bool needsAtlas() const { return needsAtlas_; }
+    void atlasGiven() { needsAtlas_ = false; }
+    /// Told what keeps the chart from being drawn, once for each such text, empty when it is well again. Render thread.
+    std::function<void(const QString& problem)> onProblem;
+    /// Gets the samples a pixel of each target that is drawn on. Render thread.
+    std::shared_ptr<std::atomic<int>> sampleCount;
+
+    void prepare() override;
+    void render(const RenderState* state) override;
+    void releaseResources() override;
+    StateFlags changedStates() const override { return ViewportState | ScissorState; }
+    RenderingFlags flags() const override { return BoundedRectRendering | NoExternalRendering; }
+    QRectF rect() const override { return QRectF(QPointF(), size_); }
+
+ private:
+    RhiPlacement placementIn(const QRhiRenderTarget& target) const;
+
+    QQuickWindow& window_;
+    QSizeF size_;
+    RhiReplay replay_;
+    RhiPlacement placement_;
+    bool needsAtlas_ = true;
+    std::string reported_;
+};
+
+}  // namespace vmr

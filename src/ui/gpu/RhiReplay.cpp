@@ -1,0 +1,308 @@
+#include "ui/gpu/RhiReplay.h"
+
+#include <QFile>
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+#include "gpu/Vertices.h"
+
+namespace vmr {
+
+namespace {
+
+constexpr int blockBytes = 96;                // mat4 place, vec4 map, vec4 view
+constexpr std::size_t quadsPerBatch = 16384;  // what 16-bit indices reach
+constexpr int placeFloats = 16;
+
+struct Attributes {
+    const char* vertexShader;
+    const char* fragmentShader;
+    std::vector<QRhiVertexInputAttribute> inputs;
+    quint32 stride;
+};
+
+QShader loadShader(const char* name) {
+    QFile file(QStringLiteral(":/velmora/shaders/") + QLatin1String(name));
+    return file.open(QIODevice::ReadOnly) ? QShader::fromSerialized(file.readAll()) : QShader();
+}
+
+Attributes attributesOf(Pipeline pipeline) {
+    using A = QRhiVertexInputAttribute;
+    switch (pipeline) {
+        case Pipeline::ribbon:
+        case Pipeline::marker:
+            return {pipeline == Pipeline::ribbon ? "ribbon.vert.qsb" : "marker.vert.qsb",
+                    "color.frag.qsb",
+                    {A(0, 0, A::Float4, 0), A(0, 1, A::Float4, 16), A(0, 2, A::Float4, 32)},
+                    48};
+        case Pipeline::text:
+            return {"text.vert.qsb",
+                    "text.frag.qsb",
+                    {A(0, 0, A::Float2, offsetof(TextVertex, position)), A(0, 1, A::Float2, offsetof(TextVertex, uv)),
+                     A(0, 2, A::Float4, offsetof(TextVertex, color))},
+                    sizeof(TextVertex)};
+        case Pipeline::flat:
+            break;
+    }
+    return {"flat.vert.qsb", "color.frag.qsb", {A(0, 0, A::Float4, 0), A(0, 1, A::Float4, 16)}, 32};
+}
+
+std::vector<std::uint16_t> quadIndexList() {
+    std::vector<std::uint16_t> out;
+    out.reserve(quadsPerBatch * 6);
+    for (std::size_t quad = 0; quad < quadsPerBatch; ++quad) {
+        const auto base = static_cast<std::uint16_t>(quad * 4);
+        for (const int corner : {0, 1, 2, 0, 2, 3}) out.push_back(static_cast<std::uint16_t>(base + corner));
+    }
+    return out;
+}
+
+}  // namespace
+
+bool RhiReplay::fail(const char* what) {
+    problem_ = what;
+    return false;
+}
+
+void RhiReplay::release() {
+    prepared_ = false;
+    for (auto& pipeline : pipelines_) pipeline.reset();
+    pass_.reset();
+    plainBindings_.reset();
+    textBindings_.reset();
+    sampler_.reset();
+    atlas_.reset();
+    stream_.reset();
+    uniforms_.reset();
+    quadIndices_.reset();
+    quadIndicesUploaded_ = false;
+    retained_.clear();
+    atlasChanges_.clear();
+    rhi_ = nullptr;
+}
+
+bool RhiReplay::prepare(const RhiTarget& target, const RhiPlacement& placement) {
+    prepared_ = false;
+    if (frame_.draws.empty() || placement.scissor.isEmpty()) return true;
+    if (!target.complete()) return fail("the window gives the chart nothing to draw on");
+    if (!ready(target)) return false;
+    auto* batch = rhi_->nextResourceUpdateBatch();
+    const bool uploaded = uploadRetained(*batch) && uploadAtlas(*batch);
+    target.commands->resourceUpdate(batch);
+    prepared_ = uploaded && uploadStream() && uploadUniforms(placement);
+    if (prepared_) problem_.clear();
+    return prepared_;
+}
+
+bool RhiReplay::ready(const RhiTarget& target) {
+    if (!rhi_) {
+        rhi_ = target.rhi;
+        if (!makeShared()) {
+            rhi_ = nullptr;
+            return false;
+        }
+    }
+    auto* pass = target.target->renderPassDescriptor();
+    const bool same = pass_ && samples_ == target.target->sampleCount() && pass_->isCompatible(pass);
+    return same || makePipelines(*target.target);
+}
+
+bool RhiReplay::makeShared() {
+    uniformStride_ = static_cast<std::size_t>(rhi_->ubufAligned(blockBytes));
+    uniforms_.reset(
+        rhi_->newBuffer(QRhiBuffer::Dynamic, QRhiBuffer::UniformBuffer, static_cast<int>(uniformStride_ * 32)));
+    stream_.reset(rhi_->newBuffer(QRhiBuffer::Dynamic, QRhiBuffer::VertexBuffer, 65536));
+    quadIndices_.reset(rhi_->newBuffer(QRhiBuffer::Immutable, QRhiBuffer::IndexBuffer,
+                                       static_cast<int>(quadsPerBatch * 6 * sizeof(std::uint16_t))));
+    atlas_.reset(rhi_->newTexture(QRhiTexture::R8, QSize(1, 1)));
+    sampler_.reset(rhi_->newSampler(QRhiSampler::Nearest, QRhiSampler::Nearest, QRhiSampler::None,
+                                    QRhiSampler::ClampToEdge, QRhiSampler::ClampToEdge));
+    if (!uniforms_->create() || !stream_->create() || !quadIndices_->create() || !atlas_->create() ||
+        !sampler_->create()) {
+        return fail("the graphics card refused the chart's buffers");
+    }
+    using Binding = QRhiShaderResourceBinding;
+    const auto block = Binding::uniformBufferWithDynamicOffset(0, Binding::VertexStage, uniforms_.get(), blockBytes);
+    plainBindings_.reset(rhi_->newShaderResourceBindings());
+    plainBindings_->setBindings({block});
+    textBindings_.reset(rhi_->newShaderResourceBindings());
+    textBindings_->setBindings(
+        {block, Binding::sampledTexture(1, Binding::FragmentStage, atlas_.get(), sampler_.get())});
+    if (!plainBindings_->create() || !textBindings_->create()) {
+        return fail("the graphics card refused the chart's bindings");
+    }
+    return true;
+}
+
+bool RhiReplay::makePipelines(QRhiRenderTarget& target) {
+    pass_.reset(target.renderPassDescriptor()->newCompatibleRenderPassDescriptor());
+    samples_ = target.sampleCount();
+    for (int kind = 0; kind < kinds; ++kind) {
+        auto& pipeline = pipelines_[static_cast<std::size_t>(kind)];
+        pipeline = makePipeline(static_cast<Kind>(kind), samples_);
+        if (!pipeline) {
+            pass_.reset();
+            return fail("the graphics card refused the chart's shaders");
+        }
+    }
+    return true;
+}
+
+std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int samples) {
+    constexpr std::array<Pipeline, kinds> programs{Pipeline::flat,   Pipeline::flat,   Pipeline::flat,
+                                                   Pipeline::ribbon, Pipeline::marker, Pipeline::text};
+    const auto attributes = attributesOf(programs[kind]);
+    std::unique_ptr<QRhiGraphicsPipeline> out(rhi_->newGraphicsPipeline());
+    out->setTopology(kind == flatLines ? QRhiGraphicsPipeline::Lines : QRhiGraphicsPipeline::Triangles);
+    out->setShaderStages({{QRhiShaderStage::Vertex, loadShader(attributes.vertexShader)},
+                          {QRhiShaderStage::Fragment, loadShader(attributes.fragmentShader)}});
+    QRhiVertexInputLayout layout;
+    layout.setBindings({QRhiVertexInputBinding(attributes.stride)});
+    layout.setAttributes(attributes.inputs.begin(), attributes.inputs.end());
+    out->setVertexInputLayout(layout);
+    QRhiGraphicsPipeline::TargetBlend blend;
+    blend.enable = kind != backgroundKind;  // opaque: a rasteriser then need not read what it covers
+    blend.srcColor = blend.srcAlpha = QRhiGraphicsPipeline::SrcAlpha;
+    blend.dstColor = blend.dstAlpha = QRhiGraphicsPipeline::OneMinusSrcAlpha;
+    out->setTargetBlends({blend});
+    out->setFlags(QRhiGraphicsPipeline::UsesScissor);
+    out->setCullMode(QRhiGraphicsPipeline::None);
+    out->setSampleCount(samples);
+    out->setShaderResourceBindings(kind == textKind ? textBindings_.get() : plainBindings_.get());
+    out->setRenderPassDescriptor(pass_.get());
+    if (!out->create()) out.reset();
+    return out;
+}
+
+QRhiBuffer* RhiReplay::retainedBuffer(GpuBuffer id) const {
+    const auto found =
+        std::find_if(retained_.begin(), retained_.end(), [&](const RetainedCopy& copy) { return copy.id == id; });
+    return found == retained_.end() ? nullptr : found->buffer.get();
+}
+
+bool RhiReplay::uploadRetained(QRhiResourceUpdateBatch& batch) {
+    std::erase_if(retained_, [](const RetainedCopy& copy) { return copy.bytes.expired(); });
+    for (const auto& bytes : frame_.retained) {
+        if (retainedBuffer(bytes->id)) continue;
+        std::unique_ptr<QRhiBuffer> buffer(
+            rhi_->newBuffer(QRhiBuffer::Immutable, QRhiBuffer::VertexBuffer, static_cast<int>(bytes->bytes.size())));
+        if (!buffer->create()) return fail("the graphics card is out of memory for the chart");
+        batch.uploadStaticBuffer(buffer.get(), bytes->bytes.data());
+        retained_.push_back({bytes, bytes->id, std::move(buffer)});
+    }
+    if (!quadIndicesUploaded_) {
+        batch.uploadStaticBuffer(quadIndices_.get(), quadIndexList().data());
+        quadIndicesUploaded_ = true;
+    }
+    return true;
+}
+
+bool RhiReplay::uploadAtlas(QRhiResourceUpdateBatch& batch) {
+    for (const auto& change : atlasChanges_) {
+        if (atlas_->pixelSize() != change.size) {
+            atlas_->setPixelSize(change.size);
+            if (!atlas_->create() || !textBindings_->create()) return fail("the graphics card refused the glyph atlas");
+        }
+        QRhiTextureSubresourceUploadDescription part(change.pixels);
+        part.setDestinationTopLeft(change.at);
+        batch.uploadTexture(atlas_.get(), QRhiTextureUploadDescription({QRhiTextureUploadEntry(0, 0, part)}));
+    }
+    atlasChanges_.clear();
+    return true;
+}
+
+bool RhiReplay::growDynamic(std::unique_ptr<QRhiBuffer>& buffer, int usage, std::size_t size) {
+    if (static_cast<std::size_t>(buffer->size()) >= size) return true;
+    if (size > static_cast<std::size_t>(1) << 30) return fail("the chart's frame is too large");
+    buffer->setUsage(QRhiBuffer::UsageFlags(QFlag(usage)));
+    buffer->setSize(static_cast<int>(size + size / 2));
+    return buffer->create() || fail("the graphics card is out of memory for the chart");
+}
+
+// A dynamic buffer has one copy for each frame in flight, and a replayed frame meets a copy that its first drawing did
+// not write: so the bytes go up every time.
+bool RhiReplay::uploadStream() {
+    if (frame_.stream.empty()) return true;
+    if (!growDynamic(stream_, QRhiBuffer::VertexBuffer, frame_.stream.size())) return false;
+    char* to = stream_->beginFullDynamicBufferUpdateForCurrentFrame();
+    if (!to) return fail("the graphics card gave the chart no memory to write to");
+    std::memcpy(to, frame_.stream.data(), frame_.stream.size());
+    stream_->endFullDynamicBufferUpdateForCurrentFrame();
+    return true;
+}
+
+bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
+    if (!growDynamic(uniforms_, QRhiBuffer::UniformBuffer, frame_.uniforms.size() * uniformStride_)) return false;
+    QMatrix4x4 place = rhi_->clipSpaceCorrMatrix();
+    // The frame starts at the viewport's top left corner; its far edges may fall inside the last pixel.
+    place.translate(placement.scaleX - 1, 1 - placement.scaleY);
+    place.scale(placement.scaleX, placement.scaleY);
+    char* to = uniforms_->beginFullDynamicBufferUpdateForCurrentFrame();
+    if (!to) return fail("the graphics card gave the chart no memory to write to");
+    for (const auto& values : frame_.uniforms) {
+        std::memcpy(to, place.constData(), placeFloats * sizeof(float));
+        std::memcpy(to + placeFloats * sizeof(float), values.data(), sizeof values);
+        to += uniformStride_;
+    }
+    uniforms_->endFullDynamicBufferUpdateForCurrentFrame();
+    return true;
+}
+
+RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
+    switch (draw.pipeline) {
+        case Pipeline::ribbon:
+            return ribbonKind;
+        case Pipeline::marker:
+            return markerKind;
+        case Pipeline::text:
+            return textKind;
+        case Pipeline::flat:
+            break;
+    }
+    return draw.primitive == Primitive::lines ? flatLines : flatTriangles;
+}
+
+void RhiReplay::draw(QRhiCommandBuffer& commands, const RhiPlacement& placement) {
+    if (!prepared_) return;
+    const auto& view = placement.viewport;
+    const auto& clip = placement.scissor;
+    QRhiGraphicsPipeline* bound = nullptr;
+    for (const auto& call : frame_.draws) {
+        const Kind kind = &call == frame_.draws.data() ? backgroundKind : kindOf(call);
+        auto* pipeline = pipelines_[kind].get();
+        if (pipeline != bound) {
+            commands.setGraphicsPipeline(pipeline);
+            commands.setViewport(QRhiViewport(static_cast<float>(view.x()), static_cast<float>(view.y()),
+                                              static_cast<float>(view.width()), static_cast<float>(view.height())));
+            commands.setScissor(QRhiScissor(clip.x(), clip.y(), clip.width(), clip.height()));
+            bound = pipeline;
+        }
+        const QRhiCommandBuffer::DynamicOffset offset(0, static_cast<quint32>(call.uniforms * uniformStride_));
+        commands.setShaderResources(kind == textKind ? textBindings_.get() : plainBindings_.get(), 1, &offset);
+        drawOne(commands, call);
+    }
+}
+
+void RhiReplay::drawOne(QRhiCommandBuffer& commands, const RecordedFrame::Draw& draw) {
+    QRhiBuffer* buffer = draw.source == RecordedFrame::fromStream
+                             ? stream_.get()
+                             : retainedBuffer(frame_.retained[static_cast<std::size_t>(draw.source)]->id);
+    if (draw.primitive != Primitive::quads) {
+        const QRhiCommandBuffer::VertexInput input(buffer, static_cast<quint32>(draw.byteOffset));
+        commands.setVertexInput(0, 1, &input);
+        commands.draw(static_cast<quint32>(draw.vertexCount));
+        return;
+    }
+    const std::size_t quads = draw.vertexCount / 4;
+    for (std::size_t done = 0; done < quads; done += quadsPerBatch) {
+        const std::size_t offset = draw.byteOffset + done * 4 * vertexStride(draw.pipeline);
+        const QRhiCommandBuffer::VertexInput input(buffer, static_cast<quint32>(offset));
+        commands.setVertexInput(0, 1, &input, quadIndices_.get(), 0, QRhiCommandBuffer::IndexUInt16);
+        commands.drawIndexed(static_cast<quint32>(std::min(quads - done, quadsPerBatch) * 6));
+    }
+}
+
+}  // namespace vmr

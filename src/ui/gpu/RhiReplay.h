@@ -1,0 +1,95 @@
+// Draws recorded frames with QRhi.
+#pragma once
+
+#include <QImage>
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ui/gpu/RhiAccess.h"
+#include "gpu/RecordedFrame.h"
+
+namespace vmr {
+
+/// Where a frame lands in the render target, in device pixels from the target's bottom left, and what it may touch.
+struct RhiPlacement {
+    QRect viewport;
+    QRect scissor;                 ///< within the viewport; empty: nothing is drawn
+    float scaleX = 1, scaleY = 1;  ///< the frame's share of the viewport, which covers whole pixels
+};
+
+/// What changed in the glyph atlas.
+struct AtlasChange {
+    QSize size;     ///< of the whole atlas
+    QPoint at;      ///< where `pixels` go
+    QImage pixels;  ///< 8 bits a pixel
+};
+
+/// The GPU side of one chart. Owned by the render node and used on its thread only. Keeps the last frame, so that a
+/// repaint that the chart did not ask for draws it again.
+class RhiReplay {
+ public:
+    ~RhiReplay() { release(); }
+
+    /// The frame that is drawn; exchanged with the recorder's while the main thread is blocked.
+    RecordedFrame& frame() { return frame_; }
+    /// Queues a change of the atlas for the next `prepare`.
+    void changeAtlas(AtlasChange change) { atlasChanges_.push_back(std::move(change)); }
+
+    /// Uploads what is new, before the pass begins. False when the frame cannot be drawn; `problem` then says why.
+    bool prepare(const RhiTarget& target, const RhiPlacement& placement);
+    /// Draws the frame inside the pass.
+    void draw(QRhiCommandBuffer& commands, const RhiPlacement& placement);
+
+    /// Gives back every GPU object. The frame stays, but retained buffers and the atlas must be given anew: a later
+    /// `prepare` uploads buffers by itself, the atlas counts as empty.
+    void release();
+
+    /// Why nothing can be drawn; empty while all is well.
+    const std::string& problem() const { return problem_; }
+
+ private:
+    enum Kind { backgroundKind, flatTriangles, flatLines, ribbonKind, markerKind, textKind, kinds };
+    struct RetainedCopy {
+        std::weak_ptr<const RetainedBytes> bytes;
+        GpuBuffer id = 0;
+        std::unique_ptr<QRhiBuffer> buffer;
+    };
+    static Kind kindOf(const RecordedFrame::Draw& draw);
+
+    bool ready(const RhiTarget& target);
+    bool makeShared();
+    bool makePipelines(QRhiRenderTarget& target);
+    std::unique_ptr<QRhiGraphicsPipeline> makePipeline(Kind kind, int samples);
+    bool uploadRetained(QRhiResourceUpdateBatch& batch);
+    bool uploadAtlas(QRhiResourceUpdateBatch& batch);
+    bool uploadStream();
+    bool uploadUniforms(const RhiPlacement& placement);
+    bool growDynamic(std::unique_ptr<QRhiBuffer>& buffer, int usage, std::size_t size);
+    void drawOne(QRhiCommandBuffer& commands, const RecordedFrame::Draw& draw);
+    QRhiBuffer* retainedBuffer(GpuBuffer id) const;
+    bool fail(const char* what);
+
+    RecordedFrame frame_;
+    std::vector<AtlasChange> atlasChanges_;
+    std::string problem_;
+    bool prepared_ = false;
+
+    QRhi* rhi_ = nullptr;
+    std::vector<RetainedCopy> retained_;
+    std::unique_ptr<QRhiBuffer> stream_, uniforms_, quadIndices_;
+    bool quadIndicesUploaded_ = false;
+    std::size_t uniformStride_ = 0;
+    std::unique_ptr<QRhiTexture> atlas_;
+    std::unique_ptr<QRhiSampler> sampler_;
+    std::unique_ptr<QRhiShaderResourceBindings> plainBindings_, textBindings_;
+    std::unique_ptr<QRhiRenderPassDescriptor> pass_;
+    int samples_ = 0;
+    std::array<std::unique_ptr<QRhiGraphicsPipeline>, kinds> pipelines_;
+};
+
+}  // namespace vmr
