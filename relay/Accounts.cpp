@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-namespace vmr {
+namespace vmr::relay {
 
 IssuedTokens Accounts::issue() {
     const double now = clock_.monotonic();
@@ -31,4 +31,4 @@ void Accounts::expireRefreshTokens() {
     for (auto& entry : refreshTokens_) entry.second = false;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -8,7 +8,7 @@
 #include "base/Clock.h"
 #include "base/Uuid.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// What a sign-in or a refresh gives.
 struct IssuedTokens {
@@ -46,4 +46,4 @@ class Accounts {
     std::map<std::string, bool> refreshTokens_;  // to whether it is good
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

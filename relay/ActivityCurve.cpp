@@ -3,7 +3,7 @@
 #include <cmath>
 #include <span>
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 /// Hours since 18:00 and the volume there; linear in between.
@@ -58,4 +58,4 @@ const ActivityCurve& activityOf(const Instrument& instrument) {
     return commodity ? commodityActivity() : equityActivity();
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

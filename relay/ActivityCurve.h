@@ -6,7 +6,7 @@
 #include "relay/Instruments.h"
 #include "relay/SessionCalendar.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// One value for each minute of the trading day.
 struct ActivityCurve {
@@ -22,4 +22,4 @@ const ActivityCurve& commodityActivity();
 
 const ActivityCurve& activityOf(const Instrument& instrument);
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -5,7 +5,7 @@
 
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 /// `head` + `body` + `tail`, padded with blanks before the tail to `bytes`.
@@ -120,4 +120,4 @@ std::string bigDerived(std::size_t bytes, const std::string& channel) {
     return padded(std::move(text), tail, bytes);
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

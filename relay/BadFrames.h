@@ -9,7 +9,7 @@
 #include "relay/Instruments.h"
 #include "relay/Publisher.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// The `index`th kind of a frame that is no message (no JSON, invalid UTF-8, cut short, no object, no type, no channel
 /// and so on); the kinds repeat.
@@ -26,4 +26,4 @@ std::string bigBars(std::size_t bytes, const std::string& channel, const Instrum
 /// A snapshot of `bytes` bytes in all with as many rows in `gexByStrike` as fit, then blanks.
 std::string bigDerived(std::size_t bytes, const std::string& channel);
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -4,7 +4,7 @@
 
 #include "relay/MarketTime.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 bool before(const Candle& bar, std::int64_t time) { return bar.time < time; }
@@ -56,4 +56,4 @@ std::vector<Candle> BarBook::upTo(std::int64_t nowMs) {
     return bars;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

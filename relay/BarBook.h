@@ -8,7 +8,7 @@
 #include "market/Records.h"
 #include "relay/TradeSource.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Takes `trade` into the bar of `minute`, which it opens if there is none yet.
 void addTrade(std::optional<Candle>& bar, std::int64_t minute, const Trade& trade);
@@ -33,4 +33,4 @@ class BarBook {
     std::vector<Trade> trades_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -1,6 +1,6 @@
 #include "relay/ChainBook.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::size_t daysKept = 4;
@@ -16,4 +16,4 @@ const OptionChain& ChainBook::chain(const OptionSource& source, const MarketSess
     return chains_.try_emplace(key, source, session, ratio, market_.seed()).first->second;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

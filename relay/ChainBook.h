@@ -7,7 +7,7 @@
 
 #include "relay/OptionChain.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Makes chains when asked and keeps the latest. The relay's thread.
 class ChainBook {
@@ -24,4 +24,4 @@ class ChainBook {
     std::map<std::pair<const OptionSource*, std::int64_t>, OptionChain> chains_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

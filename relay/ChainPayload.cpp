@@ -5,7 +5,7 @@
 
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 struct Column {
@@ -82,4 +82,4 @@ std::string objectOf(const JsonFields& fields, const JsonFields* before) {
     return text + "}";
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -8,7 +8,7 @@
 
 #include "relay/OptionChain.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Keys and the JSON text of their values, in a fixed order.
 using JsonFields = std::vector<std::pair<std::string_view, std::string>>;
@@ -20,4 +20,4 @@ JsonFields chainFields(const OptionChain& chain, const ChainState& state);
 /// An object of `fields`; with `before`, of those alone that differ from it. "{}" when none does.
 std::string objectOf(const JsonFields& fields, const JsonFields* before = nullptr);
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -5,7 +5,7 @@
 
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::string_view prefix = "derived:";
@@ -59,4 +59,4 @@ JsonFields ChainPublisher::fieldsOf(const OptionSource& source, std::int64_t asO
     return chainFields(chain, state_);
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -10,7 +10,7 @@
 #include "relay/ChainPayload.h"
 #include "relay/ChannelHub.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// A snapshot holds all fields, an event those that have changed. The state is that of whole seconds of market time, so
 /// many of them apart that there is one event a second of real time at most; it works for subscribed sources only.
@@ -42,4 +42,4 @@ class ChainPublisher final : public Publisher {
     ChainState state_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vmr {
+namespace vmr::relay {
 
 void ChannelHub::add(std::unique_ptr<Publisher> publisher) { publishers_.push_back(std::move(publisher)); }
 
@@ -89,4 +89,4 @@ std::vector<std::string> ChannelHub::channels() const {
     return names;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -11,7 +11,7 @@
 
 #include "relay/Publisher.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Joins sockets and publishers. The relay's thread alone.
 class ChannelHub {
@@ -53,4 +53,4 @@ class ChannelHub {
     std::int64_t nowMs_ = 0;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 using Kind = MarketChannel::Kind;
@@ -49,4 +49,4 @@ std::optional<MarketChannel> marketChannel(std::string_view name) {
     return channel;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -7,7 +7,7 @@
 
 #include "relay/Instruments.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// A channel of one instrument's market.
 struct MarketChannel {
@@ -24,4 +24,4 @@ std::optional<MarketChannel> marketChannel(std::string_view name);
 /// The root of a contract: "NQ" of "NQM6" or "NQM26". Empty when a month's letter and one to four digits do not end it.
 std::string_view contractRoot(std::string_view contract);
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -9,7 +9,7 @@
 #include "relay/BarBook.h"
 #include "relay/MarketTime.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 using Kind = MarketChannel::Kind;
@@ -145,4 +145,4 @@ std::optional<PriceChannel> priceChannel(std::string_view channel) {
     return PriceChannel{std::string(channel), Kind::history};
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

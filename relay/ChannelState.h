@@ -13,7 +13,7 @@
 #include "relay/ChannelName.h"
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Takes a channel's messages in order and gives the snapshot that they amount to. One thread.
 class ChannelState {
@@ -54,4 +54,4 @@ struct PriceChannel {
 /// Nothing for any other channel. The instrument need not be known.
 std::optional<PriceChannel> priceChannel(std::string_view channel);
 
-}  // namespace vmr
+}  // namespace vmr::relay

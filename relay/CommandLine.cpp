@@ -9,7 +9,7 @@
 #include "relay/Recording.h"
 #include "relay/Tape.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 using Values = std::map<std::string, std::string>;
@@ -158,4 +158,4 @@ std::string momentText(double moment) {
     return text;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -9,7 +9,7 @@
 #include "market/ClockSetting.h"
 #include "relay/PracticeRelay.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 struct RelayCommandLine {
     PracticeRelayOptions relay;
@@ -30,4 +30,4 @@ std::string relayHelp();
 /// `moment` in ISO 8601, UTC, to the second.
 std::string momentText(double moment);
 
-}  // namespace vmr
+}  // namespace vmr::relay

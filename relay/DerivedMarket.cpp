@@ -5,7 +5,7 @@
 
 #include "relay/RandomStream.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::size_t sessionsKept = 16;
@@ -91,4 +91,4 @@ OptionFlow DerivedMarket::flow(const OptionSource& source, const MarketSession& 
     return {unit * (gross + net) / 2, -unit * (gross - net) / 2};
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -13,7 +13,7 @@
 #include "relay/PricePath.h"
 #include "relay/SessionCalendar.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// A trading day of one instrument, with its support and resistance levels.
 struct MarketSession {
@@ -71,4 +71,4 @@ class DerivedMarket {
 /// A smooth random curve about 0, within ±1, with a value of its own about every `period` milliseconds.
 double valueNoise(std::uint64_t key, std::int64_t timeMs, std::int64_t period);
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -3,7 +3,7 @@
 
 #include "relay/Publisher.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Accepts every "derived:" channel and has no data: a source without options on the practice market. Added to the hub
 /// behind the publishers that have some.
@@ -16,4 +16,4 @@ class DerivedPublisher final : public Publisher {
     std::optional<std::string> snapshot(const std::string&) override { return std::nullopt; }
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -11,7 +11,7 @@
 #include "relay/ChannelName.h"
 #include "relay/MarketTime.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 using Words = std::vector<std::string>;
@@ -194,4 +194,4 @@ std::string FaultConsole::help() const {
     return text;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

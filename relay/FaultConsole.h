@@ -11,7 +11,7 @@
 #include "relay/MetaPublisher.h"
 #include "relay/SocketServer.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Carries out one line: "ok ..." or "error: ...". The relay's thread.
 class FaultConsole {
@@ -46,4 +46,4 @@ class FaultConsole {
     Parts parts_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

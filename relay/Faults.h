@@ -1,7 +1,7 @@
 // What goes wrong on purpose.
 #pragma once
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Switches that hold until they are set back. The relay's thread alone.
 struct Faults {
@@ -11,4 +11,4 @@ struct Faults {
     double delay = 0;     ///< real seconds before a greeting or a REST answer
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

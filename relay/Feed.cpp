@@ -2,7 +2,7 @@
 
 #include "relay/MarketTime.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 Feed::Feed(TradeSource& source, std::int64_t nowMs) : source_(source), nowMs_(nowMs) {
     enter(minuteOf(nowMs));
@@ -36,4 +36,4 @@ void Feed::advance(std::int64_t nowMs, FeedListener& listener) {
     }
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -9,7 +9,7 @@
 #include "relay/BarBook.h"
 #include "relay/TradeSource.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Hears what a feed passes, in order of time.
 class FeedListener {
@@ -47,4 +47,4 @@ class Feed {
     std::optional<Trade> last_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

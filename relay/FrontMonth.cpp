@@ -4,7 +4,7 @@
 
 #include "relay/Instruments.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 using namespace std::chrono;
@@ -53,4 +53,4 @@ std::map<std::string, std::string> frontContracts(std::int64_t date) {
     return contracts;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace vmr {
+namespace vmr::relay {
 
 /// The front contract on a New York date (days since 1970), with a one-digit year: "NQM6". The equity roots run
 /// quarterly and roll on the second Thursday of the contract's month; GC runs on the even months and rolls on the 27th
@@ -16,4 +16,4 @@ std::string frontContract(std::string_view root, std::int64_t date);
 /// Root to front contract of all roots.
 std::map<std::string, std::string> frontContracts(std::int64_t date);
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr auto futures = Family::futures;
@@ -42,4 +42,4 @@ const Instrument* findTradable(std::string_view symbol) {
     return found ? found : findInstrument(stocks, symbol);
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-namespace vmr {
+namespace vmr::relay {
 
 enum class Family { futures, stocks, indices };
 
@@ -34,4 +34,4 @@ const Instrument* findTradable(std::string_view symbol);
 /// The daily volatility of the common movement of equities.
 inline constexpr double equityVolatility = 0.009;
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -5,7 +5,7 @@
 #include "relay/MarketTime.h"
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::string_view prefix = "derived:srlevels:";
@@ -115,4 +115,4 @@ void LevelsPublisher::tick(std::int64_t nowMs) {
     }
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -11,7 +11,7 @@
 #include "relay/ChannelHub.h"
 #include "relay/DerivedMarket.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// A session's nearest level on each side is in force from its first trade on, each further one from the second in
 /// which the price reached the one before it; only levels in force are published. A snapshot holds all sessions of the
@@ -53,4 +53,4 @@ class LevelsPublisher final : public Publisher {
     std::map<std::string, Open> open_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -4,7 +4,7 @@
 
 #include "relay/RandomStream.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr int memoryDays = 250;
@@ -65,4 +65,4 @@ std::shared_ptr<const PathDay> LogPath::make(std::int64_t day) const {
     return path;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

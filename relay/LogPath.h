@@ -9,7 +9,7 @@
 
 #include "relay/ActivityCurve.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// A trading day of one movement, in logarithms of the price.
 struct PathDay {
@@ -38,4 +38,4 @@ class LogPath {
     std::map<std::int64_t, std::shared_ptr<const PathDay>> days_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -2,7 +2,7 @@
 
 #include <boost/asio/io_context.hpp>
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 using boost::asio::ip::tcp;
@@ -48,4 +48,4 @@ void LoopbackListener::accept() {
     });
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -9,7 +9,7 @@
 
 #include "base/AsioLoop.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Listens on 127.0.0.1 and hands over what connects. Used on its loop's thread.
 class LoopbackListener {
@@ -32,4 +32,4 @@ class LoopbackListener {
     int port_ = 0;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -4,7 +4,7 @@
 
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 using Kind = MarketChannel::Kind;
@@ -144,4 +144,4 @@ std::vector<Candle> MarketPublisher::ledger(const Instrument& instrument, std::i
     return one.book.upTo(one.feed ? one.feed->nowMs() : nowMs);
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

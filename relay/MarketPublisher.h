@@ -14,7 +14,7 @@
 #include "relay/Feed.h"
 #include "relay/SimulatedMarket.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Every contract of a root shows the root's one market. A market runs only while somebody listens to it, and is where
 /// it would have been. After a jump of the clock by more than a day the listeners get new snapshots in place of a day's
@@ -61,4 +61,4 @@ class MarketPublisher final : public Publisher {
     std::map<const Instrument*, Symbol> symbols_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -6,7 +6,7 @@
 
 #include "base/Clock.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// The clock in whole milliseconds since 1970.
 inline std::int64_t marketMs(const Clock& clock) { return static_cast<std::int64_t>(std::floor(clock.now() * 1000)); }
@@ -17,4 +17,4 @@ inline std::int64_t minuteOf(std::int64_t ms) {
     return minute * 60;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -3,7 +3,7 @@
 #include "relay/FrontMonth.h"
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr const char* contractsChannel = "meta:contracts";
@@ -49,4 +49,4 @@ void MetaPublisher::publishChange() {
     hub_.publish(contractsChannel, Frame(payload::event(contractsChannel, sent_)));
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -7,7 +7,7 @@
 #include "relay/ChannelHub.h"
 #include "relay/SessionCalendar.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// "meta:contracts" follows the clock's front months and is sent again when one changes.
 class MetaPublisher final : public Publisher {
@@ -35,4 +35,4 @@ class MetaPublisher final : public Publisher {
     std::string sent_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -6,7 +6,7 @@
 #include "relay/MarketTime.h"
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::int64_t longestGapMs = 86400000;
@@ -128,4 +128,4 @@ void MinutePublisher::tick(std::int64_t nowMs) {
     }
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -10,7 +10,7 @@
 #include "relay/ChannelHub.h"
 #include "relay/MinuteSeries.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// A snapshot holds the newest minutes and the one under way; events bring each minute when it has ended, and the one
 /// under way every few seconds. After a jump of the clock by more than a day there is a snapshot instead.
@@ -47,4 +47,4 @@ class MinutePublisher final : public Publisher {
     std::map<std::string, Open> open_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

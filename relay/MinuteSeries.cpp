@@ -8,7 +8,7 @@
 #include "relay/Payloads.h"
 #include "relay/RandomStream.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 /// What all kinds start from: the minute, its session and where the market stood.
@@ -217,4 +217,4 @@ const MinuteFamily triangleSeries{"derived:hfTriangles:", "triangles", "triangle
 const MinuteFamily flowMinutes{"derived:hfHistory:", "candles", "candle", 5000, make<FlowSeries>};
 const MinuteFamily oscillatorMinutes{"derived:osc:", "points", "", 14000, make<OscillatorSeries>};
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -8,7 +8,7 @@
 
 #include "relay/ChainBook.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// One kind of per-minute data of one source. The relay's thread.
 class MinuteSeries {
@@ -41,4 +41,4 @@ extern const MinuteFamily flowMinutes;
 /// Momentum of the source's own future or stock, of ES and of VIX, and the flows, on a scale of ±120.
 extern const MinuteFamily oscillatorMinutes;
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -8,7 +8,7 @@
 
 #include "relay/RandomStream.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr int daysAhead = 21;
@@ -260,4 +260,4 @@ ChainLevels OptionChain::levels(const StrikeTable& table, double spot) const {
     return found;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -8,7 +8,7 @@
 
 #include "relay/DerivedMarket.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// What stands at one strike. Exposures are dollars, as dealers feel them who own the calls and are short the puts:
 /// gamma for a move of 1%, and both gammas positive, so that call less put is the net (positive: dealers damp the
@@ -97,4 +97,4 @@ class OptionChain {
 /// The sum over all strikes.
 StrikeSums totalOf(const StrikeTable& table);
 
-}  // namespace vmr
+}  // namespace vmr::relay

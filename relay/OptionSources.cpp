@@ -5,7 +5,7 @@
 
 #include "relay/RandomStream.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::array table{
@@ -39,4 +39,4 @@ double dailyVolatility(const Instrument& instrument) {
     return std::hypot(instrument.beta * equityVolatility, instrument.ownVolatility);
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -7,7 +7,7 @@
 
 #include "relay/Instruments.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// One underlying with listed options.
 struct OptionSource {
@@ -31,4 +31,4 @@ double dayRatio(const OptionSource& source, std::uint64_t seed, std::int64_t ses
 /// The volatility of the instrument per day, as a share of the price.
 double dailyVolatility(const Instrument& instrument);
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -7,7 +7,7 @@
 
 #include "relay/Instruments.h"
 
-namespace vmr::payload {
+namespace vmr::relay::payload {
 
 namespace {
 std::string envelope(std::string_view type, std::string_view channel, std::string_view key, std::string_view data) {
@@ -157,4 +157,4 @@ std::string catalog() {
     return nlohmann::json{{"catalog", {{"futures", futures}, {"stocks", stocks}}}}.dump();
 }
 
-}  // namespace vmr::payload
+}  // namespace vmr::relay::payload

@@ -10,7 +10,7 @@
 #include "market/Records.h"
 #include "relay/TradeSource.h"
 
-namespace vmr::payload {
+namespace vmr::relay::payload {
 
 /// A JSON string of `text`, quotes included; bytes that are no UTF-8 are replaced.
 std::string quoted(std::string_view text);
@@ -50,4 +50,4 @@ std::string contracts(const std::map<std::string, std::string>& map);
 /// The body of "meta:instruments".
 std::string catalog();
 
-}  // namespace vmr::payload
+}  // namespace vmr::relay::payload

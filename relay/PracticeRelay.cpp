@@ -20,7 +20,7 @@
 #include "relay/SocketServer.h"
 #include "relay/Tape.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr double tickSeconds = 0.08;
@@ -202,4 +202,4 @@ std::optional<std::string> PracticeRelay::recordingProblem() const {
     return impl_->engine->invoke([&] { return impl_->engine->recording->problem(); });
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -11,7 +11,7 @@
 #include "base/Clock.h"
 #include "market/Records.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Recorded trades to play as one symbol's market.
 struct TapeOptions {
@@ -66,4 +66,4 @@ class PracticeRelay {
     std::unique_ptr<Impl> impl_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

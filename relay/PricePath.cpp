@@ -4,7 +4,7 @@
 
 #include "relay/MarketTime.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::int64_t longestPause = 5 * 86400;
@@ -101,4 +101,4 @@ std::optional<double> PricePath::firstPrice(std::int64_t from, std::int64_t nowM
     return all.front().price;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

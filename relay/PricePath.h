@@ -9,7 +9,7 @@
 
 #include "relay/TradeSource.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// A minute in which there were trades.
 struct PriceMinute {
@@ -65,4 +65,4 @@ class PricePath {
     std::vector<Trade> trades_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

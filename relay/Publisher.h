@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-namespace vmr {
+namespace vmr::relay {
 
 /// One message on its way to any number of sockets.
 struct Frame {
@@ -49,4 +49,4 @@ class Publisher {
     virtual void tick(std::int64_t /*nowMs*/) {}
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 int hexDigit(char c) {
@@ -40,4 +40,4 @@ std::string_view queryOf(std::string_view target) {
     return mark == target.npos ? std::string_view{} : target.substr(mark + 1);
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Every %XX replaced by its byte; what is no escape stays as it is, "+" included.
 std::string percentDecoded(std::string_view text);
@@ -16,4 +16,4 @@ std::optional<std::string> queryValue(std::string_view query, std::string_view n
 /// What follows the "?" of a request's target; empty without one.
 std::string_view queryOf(std::string_view target);
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Spreads the bits of `x` over the whole word.
 inline std::uint64_t mixedBits(std::uint64_t x) {
@@ -52,4 +52,4 @@ class RandomStream {
     std::uint64_t state_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

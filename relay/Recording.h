@@ -9,7 +9,7 @@
 
 #include "relay/Publisher.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// One message of one channel.
 struct RecordedFrame {
@@ -61,4 +61,4 @@ class RecordingReader {
 /// When a recording's first frame was sent, in seconds since 1970; nothing and what is wrong in `error` otherwise.
 std::optional<double> recordingStart(const std::filesystem::path& file, std::string& error);
 
-}  // namespace vmr
+}  // namespace vmr::relay

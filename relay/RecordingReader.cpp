@@ -6,7 +6,7 @@
 #include "base/Json.h"
 #include "relay/Recording.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr int gzipFormat = 15 + 16;
@@ -126,4 +126,4 @@ std::optional<double> recordingStart(const std::filesystem::path& file, std::str
     return static_cast<double>(reader->peek()->timeMs) / 1000;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

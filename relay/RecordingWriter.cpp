@@ -8,7 +8,7 @@
 #include "relay/Payloads.h"
 #include "relay/Recording.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr int gzipFormat = 15 + 16;
@@ -79,4 +79,4 @@ void RecordingWriter::flush() {
 
 const std::optional<std::string>& RecordingWriter::problem() const { return impl_->problem; }
 
-}  // namespace vmr
+}  // namespace vmr::relay

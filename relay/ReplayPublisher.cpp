@@ -2,7 +2,7 @@
 
 #include "relay/Payloads.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 using Kind = MarketChannel::Kind;
 
@@ -60,4 +60,4 @@ std::vector<Candle> ReplayPublisher::bars(const std::string& channel) const {
     return list;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

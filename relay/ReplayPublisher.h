@@ -12,7 +12,7 @@
 #include "relay/ChannelState.h"
 #include "relay/Recording.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Serves every channel. Each message goes out at its time, as it was recorded; who subscribes later gets a snapshot of
 /// what the channel's messages have made until then. A recording that is still being written plays on as it grows.
@@ -38,4 +38,4 @@ class ReplayPublisher final : public Publisher {
     std::map<std::string, std::unique_ptr<ChannelState>> others_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

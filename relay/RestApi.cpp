@@ -8,7 +8,7 @@
 #include "base/NumberText.h"
 #include "relay/Query.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 RestReply fault(int status, const std::string& message) {
@@ -106,4 +106,4 @@ RestReply RestApi::sendCode(const std::string& text) const {
         nlohmann::json{{"kind", "identitytoolkit#GetOobConfirmationCodeResponse"}, {"email", Accounts::email}}.dump()};
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

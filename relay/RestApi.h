@@ -6,7 +6,7 @@
 #include "relay/Accounts.h"
 #include "relay/Faults.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 struct RestRequest {
     std::string method, target, body;
@@ -32,4 +32,4 @@ class RestApi {
     const Faults& faults_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

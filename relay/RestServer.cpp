@@ -5,7 +5,7 @@
 #include <boost/beast/http.hpp>
 #include <chrono>
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 namespace beast = boost::beast;
@@ -64,4 +64,4 @@ RestServer::RestServer(AsioLoop& loop, RestApi& api, const Faults& faults)
           std::make_shared<RestConnection>(loop, api, faults, std::move(socket))->read();
       }) {}
 
-}  // namespace vmr
+}  // namespace vmr::relay

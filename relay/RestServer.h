@@ -8,7 +8,7 @@
 #include "relay/LoopbackListener.h"
 #include "relay/RestApi.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Used on its loop's thread. Everything given must outlive it.
 class RestServer {
@@ -22,4 +22,4 @@ class RestServer {
     LoopbackListener listener_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -1,6 +1,6 @@
 #include "relay/SessionCalendar.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::int64_t daySeconds = 86400;
@@ -49,4 +49,4 @@ std::int64_t SessionCalendar::historyStart(std::int64_t t) {
 
 std::int64_t SessionCalendar::date(std::int64_t t) { return floorDiv(t + offset(t), daySeconds); }
 
-}  // namespace vmr
+}  // namespace vmr::relay

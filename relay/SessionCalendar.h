@@ -7,7 +7,7 @@
 #include "market/SessionTime.h"
 #include "relay/Instruments.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// A moment's place: trading days are counted without weekends, minutes from the evening open at 18:00 New York.
 struct SessionPlace {
@@ -42,4 +42,4 @@ class SessionCalendar {
     SessionTime session_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

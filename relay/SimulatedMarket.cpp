@@ -6,7 +6,7 @@
 
 #include "relay/RandomStream.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr double minuteMs = 60000;
@@ -155,4 +155,4 @@ std::unique_ptr<TradeSource> SimulatedMarket::source(const Instrument& instrumen
     return std::make_unique<SimulatedSource>(seed_, instrument, calendar_, equities_, rush_);
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

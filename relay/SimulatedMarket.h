@@ -11,7 +11,7 @@
 #include "relay/SessionCalendar.h"
 #include "relay/TradeSource.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Trading that gets busier at a moment: from that minute on, `factor` times as many trades and as much volume on the
 /// same path of prices.
@@ -35,4 +35,4 @@ class SimulatedMarket {
     LogPath equities_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -1,6 +1,6 @@
 #include "relay/SocketServer.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 SocketServer::SocketServer(SocketWorld world)
     : world_(world), listener_(world.loop, [this](boost::asio::ip::tcp::socket socket) { take(std::move(socket)); }) {}
@@ -27,4 +27,4 @@ std::vector<std::shared_ptr<SocketSession>> SocketServer::sockets() const {
     return found;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -10,7 +10,7 @@
 #include "relay/LoopbackListener.h"
 #include "relay/SocketSession.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// Accepts sockets and knows those that are open. Used on the relay's thread.
 class SocketServer {
@@ -35,4 +35,4 @@ class SocketServer {
     std::map<const SocketSession*, std::shared_ptr<SocketSession>> sessions_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

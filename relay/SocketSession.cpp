@@ -14,7 +14,7 @@
 #include "relay/Payloads.h"
 #include "relay/Query.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 namespace asio = boost::asio;
@@ -212,4 +212,4 @@ std::shared_ptr<SocketSession> SocketSession::make(SocketWorld& world, boost::as
     return std::make_shared<BeastSession>(world, std::move(socket), std::move(events));
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

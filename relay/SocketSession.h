@@ -12,7 +12,7 @@
 #include "relay/ChannelHub.h"
 #include "relay/Faults.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// What all sockets share; must outlive them.
 struct SocketWorld {
@@ -45,4 +45,4 @@ class SocketSession : public Subscriber {
     static std::shared_ptr<SocketSession> make(SocketWorld& world, boost::asio::ip::tcp::socket socket, Events events);
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

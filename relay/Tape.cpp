@@ -5,7 +5,7 @@
 #include "relay/MarketTime.h"
 #include "relay/TapeReader.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 void setQuotes(std::vector<Trade>& trades, double tick) {
@@ -58,4 +58,4 @@ void Tape::minuteTrades(std::int64_t minute, std::vector<Trade>& trades) {
 
 std::int64_t Tape::historyStart(std::int64_t) { return minuteOf(trades_.front().timeMs); }
 
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -9,7 +9,7 @@
 
 #include "relay/TradeSource.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 /// When a tape's first and last trades were, in seconds since 1970.
 struct TapeSpan {
@@ -42,4 +42,4 @@ class Tape final : public TradeSource {
     std::vector<Trade> trades_;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

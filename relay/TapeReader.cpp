@@ -10,7 +10,7 @@
 
 #include "base/NumberText.h"
 
-namespace vmr {
+namespace vmr::relay {
 
 namespace {
 constexpr std::int64_t latest = 7258118400;  // 2200-01-01
@@ -231,4 +231,4 @@ std::optional<std::string> readTape(const std::filesystem::path& file, const std
     return std::nullopt;
 }
 
-}  // namespace vmr
+}  // namespace vmr::relay

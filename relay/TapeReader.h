@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace vmr {
+namespace vmr::relay {
 
 /// One recorded trade.
 struct TapeRow {
@@ -28,4 +28,4 @@ std::optional<std::string> readTape(const std::filesystem::path& file, const std
 /// and outside 1970 to 2200.
 std::optional<std::int64_t> tapeTime(std::string_view text);
 
-}  // namespace vmr
+}  // namespace vmr::relay

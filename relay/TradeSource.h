@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace vmr {
+namespace vmr::relay {
 
 /// One trade and the quote it leaves behind.
 struct Trade {
@@ -28,4 +28,4 @@ class TradeSource {
     virtual std::int64_t historyStart(std::int64_t t) = 0;
 };
 
-}  // namespace vmr
+}  // namespace vmr::relay

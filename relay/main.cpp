@@ -22,7 +22,7 @@ void print(const std::string& text) {
 /// The relay as the reading thread sees it, which nothing can wake at the end.
 struct CommandTarget {
     std::mutex mutex;
-    vmr::PracticeRelay* relay = nullptr;  // nothing once the program ends
+    vmr::relay::PracticeRelay* relay = nullptr;  // nothing once the program ends
 };
 
 void readCommands(const std::shared_ptr<CommandTarget>& target) {
@@ -35,7 +35,8 @@ void readCommands(const std::shared_ptr<CommandTarget>& target) {
     }
 }
 
-void announce(const vmr::PracticeRelay& relay, const vmr::RelayCommandLine& line, const vmr::Clock& clock) {
+void announce(const vmr::relay::PracticeRelay& relay, const vmr::relay::RelayCommandLine& line,
+              const vmr::Clock& clock) {
     print("VMR_RELAY_URL=" + relay.relayUrl());
     print("VMR_IDENTITY_URL=" + relay.restUrl());
     print("VMR_SECURETOKEN_URL=" + relay.restUrl());
@@ -55,9 +56,9 @@ int main(int argc, char** argv) {
         const char* value = std::getenv(name);
         return value ? std::optional<std::string>(value) : std::nullopt;
     };
-    const auto line = vmr::readRelayCommandLine({argv + 1, argv + argc}, lookup);
+    const auto line = vmr::relay::readRelayCommandLine({argv + 1, argv + argc}, lookup);
     if (line.help) {
-        std::fputs(vmr::relayHelp().c_str(), stdout);
+        std::fputs(vmr::relay::relayHelp().c_str(), stdout);
         return 0;
     }
     const auto complain = [](const std::string& text) {
@@ -72,7 +73,7 @@ int main(int argc, char** argv) {
     boost::asio::signal_set signals(loop.context(), SIGINT, SIGTERM);
     signals.async_wait([&loop](const boost::system::error_code&, int) { loop.quit(); });
 
-    vmr::PracticeRelay relay(clock, line.relay);
+    vmr::relay::PracticeRelay relay(clock, line.relay);
     if (const auto wrong = relay.start()) return complain(*wrong);
     announce(relay, line, clock);
 

@@ -41,7 +41,7 @@ Problem readValue(const std::string& name, const std::string& value, Options& ou
     if (name == "--window") return readSize(value, out);
     if (name == "--busy") {
         if (auto problem = readPositive(name, value, out.busy)) return problem;
-        if (out.busy > PracticeRelayOptions::busiest) return "--busy goes up to 1000, not " + value;
+        if (out.busy > relay::PracticeRelayOptions::busiest) return "--busy goes up to 1000, not " + value;
     } else if (name == "--speed") {
         double speed = 1;
         if (auto problem = readPositive(name, value, speed)) return problem;

@@ -43,27 +43,27 @@ ProgramStart::ProgramStart(const Options& options)
 void ProgramStart::choosePracticeClock() {
     if (!options_.tapeFile.empty()) {
         std::string problem;
-        const auto span = tapeSpan(options_.tapeFile, problem);
+        const auto span = relay::tapeSpan(options_.tapeFile, problem);
         if (!span) {
             failure_ = problem;
             return;
         }
-        if (!options_.clock) options_.clock = ClockSetting{tapeStart(*span), 1};
+        if (!options_.clock) options_.clock = ClockSetting{relay::tapeStart(*span), 1};
         if (options_.speed) options_.clock->speed = *options_.speed;
     } else if (!options_.clock) {
         const double now = SystemClock().now();
-        const double start = practiceStart(now);
+        const double start = relay::practiceStart(now);
         if (start != now) options_.clock = ClockSetting{start, 1};
     }
 }
 
 void ProgramStart::startPractice() {
-    PracticeRelayOptions relay;
+    relay::PracticeRelayOptions relay;
     relay.seed = options_.seed;
     relay.tokenLife = options_.tokenLife;
     relay.busy = options_.busy;
-    if (!options_.tapeFile.empty()) relay.tape = TapeOptions{options_.tapeFile, options_.tapeSymbol};
-    practice_ = std::make_unique<PracticeRelay>(*clock_, relay);
+    if (!options_.tapeFile.empty()) relay.tape = relay::TapeOptions{options_.tapeFile, options_.tapeSymbol};
+    practice_ = std::make_unique<relay::PracticeRelay>(*clock_, relay);
     failure_ = practice_->start();
     if (failure_) return;
     endpoints_ = {};
@@ -144,7 +144,7 @@ std::unique_ptr<RelayClient> Program::makeRelay() {
 }
 
 void Program::signInToPractice() {
-    if (PracticeRelay* relay = start_.practice()) pane_->signIn(relay->email(), relay->password(), true);
+    if (relay::PracticeRelay* relay = start_.practice()) pane_->signIn(relay->email(), relay->password(), true);
 }
 
 std::optional<std::string> Program::writeState(const std::string& file) const {

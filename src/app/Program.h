@@ -18,9 +18,9 @@
 #include "market/SessionTime.h"
 #include "model/AppModel.h"
 #include "relay/PracticeRelay.h"
+#include "services/cloud/FirebaseRESTAuth.h"
 #include "services/net/CurlHttpClient.h"
 #include "services/net/Endpoints.h"
-#include "services/cloud/FirebaseRESTAuth.h"
 #include "sim/SimEngine.h"
 
 namespace vmr {
@@ -40,7 +40,7 @@ class ProgramStart {
     const Clock& clock() const { return *clock_; }
     const Endpoints& endpoints() const { return endpoints_; }
     const Paths& paths() const { return paths_; }
-    PracticeRelay* practice() const { return practice_.get(); }
+    relay::PracticeRelay* practice() const { return practice_.get(); }
 
  private:
     void choosePracticeClock();
@@ -50,7 +50,7 @@ class ProgramStart {
     std::unique_ptr<Clock> clock_;
     Endpoints endpoints_;
     Paths paths_;
-    std::unique_ptr<PracticeRelay> practice_;
+    std::unique_ptr<relay::PracticeRelay> practice_;
     std::optional<std::string> failure_;
 };
 

@@ -124,7 +124,7 @@ ShellCommands::Answer ShellCommands::state(const std::string& file) {
 }
 
 ShellCommands::Answer ShellCommands::relay(std::string_view rest) {
-    PracticeRelay* practice = program_.start().practice();
+    relay::PracticeRelay* practice = program_.start().practice();
     if (!practice) return "error: there is no practice relay; start with --practice";
     return practice->command(std::string(rest));
 }

@@ -18,7 +18,7 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
     shell.height = options.height;
     shell.setupProblem = start.setupProblem().value_or("");
 
-    if (const PracticeRelay* relay = start.practice())
+    if (const relay::PracticeRelay* relay = start.practice())
         shell.signInHint = "Practice account: " + relay->email() + "\nPassword: " + relay->password();
 
     std::unique_ptr<Program> program;

@@ -59,7 +59,7 @@ class Session {
     }
 
     AppModel& pane() { return program_->pane(); }
-    PracticeRelay& relay() { return *start_.practice(); }
+    relay::PracticeRelay& relay() { return *start_.practice(); }
 
     // Closed bars of the pane that differ from the relay's own; a busy machine has 3 seconds until the last one comes.
     std::vector<std::int64_t> differences() {

@@ -25,19 +25,20 @@ struct LiveStretch {
 };
 
 /// What a chart of NQ, its contract with the month `month`, is sent. The same seed gives the same recording.
-inline std::vector<RecordedFrame> record(std::uint64_t seed, const std::string& month,
-                                         const std::vector<LiveStretch>& stretches) {
-    std::vector<RecordedFrame> frames;
-    MarketPublisher* market = nullptr;
-    DerivedMarket derived(seed, [&market](const Instrument& one) -> TradeSource& { return market->trades(one); });
-    ChainBook chains(derived);
-    ChannelHub hub;
-    auto prices = std::make_unique<MarketPublisher>(hub, seed, Rush{}, nullptr, nullptr);
+inline std::vector<relay::RecordedFrame> record(std::uint64_t seed, const std::string& month,
+                                                const std::vector<LiveStretch>& stretches) {
+    std::vector<relay::RecordedFrame> frames;
+    relay::MarketPublisher* market = nullptr;
+    relay::DerivedMarket derived(
+        seed, [&market](const relay::Instrument& one) -> relay::TradeSource& { return market->trades(one); });
+    relay::ChainBook chains(derived);
+    relay::ChannelHub hub;
+    auto prices = std::make_unique<relay::MarketPublisher>(hub, seed, relay::Rush{}, nullptr, nullptr);
     market = prices.get();
     hub.add(std::move(prices));
-    hub.add(std::make_unique<MetaPublisher>(hub));
-    hub.add(std::make_unique<MinutePublisher>(hub, chains, 1));
-    hub.add(std::make_unique<LevelsPublisher>(hub, derived));
+    hub.add(std::make_unique<relay::MetaPublisher>(hub));
+    hub.add(std::make_unique<relay::MinutePublisher>(hub, chains, 1));
+    hub.add(std::make_unique<relay::LevelsPublisher>(hub, derived));
     hub.setTap([&frames](std::int64_t nowMs, const std::string& channel, const Frame& frame) {
         frames.push_back({nowMs, channel, frame});
     });
@@ -64,7 +65,7 @@ struct PlainSeries {
     HfByMin flow;
     SRSessions levels;
 
-    void take(double now, const RecordedFrame& frame) {
+    void take(double now, const relay::RecordedFrame& frame) {
         json message = json::parse(*frame.frame.bytes);
         chart.roll(now);
         if (message.contains("events")) {

@@ -24,7 +24,7 @@ class Player {
         pane_.model->setConfig(all);
     }
 
-    void play(const RecordedFrame& frame) {
+    void play(const relay::RecordedFrame& frame) {
         moveTo(static_cast<double>(frame.timeMs) / 1000);
         plain_.take(pane_.time.now(), frame);
         pane_.frame(*frame.frame.bytes);

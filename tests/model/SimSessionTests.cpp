@@ -13,7 +13,7 @@ using sim::Side;
 
 /// Trades through the recording of a market that starts at `start`; what happened, and the account at the end as the
 /// state document tells it.
-std::pair<std::vector<std::string>, std::string> trade(const std::vector<RecordedFrame>& frames, double start) {
+std::pair<std::vector<std::string>, std::string> trade(const std::vector<relay::RecordedFrame>& frames, double start) {
     TestPane pane(start);
     SessionTime session;
     SimEngine engine({pane.time, session, UuidSource(5)});
@@ -54,7 +54,7 @@ std::pair<std::vector<std::string>, std::string> trade(const std::vector<Recorde
         }
         pane.time.advance(std::max(0.0, t - pane.time.now()));
     };
-    for (const RecordedFrame& frame : frames) {
+    for (const relay::RecordedFrame& frame : frames) {
         playTo(static_cast<double>(frame.timeMs) / 1000);
         pane.frame(*frame.frame.bytes);
         note();

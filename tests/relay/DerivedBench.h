@@ -14,7 +14,7 @@
 #include "relay/MinutePublisher.h"
 #include "relay/SimulatedMarket.h"
 
-namespace vmr::test {
+namespace vmr::relay::test {
 
 using nlohmann::json;
 
@@ -82,4 +82,4 @@ class DerivedBench {
     ChannelHub hub;
 };
 
-}  // namespace vmr::test
+}  // namespace vmr::relay::test

@@ -5,7 +5,7 @@
 #include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 
-namespace vmr {
+namespace vmr::relay {
 namespace {
 
 using test::DerivedBench;
@@ -59,4 +59,4 @@ TEST(DerivedChannels, EventsOnTheSnapshotMakeTheLaterSnapshotWhoeverAsksAndWhen)
 }
 
 }  // namespace
-}  // namespace vmr
+}  // namespace vmr::relay

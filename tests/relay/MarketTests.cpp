@@ -7,7 +7,7 @@
 #include "relay/SessionCalendar.h"
 #include "relay/SimulatedMarket.h"
 
-namespace vmr {
+namespace vmr::relay {
 namespace {
 
 std::int64_t at(const std::string& moment) { return static_cast<std::int64_t>(*parseMoment(moment)); }
@@ -71,4 +71,4 @@ TEST(SimulatedMarket, IsAFunctionOfSeedAndMinuteAloneAndJoinsAcrossDays) {
 }
 
 }  // namespace
-}  // namespace vmr
+}  // namespace vmr::relay

@@ -3,7 +3,7 @@
 #include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 
-namespace vmr {
+namespace vmr::relay {
 namespace {
 
 using test::DerivedBench;
@@ -68,4 +68,4 @@ TEST(OptionChain, EverySourceAddsUp) {
 }
 
 }  // namespace
-}  // namespace vmr
+}  // namespace vmr::relay

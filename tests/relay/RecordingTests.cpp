@@ -7,7 +7,7 @@
 #include "relay/RelayProbe.h"
 #include "relay/ReplayPublisher.h"
 
-namespace vmr {
+namespace vmr::relay {
 namespace {
 
 using test::json;
@@ -91,4 +91,4 @@ TEST_F(RecordedSession, PlaysAgainForEarlyAndLateSubscribers) {
 }
 
 }  // namespace
-}  // namespace vmr
+}  // namespace vmr::relay

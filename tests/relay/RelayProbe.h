@@ -18,7 +18,7 @@
 #include "market/ClockSetting.h"
 #include "relay/PracticeRelay.h"
 
-namespace vmr::test {
+namespace vmr::relay::test {
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -126,4 +126,4 @@ struct RunningRelay : testing::Test {
     std::string token;
 };
 
-}  // namespace vmr::test
+}  // namespace vmr::relay::test

@@ -4,7 +4,7 @@
 #include "relay/MarketTime.h"
 #include "relay/RelayProbe.h"
 
-namespace vmr {
+namespace vmr::relay {
 namespace {
 
 using test::json;
@@ -110,4 +110,4 @@ TEST_F(RelayProtocol, LiveTradesContinueTheSnapshotOfEarlyAndLateSubscribersExac
 }
 
 }  // namespace
-}  // namespace vmr
+}  // namespace vmr::relay

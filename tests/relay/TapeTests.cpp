@@ -5,7 +5,7 @@
 #include "relay/Tape.h"
 #include "relay/TapeReader.h"
 
-namespace vmr {
+namespace vmr::relay {
 namespace {
 
 constexpr std::int64_t noon = 1381147200;  // 2013-10-07T12:00Z
@@ -50,4 +50,4 @@ TEST(Tape, ItsBarsAreThoseOfItsTradesInOrderPlainAndPacked) {
 }
 
 }  // namespace
-}  // namespace vmr
+}  // namespace vmr::relay

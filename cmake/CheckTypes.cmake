@@ -1,0 +1,31 @@
+# Refuses one type name defined in two headers of one namespace: linked into one program, that is undefined behaviour.
+# Run as: cmake -DROOT=<repository> -P cmake/CheckTypes.cmake
+
+cmake_minimum_required(VERSION 3.22)
+
+file(GLOB_RECURSE headers "${ROOT}/src/*.h" "${ROOT}/relay/*.h" "${ROOT}/tests/*.h" "${ROOT}/bench/*.h")
+list(SORT headers)
+set(bad "")
+foreach(header ${headers})
+  file(RELATIVE_PATH shown "${ROOT}" "${header}")
+  # definitions stand at the margin, and open their brace or name a base on the same line
+  file(STRINGS "${header}" lines REGEX "^(namespace [A-Za-z0-9_:]+ {|(struct|class|enum class|union) [A-Z][A-Za-z0-9]*)")
+  set(namespace "")
+  foreach(line IN LISTS lines)
+    if(line MATCHES "^namespace ([A-Za-z0-9_:]+)")
+      set(namespace "${CMAKE_MATCH_1}")
+    elseif(line MATCHES "^[a-z ]+ ([A-Z][A-Za-z0-9]*)( final)?( {| :)")
+      set(name "${CMAKE_MATCH_1}")
+      set(key "type_${namespace}::${name}")
+      if(DEFINED "${key}" AND NOT "${${key}}" STREQUAL "${shown}")
+        list(APPEND bad "${namespace}::${name}: ${${key}} and ${shown}")
+      endif()
+      set("${key}" "${shown}")
+    endif()
+  endforeach()
+endforeach()
+if(bad)
+  list(JOIN bad "\n  " text)
+  message(FATAL_ERROR "One name for two types:\n  ${text}")
+endif()
+message(STATUS "Every type has a name of its own.")
