@@ -13,9 +13,9 @@
 #include "chart/AxisLayer.h"
 #include "chart/BarLabelLayer.h"
 #include "chart/ChartRenderer.h"
+#include "gpu/FrameRecorder.h"
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/FullScene.h"
-#include "gpu/FrameRecorder.h"
 
 namespace vmr {
 namespace {
@@ -24,7 +24,7 @@ constexpr test::SceneSize everything{.strikes = 250, .minutes = 600, .bubbles = 
 
 struct FullScene {
     SystemClock clock;
-    RhiGpu gpu;
+    FrameRecorder gpu;
     RecordedFrame shown;
     test::FakeGlyphs glyphs;
     SessionTime session;

@@ -14,11 +14,11 @@
 #include "base/Clock.h"
 #include "chart/Camera.h"
 #include "chart/EdgeLayers.h"
-#include "gpu/FrameArena.h"
-#include "gpu/Gpu.h"
 #include "chart/OverlayLists.h"
 #include "chart/RenderConfig.h"
 #include "chart/ScreenLayer.h"
+#include "gpu/FrameArena.h"
+#include "gpu/Gpu.h"
 #include "gpu/Vertices.h"
 #include "market/Records.h"
 

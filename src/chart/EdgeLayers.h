@@ -6,8 +6,8 @@
 #include <span>
 #include <string>
 
-#include "gpu/FrameArena.h"
 #include "chart/RenderConfig.h"
+#include "gpu/FrameArena.h"
 #include "market/Records.h"
 
 namespace vmr {

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "gpu/GlyphSource.h"
 #include "chart/ScreenLayer.h"
+#include "gpu/GlyphSource.h"
 #include "gpu/Vertices.h"
 
 namespace vmr {

@@ -8,7 +8,7 @@
 
 namespace vmr {
 
-GpuBuffer RhiGpu::makeBuffer(std::span<const std::byte> bytes) {
+GpuBuffer FrameRecorder::makeBuffer(std::span<const std::byte> bytes) {
     auto retained = std::make_shared<RetainedBytes>();
     retained->id = ++ids_;
     retained->bytes.assign(bytes.begin(), bytes.end());
@@ -16,29 +16,29 @@ GpuBuffer RhiGpu::makeBuffer(std::span<const std::byte> bytes) {
     return ids_;
 }
 
-bool RhiGpu::holds(GpuBuffer buffer, std::span<const std::byte> bytes) const {
+bool FrameRecorder::holds(GpuBuffer buffer, std::span<const std::byte> bytes) const {
     const auto found = buffers_.find(buffer);
     if (found == buffers_.end() || !found->second.retained) return false;
     const auto& held = found->second.retained->bytes;
     return held.size() == bytes.size() && std::memcmp(held.data(), bytes.data(), held.size()) == 0;
 }
 
-GpuBuffer RhiGpu::makeArena(std::size_t size) {
+GpuBuffer FrameRecorder::makeArena(std::size_t size) {
     buffers_[++ids_].arena.resize(size);
     return ids_;
 }
 
-RhiGpu::Buffer& RhiGpu::find(GpuBuffer buffer) {
+FrameRecorder::Buffer& FrameRecorder::find(GpuBuffer buffer) {
     const auto found = buffers_.find(buffer);
     if (found == buffers_.end()) fatal("chart: a GPU buffer was used that does not exist");
     return found->second;
 }
 
-std::span<std::byte> RhiGpu::arenaBytes(GpuBuffer arena) { return find(arena).arena; }
+std::span<std::byte> FrameRecorder::arenaBytes(GpuBuffer arena) { return find(arena).arena; }
 
-void RhiGpu::release(GpuBuffer buffer) { buffers_.erase(buffer); }
+void FrameRecorder::release(GpuBuffer buffer) { buffers_.erase(buffer); }
 
-void RhiGpu::beginFrame(double width, double height, double pixelRatio) {
+void FrameRecorder::beginFrame(double width, double height, double pixelRatio) {
     recording_.clear();
     recording_.width = width;
     recording_.height = height;
@@ -49,12 +49,12 @@ void RhiGpu::beginFrame(double width, double height, double pixelRatio) {
     pending_ = false;
 }
 
-void RhiGpu::setUniforms(std::span<const float> values) {
+void FrameRecorder::setUniforms(std::span<const float> values) {
     auto& block = recording_.uniforms.emplace_back();
     std::copy_n(values.begin(), std::min(values.size(), block.size()), block.begin());
 }
 
-std::int32_t RhiGpu::retainedIndex(const std::shared_ptr<const RetainedBytes>& retained) {
+std::int32_t FrameRecorder::retainedIndex(const std::shared_ptr<const RetainedBytes>& retained) {
     auto& list = recording_.retained;
     const auto found = std::find(list.begin(), list.end(), retained);
     const auto index = found - list.begin();
@@ -62,7 +62,7 @@ std::int32_t RhiGpu::retainedIndex(const std::shared_ptr<const RetainedBytes>& r
     return static_cast<std::int32_t>(index);
 }
 
-void RhiGpu::draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset, std::size_t vertexCount) {
+void FrameRecorder::draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset, std::size_t vertexCount) {
     if (!inFrame_) fatal("chart: a draw outside a frame");
     if (vertexCount == 0) return;
     const Buffer& from = find(buffer);
@@ -86,13 +86,13 @@ void RhiGpu::draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset,
     recording_.draws.push_back(call);
 }
 
-void RhiGpu::endFrame() {
+void FrameRecorder::endFrame() {
     inFrame_ = false;
     pending_ = true;
     ++framesRecorded_;
 }
 
-bool RhiGpu::swapFrame(RecordedFrame& frame) {
+bool FrameRecorder::swapFrame(RecordedFrame& frame) {
     if (!std::exchange(pending_, false)) return false;
     std::swap(recording_, frame);
     return true;

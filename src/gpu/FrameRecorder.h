@@ -16,7 +16,7 @@ namespace vmr {
 /// thread; `swapFrame` while the main thread is blocked by the scene graph. Recording a frame allocates nothing once
 /// its lists have grown. An arena's vertices are taken when they are drawn, so they must be written by then. Misuse (an
 /// unknown buffer, a draw beyond a buffer's end) is `fatal`.
-class RhiGpu final : public Gpu {
+class FrameRecorder final : public Gpu {
  public:
     GpuBuffer makeBuffer(std::span<const std::byte> bytes) override;
     bool holds(GpuBuffer buffer, std::span<const std::byte> bytes) const override;

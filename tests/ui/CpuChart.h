@@ -7,9 +7,9 @@
 #include "chart/AxisLayer.h"
 #include "chart/BarLabelLayer.h"
 #include "chart/ChartRenderer.h"
+#include "gpu/FrameRecorder.h"
 #include "market/SessionTime.h"
 #include "ui/gpu/GlyphAtlas.h"
-#include "gpu/FrameRecorder.h"
 
 namespace vmr::test {
 
@@ -28,7 +28,7 @@ struct CpuChart {
     }
 
     SystemClock clock;
-    RhiGpu gpu;
+    FrameRecorder gpu;
     GlyphAtlas atlas{QStringLiteral("Saira")};
     SessionTime session;
     BarLabelLayer labels{atlas};

@@ -6,10 +6,10 @@
 
 #include "chart/AxisLayer.h"
 #include "chart/BarLabelLayer.h"
-#include "tests/chart/AllocationCount.h"
-#include "ui/gpu/GlyphAtlas.h"
 #include "gpu/FrameRecorder.h"
+#include "tests/chart/AllocationCount.h"
 #include "ui/UiWindow.h"
+#include "ui/gpu/GlyphAtlas.h"
 
 namespace vmr::test {
 namespace {
@@ -23,8 +23,8 @@ float firstX(const RecordedFrame& frame, std::size_t draw) {
     return out;
 }
 
-TEST(RhiGpu, AFrameHoldsWhatItDrawsFrom) {
-    RhiGpu gpu;
+TEST(FrameRecorder, AFrameHoldsWhatItDrawsFrom) {
+    FrameRecorder gpu;
     const ChartVertex kept[3] = {{{1, 0, 0, 1}, {}}};
     const GpuBuffer retained = gpu.makeBuffer(std::as_bytes(std::span(kept)));
     GpuBuffer arena = gpu.makeArena(256);
@@ -56,9 +56,9 @@ TEST(RhiGpu, AFrameHoldsWhatItDrawsFrom) {
     EXPECT_EQ(frame.draws.size(), 3U);
 }
 
-TEST(RhiGpu, RecordingASteadyChartAsksForNoMemory) {
+TEST(FrameRecorder, RecordingASteadyChartAsksForNoMemory) {
     SystemClock clock;
-    RhiGpu gpu;
+    FrameRecorder gpu;
     RecordedFrame shown;
     GlyphAtlas atlas(QStringLiteral("Saira"));
     SessionTime session;

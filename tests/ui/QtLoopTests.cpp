@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
-#include "ui/platform/QtLoop.h"
 #include "ui/UiWindow.h"
+#include "ui/platform/QtLoop.h"
 
 namespace vmr::test {
 namespace {

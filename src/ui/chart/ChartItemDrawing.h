@@ -11,6 +11,7 @@
 #include "chart/ChartRenderer.h"
 #include "chart/PerfDrive.h"
 #include "chart/TradingLinesLayer.h"
+#include "gpu/FrameRecorder.h"
 #include "market/SessionTime.h"
 #include "perf/Perf.h"
 #include "ui/chart/ChartItem.h"
@@ -18,7 +19,6 @@
 #include "ui/gpu/FrameFollower.h"
 #include "ui/gpu/GlyphAtlas.h"
 #include "ui/platform/QtLoop.h"
-#include "gpu/FrameRecorder.h"
 
 namespace vmr {
 
@@ -35,7 +35,7 @@ struct ChartItem::Drawing {
     }
 
     SystemClock clock;
-    RhiGpu gpu;
+    FrameRecorder gpu;
     GlyphAtlas atlas{QStringLiteral("Saira")};
     SessionTime session;
     BarLabelLayer barLabels{atlas};

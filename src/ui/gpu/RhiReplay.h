@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "ui/gpu/RhiAccess.h"
 #include "gpu/RecordedFrame.h"
+#include "ui/gpu/RhiAccess.h"
 
 namespace vmr {
 
