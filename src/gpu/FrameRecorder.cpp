@@ -8,7 +8,20 @@
 
 namespace vmr {
 
+namespace {
+
+std::size_t uniformFloats(Pipeline pipeline) {
+    return pipeline == Pipeline::ribbon || pipeline == Pipeline::marker ? 8 : 4;
+}
+
+std::size_t shapeVertices(Primitive primitive) {
+    return primitive == Primitive::triangles ? 3 : primitive == Primitive::lines ? 2 : 4;
+}
+
+}  // namespace
+
 GpuBuffer FrameRecorder::makeBuffer(std::span<const std::byte> bytes) {
+    if (bytes.empty()) fatal("chart: a GPU buffer of no bytes");
     auto retained = std::make_shared<RetainedBytes>();
     retained->id = ++ids_;
     retained->bytes.assign(bytes.begin(), bytes.end());
@@ -24,6 +37,7 @@ bool FrameRecorder::holds(GpuBuffer buffer, std::span<const std::byte> bytes) co
 }
 
 GpuBuffer FrameRecorder::makeArena(std::size_t size) {
+    ++arenasMade_;
     buffers_[++ids_].arena.resize(size);
     return ids_;
 }
@@ -36,22 +50,31 @@ FrameRecorder::Buffer& FrameRecorder::find(GpuBuffer buffer) {
 
 std::span<std::byte> FrameRecorder::arenaBytes(GpuBuffer arena) { return find(arena).arena; }
 
-void FrameRecorder::release(GpuBuffer buffer) { buffers_.erase(buffer); }
+void FrameRecorder::release(GpuBuffer buffer) {
+    if (buffers_.erase(buffer) == 0) fatal("chart: a GPU buffer was released that does not exist");
+}
 
 void FrameRecorder::beginFrame(double width, double height, double pixelRatio) {
+    if (inFrame_) fatal("chart: a frame within a frame");
     recording_.clear();
     recording_.width = width;
     recording_.height = height;
     recording_.pixelRatio = pixelRatio;
     recording_.uniforms.push_back({1, 0, 1, 0, 0, 0, 0, 0});
-    pipeline_ = Pipeline::flat;
+    setPipeline(Pipeline::flat);
     inFrame_ = true;
     pending_ = false;
 }
 
+void FrameRecorder::setPipeline(Pipeline pipeline) {
+    pipeline_ = pipeline;
+    uniformsSet_ = false;
+}
+
 void FrameRecorder::setUniforms(std::span<const float> values) {
-    auto& block = recording_.uniforms.emplace_back();
-    std::copy_n(values.begin(), std::min(values.size(), block.size()), block.begin());
+    if (values.size() != uniformFloats(pipeline_)) fatal("chart: a wrong number of uniforms");
+    std::copy(values.begin(), values.end(), recording_.uniforms.emplace_back().begin());
+    uniformsSet_ = true;
 }
 
 std::int32_t FrameRecorder::retainedIndex(const std::shared_ptr<const RetainedBytes>& retained) {
@@ -65,10 +88,13 @@ std::int32_t FrameRecorder::retainedIndex(const std::shared_ptr<const RetainedBy
 void FrameRecorder::draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset, std::size_t vertexCount) {
     if (!inFrame_) fatal("chart: a draw outside a frame");
     if (vertexCount == 0) return;
+    if (!uniformsSet_) fatal("chart: a draw without uniforms");
+    if (vertexCount % shapeVertices(primitive) != 0) fatal("chart: a draw of part of a shape");
     const Buffer& from = find(buffer);
     const auto& bytes = from.retained ? from.retained->bytes : from.arena;
     const std::size_t size = vertexCount * vertexStride(pipeline_);
     if (byteOffset > bytes.size() || size > bytes.size() - byteOffset) fatal("chart: a draw beyond its buffer's end");
+    if (!from.retained && byteOffset % arenaAlignment != 0) fatal("chart: a draw from a place that is not aligned");
 
     RecordedFrame::Draw call;
     call.pipeline = pipeline_;
