@@ -27,6 +27,9 @@ class FrameRecorder final : public Gpu {
     std::span<std::byte> arenaBytes(GpuBuffer arena) override;
     void release(GpuBuffer buffer) override;
     void beginFrame(double width, double height, double pixelRatio) override;
+    void clear(const Rgba& color) override;
+    void setClip(const PointRect& clip) override;
+    void resetClip() override { clip_ = 0; }
     void setPipeline(Pipeline pipeline) override;
     void setUniforms(std::span<const float> values) override;
     void draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset, std::size_t vertexCount) override;
@@ -50,6 +53,7 @@ class FrameRecorder final : public Gpu {
         std::vector<std::byte> arena;
     };
     Buffer& find(GpuBuffer buffer);
+    std::size_t streamed(std::span<const std::byte> bytes);
     std::int32_t retainedIndex(const std::shared_ptr<const RetainedBytes>& retained);
 
     std::map<GpuBuffer, Buffer> buffers_;
@@ -57,6 +61,7 @@ class FrameRecorder final : public Gpu {
     std::uint64_t arenasMade_ = 0;
     RecordedFrame recording_;
     Pipeline pipeline_ = Pipeline::flat;
+    std::uint32_t clip_ = 0;  // index into the frame's
     bool inFrame_ = false;
     bool uniformsSet_ = false;  // for the pipeline
     bool pending_ = false;

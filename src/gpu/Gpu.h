@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <span>
 
+#include "gpu/PointRect.h"
+#include "gpu/Vertices.h"
+
 namespace vmr {
 
 /// The chart's shader programs. All blend source-alpha over one-minus-source-alpha at four samples a pixel.
@@ -45,6 +48,13 @@ class Gpu {
 
     /// Starts a frame for a view of `width` x `height` points at `pixelRatio` device pixels a point.
     virtual void beginFrame(double width, double height, double pixelRatio) = 0;
+    /// Covers the view, or the clip rectangle, with a colour of alpha 1, without blending. Keeps pipeline and uniforms.
+    virtual void clear(const Rgba& color) = 0;
+    /// What is drawn from now on touches only this part of the view, to the nearest device pixel; nothing where it has
+    /// no area or is not finite. A frame begins with the whole view.
+    virtual void setClip(const PointRect& clip) = 0;
+    /// Back to the whole view.
+    virtual void resetClip() = 0;
     /// Uniforms have to be set after it, before the next draw.
     virtual void setPipeline(Pipeline pipeline) = 0;
     /// 4 floats (flat, text) or 8 floats (ribbon, marker); copied.

@@ -34,6 +34,10 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
     for (const Draw& call : recorded.draws) {
         const auto& u = call.uniforms;
         const Uniforms camera{u[0], u[1], u[2], u[3]};
+        if (call.opaque) {
+            layers.emplace_back("opaque");
+            continue;
+        }
         std::string layer = call.retained ? "kept " : "made ";
         layer += std::array{"flat", "ribbon", "marker", "text"}[static_cast<std::size_t>(call.pipeline)];
         if (call.primitive == Primitive::lines) layer += " lines";
@@ -45,15 +49,22 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
         }
         layers.push_back(layer);
     }
-    const std::vector<std::string> order{
-        "kept flat on the view",   "kept marker on bars",      // background, markers
-        "made flat on the view",   "made flat on the view",    // waves, strike bars
-        "kept flat lines on bars", "made flat lines on bars",  // walls, price line
-        "kept ribbon on overlays", "kept ribbon on overlays",  // series, session lines
-        "kept flat on overlays",   "kept ribbon on overlays",  // second candles, their borders
-        "kept flat on bars",       "made flat on bars",        // bodies, the forming one
-        "kept flat on bars",       "made flat on bars",        // wicks, the forming ones
-        "kept ribbon on bars",     "made ribbon on bars"};     // borders, the forming one
+    const std::vector<std::string> order{"opaque",
+                                         "kept marker on bars",  // ground, markers
+                                         "made flat on the view",
+                                         "made flat on the view",  // waves, strike bars
+                                         "kept flat lines on bars",
+                                         "made flat lines on bars",  // walls, price line
+                                         "kept ribbon on overlays",
+                                         "kept ribbon on overlays",  // series, session lines
+                                         "kept flat on overlays",
+                                         "kept ribbon on overlays",  // second candles, their borders
+                                         "kept flat on bars",
+                                         "made flat on bars",  // bodies, the forming one
+                                         "kept flat on bars",
+                                         "made flat on bars",  // wicks, the forming ones
+                                         "kept ribbon on bars",
+                                         "made ribbon on bars"};  // borders, the forming one
     EXPECT_EQ(layers, order);
     EXPECT_EQ(recorded.draws.at(10).count, 299U * 6U);
 }

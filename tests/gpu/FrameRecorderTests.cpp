@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <functional>
+#include <limits>
 
 #include "support/gpu/RecordedFrames.h"
 
@@ -49,6 +51,56 @@ TEST(FrameRecorder, AFrameHoldsWhatItDrawsFrom) {
     EXPECT_EQ(shown.draws.size(), 3U);
 }
 
+TEST(FrameRecorder, ClearsAndClipsCoverWholePixels) {
+    const std::array<std::byte, 96> bytes{};
+    FrameRecorder gpu;
+    const GpuBuffer kept = gpu.makeBuffer(bytes);
+    const Rgba blue{0, 0, 1, 1};
+    const double inf = std::numeric_limits<double>::infinity();
+    const struct {
+        double ratio;
+        PointRect clip;
+        PixelRect pixels;
+    } cases[] = {{1, {10, 20, 30, 5}, {10, 20, 40, 25}},
+                 {1.5, {0.2, 0.4, 3, 3}, {0, 1, 5, 5}},
+                 {1.5, {90, 40, 11, 11}, {135, 60, 152, 77}},  // to the end of the view's last pixel
+                 {1, {-5, -5, 10, 10}, {0, 0, 5, 5}},
+                 {1, {10, 10, 0, 10}, {}},
+                 {1, {10, 10, -3, 10}, {}},
+                 {1, {std::nan(""), 0, 9, 9}, {}},
+                 {1, {0, 0, inf, 9}, {}}};
+    for (const auto& [ratio, clip, pixels] : cases) {
+        SCOPED_TRACE(clip.x);
+        gpu.beginFrame(101, 51, ratio);
+        gpu.setPipeline(Pipeline::text);
+        gpu.setUniforms(std::span(uniforms).first(4));
+        gpu.clear(blue);
+        gpu.setClip(clip);
+        gpu.draw(Primitive::triangles, kept, 0, 3);
+        gpu.clear(blue);
+        gpu.resetClip();
+        gpu.draw(Primitive::triangles, kept, 0, 3);
+        gpu.endFrame();
+        RecordedFrames shown;
+        ASSERT_TRUE(shown.take(gpu));
+        ASSERT_EQ(shown.draws.size(), 4U);
+        const PixelRect whole{0, 0, static_cast<int>(std::ceil(101 * ratio)), static_cast<int>(std::ceil(51 * ratio))};
+        for (std::size_t i = 0; i < 4; ++i) {
+            const auto& call = shown.draws[i];
+            const bool clears = i % 2 == 0;
+            EXPECT_EQ(call.opaque, clears);
+            EXPECT_EQ(call.clip, i == 0 || i == 3 ? whole : pixels);
+            EXPECT_EQ(call.pipeline, clears ? Pipeline::flat : Pipeline::text);
+            EXPECT_EQ(call.uniforms[1], clears ? 0 : 2) << "a clear keeps what was set";
+            if (!clears) continue;
+            const auto quad = shown.vertices<ChartVertex>(call);
+            EXPECT_EQ(shown.screen(call, quad[0].position[0], quad[0].position[1])[1], 51);
+            EXPECT_EQ(shown.screen(call, quad[2].position[0], quad[2].position[1])[0], 101);
+            EXPECT_EQ(quad[5].color, blue);
+        }
+    }
+}
+
 TEST(FrameRecorderDeathTest, MisuseEndsTheProgram) {
     const std::array<std::byte, 1024> bytes{};
     FrameRecorder gpu;
@@ -70,6 +122,8 @@ TEST(FrameRecorderDeathTest, MisuseEndsTheProgram) {
         {[&] { gpu.release(99); }, "released"},
         {[&] { begin(), begin(); }, "frame within a frame"},
         {[&] { gpu.draw(Primitive::triangles, kept, 0, 3); }, "outside a frame"},
+        {[&] { gpu.clear({}); }, "outside a frame"},
+        {[&] { gpu.setClip({}); }, "outside a frame"},
         {[&] { begin(Pipeline::text, 8); }, "number of uniforms"},
         {[&] { begin(Pipeline::ribbon, 4); }, "number of uniforms"},
         {[&] { begin(), gpu.setPipeline(Pipeline::text), gpu.draw(Primitive::quads, kept, 0, 4); }, "without uniforms"},

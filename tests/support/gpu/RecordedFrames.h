@@ -20,7 +20,8 @@ class RecordedFrames {
         std::int32_t source = RecordedFrame::fromStream;
         std::size_t offset = 0, count = 0;  ///< bytes into what it draws from, and vertices
         std::array<float, 8> uniforms{};
-        bool retained = false;
+        bool retained = false, opaque = false;
+        PixelRect clip;
         bool withView() const { return pipeline == Pipeline::ribbon || pipeline == Pipeline::marker; }
     };
 
@@ -30,7 +31,8 @@ class RecordedFrames {
         draws.clear();
         for (const RecordedFrame::Draw& draw : frame.draws)
             draws.push_back({draw.pipeline, draw.primitive, draw.source, draw.byteOffset, draw.vertexCount,
-                             frame.uniforms.at(draw.uniforms), draw.source != RecordedFrame::fromStream});
+                             frame.uniforms.at(draw.uniforms), draw.source != RecordedFrame::fromStream, draw.opaque,
+                             frame.clips.at(draw.clip)});
         return true;
     }
 
