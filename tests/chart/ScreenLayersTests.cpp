@@ -81,7 +81,7 @@ TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
         const auto labels = texts();
         seen += labels.size();
         const double slack = 1.01 / pixelRatio;  // rounding to pixels
-        const double right = width - AxisLayer::priceAxisWidth, bottom = height - AxisLayer::timeAxisHeight;
+        const double right = PlotArea{width, height}.right(), bottom = PlotArea{width, height}.bottom();
         const auto onPriceAxis = [&](const Drawn& d) { return d.left > right && d.bottom < bottom; };
         const bool tagged = !labels.empty() && labels.back().alpha == 1.0F && labels.back().top < bottom;
         for (std::size_t i = 0; i < labels.size(); ++i) {
