@@ -52,10 +52,8 @@ bool ChartRenderer::drawChart(double width, double height, double pixelRatio) {
     if (!buildGeometry(width, height, geometry)) return false;
 
     const Candle& last = candles_.back();
-    ScreenFrame frame{gpu_,           arena_,     width,
-                      height,         pixelRatio, camera_.viewport(),
-                      candles_,       dispClose_, CandleGeometry::isUp(last.open, dispClose_),
-                      edges_.labels()};
+    ScreenFrame frame{{gpu_, arena_, width, height, pixelRatio},   camera_.viewport(), candles_, dispClose_,
+                      CandleGeometry::isUp(last.open, dispClose_), edges_.labels()};
     for (ScreenLayer* layer : screenLayers_) layer->drawBelow(frame);
     encodeLayers(geometry, width, height);
     bool animating = geometry.animating;
