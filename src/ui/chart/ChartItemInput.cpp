@@ -45,6 +45,7 @@ void ChartItem::makeInput() {
     own.input->setSize(width(), height());
     own.input->trading = at.trading;
     own.tradingLines.trading = at.trading;
+    own.input->drawnMarks = &own.tradingLines.marks();
     own.renderer.perf = at.perf;
     own.follower->setPerf(at.bench.input ? at.perf : nullptr);
     own.input->onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
