@@ -201,9 +201,10 @@ QSGNode* ChartItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node = new ChartNode(*window());
         node->onProblem = report;
         node->sampleCount = sampleCount_;
+        node->uploadedBytes = uploadedBytes_;
     }
     node->setItemSize(size());
-    const bool given = drawing_->gpu.swapFrame(node->replay().frame());
+    const bool given = node->replay().takeFrame(drawing_->gpu);
     if (given) {
         drawing_->follower->handedOver();
         drawing_->timeGate();

@@ -57,6 +57,8 @@ class ChartItem : public QQuickItem {
     std::uint64_t framesDrawn() const;
     /// Samples a pixel that the chart was last drawn with; 0 before.
     int sampleCount() const { return *sampleCount_; }
+    /// Bytes that the chart has given to the GPU so far, as of the last repaint.
+    std::uint64_t uploadedBytes() const { return *uploadedBytes_; }
 
  signals:
     void paneChanged();
@@ -110,6 +112,7 @@ class ChartItem : public QQuickItem {
     std::vector<OrderMenuItem> orderMenu_;
     std::string orderMenuRoot_;  ///< what it trades
     std::shared_ptr<std::atomic<int>> sampleCount_ = std::make_shared<std::atomic<int>>(0);
+    std::shared_ptr<std::atomic<std::uint64_t>> uploadedBytes_ = std::make_shared<std::atomic<std::uint64_t>>(0);
 };
 
 }  // namespace vmr

@@ -32,6 +32,7 @@ void ChartNode::prepare() {
     placement_ = placementIn(*target.target);
     if (sampleCount) *sampleCount = target.target->sampleCount();
     replay_.prepare(target, placement_);
+    if (uploadedBytes) *uploadedBytes = replay_.uploadedBytes();
     if (replay_.problem() != reported_) {
         reported_ = replay_.problem();
         if (onProblem) onProblem(QString::fromStdString(reported_));
