@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/Log.h"
 #include "model/StateDocument.h"
 #include "perf/Perf.h"
 #include "relay/Tape.h"
@@ -157,9 +158,6 @@ std::optional<std::string> Program::writeState(const std::string& file) const {
     return std::nullopt;
 }
 
-void Program::print(const std::string& line) {
-    const std::string whole = line + "\n";
-    std::fwrite(whole.data(), 1, whole.size(), stdout);
-}
+void Program::print(const std::string& line) { Log::standardOutput().line(line); }
 
 }  // namespace vmr
