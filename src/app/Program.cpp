@@ -141,7 +141,7 @@ Program::~Program() {
 std::unique_ptr<RelayClient> Program::makeRelay() {
     AsioLoop& loop = relayThreads_.emplace_back("velmora.relay").loop();
     return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(loop), loop, main_,
-                                         start_.clock());
+                                         start_.clock(), &Program::print);
 }
 
 void Program::signInToPractice() {
