@@ -8,16 +8,14 @@
 #include <thread>
 
 #include "base/AsioLoop.h"
+#include "base/Log.h"
 #include "base/NumberText.h"
 #include "market/SessionTime.h"
 #include "relay/CommandLine.h"
 #include "relay/PracticeRelay.h"
 
 namespace {
-void print(const std::string& text) {
-    std::fputs((text + "\n").c_str(), stdout);
-    std::fflush(stdout);
-}
+void print(const std::string& text) { vmr::Log::standardOutput().line(text); }
 
 /// The relay as the reading thread sees it, which nothing can wake at the end.
 struct CommandTarget {
@@ -59,7 +57,7 @@ int main(int argc, char** argv) {
     };
     const auto line = vmr::relay::readRelayCommandLine({argv + 1, argv + argc}, lookup);
     if (line.help) {
-        std::fputs(vmr::relay::relayHelp().c_str(), stdout);
+        vmr::Log::standardOutput().lines(vmr::relay::relayHelp());
         return 0;
     }
     const auto complain = [](const std::string& text) {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "base/Clock.h"
+#include "base/Log.h"
 #include "market/ClockSetting.h"
 #include "model/StateDocument.h"
 #include "perf/Perf.h"
@@ -142,7 +143,7 @@ Program::~Program() {
 std::unique_ptr<RelayClient> Program::makeRelay() {
     AsioLoop& loop = relayThreads_.emplace_back("velmora.relay").loop();
     return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(loop), loop, main_,
-                                         start_.clock());
+                                         start_.clock(), &Program::print);
 }
 
 void Program::signInToPractice() {
@@ -159,9 +160,6 @@ std::optional<std::string> Program::writeState(const std::string& file) const {
     return std::nullopt;
 }
 
-void Program::print(const std::string& line) {
-    const std::string whole = line + "\n";
-    std::fwrite(whole.data(), 1, whole.size(), stdout);
-}
+void Program::print(const std::string& line) { Log::standardOutput().line(line); }
 
 }  // namespace vmr

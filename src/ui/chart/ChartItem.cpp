@@ -2,11 +2,11 @@
 
 #include <QCoreApplication>
 #include <QQuickWindow>
-#include <cstdio>
 #include <functional>
 #include <span>
 #include <utility>
 
+#include "base/Log.h"
 #include "perf/StartUp.h"
 #include "ui/chart/ChartItemDrawing.h"
 #include "ui/gpu/ChartNode.h"
@@ -86,10 +86,7 @@ std::uint64_t ChartItem::framesDrawn() const { return drawing_->gpu.framesRecord
 void ChartItem::setProblem(const QString& problem) {
     if (problem == problem_) return;
     problem_ = problem;
-    if (!problem_.isEmpty()) {
-        std::printf("[chart] pipeline error: %s\n", problem_.toUtf8().constData());
-        std::fflush(stdout);
-    }
+    if (!problem_.isEmpty()) Log::standardOutput().line("[chart] pipeline error: " + problem_.toStdString());
     emit problemChanged();
 }
 
