@@ -25,8 +25,7 @@ bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, do
     stepTime(nowMonotonic);
 
     gpu_.beginFrame(width, height, pixelRatio);
-    setFlat({});
-    drawRetained(background_);
+    gpu_.clear(clearColor);
     const bool drawable = positive(width) && positive(height) && positive(pixelRatio);
     if (drawable) camera_.lastViewW = width;  // also without bars, so that the first ones find their margin
     const bool animating = drawable && !candles_.empty() && drawChart(width, height, pixelRatio);

@@ -42,15 +42,11 @@ struct ChartRenderer::Delivery {
 };
 
 ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock, Post post)
-    : gpu_(gpu), clock_(clock), delivery_(new Delivery{this, std::move(post), {}, false, false, false}), arena_(gpu) {
-    constexpr float corners[6][2] = {{-1, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, -1}, {1, 1}};
-    for (const auto& corner : corners) flatScratch_.push_back({{corner[0], corner[1], 0.0F, 1.0F}, clearColor});
-    retain(background_, flatScratch_);
-}
+    : gpu_(gpu), clock_(clock), delivery_(new Delivery{this, std::move(post), {}, false, false, false}), arena_(gpu) {}
 
 ChartRenderer::~ChartRenderer() {
-    for (const Retained* retained : {&background_, &candleTris_, &candleWicks_, &candleBorders_, &overlayLines_,
-                                     &sessionLines_, &second_, &secondBorders_, &walls_, &markers_}) {
+    for (const Retained* retained : {&candleTris_, &candleWicks_, &candleBorders_, &overlayLines_, &sessionLines_,
+                                     &second_, &secondBorders_, &walls_, &markers_}) {
         if (retained->buf != 0) gpu_.release(retained->buf);
     }
     delivery_->owner = nullptr;

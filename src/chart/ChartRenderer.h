@@ -207,7 +207,7 @@ class ChartRenderer {
     Camera camera_;
     EdgeLayers edges_;
     DataOrigin origin_;  ///< of all data-space geometry but the overlays'; moves only when all of it is rebuilt
-    Retained background_, candleTris_, candleWicks_, candleBorders_, walls_, markers_;
+    Retained candleTris_, candleWicks_, candleBorders_, walls_, markers_;
     Retained overlayLines_, sessionLines_, second_, secondBorders_;
     std::uint64_t sessionRevision_ = 0;
     DataOrigin overlayOrigin_;  ///< of the four above
