@@ -6,7 +6,7 @@
 
 #include "app/HeadlessShell.h"
 #include "app/Options.h"
-#include "app/Program.h"
+#include "app/ProgramStart.h"
 #include "base/Log.h"
 #include "model/BarRollSelfTest.h"
 #include "perf/StartUp.h"

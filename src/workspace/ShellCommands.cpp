@@ -1,174 +1,159 @@
-#include "app/ShellCommands.h"
+#include "workspace/ShellCommands.h"
 
 #include <algorithm>
-#include <iostream>
-#include <mutex>
-#include <thread>
 
-#include "app/SimCommands.h"
 #include "base/NumberText.h"
+#include "workspace/SimCommands.h"
 
 namespace vmr {
 
-namespace {
-constexpr std::string_view blanks = " \t\r";
-
-std::string_view trim(std::string_view text) {
-    const auto first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+ShellCommands::ShellCommands(ShellSurroundings surroundings)
+    : at_(std::move(surroundings)),
+      commands_({" | ", [](const std::string& name) { return "unknown command " + name + "; see help"; },
+                 [](const Command& command) { return "wrong arguments for " + command.name + "; see help"; }}) {
+    addSessionCommands();
+    addChartCommands();
+    addProcessCommands();
 }
-
-// Takes the first word off `text`.
-std::string word(std::string_view& text) {
-    text = trim(text);
-    const auto end = std::min(text.find_first_of(blanks), text.size());
-    std::string first(text.substr(0, end));
-    text = trim(text.substr(end));
-    return first;
-}
-}  // namespace
 
 void ShellCommands::run(const std::string& line) {
-    std::string_view rest = line;
-    const std::string name = word(rest);
-    if (name.empty()) return;
-    if (name == "sign-in") return signIn(rest);
-    Program::print("[cmd] " + carryOut(name, rest));
+    CommandWords words(line);
+    if (words.empty()) return;
+    if (const std::string text = answer(words); !text.empty()) tell(text);
 }
 
-ShellCommands::Answer ShellCommands::carryOut(const std::string& name, std::string_view rest) {
-    if (name == "open") return open(rest);
-    if (name == "set") return set(rest);
-    if (name == "relay") return relay(rest);
-    if (name == "sign-out" && rest.empty()) {
-        program_.pane().signOut();
-        return "ok signed out";
+std::string ShellCommands::answer(CommandWords& words) {
+    pane_ = at_.panes.active();
+    if (words.rest().starts_with('@')) {
+        const std::string name = words.next().substr(1);
+        const auto number = parseInt(name);
+        pane_ = number && *number >= 1 && *number <= INT32_MAX ? at_.panes.find(static_cast<int>(*number)) : nullptr;
+        if (!pane_) return "error: there is no pane " + name;
+        if (words.empty()) return "error: what is pane " + name + " to do? see help";
     }
-    if (name == "quit" && rest.empty()) {
-        quit_();
-        return "ok quitting";
-    }
-    if (name == "help")
-        return "ok sign-in EMAIL PASSWORD [forget] | sign-out | open CANDLE_CHANNEL [DERIVED_CHANNEL] | symbol SYM | "
-               "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay "
-               "COMMAND (practice) | " +
-               std::string(simCommandsHelp) + " | quit";
-    if (name == "state") return state(std::string(rest));
-    if (const auto answer = runSimCommand(program_.sim(), name, rest)) return *answer;
-    const std::string argument = word(rest);
-    if (!argument.empty() && rest.empty()) {
-        if (name == "symbol") return symbol(argument);
-        if (name == "timeframe") return timeframe(argument);
-        if (name == "expiration") return expiration(argument);
-        if (name == "3d" && (argument == "on" || argument == "off")) {
-            program_.pane().setGex3DActive(argument == "on");
-            return "ok 3d " + argument;
-        }
-    }
-    if (name == "gex-source" && argument.empty()) {
-        program_.pane().cycleGexSource();
-        return "ok gex-source " + program_.pane().config->gexSource;
-    }
-    for (const char* known : {"symbol", "timeframe", "expiration", "3d", "gex-source", "sign-out", "quit"})
-        if (name == known) return "error: wrong arguments for " + name + "; see help";
-    return "error: unknown command " + name + "; see help";
+    return commands_.run(words.rest());
 }
 
-ShellCommands::Answer ShellCommands::open(std::string_view rest) {
-    const std::string candles = word(rest);
-    const std::string levels = word(rest);
-    if (candles.empty() || !rest.empty()) return "error: open needs CANDLE_CHANNEL [DERIVED_CHANNEL]";
-    program_.pane().openChart(candles, levels);
-    return "ok open " + program_.pane().chartChannel.get();
+void ShellCommands::addForPane(Command command) {
+    command.run = [this, run = std::move(command.run)](CommandWords& words) -> CommandAnswer {
+        return pane_ ? run(words) : "error: no pane is open; see pane open";
+    };
+    commands_.add(std::move(command));
 }
 
-ShellCommands::Answer ShellCommands::symbol(const std::string& sym) {
-    AppModel& pane = program_.pane();
-    const auto stocks = pane.stockList();
-    const bool known = std::find(stocks.begin(), stocks.end(), sym) != stocks.end() || pane.effectiveContract(sym);
+void ShellCommands::addSessionCommands() {
+    addForPane({"sign-in", "EMAIL PASSWORD [forget]", 2, 3, [this](CommandWords& words) { return signIn(words); },
+                "sign-in needs EMAIL PASSWORD [forget]"});
+    addForPane({"sign-out", "", 0, 0, [this](CommandWords&) {
+                    pane_->signOut();
+                    return "ok signed out";
+                }});
+}
+
+void ShellCommands::addChartCommands() {
+    addForPane({"open", "CANDLE_CHANNEL [DERIVED_CHANNEL]", 1, 2, [this](CommandWords& words) { return open(words); },
+                "open needs CANDLE_CHANNEL [DERIVED_CHANNEL]"});
+    addForPane({"symbol", "SYM", 1, 1, [this](CommandWords& words) { return symbol(words.next()); }});
+    addForPane({"timeframe", "N", 1, 1, [this](CommandWords& words) { return timeframe(words.next()); }});
+    addForPane({"expiration", "YYYY-MM-DD", 1, 1, [this](CommandWords& words) { return expiration(words.next()); }});
+    addForPane({"gex-source", "", 0, 0, [this](CommandWords&) {
+                    pane_->cycleGexSource();
+                    return "ok gex-source " + pane_->config->gexSource;
+                }});
+    addForPane({"3d", "on|off", 1, 1, [this](CommandWords& words) -> CommandAnswer {
+                    const std::string word = words.next();
+                    if (word != "on" && word != "off") return std::nullopt;
+                    pane_->setGex3DActive(word == "on");
+                    return "ok 3d " + word;
+                }});
+    addForPane({"set", "KEY JSON", 2, Command::restOfLine, [this](CommandWords& words) { return set(words); },
+                "set needs KEY JSON"});
+}
+
+void ShellCommands::addProcessCommands() {
+    commands_.add({"state", "FILE", 1, Command::restOfLine, [this](CommandWords& words) { return state(words); },
+                   "state needs a FILE"});
+    commands_.add({"relay", "COMMAND (practice)", 0, Command::restOfLine, [this](CommandWords& words) {
+                       if (!at_.practiceRelay)
+                           return std::string("error: there is no practice relay; start with --practice");
+                       return at_.practiceRelay(std::string(words.rest()));
+                   }});
+    addSimCommands(commands_, at_.sim);
+    commands_.add({"pane", "open|close N", 1, 2, [this](CommandWords& words) { return pane(words); }});
+    commands_.add({"quit", "", 0, 0, [this](CommandWords&) {
+                       at_.quit();
+                       return "ok quitting";
+                   }});
+    commands_.add({"help", "", 0, Command::restOfLine,
+                   [this](CommandWords&) { return "ok " + commands_.help() + " | @N COMMAND (in pane N)"; }});
+}
+
+CommandAnswer ShellCommands::signIn(CommandWords& words) {
+    const std::string email = words.next();
+    const std::string password = words.next();
+    const bool forget = !words.empty();
+    if (forget && words.rest() != "forget") return std::nullopt;
+    if (pane_->signingIn) return "error: a sign-in is running";
+    // the pane is still there when it calls
+    pane_->signIn(email, password, !forget, [this, pane = pane_, email](bool ok) {
+        tell(ok ? "ok signed in as " + email : "error: " + pane->authError->value_or("sign-in failed"));
+    });
+    return "";
+}
+
+CommandAnswer ShellCommands::open(CommandWords& words) {
+    const std::string candles = words.next();
+    pane_->openChart(candles, words.next());
+    return "ok open " + pane_->chartChannel.get();
+}
+
+CommandAnswer ShellCommands::symbol(const std::string& sym) {
+    const auto stocks = pane_->stockList();
+    const bool known = std::find(stocks.begin(), stocks.end(), sym) != stocks.end() || pane_->effectiveContract(sym);
     if (!known) return "error: unknown symbol " + sym;
-    pane.switchSymbol(sym);
+    pane_->switchSymbol(sym);
     return "ok symbol " + sym;
 }
 
-ShellCommands::Answer ShellCommands::timeframe(const std::string& minutes) {
+CommandAnswer ShellCommands::timeframe(const std::string& minutes) {
     const auto value = parseInt(minutes);
     if (!value) return "error: timeframe needs a whole number of minutes";
-    program_.pane().setTimeframe(*value);
-    return "ok timeframe " + std::to_string(program_.pane().timeframe.get());
+    pane_->setTimeframe(*value);
+    return "ok timeframe " + std::to_string(pane_->timeframe.get());
 }
 
-ShellCommands::Answer ShellCommands::expiration(const std::string& iso) {
-    AppModel& pane = program_.pane();
-    const auto& offered = pane.futureExps.get();
+CommandAnswer ShellCommands::expiration(const std::string& iso) {
+    const auto& offered = pane_->futureExps.get();
     if (std::find(offered.begin(), offered.end(), iso) == offered.end())
         return "error: no such expiration on offer: " + iso;
-    pane.setExpiration(iso);
+    pane_->setExpiration(iso);
     return "ok expiration " + iso;
 }
 
-ShellCommands::Answer ShellCommands::set(std::string_view rest) {
-    const std::string key = word(rest);
-    if (key.empty() || rest.empty()) return "error: set needs KEY JSON";
-    GexConfig changed = program_.pane().config;
-    if (const auto problem = changed.set(key, rest)) return "error: " + *problem;
-    program_.pane().setConfig(changed);
+CommandAnswer ShellCommands::set(CommandWords& words) {
+    const std::string key = words.next();
+    GexConfig changed = pane_->config;
+    if (const auto problem = changed.set(key, words.rest())) return "error: " + *problem;
+    pane_->setConfig(changed);
     return "ok set " + key;
 }
 
-ShellCommands::Answer ShellCommands::state(const std::string& file) {
-    if (file.empty()) return "error: state needs a FILE";
-    if (const auto problem = program_.writeState(file)) return "error: " + *problem;
+CommandAnswer ShellCommands::state(CommandWords& words) {
+    const std::string file(words.rest());
+    if (const auto problem = at_.writeState(file)) return "error: " + *problem;
     return "ok state " + file;
 }
 
-ShellCommands::Answer ShellCommands::relay(std::string_view rest) {
-    relay::PracticeRelay* practice = program_.start().practice();
-    if (!practice) return "error: there is no practice relay; start with --practice";
-    return practice->command(std::string(rest));
-}
-
-void ShellCommands::signIn(std::string_view rest) {
-    const std::string email = word(rest);
-    const std::string password = word(rest);
-    const std::string last = word(rest);
-    AppModel& pane = program_.pane();
-    if (password.empty() || (!last.empty() && last != "forget") || !rest.empty())
-        return Program::print("[cmd] error: sign-in needs EMAIL PASSWORD [forget]");
-    if (pane.signingIn) return Program::print("[cmd] error: a sign-in is running");
-    pane.signIn(email, password, last.empty(), [&pane, email](bool ok) {
-        Program::print(ok ? "[cmd] ok signed in as " + email
-                          : "[cmd] error: " + pane.authError->value_or("sign-in failed"));
-    });
-}
-
-struct LineReader::Shared {
-    std::mutex mutex;
-    MainLoop* loop;
-    std::function<void(const std::string&)> take;
-};
-
-LineReader::LineReader(MainLoop& loop, std::function<void(const std::string&)> take)
-    : shared_(std::make_shared<Shared>()) {
-    shared_->loop = &loop;
-    shared_->take = std::move(take);
-    // the thread may wait for input for ever, so it is left behind when the reader ends
-    std::thread([shared = shared_] {
-        for (std::string line; std::getline(std::cin, line);) {
-            std::lock_guard lock(shared->mutex);
-            if (!shared->loop) return;
-            shared->loop->post([shared, line] {
-                if (shared->take) shared->take(line);
-            });
-        }
-    }).detach();
-}
-
-LineReader::~LineReader() {
-    std::lock_guard lock(shared_->mutex);
-    shared_->loop = nullptr;
-    shared_->take = nullptr;
+CommandAnswer ShellCommands::pane(CommandWords& words) {
+    const std::string what = words.next();
+    if (what == "open" && words.empty()) {
+        if (const auto number = at_.panes.open()) return "ok pane " + std::to_string(*number);
+        return "error: at most " + std::to_string(PaneHost::maxLive) + " panes can be open";
+    }
+    const auto number = what == "close" ? parseInt(words.next()) : std::nullopt;
+    if (!number || *number < 1 || *number > INT32_MAX) return std::nullopt;
+    if (const auto problem = at_.panes.close(static_cast<int>(*number))) return "error: " + *problem;
+    return "ok pane " + std::to_string(*number) + " closed";
 }
 
 }  // namespace vmr

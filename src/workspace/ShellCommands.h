@@ -2,49 +2,55 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
-#include <string_view>
 
-#include "app/Program.h"
+#include "base/CommandTable.h"
+#include "sim/SimEngine.h"
+#include "workspace/PaneHost.h"
 
 namespace vmr {
 
-/// Runs command lines on the main thread; each is answered by one line, "[cmd] ok …" or "[cmd] error: …", at once or,
-/// for sign-in, when it is over. Blank lines are not answered.
+/// What the commands work on; everything outlives them.
+struct ShellSurroundings {
+    PaneHost& panes;
+    SimEngine& sim;
+    std::function<void(const std::string& line)> print;  ///< answers, "[cmd] ok …" or "[cmd] error: …"
+    std::function<void()> quit;
+    std::function<std::optional<std::string>(const std::string& file)> writeState;  ///< the text of what failed
+    std::function<std::string(const std::string& line)> practiceRelay;  ///< its console; empty where there is none
+};
+
+/// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.
+/// Blank lines are not answered. A command works on the active pane, after "@2" on pane 2.
 class ShellCommands {
  public:
-    ShellCommands(Program& program, std::function<void()> quit) : program_(program), quit_(std::move(quit)) {}
+    explicit ShellCommands(ShellSurroundings surroundings);
+    ShellCommands(const ShellCommands&) = delete;
+    ShellCommands& operator=(const ShellCommands&) = delete;
 
     void run(const std::string& line);
 
  private:
-    using Answer = std::string;
-    Answer carryOut(const std::string& name, std::string_view rest);
-    Answer open(std::string_view rest);
-    Answer symbol(const std::string& sym);
-    Answer timeframe(const std::string& minutes);
-    Answer expiration(const std::string& iso);
-    Answer set(std::string_view rest);
-    Answer state(const std::string& file);
-    void signIn(std::string_view rest);
-    Answer relay(std::string_view rest);
+    std::string answer(CommandWords& words);
+    void addForPane(Command command);
+    void addSessionCommands();
+    void addChartCommands();
+    void addProcessCommands();
+    CommandAnswer signIn(CommandWords& words);
+    CommandAnswer open(CommandWords& words);
+    CommandAnswer symbol(const std::string& sym);
+    CommandAnswer timeframe(const std::string& minutes);
+    CommandAnswer expiration(const std::string& iso);
+    CommandAnswer set(CommandWords& words);
+    CommandAnswer state(CommandWords& words);
+    CommandAnswer pane(CommandWords& words);
 
-    Program& program_;
-    std::function<void()> quit_;
-};
+    void tell(const std::string& text) { at_.print("[cmd] " + text); }
 
-/// Reads standard input on a thread of its own and hands each line to `take` on `loop`, for as long as `loop` lives
-/// (`stop` ends that). The end of the input ends nothing.
-class LineReader {
- public:
-    LineReader(MainLoop& loop, std::function<void(const std::string&)> take);
-    ~LineReader();
-    LineReader(const LineReader&) = delete;
-    LineReader& operator=(const LineReader&) = delete;
-
- private:
-    struct Shared;
-    std::shared_ptr<Shared> shared_;
+    ShellSurroundings at_;
+    CommandTable commands_;
+    AppModel* pane_ = nullptr;  // that the running command is for
 };
 
 }  // namespace vmr
