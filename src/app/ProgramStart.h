@@ -6,8 +6,8 @@
 #include <string>
 
 #include "app/Options.h"
-#include "base/SteerableClock.h"
 #include "base/Paths.h"
+#include "base/SteerableClock.h"
 #include "relay/PracticeRelay.h"
 #include "services/net/Endpoints.h"
 
