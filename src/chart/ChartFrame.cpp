@@ -19,6 +19,7 @@ bool positive(double value) { return std::isfinite(value) && value > 0; }
 bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, double nowMonotonic) {
     const double start = clock_.monotonic();
     inputLagMs_.reset();
+    movedTo_.reset();
     if (inputAt_) inputLagMs_ = (nowMonotonic - *std::exchange(inputAt_, std::nullopt)) * 1000.0;
     if (perf && inputLagMs_) perf->time("inputLag", *inputLagMs_);
     arena_.beginFrame();

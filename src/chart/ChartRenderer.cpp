@@ -110,6 +110,16 @@ void ChartRenderer::barsMoved() {
     staticDirty_ = wallsDirty_ = markersDirty_ = true;
 }
 
+void ChartRenderer::startOver() {
+    candles_.clear();
+    dispClose_ = std::numeric_limits<double>::quiet_NaN();
+    bubblePts_.clear();
+    trianglePts_.clear();
+    edges_.clear();
+    markersDirty_ = true;
+    setOverlayGeometry({});
+}
+
 void ChartRenderer::setRenderConfig(const RenderConfig& config) {
     if (config == renderCfg_) return;
     const auto markerLook = [](const RenderConfig& c) {
@@ -220,7 +230,9 @@ std::size_t ChartRenderer::currentSessionStartIndex() const {
 }
 
 void ChartRenderer::publishViewport() {
-    if (!camera_.snapLerps || !onViewport) return;
+    if (!camera_.snapLerps) return;
+    movedTo_ = camera_.viewport();
+    if (!onViewport) return;
     delivery_->viewport = camera_.viewport();
     delivery_->viewportDue = true;
     delivery_->send();

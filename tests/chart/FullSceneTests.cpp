@@ -151,7 +151,7 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
         frame();
         EXPECT_EQ(recorded.draws.size(), layers);
         EXPECT_NE(markers().uniforms, old);
-        EXPECT_NEAR(box(recorded.draws[2]).left, PlotArea{width, height}.right(), 0.01) << "waves hang on the axis";
+        EXPECT_NEAR(box(recorded.draws[2]).left, (PlotArea{width, height}.right()), 0.01) << "waves hang on the axis";
     }
     EXPECT_EQ(gpu.buffersMade(), made);
     EXPECT_EQ(markers().uniforms[4], 911.0F);

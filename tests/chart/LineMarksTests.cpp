@@ -70,7 +70,7 @@ TEST_F(LineMarksTest, LegsLieLowestThePositionHighestAndTheEarlierOverTheLater) 
     for (const LineMark& mark : layer.marks().list()) {
         const bool marked = mark.closeMark.width > 0;
         found.push_back(mark.label + (mark.labelled ? "" : " bare") + (marked ? " x" : ""));
-        EXPECT_DOUBLE_EQ(mark.y, 855 - mark.price);
+        EXPECT_NEAR(mark.y, 855 - mark.price, 1e-9);
     }
     EXPECT_THAT(found, ElementsAre("TP", "SL", "SELL 12 STP LMT bare", "BUY 2 LMT x", "SHORT 3 x"))
         << "a line near the edge has no room for a label";

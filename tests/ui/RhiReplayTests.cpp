@@ -130,7 +130,7 @@ TEST(RhiReplay, OnlyANewFrameGoesToTheGpuAndEachSlotGetsIt) {
     const QSize size(40, 30);
     OffscreenTarget target(size);
     ASSERT_NE(target.rhi, nullptr);
-    const int slots = target.rhi->resourceLimit(QRhi::FramesInFlight);
+    const int frameSlots = target.rhi->resourceLimit(QRhi::FramesInFlight);
     Recorded recorded;
     RhiReplay replay;
     std::uint64_t before = 0;
@@ -138,13 +138,13 @@ TEST(RhiReplay, OnlyANewFrameGoesToTheGpuAndEachSlotGetsIt) {
     // repaints until every slot has had its turn, then more of them that need nothing
     const auto repaint = [&](const Rgba& ground) {
         int uploading = 0;
-        for (int i = 0; i < slots + 6; ++i) {
+        for (int i = 0; i < frameSlots + 6; ++i) {
             expectPicture(target.paint(replay), ground);
             const bool uploaded = uploads() > 0;
             uploading += uploaded;
-            EXPECT_TRUE(!uploaded || i < slots + 1) << i;
+            EXPECT_TRUE(!uploaded || i < frameSlots + 1) << i;
         }
-        EXPECT_LE(uploading, slots);
+        EXPECT_LE(uploading, frameSlots);
         return uploading;
     };
     for (const Rgba& ground : {blue, green, blue}) {
