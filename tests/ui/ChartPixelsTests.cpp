@@ -53,17 +53,20 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
     ASSERT_EQ(ratio(), std::getenv("QT_SCALE_FACTOR") ? std::atof(std::getenv("QT_SCALE_FACTOR")) : 1.0);
     SceneData data(ui->bars(), {.strikes = 30, .minutes = 30, .bubbles = 2, .triangles = 2, .ratio = 10.0});
     data.config.initialCandles = ui->chart.config.initialCandles;
-    CpuChart expected;
-    ChartRenderer& renderer = expected.renderer;
+    CpuChart expected(&ui->account);
+    ChartRenderer& renderer = expected.view.renderer();
     for (const bool everything : {false, true}) {
         SCOPED_TRACE(everything ? "everything" : "bars alone");
         if (everything) {
             ui->showScene(data);
             ASSERT_TRUE(ui->settle());
-            data.give(renderer);
+            expected.view.setContent(data.content());
         } else {
-            renderer.setRenderConfig(ui->chart.config);
-            renderer.setCandles(ui->bars());
+            ChartContent barsAlone;
+            barsAlone.chart = 1;
+            barsAlone.look = &ui->chart.config;
+            barsAlone.candles = ui->bars();
+            expected.view.setContent(barsAlone);
         }
         const RecordedFrame frame = expected.frame(chart->size(), ratio());
         ASSERT_EQ(renderer.camera().viewport(), viewport());
