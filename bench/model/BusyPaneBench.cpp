@@ -10,9 +10,9 @@
 #include "bench/model/DerivedText.h"
 #include "bench/model/HandPane.h"
 #include "chart/ChartView.h"
+#include "gpu/FrameRecorder.h"
 #include "market/SessionLines.h"
 #include "tests/chart/FakeGlyphs.h"
-#include "tests/chart/RecordingGpu.h"
 #include "tests/support/StillAccount.h"
 
 namespace vmr {
@@ -106,10 +106,12 @@ struct BusyPane : bench::HandPane {
         settle();
         if (!std::exchange(due, false)) return;
         due = view.record(1400, 900, 1, clock.monotonic());
+        gpu.swapFrame(shown);
         ++frames;
     }
 
-    test::RecordingGpu gpu;
+    FrameRecorder gpu;
+    RecordedFrame shown;
     test::FakeGlyphs glyphs;
     test::StillAccount account{21050};
     RenderConfig look;
@@ -182,7 +184,7 @@ void busyOpen(benchmark::State& state) {
         }
     }
     const bool marked = std::ranges::any_of(
-        pane.gpu.draws, [](const auto& call) { return call.pipeline == Pipeline::marker && call.count > 0; });
+        pane.shown.draws, [](const auto& call) { return call.pipeline == Pipeline::marker && call.vertexCount > 0; });
     if (pane.model->overlays().hfLine.size() < 3000 || pane.frames == 0 || !marked ||
         pane.model->strikes->size() != 250)
         state.SkipWithError("something is missing");

@@ -5,7 +5,6 @@
 
 #include "chart/CandleGeometry.h"
 #include "chart/ChartRenderer.h"
-#include "chart/PipelineState.h"
 #include "perf/Perf.h"
 
 namespace vmr {
@@ -30,8 +29,7 @@ bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, do
     easing_.step(nowMonotonic);
 
     gpu_.beginFrame(width, height, pixelRatio);
-    setFlat(gpu_, {});
-    background_.draw(Primitive::triangles);
+    gpu_.clear(clearColor);
     const bool drawable = positive(width) && positive(height) && positive(pixelRatio);
     if (drawable) camera_.lastViewW = width;  // also without bars, so that the first ones find their margin
     const bool animating = drawable && !candles_.empty() && drawChart(width, height, pixelRatio);

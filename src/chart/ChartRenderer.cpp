@@ -16,16 +16,10 @@ ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock, Post post)
       clock_(clock),
       notices_(std::move(post), onViewport, onBarLabels),
       arena_(gpu),
-      background_(gpu),
       bars_(gpu),
       walls_(gpu),
       markers_(gpu),
-      overlays_(gpu) {
-    constexpr float corners[6][2] = {{-1, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, -1}, {1, 1}};
-    std::vector<ChartVertex> view;
-    for (const auto& corner : corners) view.push_back({{corner[0], corner[1], 0.0F, 1.0F}, clearColor});
-    background_.keep(view);
-}
+      overlays_(gpu) {}
 
 ChartRenderer::~ChartRenderer() = default;
 

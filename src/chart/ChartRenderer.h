@@ -185,7 +185,6 @@ class ChartRenderer {
     RenderConfig renderCfg_;
     Camera camera_;
     DataOrigin origin_;  ///< of all data-space geometry but the overlays'; moves only when all of it is rebuilt
-    KeptList background_;
     KeptCandles bars_;
     KeptWalls walls_;
     KeptMarkers markers_;
