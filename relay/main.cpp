@@ -41,11 +41,12 @@ void announce(const vmr::relay::PracticeRelay& relay, const vmr::relay::RelayCom
     print("VMR_IDENTITY_URL=" + relay.restUrl());
     print("VMR_SECURETOKEN_URL=" + relay.restUrl());
     print("VMR_API_KEY=" + relay.apiKey());
-    if (line.clock) print("VMR_CLOCK=" + vmr::momentText(clock.now()) + "@" + vmr::doubleText(clock.speed()));
+    if (line.clock) print("VMR_CLOCK=" + vmr::relay::momentText(clock.now()) + "@" + vmr::doubleText(clock.speed()));
     print("# account: " + relay.email() + "   password: " + relay.password());
     const auto now = static_cast<std::int64_t>(clock.now());
     if (!line.relay.tape && !line.relay.replay && !vmr::SessionTime().marketOpen(now, false)) {
-        print("# the market is closed at " + vmr::momentText(clock.now()) + "; --clock starts it at another moment");
+        print("# the market is closed at " + vmr::relay::momentText(clock.now()) +
+              "; --clock starts it at another moment");
     }
     print("# type help for the faults that can be made");
 }

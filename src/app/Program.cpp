@@ -52,7 +52,7 @@ void ProgramStart::choosePracticeClock() {
         if (options_.speed) options_.clock->speed = *options_.speed;
     } else if (!options_.clock) {
         const double now = SystemClock().now();
-        const double start = relay::practiceStart(now);
+        const double start = practiceStart(now);
         if (start != now) options_.clock = ClockSetting{start, 1};
     }
 }
