@@ -33,14 +33,15 @@ struct BusyPane : bench::HandPane {
         for (int i = 0; i < 5000; ++i) {
             const std::int64_t time = minute - (4999 - i) * 60;
             const double p = 21000 + (i * 37 % 400) * 0.25;
-            m.candles[static_cast<std::size_t>(i)] = {time, p, p + 3, p - 2, p + 0.25, 900};
-            m.secondaryCandles.push_back({time, p / 3, p / 3 + 1, p / 3 - 1, p / 3, 900});
-            m.vixCandles.push_back({time, 18, 18.1, 17.9, 18, 0});
-            m.hfByMin[time].c = (i % 401 - 200) * 1e6;
+            m.bars.candles[static_cast<std::size_t>(i)] = {time, p, p + 3, p - 2, p + 0.25, 900};
+            m.bars.secondaryCandles.push_back({time, p / 3, p / 3 + 1, p / 3 - 1, p / 3, 900});
+            m.bars.vixCandles.push_back({time, 18, 18.1, 17.9, 18, 0});
+            m.overlays.hfByMin[time].c = (i % 401 - 200) * 1e6;
         }
         for (int d = 0; d < 5; ++d) {
             const std::int64_t open = SessionLines::sessionOpenSec(minute - d * 86400, m.sessionHHMM());
-            m.srSessions[open] = {open, 21000, {{1, "", 21100, 0}, {2, "", 21200, 0}}, {{1, "", 20900, 0}}};
+            m.sessionLevels.srSessions[open] = {
+                open, 21000, {{1, "", 21100, 0}, {2, "", 21200, 0}}, {{1, "", 20900, 0}}};
         }
         std::vector<BubblePt> bubbles;
         std::vector<TrianglePt> triangles;
@@ -49,28 +50,26 @@ struct BusyPane : bench::HandPane {
             triangles.push_back(
                 {.minuteTs = minute - (i / 3) * 60, .strike = 518.0 + i % 13, .net = 5, .minuteMax = 9});
         }
-        m.bubblePts = bubbles;
-        m.trianglePts = triangles;
+        m.markers.bubblePts = bubbles;
+        m.markers.trianglePts = triangles;
         RenderConfig look;
         look.gexEnabled = look.gexLabels = look.dexEnabled = look.dexLabels = look.waveEnabled = look.oiEnabled = true;
         renderer.setRenderConfig(look);
-        RendererBridge bridge;
-        bridge.setOverlayGeometry = [this](const OverlayLists& lists) { renderer.setOverlayGeometry(lists); };
-        m.setRendererBridge(std::move(bridge));
         renderer.addScreenLayer(labels);
         renderer.addScreenLayer(axes);
         renderer.onNeedsDisplay = [this] { due = true; };
-        links.push_back(m.displayCandles.changed.connect([this] { renderer.setCandles(model->displayCandles.get()); }));
+        links.push_back(
+            m.bars.displayCandles.changed.connect([this] { renderer.setCandles(model->bars.displayCandles.get()); }));
         receive(bench::derivedFrame(250, 15, 0));
     }
 
     // As the window does it: the renderer finds what differs.
     void show() {
         const auto& m = *model;
-        renderer.setLevels(m.levels.get());
-        renderer.setStrikes(m.strikes.get(), m.etfRatio, m.gammaFlipStrike);
-        renderer.setSecStrikes(m.strikes.get(), m.etfRatio);
-        renderer.setBubbles(m.bubblePts.get(), m.trianglePts.get());
+        renderer.setLevels(m.options.levels.get());
+        renderer.setStrikes(m.options.strikes.get(), m.options.etfRatio, m.options.gammaFlipStrike);
+        renderer.setSecStrikes(m.options.strikes.get(), m.options.etfRatio);
+        renderer.setBubbles(m.markers.bubblePts.get(), m.markers.trianglePts.get());
     }
 
     void frame() {
@@ -155,8 +154,8 @@ void busyOpen(benchmark::State& state) {
     }
     const bool marked = std::ranges::any_of(
         pane.gpu.draws, [](const auto& call) { return call.pipeline == Pipeline::marker && call.count > 0; });
-    if (pane.model->overlays().hfLine.size() < 3000 || pane.frames == 0 || !marked ||
-        pane.model->strikes->size() != 250)
+    if (pane.model->overlays.series().hfLine.size() < 3000 || pane.frames == 0 || !marked ||
+        pane.model->options.strikes->size() != 250)
         state.SkipWithError("something is missing");
     state.counters["core_share"] = used / second;
     state.counters["to_bare_parse"] = used / second / bare;

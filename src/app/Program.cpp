@@ -3,11 +3,13 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/BenchConfig.h"
 #include "model/StateDocument.h"
 #include "perf/Perf.h"
 #include "relay/Tape.h"
 #include "services/net/BeastWebSocket.h"
 #include "sim/SimStore.h"
+#include "store/ConfigIO.h"
 
 namespace vmr {
 
@@ -90,19 +92,24 @@ Program::Program(ProgramStart& start, MainLoop& main)
       http_(main),
       auth_(start.endpoints(), http_, preferences_, start.clock()) {
     openAccount();
-    PaneSurroundings surroundings{start_.clock(),
-                                  main_,
-                                  preferences_,
-                                  auth_,
-                                  session_,
-                                  ids_,
-                                  [this] { return makeRelay(); },
-                                  &Program::print,
-                                  {},
-                                  sim_.get(),
-                                  &Perf::shared(),
-                                  start_.options().bench};
+    PaneSurroundings surroundings{.clock = start_.clock(),
+                                  .main = main_,
+                                  .preferences = preferences_,
+                                  .auth = auth_,
+                                  .session = session_,
+                                  .ids = ids_,
+                                  .hfScales = hfScales_,
+                                  .makeRelay = [this] { return makeRelay(); },
+                                  .print = &Program::print,
+                                  .sim = sim_.get(),
+                                  .perf = &Perf::shared(),
+                                  .rebuildInDrags = start_.options().bench.baseline};
     if (start_.options().headless) surroundings.printMessage = &Program::print;
+    if (start_.options().bench.bench) {
+        surroundings.config = everythingOn(ConfigIO::load(preferences_));
+        surroundings.saveSettings = false;
+        print("[bench] config forced — all overlays + oscillator ON");
+    }
     pane_ = std::make_unique<AppModel>(std::move(surroundings));
     for (const std::string& line : std::exchange(accountNotices_, {})) tellOfAccount(line);
     if (!start_.options().tapeSymbol.empty()) pane_->setFirstSymbol(start_.options().tapeSymbol);
@@ -125,8 +132,8 @@ void Program::openAccount() {
 void Program::tellOfAccount(const std::string& line) {
     if (!pane_) return accountNotices_.push_back(line);
     print("[sim] " + line);
-    pane_->append(line);
-    pane_->flashToast("Simulator", line);
+    pane_->log.append(line);
+    pane_->notices.flashToast("Simulator", line);
 }
 
 Program::~Program() {

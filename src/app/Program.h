@@ -86,6 +86,7 @@ class Program {
     FirebaseRESTAuth auth_;
     SessionTime session_;
     UuidSource ids_;
+    HfScales hfScales_;                   // of all panes
     std::list<AsioThread> relayThreads_;  // one for each pane's connection
     AsioThread files_{"velmora.files"};   // writes the paper account
     std::unique_ptr<SimEngine> sim_;

@@ -80,14 +80,12 @@ ShellCommands::Answer ShellCommands::open(std::string_view rest) {
     const std::string levels = word(rest);
     if (candles.empty() || !rest.empty()) return "error: open needs CANDLE_CHANNEL [DERIVED_CHANNEL]";
     program_.pane().openChart(candles, levels);
-    return "ok open " + program_.pane().chartChannel.get();
+    return "ok open " + program_.pane().channels->chartChannel;
 }
 
 ShellCommands::Answer ShellCommands::symbol(const std::string& sym) {
     AppModel& pane = program_.pane();
-    const auto stocks = pane.stockList();
-    const bool known = std::find(stocks.begin(), stocks.end(), sym) != stocks.end() || pane.effectiveContract(sym);
-    if (!known) return "error: unknown symbol " + sym;
+    if (!pane.catalog.isStock(sym) && !pane.catalog.effectiveContract(sym)) return "error: unknown symbol " + sym;
     pane.switchSymbol(sym);
     return "ok symbol " + sym;
 }
@@ -96,12 +94,12 @@ ShellCommands::Answer ShellCommands::timeframe(const std::string& minutes) {
     const auto value = parseInt(minutes);
     if (!value) return "error: timeframe needs a whole number of minutes";
     program_.pane().setTimeframe(*value);
-    return "ok timeframe " + std::to_string(program_.pane().timeframe.get());
+    return "ok timeframe " + std::to_string(program_.pane().bars.timeframe.get());
 }
 
 ShellCommands::Answer ShellCommands::expiration(const std::string& iso) {
     AppModel& pane = program_.pane();
-    const auto& offered = pane.futureExps.get();
+    const auto& offered = pane.options.futureExps.get();
     if (std::find(offered.begin(), offered.end(), iso) == offered.end())
         return "error: no such expiration on offer: " + iso;
     pane.setExpiration(iso);
@@ -136,10 +134,10 @@ void ShellCommands::signIn(std::string_view rest) {
     AppModel& pane = program_.pane();
     if (password.empty() || (!last.empty() && last != "forget") || !rest.empty())
         return Program::print("[cmd] error: sign-in needs EMAIL PASSWORD [forget]");
-    if (pane.signingIn) return Program::print("[cmd] error: a sign-in is running");
+    if (pane.session.signingIn) return Program::print("[cmd] error: a sign-in is running");
     pane.signIn(email, password, last.empty(), [&pane, email](bool ok) {
         Program::print(ok ? "[cmd] ok signed in as " + email
-                          : "[cmd] error: " + pane.authError->value_or("sign-in failed"));
+                          : "[cmd] error: " + pane.session.authError->value_or("sign-in failed"));
     });
 }
 

@@ -24,7 +24,6 @@ class TestPane {
     static constexpr double wednesdayAt10 = 1781100000;
 
     explicit TestPane(double start = wednesdayAt10, double speed = 1) : time(start, speed) {
-        AppModel::hfScaleOverrides().clear();
         RelayClient::setPrinter([](const std::string&) {});
         http.responder = [this](const HttpRequest&) { return grant(); };
         queue.every(5, 10, [this] {  // the server answers pings
@@ -50,9 +49,16 @@ class TestPane {
         const auto relay = [this] {
             return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time);
         };
-        return {time,    main, preferences, auth,
-                session, ids,  relay,       [this](const std::string& line) { printed.push_back(line); },
-                {},      sim};
+        return {.clock = time,
+                .main = main,
+                .preferences = preferences,
+                .auth = auth,
+                .session = session,
+                .ids = ids,
+                .hfScales = hfScales,
+                .makeRelay = relay,
+                .print = [this](const std::string& line) { printed.push_back(line); },
+                .sim = sim};
     }
     template <class... Restore>
     AppModel& make(const Restore&... restore) {
@@ -97,14 +103,14 @@ class TestPane {
     /// The log's texts since the last call.
     std::vector<std::string> takeLog() {
         std::vector<std::string> texts;
-        for (const LogLine& line : std::exchange(model->logLines, {})) texts.push_back(line.text);
+        for (const LogLine& line : std::exchange(model->log.logLines, {})) texts.push_back(line.text);
         return texts;
     }
     /// The pane's state but for its log.
     std::string documentWithoutLog() {
-        auto lines = std::exchange(model->logLines, {});
+        auto lines = std::exchange(model->log.logLines, {});
         auto text = stateDocument(time, {model.get()});
-        model->logLines = std::move(lines);
+        model->log.logLines = std::move(lines);
         return text;
     }
 
@@ -117,6 +123,7 @@ class TestPane {
     FirebaseRESTAuth auth{Endpoints{}, http, preferences, time};
     SessionTime session;
     UuidSource ids{1};
+    HfScales hfScales;
     std::vector<std::string> printed;
     int tokens = 0;
     SimEngine* sim = nullptr;  ///< to be set before the pane is made
@@ -128,6 +135,15 @@ class PaneFixture : public testing::Test, public TestPane {
  protected:
     /// The whole minute in which the test starts.
     static constexpr std::int64_t minute = static_cast<std::int64_t>(wednesdayAt10);
+};
+
+/// A chart that shows nothing: it counts how often it was told.
+struct StillChart final : ChartPort {
+    void contentChanged() override { ++told; }
+    bool interacting() const override { return dragged; }
+    std::optional<Viewport> viewport() const override { return std::nullopt; }
+    int told = 0;
+    bool dragged = false;
 };
 
 /// JSON of bars, one a minute from `start` (seconds), all prices `price` and volume 1.
