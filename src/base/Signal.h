@@ -73,9 +73,7 @@ class Signal {
  public:
     Signal() = default;
     /// Notices wait while the gate is closed; null for no gate.
-    explicit Signal(NoticeGate* gate)
-        requires(sizeof...(Args) == 0)
-        : gate_(gate) {}
+    explicit Signal(NoticeGate* gate) requires(sizeof...(Args) == 0) : gate_(gate) {}
 
     [[nodiscard]] Connection connect(std::function<void(Args...)> handler) {
         auto alive = std::make_shared<bool>(true);
