@@ -46,8 +46,6 @@ class AppModel final : public ChartSource {
     PaneWork work_;
 
  public:
-    static constexpr int maxLive = 4;
-
     /// Loads the settings and, with a stored session, starts to connect. `restore` is the pane to open on first
     /// connect.
     explicit AppModel(PaneSurroundings surroundings, std::optional<PaneState> restore = std::nullopt);
@@ -78,6 +76,8 @@ class AppModel final : public ChartSource {
                 std::function<void(bool)> done = {}) {
         session.signIn(email, password, remember, std::move(done));
     }
+    /// Enters the session that the process has, and connects with it; the constructor does so where there is one.
+    void startStoredSession() { session.startStoredSession(); }
     /// Disconnects and forgets the session; the chart and its data stay, the log goes.
     void signOut();
     /// Ends the pane: timers and connection. Nothing starts again afterwards. Safe to call twice.

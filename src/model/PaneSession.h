@@ -30,6 +30,8 @@ class PaneSession {
     /// Once, before anything else. Of `callbacks` it takes those of messages and log lines, the rest are its own;
     /// `onConnected` is called after the fields have changed. With a stored session it begins to connect.
     void start(RelayClient::Callbacks callbacks, std::function<void()> onConnected);
+    /// Enters the session that the process has, and connects with it.
+    void startStoredSession();
     /// Signs in and connects; `done` (may be empty) gets whether it worked, after the fields have changed.
     void signIn(const std::string& email, const std::string& password, bool remember,
                 std::function<void(bool)> done = {});
@@ -44,7 +46,6 @@ class PaneSession {
     void end() { relay_.reset(); }
 
  private:
-    void startStoredSession();
     void connectRelay();
     TokenProvider tokenProvider();
 

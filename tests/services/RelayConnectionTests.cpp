@@ -13,11 +13,7 @@ using testing::IsEmpty;
 
 class RelayConnection : public testing::Test {
  protected:
-    void SetUp() override {
-        RelayClient::setPrinter([](const std::string&) {});
-        client->setCallbacks(callbacks());
-    }
-    void TearDown() override { RelayClient::setPrinter(nullptr); }
+    void SetUp() override { client->setCallbacks(callbacks()); }
 
     RelayClient::Callbacks callbacks() {
         RelayClient::Callbacks made;
