@@ -9,12 +9,11 @@
 
 #include "bench/model/DerivedText.h"
 #include "bench/model/HandPane.h"
-#include "chart/AxisLayer.h"
-#include "chart/BarLabelLayer.h"
-#include "chart/ChartRenderer.h"
+#include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
 #include "market/SessionLines.h"
 #include "tests/chart/FakeGlyphs.h"
+#include "tests/support/StillAccount.h"
 
 namespace vmr {
 namespace {
@@ -28,7 +27,8 @@ struct BusyPane : bench::HandPane {
         GexConfig on = m.config;
         on.showSecondary = on.vixEnabled = on.hfEnabled = on.vwapEnabled = on.vwapNyEnabled = on.ema1Enabled = true;
         on.ema2Enabled = on.sessionEnabled = on.levelsEnabled = on.showOpen = on.showPrev = true;
-        on.gexEnabled = on.dexEnabled = on.hfLateralEnabled = on.oiEnabled = on.gexBubbles = on.hfBubbles = true;
+        on.gexEnabled = on.gexLabels = on.dexEnabled = on.dexLabels = on.hfLateralEnabled = on.oiEnabled =
+            on.gexBubbles = on.hfBubbles = true;
         m.setConfig(on);
         for (int i = 0; i < 5000; ++i) {
             const std::int64_t time = minute - (4999 - i) * 60;
@@ -52,43 +52,32 @@ struct BusyPane : bench::HandPane {
         }
         m.markers.bubblePts = bubbles;
         m.markers.trianglePts = triangles;
-        RenderConfig look;
-        look.gexEnabled = look.gexLabels = look.dexEnabled = look.dexLabels = look.waveEnabled = look.oiEnabled = true;
-        renderer.setRenderConfig(look);
-        renderer.addScreenLayer(labels);
-        renderer.addScreenLayer(axes);
-        renderer.onNeedsDisplay = [this] { due = true; };
-        links.push_back(
-            m.bars.displayCandles.changed.connect([this] { renderer.setCandles(model->bars.displayCandles.get()); }));
+        // the second source's bars are drawn too
+        strikesChanged = m.options.strikes.changed.connect([&m] { m.options.secStrikes = m.options.strikes.get(); });
+        view.onNeedsFrame = [this] { due = true; };
+        view.setSource(&m);
+        m.setChartPort(&view);
         receive(bench::derivedFrame(250, 15, 0));
     }
-
-    // As the window does it: the renderer finds what differs.
-    void show() {
-        const auto& m = *model;
-        renderer.setLevels(m.options.levels.get());
-        renderer.setStrikes(m.options.strikes.get(), m.options.etfRatio, m.options.gammaFlipStrike);
-        renderer.setSecStrikes(m.options.strikes.get(), m.options.etfRatio);
-        renderer.setBubbles(m.markers.bubblePts.get(), m.markers.trianglePts.get());
+    ~BusyPane() {
+        model->setChartPort(nullptr);
+        view.setSource(nullptr);
     }
 
     void frame() {
-        show();
+        settle();
         if (!std::exchange(due, false)) return;
-        due = renderer.drawFrame(1400, 900, 1, clock.monotonic());
+        due = view.record(1400, 900, 1, clock.monotonic());
         gpu.swapFrame(shown);
         ++frames;
-        while (!posted.empty()) std::exchange(posted, {}).front()();
     }
 
     FrameRecorder gpu;
     RecordedFrame shown;
     test::FakeGlyphs glyphs;
-    BarLabelLayer labels{glyphs};
-    AxisLayer axes{glyphs, session};
-    std::vector<std::function<void()>> posted;
-    ChartRenderer renderer{gpu, clock, [this](std::function<void()> task) { posted.push_back(std::move(task)); }};
-    std::vector<Connection> links;
+    test::StillAccount account{21050};
+    ChartView view{{gpu, glyphs, session, clock, main, nullptr, &account}};
+    Connection strikesChanged;
     bool due = true;
     int frames = 0;
 };

@@ -1,6 +1,5 @@
 #include "ui/pane/PaneBinding.h"
 
-#include "chart/OverlayGeometry.h"
 #include "model/AppModel.h"
 #include "sim/SimEngine.h"
 
@@ -80,44 +79,25 @@ void PaneBinding::copyFields() {
     view_.setFields(std::move(out));
 }
 
-void PaneBinding::makeOverlays() {
-    using namespace OverlayGeometry;
-    const ChartContent content = model_.chartContent();
-    const OverlaySet& series = *content.overlays;
-    const OverlayStyle& style = content.overlayStyle;
-    OverlayLists& out = overlays_;
-    const std::uint64_t revision = out.sessionRevision;
-    out = {};
-    out.sessionRevision = revision + 1;
-    ++overlayRevision_;
-    if (content.candles.size() < 2) return;
-    out.origin = {static_cast<double>(content.candles.size() - 1), content.candles.back().close};
-    polyline(out.lines, series.vwapMain, 2.0, {1.0F, 0.843F, 0.0F, 1.0F}, std::nullopt, out.origin);
-    polyline(out.lines, series.vwapNY, 1.0, {1.0F, 0.902F, 0.502F, 1.0F}, Dash{0.5, 0.4}, out.origin);
-    polyline(out.lines, series.vixLine, 2.0, {0.353F, 0.82F, 0.749F, 1.0F}, std::nullopt, out.origin);
-    polyline(out.lines, series.ema1, 1.5, style.ema1Color, std::nullopt, out.origin);
-    polyline(out.lines, series.ema2, 1.5, style.ema2Color, std::nullopt, out.origin);
-    const auto flow = static_cast<float>(style.hfLineOpacity);
-    hfPolyline(out.lines, series.hfLine, 2.0, {0, 0.588F, 1, flow}, {1, 0.314F, 0.314F, flow}, out.origin);
-    secondCandles(out.second, out.secondBorders, series.secondCandles, out.origin);
-    std::vector<OverlayLine> shown;
-    for (const OverlayLine& line : content.srLines)
-        if (line.label == "Open" ? style.showOpen : line.label.starts_with("Prev") ? style.showPrev : style.showLevels)
-            shown.push_back(line);
-    srLines(out.sessionLines, shown, content.candles, style.lineOpacity, out.origin);
-}
-
 void PaneBinding::contentChanged() {
     const ChartContent content = model_.chartContent();
     ChartContent::Revisions of = content.revisions;
     of.candles = of.levels = of.strikes = of.secStrikes = of.markers = 0;
-    if (overlaysOf_ != of || chart_ != content.chart) makeOverlays();
+    if (!overlays_ || overlaysOf_ != of || chart_ != content.chart) {
+        overlays_ = &ribbons_.make({.series = content.overlays,
+                                    .lines = content.srLines,
+                                    .linesRevision = content.revisions.srLines,
+                                    .style = content.overlayStyle,
+                                    .candles = content.candles,
+                                    .timeframe = content.timeframe});
+        ++overlayRevision_;
+    }
     overlaysOf_ = of;
     chart_ = content.chart;
     view_.setChart({.candles = &model_.bars.displayCandles.get(),
                     .config = *content.look,
                     .sessionHHMM = content.sessionHHMM,
-                    .overlays = &overlays_,
+                    .overlays = overlays_,
                     .overlayRevision = overlayRevision_,
                     .levels = &model_.options.levels.get(),
                     .strikes = &model_.options.strikes.get(),

@@ -7,7 +7,7 @@
 #include "base/Signal.h"
 #include "chart/ChartContent.h"
 #include "chart/ChartPort.h"
-#include "chart/OverlayLists.h"
+#include "chart/OverlayRibbons.h"
 #include "ui/pane/PaneViewModel.h"
 
 namespace vmr {
@@ -33,13 +33,13 @@ class PaneBinding final : public ChartPort {
  private:
     void watch();
     void copyFields();
-    void makeOverlays();
 
     AppModel& model_;
     PaneViewModel& view_;
     QString setupProblem_, signInHint_;
     std::optional<Viewport> viewport_;
-    OverlayLists overlays_;  // its memory is used again
+    OverlayRibbons ribbons_;
+    const OverlayLists* overlays_ = nullptr;
     std::uint64_t overlayRevision_ = 0;
     std::uint64_t chart_ = 0;
     ChartContent::Revisions overlaysOf_;
