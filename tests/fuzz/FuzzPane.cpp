@@ -5,7 +5,7 @@
 
 #include "FuzzEntry.h"
 #include "base/Json.h"
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::fuzz {
 namespace {

@@ -3,7 +3,7 @@
 #include <random>
 
 #include "model/PlainBars.h"
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

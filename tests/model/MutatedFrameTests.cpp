@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <random>
 
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

@@ -1,7 +1,7 @@
 // A pane's data beside its steps: what the clock adds, what is prepared elsewhere, held back, coalesced or sampled.
 #include <array>
 
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

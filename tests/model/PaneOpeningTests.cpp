@@ -1,5 +1,5 @@
 // Opening a chart as those see it who listen to the pane.
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

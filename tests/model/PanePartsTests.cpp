@@ -11,7 +11,7 @@
 #include "model/PaneLog.h"
 #include "model/SessionLevels.h"
 #include "model/Surface3D.h"
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 namespace {

@@ -1,5 +1,5 @@
 // Signing in and out, the first connect and later ones, and the pane's end.
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

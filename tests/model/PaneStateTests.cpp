@@ -2,8 +2,8 @@
 #include <cmath>
 
 #include "market/Roots.h"
-#include "model/TestPane.h"
 #include "sim/SimEngine.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <set>
 #include <sstream>
 
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

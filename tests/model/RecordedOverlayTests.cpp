@@ -1,7 +1,7 @@
 // A recorded practice session over a weekend and a clock change: every overlay series against the plain computation.
 #include "model/PlainOverlays.h"
 #include "model/RecordedMarket.h"
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

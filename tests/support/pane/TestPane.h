@@ -11,10 +11,10 @@
 #include "market/SessionTime.h"
 #include "model/AppModel.h"
 #include "model/StateDocument.h"
-#include "services/FakeHttpClient.h"
-#include "services/FakeWebSocket.h"
-#include "support/SyntheticMarket.h"
-#include "support/TestTime.h"
+#include "support/market/SyntheticMarket.h"
+#include "support/pane/FakeHttpClient.h"
+#include "support/pane/FakeWebSocket.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 
