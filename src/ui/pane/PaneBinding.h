@@ -5,8 +5,9 @@
 #include <vector>
 
 #include "base/Signal.h"
-#include "chart/RenderConfig.h"
-#include "store/GexConfig.h"
+#include "chart/ChartContent.h"
+#include "chart/ChartPort.h"
+#include "chart/OverlayRibbons.h"
 #include "ui/pane/PaneViewModel.h"
 
 namespace vmr {
@@ -14,30 +15,34 @@ namespace vmr {
 class AppModel;
 class SimEngine;
 
-/// The look of the chart that the settings ask for.
-RenderConfig renderConfig(const GexConfig& config);
-
 /// Copies `model` into `view` whenever it changes, and hands the view's gestures to the model, until destroyed. Both
 /// must outlive it. Main thread.
-class PaneBinding {
+class PaneBinding final : public ChartPort {
  public:
     /// `sim` is the account whose lines the chart shows; null for none.
     PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem, const std::string& signInHint,
                 SimEngine* sim = nullptr);
-    ~PaneBinding();
+    ~PaneBinding() override;
     PaneBinding(const PaneBinding&) = delete;
     PaneBinding& operator=(const PaneBinding&) = delete;
+
+    void contentChanged() override;
+    bool interacting() const override { return view_.interacting(); }
+    std::optional<Viewport> viewport() const override { return viewport_; }
 
  private:
     void watch();
     void copyFields();
-    void copyChart();
 
     AppModel& model_;
     PaneViewModel& view_;
     QString setupProblem_, signInHint_;
+    std::optional<Viewport> viewport_;
+    OverlayRibbons ribbons_;
     const OverlayLists* overlays_ = nullptr;
     std::uint64_t overlayRevision_ = 0;
+    std::uint64_t chart_ = 0;
+    ChartContent::Revisions overlaysOf_;
     std::vector<Connection> connections_;
 };
 
