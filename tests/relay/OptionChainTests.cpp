@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 
@@ -65,6 +67,111 @@ TEST(OptionChain, EverySourceAddsUp) {
         for (const json& row : all["gexByStrike"])
             for (const char* key : sums) EXPECT_EQ(row[key], sum[row["strike"]][key]) << name << row["strike"] << key;
     }
+}
+
+struct ChainAt {
+    ChainAt(DerivedBench& bench, const char* name, const char* moment)
+        : source(*findOptionSource(name)), nowMs(static_cast<std::int64_t>(*parseMoment(moment) * 1000)) {
+        session = bench.market.session(source.instrument(), nowMs / 1000, nowMs);
+        price = bench.market.path(source.instrument()).at(nowMs)->price;
+        flow = bench.market.flow(source, *session, price, nowMs);
+        chain = &bench.chains.chain(source, *session);
+    }
+    ChainState state(double atPrice) const {
+        ChainState made;
+        chain->state(atPrice, nowMs, flow, made);
+        return made;
+    }
+    const OptionSource& source;
+    std::int64_t nowMs;
+    const MarketSession* session;
+    double price;
+    OptionFlow flow;
+    const OptionChain* chain;
+};
+
+TEST(OptionChain, ExposuresAreThoseOfOneModel) {
+    DerivedBench bench;
+    for (const char* name : {"SPX", "USO", "NVDA"}) {
+        const ChainAt at(bench, name, "2026-06-10T12:00:00");
+        const ChainState here = at.state(at.price), above = at.state(at.price * 1.0001),
+                         below = at.state(at.price * 0.9999);
+        for (std::size_t e : {std::size_t{0}, here.byExpiration.size() - 1}) {
+            double lastDelta = 1;
+            for (std::size_t i = 0; i < here.byExpiration[e].rows.size(); ++i) {
+                const StrikeSums& row = here.byExpiration[e].rows[i];
+                const auto calls = static_cast<double>(row.callOI), puts = static_cast<double>(row.putOI);
+                if (calls < 50 || puts < 50) continue;
+                const double shares = 100 * here.spot;
+                const double delta = static_cast<double>(row.callDex) / calls / shares;
+                EXPECT_NEAR(delta - static_cast<double>(row.putDex) / puts / shares, 1, 1e-3) << name << i;
+                EXPECT_LT(delta, lastDelta + 1e-3) << name << " falls with the strike " << i;
+                lastDelta = delta;
+                const auto deltaOf = [&](const ChainState& state) {
+                    return static_cast<double>(state.byExpiration[e].rows[i].callDex) / calls / 100 / state.spot;
+                };
+                // dollars of delta that a move of 1% adds
+                const double gamma = (deltaOf(above) - deltaOf(below)) / 0.0002 * 0.01 * shares;
+                EXPECT_NEAR(static_cast<double>(row.callGex) / calls, gamma, 0.02 * gamma + 2) << name << i;
+                EXPECT_NEAR(static_cast<double>(row.putGex) / puts, gamma, 0.02 * gamma + 2) << name << i;
+            }
+        }
+        std::vector<double> gammas, flows;
+        at.chain->netGamma(at.price, at.nowMs, gammas);
+        at.chain->netFlow(at.price, at.nowMs, at.flow, flows);
+        ASSERT_EQ(gammas.size(), here.all.rows.size());
+        double sum = 0;
+        for (std::size_t i = 0; i < gammas.size(); ++i) {
+            EXPECT_NEAR(gammas[i], static_cast<double>(here.all.rows[i].netGex()), 60) << name << i;
+            sum += flows[i];
+        }
+        EXPECT_NEAR(sum, at.flow.net(), 1e-6 * std::abs(at.flow.call));
+        const StrikeSums total = totalOf(here.all);
+        EXPECT_NEAR(static_cast<double>(total.callHf), at.flow.call, 2000) << name;
+        EXPECT_NEAR(static_cast<double>(total.putHf), at.flow.put, 2000) << name;
+    }
+}
+
+TEST(OptionChain, ListsThreeWeeksOfDatesWhoseInterestOutlivesTheDay) {
+    DerivedBench bench;
+    const ChainAt daily(bench, "QQQ", "2026-06-10T12:00:00"), weekly(bench, "TSLA", "2026-06-10T12:00:00"),
+        evening(bench, "QQQ", "2026-06-10T18:30:00");
+    EXPECT_EQ(daily.chain->expirations().size(), 15u);
+    EXPECT_EQ(daily.chain->expirations().front(), "2026-06-10");
+    EXPECT_EQ(daily.chain->expirations().back(), "2026-06-30");
+    EXPECT_EQ(weekly.chain->expirations(), (std::vector<std::string>{"2026-06-12", "2026-06-19", "2026-06-26"}));
+    EXPECT_EQ(evening.chain->expirations().front(), "2026-06-11") << "the next day's session";
+    EXPECT_NE(evening.chain->ratio(), daily.chain->ratio());
+    EXPECT_NEAR(evening.chain->ratio() / 41.2, 1, 0.002);
+
+    const ChainState today = daily.state(daily.price), tomorrow = evening.state(evening.price);
+    const auto interest = [](const ChainAt& at, const ChainState& state, std::size_t date) {
+        std::map<double, double> calls;
+        const StrikeTable& table = state.byExpiration[date];
+        for (std::size_t i = 0; i < table.rows.size(); ++i)
+            calls[at.chain->strikes()[table.first + i]] = static_cast<double>(table.rows[i].callOI);
+        return calls;
+    };
+    const auto before = interest(daily, today, 2), after = interest(evening, tomorrow, 1);  // both of Friday
+    double change = 0, compared = 0;
+    for (const auto& [strike, open] : before) {
+        if (open < 500 || !after.contains(strike)) continue;
+        change += std::abs(after.at(strike) / open - 1);
+        ++compared;
+    }
+    ASSERT_GE(compared, 30);
+    EXPECT_GT(change, 0);
+    EXPECT_LT(change / compared, 0.4) << "a little of it changes from day to day";
+
+    const ChainAt close(bench, "QQQ", "2026-06-10T15:59:00"), opening(bench, "QQQ", "2026-06-10T09:31:00");
+    const auto peak = [](const ChainState& state, std::size_t date) {
+        std::int64_t most = 0;
+        for (const StrikeSums& row : state.byExpiration[date].rows) most = std::max(most, row.callGex);
+        return static_cast<double>(most);
+    };
+    const ChainState late = close.state(daily.price), early = opening.state(daily.price);
+    EXPECT_GT(peak(late, 0) / peak(early, 0), 2) << "gamma grows towards the close of its day";
+    EXPECT_NEAR(peak(late, 14) / peak(early, 14), 1, 0.05) << "and hardly weeks before";
 }
 
 }  // namespace
