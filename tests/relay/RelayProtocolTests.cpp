@@ -3,8 +3,6 @@
 
 #include "base/Json.h"
 #include "market/CandleParser.h"
-#include "relay/BarBook.h"
-#include "relay/MarketTime.h"
 #include "relay/RelayProbe.h"
 
 namespace vmr::relay {
@@ -69,47 +67,6 @@ TEST_F(RelayProtocol, SnapshotsComeInOrderAndInEveryShape) {
     }
     EXPECT_LT(snapshots["futures:NQM6:quote"]["bid"], snapshots["futures:NQM6:quote"]["ask"]);
     EXPECT_EQ(snapshots["meta:instruments"]["catalog"]["futures"].size(), 6u);
-}
-
-TEST_F(RelayProtocol, LiveTradesContinueTheSnapshotOfEarlyAndLateSubscribersExactly) {
-    const auto first = greeted(), second = greeted();
-    first->subscribe({"futures:ESM6:trades", "futures:ESM6", "futures:ESM6:1m"});
-    auto bars = parsed(first->next("snapshot", "futures:ESM6")["data"]);
-    clock.advance(17.3);
-    second->subscribe({"futures:ESZ6", "futures:ESZ6:trades"});
-    auto others = parsed(second->next("snapshot", "futures:ESZ6")["data"]);
-
-    const auto apply = [](std::vector<Candle>& series, const json& events) {
-        for (const json& event : events) {
-            const Trade trade{event["ts"], event["price"], event["size"], 0, 0};
-            std::optional<Candle> bar;
-            if (series.back().time == minuteOf(trade.timeMs)) {
-                bar = series.back();
-                series.pop_back();
-            }
-            addTrade(bar, minuteOf(trade.timeMs), trade);
-            series.push_back(*bar);
-        }
-    };
-    const auto end = static_cast<std::int64_t>(*parseMoment("2026-06-10T10:04:00"));
-    for (std::int64_t lastClosed = 0; lastClosed < end - 60;) {
-        if (clock.now() < static_cast<double>(end)) clock.advance(13.7);
-        const json message = json::parse(first->read());
-        if (message["type"] == "batch") apply(bars, message["events"]);
-        if (message["type"] != "event") continue;
-        const auto closed = parsed(message["payload"]);
-        ASSERT_EQ(closed.size(), 1u);
-        EXPECT_EQ(closed[0], bars.back()) << "the closed bar is that of the trades before it";
-        lastClosed = closed[0].time;
-    }
-    while (others.back().time < end) apply(others, second->next("batch", "futures:ESZ6:trades")["events"]);
-    const auto ledger = relay->ledger("futures:ESM6");
-    for (auto* series : {&bars, &others}) {
-        while (series->back().time >= end) series->pop_back();
-        ASSERT_GE(ledger.size(), series->size());
-        EXPECT_TRUE(std::equal(series->begin(), series->end(), ledger.begin()));
-        EXPECT_EQ(series->back().time, end - 60);
-    }
 }
 
 struct RelayStart : test::RunningRelay {
