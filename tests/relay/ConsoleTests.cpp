@@ -14,8 +14,10 @@ struct RelayConsole : test::RunningRelay {};
 
 TEST_F(RelayConsole, AnswersEveryLine) {
     const auto idle = greeted(), busy = greeted();
-    busy->subscribe({"futures:ESM6", "derived:SPY"});
+    busy->subscribe({"futures:ESM6", "stocks:AAPL", "derived:SPY"});
     EXPECT_TRUE(busy->next("snapshot", "derived:SPY").is_object());
+    busy->send(R"({"action":"unsubscribe","channels":["stocks:AAPL"]})");
+    EXPECT_TRUE(busy->answers());
     struct Case {
         const char* answer;
         std::vector<const char*> lines;
@@ -47,6 +49,7 @@ TEST_F(RelayConsole, AnswersEveryLine) {
              {"ok 0.5", {"delay 0.5"}},
              {"ok 2 sockets, 2 channels, mute off, stall on, refuse off, delay 0.5, time 1781100020", {"status"}},
              {"ok dropped 2 sockets", {"drop"}},
+             {"ok 0 sockets, 0 channels, mute off, stall on, refuse off, delay 0.5, time 1781100020", {"status"}},
              {"ok closing 0 sockets", {"close 4001"}},
          })
         for (const char* line : lines) EXPECT_EQ(relay->command(line), answer) << line;

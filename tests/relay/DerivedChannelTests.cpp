@@ -163,7 +163,7 @@ TEST(DerivedChannels, MinutesFollowFromTheChainAndTheFlow) {
 TEST(DerivedChannels, EventsGoToTheirOwnSourceOnly) {
     DerivedBench bench;
     test::Inbox inbox;
-    bench.hub.subscribe(inbox, {"derived:QQQ", "derived:AAPL", "derived:osc:NDX"}, ms("2026-06-10T16:00:30"));
+    bench.hub.subscribe(inbox, {"derived:QQQ", "derived:AAPL", "derived:gexBubbles:NDX"}, ms("2026-06-10T16:00:30"));
     inbox.messages.clear();
     for (std::int64_t now = ms("2026-06-10T16:00:30"); now <= ms("2026-06-10T16:01:10"); now += 500)
         bench.hub.tick(now);
@@ -174,7 +174,8 @@ TEST(DerivedChannels, EventsGoToTheirOwnSourceOnly) {
     bench.hub.unsubscribe(inbox, {"derived:QQQ"});
     inbox.messages.clear();
     bench.hub.tick(ms("2026-06-10T16:02:00"));
-    EXPECT_FALSE(inbox.of("derived:osc:NDX").empty());
+    EXPECT_FALSE(inbox.of("derived:gexBubbles:NDX").empty());
+    EXPECT_EQ(bench.snapshot("derived:gexBubbles:NDX", *parseMoment("2026-06-10T16:02:00"))["bubbles"].size(), 600u);
     bench.hub.tick(ms("2026-06-11T16:02:01"));
     EXPECT_EQ(inbox.messages.back()["type"], "snapshot") << "in place of a day of minutes";
     EXPECT_EQ(inbox.of("derived:QQQ").size(), 0u);

@@ -165,7 +165,7 @@ TEST_F(RecordingFile, WhoComesLateGetsWhatTheMessagesMade) {
                                    R"(":)" + data + "}")};
     };
     const std::string bar = R"("o":1,"h":4,"l":1,"c":2,"v":5)", next = R"("o":2,"h":2,"l":2,"c":2,"v":1)";
-    write({message(1, "futures:ESM6:trades", "batch", R"([{"price":9,"size":1,"ts":60500}])"),
+    write({message(1, "futures:ESM6:trades", "batch", R"([{"price":9,"size":1,"ts":59000}])"),
            message(1, "futures:ESM6", "snapshot", R"({"candles":[{"ts":60000,)" + bar + "}]}"),
            message(1, "futures:NQM6", "snapshot", R"({"candles":[{"ts":60000,)" + next + "}]}"),
            message(1, "stocks:AAPL", "snapshot", R"([{"ts":60000,)" + bar + "}]"),
