@@ -8,16 +8,14 @@
 #include <thread>
 
 #include "base/AsioLoop.h"
+#include "base/Log.h"
 #include "base/NumberText.h"
 #include "market/SessionTime.h"
 #include "relay/CommandLine.h"
 #include "relay/PracticeRelay.h"
 
 namespace {
-void print(const std::string& text) {
-    std::fputs((text + "\n").c_str(), stdout);
-    std::fflush(stdout);
-}
+void print(const std::string& text) { vmr::Log::standardOutput().line(text); }
 
 /// The relay as the reading thread sees it. That thread blocks in getline and cannot be woken at the end, so it asks
 /// here whether the relay still exists.
@@ -42,11 +40,12 @@ void announce(const vmr::relay::PracticeRelay& relay, const vmr::relay::RelayCom
     print("VMR_IDENTITY_URL=" + relay.restUrl());
     print("VMR_SECURETOKEN_URL=" + relay.restUrl());
     print("VMR_API_KEY=" + relay.apiKey());
-    if (line.clock) print("VMR_CLOCK=" + vmr::momentText(clock.now()) + "@" + vmr::doubleText(clock.speed()));
+    if (line.clock) print("VMR_CLOCK=" + vmr::relay::momentText(clock.now()) + "@" + vmr::doubleText(clock.speed()));
     print("# account: " + relay.email() + "   password: " + relay.password());
     const auto now = static_cast<std::int64_t>(clock.now());
     if (!line.relay.tape && !line.relay.replay && !vmr::SessionTime().marketOpen(now, false)) {
-        print("# the market is closed at " + vmr::momentText(clock.now()) + "; --clock starts it at another moment");
+        print("# the market is closed at " + vmr::relay::momentText(clock.now()) +
+              "; --clock starts it at another moment");
     }
     print("# type help for the faults that can be made");
 }
@@ -59,7 +58,7 @@ int main(int argc, char** argv) {
     };
     const auto line = vmr::relay::readRelayCommandLine({argv + 1, argv + argc}, lookup);
     if (line.help) {
-        std::fputs(vmr::relay::relayHelp().c_str(), stdout);
+        vmr::Log::standardOutput().lines(vmr::relay::relayHelp());
         return 0;
     }
     const auto complain = [](const std::string& text) {

@@ -7,9 +7,8 @@
 #include <vector>
 
 #include "chart/AxisScale.h"
-#include "chart/Camera.h"
 #include "chart/ScreenLayer.h"
-#include "chart/TextLayer.h"
+#include "gpu/Painter.h"
 #include "market/SessionTime.h"
 
 namespace vmr {
@@ -19,9 +18,6 @@ namespace vmr {
 /// (a stock seen from afar) it names days. Main thread.
 class AxisLayer final : public ScreenLayer {
  public:
-    static constexpr double priceAxisWidth = Camera::priceAxisPadPx;  ///< points, at the right edge
-    static constexpr double timeAxisHeight = 22.0;                    ///< points, at the bottom edge
-
     /// Both must outlive the layer. `session` is used on the main thread.
     AxisLayer(GlyphSource& glyphs, SessionTime& session);
 
@@ -51,17 +47,15 @@ class AxisLayer final : public ScreenLayer {
     void addPriceLabels(const ScreenFrame& frame, const Box& box);
     void addTimeLabels(const ScreenFrame& frame);
     void addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color);
-    void rect(const ScreenFrame& frame, double x0, double y0, double x1, double y1, const Rgba& color);
-    void roundedBox(const ScreenFrame& frame, double x0, double x1, const Box& box, const Rgba& color);
-    void flush(ScreenFrame& frame);
+    void addGrid(const ScreenFrame& frame);
+    void addGround(const ScreenFrame& frame, const Box& box);
 
     SessionTime& session_;
-    TextLayer text_;
+    Painter painter_;
     double timeframe_ = 1;
     AxisScale::PriceTicks priceTicks_;
     std::vector<std::size_t> timeTicks_;
     std::vector<TimeLabel> timeLabels_;
-    std::vector<ChartVertex> shapes_;
 };
 
 }  // namespace vmr

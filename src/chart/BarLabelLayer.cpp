@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "chart/AxisLayer.h"
-
 namespace vmr {
 
 namespace {
@@ -16,19 +14,16 @@ constexpr Rgba shadowColor{0.04F, 0.04F, 0.04F, 0.9F};
 
 bool isTag(const BarLabel& label) { return !label.value; }
 
-double plotBottom(const ScreenFrame& frame) { return frame.height - AxisLayer::timeAxisHeight; }
-double plotRight(const ScreenFrame& frame) { return frame.width - AxisLayer::priceAxisWidth; }
-
 /// 0 for a text that leaves the plot at the top or bottom, 1 for one that is well inside.
 double insideShare(const ScreenFrame& frame, const BarLabel& label) {
     const double half = label.fontSize * inkShare;
-    const double room = std::min(label.y - half, plotBottom(frame) - (label.y + half));
+    const double room = std::min(label.y - half, frame.plot().bottom() - (label.y + half));
     return std::clamp(room / fadePoints, 0.0, 1.0);
 }
 
 }  // namespace
 
-BarLabelLayer::BarLabelLayer(GlyphSource& glyphs) : text_(glyphs) {
+BarLabelLayer::BarLabelLayer(GlyphSource& glyphs) : painter_(glyphs) {
     candidates_.reserve(256);
     taken_.reserve(256);
 }
@@ -36,15 +31,7 @@ BarLabelLayer::BarLabelLayer(GlyphSource& glyphs) : text_(glyphs) {
 bool BarLabelLayer::drawAbove(ScreenFrame& frame) {
     findCandidates(frame);
     if (candidates_.empty()) return false;
-    // Rasterising a new glyph may rebuild the atlas and move the others.
-    constexpr int attempts = 3;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        text_.begin(frame.pixelRatio);
-        addTexts(frame);
-        if (!text_.stale()) break;
-    }
-    text_.draw(frame);
-    return text_.stale();
+    return painter_.paint(frame, [&] { addTexts(frame); });
 }
 
 void BarLabelLayer::findCandidates(const ScreenFrame& frame) {
@@ -66,11 +53,11 @@ void BarLabelLayer::addTexts(const ScreenFrame& frame) {
     for (const Candidate& candidate : candidates_) {
         const BarLabel& label = *candidate.label;
         const TextStyle style{isTag(label) ? FontFace::semibold : FontFace::regular, label.fontSize};
-        const double width = text_.width(label.text, style);
+        const double width = painter_.textWidth(label.text, style);
         const double left = label.alignRight ? label.anchorX - width : label.anchorX;
         const double half = label.fontSize * inkShare;
         const Box box{left, label.y - half, left + width, label.y + half};
-        const bool inside = box.left >= 0 && box.right <= plotRight(frame);
+        const bool inside = box.left >= 0 && box.right <= frame.plot().right();
         if (inside && takeRoom(box)) addText(frame, label, style, static_cast<float>(insideShare(frame, label)));
     }
 }
@@ -91,10 +78,10 @@ void BarLabelLayer::addText(const ScreenFrame& frame, const BarLabel& label, con
         const double pixel = 1.0 / frame.pixelRatio;
         Rgba shadow = shadowColor;
         shadow[3] *= alpha;
-        text_.add(label.text, style, label.anchorX + pixel, label.y + pixel, align, shadow);
+        painter_.text(label.text, style, label.anchorX + pixel, label.y + pixel, align, shadow);
     }
-    text_.add(label.text, style, label.anchorX, label.y, align,
-              {static_cast<float>(label.r), static_cast<float>(label.g), static_cast<float>(label.b), alpha});
+    painter_.text(label.text, style, label.anchorX, label.y, align,
+                  {static_cast<float>(label.r), static_cast<float>(label.g), static_cast<float>(label.b), alpha});
 }
 
 }  // namespace vmr

@@ -17,7 +17,7 @@ std::string priceText(double price) {
 }  // namespace
 
 std::vector<OrderMenuItem> ChartInput::orderMenu(ChartPoint at) const {
-    if (!trades() || at.x >= width_ - priceAxisWidth) return {};
+    if (!trades() || plot().onPriceAxis(at.x)) return {};
     const double there = priceAt(at.y);
     if (!std::isfinite(there)) return {};
     const double price = trading->roundTick(simRoot, there);
@@ -27,7 +27,9 @@ std::vector<OrderMenuItem> ChartInput::orderMenu(ChartPoint at) const {
 
     std::vector<OrderMenuItem> menu;
     const std::string text = " @ " + priceText(price);
-    if (const auto& position = lines().position) {
+    TradingLines lines;
+    trading->lines(simRoot, lines);
+    if (const auto& position = lines.position) {
         const bool isLong = position->qty > 0;
         if (isLong ? below : above) menu.push_back({Action::setSL, "Set SL" + text, price, {}, {}});
         if (isLong ? above : below) menu.push_back({Action::setTP, "Set TP" + text, price, {}, {}});

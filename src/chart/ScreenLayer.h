@@ -3,19 +3,13 @@
 
 #include <span>
 
-#include "gpu/FrameArena.h"
-#include "gpu/Gpu.h"
+#include "gpu/Painter.h"
 #include "market/Records.h"
 
 namespace vmr {
 
-/// The frame being recorded, its camera settled. Sizes in points.
-struct ScreenFrame {
-    Gpu& gpu;
-    FrameArena& arena;
-    double width = 0;
-    double height = 0;
-    double pixelRatio = 1;
+/// The frame being recorded, its camera settled.
+struct ScreenFrame : PaintSurface {
     Viewport viewport;
     std::span<const Candle> candles;           ///< not empty
     double lastPrice = 0;                      ///< the eased close, where the price line lies

@@ -39,11 +39,11 @@ inline std::vector<relay::RecordedFrame> record(std::uint64_t seed, const std::s
     hub.add(std::make_unique<relay::MetaPublisher>(hub));
     hub.add(std::make_unique<relay::MinutePublisher>(hub, chains, 1));
     hub.add(std::make_unique<relay::LevelsPublisher>(hub, derived));
-    hub.setTap([&frames](std::int64_t nowMs, const std::string& channel, const Frame& frame) {
+    hub.setTap([&frames](std::int64_t nowMs, const std::string& channel, const relay::Frame& frame) {
         frames.push_back({nowMs, channel, frame});
     });
-    struct Silent final : Subscriber {
-        void send(const Frame&) override {}
+    struct Silent final : relay::Subscriber {
+        void send(const relay::Frame&) override {}
     } client;
     const auto ms = [](double t) { return static_cast<std::int64_t>(t * 1000); };
     const std::string nq = "futures:NQ" + month, es = "futures:ES" + month, vix = "indices:I:VIX";
