@@ -17,7 +17,8 @@
 namespace {
 void print(const std::string& text) { vmr::Log::standardOutput().line(text); }
 
-/// The relay as the reading thread sees it, which nothing can wake at the end.
+/// The relay as the reading thread sees it. That thread blocks in getline and cannot be woken at the end, so it asks
+/// here whether the relay still exists.
 struct CommandTarget {
     std::mutex mutex;
     vmr::relay::PracticeRelay* relay = nullptr;  // nothing once the program ends
@@ -76,7 +77,7 @@ int main(int argc, char** argv) {
     if (const auto wrong = relay.start()) return complain(*wrong);
     announce(relay, line, clock);
 
-    std::ios::sync_with_stdio(false);  // so that the reader holds no lock of stdio when the program ends
+    std::ios::sync_with_stdio(false);  // else the blocked reader holds a lock that ending needs
     const auto target = std::make_shared<CommandTarget>();
     target->relay = &relay;
     std::thread([target] { readCommands(target); }).detach();

@@ -19,9 +19,9 @@ ProgramStart::ProgramStart(const Options& options)
       paths_(options.practice ? Paths::practice() : Paths::user()) {
     if (options_.practice) choosePracticeClock();
     if (options_.clock)
-        clock_ = std::make_unique<SystemClock>(options_.clock->start, options_.clock->speed);
+        clock_ = std::make_unique<SteerableClock>(options_.clock->start, options_.clock->speed);
     else
-        clock_ = std::make_unique<SystemClock>();
+        clock_ = std::make_unique<SteerableClock>();
     if (options_.practice && !failure_) startPractice();
 }
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "app/Options.h"
-#include "base/Clock.h"
 #include "base/Paths.h"
+#include "base/SteerableClock.h"
 #include "relay/PracticeRelay.h"
 #include "services/net/Endpoints.h"
 
@@ -26,6 +26,8 @@ class ProgramStart {
 
     const Options& options() const { return options_; }
     const Clock& clock() const { return *clock_; }
+    /// The same clock, for the main thread to steer; the practice relay follows it.
+    SteerableClock& steering() { return *clock_; }
     const Endpoints& endpoints() const { return endpoints_; }
     const Paths& paths() const { return paths_; }
     relay::PracticeRelay* practice() const { return practice_.get(); }
@@ -35,7 +37,7 @@ class ProgramStart {
     void startPractice();
 
     Options options_;
-    std::unique_ptr<Clock> clock_;
+    std::unique_ptr<SteerableClock> clock_;
     Endpoints endpoints_;
     Paths paths_;
     std::unique_ptr<relay::PracticeRelay> practice_;

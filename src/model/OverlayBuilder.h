@@ -3,9 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
+#include "chart/OverlaySet.h"
 #include "model/OverlayLines.h"
 
 namespace vmr {
@@ -33,14 +33,6 @@ struct OverlayInput {
     /// To be raised with any change of `vix`, `hfByMin` or `srSessions`: the builder does not look at them otherwise.
     std::uint64_t sideRevision = 0;
     OverlaySettings settings;
-};
-
-/// The series; one that is off, or has nothing to show, is empty.
-struct OverlaySet {
-    std::vector<OvPoint> vwapMain, vwapNY, vixLine, ema1, ema2;
-    std::vector<OvColorPoint> hfLine;
-    std::vector<OvCandle> secondCandles;
-    std::optional<double> vixSpot;  ///< the last close of the VIX
 };
 
 /// Builds the series and finds out by itself which bars have changed. Main thread. The results are those of

@@ -162,7 +162,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
 
     void tokenCame(std::uint64_t attempt, const TokenResult& result) {
         if (attempt != attempt_) return;
-        ++attempt_;  // a provider that answers twice is heard once
+        ++attempt_;  // makes a second answer of the same provider stale
         if (result.error) {
             log("token fetch failed: " + *result.error);
             return scheduleReconnect();
@@ -174,7 +174,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
 
     void openSocket(const std::string& url) {
         task_ = sockets_();
-        // an event is the current socket's if no attempt has begun since
+        // Events of an older socket are dropped: an attempt that has begun since has raised `attempt_`.
         const auto live = [weak = weak_from_this(), attempt = attempt_](auto handle) {
             return [weak, attempt, handle](auto... values) {
                 const auto self = weak.lock();
@@ -233,7 +233,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
             std::to_string(reconnectAttempt_) + ")");
         queue_.after(delay, weakly([](Core& core) {
                          core.reconnectPending_ = false;
-                         // a connection that the owner opened meanwhile is not thrown away
+                         // a connection that the owner has opened meanwhile stays
                          if (!core.manualClose_ && !core.task_) core.open();
                      }));
     }
@@ -302,7 +302,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         }
         main_.post([owner = owner_, &queue = queue_, delivery = std::move(delivery)]() mutable {
             owner->deliver(*delivery);
-            // what took long to build takes long to free
+            // Freeing a large document takes long: it goes back to the queue.
             if (owner->callbacks && delivery->heavy())
                 queue.post([spent = std::move(delivery)]() mutable { spent.reset(); });
         });
@@ -326,7 +326,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
     std::unique_ptr<WebSocket> task_;
     TokenProvider tokenProvider_;
     std::set<std::string> subscribedChannels_;
-    std::uint64_t attempt_ = 0;  ///< raised by all that makes an answer still under way stale
+    std::uint64_t attempt_ = 0;  ///< raised whenever answers still under way become stale
     bool helloReceived_ = false;
     bool connected_ = false;
     bool manualClose_ = false;

@@ -83,7 +83,7 @@ class RelayClient {
     /// Adds to the wanted channels; sent at once when live, else with the next greeting.
     void subscribe(std::vector<std::string> channels);
 
-    /// Takes from the wanted channels.
+    /// Removes from the wanted channels.
     void unsubscribe(std::vector<std::string> channels);
 
  private:

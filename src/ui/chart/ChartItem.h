@@ -1,12 +1,8 @@
 // The chart as a Qt Quick item.
 #pragma once
 
-#include <QBasicTimer>
 #include <QPointer>
-#include <QQuickItem>
-#include <QString>
 #include <QVariantList>
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -14,19 +10,18 @@
 
 #include "chart/ChartInput.h"
 #include "ui/chart/CrosshairState.h"
+#include "ui/gpu/FrameItem.h"
 #include "ui/pane/PaneViewModel.h"
 
 namespace vmr {
 
 class ChartRenderer;
 
-/// Records the chart's frames on the main thread while items are polished, and shows them through a render node. Draws
-/// on demand: after a change, and as long as something moves. Main thread.
-class ChartItem : public QQuickItem {
+/// Translates Qt's events for the chart's own rules, and gives QML what lies over the chart. Main thread.
+class ChartItem : public FrameItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(vmr::PaneViewModel* pane READ pane WRITE setPane NOTIFY paneChanged)
-    Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
     Q_PROPERTY(vmr::CrosshairState* crosshair READ crosshair CONSTANT)
     Q_PROPERTY(QVariantList orderMenu READ orderMenu NOTIFY orderMenuRequested)
 
@@ -37,9 +32,6 @@ class ChartItem : public QQuickItem {
     PaneViewModel* pane() const;
     void setPane(PaneViewModel* pane);
 
-    /// Why the chart cannot be shown, for the person; empty while it can.
-    QString problem() const { return problem_; }
-
     CrosshairState* crosshair();
 
     /// The entries of the last right click: { text, separator }.
@@ -49,18 +41,10 @@ class ChartItem : public QQuickItem {
     /// A pinch by a touch screen, as a share of its size.
     Q_INVOKABLE void magnify(qreal magnification);
 
-    /// The last frame went into a picture and not to the screen.
-    void frameTaken();
-
     ChartRenderer& renderer();
-    /// Frames recorded so far.
-    std::uint64_t framesDrawn() const;
-    /// Samples a pixel that the chart was last drawn with; 0 before.
-    int sampleCount() const { return *sampleCount_; }
 
  signals:
     void paneChanged();
-    void problemChanged();
     void orderMenuRequested(qreal x, qreal y);
 
  protected:
@@ -75,41 +59,28 @@ class ChartItem : public QQuickItem {
     void hoverMoveEvent(QHoverEvent* event) override;
     void hoverLeaveEvent(QHoverEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
-    void componentComplete() override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
-    void itemChange(ItemChange change, const ItemChangeData& data) override;
-    void updatePolish() override;
-    QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData*) override;
+    bool record(Gpu& gpu, QSizeF size, double pixelRatio, double now) override;
+    bool showsInput() const override;
+    void frameShown() override;
 
  private:
     struct Drawing;
-    void requestFrame();
     void chartTold();
     void leavePane();
     void takeChart();
     void makeInput();
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
-    void watchSwapsOf(QQuickWindow* window);
-    void frameShown();
-    void setProblem(const QString& problem);
 
     std::unique_ptr<Drawing> drawing_;
     QPointer<PaneViewModel> pane_;
-    QString problem_;
     bool chartDirty_ = true;  ///< the pane told of a chart that `takeChart` has not seen
-    bool frameAwaited_ = false;
-    QMetaObject::Connection following_, swaps_;
-    QBasicTimer unshown_;  ///< runs while a frame is wanted and the one before is on its way to the screen
-    bool recording_ = false;
-    bool animating_ = false;
     bool barsMoved_ = false;  ///< bars came or went since the crosshair was told
     std::uint64_t drawnOverlays_ = 0;
     ChartPoint lastPress_;  ///< where a drag has come to
     std::vector<OrderMenuItem> orderMenu_;
     std::string orderMenuRoot_;  ///< what it trades
-    std::shared_ptr<std::atomic<int>> sampleCount_ = std::make_shared<std::atomic<int>>(0);
 };
 
 }  // namespace vmr

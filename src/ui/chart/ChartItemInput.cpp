@@ -39,6 +39,7 @@ void ChartItem::makeInput() {
     const auto& at = pane_ ? pane_->surroundings() : none;
     Drawing& own = *drawing_;
     own.drive.reset();
+    setLive(false);  // of the input before
     MainLoop& main = at.main ? *at.main : own.loop;
     own.input =
         std::make_unique<ChartInput>(own.renderer, own.session, at.clock ? *at.clock : own.clock, main, at.perf);
@@ -46,7 +47,7 @@ void ChartItem::makeInput() {
     own.input->trading = at.trading;
     own.tradingLines.trading = at.trading;
     own.renderer.perf = at.perf;
-    own.follower->setPerf(at.bench.input ? at.perf : nullptr);
+    setPerf(at.perf, at.bench.input);
     own.input->onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
     own.input->onCursor = [this](ChartCursor cursor) { setCursor(shapeOf(cursor)); };
     own.input->onMarketClosedOrder = [this] {
@@ -57,21 +58,10 @@ void ChartItem::makeInput() {
         if (on && print)
             print("[perf] liveRefresh ON — frame clock @ up to " +
                   std::to_string(std::lround(screen ? screen->refreshRate() : 60)) + " Hz");
-        if (on) requestFrame();
+        setLive(on);
     };
     if (at.bench.drives() && at.perf && at.print)
         own.drive = std::make_unique<PerfDrive>(own.renderer, *own.input, main, *at.perf, at.bench, at.print, at.quit);
-}
-
-// Swaps are told on the render thread.
-void ChartItem::watchSwapsOf(QQuickWindow* window) {
-    disconnect(following_);
-    disconnect(swaps_);
-    if (!window) return;
-    following_ = connect(
-        window, &QQuickWindow::frameSwapped, window, [follower = drawing_->follower] { follower->swapped(); },
-        Qt::DirectConnection);
-    swaps_ = connect(window, &QQuickWindow::frameSwapped, this, &ChartItem::frameShown);
 }
 
 CrosshairState* ChartItem::crosshair() { return &drawing_->crosshair; }
@@ -108,7 +98,7 @@ void ChartItem::mouseDoubleClickEvent(QMouseEvent* event) {
 void ChartItem::mouseMoveEvent(QMouseEvent* event) {
     if (!(event->buttons() & Qt::LeftButton)) return;
     lastPress_ = pointOf(*event);
-    if (drawing_->input->dragging() && !drawing_->input->draggingLine()) drawing_->follower->input(event->timestamp());
+    if (drawing_->input->dragging() && !drawing_->input->draggingLine()) noteInput(event->timestamp());
     drawing_->input->mouseDragged(lastPress_);
 }
 
@@ -128,7 +118,7 @@ void ChartItem::wheelEvent(QWheelEvent* event) {
     const bool shift = event->modifiers() & Qt::ShiftModifier;
     const bool swapped = (altSwapsAxes() && (event->modifiers() & Qt::AltModifier)) || (shift && delta.y() == 0);
     if (swapped) delta = delta.transposed();
-    drawing_->follower->input(event->timestamp());
+    noteInput(event->timestamp());
     drawing_->input->scrollWheel(delta.x(), delta.y(), precise, shift);
     event->accept();
 }
@@ -147,7 +137,7 @@ bool ChartItem::event(QEvent* event) {
             return true;
         }
     }
-    return QQuickItem::event(event);
+    return FrameItem::event(event);
 }
 
 void ChartItem::magnify(qreal magnification) { drawing_->input->magnify(magnification); }

@@ -23,14 +23,14 @@ void FrameFollower::recorded(bool showsInput) {
     waiting_.clear();
 }
 
-void FrameFollower::handedOver() {
-    ++frames_;
+void FrameFollower::handedOver(std::uint64_t frame) {
+    frame_ = frame;
     shown_.swap(recorded_);
     recorded_.clear();
 }
 
 void FrameFollower::swapped() {
-    shownFrames_ = frames_;
+    shownFrame_ = frame_;
     if (Perf* perf = perf_)
         for (const double at : shown_) perf->time("inputToSwap", nowMs() - at);
     shown_.clear();

@@ -33,7 +33,7 @@ GlyphAtlas::GlyphAtlas(QString family, int side, int largestSide)
 void GlyphAtlas::empty(int side) {
     if (image_.width() != side) image_ = QImage(side, side, QImage::Format_Grayscale8);
     image_.fill(0);
-    dirty_ = image_.rect();
+    places_.clear();
     pen_ = QPoint(gap, gap);
     rowHeight_ = 0;
     glyphs_.clear();
@@ -121,7 +121,7 @@ Glyph GlyphAtlas::rasterise(const Raster& raster, const Face& face) {
         uchar* to = image_.scanLine(at->y() + y) + at->x();
         for (int x = 0; x < box.width(); ++x) to[x] = static_cast<uchar>(qAlpha(from[x]));
     }
-    dirty_ = dirty_.united(QRect(*at, box.size()));
+    places_.emplace_back(*at, box.size());
     const auto side = static_cast<float>(image_.width());
     out.u0 = static_cast<float>(at->x()) / side;
     out.v0 = static_cast<float>(at->y()) / side;
@@ -152,9 +152,11 @@ std::optional<QPoint> GlyphAtlas::place(QSize size) {
     return out;
 }
 
-std::optional<GlyphAtlas::Change> GlyphAtlas::takeChange(bool whole) {
-    const QRect part = whole ? image_.rect() : dirty_;
-    dirty_ = QRect();
+std::optional<GlyphAtlas::Change> GlyphAtlas::changeSince(Seen& seen) const {
+    QRect part = seen.generation == generation_ ? QRect() : image_.rect();
+    if (part.isEmpty())
+        for (std::size_t i = seen.glyphs; i < places_.size(); ++i) part = part.united(places_[i]);
+    seen = {generation_, places_.size()};
     if (part.isEmpty()) return std::nullopt;
     return Change{part.topLeft(), image_.copy(part)};
 }

@@ -1,4 +1,4 @@
-// Glyphs of the chart's texts, rasterised once into one image of 8 bits a pixel.
+// Glyphs of the plots' texts, rasterised once into one image of 8 bits a pixel.
 #pragma once
 
 #include <QImage>
@@ -9,15 +9,16 @@
 #include <cstdint>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 #include "gpu/GlyphSource.h"
 
 namespace vmr {
 
-/// Rasterises with the platform's own text engine, so that chart texts look like native ones. Main thread; `takeChange`
-/// also while the main thread is blocked. A full atlas grows to `maxSide` and is then emptied, and a new pixel ratio
-/// empties it: both raise `generation`, and references given before are dead. The fonts of the family must be
-/// registered.
+/// Rasterises with the platform's own text engine, so that the plots' texts look like native ones. Main thread;
+/// `changeSince` also while the main thread is blocked. A full atlas grows to `maxSide` and is then emptied, and a new
+/// pixel ratio empties it: both raise `generation`, and references given before are dead. The fonts of the family must
+/// be registered.
 class GlyphAtlas final : public GlyphSource {
  public:
     static constexpr int firstSide = 512;
@@ -32,12 +33,17 @@ class GlyphAtlas final : public GlyphSource {
     QSize size() const { return image_.size(); }
     const QImage& image() const { return image_; }
 
-    /// What changed since the last call, as a copy; with `whole`, all of it. Nothing when nothing changed.
     struct Change {
         QPoint at;
         QImage pixels;
     };
-    std::optional<Change> takeChange(bool whole);
+    /// How much of the atlas one texture holds; as made, nothing.
+    struct Seen {
+        unsigned generation = 0;
+        std::size_t glyphs = 0;
+    };
+    /// What `seen` lacks, as a copy, and brings `seen` up to date. Nothing when it lacks nothing.
+    std::optional<Change> changeSince(Seen& seen) const;
 
  private:
     struct Face {
@@ -61,8 +67,8 @@ class GlyphAtlas final : public GlyphSource {
     double pixelRatio_ = 0;
     unsigned generation_ = 1;
     QImage image_;
-    QRect dirty_;
-    QPoint pen_;  // where the next glyph of the current row goes
+    std::vector<QRect> places_;  // of this generation's glyphs, in the order in which they came
+    QPoint pen_;                 // where the next glyph of the current row goes
     int rowHeight_ = 0;
     std::unordered_map<std::uint64_t, Glyph> glyphs_;
     std::unordered_map<std::uint32_t, Face> faces_;

@@ -5,7 +5,7 @@
 #include <QQuickWindow>
 #include <QSGRendererInterface>
 
-#include "ui/chart/ChartItem.h"
+#include "ui/gpu/WindowFrames.h"
 
 namespace vmr {
 
@@ -54,7 +54,7 @@ QImage windowPicture(QQuickWindow& window) {
     }
     QImage picture = window.grabWindow();  // draws a frame, and waits for it
     QObject::disconnect(reading);
-    for (ChartItem* chart : window.findChildren<ChartItem*>()) chart->frameTaken();
+    WindowFrames::of(window).pictureTaken();
     if (!resolved.isNull()) picture = resolved;
     // The bytes are taken as they are: blending leaves alpha below one, which an opaque window never shows.
     switch (picture.format()) {

@@ -1,4 +1,4 @@
-// The chart in the scene graph.
+// A plot in the scene graph.
 #pragma once
 
 #include <QRectF>
@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "ui/gpu/GlyphAtlas.h"
 #include "ui/gpu/RhiReplay.h"
 
 class QQuickWindow;
@@ -17,16 +18,15 @@ namespace vmr {
 
 /// Draws the last recorded frame inside the scene graph's own pass, within the item's rectangle. Made and used on the
 /// render thread, or on the main thread while that is blocked.
-class ChartNode final : public QSGRenderNode {
+class FrameNode final : public QSGRenderNode {
  public:
-    explicit ChartNode(QQuickWindow& window) : window_(window) {}
+    explicit FrameNode(QQuickWindow& window) : window_(window) {}
 
     RhiReplay& replay() { return replay_; }
     void setItemSize(QSizeF size) { size_ = size; }
-    /// Whether the GPU side was given back since `atlasGiven`, so that the atlas must be given anew.
-    bool needsAtlas() const { return needsAtlas_; }
-    void atlasGiven() { needsAtlas_ = false; }
-    /// Told what keeps the chart from being drawn, once for each such text, empty when it is well again. Render thread.
+    /// Takes from the window's atlas what this node has not seen yet. While the main thread is blocked.
+    void takeGlyphs(const GlyphAtlas& atlas);
+    /// Told what keeps the plot from being drawn, once for each such text, empty when it is well again. Render thread.
     std::function<void(const QString& problem)> onProblem;
     /// Gets the samples a pixel of each target that is drawn on. Render thread.
     std::shared_ptr<std::atomic<int>> sampleCount;
@@ -45,7 +45,7 @@ class ChartNode final : public QSGRenderNode {
     QSizeF size_;
     RhiReplay replay_;
     RhiPlacement placement_;
-    bool needsAtlas_ = true;
+    GlyphAtlas::Seen seenGlyphs_;
     std::string reported_;
 };
 

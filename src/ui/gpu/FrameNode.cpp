@@ -1,13 +1,14 @@
-#include "ui/gpu/ChartNode.h"
+#include "ui/gpu/FrameNode.h"
 
 #include <QMatrix4x4>
 #include <QQuickWindow>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vmr {
 
-RhiPlacement ChartNode::placementIn(const QRhiRenderTarget& target) const {
+RhiPlacement FrameNode::placementIn(const QRhiRenderTarget& target) const {
     RhiPlacement out;
     const QSize whole = target.pixelSize();
     const double ratio = target.devicePixelRatio();
@@ -26,7 +27,12 @@ RhiPlacement ChartNode::placementIn(const QRhiRenderTarget& target) const {
     return out;
 }
 
-void ChartNode::prepare() {
+void FrameNode::takeGlyphs(const GlyphAtlas& atlas) {
+    if (auto change = atlas.changeSince(seenGlyphs_))
+        replay_.changeAtlas({atlas.size(), change->at, std::move(change->pixels)});
+}
+
+void FrameNode::prepare() {
     const RhiTarget target = rhiTargetOf(*this, window_);
     if (!target.complete()) return;
     placement_ = placementIn(*target.target);
@@ -38,7 +44,7 @@ void ChartNode::prepare() {
     }
 }
 
-void ChartNode::render(const RenderState* state) {
+void FrameNode::render(const RenderState* state) {
     const RhiTarget target = rhiTargetOf(*this, window_);
     if (!target.complete()) return;
     RhiPlacement placement = placement_;
@@ -46,9 +52,9 @@ void ChartNode::render(const RenderState* state) {
     if (!placement.scissor.isEmpty()) replay_.draw(*target.commands, placement);
 }
 
-void ChartNode::releaseResources() {
+void FrameNode::releaseResources() {
     replay_.release();
-    needsAtlas_ = true;
+    seenGlyphs_ = {};  // the texture went with the rest
 }
 
 }  // namespace vmr

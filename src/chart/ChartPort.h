@@ -1,0 +1,23 @@
+// What a pane's model sees of the chart that shows it.
+#pragma once
+
+#include <optional>
+
+#include "market/Records.h"
+
+namespace vmr {
+
+/// Main thread.
+class ChartPort {
+ public:
+    virtual ~ChartPort() = default;
+    /// Something of the pane's `ChartContent` is not what it was. The chart reads it later, at most once a turn of the
+    /// main loop.
+    virtual void contentChanged() = 0;
+    /// A drag is under way: rebuilding overlay series waits for its end.
+    virtual bool interacting() const = 0;
+    /// The camera of the last frame; nothing before the first one with bars.
+    virtual std::optional<Viewport> viewport() const = 0;
+};
+
+}  // namespace vmr

@@ -1,0 +1,191 @@
+#include "ui/gpu/FrameItem.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+#include <QQuickWindow>
+#include <QTimerEvent>
+#include <functional>
+#include <utility>
+
+#include "base/Log.h"
+#include "perf/Perf.h"
+#include "ui/gpu/FrameNode.h"
+#include "ui/gpu/WindowFrames.h"
+
+namespace vmr {
+
+FrameItem::FrameItem(QQuickItem* parent) : QQuickItem(parent) {
+    setFlag(ItemHasContents);
+    enterWindow(window());  // a parent in a window has brought it there already
+    updateOnScreen();
+}
+
+FrameItem::~FrameItem() { enterWindow(nullptr); }
+
+// Qt swaps on its render thread, and `FrameFollower::swapped` is called there; the item hears of it in a later turn of
+// the main thread.
+void FrameItem::enterWindow(QQuickWindow* window) {
+    disconnect(following_);
+    disconnect(swaps_);
+    if (window_) {
+        window_->remove(*this);
+        static_cast<QObject*>(window_)->parent()->removeEventFilter(this);
+    }
+    window_ = window ? &WindowFrames::of(*window) : nullptr;
+    if (!window) return;
+    window_->add(*this);
+    window->installEventFilter(this);
+    glyphs_.setAtlas(window_->atlas());
+    following_ = connect(
+        window, &QQuickWindow::frameSwapped, window, [follower = follower_] { follower->swapped(); },
+        Qt::DirectConnection);
+    swaps_ = connect(window, &QQuickWindow::frameSwapped, this, &FrameItem::swapped);
+}
+
+void FrameItem::setPerf(Perf* perf, bool input) {
+    perf_ = perf;
+    follower_->setPerf(input ? perf : nullptr);
+}
+
+void FrameItem::setProblem(const QString& problem) {
+    if (problem == problem_) return;
+    problem_ = problem;
+    if (!problem_.isEmpty()) Log::standardOutput().line("[chart] pipeline error: " + problem_.toStdString());
+    emit problemChanged();
+}
+
+// `polish` and `update` go together: one alone gives a frame that is recorded and not shown, or shown and not recorded.
+void FrameItem::follow(FramePump::Order order) {
+    if (order == FramePump::Order::nothing) return;
+    if (order == FramePump::Order::watch) return late_.start(static_cast<int>(FramePump::longestWait * 1000), this);
+    late_.stop();
+    polish();
+    update();
+}
+
+void FrameItem::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != late_.timerId()) return QQuickItem::timerEvent(event);
+    late_.stop();
+    follow(pump_.late());
+}
+
+void FrameItem::componentComplete() {
+    QQuickItem::componentComplete();
+    requestFrame();
+}
+
+void FrameItem::geometryChange(const QRectF& now, const QRectF& before) {
+    QQuickItem::geometryChange(now, before);
+    if (now.size() != before.size()) follow(pump_.resized());
+}
+
+void FrameItem::itemChange(ItemChange change, const ItemChangeData& data) {
+    QQuickItem::itemChange(change, data);
+    if (change == ItemSceneChange) enterWindow(data.window);
+    if (change == ItemSceneChange || change == ItemVisibleHasChanged) {
+        updateOnScreen();
+        if (window() && isVisible()) follow(pump_.visible());  // a window that is not shown may be drawn into a picture
+    }
+    if (change == ItemDevicePixelRatioHasChanged) follow(pump_.resized());
+}
+
+// A window that is hidden, minimised or on another desktop is not exposed. Its state does not tell: some window
+// managers leave a window on the screen that asked to be minimised.
+bool FrameItem::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose || event->type() == QEvent::Hide) updateOnScreen();
+    return QQuickItem::eventFilter(watched, event);
+}
+
+void FrameItem::updateOnScreen() {
+    const bool now = window() && window()->isVisible() && window()->isExposed() && isVisible();
+    if (std::exchange(onScreen_, now) == now) return;
+    follow(now ? pump_.visible() : pump_.hidden());
+}
+
+bool FrameItem::recordOnce() {
+    const bool moves = record(gpu_, size(), window()->effectiveDevicePixelRatio(), clock_.monotonic());
+    follower_->recorded(showsInput());
+    recordedGlyphs_ = glyphs_.generation();
+    return moves;
+}
+
+void FrameItem::updatePolish() {
+    pump_.beginRecord();
+    if (!window_ || width() <= 0 || height() <= 0) return pump_.notRecorded();
+    const unsigned glyphsBefore = glyphs_.generation();
+    bool moves = recordOnce();
+    const bool moved = glyphs_.generation() != glyphsBefore;
+    if (moved) {  // what was drawn before the atlas moved its glyphs is stale, here and in the other items
+        recordsAgain_ = true;
+        moves = recordOnce();
+        recordsAgain_ = false;
+    }
+    pump_.recorded(moves);
+    recordedAt_ = clock_.monotonic();
+    if (moved) window_->glyphsMoved();
+}
+
+// When the atlas is too small for all that one frame shows, the items would take turns at moving each other's glyphs
+// for ever. Some texts are then wrong.
+void FrameItem::glyphsMoved() {
+    constexpr int most = 2;
+    if (framesDrawn() == 0 || recordedGlyphs_ == glyphs_.generation() || joinedForGlyphs_ >= most) return;
+    ++joinedForGlyphs_;
+    joinFrame();
+}
+
+// On the render thread with the main thread blocked, or on the main thread.
+QSGNode* FrameItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
+    const auto report = [self = QPointer<FrameItem>(this)](const QString& problem) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [self, problem] {
+                if (self) self->setProblem(problem);
+            },
+            Qt::QueuedConnection);
+    };
+    joinedForGlyphs_ = 0;
+    if (!rhiOf(*window())) {
+        report(tr("The chart needs OpenGL, Vulkan, Metal or Direct3D, and this window has only software drawing."));
+        delete old;
+        return nullptr;
+    }
+    auto* node = static_cast<FrameNode*>(old);
+    if (!node) {
+        node = new FrameNode(*window());
+        node->onProblem = report;
+        node->sampleCount = sampleCount_;
+    }
+    node->setItemSize(size());
+    const bool given = pump_.handOver() && gpu_.swapFrame(node->replay().frame());
+    if (given) {
+        follower_->handedOver(pump_.frame());
+        timeGate();
+    }
+    node->takeGlyphs(glyphs_.atlas());
+    node->markDirty(QSGNode::DirtyMaterial);
+    if (!old && !given && pump_.lost() == FramePump::Order::schedule) {
+        polish();  // and not `follow`: its timer belongs to the main thread
+        update();
+    }
+    return node;
+}
+
+// The frame is handed over: times how long it waited for the one before it.
+void FrameItem::timeGate() {
+    constexpr double least = 1.0;  // milliseconds
+    const double waited = (clock_.monotonic() - recordedAt_) * 1000.0;
+    if (perf_ && waited > least) perf_->time("gpuGate", waited);
+}
+
+void FrameItem::swapped() {
+    const bool awaited = pump_.state() == FramePump::State::onItsWay;
+    const auto order = pump_.shown(follower_->shownFrame());
+    if (awaited && pump_.state() != FramePump::State::onItsWay) {
+        late_.stop();
+        frameShown();
+    }
+    follow(order);
+}
+
+}  // namespace vmr
