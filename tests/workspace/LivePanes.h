@@ -10,6 +10,7 @@
 
 #include "base/AsioLoop.h"
 #include "base/Preferences.h"
+#include "base/SteerableClock.h"
 #include "market/SessionTime.h"
 #include "relay/PracticeRelay.h"
 #include "services/cloud/FirebaseRESTAuth.h"
@@ -61,7 +62,7 @@ class LivePanes : public testing::Test {
     }
     bool streaming(int pane) { return host->find(pane)->connected && !host->find(pane)->candles.empty(); }
 
-    SystemClock clock{1781100030, 1};  // Wednesday 2026-06-10, 10:00:30 New York
+    SteerableClock clock{1781100030, 1};  // Wednesday 2026-06-10, 10:00:30 New York
     relay::PracticeRelay relay{clock, {}};
     AsioLoop loop;
     MemoryPreferences preferences;
