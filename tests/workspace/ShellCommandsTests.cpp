@@ -12,6 +12,16 @@ class Shell : public LivePanes {
  protected:
     Shell() { host->open(); }
 
+    ShellSurroundings surroundings() {
+        return {*host,
+                sim,
+                [this](const std::string& line) { answers.push_back(line); },
+                [this] { quitting = true; },
+                [](const std::string& file) {
+                    return file == "full disk" ? std::optional<std::string>("no room") : std::nullopt;
+                },
+                {}};
+    }
     /// The answer without its mark.
     std::string say(const std::string& line) {
         answers.clear();
@@ -24,14 +34,7 @@ class Shell : public LivePanes {
     std::vector<std::string> answers;
     bool quitting = false;
     SimEngine sim{SimSetup{clock, session, UuidSource(2), nullptr, nullptr, nullptr, {}, {}}};
-    ShellCommands commands{{*host,
-                            sim,
-                            [this](const std::string& line) { answers.push_back(line); },
-                            [this] { quitting = true; },
-                            [](const std::string& file) {
-                                return file == "full disk" ? std::optional<std::string>("no room") : std::nullopt;
-                            },
-                            {}}};
+    ShellCommands commands{surroundings()};
 };
 
 TEST_F(Shell, AnswersEachLineOnce) {
@@ -74,7 +77,8 @@ TEST_F(Shell, ListsWhatItKnows) {
               "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay "
               "COMMAND (practice) | order SYM buy|sell market|limit|stop|stopLimit QTY [limit=P] [stop=P] [sl=TICKS] "
               "[tp=TICKS] | cancel ID | modify ID PRICE | flatten SYM | protect SYM SL|TP PRICE | leg ID SL|TP PRICE | "
-              "reset BALANCE | pane open|close N | quit | help | @N COMMAND (in pane N)");
+              "reset BALANCE | pane open|close N | clock pause|resume|speed X|set MOMENT (practice) | quit | help | @N "
+              "COMMAND (in pane N)");
 }
 
 TEST_F(Shell, SpeaksToEveryPane) {
@@ -104,6 +108,31 @@ TEST_F(Shell, SpeaksToEveryPane) {
     for (const char* line : {"pane close 1", "pane close 2", "pane close 4", "@5 pane close 5"})
         EXPECT_TRUE(say(line).starts_with("ok ")) << line;
     EXPECT_EQ(say("symbol NQ"), "error: no pane is open; see pane open");
+}
+
+TEST_F(Shell, SteersTheClockWhereItIsOurs) {
+    EXPECT_EQ(say("clock pause"), "error: the clock is the machine's own; start with --practice");
+    ShellSurroundings at = surroundings();
+    at.clock = &clock;
+    ShellCommands practice(at);
+    for (const auto& [line, answer] : {std::pair("clock", "error: wrong arguments for clock; see help"),
+                                       {"clock pause 1", "error: wrong arguments for clock; see help"},
+                                       {"clock stop", "error: wrong arguments for clock; see help"},
+                                       {"clock speed", "error: the speed is a number above 0"},
+                                       {"clock speed 0", "error: the speed is a number above 0"},
+                                       {"clock speed 2.5", "ok clock speed 2.5"},
+                                       {"clock set yesterday", "error: set needs a moment such as 2026-06-10T10:00:00"},
+                                       {"clock pause", "ok clock paused"},
+                                       {"clock set 2026-06-09T10:00:00", "ok clock set 2026-06-09T10:00:00"}}) {
+        answers.clear();
+        practice.run(line);
+        EXPECT_EQ(answers, std::vector{std::string("[cmd] ") + answer}) << line;
+    }
+    EXPECT_EQ(clock.now(), 1781100000 - 86400);
+    EXPECT_TRUE(clock.paused());
+    EXPECT_EQ(clock.speed(), 2.5);
+    practice.run("clock resume");
+    EXPECT_FALSE(clock.paused());
 }
 
 TEST_F(Shell, SignsInOnceItIsOver) {
