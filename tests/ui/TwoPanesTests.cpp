@@ -54,9 +54,9 @@ class TwoPanes : public testing::Test {
     }
     // The pane's chart drawn elsewhere, with the bars that it had when it was first shown.
     void expectOwnPicture(const Pane& pane, CpuChart& expected) {
-        pane.data.give(expected.renderer, expected.now == 1);
+        expected.view.setContent(pane.data.content());
         const RecordedFrame frame = expected.frame(pane.item->size(), 1);
-        ASSERT_EQ(expected.renderer.camera().viewport(), pane.item->renderer().camera().viewport());
+        ASSERT_EQ(expected.view.renderer().camera().viewport(), pane.item->renderer().camera().viewport());
         expectSame(picture(pane), rasterise(frame, expected.atlas.image()), 0.6);
     }
 

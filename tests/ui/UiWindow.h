@@ -13,6 +13,7 @@
 #include <memory>
 #include <vector>
 
+#include "support/StillAccount.h"
 #include "tests/chart/FullScene.h"
 #include "ui/chart/ChartItem.h"
 #include "ui/pane/PaneViewModel.h"
@@ -76,13 +77,17 @@ inline void setScene(PaneViewModel::Chart& chart, const SceneData& data) {
     chart.secRatio = data.secRatio;
     chart.bubbles = &data.bubbles;
     chart.triangles = &data.triangles;
+    chart.simRoot = "NQ";
 }
 
 class UiWindow {
  public:
     explicit UiWindow(QSize size, const PaneViewModel::Fields& fields, std::vector<Candle> bars = {})
-        : bars_(std::move(bars)) {
+        : account(bars.empty() ? 0 : bars.back().close), bars_(std::move(bars)) {
         view.setFields(fields);
+        PaneViewModel::Surroundings at;
+        at.trading = &account;
+        view.setSurroundings(std::move(at));
         chart.candles = &bars_;
         chart.config.initialCandles = 20;
         view.setChart(chart);
@@ -120,6 +125,7 @@ class UiWindow {
     }
     bool settle() { return comesToRest(swaps); }
 
+    StillAccount account;  ///< its lines are shown with a scene
     PaneViewModel view;
     PaneViewModel::Chart chart;
     QQuickWindow* window = nullptr;

@@ -46,6 +46,7 @@ void ChartItem::makeInput() {
     own.input->setSize(width(), height());
     own.input->trading = at.trading;
     own.tradingLines.trading = at.trading;
+    own.input->drawnMarks = &own.tradingLines.marks();
     own.renderer.perf = at.perf;
     setPerf(at.perf, at.bench.input);
     own.input->onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
