@@ -185,13 +185,13 @@ TEST_F(ChartPixels, SurvivesLosingItsGpuSideAndItsSize) {
     }
 
     // signed out and in again: another item, the same picture
-    auto fields = ui->view.fields();
+    auto fields = ui->view.session.state();
     fields.entered = false;
-    ui->view.setFields(fields);
+    ui->view.session.set(fields);
     runFor(100);
     EXPECT_EQ(ui->chartItem(), nullptr);
     fields.entered = true;
-    ui->view.setFields(fields);
+    ui->view.session.set(fields);
     ASSERT_TRUE(ui->settle());
     chart = ui->chartItem();
     ASSERT_NE(chart, nullptr);

@@ -18,10 +18,10 @@ struct Pane {
         show();
     }
     void show() {
-        PaneViewModel::Chart chart;
+        ChartViewModel::Chart chart;
         chart.candles = &data.candles;
         setScene(chart, data);
-        view.setChart(chart);
+        view.chart.setChart(chart);
     }
 
     SceneData data;
@@ -91,9 +91,9 @@ TEST_F(TwoPanes, EachShowsItsOwnAndIsDrawnForItsOwnSake) {
 }
 
 TEST_F(TwoPanes, OneTakesTheOthersPaneAndOneGoesAway) {
-    auto bare = right_.view.chart();
+    auto bare = right_.view.chart.chart();
     bare.overlays = nullptr;
-    right_.view.setChart(bare);
+    right_.view.chart.setChart(bare);
     delete right_.item;
     left_.item->magnify(0.5);
     left_.item->setPane(&right_.view);

@@ -64,7 +64,7 @@ inline bool comesToRest(const int& swaps) {
 }
 
 /// Makes everything of `data` but the bars the chart's; `data` must outlive it.
-inline void setScene(PaneViewModel::Chart& chart, const SceneData& data) {
+inline void setScene(ChartViewModel::Chart& chart, const SceneData& data) {
     chart.config = data.config;
     chart.overlays = &data.overlays;
     ++chart.overlayRevision;
@@ -80,12 +80,13 @@ inline void setScene(PaneViewModel::Chart& chart, const SceneData& data) {
 
 class UiWindow {
  public:
-    explicit UiWindow(QSize size, const PaneViewModel::Fields& fields, std::vector<Candle> bars = {})
+    explicit UiWindow(QSize size, const SessionViewModel::State& session, std::vector<Candle> bars = {})
         : bars_(std::move(bars)) {
-        view.setFields(fields);
+        view.session.set(session);
+        view.toolbar.set({.futures = QStringList{"NQ", "ES"}});
         chart.candles = &bars_;
         chart.config.initialCandles = 20;
-        view.setChart(chart);
+        view.chart.setChart(chart);
         engine_ = std::make_unique<QQmlApplicationEngine>();
         registerQml(*engine_);
         engine_->setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});
@@ -101,18 +102,13 @@ class UiWindow {
         runUntil([this] { return swaps > 0; });
     }
 
-    static PaneViewModel::Fields entered() {
-        PaneViewModel::Fields out;
-        out.entered = out.connected = true;
-        out.futures = QStringList{"NQ", "ES"};
-        return out;
-    }
+    static SessionViewModel::State entered() { return {.entered = true, .connected = true}; }
 
     ChartItem* chartItem() const { return window->findChild<ChartItem*>(); }
     QQuickItem* item(const char* name) const { return window->findChild<QQuickItem*>(QLatin1String(name)); }
 
     std::vector<Candle>& bars() { return bars_; }
-    void showBars() { view.setChart(chart); }
+    void showBars() { view.chart.setChart(chart); }
     /// Everything beside the bars; `data` must outlive what is shown.
     void showScene(const SceneData& data) {
         setScene(chart, data);
@@ -121,7 +117,7 @@ class UiWindow {
     bool settle() { return comesToRest(swaps); }
 
     PaneViewModel view;
-    PaneViewModel::Chart chart;
+    ChartViewModel::Chart chart;
     QQuickWindow* window = nullptr;
     int swaps = 0;
 

@@ -28,12 +28,12 @@ ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make
     drawing_->renderer.onNeedsDisplay = [this] { requestFrame(); };
     drawing_->renderer.onViewport = [this](double first, double count, double minP, double maxP) {
         if (Perf* perf = drawing_->renderer.perf) perf->bump("ChartOverlay");
-        if (pane_ && pane_->actions().viewportChanged)
-            pane_->actions().viewportChanged(Viewport{first, count, minP, maxP});
-        if (pane_ && pane_->surroundings().bench.baseline) emit pane_->changed();
+        if (pane_ && pane_->chart.actions().viewportChanged)
+            pane_->chart.actions().viewportChanged(Viewport{first, count, minP, maxP});
+        if (pane_ && pane_->surroundings().bench.baseline) pane_->notifyAll();
     };
     drawing_->renderer.onInteractionEnd = [this] {
-        if (pane_ && pane_->actions().interactionEnded) pane_->actions().interactionEnded();
+        if (pane_ && pane_->chart.actions().interactionEnded) pane_->chart.actions().interactionEnded();
     };
     makeInput();
 }
@@ -42,9 +42,9 @@ ChartItem::~ChartItem() { leavePane(); }
 
 void ChartItem::leavePane() {
     if (!pane_) return;
-    disconnect(pane_, nullptr, this, nullptr);
-    pane_->setInteractingProbe({});
-    if (pane_->actions().viewportChanged) pane_->actions().viewportChanged(std::nullopt);
+    disconnect(&pane_->chart, nullptr, this, nullptr);
+    pane_->chart.setInteractingProbe({});
+    if (pane_->chart.actions().viewportChanged) pane_->chart.actions().viewportChanged(std::nullopt);
 }
 
 PaneViewModel* ChartItem::pane() const { return pane_; }
@@ -55,10 +55,9 @@ void ChartItem::setPane(PaneViewModel* pane) {
     pane_ = pane;
     makeInput();
     if (pane_) {
-        pane_->setInteractingProbe([this] { return drawing_->renderer.interacting(); });
-        connect(pane_, &PaneViewModel::chartChanged, this, &ChartItem::chartTold);
-        connect(pane_, &PaneViewModel::changed, this, &ChartItem::chartTold);
-        connect(pane_, &PaneViewModel::accountChanged, this, &ChartItem::requestFrame);
+        pane_->chart.setInteractingProbe([this] { return drawing_->renderer.interacting(); });
+        connect(&pane_->chart, &ChartViewModel::chartChanged, this, &ChartItem::chartTold);
+        connect(&pane_->chart, &ChartViewModel::accountChanged, this, &ChartItem::requestFrame);
         drawing_->renderer.setOverlayGeometry({});
         drawing_->renderer.setCandles({});
         chartDirty_ = true;
@@ -87,9 +86,9 @@ void ChartItem::chartTold() {
 // The bars come last, so that the camera's rules see the rest as it is.
 void ChartItem::takeChart() {
     if (!pane_ || !std::exchange(chartDirty_, false)) return;
-    const auto& chart = pane_->chart();
+    const auto& chart = pane_->chart.chart();
     ChartRenderer& renderer = drawing_->renderer;
-    if (drawing_->axis.setTimeframe(pane_->timeframe())) requestFrame();
+    if (drawing_->axis.setTimeframe(chart.timeframe)) requestFrame();
     renderer.sessionHHMM = chart.sessionHHMM;
     renderer.setRenderConfig(chart.config);
     renderer.setLevels(all(chart.levels));
@@ -100,7 +99,7 @@ void ChartItem::takeChart() {
     renderer.setBubbles(all(chart.bubbles), all(chart.triangles));
     if (chart.overlays && std::exchange(drawnOverlays_, chart.overlayRevision) != chart.overlayRevision)
         renderer.setOverlayGeometry(*chart.overlays);
-    const bool emptied = pane_->empty() && !renderer.candles().empty();
+    const bool emptied = pane_->chart.empty() && !renderer.candles().empty();
     const auto lastBar = [&] { return renderer.candles().empty() ? 0 : renderer.candles().back().time; };
     const auto before = std::pair(renderer.candles().size(), lastBar());
     renderer.setCandles(all(chart.candles));

@@ -51,7 +51,7 @@ void ChartItem::makeInput() {
     own.input->onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
     own.input->onCursor = [this](ChartCursor cursor) { setCursor(shapeOf(cursor)); };
     own.input->onMarketClosedOrder = [this] {
-        if (pane_ && pane_->actions().marketClosedOrder) pane_->actions().marketClosedOrder();
+        if (pane_ && pane_->chart.actions().marketClosedOrder) pane_->chart.actions().marketClosedOrder();
     };
     own.input->onLiveRefresh = [this, print = at.print](bool on) {
         const auto* screen = window() ? window()->screen() : nullptr;
