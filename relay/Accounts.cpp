@@ -7,8 +7,8 @@ namespace vmr::relay {
 IssuedTokens Accounts::issue() {
     const double now = clock_.monotonic();
     std::erase_if(idTokens_, [now](const auto& entry) { return entry.second <= now; });
-    // the identity token holds what an address must escape and what it must not unescape; the refresh token travels
-    // bare in a form
+    // The identity token holds characters that a URL must escape ("|") and some that must survive unescaped ("+"), so
+    // that a client which encodes it wrongly is refused. The refresh token travels unescaped in a form.
     IssuedTokens tokens{"vmr." + uuids_.next().text() + "|a+b/c=." + uuids_.next().text(),
                         "vmr-r_" + uuids_.next().text()};
     idTokens_[tokens.idToken] = now + tokenLife_;

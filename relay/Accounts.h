@@ -42,8 +42,8 @@ class Accounts {
     const Clock& clock_;
     double tokenLife_;
     UuidSource uuids_;
-    std::map<std::string, double> idTokens_;     // to the moment of expiry
-    std::map<std::string, bool> refreshTokens_;  // to whether it is good
+    std::map<std::string, double> idTokens_;     // to when it expires, monotonic seconds
+    std::map<std::string, bool> refreshTokens_;  // to whether it still works
 };
 
 }  // namespace vmr::relay

@@ -24,7 +24,7 @@ Candle madeUpBar(const Instrument& instrument, double near, std::int64_t time) {
 std::size_t barBytes(const Candle& bar) {
     std::string text;
     payload::appendBar(text, bar);
-    return text.size() + 1;  // its comma
+    return text.size() + 1;  // and the comma after it
 }
 
 std::string strikeRow(std::size_t index) {

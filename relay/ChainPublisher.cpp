@@ -51,7 +51,7 @@ JsonFields ChainPublisher::fieldsOf(const OptionSource& source, std::int64_t asO
     DerivedMarket& market = book_.market();
     const auto moment = market.path(source.instrument()).at(asOfMs);
     if (!moment) return {};
-    // a market that rests shows how it stood when it last traded
+    // A closed market shows the state of its last trade: one millisecond earlier lies in the session that has ended.
     const MarketSession* session = market.session(source.instrument(), (moment->timeMs - 1) / 1000, asOfMs);
     if (!session) return {};
     const OptionChain& chain = book_.chain(source, *session);

@@ -21,7 +21,7 @@ std::vector<std::string> ChannelHub::subscribe(Subscriber& subscriber, const std
         Publisher* publisher;
         bool first;
     };
-    tick(nowMs);
+    tick(nowMs);  // before the subscriber joins: what is published now is part of its snapshot
     std::vector<Wish> wishes;
     std::vector<std::string> refused;
     std::size_t held = channelsOf(subscriber).size();

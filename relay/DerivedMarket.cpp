@@ -23,7 +23,7 @@ MarketSession makeSession(const Instrument& instrument, std::uint64_t seed, std:
         const auto onTick = [&](double price) {
             return std::round(price * instrument.ticksPerPoint) / instrument.ticksPerPoint;
         };
-        const auto rung = static_cast<double>(i + 1);  // no two levels on one price, however coarse the ticks
+        const auto rung = static_cast<double>(i + 1);  // keeps levels apart where ticks are coarse
         session.up[i] =
             onTick(open + std::max(reach * distances[i] * (0.85 + 0.3 * random.uniform()), rung * instrument.tick()));
         session.down[i] =
@@ -71,7 +71,7 @@ const MarketSession* DerivedMarket::session(const Instrument& instrument, std::i
 }
 
 double DerivedMarket::flowUnit(const OptionSource& source, const MarketSession& session) {
-    // a stock has no levels to scale its flow by, only a fixed scale beside its price
+    // Futures share one unit, the flow at a first level. Stocks have no levels: their unit follows the price.
     return source.instrument().family == Family::futures ? 1e8 : session.open * 15000;
 }
 

@@ -1,10 +1,8 @@
 #include "relay/FaultConsole.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <optional>
-#include <vector>
 
 #include "base/NumberText.h"
 #include "relay/BadFrames.h"
@@ -14,18 +12,6 @@
 namespace vmr::relay {
 
 namespace {
-using Words = std::vector<std::string>;
-
-Words wordsOf(std::string_view line) {
-    Words words;
-    while (!line.empty()) {
-        const std::size_t end = std::min(line.find_first_of(" \t\r\n"), line.size());
-        if (end > 0) words.emplace_back(line.substr(0, end));
-        line.remove_prefix(std::min(end + 1, line.size()));
-    }
-    return words;
-}
-
 std::optional<std::int64_t> numberIn(const std::string& text, std::int64_t least, std::int64_t most) {
     const auto value = parseInt(text);
     return value && *value >= least && *value <= most ? value : std::nullopt;
@@ -48,50 +34,54 @@ std::string count(std::size_t number, const char* what) {
 }
 }  // namespace
 
-struct FaultConsole::Command {
-    std::string_view name, arguments;
-    std::size_t words;  // after the name
-    std::string (*call)(FaultConsole&, const Words&);
-    static const std::array<Command, 15> all;
-};
-
-const std::array<FaultConsole::Command, 15> FaultConsole::Command::all{{
-    {"drop", "", 0, [](FaultConsole& c, const Words&) { return c.drop(); }},
-    {"close", "CODE", 1, [](FaultConsole& c, const Words& w) { return c.close(w[1]); }},
-    {"mute", "on|off", 1, [](FaultConsole& c, const Words& w) { return setSwitch(c.parts_.faults.mute, w[1]); }},
-    {"stall", "on|off", 1, [](FaultConsole& c, const Words& w) { return setSwitch(c.parts_.faults.stall, w[1]); }},
-    {"refuse", "on|off", 1, [](FaultConsole& c, const Words& w) { return setSwitch(c.parts_.faults.refuse, w[1]); }},
-    {"expire", "", 0,
-     [](FaultConsole& c, const Words&) {
-         c.parts_.accounts.expireIdTokens();
-         return std::string("ok identity tokens expired");
-     }},
-    {"expire-refresh", "", 0,
-     [](FaultConsole& c, const Words&) {
-         c.parts_.accounts.expireIdTokens();
-         c.parts_.accounts.expireRefreshTokens();
-         return std::string("ok all tokens expired");
-     }},
-    {"delay", "SECONDS", 1, [](FaultConsole& c, const Words& w) { return c.delay(w[1]); }},
-    {"malformed", "N", 1, [](FaultConsole& c, const Words& w) { return c.malformed(w[1]); }},
-    {"wrong", "N", 1, [](FaultConsole& c, const Words& w) { return c.wrong(w[1]); }},
-    {"big-bars", "BYTES CHANNEL", 2, [](FaultConsole& c, const Words& w) { return c.big(w[1], w[2], false); }},
-    {"big-derived", "BYTES CHANNEL", 2, [](FaultConsole& c, const Words& w) { return c.big(w[1], w[2], true); }},
-    {"contract", "ROOT CONTRACT|auto", 2, [](FaultConsole& c, const Words& w) { return c.contract(w[1], w[2]); }},
-    {"status", "", 0, [](FaultConsole& c, const Words&) { return c.status(); }},
-    {"help", "", 0, [](FaultConsole& c, const Words&) { return c.help(); }},
-}};
+FaultConsole::FaultConsole(Parts parts)
+    : parts_(parts),
+      commands_(
+          {"; ", [](const std::string& name) { return "unknown command " + name + "; say help"; },
+           [](const Command& it) { return "it is " + it.name + (it.arguments.empty() ? "" : " ") + it.arguments; }}) {
+    const auto none = [this](const char* name, auto call) {
+        commands_.add({name, "", 0, 0, [call](CommandWords&) { return call(); }});
+    };
+    const auto one = [this](const char* name, const char* argument, auto call) {
+        commands_.add({name, argument, 1, 1, [call](CommandWords& words) { return call(words.next()); }});
+    };
+    const auto two = [this](const char* name, const char* arguments, auto call) {
+        commands_.add({name, arguments, 2, 2, [call](CommandWords& words) {
+                           const std::string first = words.next();
+                           return call(first, words.next());
+                       }});
+    };
+    Faults& faults = parts_.faults;
+    none("drop", [this] { return drop(); });
+    one("close", "CODE", [this](const std::string& code) { return close(code); });
+    one("mute", "on|off", [&faults](const std::string& word) { return setSwitch(faults.mute, word); });
+    one("stall", "on|off", [&faults](const std::string& word) { return setSwitch(faults.stall, word); });
+    one("refuse", "on|off", [&faults](const std::string& word) { return setSwitch(faults.refuse, word); });
+    none("expire", [this] {
+        parts_.accounts.expireIdTokens();
+        return std::string("ok identity tokens expired");
+    });
+    none("expire-refresh", [this] {
+        parts_.accounts.expireIdTokens();
+        parts_.accounts.expireRefreshTokens();
+        return std::string("ok all tokens expired");
+    });
+    one("delay", "SECONDS", [this](const std::string& seconds) { return delay(seconds); });
+    one("malformed", "N", [this](const std::string& number) { return malformed(number); });
+    one("wrong", "N", [this](const std::string& number) { return wrong(number); });
+    two("big-bars", "BYTES CHANNEL",
+        [this](const std::string& bytes, const std::string& channel) { return big(bytes, channel, false); });
+    two("big-derived", "BYTES CHANNEL",
+        [this](const std::string& bytes, const std::string& channel) { return big(bytes, channel, true); });
+    two("contract", "ROOT CONTRACT|auto",
+        [this](const std::string& root, const std::string& name) { return contract(root, name); });
+    none("status", [this] { return status(); });
+    none("help", [this] { return "ok " + commands_.help(); });
+}
 
 std::string FaultConsole::run(std::string_view line) {
-    const Words words = wordsOf(line);
-    if (words.empty()) return "error: say what to do, or help";
-    for (const Command& command : Command::all) {
-        if (command.name != words[0]) continue;
-        if (words.size() == command.words + 1) return command.call(*this, words);
-        return "error: it is " + std::string(command.name) + (command.words ? " " : "") +
-               std::string(command.arguments);
-    }
-    return "error: unknown command " + words[0] + "; say help";
+    if (CommandWords(line).empty()) return "error: say what to do, or help";
+    return commands_.run(line);
 }
 
 std::string FaultConsole::drop() {
@@ -183,15 +173,6 @@ std::string FaultConsole::status() const {
     text += std::string(", mute ") + onOff(faults.mute) + ", stall " + onOff(faults.stall) + ", refuse " +
             onOff(faults.refuse);
     return text + ", delay " + doubleText(faults.delay) + ", time " + doubleText(std::floor(parts_.clock.now()));
-}
-
-std::string FaultConsole::help() const {
-    std::string text = "ok";
-    for (const Command& one : Command::all) {
-        text += (text.size() > 2 ? "; " : " ") + std::string(one.name) + (one.words ? " " : "") +
-                std::string(one.arguments);
-    }
-    return text;
 }
 
 }  // namespace vmr::relay

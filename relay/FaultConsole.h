@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/Clock.h"
+#include "base/CommandTable.h"
 #include "relay/Accounts.h"
 #include "relay/Faults.h"
 #include "relay/MarketPublisher.h"
@@ -25,14 +26,14 @@ class FaultConsole {
         MetaPublisher& meta;
         SocketServer& sockets;
     };
-    explicit FaultConsole(Parts parts) : parts_(parts) {}
+    explicit FaultConsole(Parts parts);
+    FaultConsole(const FaultConsole&) = delete;
 
     static constexpr std::size_t largestSnapshot = 200000000;
 
     std::string run(std::string_view line);
 
  private:
-    struct Command;
     std::string drop();
     std::string close(const std::string& code);
     std::string delay(const std::string& seconds);
@@ -41,9 +42,9 @@ class FaultConsole {
     std::string big(const std::string& bytes, const std::string& channel, bool derived);
     std::string contract(const std::string& root, const std::string& contract);
     std::string status() const;
-    std::string help() const;
 
     Parts parts_;
+    CommandTable commands_;
 };
 
 }  // namespace vmr::relay

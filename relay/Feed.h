@@ -16,7 +16,7 @@ class FeedListener {
  public:
     virtual ~FeedListener() = default;
     virtual void onTrades(std::span<const Trade> trades) = 0;
-    /// The minute is over; all its trades have been told.
+    /// The minute is over; all its trades have been passed to `onTrades`.
     virtual void onClosedBar(const Candle& bar) = 0;
 };
 

@@ -61,7 +61,7 @@ std::vector<std::int64_t> LevelsPublisher::advance(Open& one, std::int64_t nowMs
         const auto within = [&](const Triggers& side, const auto& reached) {
             return side.count == MarketSession::levels || (side.count > 0 && !reached(side.count - 1));
         };
-        // most minutes reach nothing, and their trades need not be looked at
+        // Most minutes reach no level: their high and low say so, which spares making their trades again.
         const bool quiet = day != one.days.end() &&
                            within(day->second.up, [&](std::size_t i) { return at->high >= session->up[i]; }) &&
                            within(day->second.down, [&](std::size_t i) { return at->low <= session->down[i]; });

@@ -44,7 +44,7 @@ class LevelsPublisher final : public Publisher {
         std::map<std::int64_t, Day> days;
     };
     bool scan(Open& one, std::int64_t minute, std::int64_t nowMs);
-    /// Scans up to `nowMs`; tells the starts of the sessions that have changed.
+    /// Scans up to `nowMs`; gives the starts of the sessions that have changed.
     std::vector<std::int64_t> advance(Open& one, std::int64_t nowMs);
     static std::string text(const Day& day);
 

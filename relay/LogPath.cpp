@@ -7,7 +7,7 @@
 namespace vmr::relay {
 
 namespace {
-constexpr int memoryDays = 250;
+constexpr int memoryDays = 250;  // older days weigh 0.98^250, under 1 %
 constexpr double dailyDecay = 0.98;
 constexpr double heatPersistence = 0.98;  // per minute
 constexpr double heatDeviation = 0.45;

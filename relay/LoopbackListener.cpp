@@ -7,7 +7,7 @@ namespace vmr::relay {
 namespace {
 using boost::asio::ip::tcp;
 using boost::system::error_code;
-constexpr double pauseAfterFailure = 0.1;  // such as no file descriptors left
+constexpr double pauseAfterFailure = 0.1;  // seconds; accepting fails, for example, while no file descriptor is left
 }  // namespace
 
 std::optional<std::string> LoopbackListener::open(int port) {

@@ -9,8 +9,8 @@ namespace vmr::relay {
 namespace {
 using Kind = MarketChannel::Kind;
 
-constexpr std::size_t tradesPerFrame = 2000;
-constexpr std::int64_t longestGapMs = 86400000;
+constexpr std::size_t tradesPerFrame = 2000;     // a jump of hours would otherwise make one huge message
+constexpr std::int64_t longestGapMs = 86400000;  // trades of a longer jump would take seconds to make
 constexpr std::size_t minuteSnapshotBars = 2;
 
 payload::BarsShape historyShape(Family family) {

@@ -17,7 +17,7 @@ const OptionSource* sourceOf(const std::string& channel, const MinuteFamily& fam
     return findOptionSource(std::string_view(channel).substr(family.prefix.size()));
 }
 
-/// A few seconds of real time, in market time, that divide a minute.
+/// About three seconds of real time, in market time, rounded up to a divisor of a minute; 0 when a minute is shorter.
 std::int64_t stepAt(double speed) {
     for (const std::int64_t seconds : {5, 10, 15, 20, 30}) {
         if (static_cast<double>(seconds) >= 3 * speed) return seconds * 1000;

@@ -71,8 +71,8 @@ class BubbleSeries final : public SourceSeries {
         const OptionChain& options = chain(minute);
         options.netGamma(minute.prices.last, minute.asOfMs, net_);
         const double spot = minute.prices.last / options.ratio();
-        RandomStream random(
-            streamKey(book_.market().seed(), source_.name, minute.prices.minute));  // whose trades happened to matter
+        RandomStream random(streamKey(book_.market().seed(), source_.name,
+                                      minute.prices.minute));  // the same draw each time this minute is asked for
         std::array<Bubble, groups + 1> best{};
         double most = 0;
         for (std::size_t i = 0; i < net_.size(); ++i) {

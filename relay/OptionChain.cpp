@@ -14,7 +14,7 @@ namespace {
 constexpr int daysAhead = 21;
 constexpr double sharesPerContract = 100;
 constexpr double secondsPerYear = 365.0 * 86400;
-constexpr double shortestLife = 1200;  // seconds: gamma stays finite at the close
+constexpr double shortestLife = 1200;  // seconds; shorter lives would let gamma grow without limit at the close
 constexpr double leastHalf = 32, mostHalf = 110, wantedStrikes = 120;
 constexpr std::array niceSteps{0.05, 0.1, 0.25, 0.5, 1.0, 2.5, 5.0, 10.0, 25.0, 50.0, 100.0, 250.0, 500.0, 1000.0};
 constexpr double weeklyBoost = 3.0;
@@ -129,10 +129,10 @@ void OptionChain::listExpirations() {
 
 OptionChain::Expiration OptionChain::list(std::int64_t date, int ahead) const {
     Expiration one;
-    // 16:00 on its date: the session's date is one that began at 18:00 on the eve
+    // 16:00 on its date. A session begins at 18:00 on the eve of its date, 22 hours before.
     one.expiry = session_.start + ahead * std::int64_t{86400} + 22 * 3600;
     one.share = (weekdayOf(date) == 4 ? 1.5 : 1.0) / (1.0 + 1.6 * ahead);
-    // what lies within a few deviations of the day is listed, and all of it on Fridays
+    // Fridays list every strike; other dates list those within a few standard deviations of the price.
     const double width =
         weekdayOf(date) == 4 ? 1.0 : std::max(0.35 * source_.reach, 4.5 * volatility_ * std::sqrt((ahead + 1) / 365.0));
     const auto near = [&](double strike) { return std::abs(strike / spot_ - 1) <= width; };
@@ -148,7 +148,7 @@ OptionChain::Listing OptionChain::listing(std::size_t strike, std::int64_t date,
     const double at = strikes_[strike];
     const double step = strikes_[1] - strikes_[0];
     const double away = at / spot_ - 1;
-    // interest outlives the day: it hangs on the contract, and shifts a little from day to day
+    // Open interest belongs to the contract (`random`) and shifts a little from day to day (`today`).
     const std::uint64_t contract = streamKey(seed_, source_.name, date * 1000003 + whole(at * 100));
     RandomStream random(contract), today(mixedBits(contract ^ static_cast<std::uint64_t>(session_.date)));
     double size = 900 * roundness(at, step) * (weekdayOf(date) == 4 ? weeklyBoost : 1.0) * (isMonthly(date) ? 2.5 : 1);
@@ -157,7 +157,7 @@ OptionChain::Listing OptionChain::listing(std::size_t strike, std::int64_t date,
     const auto bell = [&](double centre) { return std::exp(-0.5 * std::pow((away - centre) / wide, 2)); };
     const double deviation = away / (volatility_ * std::sqrt((ahead + 1.0) / 365.0));
     const double smile = std::clamp(1 - 0.06 * deviation + 0.015 * deviation * deviation, 0.7, 2.0);
-    const double above = 1 / (1 + std::exp(-away / (0.05 * source_.reach)));  // who sells calls sells them above
+    const double above = 1 / (1 + std::exp(-away / (0.05 * source_.reach)));  // calls are written above the price
     const double calls = size * bell(0.25 * source_.reach) * (0.25 + above) * (0.8 + 0.4 * random.uniform());
     const double puts = 1.2 * size * bell(-0.3 * source_.reach) * (1.25 - above) * (0.8 + 0.4 * random.uniform());
     return {std::round(calls), std::round(puts), volatility_ * smile};

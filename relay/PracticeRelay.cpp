@@ -92,7 +92,7 @@ struct Engine {
         return result.get();
     }
 
-    /// The sockets go first, then the thread with all that is still under way, then what that referred to.
+    /// Ends the sockets first, then the thread with its queued work, which still refers to the members below.
     ~Engine() {
         invoke([this] {
             sockets.stop();
@@ -111,7 +111,8 @@ struct Engine {
     ChainBook chains{derived};
     std::unique_ptr<RecordingWriter> recording;
     ChannelHub hub;
-    std::vector<std::unique_ptr<Publisher>> idle;  // the market's, while a recording plays; the console knows them
+    std::vector<std::unique_ptr<Publisher>>
+        idle;  // the market's publishers, unused while a recording plays; the console still refers to them
     MarketPublisher* market;
     MetaPublisher* meta;
     ReplayPublisher* replay = nullptr;
@@ -132,7 +133,8 @@ std::unique_ptr<TradeSource> loadTape(const TapeOptions& options, const Instrume
 }  // namespace
 
 namespace {
-/// Opens the files; what is wrong, if anything. The one to write comes last, so that no fault costs an old recording.
+/// Opens the files; what is wrong, if anything. The file to write comes last: opening it empties it, and no other
+/// fault may cost an old recording.
 std::optional<std::string> supply(const PracticeRelayOptions& options, Supplies& supplies) {
     std::string error;
     if (options.tape && options.replay) return "a tape and a recording cannot play at once";

@@ -20,7 +20,7 @@ std::span<const Trade> PricePath::trades(std::int64_t minute) {
     return trades_;
 }
 
-/// That of the source itself, so that a minute is the same wherever the history that is kept begins.
+/// Asks the source where `known` does not reach, so that a minute is the same wherever the kept history begins.
 double PricePath::lastBefore(std::int64_t minute, std::span<const PriceMinute> known) {
     if (!known.empty() && known.back().minute >= minute - longestPause) return known.back().last;
     for (std::int64_t back = minute - 60; back >= minute - longestPause; back -= 60) {

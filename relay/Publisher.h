@@ -45,7 +45,7 @@ class Publisher {
     /// The message that a new subscriber gets, as of the last `tick`; nothing for a channel that has none.
     virtual std::optional<std::string> snapshot(const std::string& channel) = 0;
 
-    /// Publishes what has come up to `nowMs`.
+    /// Publishes everything up to `nowMs`.
     virtual void tick(std::int64_t /*nowMs*/) {}
 };
 

@@ -19,9 +19,9 @@ constexpr std::int64_t latestMs = 7258118400000;  // 2200-01-01
 struct RecordingReader::Impl {
     std::ifstream in;
     z_stream stream{};
-    std::string plain;  // inflated, from `begin` on not yet taken
+    std::string plain;  // inflated bytes; those from `begin` on are still to be read
     std::size_t begin = 0;
-    bool over = false;  // nothing more can come
+    bool over = false;  // the stream has ended or is damaged: nothing more can be read
     std::optional<RecordedFrame> next;
 
     ~Impl() { inflateEnd(&stream); }
@@ -32,7 +32,7 @@ struct RecordingReader::Impl {
     bool fill() {
         if (over) return false;
         std::array<char, 65536> packed;
-        in.clear();
+        in.clear();  // an earlier end of the file: it may have grown since
         in.read(packed.data(), static_cast<std::streamsize>(packed.size()));
         if (in.gcount() == 0) return false;
         plain.erase(0, begin);
@@ -50,7 +50,7 @@ struct RecordingReader::Impl {
         return true;
     }
 
-    /// Whether so many bytes are there to be taken.
+    /// Inflates until that many bytes are there; false when the file ends before.
     bool need(std::size_t bytes) {
         while (rest().size() < bytes) {
             if (!fill()) return false;

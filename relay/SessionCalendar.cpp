@@ -13,8 +13,8 @@ std::int64_t floorDiv(std::int64_t a, std::int64_t b) {
 }  // namespace
 
 std::int64_t SessionCalendar::offset(std::int64_t t) {
-    // SessionTime keeps the first answer of a UTC day: asking for its last hour first makes a clock-change Sunday,
-    // whose session opens after the change, independent of who asks when
+    // SessionTime keeps its first answer for a UTC day. On a clock-change Sunday that answer would depend on who asks
+    // first, so the day's last hour is asked first: the session opens after the change.
     session_.offset(floorDiv(t, daySeconds) * daySeconds + 23 * 3600);
     return session_.offset(t);
 }

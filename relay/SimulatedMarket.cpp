@@ -88,7 +88,7 @@ class SimulatedSource final : public TradeSource {
 
     void drawTimes(RandomStream& random, std::int64_t startMs, std::size_t count, std::vector<Trade>& trades) const {
         trades.resize(count);
-        if (instrument_.family == Family::indices) {  // an index is printed on the beat
+        if (instrument_.family == Family::indices) {  // an index is published at even intervals
             for (std::size_t i = 0; i < count; ++i)
                 trades[i].timeMs = startMs + static_cast<std::int64_t>(i * 60000 / count);
             return;

@@ -60,7 +60,7 @@ class BeastSession final : public SocketSession, public std::enable_shared_from_
     void send(const Frame& frame) override {
         if (ended_ || closeCode_ || overflowed_) return;
         queued_ += frame.bytes->size();
-        if (queued_ > mostQueued) {  // not at once: the caller is walking over the subscribers
+        if (queued_ > mostQueued) {  // posted, because the caller is iterating over the subscribers
             overflowed_ = true;
             asio::post(socket_.get_executor(), [self = shared_from_this()] { self->drop(); });
             return;
@@ -82,7 +82,7 @@ class BeastSession final : public SocketSession, public std::enable_shared_from_
         if (!token || !world_.accounts.accepts(*token)) {
             return refuse(http::status::unauthorized, "the token is unknown or has expired");
         }
-        // settled before the client can know that it is in
+        // decided before the handshake is answered: a switch that changes after the answer concerns later sockets only
         admitted_ = events_.mayEnter();
         stalled_ = world_.faults.stall;
         socket_.next_layer().expires_never();

@@ -117,7 +117,7 @@ std::optional<std::int64_t> isoTime(std::string_view text) {
 }
 
 std::optional<std::int64_t> epochTime(std::string_view text) {
-    if (auto whole = parseInt(text)) {  // exact, which a double is not in nanoseconds
+    if (auto whole = parseInt(text)) {  // a double cannot hold nanoseconds since 1970 exactly
         if (*whole < 0) return std::nullopt;
         if (*whole < 100000000000) return *whole * 1000;
         while (*whole >= 100000000000000) *whole /= 1000;
@@ -132,7 +132,7 @@ struct Columns {
     int time = -1, price = -1, size = -1;
 };
 
-/// One row; nothing is wrong when it lacks a price.
+/// Reads one row; what is wrong with it, if anything. A row without a price is skipped.
 std::optional<std::string> readRow(std::string_view line, const Columns& columns,
                                    const std::function<void(const TapeRow&)>& row) {
     const auto priceText = field(line, columns.price);

@@ -1,4 +1,4 @@
-// The seam between what trades and what is told of it.
+// The seam between a market and the channels that show it.
 #pragma once
 
 #include <cstdint>

@@ -8,18 +8,17 @@
 #include <thread>
 
 #include "base/AsioLoop.h"
+#include "base/Log.h"
 #include "base/NumberText.h"
 #include "market/SessionTime.h"
 #include "relay/CommandLine.h"
 #include "relay/PracticeRelay.h"
 
 namespace {
-void print(const std::string& text) {
-    std::fputs((text + "\n").c_str(), stdout);
-    std::fflush(stdout);
-}
+void print(const std::string& text) { vmr::Log::standardOutput().line(text); }
 
-/// The relay as the reading thread sees it, which nothing can wake at the end.
+/// The relay as the reading thread sees it. That thread blocks in getline and cannot be woken at the end, so it asks
+/// here whether the relay still exists.
 struct CommandTarget {
     std::mutex mutex;
     vmr::relay::PracticeRelay* relay = nullptr;  // nothing once the program ends
@@ -59,7 +58,7 @@ int main(int argc, char** argv) {
     };
     const auto line = vmr::relay::readRelayCommandLine({argv + 1, argv + argc}, lookup);
     if (line.help) {
-        std::fputs(vmr::relay::relayHelp().c_str(), stdout);
+        vmr::Log::standardOutput().lines(vmr::relay::relayHelp());
         return 0;
     }
     const auto complain = [](const std::string& text) {
@@ -78,7 +77,7 @@ int main(int argc, char** argv) {
     if (const auto wrong = relay.start()) return complain(*wrong);
     announce(relay, line, clock);
 
-    std::ios::sync_with_stdio(false);  // so that the reader holds no lock of stdio when the program ends
+    std::ios::sync_with_stdio(false);  // else the blocked reader holds a lock that ending needs
     const auto target = std::make_shared<CommandTarget>();
     target->relay = &relay;
     std::thread([target] { readCommands(target); }).detach();

@@ -1,23 +1,25 @@
-// CPU time of a frame, of a tick and of a new bar, on the recording device. `memcpy` copies as many bytes as a still
+// CPU time of a frame, of a tick and of a new bar, as it is recorded. `memcpy` copies as many bytes as a still
 // frame writes and is the baseline of the run; `allocs` counts calls of operator new for each iteration.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "base/Clock.h"
 #include "bench/chart/Measure.h"
 #include "chart/AxisLayer.h"
 #include "chart/ChartRenderer.h"
+#include "gpu/FrameRecorder.h"
 #include "tests/chart/FakeGlyphs.h"
-#include "tests/chart/RecordingGpu.h"
 
 namespace vmr {
 namespace {
 
 struct Scene {
     SystemClock clock;
-    test::RecordingGpu gpu;
+    FrameRecorder gpu;
+    RecordedFrame shown;
     test::FakeGlyphs glyphs;
     SessionTime session;
     AxisLayer axes{glyphs, session};
@@ -34,16 +36,14 @@ struct Scene {
     }
     void frame() {
         renderer.drawFrame(1400, 900, 2, now += 1.0 / 120);
+        gpu.swapFrame(shown);
         if (task) std::exchange(task, nullptr)();
     }
 };
 
 void memcpyOfStillFrame(benchmark::State& state) {
     Scene scene(5000);
-    std::size_t bytes = 0;
-    for (const auto& call : scene.gpu.draws) {
-        if (!call.retained) bytes += call.count * (call.pipeline == Pipeline::ribbon ? 48 : 32);
-    }
+    const std::size_t bytes = scene.shown.stream.size();
     std::vector<char> from(bytes, 1), to(bytes);
     measure(state, [&] {
         std::memcpy(to.data(), from.data(), bytes);

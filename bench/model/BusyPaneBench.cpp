@@ -12,9 +12,9 @@
 #include "chart/AxisLayer.h"
 #include "chart/BarLabelLayer.h"
 #include "chart/ChartRenderer.h"
+#include "gpu/FrameRecorder.h"
 #include "market/SessionLines.h"
 #include "tests/chart/FakeGlyphs.h"
-#include "tests/chart/RecordingGpu.h"
 
 namespace vmr {
 namespace {
@@ -77,11 +77,13 @@ struct BusyPane : bench::HandPane {
         show();
         if (!std::exchange(due, false)) return;
         due = renderer.drawFrame(1400, 900, 1, clock.monotonic());
+        gpu.swapFrame(shown);
         ++frames;
         while (!posted.empty()) std::exchange(posted, {}).front()();
     }
 
-    test::RecordingGpu gpu;
+    FrameRecorder gpu;
+    RecordedFrame shown;
     test::FakeGlyphs glyphs;
     BarLabelLayer labels{glyphs};
     AxisLayer axes{glyphs, session};
@@ -154,7 +156,7 @@ void busyOpen(benchmark::State& state) {
         }
     }
     const bool marked = std::ranges::any_of(
-        pane.gpu.draws, [](const auto& call) { return call.pipeline == Pipeline::marker && call.count > 0; });
+        pane.shown.draws, [](const auto& call) { return call.pipeline == Pipeline::marker && call.vertexCount > 0; });
     if (pane.model->overlays().hfLine.size() < 3000 || pane.frames == 0 || !marked ||
         pane.model->strikes->size() != 250)
         state.SkipWithError("something is missing");

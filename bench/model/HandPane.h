@@ -72,7 +72,6 @@ struct HandPane {
         auth.idToken = "token";
         auth.refreshToken = "refresh";
         auth.expiresAt = clock.monotonic() + 1e6;
-        RelayClient::setPrinter([](const std::string&) {});
         preferences.set("gex-last-symbol", "NQ");
         model = std::make_unique<AppModel>(PaneSurroundings{
             clock,

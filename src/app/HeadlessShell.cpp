@@ -2,7 +2,8 @@
 
 #include <cstdio>
 
-#include "app/ShellCommands.h"
+#include "app/LineReader.h"
+#include "app/Program.h"
 #include "base/AsioLoop.h"
 #include "base/QuitSignals.h"
 
@@ -19,7 +20,7 @@ int runHeadless(ProgramStart& start) {
     int status = 0;
     {
         Program program(start, loop);
-        ShellCommands commands(program, [&loop] { loop.quit(); });
+        ShellCommands commands(program.shell([&loop] { loop.quit(); }));
         LineReader reader(loop, [&commands](const std::string& line) { commands.run(line); });
         if (options.seconds > 0) loop.after(options.seconds, [&loop] { loop.quit(); });
         program.signInToPractice();
@@ -30,7 +31,6 @@ int runHeadless(ProgramStart& start) {
                 status = 1;
             }
         }
-        program.pane().shutdown();
         onQuitRequest({});
     }
     return status;

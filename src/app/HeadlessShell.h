@@ -1,7 +1,7 @@
 // The program without a window: log lines out, commands in.
 #pragma once
 
-#include "app/Program.h"
+#include "app/ProgramStart.h"
 
 namespace vmr {
 

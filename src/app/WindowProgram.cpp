@@ -3,7 +3,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "app/ShellCommands.h"
+#include "app/LineReader.h"
+#include "app/Program.h"
 #include "app/WindowShell.h"
 #include "base/QuitSignals.h"
 
@@ -29,11 +30,13 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
     WindowShellHooks hooks;
     hooks.makePane = [&](MainLoop& main) {
         program = std::make_unique<Program>(start, main);
-        return WindowPane{program->pane(), program->sim(), start.clock(), options.bench};
+        PaneHost& panes = program->panes();
+        panes.setShown(panes.activeNumber(), true);
+        return WindowPane{*panes.active(), program->sim(), start.clock(), options.bench};
     };
     hooks.started = [&](std::function<void(int)> quit) {
         onQuitRequest([&main = program->main(), quit] { main.post([quit] { quit(0); }); });
-        commands = std::make_unique<ShellCommands>(*program, [quit] { quit(0); });
+        commands = std::make_unique<ShellCommands>(program->shell([quit] { quit(0); }));
         reader = std::make_unique<LineReader>(program->main(), [&](const std::string& line) { commands->run(line); });
         program->signInToPractice();
     };

@@ -1,7 +1,7 @@
 // The program with a window.
 #pragma once
 
-#include "app/Program.h"
+#include "app/ProgramStart.h"
 
 namespace vmr {
 

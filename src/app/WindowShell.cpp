@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "base/Clock.h"
+#include "base/Log.h"
 #include "model/SimTrading.h"
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
@@ -60,10 +61,7 @@ bool savePicture(QQuickWindow& window, const std::string& file) {
     return false;
 }
 
-void print(const std::string& line) {
-    std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
-}
+void print(const std::string& line) { Log::standardOutput().line(line); }
 
 /// Times every run of the main thread, from the first event after a wait to the next wait. The dispatcher's own news of
 /// waking come too late for that: it has handled much by then, and the GLib one everything.

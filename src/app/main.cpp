@@ -6,7 +6,8 @@
 
 #include "app/HeadlessShell.h"
 #include "app/Options.h"
-#include "app/Program.h"
+#include "app/ProgramStart.h"
+#include "base/Log.h"
 #include "model/BarRollSelfTest.h"
 #include "perf/StartUp.h"
 #ifdef VMR_WITH_QT
@@ -22,7 +23,8 @@ std::optional<std::string> environment(const char* name) {
 
 int selfTest() {
     const vmr::BarRollResult result = vmr::runBarRollSelfTest();
-    std::printf("[barroll-test] %s\n  %s\n", result.ok ? "PASS" : "FAIL", result.summary.c_str());
+    vmr::Log::standardOutput().lines(std::string("[barroll-test] ") + (result.ok ? "PASS" : "FAIL") + "\n  " +
+                                     result.summary);
     return result.ok ? 0 : 1;
 }
 
@@ -39,7 +41,7 @@ int main(int argc, char** argv) {
     }
     const auto& options = std::get<vmr::Options>(parsed);
     if (options.help) {
-        std::fputs(vmr::usageText().c_str(), stdout);
+        vmr::Log::standardOutput().lines(vmr::usageText());
         return 0;
     }
     vmr::startUpStage("main");

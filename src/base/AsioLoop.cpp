@@ -19,6 +19,8 @@ namespace asio = boost::asio;
 using SteadyTime = std::chrono::steady_clock;
 
 namespace {
+constexpr double resolverPatience = 0.2;
+
 SteadyTime::duration seconds(double value) {
     return std::chrono::duration_cast<SteadyTime::duration>(std::chrono::duration<double>(std::clamp(value, 0.0, 1e8)));
 }
@@ -98,15 +100,22 @@ struct AsioLoop::Impl : std::enable_shared_from_this<AsioLoop::Impl> {
         }
         asio::post(context, [timer] { timer->steady.cancel(); });
     }
+
+    void endTimers() {
+        std::unordered_map<TimerId, std::shared_ptr<Timer>> ended;  // what a task holds may cancel timers as it goes
+        {
+            std::lock_guard lock(mutex);
+            ended.swap(timers);
+        }
+        for (auto& [id, timer] : ended) timer->steady.cancel();
+    }
 };
 
 AsioLoop::AsioLoop() : impl_(std::make_shared<Impl>()) {}
 
 AsioLoop::~AsioLoop() {
     impl_->context.stop();
-    std::unordered_map<TimerId, std::shared_ptr<Impl::Timer>> ended;  // what a task holds may cancel timers as it goes
-    std::lock_guard lock(impl_->mutex);
-    ended.swap(impl_->timers);
+    impl_->endTimers();
 }
 
 void AsioLoop::post(Task task) { asio::post(impl_->context, std::move(task)); }
@@ -130,9 +139,29 @@ void AsioLoop::run() {
 
 void AsioLoop::quit() { impl_->context.stop(); }
 
+void AsioLoop::finish() {
+    asio::post(impl_->context, [impl = impl_.get()] {
+        impl->endTimers();
+        impl->work.reset();
+    });
+}
+
 asio::io_context& AsioLoop::context() { return impl_->context; }
 
-AsioThread::AsioThread(const std::string& name) : thread_([this] { loop_.run(); }) {
+AsioThread::AsioThread(const std::string& name)
+    : thread_([shared = shared_] {
+          shared->loop->run();
+          std::unique_lock lock(shared->mutex);
+          shared->stopped = true;
+          shared->changed.notify_all();
+          if (!shared->finishing) return;
+          auto loop = std::move(shared->loop);
+          lock.unlock();
+          loop.reset();
+          lock.lock();
+          shared->ended = true;
+          shared->changed.notify_all();
+      }) {
 #ifdef __linux__
     pthread_setname_np(thread_.native_handle(), name.substr(0, 15).c_str());
 #else
@@ -140,8 +169,38 @@ AsioThread::AsioThread(const std::string& name) : thread_([this] { loop_.run(); 
 #endif
 }
 
+void AsioThread::finish() {
+    patientUntil_ = SteadyTime::now() + seconds(patience);
+    std::lock_guard lock(shared_->mutex);
+    shared_->finishing = true;
+    shared_->loop->finish();
+}
+
+void AsioThread::quit() {
+    std::lock_guard lock(shared_->mutex);
+    if (shared_->loop) shared_->loop->quit();
+}
+
+bool AsioThread::ended() const {
+    std::lock_guard lock(shared_->mutex);
+    return shared_->ended;
+}
+
 AsioThread::~AsioThread() {
-    loop_.quit();
+    std::unique_lock lock(shared_->mutex);
+    Shared& shared = *shared_;
+    const auto ended = [&shared] { return shared.ended; };
+    if (shared.finishing && !shared.changed.wait_until(lock, patientUntil_, ended)) {
+        if (shared.loop) shared.loop->quit();
+        shared.changed.wait(lock, [&shared] { return shared.stopped; });
+        // its tasks are over; what is left is the loop's own
+        if (!shared.changed.wait_for(lock, seconds(resolverPatience), ended)) {
+            thread_.detach();
+            return;
+        }
+    }
+    if (shared.loop) shared.loop->quit();
+    lock.unlock();
     thread_.join();
 }
 

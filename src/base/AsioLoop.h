@@ -1,7 +1,10 @@
 // An event loop without a toolkit: the windowless shell's main loop, the relay client's queue, the practice relay.
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -33,6 +36,10 @@ class AsioLoop final : public SerialQueue {
     /// Makes `run` return soon; from any thread. Tasks not yet run stay queued.
     void quit();
 
+    /// Lets `run` return, for good, once nothing is under way any more: tasks posted before are carried out and
+    /// sockets that live here come to their ends, but timers end without running. From any thread.
+    void finish();
+
     /// The context, for sockets that live on this loop.
     boost::asio::io_context& context();
 
@@ -41,20 +48,43 @@ class AsioLoop final : public SerialQueue {
     std::shared_ptr<Impl> impl_;
 };
 
-/// An `AsioLoop` with a thread of its own that runs it from construction to destruction.
+/// An `AsioLoop` with a thread of its own that runs it from construction to destruction. Not to be used from that
+/// thread.
 class AsioThread {
  public:
     /// `name` is what a debugger shows (15 characters count on Linux).
     explicit AsioThread(const std::string& name);
-    /// Quits the loop and joins; not from the loop's own thread.
+    /// Quits the loop and joins. After `finish` it waits at most `patience` for the orderly end, drops what is then
+    /// still under way, and leaves a thread behind that waits for the system's name resolver, which nothing can end.
     ~AsioThread();
     AsioThread(const AsioThread&) = delete;
     AsioThread& operator=(const AsioThread&) = delete;
 
-    AsioLoop& loop() { return loop_; }
+    static constexpr double patience = 0.5;  ///< seconds after `finish`
+
+    /// Until `finish`; what is left of the loop then goes with the thread.
+    AsioLoop& loop() { return *shared_->loop; }
+
+    /// Begins the end, as `AsioLoop::finish`; returns at once. Once.
+    void finish();
+
+    /// After `finish`: drops what is still under way.
+    void quit();
+
+    /// After `finish`: the thread has ended, so that destruction waits for nothing.
+    bool ended() const;
 
  private:
-    AsioLoop loop_;
+    struct Shared {
+        std::mutex mutex;  // guards the flags; the loop from `finishing` on
+        std::condition_variable changed;
+        std::unique_ptr<AsioLoop> loop = std::make_unique<AsioLoop>();
+        bool finishing = false;  // the thread destroys the loop
+        bool stopped = false;    // runs no task any more
+        bool ended = false;
+    };
+    const std::shared_ptr<Shared> shared_ = std::make_shared<Shared>();
+    std::chrono::steady_clock::time_point patientUntil_;
     std::thread thread_;
 };
 

@@ -29,9 +29,7 @@ Rgba textColor(double alpha) { return {0.72F, 0.72F, 0.72F, static_cast<float>(a
 /// 0 at `distance` 0 and below, 1 from `fadePoints` on.
 double fade(double distance) { return std::clamp(distance / fadePoints, 0.0, 1.0); }
 
-double plotHeight(const ScreenFrame& frame) { return frame.height - AxisLayer::timeAxisHeight; }
-double plotWidth(const ScreenFrame& frame) { return frame.width - AxisLayer::priceAxisWidth; }
-bool fits(const ScreenFrame& frame) { return plotHeight(frame) > tagHeight && plotWidth(frame) > tagHeight; }
+bool fits(const ScreenFrame& frame) { return frame.plot().bottom() > tagHeight && frame.plot().right() > tagHeight; }
 
 }  // namespace
 
@@ -47,7 +45,7 @@ void AxisLayer::drawBelow(ScreenFrame& frame) {
     findPriceTicks(frame);
     findTimeTicks(frame);
     const double hair = 1.0 / frame.pixelRatio;
-    const double right = plotWidth(frame), bottom = plotHeight(frame);
+    const double right = frame.plot().right(), bottom = frame.plot().bottom();
     for (const double price : priceTicks_.span()) {
         const double y = AxisScale::yFor(frame.viewport, price, frame.height);
         if (y >= 0 && y < bottom) rect(frame, 0, y, right, y + hair, gridColor);
@@ -61,7 +59,7 @@ void AxisLayer::drawBelow(ScreenFrame& frame) {
 bool AxisLayer::drawAbove(ScreenFrame& frame) {
     if (!fits(frame)) return false;
     const double hair = 1.0 / frame.pixelRatio;
-    const double right = plotWidth(frame), bottom = plotHeight(frame);
+    const double right = frame.plot().right(), bottom = frame.plot().bottom();
     rect(frame, right, 0, frame.width, frame.height, areaColor);
     rect(frame, 0, bottom, right, frame.height, areaColor);
     rect(frame, right, 0, right + hair, bottom, separatorColor);
@@ -180,7 +178,7 @@ void AxisLayer::keepApart() {
 }
 
 AxisLayer::Box AxisLayer::tagBox(const ScreenFrame& frame) const {
-    const double bottom = plotHeight(frame);
+    const double bottom = frame.plot().bottom();
     const double y = AxisScale::yFor(frame.viewport, frame.lastPrice, frame.height);
     if (!(y >= 0 && y <= bottom)) return {};
     const double top = std::clamp(y - tagHeight * 0.5, 0.0, bottom - tagHeight);
@@ -189,7 +187,7 @@ AxisLayer::Box AxisLayer::tagBox(const ScreenFrame& frame) const {
 
 void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box) {
     const double half = text_.lineHeight(axisStyle) * 0.5;
-    const double bottom = plotHeight(frame);
+    const double bottom = frame.plot().bottom();
     for (const double price : priceTicks_.span()) {
         const double y = AxisScale::yFor(frame.viewport, price, frame.height);
         double alpha = std::min(fade(y - half), fade(bottom - half - y));
@@ -203,20 +201,20 @@ void AxisLayer::addPrice(const ScreenFrame& frame, double price, FontFace face, 
     const auto label = AxisScale::fmtPrice(price);
     TextStyle style{face, axisStyle.pointSize};
     double width = text_.width(label.text(), style);
-    if (width > priceAxisWidth - 2.0 * sideRoom) {
+    if (width > PlotArea::priceAxisWidth - 2.0 * sideRoom) {
         style.pointSize = 9.0;
         width = text_.width(label.text(), style);
     }
-    if (width > priceAxisWidth - 2.0 * sideRoom) return;
-    const double right = frame.width - std::min(9.0, priceAxisWidth - sideRoom - width);
+    if (width > PlotArea::priceAxisWidth - 2.0 * sideRoom) return;
+    const double right = frame.width - std::min(9.0, PlotArea::priceAxisWidth - sideRoom - width);
     text_.add(label.text(), style, right, y, TextAlign::right, color);
 }
 
 void AxisLayer::addTimeLabels(const ScreenFrame& frame) {
-    const double y = frame.height - timeAxisHeight * 0.5;
+    const double y = frame.height - PlotArea::timeAxisHeight * 0.5;
     for (const TimeLabel& tick : timeLabels_) {
         const double half = tick.width * 0.5 + 2.0;
-        const double alpha = std::min(fade(tick.x - half), fade(plotWidth(frame) - half - tick.x));
+        const double alpha = std::min(fade(tick.x - half), fade(frame.plot().right() - half - tick.x));
         if (alpha > 0.0) text_.add(tick.label.text(), axisStyle, tick.x, y, TextAlign::center, textColor(alpha));
     }
 }

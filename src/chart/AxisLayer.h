@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "chart/AxisScale.h"
-#include "chart/Camera.h"
 #include "chart/ScreenLayer.h"
 #include "chart/TextLayer.h"
 #include "market/SessionTime.h"
@@ -19,9 +18,6 @@ namespace vmr {
 /// (a stock seen from afar) it names days. Main thread.
 class AxisLayer final : public ScreenLayer {
  public:
-    static constexpr double priceAxisWidth = Camera::priceAxisPadPx;  ///< points, at the right edge
-    static constexpr double timeAxisHeight = 22.0;                    ///< points, at the bottom edge
-
     /// Both must outlive the layer. `session` is used on the main thread.
     AxisLayer(GlyphSource& glyphs, SessionTime& session);
 

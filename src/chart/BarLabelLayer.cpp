@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "chart/AxisLayer.h"
-
 namespace vmr {
 
 namespace {
@@ -16,13 +14,10 @@ constexpr Rgba shadowColor{0.04F, 0.04F, 0.04F, 0.9F};
 
 bool isTag(const BarLabel& label) { return !label.value; }
 
-double plotBottom(const ScreenFrame& frame) { return frame.height - AxisLayer::timeAxisHeight; }
-double plotRight(const ScreenFrame& frame) { return frame.width - AxisLayer::priceAxisWidth; }
-
 /// 0 for a text that leaves the plot at the top or bottom, 1 for one that is well inside.
 double insideShare(const ScreenFrame& frame, const BarLabel& label) {
     const double half = label.fontSize * inkShare;
-    const double room = std::min(label.y - half, plotBottom(frame) - (label.y + half));
+    const double room = std::min(label.y - half, frame.plot().bottom() - (label.y + half));
     return std::clamp(room / fadePoints, 0.0, 1.0);
 }
 
@@ -70,7 +65,7 @@ void BarLabelLayer::addTexts(const ScreenFrame& frame) {
         const double left = label.alignRight ? label.anchorX - width : label.anchorX;
         const double half = label.fontSize * inkShare;
         const Box box{left, label.y - half, left + width, label.y + half};
-        const bool inside = box.left >= 0 && box.right <= plotRight(frame);
+        const bool inside = box.left >= 0 && box.right <= frame.plot().right();
         if (inside && takeRoom(box)) addText(frame, label, style, static_cast<float>(insideShare(frame, label)));
     }
 }

@@ -4,12 +4,15 @@
 #include <cmath>
 
 #include "base/Fatal.h"
+#include "gpu/PlotArea.h"
 
 namespace vmr {
 
 double Camera::maxBarW(double viewW) { return std::max((viewW * 0.25 - 90.0) * 0.8, 40.0); }
 
-double Camera::padFrac() const { return (maxBarW(lastViewW) + priceAxisPadPx + 370.0) / std::max(lastViewW, 1.0); }
+double Camera::padFrac() const {
+    return (maxBarW(lastViewW) + PlotArea::priceAxisWidth + 370.0) / std::max(lastViewW, 1.0);
+}
 
 double Camera::rightEdgeFirst(std::size_t n) const {
     const double gap = std::min(visibleCount * 0.5, std::max(12.0, visibleCount * padFrac()));

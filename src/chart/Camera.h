@@ -23,8 +23,6 @@ struct DataOrigin {
 /// Arguments that are not finite are ignored. Main thread.
 class Camera {
  public:
-    static constexpr double priceAxisPadPx = 74.0;  ///< width of the price axis, points
-
     double firstVisible = 0;    ///< bar at the left edge, fractional
     double visibleCount = 120;  ///< bars across the view, fractional
     bool followLive = true;     ///< the view rides the right end

@@ -19,14 +19,14 @@ bool positive(double value) { return std::isfinite(value) && value > 0; }
 bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, double nowMonotonic) {
     const double start = clock_.monotonic();
     inputLagMs_.reset();
+    movedTo_.reset();
     if (inputAt_) inputLagMs_ = (nowMonotonic - *std::exchange(inputAt_, std::nullopt)) * 1000.0;
     if (perf && inputLagMs_) perf->time("inputLag", *inputLagMs_);
     arena_.beginFrame();
     stepTime(nowMonotonic);
 
     gpu_.beginFrame(width, height, pixelRatio);
-    setFlat({});
-    drawRetained(background_);
+    gpu_.clear(clearColor);
     const bool drawable = positive(width) && positive(height) && positive(pixelRatio);
     if (drawable) camera_.lastViewW = width;  // also without bars, so that the first ones find their margin
     const bool animating = drawable && !candles_.empty() && drawChart(width, height, pixelRatio);

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "chart/AxisLayer.h"
 #include "chart/AxisScale.h"
 #include "perf/Perf.h"
 
@@ -31,11 +30,11 @@ void ChartInput::setSize(double width, double height) {
 }
 
 double ChartInput::closeMarkEdge(double width) {
-    return std::max(width - priceAxisWidth - Camera::maxBarW(width) - 80.0, 240.0);
+    return std::max(PlotArea{width, 0}.right() - Camera::maxBarW(width) - 80.0, 240.0);
 }
 
 bool ChartInput::closeMarkShown(double y, double height) {
-    return y >= closeMarkHeight / 2 && y <= height - AxisLayer::timeAxisHeight - closeMarkHeight / 2;
+    return y >= closeMarkHeight / 2 && y <= PlotArea{0, height}.bottom() - closeMarkHeight / 2;
 }
 
 double ChartInput::priceAt(double y) const {
@@ -99,7 +98,7 @@ void ChartInput::mouseMoved(ChartPoint at) {
     lines();
     const bool order = simOrder(at.y).has_value();
     const bool onMark = onPositionMark(at) || onOrderMark(at);
-    cursorOnRuler_ = at.x >= width_ - priceAxisWidth || order || simProjLeg(at.y).has_value();
+    cursorOnRuler_ = plot().onPriceAxis(at.x) || order || simProjLeg(at.y).has_value();
     const ChartCursor cursor = onMark           ? ChartCursor::pointingHand
                                : cursorOnRuler_ ? ChartCursor::resizeUpDown
                                                 : ChartCursor::arrow;
@@ -166,7 +165,7 @@ void ChartInput::flushDrag(ChartPoint at) {
     if (perf_) perf_->bump("flushDrag");
     const double dx = std::exchange(pendingDX_, 0), dy = std::exchange(pendingDY_, 0);
     renderer_.setInteracting(true);
-    if (at.x >= width_ - priceAxisWidth) return renderer_.zoomPrice(std::clamp(1 + dy * 0.005, 0.6, 1.6));
+    if (plot().onPriceAxis(at.x)) return renderer_.zoomPrice(std::clamp(1 + dy * 0.005, 0.6, 1.6));
     if (dx != 0) renderer_.pan(barsFor(dx));
     if (dy != 0) renderer_.panByPrice(dy, height_);
 }

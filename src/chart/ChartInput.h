@@ -12,6 +12,7 @@
 #include "base/SerialQueue.h"
 #include "chart/ChartRenderer.h"
 #include "chart/ChartTrading.h"
+#include "gpu/PlotArea.h"
 #include "market/SessionTime.h"
 
 namespace vmr {
@@ -45,7 +46,6 @@ class ChartInput {
     static constexpr double hitTolerance = 6;      ///< points
     static constexpr double hold = 0.18;           ///< seconds that frames go on after the last drag, wheel or pinch
     static constexpr double closeMarkHeight = 16;  ///< points; that of the labels as well
-    static constexpr double priceAxisWidth = Camera::priceAxisPadPx;
 
     /// All must outlive it; `perf` may be null.
     ChartInput(ChartRenderer& renderer, SessionTime& session, const Clock& clock, MainLoop& main, Perf* perf);
@@ -100,6 +100,7 @@ class ChartInput {
     static bool closeMarkShown(double y, double height);
 
  private:
+    PlotArea plot() const { return {width_, height_}; }
     double priceAt(double y) const;
     bool isNear(double price, double y) const;
     bool onCloseColumn(double x) const;

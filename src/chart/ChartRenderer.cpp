@@ -42,15 +42,11 @@ struct ChartRenderer::Delivery {
 };
 
 ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock, Post post)
-    : gpu_(gpu), clock_(clock), delivery_(new Delivery{this, std::move(post), {}, false, false, false}), arena_(gpu) {
-    constexpr float corners[6][2] = {{-1, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, -1}, {1, 1}};
-    for (const auto& corner : corners) flatScratch_.push_back({{corner[0], corner[1], 0.0F, 1.0F}, clearColor});
-    retain(background_, flatScratch_);
-}
+    : gpu_(gpu), clock_(clock), delivery_(new Delivery{this, std::move(post), {}, false, false, false}), arena_(gpu) {}
 
 ChartRenderer::~ChartRenderer() {
-    for (const Retained* retained : {&background_, &candleTris_, &candleWicks_, &candleBorders_, &overlayLines_,
-                                     &sessionLines_, &second_, &secondBorders_, &walls_, &markers_}) {
+    for (const Retained* retained : {&candleTris_, &candleWicks_, &candleBorders_, &overlayLines_, &sessionLines_,
+                                     &second_, &secondBorders_, &walls_, &markers_}) {
         if (retained->buf != 0) gpu_.release(retained->buf);
     }
     delivery_->owner = nullptr;
@@ -112,6 +108,16 @@ void ChartRenderer::barsMoved() {
     const Candle& last = candles_.back();
     origin_ = {static_cast<double>(candles_.size() - 1), std::isfinite(last.close) ? last.close : 0.0};
     staticDirty_ = wallsDirty_ = markersDirty_ = true;
+}
+
+void ChartRenderer::startOver() {
+    candles_.clear();
+    dispClose_ = std::numeric_limits<double>::quiet_NaN();
+    bubblePts_.clear();
+    trianglePts_.clear();
+    edges_.clear();
+    markersDirty_ = true;
+    setOverlayGeometry({});
 }
 
 void ChartRenderer::setRenderConfig(const RenderConfig& config) {
@@ -224,7 +230,9 @@ std::size_t ChartRenderer::currentSessionStartIndex() const {
 }
 
 void ChartRenderer::publishViewport() {
-    if (!camera_.snapLerps || !onViewport) return;
+    if (!camera_.snapLerps) return;
+    movedTo_ = camera_.viewport();
+    if (!onViewport) return;
     delivery_->viewport = camera_.viewport();
     delivery_->viewportDue = true;
     delivery_->send();

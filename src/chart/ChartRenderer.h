@@ -87,6 +87,10 @@ class ChartRenderer {
     /// GPU, and asks for a frame.
     void setOverlayGeometry(const OverlayLists& lists);
 
+    /// Shows no chart: bars, overlays, markers and what eases of the one before are gone, the camera waits for first
+    /// bars.
+    void startOver();
+
     /// Draws `layer` in every frame after those added before; it must outlive the renderer's frames.
     void addScreenLayer(ScreenLayer& layer) { screenLayers_.push_back(&layer); }
 
@@ -123,6 +127,8 @@ class ChartRenderer {
     double alphaClose() const { return alphaClose_; }
     /// Milliseconds from the oldest input of the last frame to that frame; nothing when no input led to it.
     std::optional<double> inputLagMs() const { return inputLagMs_; }
+    /// Where the last frame's camera is, if it moved in that frame.
+    const std::optional<Viewport>& movedTo() const { return movedTo_; }
     /// Whether ribbons of overlay series or session lines are there.
     bool hasOverlays() const;
     /// What a benchmark draws: counts of bars, strikes, markers and overlay vertices.
@@ -207,7 +213,7 @@ class ChartRenderer {
     Camera camera_;
     EdgeLayers edges_;
     DataOrigin origin_;  ///< of all data-space geometry but the overlays'; moves only when all of it is rebuilt
-    Retained background_, candleTris_, candleWicks_, candleBorders_, walls_, markers_;
+    Retained candleTris_, candleWicks_, candleBorders_, walls_, markers_;
     Retained overlayLines_, sessionLines_, second_, secondBorders_;
     std::uint64_t sessionRevision_ = 0;
     DataOrigin overlayOrigin_;  ///< of the four above
@@ -219,6 +225,7 @@ class ChartRenderer {
     double lastLabelPublish_ = -std::numeric_limits<double>::infinity();  ///< monotonic
     std::vector<BarLabel> lastBarLabels_;
     std::optional<double> inputAt_, inputLagMs_;
+    std::optional<Viewport> movedTo_;
     std::vector<ChartVertex> flatScratch_;
     std::vector<LineVertex> ribbonScratch_;
     std::vector<MarkerVertex> markerScratch_;

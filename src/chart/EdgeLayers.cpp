@@ -172,6 +172,11 @@ EdgeFrame EdgeLayers::step(const EdgeInput& input, FrameArena& arena) {
     return frame;
 }
 
+void EdgeLayers::clear() {
+    impl_->shown = {};
+    impl_->labels.clear();
+}
+
 std::span<const BarLabel> EdgeLayers::labels() const { return impl_->labels.span(); }
 
 const EdgeDisplays& EdgeLayers::displays() const { return impl_->shown; }

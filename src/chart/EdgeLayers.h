@@ -45,6 +45,9 @@ class EdgeLayers {
     /// One step, written into `arena`. No allocation once its memory has grown.
     EdgeFrame step(const EdgeInput& input, FrameArena& arena);
 
+    /// Forgets what was shown, so that nothing eases from it.
+    void clear();
+
     /// The labels of the last step; valid until the next.
     std::span<const BarLabel> labels() const;
 

@@ -17,7 +17,7 @@ std::string priceText(double price) {
 }  // namespace
 
 std::vector<OrderMenuItem> ChartInput::orderMenu(ChartPoint at) const {
-    if (!trades() || at.x >= width_ - priceAxisWidth) return {};
+    if (!trades() || plot().onPriceAxis(at.x)) return {};
     const double there = priceAt(at.y);
     if (!std::isfinite(there)) return {};
     const double price = trading->roundTick(simRoot, there);

@@ -5,6 +5,7 @@
 
 #include "gpu/FrameArena.h"
 #include "gpu/Gpu.h"
+#include "gpu/PlotArea.h"
 #include "market/Records.h"
 
 namespace vmr {
@@ -21,6 +22,8 @@ struct ScreenFrame {
     double lastPrice = 0;                      ///< the eased close, where the price line lies
     bool rising = true;                        ///< the forming bar is up
     std::span<const BarLabel> barLabels = {};  ///< beside the strike bars; valid for the frame
+
+    PlotArea plot() const { return {width, height}; }
 };
 
 /// A layer of the renderer's frame, drawn with the very camera that the candles have. It sets pipeline and uniforms of

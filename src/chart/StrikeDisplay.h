@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "chart/Camera.h"
+#include "gpu/PlotArea.h"
 #include "gpu/Vertices.h"
 #include "market/Records.h"
 
@@ -34,7 +35,7 @@ struct EdgeStage {
     bool snapLerps = false;
     double alphaX = 1, alphaY = 1;
 
-    double axisX() const { return viewW - Camera::priceAxisPadPx; }
+    double axisX() const { return PlotArea{viewW, viewH}.right(); }
     /// The widest bar and the widest swing of a wave.
     double maxW() const { return Camera::maxBarW(viewW); }
     float clipX(double x) const { return static_cast<float>(x * (2.0 / viewW) - 1.0); }

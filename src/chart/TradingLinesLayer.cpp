@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdio>
 
-#include "chart/AxisLayer.h"
 #include "chart/AxisScale.h"
 #include "chart/ChartInput.h"
 
@@ -18,9 +17,6 @@ constexpr Rgba plannedColor{0.6F, 0.6F, 0.6F, 1.0F};
 constexpr Rgba backColor{0.04F, 0.04F, 0.04F, 0.92F};
 constexpr TextStyle labelStyle{FontFace::regular, 11};
 constexpr double boxHeight = ChartInput::closeMarkHeight, boxPadding = 6, markWidth = 18;  // points
-
-double plotRight(const ScreenFrame& frame) { return frame.width - AxisLayer::priceAxisWidth; }
-double plotBottom(const ScreenFrame& frame) { return frame.height - AxisLayer::timeAxisHeight; }
 
 template <class... Args>
 void print(std::string& out, const char* format, Args... args) {
@@ -74,8 +70,8 @@ bool TradingLinesLayer::drawAbove(ScreenFrame& frame) {
 
 void TradingLinesLayer::addLine(const ScreenFrame& frame, double price, const Style& style) {
     const double y = AxisScale::yFor(frame.viewport, price, frame.height);
-    if (!(y >= 0 && y < plotBottom(frame))) return;
-    const double right = plotRight(frame), pixel = 1 / frame.pixelRatio;
+    if (!(y >= 0 && y < frame.plot().bottom())) return;
+    const double right = frame.plot().right(), pixel = 1 / frame.pixelRatio;
     Rgba color = style.color;
     color[3] = 0.8F;
     if (style.dash <= 0) return addRect(frame, 0, y, right, y + pixel, color);

@@ -5,6 +5,10 @@
 
 namespace vmr {
 
+namespace {
+std::size_t aligned(std::size_t offset) { return (offset + arenaAlignment - 1) / arenaAlignment * arenaAlignment; }
+}  // namespace
+
 FrameArena::~FrameArena() {
     releaseRetired();
     for (const Arena& arena : arenas_) {
@@ -25,7 +29,7 @@ void FrameArena::beginFrame() {
 
 std::byte* FrameArena::makeRoom(std::size_t bytes) {
     Arena& arena = arenas_[arenaIdx_];
-    const std::size_t offset = (arenaOffset_ + 255) & ~std::size_t{255};
+    const std::size_t offset = aligned(arenaOffset_);
     const std::size_t need = offset + bytes;
     if (arena.bytes.size() < need) {
         if (arena.buffer != 0) retired_.push_back(arena.buffer);
@@ -37,7 +41,7 @@ std::byte* FrameArena::makeRoom(std::size_t bytes) {
 
 std::optional<DynUpload> FrameArena::keep(std::size_t bytes, std::size_t count) {
     if (bytes == 0) return std::nullopt;
-    const std::size_t offset = (arenaOffset_ + 255) & ~std::size_t{255};
+    const std::size_t offset = aligned(arenaOffset_);
     arenaOffset_ = offset + bytes;
     return DynUpload{arenas_[arenaIdx_].buffer, offset, count};
 }

@@ -1,9 +1,12 @@
-// The whole graphics interface of the chart. Implemented over QRhi by the window and by a recorder in tests.
+// The whole graphics interface of the chart. A recorder implements it, and the window replays what it recorded.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
+
+#include "gpu/PointRect.h"
+#include "gpu/Vertices.h"
 
 namespace vmr {
 
@@ -19,13 +22,16 @@ enum class Primitive : std::uint8_t { triangles, lines, quads };
 /// Names a buffer; 0 is none.
 using GpuBuffer = std::uint32_t;
 
+/// Draws from an arena begin at multiples of this many bytes.
+inline constexpr std::size_t arenaAlignment = 256;
+
 /// Records one frame at a time. Main thread. Between `beginFrame` and `endFrame` the calls describe a frame, which the
 /// implementation draws afterwards, as often as it needs to.
 class Gpu {
  public:
     virtual ~Gpu() = default;
 
-    /// A retained buffer with these bytes, never changed again.
+    /// A retained buffer with these bytes (at least one), never changed again.
     virtual GpuBuffer makeBuffer(std::span<const std::byte> bytes) = 0;
 
     /// Whether a retained buffer holds exactly these bytes, so that nothing new needs to be made.
@@ -42,11 +48,19 @@ class Gpu {
 
     /// Starts a frame for a view of `width` x `height` points at `pixelRatio` device pixels a point.
     virtual void beginFrame(double width, double height, double pixelRatio) = 0;
+    /// Covers the view, or the clip rectangle, with a colour of alpha 1, without blending. Keeps pipeline and uniforms.
+    virtual void clear(const Rgba& color) = 0;
+    /// What is drawn from now on touches only this part of the view, to the nearest device pixel; nothing where it has
+    /// no area or is not finite. A frame begins with the whole view.
+    virtual void setClip(const PointRect& clip) = 0;
+    /// Back to the whole view.
+    virtual void resetClip() = 0;
+    /// Uniforms have to be set after it, before the next draw.
     virtual void setPipeline(Pipeline pipeline) = 0;
     /// 4 floats (flat, text) or 8 floats (ribbon, marker); copied.
     virtual void setUniforms(std::span<const float> values) = 0;
-    /// Draws `vertexCount` vertices that begin `byteOffset` bytes into `buffer`, with the pipeline and uniforms set
-    /// last.
+    /// Draws `vertexCount` vertices, whole shapes, that begin `byteOffset` bytes into `buffer`, with the pipeline and
+    /// uniforms set last. Nothing for 0.
     virtual void draw(Primitive primitive, GpuBuffer buffer, std::size_t byteOffset, std::size_t vertexCount) = 0;
     virtual void endFrame() = 0;
 };

@@ -19,6 +19,13 @@ struct RetainedBytes {
     std::vector<std::byte> bytes;
 };
 
+/// Whole device pixels from the view's top left, within the view.
+struct PixelRect {
+    int left = 0, top = 0, right = 0, bottom = 0;  ///< the last two are outside
+    bool empty() const { return left >= right || top >= bottom; }
+    bool operator==(const PixelRect&) const = default;
+};
+
 struct RecordedFrame {
     static constexpr std::int32_t fromStream = -1;
     struct Draw {
@@ -26,6 +33,8 @@ struct RecordedFrame {
         Primitive primitive = Primitive::triangles;
         std::int32_t source = fromStream;  ///< index into `retained`, or `fromStream`
         std::uint32_t uniforms = 0;        ///< index into `uniforms`
+        std::uint32_t clip = 0;            ///< index into `clips`
+        bool opaque = false;               ///< replaces what it covers, without blending
         std::size_t byteOffset = 0;
         std::size_t vertexCount = 0;
     };
@@ -33,6 +42,7 @@ struct RecordedFrame {
     double pixelRatio = 1;
     std::vector<Draw> draws;
     std::vector<std::array<float, 8>> uniforms;
+    std::vector<PixelRect> clips;   ///< the first one is the whole view
     std::vector<std::byte> stream;  ///< what the frame wrote into arenas and draws from
     std::vector<std::shared_ptr<const RetainedBytes>> retained;
 
@@ -40,6 +50,7 @@ struct RecordedFrame {
     void clear() {
         draws.clear();
         uniforms.clear();
+        clips.clear();
         stream.clear();
         retained.clear();
     }

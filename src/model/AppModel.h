@@ -112,6 +112,8 @@ class AppModel {
     /// Signs in and connects; `done` (may be empty) gets whether it worked, after the fields have changed.
     void signIn(const std::string& email, const std::string& password, bool remember,
                 std::function<void(bool)> done = {});
+    /// Enters the session that the process has, and connects with it; the constructor does so where there is one.
+    void startStoredSession();
     /// Disconnects and forgets the session; the chart and its data stay.
     void signOut();
     /// Ends the pane: timers, connection and its place in `liveCount`. Safe to call twice.
@@ -259,7 +261,6 @@ class AppModel {
  private:
     // Lifecycle (AppModel.cpp)
     void connectRelay();
-    void startStoredSession();
     TokenProvider tokenProvider();
     void onConnected();
     void openFirstChart();

@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+
+#include "base/Log.h"
 
 namespace vmr {
 
@@ -40,10 +41,7 @@ Perf::Perf(const Clock& clock, Print print) : clock_(clock), print_(std::move(pr
 
 Perf& Perf::shared() {
     static const SystemClock clock;
-    static Perf perf(clock, [](const std::string& line) {
-        std::printf("%s\n", line.c_str());
-        std::fflush(stdout);
-    });
+    static Perf perf(clock, [](const std::string& line) { Log::standardOutput().line(line); });
     return perf;
 }
 

@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <string>
 
 #include "base/Clock.h"
+#include "base/Log.h"
 
 namespace vmr {
 
@@ -17,8 +17,7 @@ void startUpStage(std::string_view stage) {
     line += entry + fmt::format("{:.2f}", secondsSinceProcessStart());
     if (stage != "drawn") return;
     printed = true;
-    std::printf("[perf] start-up s:%s\n", line.c_str() + 1);
-    std::fflush(stdout);
+    Log::standardOutput().line("[perf] start-up s:" + line.substr(1));
 }
 
 }  // namespace vmr

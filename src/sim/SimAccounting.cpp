@@ -124,7 +124,8 @@ double SimEngine::totalUnrealized() const {
 }
 
 double SimEngine::dayPnL() const {
-    constexpr double longestDay = 100000;  // 25 hours and more, so that few trades need the calendar
+    constexpr double longestDay =
+        100000;  // seconds, above the 25 hours of a clock change; spares most trades the calendar
     const double time = setup_.clock.now();
     const std::int64_t today = setup_.localDay(time);
     double sum = 0;

@@ -45,7 +45,8 @@ void SimEngine::reconcileBrackets(std::string_view sym, std::int64_t newQty) {
     }
 }
 
-// For the whole position, whatever part of it the filled order made, and off the grid if the fill was.
+// The legs are for the whole position, not only for the part that `filled` opened. They lie off the grid if the fill
+// did.
 void SimEngine::buildLegs(const Order& filled, double price, std::int64_t qty, double tick) {
     removeLegs(filled.sym);
     const double direction = qty > 0 ? 1 : -1;

@@ -61,7 +61,7 @@ std::optional<SimEngine::Order> SimEngine::place(std::string_view sym, Side side
                                                  Price limit, Price stop, const std::optional<BracketSpec>& bracket) {
     const auto second = static_cast<std::int64_t>(std::floor(setup_.clock.now()));
     if (!specs_.find(sym) || qty < 1 || !setup_.session.marketOpen(second, false)) return std::nullopt;
-    // a price that is no number would never fill, and could never be saved
+    // An order at an infinite price or NaN would never fill, and the account could not be saved with it.
     if ((limit && !isUsable(limit)) || (stop && !isUsable(stop))) return std::nullopt;
     Order order = newOrder(sym, side, type, qty);
     order.limitPrice = limit;
@@ -95,7 +95,7 @@ bool SimEngine::cancel(const Uuid& id) {
     return true;
 }
 
-// Here and below the root is copied: it may be one that the caller reads out of an order which goes.
+// Copies the root, here and in `flatten`: `sym` may point into an order that is about to be removed.
 void SimEngine::cancelAll(std::string_view sym) {
     removeOrders([root = std::string(sym)](const Order& order) { return order.sym == root; });
     persist();

@@ -65,7 +65,7 @@ class SimEngine {
 
     // The account -----------------------------------------------------------------------------------------------------
     enum class Field : std::uint8_t { balance, startBalance, positions, orders, fills, trades };
-    /// Tells inside an operation, each time that field has changed. A subscriber may read, but must not call an
+    /// Emitted inside an operation, each time that field has changed. A subscriber may read, but must not call an
     /// operation that changes the account.
     Signal<Field> changed;
 
@@ -82,12 +82,12 @@ class SimEngine {
     std::int64_t ticketQty = 1;
     std::optional<BracketSpec> ticketBracket = BracketSpec{40, 80};
 
-    // The market; tells nobody ----------------------------------------------------------------------------------------
+    // The market; prices change without a notice ----------------------------------------------------------------------
     /// A trade print: the last price, and whatever it fills.
     void onTrade(std::string_view sym, double price);
     /// A top of book with finite sides, and whatever it fills. It stands until the next one, however old.
     void onQuote(std::string_view sym, double bid, double ask);
-    /// A last price out of history, taken while there is none, if above 0 and finite. Fills nothing.
+    /// A last price out of history, used only while there is none, if above 0 and finite. Fills nothing.
     void seedLast(std::string_view sym, double price);
     const sim::RootMap<Quote>& quotes() const { return quotes_; }
     const sim::RootMap<double>& lasts() const { return lasts_; }

@@ -10,7 +10,7 @@ using sim::OrderType;
 using sim::Quote;
 using sim::Side;
 
-// The last trade is asked first, the touch is a second way in.
+// The last trade or the touch reaches the limit; either is enough.
 bool limitTriggers(const Order& order, double last, const std::optional<Quote>& book) {
     const double limit = *order.limitPrice;
     if (order.side == Side::buy) return last <= limit || (book && limit >= book->ask);

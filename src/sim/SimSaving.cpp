@@ -36,7 +36,7 @@ void SimEngine::persist() {
     });
 }
 
-// The state of this moment is copied here; encoding and the disk are left to the other queue.
+// Copies the account on the main thread; the other queue encodes and writes the copy.
 void SimEngine::save() {
     persistPending_ = false;
     setup_.files->post([this, alive = std::weak_ptr(alive_), store = setup_.store, main = setup_.main,

@@ -30,7 +30,7 @@ struct Stats {
     bool operator==(const Stats&) const = default;
 };
 
-/// The figures of `trades`, in any order; they are taken by `closedAt`, oldest first, equal ones as given.
+/// The figures of `trades`, in any order; they are sorted by `closedAt`, oldest first, equal ones as given.
 Stats statsOf(std::span<const Trade> trades);
 
 }  // namespace vmr::sim

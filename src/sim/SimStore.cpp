@@ -19,7 +19,7 @@ std::optional<sim::Snapshot> SimStore::load() {
     std::error_code ignored;
     const auto bytes = readFile(file_);
     auto account = bytes ? sim::readAccount(*bytes) : std::nullopt;
-    // what stands there and cannot be read is no reason to lose it
+    // A file that cannot be read may still matter to its owner: the first save sets it aside instead of replacing it.
     unreadable_ = !account && fs::exists(fs::symlink_status(file_, ignored));
     return account;
 }

@@ -58,7 +58,7 @@ class Session {
         return held;
     }
 
-    AppModel& pane() { return program_->pane(); }
+    AppModel& pane() { return *program_->panes().active(); }
     relay::PracticeRelay& relay() { return *start_.practice(); }
 
     // Closed bars of the pane that differ from the relay's own; a busy machine has 3 seconds until the last one comes.

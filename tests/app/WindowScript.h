@@ -31,7 +31,7 @@ class WindowRun {
     }
     WindowRun(const WindowRun&) = delete;
 
-    AppModel& pane() { return program->pane(); }
+    AppModel& pane() { return *program->panes().active(); }
     bool streaming() { return pane().catFutures->size() == 6 && pane().candles.size() > 100; }
 
     /// Adds a step: what to do once a condition holds, which is looked at every 5 ms.
@@ -48,7 +48,7 @@ class WindowRun {
         WindowShellHooks hooks;
         hooks.makePane = [this](MainLoop& main) {
             program = std::make_unique<Program>(*start, main);
-            return WindowPane{program->pane(), program->sim(), start->clock(), {}};
+            return WindowPane{pane(), program->sim(), start->clock(), {}};
         };
         hooks.started = [&](std::function<void(int)> quit) {
             shown();

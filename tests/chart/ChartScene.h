@@ -1,4 +1,4 @@
-// A renderer over the recording device, in virtual time, and bars to show.
+// A renderer over a recorder of frames, in virtual time, and bars to show.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,8 +10,9 @@
 #include <vector>
 
 #include "chart/ChartRenderer.h"
+#include "gpu/FrameRecorder.h"
 #include "support/TestTime.h"
-#include "tests/chart/RecordingGpu.h"
+#include "support/gpu/RecordedFrames.h"
 
 namespace vmr::test {
 
@@ -33,19 +34,19 @@ inline std::vector<Candle> bars(std::size_t n, std::size_t from = 0) {
 }
 
 struct ChartScene : testing::Test {
-    using Draw = RecordingGpu::DrawCall;
+    using Draw = RecordedFrames::DrawCall;
     TestTime time;
     TestQueue queue{time};
-    RecordingGpu gpu;
+    FrameRecorder gpu;
+    RecordedFrames recorded;  // the newest frame
     ChartRenderer renderer{gpu, time, [this](std::function<void()> task) { queue.post(std::move(task)); }};
     double width = 1400, height = 900, pixelRatio = 1;
 
-    ~ChartScene() override {
-        for (const auto& fault : gpu.faults) ADD_FAILURE() << fault;
-    }
     bool frame(double seconds = 1.0 / 60.0) {
         time.advance(seconds);
-        return renderer.drawFrame(width, height, pixelRatio, time.monotonic());
+        const bool animating = renderer.drawFrame(width, height, pixelRatio, time.monotonic());
+        recorded.take(gpu);
+        return animating;
     }
     /// Frames until nothing moves any more.
     void settle() {
@@ -55,7 +56,7 @@ struct ChartScene : testing::Test {
     /// The frame's draw calls of one kind in their order, without the background.
     std::vector<Draw> calls(Pipeline pipeline, bool retained, Primitive primitive = Primitive::triangles) const {
         std::vector<Draw> list;
-        std::copy_if(gpu.draws.begin() + 1, gpu.draws.end(), std::back_inserter(list), [&](const Draw& call) {
+        std::copy_if(recorded.draws.begin() + 1, recorded.draws.end(), std::back_inserter(list), [&](const Draw& call) {
             return call.pipeline == pipeline && call.retained == retained && call.primitive == primitive;
         });
         return list;
@@ -73,10 +74,10 @@ struct ChartScene : testing::Test {
     };
     /// `first` counts a retained list's vertices from its beginning, also when only a part of it is drawn.
     Box box(const Draw& call, std::size_t first = 0) const {
-        const auto list = gpu.vertices<ChartVertex>(call);
+        const auto list = recorded.vertices<ChartVertex>(call);
         if (call.retained) first -= call.offset / sizeof(ChartVertex);
-        const auto a = gpu.screen(call, list.at(first).position[0], list.at(first).position[1]);
-        const auto c = gpu.screen(call, list.at(first + 2).position[0], list.at(first + 2).position[1]);
+        const auto a = recorded.screen(call, list.at(first).position[0], list.at(first).position[1]);
+        const auto c = recorded.screen(call, list.at(first + 2).position[0], list.at(first + 2).position[1]);
         return {a[0], a[1], c[0], c[1]};
     }
 };

@@ -4,12 +4,13 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <sstream>
 
 #include "chart/StrikeBars.h"
 #include "chart/StrikeDisplay.h"
-#include "tests/chart/RecordingGpu.h"
+#include "gpu/FrameRecorder.h"
 
 namespace vmr::test {
 namespace {
@@ -27,7 +28,7 @@ StrikeRow both(double strike, double value) {
 /// A view of 1000 x 800 with price 100 in its middle. The axis is at 926, the widest bar has 128.
 struct EdgeLayersTest : testing::Test {
     static constexpr double axisX = 926;
-    RecordingGpu gpu;
+    FrameRecorder gpu;
     FrameArena arena{gpu};
     EdgeLayers edges;
     RenderConfig config;
@@ -51,9 +52,12 @@ struct EdgeLayersTest : testing::Test {
     const BarDisp* bar(double strike) const { return edges.displays().gexDisp.find(strike); }
     const WaveDisp* point(double strike) const { return edges.displays().hfCallDisp.find(strike); }
     std::size_t shown() const { return edges.displays().gexDisp.size() + edges.displays().hfCallDisp.size(); }
-    std::vector<ChartVertex> list(const std::optional<DynUpload>& upload) const {
+    std::vector<ChartVertex> list(const std::optional<DynUpload>& upload) {
         if (!upload) return {};
-        return gpu.vertices<ChartVertex>({{}, {}, upload->buffer, upload->offset, upload->count, {}, 0, false});
+        std::vector<ChartVertex> out(upload->count);
+        const auto bytes = gpu.arenaBytes(upload->buffer).subspan(upload->offset, out.size() * sizeof(ChartVertex));
+        std::memcpy(out.data(), bytes.data(), bytes.size());
+        return out;
     }
     static double x(const ChartVertex& v) { return (v.position[0] + 1.0) * 500; }
     static double y(const ChartVertex& v) { return (1.0 - v.position[1]) * 400; }

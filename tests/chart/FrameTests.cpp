@@ -14,12 +14,12 @@ Candle bar(std::int64_t index, double open, double high, double low, double clos
 
 TEST_F(FrameTest, WithoutBarsOrAreaOnlyClears) {
     EXPECT_FALSE(frame());
-    EXPECT_EQ(gpu.draws.size(), 1U);
+    EXPECT_EQ(recorded.draws.size(), 1U);
     renderer.setCandles(bars(50));
     for (const double nothing : {0.0, HUGE_VAL}) {
         width = nothing;
         EXPECT_FALSE(frame());
-        EXPECT_EQ(gpu.draws.size(), 1U);
+        EXPECT_EQ(recorded.draws.size(), 1U);
     }
 }
 
@@ -63,9 +63,9 @@ TEST_F(FrameTest, AnArenaThatGrowsKeepsWhatTheFrameHas) {
         EXPECT_NEAR(dash.right, 17 * 8 + 2, w * 2e-5);
         EXPECT_EQ(priceLine().count, std::min(w / 8, 6000.0) * 2);
     }
-    EXPECT_EQ(gpu.arenasMade, 6) << "three, each replaced once";
+    EXPECT_EQ(gpu.arenasMade(), 6U) << "three, each replaced once";
     for (int i = 0; i < 9; ++i) frame();
-    EXPECT_EQ(gpu.arenasMade, 6);
+    EXPECT_EQ(gpu.arenasMade(), 6U);
 }
 
 TEST_F(FrameTest, EasingIsTheSameAtAnyRate) {
@@ -102,7 +102,7 @@ TEST_F(FrameTest, TheFormingBarTurnsWhenItsEasedCloseCrossesTheOpen) {
         const bool down = renderer.dispClose() < 21000;
         ++frames[down];
         EXPECT_EQ(calls(Pipeline::ribbon, false).size(), down ? 1U : 0U);
-        EXPECT_EQ(gpu.vertices<ChartVertex>(forming())[0].color, (Rgba{1, 1, 1, down ? 0.4F : 1.0F}));
+        EXPECT_EQ(recorded.vertices<ChartVertex>(forming())[0].color, (Rgba{1, 1, 1, down ? 0.4F : 1.0F}));
     }
     EXPECT_TRUE(frames[false] > 0 && frames[true] > 0);
 }

@@ -25,16 +25,12 @@ class TestPane {
 
     explicit TestPane(double start = wednesdayAt10, double speed = 1) : time(start, speed) {
         AppModel::hfScaleOverrides().clear();
-        RelayClient::setPrinter([](const std::string&) {});
         http.responder = [this](const HttpRequest&) { return grant(); };
         queue.every(5, 10, [this] {  // the server answers pings
             if (sockets.count() > 0) sockets.last().frame(R"({"type":"pong"})");
         });
     }
-    ~TestPane() {
-        model.reset();
-        RelayClient::setPrinter(nullptr);
-    }
+    ~TestPane() { model.reset(); }
     TestPane(const TestPane&) = delete;
 
     /// An answer to a sign-in or to a refresh: a new token that lives one hour.

@@ -13,11 +13,7 @@ using testing::IsEmpty;
 
 class RelayConnection : public testing::Test {
  protected:
-    void SetUp() override {
-        RelayClient::setPrinter([](const std::string&) {});
-        client->setCallbacks(callbacks());
-    }
-    void TearDown() override { RelayClient::setPrinter(nullptr); }
+    void SetUp() override { client->setCallbacks(callbacks()); }
 
     RelayClient::Callbacks callbacks() {
         RelayClient::Callbacks made;
@@ -118,7 +114,8 @@ TEST_F(RelayConnection, TooManyConnectionsIsToldAndWaitsFiveSeconds) {
 }
 
 TEST_F(RelayConnection, PingsCarryTheMarketClockAndSilenceOfMoreThanSixtySecondsIsALoss) {
-    time = TestTime(1781100000.9996, 10.0);  // market time runs ten times as fast; heartbeats do not
+    time.setNow(1781100000.9996);
+    time.setSpeed(10);  // market time runs ten times as fast; heartbeats do not
     auto& socket = goLive();
     time.advance(10);
     EXPECT_THAT(socket.takeSent(), ElementsAre(R"({"ts":1781100100999,"type":"ping"})"));

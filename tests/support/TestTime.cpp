@@ -21,7 +21,7 @@ void TestQueue::cancel(TimerId timer) {
 
 SerialQueue::TimerId TestTime::add(TestQueue* queue, double delay, double period, Task task) {
     const auto id = ++ids_;
-    entries_.emplace(Key{monotonic_ + std::max(delay, 0.0), ++order_}, Entry{queue, std::move(task), period, id});
+    entries_.emplace(Key{real_.seconds + std::max(delay, 0.0), ++order_}, Entry{queue, std::move(task), period, id});
     return id;
 }
 
@@ -29,7 +29,7 @@ bool TestTime::runNext(double end) {
     if (entries_.empty() || entries_.begin()->first.first > end) return false;
     auto node = entries_.extract(entries_.begin());
     Entry entry = std::move(node.mapped());
-    monotonic_ = std::max(monotonic_, node.key().first);
+    real_.seconds = std::max(real_.seconds, node.key().first);
     const TestQueue* outer = std::exchange(current_, entry.queue);
     entry.task();
     current_ = outer;
@@ -41,7 +41,7 @@ bool TestTime::runNext(double end) {
 void TestTime::runUntil(double end) {
     while (runNext(end)) {
     }
-    monotonic_ = std::max(monotonic_, end);
+    real_.seconds = std::max(real_.seconds, end);
 }
 
 }  // namespace vmr::test

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <utility>
 
 #include "base/Clock.h"
 #include "base/SerialQueue.h"
+#include "base/SteerableClock.h"
 
 namespace vmr::test {
 
@@ -28,25 +30,39 @@ class TestQueue final : public SerialQueue {
     TestTime& time_;
 };
 
-/// The clock of the test. Market time runs at `speed` from `start`.
+/// The clock of the test. Market time runs at `speed` from `start`, and is steered as the program's clock is: whoever
+/// watches hears of it when its queue runs next.
 class TestTime final : public Clock {
  public:
-    explicit TestTime(double start = 1781100000.0, double speed = 1.0) : start_(start), speed_(speed) {}
+    explicit TestTime(double start = 1781100000.0, double speed = 1.0) : market_(real_, start, speed) {}
 
-    double now() const override { return start_ + monotonic_ * speed_; }
-    double monotonic() const override { return monotonic_ + monotonicBase; }
-    double speed() const override { return speed_; }
+    double now() const override { return market_.now(); }
+    double monotonic() const override { return real_.monotonic(); }
+    double speed() const override { return market_.speed(); }
+    bool paused() const override { return market_.paused(); }
+    ClockWatch onSteered(SerialQueue& queue, std::function<void(const ClockSteering&)> changed) const override {
+        return market_.onSteered(queue, std::move(changed));
+    }
 
     /// Runs everything that is due now, and what that posts, until nothing is due.
-    void runUntilIdle() { runUntil(monotonic_); }
-    /// Moves time forward by `seconds`, running what falls due in order.
-    void advance(double seconds) { runUntil(monotonic_ + seconds); }
-    /// Jumps market time without running anything.
-    void setNow(double now) { start_ = now - monotonic_ * speed_; }
+    void runUntilIdle() { runUntil(real_.seconds); }
+    /// Moves real time forward by `seconds`, running what falls due in order.
+    void advance(double seconds) { runUntil(real_.seconds + seconds); }
+
+    /// None of these runs anything by itself.
+    void setNow(double now) { market_.setNow(now); }
+    void pause() { market_.pause(); }
+    void resume() { market_.resume(); }
+    void setSpeed(double speed) { market_.setSpeed(speed); }
 
  private:
     friend class TestQueue;
-    static constexpr double monotonicBase = 1000.0;
+    struct RealTime final : Clock {
+        double seconds = 0;
+        double now() const override { return monotonic(); }
+        double monotonic() const override { return 1000 + seconds; }
+        double speed() const override { return 1; }
+    };
     struct Entry {
         TestQueue* queue;
         Task task;
@@ -58,7 +74,8 @@ class TestTime final : public Clock {
     void runUntil(double end);
     bool runNext(double end);
 
-    double start_, speed_, monotonic_ = 0;
+    RealTime real_;
+    SteerableClock market_;
     std::uint64_t order_ = 0, ids_ = 0;
     std::map<Key, Entry> entries_;
     std::set<SerialQueue::TimerId> cancelled_;

@@ -5,6 +5,7 @@
 #include <QPixmap>
 #include <QSGRendererInterface>
 #include <QScreen>
+#include <array>
 #include <cstdlib>
 #include <string>
 
@@ -87,6 +88,44 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
             expectSame(picture, rasterise(panned, expected.atlas.image()), meanError);
         }
     }
+}
+
+/// Clears and clips as no layer of the chart does.
+struct ClippedLayer final : ScreenLayer {
+    bool drawAbove(ScreenFrame& frame) override {
+        const auto upload = frame.arena.uploadDyn(std::array<ChartVertex, 3>{
+            {{{-1, -1, 0, 1}, {1, 0, 0, 0.5F}}, {{1, -1, 0, 1}, {0, 1, 0, 0.5F}}, {{0, 1, 0, 1}, {0, 0, 1, 0.5F}}}});
+        const auto triangle = [&] {
+            frame.gpu.setPipeline(Pipeline::flat);
+            frame.gpu.setUniforms(std::array{1.0F, 0.0F, 1.0F, 0.0F});
+            frame.gpu.draw(Primitive::triangles, upload->buffer, upload->offset, upload->count);
+        };
+        frame.gpu.setClip({300.3, 99.7, 400, 150});
+        frame.gpu.clear({0.2F, 0.3F, 0.1F, 1});
+        triangle();
+        frame.gpu.setClip({frame.width - 200, frame.height - 100, 900, 900});
+        triangle();
+        frame.gpu.setClip({100, 100, 0, 100});
+        frame.gpu.clear({1, 1, 1, 1});
+        frame.gpu.resetClip();
+        triangle();
+        return false;
+    }
+};
+
+TEST_F(ChartPixels, ClearsAndClipsTouchTheirPixelsOnly) {
+    ClippedLayer layer;  // both charts go before it
+    {
+        CpuChart expected;
+        for (ChartRenderer* renderer : {&expected.renderer, &chart->renderer()}) renderer->addScreenLayer(layer);
+        expected.renderer.setRenderConfig(ui->chart.config);
+        expected.renderer.setCandles(ui->bars());
+        chart->renderer().redraw();
+        const QImage picture = chartPicture();
+        const RecordedFrame frame = expected.frame(chart->size(), ratio());
+        expectSame(picture, rasterise(frame, expected.atlas.image()), 0.3);
+    }
+    ui.reset();
 }
 
 TEST_F(ChartPixels, AStillChartAsksForNoFrames) {

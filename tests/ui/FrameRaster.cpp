@@ -28,6 +28,8 @@ class Canvas {
     Raster picture;
 
     void draw(const RecordedFrame::Draw& call) {
+        clip_ = frame_.clips.at(call.clip);
+        opaque_ = call.opaque;
         const auto stride = vertexStride(call.pipeline);
         const auto& bytes =
             call.source < 0 ? frame_.stream : frame_.retained[static_cast<std::size_t>(call.source)]->bytes;
@@ -92,13 +94,13 @@ class Canvas {
         const auto covers = [](double weight, const Corner& p, const Corner& q) {
             return weight > 0 || (weight == 0 && (q.y < p.y || (q.y == p.y && q.x > p.x)));
         };
-        const auto range = [](double p, double q, double r, int size) {
+        const auto range = [](double p, double q, double r, int from, int to) {
             const auto [lo, hi] = std::minmax({p, q, r});
-            return std::pair(std::clamp(static_cast<int>(std::floor(lo * grid)), 0, size),
-                             std::clamp(static_cast<int>(std::ceil(hi * grid)) + 1, 0, size));
+            return std::pair(std::max(static_cast<int>(std::floor(std::clamp(lo * grid, -1e6, 1e6))), from),
+                             std::min(static_cast<int>(std::ceil(std::clamp(hi * grid, -1e6, 1e6))) + 1, to));
         };
-        const auto [x0, x1] = range(a.x, b.x, c.x, picture.width);
-        const auto [y0, y1] = range(a.y, b.y, c.y, picture.height);
+        const auto [x0, x1] = range(a.x, b.x, c.x, clip_.left * grid, std::min(clip_.right * grid, picture.width));
+        const auto [y0, y1] = range(a.y, b.y, c.y, clip_.top * grid, std::min(clip_.bottom * grid, picture.height));
         for (int sy = y0; sy < y1; ++sy) {
             for (int sx = x0; sx < x1; ++sx) {
                 const double x = (sx + 0.5) / grid, y = (sy + 0.5) / grid;
@@ -114,7 +116,7 @@ class Canvas {
                 for (std::size_t i = 0; i < 3; ++i) {
                     float& sample = picture.at(sx, sy)[i];
                     const double color = mix(a.color[i], b.color[i], c.color[i]);
-                    sample = static_cast<float>(color * alpha + sample * (1 - alpha));
+                    sample = static_cast<float>(opaque_ ? color : color * alpha + sample * (1 - alpha));
                 }
             }
         }
@@ -122,6 +124,8 @@ class Canvas {
 
     const RecordedFrame& frame_;
     const QImage& atlas_;
+    PixelRect clip_;
+    bool opaque_ = false;
 };
 
 }  // namespace

@@ -1,8 +1,8 @@
 // Recording a frame for the render node.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstring>
+#include <functional>
+#include <utility>
 
 #include "chart/AxisLayer.h"
 #include "chart/BarLabelLayer.h"
@@ -13,48 +13,6 @@
 
 namespace vmr::test {
 namespace {
-
-float firstX(const RecordedFrame& frame, std::size_t draw) {
-    const auto& call = frame.draws.at(draw);
-    const auto& bytes =
-        call.source < 0 ? frame.stream : frame.retained.at(static_cast<std::size_t>(call.source))->bytes;
-    float out = 0;
-    std::memcpy(&out, bytes.data() + call.byteOffset, sizeof out);
-    return out;
-}
-
-TEST(FrameRecorder, AFrameHoldsWhatItDrawsFrom) {
-    FrameRecorder gpu;
-    const ChartVertex kept[3] = {{{1, 0, 0, 1}, {}}};
-    const GpuBuffer retained = gpu.makeBuffer(std::as_bytes(std::span(kept)));
-    GpuBuffer arena = gpu.makeArena(256);
-    const auto write = [&](float x) { std::memcpy(gpu.arenaBytes(arena).data(), &x, sizeof x); };
-    gpu.beginFrame(100, 50, 2);
-    gpu.setPipeline(Pipeline::flat);
-    gpu.setUniforms(std::array{1.0F, 2.0F, 3.0F, 4.0F});
-    gpu.draw(Primitive::triangles, retained, 0, 3);
-    write(2);
-    gpu.draw(Primitive::lines, arena, 0, 2);
-    gpu.release(arena);  // grown: what was drawn from it stays
-    arena = gpu.makeArena(512);
-    write(3);
-    gpu.draw(Primitive::triangles, arena, 0, 3);
-    gpu.release(retained);
-    gpu.draw(Primitive::triangles, arena, 0, 0);
-    RecordedFrame frame;
-    EXPECT_FALSE(gpu.swapFrame(frame)) << "half a frame is none";
-    gpu.endFrame();
-    write(9);
-
-    ASSERT_TRUE(gpu.swapFrame(frame));
-    ASSERT_EQ(frame.draws.size(), 3U) << "a draw of nothing is none";
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(firstX(frame, i), i + 1);
-    EXPECT_EQ(frame.draws[1].primitive, Primitive::lines);
-    EXPECT_EQ(frame.uniforms.at(frame.draws[2].uniforms)[3], 4.0F);
-    EXPECT_EQ(frame.pixelRatio, 2);
-    EXPECT_FALSE(gpu.swapFrame(frame)) << "a repaint draws the same frame again";
-    EXPECT_EQ(frame.draws.size(), 3U);
-}
 
 TEST(FrameRecorder, RecordingASteadyChartAsksForNoMemory) {
     SystemClock clock;

@@ -34,7 +34,7 @@ class FirebaseRESTAuth {
  public:
     static constexpr double distantPast = -std::numeric_limits<double>::infinity();
 
-    /// Restores a stored session: with a stored refresh token, the first use goes through `refresh`.
+    /// Restores a stored session; it has a refresh token but no identity token, so `refresh` comes first.
     FirebaseRESTAuth(Endpoints endpoints, HttpClient& http, Preferences& preferences, const Clock& clock);
 
     /// Nothing on success.
@@ -73,7 +73,7 @@ class FirebaseRESTAuth {
     HttpClient& http_;
     Preferences& preferences_;
     const Clock& clock_;
-    std::shared_ptr<int> session_;  // replaced by signOut, so that late answers find their session gone
+    std::shared_ptr<int> session_;  // replaced by signOut; a late answer holds a weak pointer and finds it expired
 };
 
 /// The other calls on the user's account.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
@@ -25,10 +24,6 @@ constexpr std::size_t largeDocument = 64 * 1024;
 const std::string snapshotType = "snapshot";
 const std::string eventType = "event";
 const std::string batchType = "batch";
-
-void printToStandardOutput(const std::string& line) { std::fwrite(line.data(), 1, line.size(), stdout); }
-
-std::atomic<RelayClient::Printer> printer = printToStandardOutput;
 
 std::string channelsMessage(const char* action, const std::vector<std::string>& channels) {
     return nlohmann::json{{"action", action}, {"channels", channels}}.dump(-1, ' ', false,
@@ -67,12 +62,13 @@ struct Owner {
 class RelayClient::Core : public std::enable_shared_from_this<Core> {
  public:
     Core(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main, const Clock& clock,
-         Timing timing)
+         Printer printer, Timing timing)
         : urlString_(std::move(urlString)),
           sockets_(std::move(sockets)),
           queue_(queue),
           main_(main),
           clock_(clock),
+          print_(std::move(printer)),
           timing_(timing) {}
 
     void setCallbacks(Callbacks callbacks) {
@@ -133,7 +129,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
     }
 
     void log(std::string text) {
-        printer.load()("[relay] " + text + "\n");
+        if (print_) print_("[relay] " + text);
         onMain([text = std::move(text)](const Callbacks& callbacks) {
             if (callbacks.onLog) callbacks.onLog(text);
         });
@@ -158,14 +154,15 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         connected_ = false;
         log("connecting…");
         tokenProvider_([weak = weak_from_this(), attempt = ++attempt_](TokenResult result) {
-            if (auto self = weak.lock())
+            // an abandoned client's queue may be gone
+            if (auto self = weak.lock(); self && !self->abandoned_)
                 self->onQueue([attempt, result = std::move(result)](Core& core) { core.tokenCame(attempt, result); });
         });
     }
 
     void tokenCame(std::uint64_t attempt, const TokenResult& result) {
         if (attempt != attempt_) return;
-        ++attempt_;  // a provider that answers twice is heard once
+        ++attempt_;  // makes a second answer of the same provider stale
         if (result.error) {
             log("token fetch failed: " + *result.error);
             return scheduleReconnect();
@@ -177,7 +174,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
 
     void openSocket(const std::string& url) {
         task_ = sockets_();
-        // an event is the current socket's if no attempt has begun since
+        // Events of an older socket are dropped: an attempt that has begun since has raised `attempt_`.
         const auto live = [weak = weak_from_this(), attempt = attempt_](auto handle) {
             return [weak, attempt, handle](auto... values) {
                 const auto self = weak.lock();
@@ -236,7 +233,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
             std::to_string(reconnectAttempt_) + ")");
         queue_.after(delay, weakly([](Core& core) {
                          core.reconnectPending_ = false;
-                         // a connection that the owner opened meanwhile is not thrown away
+                         // a connection that the owner has opened meanwhile stays
                          if (!core.manualClose_ && !core.task_) core.open();
                      }));
     }
@@ -305,7 +302,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         }
         main_.post([owner = owner_, &queue = queue_, delivery = std::move(delivery)]() mutable {
             owner->deliver(*delivery);
-            // what took long to build takes long to free
+            // Freeing a large document takes long: it goes back to the queue.
             if (owner->callbacks && delivery->heavy())
                 queue.post([spent = std::move(delivery)]() mutable { spent.reset(); });
         });
@@ -320,6 +317,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
     SerialQueue& queue_;
     MainLoop& main_;
     const Clock& clock_;
+    const Printer print_;
     const Timing timing_;
     const std::shared_ptr<Owner> owner_ = std::make_shared<Owner>();
     decltype(Callbacks::onPrepare) prepare_;
@@ -328,7 +326,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
     std::unique_ptr<WebSocket> task_;
     TokenProvider tokenProvider_;
     std::set<std::string> subscribedChannels_;
-    std::uint64_t attempt_ = 0;  ///< raised by all that makes an answer still under way stale
+    std::uint64_t attempt_ = 0;  ///< raised whenever answers still under way become stale
     bool helloReceived_ = false;
     bool connected_ = false;
     bool manualClose_ = false;
@@ -340,16 +338,15 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
 };
 
 RelayClient::RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main,
-                         const Clock& clock)
-    : RelayClient(std::move(urlString), std::move(sockets), queue, main, clock, Timing{}) {}
+                         const Clock& clock, Printer printer)
+    : RelayClient(std::move(urlString), std::move(sockets), queue, main, clock, std::move(printer), Timing{}) {}
 
 RelayClient::RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main,
-                         const Clock& clock, Timing timing)
-    : core_(std::make_shared<Core>(std::move(urlString), std::move(sockets), queue, main, clock, timing)) {}
+                         const Clock& clock, Printer printer, Timing timing)
+    : core_(std::make_shared<Core>(std::move(urlString), std::move(sockets), queue, main, clock, std::move(printer),
+                                   timing)) {}
 
 RelayClient::~RelayClient() { core_->abandon(); }
-
-void RelayClient::setPrinter(Printer other) { printer = other ? other : printToStandardOutput; }
 
 void RelayClient::setCallbacks(Callbacks callbacks) { core_->setCallbacks(std::move(callbacks)); }
 

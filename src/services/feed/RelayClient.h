@@ -20,8 +20,8 @@ struct TokenResult {
     std::optional<std::string> error;
 };
 
-/// Gives the current identity token through the callback, once, on any thread. Called on the relay's queue, anew for
-/// every attempt; must return at once.
+/// Gives the current identity token through the callback, once, on the main loop or within the call. Called on the
+/// relay's queue, anew for every attempt; must return at once.
 using TokenProvider = std::function<void(std::function<void(TokenResult)>)>;
 
 /// A channel message as the main thread gets it. `prepared` is what `onPrepare` made of it, if anything.
@@ -58,17 +58,14 @@ class RelayClient {
         std::size_t maximumMessageSize = 67108864;
     };
 
-    /// Takes a whole log line: "[relay] ", the text, a line end. Any thread, several at once.
-    using Printer = void (*)(const std::string& line);
-
-    /// Where the log lines of all clients go beside `onLog`; standard output at first and again for null.
-    static void setPrinter(Printer printer);
+    /// Gets each log line, "[relay] " and the text, beside `onLog`. On the relay's queue; empty for none.
+    using Printer = std::function<void(const std::string& line)>;
 
     /// Nothing connects yet. `queue` and `main`, the main loop, must outlive the client's last queued work.
-    RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main,
-                const Clock& clock);
     RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main, const Clock& clock,
-                Timing timing);
+                Printer printer = {});
+    RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main, const Clock& clock,
+                Printer printer, Timing timing);
     /// Drops the connection; no callback comes afterwards, but one `onPrepare` may still be under way. Main thread,
     /// also within a callback.
     ~RelayClient();
@@ -86,7 +83,7 @@ class RelayClient {
     /// Adds to the wanted channels; sent at once when live, else with the next greeting.
     void subscribe(std::vector<std::string> channels);
 
-    /// Takes from the wanted channels.
+    /// Removes from the wanted channels.
     void unsubscribe(std::vector<std::string> channels);
 
  private:

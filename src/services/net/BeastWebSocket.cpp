@@ -31,7 +31,7 @@ using SecureStream = websocket::stream<asio::ssl::stream<tcp::socket>>;
 constexpr double lingerSeconds = 5;
 constexpr double nextAddressSeconds = 10;
 constexpr std::size_t keptBuffer = 1024 * 1024;
-constexpr int plainDrop = 1006;  // never stands in a close frame
+constexpr int plainDrop = 1006;  // a close frame must not carry it
 
 /// The authorities are read with the first `wss:` connection.
 class TlsContext {
@@ -40,7 +40,7 @@ class TlsContext {
         if (!context_) {
             context_.emplace(asio::ssl::context::tls_client);
             SSL_CTX_set_min_proto_version(context_->native_handle(), TLS1_2_VERSION);
-            error_code ignored;  // without authorities every certificate is refused, which tells enough
+            error_code ignored;  // without authorities every certificate is refused, and that error is reported
             context_->set_default_verify_paths(ignored);
             context_->set_verify_mode(asio::ssl::verify_peer);
         }
@@ -128,7 +128,7 @@ class Conversation final : public Link, public std::enable_shared_from_this<Conv
         socket().close(ignored);
     }
 
-    // after a close frame of either side; the other one may never end the connection
+    // Closes the connection some seconds after a close frame of either side: the peer may never end it.
     void shutLater() {
         loop_.after(lingerSeconds, [weak = this->weak_from_this()] {
             if (auto self = weak.lock()) self->shut();
@@ -211,7 +211,7 @@ class Conversation final : public Link, public std::enable_shared_from_this<Conv
         if (error == websocket::error::upgrade_declined) shown = "HTTP " + std::to_string(answer_.result_int());
         if (failedWith(error, shown)) return;
         open_ = true;
-        // Beast tells a close frame only after the peer has ended the connection, which may be never
+        // Beast's read reports a close frame only once the peer has ended the connection, which may never happen.
         ws_.control_callback([this](websocket::frame_type kind, beast::string_view) {
             if (kind != websocket::frame_type::close) return;
             asio::post(loop_.context(),

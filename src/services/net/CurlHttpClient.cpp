@@ -195,7 +195,7 @@ class CurlHttpClient::Worker {
 
     void answer(Shared transfer) {
         main_.post([alive = std::weak_ptr(alive_), transfer = std::move(transfer)] {
-            // taken out first: what the function holds must end on the main thread
+            // moved out of the request first: what the callback captures must be destroyed on the main thread
             const Done done = std::move(transfer->done);
             if (!alive.expired() && done) done(std::move(transfer->response));
         });

@@ -18,7 +18,7 @@ class WebSocket {
         std::function<void(std::string bytes, bool binary)> onFrame;  ///< one whole message
         std::function<void(int code)> onClosed;                       ///< the peer closed, with this close code
         std::function<void(std::string error)> onFailed;              ///< any other end: resolve, connect, TLS, read
-        std::function<void(std::string error)> onSendFailed;          ///< a send failed; the reading side tells the end
+        std::function<void(std::string error)> onSendFailed;  ///< a send failed; `onClosed` or `onFailed` still follows
     };
 
     virtual ~WebSocket() = default;

@@ -4,6 +4,7 @@
 #include <span>
 #include <utility>
 
+#include "base/Log.h"
 #include "perf/StartUp.h"
 #include "ui/chart/ChartItemDrawing.h"
 

@@ -6,8 +6,8 @@ Item {
     id: view
 
     required property CrosshairState cross
-    readonly property int priceAxis: 74
-    readonly property int timeAxis: 22
+    readonly property real priceAxis: cross.priceAxisWidth
+    readonly property real timeAxis: cross.timeAxisHeight
     readonly property bool inPlot: cross.shown && cross.x < width - priceAxis && cross.y < height - timeAxis
 
     component Tag: Rectangle {

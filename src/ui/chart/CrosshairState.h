@@ -8,6 +8,7 @@
 #include <span>
 
 #include "chart/ChartInput.h"
+#include "gpu/PlotArea.h"
 #include "market/Records.h"
 #include "market/SessionTime.h"
 
@@ -24,6 +25,8 @@ class CrosshairState : public QObject {
     Q_PROPERTY(qreal y READ y NOTIFY changed)
     Q_PROPERTY(QString priceText READ priceText NOTIFY changed)
     Q_PROPERTY(QString timeText READ timeText NOTIFY changed)
+    Q_PROPERTY(qreal priceAxisWidth READ priceAxisWidth CONSTANT)
+    Q_PROPERTY(qreal timeAxisHeight READ timeAxisHeight CONSTANT)
 
  public:
     using QObject::QObject;
@@ -40,6 +43,8 @@ class CrosshairState : public QObject {
     qreal y() const { return mousePoint_ ? mousePoint_->y : 0; }
     QString priceText() const { return priceText_; }
     QString timeText() const { return timeText_; }  ///< of the bar under the pointer; empty beyond the bars
+    qreal priceAxisWidth() const { return PlotArea::priceAxisWidth; }
+    qreal timeAxisHeight() const { return PlotArea::timeAxisHeight; }
 
  signals:
     void changed();

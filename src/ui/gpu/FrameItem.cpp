@@ -4,10 +4,10 @@
 #include <QPointer>
 #include <QQuickWindow>
 #include <QTimerEvent>
-#include <cstdio>
 #include <functional>
 #include <utility>
 
+#include "base/Log.h"
 #include "perf/Perf.h"
 #include "ui/gpu/FrameNode.h"
 #include "ui/gpu/WindowFrames.h"
@@ -50,10 +50,7 @@ void FrameItem::setPerf(Perf* perf, bool input) {
 void FrameItem::setProblem(const QString& problem) {
     if (problem == problem_) return;
     problem_ = problem;
-    if (!problem_.isEmpty()) {
-        std::printf("[chart] pipeline error: %s\n", problem_.toUtf8().constData());
-        std::fflush(stdout);
-    }
+    if (!problem_.isEmpty()) Log::standardOutput().line("[chart] pipeline error: " + problem_.toStdString());
     emit problemChanged();
 }
 

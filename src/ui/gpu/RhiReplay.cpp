@@ -50,6 +50,14 @@ Attributes attributesOf(Pipeline pipeline) {
     return {"flat.vert.qsb", "color.frag.qsb", {A(0, 0, A::Float4, 0), A(0, 1, A::Float4, 16)}, 32};
 }
 
+/// From device pixels of the frame to those of the target, whose origin is the bottom left.
+QRect scissorOf(const PixelRect& clip, const RhiPlacement& placement) {
+    const QRect& view = placement.viewport;
+    const QRect part(view.x() + clip.left, view.y() + view.height() - clip.bottom, clip.right - clip.left,
+                     clip.bottom - clip.top);
+    return part.intersected(placement.scissor);
+}
+
 std::vector<std::uint16_t> quadIndexList() {
     std::vector<std::uint16_t> out;
     out.reserve(quadsPerBatch * 6);
@@ -164,7 +172,7 @@ std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int sam
     layout.setAttributes(attributes.inputs.begin(), attributes.inputs.end());
     out->setVertexInputLayout(layout);
     QRhiGraphicsPipeline::TargetBlend blend;
-    blend.enable = kind != backgroundKind;  // opaque: a rasteriser then need not read what it covers
+    blend.enable = kind != opaqueKind;  // a rasteriser then need not read what it covers
     blend.srcColor = blend.srcAlpha = QRhiGraphicsPipeline::SrcAlpha;
     blend.dstColor = blend.dstAlpha = QRhiGraphicsPipeline::OneMinusSrcAlpha;
     out->setTargetBlends({blend});
@@ -252,6 +260,7 @@ bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
 }
 
 RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
+    if (draw.opaque) return opaqueKind;
     switch (draw.pipeline) {
         case Pipeline::ribbon:
             return ribbonKind;
@@ -268,17 +277,23 @@ RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
 void RhiReplay::draw(QRhiCommandBuffer& commands, const RhiPlacement& placement) {
     if (!prepared_) return;
     const auto& view = placement.viewport;
-    const auto& clip = placement.scissor;
     QRhiGraphicsPipeline* bound = nullptr;
+    std::uint32_t clipped = 0;
     for (const auto& call : frame_.draws) {
-        const Kind kind = &call == frame_.draws.data() ? backgroundKind : kindOf(call);
+        const QRect clip = scissorOf(frame_.clips[call.clip], placement);
+        if (clip.isEmpty()) continue;
+        const Kind kind = kindOf(call);
         auto* pipeline = pipelines_[kind].get();
-        if (pipeline != bound) {
+        const bool another = pipeline != bound;
+        if (another) {
             commands.setGraphicsPipeline(pipeline);
             commands.setViewport(QRhiViewport(static_cast<float>(view.x()), static_cast<float>(view.y()),
                                               static_cast<float>(view.width()), static_cast<float>(view.height())));
-            commands.setScissor(QRhiScissor(clip.x(), clip.y(), clip.width(), clip.height()));
             bound = pipeline;
+        }
+        if (another || call.clip != clipped) {
+            commands.setScissor(QRhiScissor(clip.x(), clip.y(), clip.width(), clip.height()));
+            clipped = call.clip;
         }
         const QRhiCommandBuffer::DynamicOffset offset(0, static_cast<quint32>(call.uniforms * uniformStride_));
         commands.setShaderResources(kind == textKind ? textBindings_.get() : plainBindings_.get(), 1, &offset);

@@ -53,7 +53,7 @@ class RhiReplay {
     const std::string& problem() const { return problem_; }
 
  private:
-    enum Kind { backgroundKind, flatTriangles, flatLines, ribbonKind, markerKind, textKind, kinds };
+    enum Kind { opaqueKind, flatTriangles, flatLines, ribbonKind, markerKind, textKind, kinds };
     struct RetainedCopy {
         std::weak_ptr<const RetainedBytes> bytes;
         GpuBuffer id = 0;

@@ -1,8 +1,9 @@
-#include "app/SimCommands.h"
+#include "workspace/SimCommands.h"
 
 #include <algorithm>
 #include <cmath>
-#include <map>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "base/NumberText.h"
@@ -11,17 +12,6 @@ namespace vmr {
 
 namespace {
 using Words = std::vector<std::string>;
-
-Words split(std::string_view text) {
-    Words words;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t begin = text.find_first_not_of(" \t\r", at);
-        if (begin == std::string_view::npos) break;
-        at = std::min(text.find_first_of(" \t\r", begin), text.size());
-        words.emplace_back(text.substr(begin, at - begin));
-    }
-    return words;
-}
 
 std::optional<double> price(const std::string& text) {
     const auto value = parseDouble(text);
@@ -98,8 +88,8 @@ std::optional<OrderWords> readOrderWords(const Words& words) {
     return out;
 }
 
+// Each of these tells whether its arguments can be read; their number is right.
 bool placeOrder(SimEngine& engine, const Words& words) {
-    if (words.size() < 4) return false;
     const auto side = sim::sideNamed(words[1]);
     const auto type = sim::orderTypeNamed(words[2]);
     const auto qty = parseInt(words[3]);
@@ -111,57 +101,64 @@ bool placeOrder(SimEngine& engine, const Words& words) {
     return true;
 }
 
-// Each tells whether its arguments can be read.
-using Command = bool (*)(SimEngine&, const Words&);
-const std::map<std::string, Command, std::less<>> commands{
-    {"order", placeOrder},
-    {"cancel",
-     [](SimEngine& engine, const Words& words) {
-         if (words.size() != 1) return false;
-         if (const auto id = identity(engine, words[0])) engine.cancel(*id);
-         return true;
-     }},
-    {"modify",
-     [](SimEngine& engine, const Words& words) {
-         const auto to = words.size() == 2 ? price(words[1]) : std::nullopt;
-         if (!to) return false;
-         if (const auto id = identity(engine, words[0])) engine.modify(*id, *to);
-         return true;
-     }},
-    {"flatten",
-     [](SimEngine& engine, const Words& words) {
-         if (words.size() != 1) return false;
-         engine.flatten(words[0]);
-         return true;
-     }},
-    {"protect",
-     [](SimEngine& engine, const Words& words) {
-         const auto to = words.size() == 3 ? price(words[2]) : std::nullopt;
-         if (!to || (words[1] != sim::slTag && words[1] != sim::tpTag)) return false;
-         engine.setProtective(words[0], words[1], *to);
-         return true;
-     }},
-    {"leg",
-     [](SimEngine& engine, const Words& words) {
-         const auto to = words.size() == 3 ? price(words[2]) : std::nullopt;
-         if (!to || (words[1] != sim::slTag && words[1] != sim::tpTag)) return false;
-         if (const auto id = identity(engine, words[0])) engine.modifyProjectedLeg(*id, words[1], *to);
-         return true;
-     }},
-    {"reset", [](SimEngine& engine, const Words& words) {
-         const auto balance = words.size() == 1 ? price(words[0]) : std::nullopt;
-         if (!balance) return false;
-         engine.resetAccount(*balance);
-         return true;
-     }}};
+bool cancelOrder(SimEngine& engine, const Words& words) {
+    if (const auto id = identity(engine, words[0])) engine.cancel(*id);
+    return true;
+}
+
+bool modifyOrder(SimEngine& engine, const Words& words) {
+    const auto to = price(words[1]);
+    if (!to) return false;
+    if (const auto id = identity(engine, words[0])) engine.modify(*id, *to);
+    return true;
+}
+
+bool flattenPosition(SimEngine& engine, const Words& words) {
+    engine.flatten(words[0]);
+    return true;
+}
+
+bool isLegTag(const std::string& word) { return word == sim::slTag || word == sim::tpTag; }
+
+bool protectPosition(SimEngine& engine, const Words& words) {
+    const auto to = price(words[2]);
+    if (!to || !isLegTag(words[1])) return false;
+    engine.setProtective(words[0], words[1], *to);
+    return true;
+}
+
+bool moveLeg(SimEngine& engine, const Words& words) {
+    const auto to = price(words[2]);
+    if (!to || !isLegTag(words[1])) return false;
+    if (const auto id = identity(engine, words[0])) engine.modifyProjectedLeg(*id, words[1], *to);
+    return true;
+}
+
+bool resetAccount(SimEngine& engine, const Words& words) {
+    const auto balance = price(words[0]);
+    if (!balance) return false;
+    engine.resetAccount(*balance);
+    return true;
+}
 }  // namespace
 
-std::optional<std::string> runSimCommand(SimEngine& engine, const std::string& name, std::string_view arguments) {
-    const auto command = commands.find(name);
-    if (command == commands.end()) return std::nullopt;
-    const sim::Snapshot before = engine.snapshot();
-    if (!command->second(engine, split(arguments))) return "error: wrong arguments for " + name + "; see help";
-    return "ok " + difference(before, engine.snapshot());
+void addSimCommands(CommandTable& table, SimEngine& engine) {
+    using Call = bool (*)(SimEngine&, const Words&);
+    const auto add = [&](const char* name, const char* arguments, std::size_t least, std::size_t most, Call call) {
+        table.add({name, arguments, least, most, [&engine, call](CommandWords& words) -> CommandAnswer {
+                       const sim::Snapshot before = engine.snapshot();
+                       if (!call(engine, words.all())) return std::nullopt;
+                       return "ok " + difference(before, engine.snapshot());
+                   }});
+    };
+    add("order", "SYM buy|sell market|limit|stop|stopLimit QTY [limit=P] [stop=P] [sl=TICKS] [tp=TICKS]", 4,
+        Command::restOfLine, placeOrder);
+    add("cancel", "ID", 1, 1, cancelOrder);
+    add("modify", "ID PRICE", 2, 2, modifyOrder);
+    add("flatten", "SYM", 1, 1, flattenPosition);
+    add("protect", "SYM SL|TP PRICE", 3, 3, protectPosition);
+    add("leg", "ID SL|TP PRICE", 3, 3, moveLeg);
+    add("reset", "BALANCE", 1, 1, resetAccount);
 }
 
 }  // namespace vmr

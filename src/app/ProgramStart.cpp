@@ -1,0 +1,71 @@
+#include "app/ProgramStart.h"
+
+#include <cstdlib>
+
+#include "relay/Tape.h"
+
+namespace vmr {
+
+namespace {
+std::optional<std::string> environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+}  // namespace
+
+ProgramStart::ProgramStart(const Options& options)
+    : options_(options),
+      endpoints_(Endpoints::fromEnvironment(environment)),
+      paths_(options.practice ? Paths::practice() : Paths::user()) {
+    if (options_.practice) choosePracticeClock();
+    if (options_.clock)
+        clock_ = std::make_unique<SteerableClock>(options_.clock->start, options_.clock->speed);
+    else
+        clock_ = std::make_unique<SteerableClock>();
+    if (options_.practice && !failure_) startPractice();
+}
+
+void ProgramStart::choosePracticeClock() {
+    if (!options_.tapeFile.empty()) {
+        std::string problem;
+        const auto span = relay::tapeSpan(options_.tapeFile, problem);
+        if (!span) {
+            failure_ = problem;
+            return;
+        }
+        if (!options_.clock) options_.clock = ClockSetting{relay::tapeStart(*span), 1};
+        if (options_.speed) options_.clock->speed = *options_.speed;
+    } else if (!options_.clock) {
+        const double now = SystemClock().now();
+        const double start = practiceStart(now);
+        if (start != now) options_.clock = ClockSetting{start, 1};
+    }
+}
+
+void ProgramStart::startPractice() {
+    relay::PracticeRelayOptions relay;
+    relay.seed = options_.seed;
+    relay.tokenLife = options_.tokenLife;
+    relay.busy = options_.busy;
+    if (!options_.tapeFile.empty()) relay.tape = relay::TapeOptions{options_.tapeFile, options_.tapeSymbol};
+    practice_ = std::make_unique<relay::PracticeRelay>(*clock_, relay);
+    failure_ = practice_->start();
+    if (failure_) return;
+    endpoints_ = {};
+    endpoints_.relayUrl = practice_->relayUrl();
+    endpoints_.apiKey = practice_->apiKey();
+    for (std::string* url : {&endpoints_.identityUrl, &endpoints_.secureTokenUrl, &endpoints_.functionsUrl,
+                             &endpoints_.firestoreUrl, &endpoints_.downloadsUrl})
+        *url = practice_->restUrl();
+}
+
+std::optional<std::string> ProgramStart::setupProblem() const {
+    if (auto problem = endpoints_.problem()) return problem;
+    if (endpoints_.relayUrl.empty())
+        return "No data relay is configured. Set VMR_RELAY_URL to its address, or start Velmora with --practice.";
+    if (endpoints_.apiKey.empty())
+        return "No API key for the sign-in service is configured. Set VMR_API_KEY, or start Velmora with --practice.";
+    return std::nullopt;
+}
+
+}  // namespace vmr

@@ -1,0 +1,149 @@
+#include "chart/ChartView.h"
+
+#include <utility>
+
+#include "perf/Perf.h"
+#include "perf/StartUp.h"
+
+namespace vmr {
+
+ChartView::ChartView(const Surroundings& at)
+    : glyphs_(at.glyphs),
+      main_(at.main),
+      renderer_(at.gpu, at.clock, [&main = at.main](std::function<void()> task) { main.post(std::move(task)); }),
+      barLabels_(at.glyphs),
+      tradingLines_(at.glyphs),
+      axes_(at.glyphs, at.session),
+      input_(renderer_, at.session, at.clock, at.main, at.perf) {
+    renderer_.addScreenLayer(barLabels_);
+    renderer_.addScreenLayer(tradingLines_);
+    renderer_.addScreenLayer(axes_);
+    renderer_.perf = at.perf;
+    renderer_.onNeedsDisplay = [this] { askForFrame(); };
+    renderer_.onInteractionEnd = [this] {
+        if (source_) source_->interactionEnded();
+    };
+    tradingLines_.trading = at.trading;
+    input_.trading = at.trading;
+    input_.onMarketClosedOrder = [this] {
+        if (source_) source_->marketClosedOrder();
+    };
+    input_.onLiveRefresh = [this](bool on) {
+        if (onLiveRefresh) onLiveRefresh(on);
+        if (on) askForFrame();
+    };
+}
+
+ChartView::~ChartView() { viewport_->publish(std::nullopt); }
+
+void ChartView::askForFrame() {
+    if (recording_) return;
+    frameAwaited_ = true;
+    if (onNeedsFrame) onNeedsFrame();
+}
+
+void ChartView::setSource(ChartSource* source) {
+    if (source == source_) return;
+    renderer_.setInteracting(false);  // the old source may hold back work until the drag ends
+    source_ = source;
+    contentDirty_ = source != nullptr;
+    if (source) {
+        startOver();
+        viewport_->publish(std::nullopt);
+    } else {
+        setRoot({});
+    }
+    askForFrame();
+}
+
+// Much of what a pane tells changes nothing on the chart. So the changes of a turn are read after it, once, and the
+// renderer finds whether they are worth a frame; when one is awaited anyway, that reads them.
+void ChartView::contentChanged() {
+    if (std::exchange(contentDirty_, true) || frameAwaited_) return;
+    main_.post([this, weak = std::weak_ptr(alive_)] {
+        if (!weak.expired()) readSource();
+    });
+}
+
+void ChartView::readSource() {
+    if (source_ && std::exchange(contentDirty_, false)) setContent(source_->chartContent());
+}
+
+void ChartView::startOver() {
+    shown_.reset();
+    ribbons_.clear();
+    renderer_.startOver();
+}
+
+void ChartView::setRoot(std::string_view root) {
+    if (tradingLines_.root == root) return;
+    tradingLines_.root = input_.simRoot = root;
+    askForFrame();
+}
+
+// The bars come last, so that the camera's rules for them see the rest as it is.
+void ChartView::setContent(const ChartContent& content) {
+    using Revisions = ChartContent::Revisions;
+    const bool hadBars = !renderer_.candles().empty();
+    if (shown_ && shown_->chart != content.chart) startOver();
+    const auto differs = [&](std::uint64_t Revisions::*part) {
+        return !shown_ || shown_->revisions.*part != content.revisions.*part;
+    };
+    if (axes_.setTimeframe(content.timeframe)) askForFrame();
+    renderer_.sessionHHMM = content.sessionHHMM;
+    if (differs(&Revisions::look)) renderer_.setRenderConfig(content.look ? *content.look : RenderConfig{});
+    if (differs(&Revisions::levels)) renderer_.setLevels(content.levels);
+    if (differs(&Revisions::strikes)) renderer_.setStrikes(content.strikes, content.etfRatio, content.flipStrike);
+    if (differs(&Revisions::secStrikes)) renderer_.setSecStrikes(content.secStrikes, content.secRatio);
+    setRoot(content.simRoot);
+    if (differs(&Revisions::markers)) renderer_.setBubbles(content.bubbles, content.triangles);
+    if (differs(&Revisions::overlays) || differs(&Revisions::srLines) || shown_->style != content.overlayStyle) {
+        renderer_.setOverlayGeometry(ribbons_.make({.series = content.overlays,
+                                                    .lines = content.srLines,
+                                                    .linesRevision = content.revisions.srLines,
+                                                    .style = content.overlayStyle,
+                                                    .candles = content.candles,
+                                                    .timeframe = content.timeframe}));
+    }
+    if (differs(&Revisions::candles)) setBars(content.candles);
+    shown_ = {content.chart, content.revisions, content.overlayStyle};
+    if (hadBars && renderer_.candles().empty()) askForFrame();
+}
+
+void ChartView::setBars(std::span<const Candle> candles) {
+    const auto ends = [this] {
+        const auto& bars = renderer_.candles();
+        return std::pair(bars.size(), bars.empty() ? 0 : bars.back().time);
+    };
+    const auto before = ends();
+    renderer_.setCandles(candles);
+    barsMoved_ = barsMoved_ || before != ends();
+    if (!renderer_.candles().empty()) startUpStage("bars");
+}
+
+// A glyph that a layer adds may move those that a layer before it has drawn already: then the frame is recorded again,
+// with all its glyphs in their places.
+bool ChartView::record(double width, double height, double pixelRatio, double nowMonotonic) {
+    recording_ = true;
+    frameAwaited_ = false;
+    readSource();
+    input_.setSize(width, height);
+    const unsigned glyphs = glyphs_.generation();
+    animating_ = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic);
+    inputLagMs_ = renderer_.inputLagMs();
+    const std::optional<Viewport> moved = renderer_.movedTo();
+    if (glyphs_.generation() != glyphs) {
+        Perf* const perf = std::exchange(renderer_.perf, nullptr);  // it is one frame
+        animating_ = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic);
+        renderer_.perf = perf;
+    }
+    if (moved) {
+        if (renderer_.perf) renderer_.perf->bump("ChartOverlay");
+        viewport_->publish(moved);
+    }
+    if ((std::exchange(barsMoved_, false) || moved) && onMoved) onMoved();
+    recording_ = false;
+    return animating_ || input_.liveRefresh();
+}
+
+}  // namespace vmr

@@ -1,0 +1,125 @@
+// The whole chart without a toolkit: renderer, screen layers in their one order, and input.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "base/Clock.h"
+#include "base/SerialQueue.h"
+#include "chart/AxisLayer.h"
+#include "chart/BarLabelLayer.h"
+#include "chart/ChartContent.h"
+#include "chart/ChartInput.h"
+#include "chart/ChartPort.h"
+#include "chart/ChartRenderer.h"
+#include "chart/ChartSource.h"
+#include "chart/OverlayRibbons.h"
+#include "chart/TradingLinesLayer.h"
+#include "chart/ViewportState.h"
+#include "gpu/GlyphSource.h"
+#include "market/SessionTime.h"
+
+namespace vmr {
+
+class ChartTrading;
+class Perf;
+
+/// Shows one `ChartContent` at a time, through the very objects that the window, the benchmarks and the tests use. It
+/// draws on demand: `onNeedsFrame` asks for a frame, the host calls `record`, which tells whether one more is needed.
+/// Main thread.
+class ChartView final : public ChartPort {
+ public:
+    /// All outlive the chart.
+    struct Surroundings {
+        Gpu& gpu;             ///< what frames are recorded into
+        GlyphSource& glyphs;  ///< what texts are made of
+        SessionTime& session;
+        const Clock& clock;
+        MainLoop& main;
+        Perf* perf = nullptr;             ///< where work is timed; null for nowhere
+        ChartTrading* trading = nullptr;  ///< the paper account; null for none
+    };
+
+    explicit ChartView(const Surroundings& surroundings);
+    ~ChartView() override;
+    ChartView(const ChartView&) = delete;
+    ChartView& operator=(const ChartView&) = delete;
+
+    /// Something that is shown is not what it was, or moves. Never called from within `record`; may come many times
+    /// before a frame does.
+    std::function<void()> onNeedsFrame;
+    /// Bars came or went, or the camera moved, so that other things lie under the pointer. From within `record`.
+    std::function<void()> onMoved;
+    /// From true to false a frame is wanted at each refresh of the screen, as `record` tells, too.
+    std::function<void(bool)> onLiveRefresh;
+
+    /// Where the content comes from; it must outlive the chart or be replaced before it ends. Another source starts
+    /// over; null reads nothing more and trades nothing, and what was shown stays.
+    void setSource(ChartSource* source);
+
+    /// Shows this. A part whose revision is that of the last content is not looked at, and what does not differ costs
+    /// no frame. Another `chart` number starts over, also when no content without bars came in between.
+    void setContent(const ChartContent& content);
+
+    /// The size that input counts by, in points; `record` sets it, too.
+    void setSize(double width, double height) { input_.setSize(width, height); }
+
+    /// The host will call `record` without being asked: what changes until then is read there.
+    void expectFrame() { frameAwaited_ = true; }
+
+    /// Records one frame for a view in points, with `nowMonotonic` in seconds, and reads the source before it if that
+    /// said so. True while something moves, so that another frame is needed. Without bars or area it only clears.
+    bool record(double width, double height, double pixelRatio, double nowMonotonic);
+
+    /// Milliseconds from the oldest input that the last frame shows to that frame; nothing when it shows none.
+    std::optional<double> inputLagMs() const { return inputLagMs_; }
+
+    /// The account's lines are not what they were, or anything else that this chart cannot see.
+    void redraw() { askForFrame(); }
+
+    ChartRenderer& renderer() { return renderer_; }
+    ChartInput& input() { return input_; }
+    /// The camera, for whoever follows it.
+    const std::shared_ptr<ViewportState>& viewportState() const { return viewport_; }
+
+    // ChartPort
+    void contentChanged() override;
+    bool interacting() const override { return renderer_.interacting(); }
+    std::optional<Viewport> viewport() const override { return viewport_->get(); }
+
+ private:
+    /// What of the content on show the next one is compared with.
+    struct Shown {
+        std::uint64_t chart = 0;
+        ChartContent::Revisions revisions;
+        OverlayStyle style;
+    };
+    void askForFrame();
+    void readSource();
+    void startOver();
+    void setRoot(std::string_view root);
+    void setBars(std::span<const Candle> candles);
+
+    GlyphSource& glyphs_;
+    MainLoop& main_;
+    ChartRenderer renderer_;
+    BarLabelLayer barLabels_;
+    TradingLinesLayer tradingLines_;
+    AxisLayer axes_;
+    ChartInput input_;
+    OverlayRibbons ribbons_;
+    std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();
+    std::shared_ptr<int> alive_ = std::make_shared<int>();  ///< expires with the chart; posted work holds it weakly
+    ChartSource* source_ = nullptr;
+    std::optional<Shown> shown_;  ///< nothing: all of the next content is new
+    bool contentDirty_ = false;   ///< the source said that its content changed
+    bool frameAwaited_ = false;   ///< a frame is asked for and will read the content
+    bool recording_ = false;
+    bool barsMoved_ = false;  ///< bars came or went since the last frame
+    bool animating_ = false;
+    std::optional<double> inputLagMs_;
+};
+
+}  // namespace vmr

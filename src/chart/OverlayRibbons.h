@@ -1,0 +1,56 @@
+// How each overlay series and session line is drawn: its colour, width and dashes, in its order.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "chart/OverlayLists.h"
+#include "chart/OverlaySet.h"
+#include "chart/OverlayStyle.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// Turns a chart's overlay series and session lines into vertices, whose memory is used again. Main thread.
+///
+/// The session lines are most of the vertices, and a tick leaves them alone: they are made anew only when something
+/// that they depend on has changed. Only then the origin moves, to the last bar.
+class OverlayRibbons {
+ public:
+    struct Input {
+        const OverlaySet* series = nullptr;  ///< null: none
+        std::span<const OverlayLine> lines;  ///< session lines and levels
+        std::uint64_t linesRevision = 0;     ///< raised when they changed
+        const OverlayStyle& style;
+        std::span<const Candle> candles;  ///< under 2 of them nothing is drawn
+        double timeframe = 1;             ///< minutes a bar
+    };
+
+    /// The lists for `input`; valid until the next call.
+    const OverlayLists& make(const Input& input);
+    /// Forgets the chart: what `make` gives next depends on nothing from before.
+    void clear();
+
+    /// Whether the style shows a session line or level; its label tells what it is.
+    static bool isShown(const OverlayLine& line, const OverlayStyle& style);
+
+ private:
+    /// What the session lines were made of.
+    struct LineInputs {
+        std::uint64_t revision = 0;
+        std::size_t bars = 0;
+        std::int64_t firstTime = 0, lastTime = 0;
+        double timeframe = 0;
+        bool showOpen = false, showPrev = false, showLevels = false;
+        double lineOpacity = 0;
+        bool operator==(const LineInputs&) const = default;
+    };
+    void makeSessionLines(const Input& input);
+    void clearSessionLines();
+
+    OverlayLists lists_;
+    LineInputs lineInputs_;
+};
+
+}  // namespace vmr

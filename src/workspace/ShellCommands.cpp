@@ -1,0 +1,159 @@
+#include "workspace/ShellCommands.h"
+
+#include <algorithm>
+
+#include "base/NumberText.h"
+#include "workspace/SimCommands.h"
+
+namespace vmr {
+
+ShellCommands::ShellCommands(ShellSurroundings surroundings)
+    : at_(std::move(surroundings)),
+      commands_({" | ", [](const std::string& name) { return "unknown command " + name + "; see help"; },
+                 [](const Command& command) { return "wrong arguments for " + command.name + "; see help"; }}) {
+    addSessionCommands();
+    addChartCommands();
+    addProcessCommands();
+}
+
+void ShellCommands::run(const std::string& line) {
+    CommandWords words(line);
+    if (words.empty()) return;
+    if (const std::string text = answer(words); !text.empty()) tell(text);
+}
+
+std::string ShellCommands::answer(CommandWords& words) {
+    pane_ = at_.panes.active();
+    if (words.rest().starts_with('@')) {
+        const std::string name = words.next().substr(1);
+        const auto number = parseInt(name);
+        pane_ = number && *number >= 1 && *number <= INT32_MAX ? at_.panes.find(static_cast<int>(*number)) : nullptr;
+        if (!pane_) return "error: there is no pane " + name;
+        if (words.empty()) return "error: what is pane " + name + " to do? see help";
+    }
+    return commands_.run(words.rest());
+}
+
+void ShellCommands::addForPane(Command command) {
+    command.run = [this, run = std::move(command.run)](CommandWords& words) -> CommandAnswer {
+        return pane_ ? run(words) : "error: no pane is open; see pane open";
+    };
+    commands_.add(std::move(command));
+}
+
+void ShellCommands::addSessionCommands() {
+    addForPane({"sign-in", "EMAIL PASSWORD [forget]", 2, 3, [this](CommandWords& words) { return signIn(words); },
+                "sign-in needs EMAIL PASSWORD [forget]"});
+    addForPane({"sign-out", "", 0, 0, [this](CommandWords&) {
+                    pane_->signOut();
+                    return "ok signed out";
+                }});
+}
+
+void ShellCommands::addChartCommands() {
+    addForPane({"open", "CANDLE_CHANNEL [DERIVED_CHANNEL]", 1, 2, [this](CommandWords& words) { return open(words); },
+                "open needs CANDLE_CHANNEL [DERIVED_CHANNEL]"});
+    addForPane({"symbol", "SYM", 1, 1, [this](CommandWords& words) { return symbol(words.next()); }});
+    addForPane({"timeframe", "N", 1, 1, [this](CommandWords& words) { return timeframe(words.next()); }});
+    addForPane({"expiration", "YYYY-MM-DD", 1, 1, [this](CommandWords& words) { return expiration(words.next()); }});
+    addForPane({"gex-source", "", 0, 0, [this](CommandWords&) {
+                    pane_->cycleGexSource();
+                    return "ok gex-source " + pane_->config->gexSource;
+                }});
+    addForPane({"3d", "on|off", 1, 1, [this](CommandWords& words) -> CommandAnswer {
+                    const std::string word = words.next();
+                    if (word != "on" && word != "off") return std::nullopt;
+                    pane_->setGex3DActive(word == "on");
+                    return "ok 3d " + word;
+                }});
+    addForPane({"set", "KEY JSON", 2, Command::restOfLine, [this](CommandWords& words) { return set(words); },
+                "set needs KEY JSON"});
+}
+
+void ShellCommands::addProcessCommands() {
+    commands_.add({"state", "FILE", 1, Command::restOfLine, [this](CommandWords& words) { return state(words); },
+                   "state needs a FILE"});
+    commands_.add({"relay", "COMMAND (practice)", 0, Command::restOfLine, [this](CommandWords& words) {
+                       if (!at_.practiceRelay)
+                           return std::string("error: there is no practice relay; start with --practice");
+                       return at_.practiceRelay(std::string(words.rest()));
+                   }});
+    addSimCommands(commands_, at_.sim);
+    commands_.add({"pane", "open|close N", 1, 2, [this](CommandWords& words) { return pane(words); }});
+    commands_.add({"quit", "", 0, 0, [this](CommandWords&) {
+                       at_.quit();
+                       return "ok quitting";
+                   }});
+    commands_.add({"help", "", 0, Command::restOfLine,
+                   [this](CommandWords&) { return "ok " + commands_.help() + " | @N COMMAND (in pane N)"; }});
+}
+
+CommandAnswer ShellCommands::signIn(CommandWords& words) {
+    const std::string email = words.next();
+    const std::string password = words.next();
+    const bool forget = !words.empty();
+    if (forget && words.rest() != "forget") return std::nullopt;
+    if (pane_->signingIn) return "error: a sign-in is running";
+    // the pane is still there when it calls
+    pane_->signIn(email, password, !forget, [this, pane = pane_, email](bool ok) {
+        tell(ok ? "ok signed in as " + email : "error: " + pane->authError->value_or("sign-in failed"));
+    });
+    return "";
+}
+
+CommandAnswer ShellCommands::open(CommandWords& words) {
+    const std::string candles = words.next();
+    pane_->openChart(candles, words.next());
+    return "ok open " + pane_->chartChannel.get();
+}
+
+CommandAnswer ShellCommands::symbol(const std::string& sym) {
+    const auto stocks = pane_->stockList();
+    const bool known = std::find(stocks.begin(), stocks.end(), sym) != stocks.end() || pane_->effectiveContract(sym);
+    if (!known) return "error: unknown symbol " + sym;
+    pane_->switchSymbol(sym);
+    return "ok symbol " + sym;
+}
+
+CommandAnswer ShellCommands::timeframe(const std::string& minutes) {
+    const auto value = parseInt(minutes);
+    if (!value) return "error: timeframe needs a whole number of minutes";
+    pane_->setTimeframe(*value);
+    return "ok timeframe " + std::to_string(pane_->timeframe.get());
+}
+
+CommandAnswer ShellCommands::expiration(const std::string& iso) {
+    const auto& offered = pane_->futureExps.get();
+    if (std::find(offered.begin(), offered.end(), iso) == offered.end())
+        return "error: no such expiration on offer: " + iso;
+    pane_->setExpiration(iso);
+    return "ok expiration " + iso;
+}
+
+CommandAnswer ShellCommands::set(CommandWords& words) {
+    const std::string key = words.next();
+    GexConfig changed = pane_->config;
+    if (const auto problem = changed.set(key, words.rest())) return "error: " + *problem;
+    pane_->setConfig(changed);
+    return "ok set " + key;
+}
+
+CommandAnswer ShellCommands::state(CommandWords& words) {
+    const std::string file(words.rest());
+    if (const auto problem = at_.writeState(file)) return "error: " + *problem;
+    return "ok state " + file;
+}
+
+CommandAnswer ShellCommands::pane(CommandWords& words) {
+    const std::string what = words.next();
+    if (what == "open" && words.empty()) {
+        if (const auto number = at_.panes.open()) return "ok pane " + std::to_string(*number);
+        return "error: at most " + std::to_string(PaneHost::maxLive) + " panes can be open";
+    }
+    const auto number = what == "close" ? parseInt(words.next()) : std::nullopt;
+    if (!number || *number < 1 || *number > INT32_MAX) return std::nullopt;
+    if (const auto problem = at_.panes.close(static_cast<int>(*number))) return "error: " + *problem;
+    return "ok pane " + std::to_string(*number) + " closed";
+}
+
+}  // namespace vmr
