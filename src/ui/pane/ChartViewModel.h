@@ -1,22 +1,18 @@
-// What a pane's chart draws, and what the chart tells of itself.
+// Where a pane's chart gets what it shows, and what is said over it.
 #pragma once
 
 #include <QObject>
 #include <QQmlEngine>
-#include <cstdint>
 #include <functional>
-#include <optional>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "chart/OverlayLists.h"
-#include "chart/RenderConfig.h"
-#include "market/Records.h"
+#include "chart/ChartPort.h"
+#include "chart/ChartSource.h"
 
 namespace vmr {
 
-/// Main thread.
+/// Brings a pane and the chart that shows it together; what the chart draws goes from one to the other without passing
+/// here. Main thread.
 class ChartViewModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -24,61 +20,40 @@ class ChartViewModel : public QObject {
     Q_PROPERTY(bool empty READ empty NOTIFY emptyChanged)
 
  public:
-    /// What the chart draws. The lists stay valid until the next `setChart`; null counts as empty.
-    struct Chart {
-        const std::vector<Candle>* candles = nullptr;
-        int timeframe = 1;  ///< minutes a bar
-        RenderConfig config;
-        int sessionHHMM = 1800;
-        const OverlayLists* overlays = nullptr;
-        std::uint64_t overlayRevision = 0;  ///< raised when they were rebuilt
-        const std::vector<PriceLevel>* levels = nullptr;
-        const std::vector<StrikeRow>* strikes = nullptr;
-        double etfRatio = 1;
-        std::optional<double> flipStrike;
-        const std::vector<StrikeRow>* secStrikes = nullptr;
-        double secRatio = 1;
-        const std::vector<BubblePt>* bubbles = nullptr;
-        const std::vector<TrianglePt>* triangles = nullptr;
-        std::string simRoot;  ///< empty: no trading on this chart
-    };
-    struct Actions {
-        std::function<void()> marketClosedOrder;  ///< an order was chosen while the market is closed
-        std::function<void()> interactionEnded;   ///< a drag of the chart ended
-        /// The chart's camera moved; nothing: the chart is gone.
-        std::function<void(const std::optional<Viewport>& viewport)> viewportChanged;
-    };
+    /// Gets the chart that shows the pane; null when that is gone.
+    using SetPort = std::function<void(ChartPort*)>;
 
     using QObject::QObject;
 
-    void setActions(Actions actions) { actions_ = std::move(actions); }
-    const Actions& actions() const { return actions_; }
-    /// The chart answers here whether the person drags it; empty takes the chart away.
-    void setInteractingProbe(std::function<bool()> probe) { interactingProbe_ = std::move(probe); }
-    bool interacting() const { return interactingProbe_ && interactingProbe_(); }
-
-    /// Tells that something of the chart is not what it was. Copies no list.
-    void setChart(const Chart& chart) {
-        chart_ = chart;
-        emit chartChanged();
-        if (std::exchange(wasEmpty_, empty()) != wasEmpty_) emit emptyChanged();
+    /// What the chart reads; null for nothing any more. `setPort` may be empty.
+    void setSource(ChartSource* source, SetPort setPort = {}) {
+        source_ = source;
+        setPort_ = std::move(setPort);
+        emit sourceChanged();
     }
-    const Chart& chart() const { return chart_; }
+    ChartSource* source() const { return source_; }
+    /// The chart that shows the pane; null when it goes.
+    void setPort(ChartPort* port) {
+        if (setPort_) setPort_(port);
+    }
+
+    /// Without bars.
+    bool empty() const { return empty_; }
+    void setEmpty(bool empty) {
+        if (std::exchange(empty_, empty) != empty) emit emptyChanged();
+    }
     /// Tells that the paper account's lines are not what they were.
     void tellAccountChanged() { emit accountChanged(); }
 
-    bool empty() const { return !chart_.candles || chart_.candles->empty(); }
-
  signals:
+    void sourceChanged();
     void emptyChanged();
-    void chartChanged();
     void accountChanged();
 
  private:
-    Actions actions_;
-    std::function<bool()> interactingProbe_;
-    Chart chart_;
-    bool wasEmpty_ = true;
+    ChartSource* source_ = nullptr;
+    SetPort setPort_;
+    bool empty_ = true;
 };
 
 }  // namespace vmr

@@ -8,17 +8,13 @@
 
 #include "base/SerialQueue.h"
 #include "base/Signal.h"
-#include "chart/RenderConfig.h"
-#include "store/GexConfig.h"
+#include "ui/pane/ModelChartSource.h"
 #include "ui/pane/PaneViewModel.h"
 
 namespace vmr {
 
 class AppModel;
 class SimEngine;
-
-/// The look of the chart that the settings ask for.
-RenderConfig renderConfig(const GexConfig& config);
 
 /// Keeps `view` as `model` is, and hands the view's gestures to the model, until destroyed. All that it is given must
 /// outlive it. Main thread.
@@ -49,14 +45,12 @@ class PaneBinding {
     SessionViewModel::State sessionState() const;
     ToolbarViewModel::State toolbarState() const;
     ToastViewModel::State toastState() const;
-    ChartViewModel::Chart chartState() const;
 
     AppModel& model_;
     PaneViewModel& view_;
     MainLoop& main_;
+    ModelChartSource source_;
     QString setupProblem_, signInHint_;
-    const OverlayLists* overlays_ = nullptr;
-    std::uint64_t overlayRevision_ = 0;
     unsigned marked_ = 0;  ///< concerns that the next flush copies
     std::uint64_t flushes_ = 0;
     std::vector<Connection> connections_;
