@@ -1,21 +1,20 @@
 // CPU time of a frame with every layer on, as the window records it: 250 strikes of two sources with DEX, open interest
-// and waves, ten hours of markers, all overlays. `memcpyOfFullFrame` copies as many bytes as such a frame streams and
-// is the baseline of the run.
+// and waves, ten hours of markers, all overlays, the account's lines. `memcpyOfFullFrame` copies as many bytes as such
+// a frame streams and is the baseline of the run.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <vector>
 
 #include "base/Clock.h"
 #include "bench/chart/Measure.h"
-#include "chart/AxisLayer.h"
-#include "chart/BarLabelLayer.h"
-#include "chart/ChartRenderer.h"
+#include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/FullScene.h"
+#include "tests/support/StillAccount.h"
+#include "tests/support/TestTime.h"
 
 namespace vmr {
 namespace {
@@ -23,30 +22,35 @@ namespace {
 constexpr test::SceneSize everything{.strikes = 250, .minutes = 600, .bubbles = 3, .triangles = 5, .ribbons = 5};
 
 struct FullScene {
+    test::TestTime time;
+    test::TestQueue queue{time};
     SystemClock clock;
     FrameRecorder gpu;
     RecordedFrame shown;
     test::FakeGlyphs glyphs;
     SessionTime session;
-    BarLabelLayer labels{glyphs};
-    AxisLayer axes{glyphs, session};
-    std::function<void()> task;
-    ChartRenderer renderer{gpu, clock, [this](std::function<void()> posted) { task = std::move(posted); }};
     test::SceneData data;
+    test::StillAccount account{data.candles.back().close};
+    ChartView view{{gpu, glyphs, session, clock, queue, nullptr, &account}};
+    ChartContent content;
+    Connection following =
+        view.viewportState()->changed.connect([this] { benchmark::DoNotOptimize(view.viewportState()->get()->first); });
     double now = 1000;
 
-    explicit FullScene(std::size_t bars = 5000) : data(waveBars(bars), everything) {
-        renderer.addScreenLayer(labels);
-        renderer.addScreenLayer(axes);
-        renderer.onViewport = [](double first, double, double, double) { benchmark::DoNotOptimize(first); };
-        renderer.onBarLabels = [](const std::vector<BarLabel>& list) { benchmark::DoNotOptimize(list.data()); };
-        data.give(renderer);
+    explicit FullScene(std::size_t bars = 5000) : data(waveBars(bars), everything), content(data.content()) {
+        view.setContent(content);
         for (int i = 0; i < 100; ++i) frame();
     }
+    /// Everything but the overlays is handed over as if it had changed.
+    void give() {
+        const auto revision = data.content().revisions.candles;
+        auto& all = content.revisions;
+        all = {revision, revision, revision, revision, revision, revision, all.overlays, all.srLines};
+        view.setContent(content);
+    }
     void frame() {
-        renderer.drawFrame(1400, 900, 2, now += 1.0 / 120);
+        view.record(1400, 900, 2, now += 1.0 / 120);
         gpu.swapFrame(shown);
-        if (task) std::exchange(task, nullptr)();
     }
 };
 
@@ -70,10 +74,10 @@ BENCHMARK(fullStillFrame)->Unit(benchmark::kMicrosecond);
 /// Pan by a bar and draw, with the same bars in view whatever the history's length.
 void fullPanFrame(benchmark::State& state) {
     FullScene scene(static_cast<std::size_t>(state.range(0)));
-    scene.renderer.mirrorView(100, 300);
+    scene.view.renderer().mirrorView(100, 300);
     int i = 0;
     measureSpread(state, [&] {
-        scene.renderer.pan(++i % 200 < 100 ? 1 : -1);
+        scene.view.renderer().pan(++i % 200 < 100 ? 1 : -1);
         scene.frame();
     });
 }
@@ -91,7 +95,8 @@ void fullEasingFrame(benchmark::State& state) {
             for (double* value : {&at.callGex, &at.callDex, &at.callHf, &at.callOI}) *value *= factor;
         }
         ++i;
-        scene.renderer.setStrikes(data.strikes, data.ratio, data.flip);
+        ++scene.content.revisions.strikes;
+        scene.view.setContent(scene.content);
         scene.frame();
     });
 }
@@ -103,7 +108,7 @@ void fullTick(benchmark::State& state) {
     int i = 0;
     measureSpread(state, [&] {
         scene.data.candles.back().close += ++i % 2 == 0 ? 1 : -1;
-        scene.data.give(scene.renderer, false);
+        scene.give();
         scene.frame();
     });
 }
@@ -113,14 +118,13 @@ BENCHMARK(fullTick)->Unit(benchmark::kMicrosecond);
 template <class Change>
 void rebuild(benchmark::State& state, Change&& change) {
     FullScene scene;
-    scene.data.strikes.clear();
-    scene.data.secStrikes.clear();
-    scene.data.give(scene.renderer, false);
+    scene.content.strikes = scene.content.secStrikes = {};
+    scene.give();
     for (int i = 0; i < 100; ++i) scene.frame();
     int i = 0;
     measureSpread(state, [&] {
         change(scene.data, ++i % 2 == 0);
-        scene.data.give(scene.renderer, false);
+        scene.give();
         scene.frame();
     });
 }

@@ -9,12 +9,11 @@
 
 #include "bench/model/DerivedText.h"
 #include "bench/model/HandPane.h"
-#include "chart/AxisLayer.h"
-#include "chart/BarLabelLayer.h"
-#include "chart/ChartRenderer.h"
+#include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
 #include "market/SessionLines.h"
 #include "tests/chart/FakeGlyphs.h"
+#include "tests/support/StillAccount.h"
 
 namespace vmr {
 namespace {
@@ -51,44 +50,73 @@ struct BusyPane : bench::HandPane {
         }
         m.bubblePts = bubbles;
         m.trianglePts = triangles;
-        RenderConfig look;
         look.gexEnabled = look.gexLabels = look.dexEnabled = look.dexLabels = look.waveEnabled = look.oiEnabled = true;
-        renderer.setRenderConfig(look);
-        RendererBridge bridge;
-        bridge.setOverlayGeometry = [this](const OverlayLists& lists) { renderer.setOverlayGeometry(lists); };
-        m.setRendererBridge(std::move(bridge));
-        renderer.addScreenLayer(labels);
-        renderer.addScreenLayer(axes);
-        renderer.onNeedsDisplay = [this] { due = true; };
-        links.push_back(m.displayCandles.changed.connect([this] { renderer.setCandles(model->displayCandles.get()); }));
+        view.onNeedsFrame = [this] { due = true; };
+        view.setSource(&source);
+        links.push_back(m.displayCandles.changed.connect([this] { source.changed(); }));
+        links.push_back(m.srLines.changed.connect([this] { source.changed(&ChartContent::Revisions::srLines); }));
+        links.push_back(m.overlaysChanged.connect([this] { source.changed(&ChartContent::Revisions::overlays); }));
         receive(bench::derivedFrame(250, 15, 0));
     }
 
-    // As the window does it: the renderer finds what differs.
-    void show() {
-        const auto& m = *model;
-        renderer.setLevels(m.levels.get());
-        renderer.setStrikes(m.strikes.get(), m.etfRatio, m.gammaFlipStrike);
-        renderer.setSecStrikes(m.strikes.get(), m.etfRatio);
-        renderer.setBubbles(m.bubblePts.get(), m.trianglePts.get());
-    }
+    /// The model's lists as a content. What has no notice of its own here is compared at each frame.
+    struct Source final : ChartSource {
+        explicit Source(BusyPane& pane) : pane_(pane) {}
+        ChartContent chartContent() const override {
+            const AppModel& m = *pane_.model;
+            return {.chart = 1,
+                    .timeframe = static_cast<double>(m.timeframe.get()),
+                    .sessionHHMM = m.sessionHHMM(),
+                    .simRoot = m.simRoot,
+                    .look = &pane_.look,
+                    .candles = m.displayCandles.get(),
+                    .levels = m.levels.get(),
+                    .strikes = m.strikes.get(),
+                    .etfRatio = m.etfRatio,
+                    .flipStrike = m.gammaFlipStrike,
+                    .secStrikes = m.strikes.get(),
+                    .secRatio = m.etfRatio,
+                    .bubbles = m.bubblePts.get(),
+                    .triangles = m.trianglePts.get(),
+                    .overlays = &m.overlays(),
+                    .overlayStyle = {},
+                    .srLines = m.srLines.get(),
+                    .revisions = revisions_};
+        }
+        void interactionEnded() override {}
+        void marketClosedOrder() override {}
+
+        void changed(std::uint64_t ChartContent::Revisions::*part = &ChartContent::Revisions::candles) {
+            ++(revisions_.*part);
+            pane_.view.contentChanged();
+        }
+        void compareTheRest() {
+            auto& r = revisions_;
+            for (auto* part : {&r.levels, &r.strikes, &r.secStrikes, &r.markers}) ++*part;
+            pane_.view.contentChanged();
+        }
+
+     private:
+        BusyPane& pane_;
+        ChartContent::Revisions revisions_;
+    };
 
     void frame() {
-        show();
+        source.compareTheRest();
+        settle();
         if (!std::exchange(due, false)) return;
-        due = renderer.drawFrame(1400, 900, 1, clock.monotonic());
+        due = view.record(1400, 900, 1, clock.monotonic());
         gpu.swapFrame(shown);
         ++frames;
-        while (!posted.empty()) std::exchange(posted, {}).front()();
     }
 
     FrameRecorder gpu;
     RecordedFrame shown;
     test::FakeGlyphs glyphs;
-    BarLabelLayer labels{glyphs};
-    AxisLayer axes{glyphs, session};
-    std::vector<std::function<void()>> posted;
-    ChartRenderer renderer{gpu, clock, [this](std::function<void()> task) { posted.push_back(std::move(task)); }};
+    test::StillAccount account{21050};
+    RenderConfig look;
+    ChartView view{{gpu, glyphs, session, clock, main, nullptr, &account}};
+    Source source{*this};
     std::vector<Connection> links;
     bool due = true;
     int frames = 0;

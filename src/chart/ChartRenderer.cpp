@@ -1,64 +1,34 @@
 #include "chart/ChartRenderer.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
-#include <tuple>
+#include <limits>
 #include <utility>
 
 #include "market/SessionTime.h"
 
 namespace vmr {
 
-/// What waits to be delivered on the main thread's queue. A plain pointer to it is all that a posted task holds, so
-/// that posting needs no memory of its own; when the renderer goes first, the box waits in `orphans` for its task.
-struct ChartRenderer::Delivery {
-    ChartRenderer* owner;
-    Post post;
-    Viewport viewport;
-    bool viewportDue = false, labelsDue = false;
-    bool pending = false;
-
-    static std::vector<std::unique_ptr<Delivery>>& orphans() {
-        static std::vector<std::unique_ptr<Delivery>> list;
-        return list;
-    }
-
-    void send() {
-        if (std::exchange(pending, true)) return;
-        post([this] { run(); });
-    }
-
-    // `pending` stays on meanwhile, so that a handler that ends the renderer leaves the box alone.
-    void run() {
-        if (owner && std::exchange(viewportDue, false) && owner->onViewport)
-            owner->onViewport(viewport.first, viewport.count, viewport.minP, viewport.maxP);
-        if (owner && std::exchange(labelsDue, false) && owner->onBarLabels) owner->onBarLabels(owner->lastBarLabels_);
-        pending = false;
-        if (!owner)
-            std::erase_if(orphans(), [this](const auto& box) { return box.get() == this; });
-        else if (viewportDue || labelsDue)
-            send();
-    }
-};
-
 ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock, Post post)
-    : gpu_(gpu), clock_(clock), delivery_(new Delivery{this, std::move(post), {}, false, false, false}), arena_(gpu) {}
+    : gpu_(gpu),
+      clock_(clock),
+      notices_(std::move(post), onViewport, onBarLabels),
+      arena_(gpu),
+      bars_(gpu),
+      walls_(gpu),
+      markers_(gpu),
+      overlays_(gpu) {}
 
-ChartRenderer::~ChartRenderer() {
-    for (const Retained* retained : {&candleTris_, &candleWicks_, &candleBorders_, &overlayLines_, &sessionLines_,
-                                     &second_, &secondBorders_, &walls_, &markers_}) {
-        if (retained->buf != 0) gpu_.release(retained->buf);
-    }
-    delivery_->owner = nullptr;
-    if (delivery_->pending) Delivery::orphans().push_back(std::move(delivery_));
-}
+ChartRenderer::~ChartRenderer() = default;
 
 void ChartRenderer::needsDisplay() {
     if (onNeedsDisplay) onNeedsDisplay();
 }
 
 void ChartRenderer::noteInput() {
-    if (!inputAt_) inputAt_ = clock_.monotonic();
+    if (!input_.at) input_.at = clock_.monotonic();
 }
 
 namespace {
@@ -93,7 +63,7 @@ void ChartRenderer::setCandles(std::span<const Candle> candles) {
     const bool staticChanged = shifted || (n > 1 && candles_[n - 2] != candles[n - 2]);
     candles_.assign(candles.begin(), candles.end());
 
-    if (newBar) dispClose_ = candles_.back().close;
+    if (newBar) forming_.jumpTo(candles_.back().close);
     if (first) {
         camera_.showFirstData(n, renderCfg_.initialCandles);
     } else {
@@ -107,66 +77,54 @@ void ChartRenderer::setCandles(std::span<const Candle> candles) {
 void ChartRenderer::barsMoved() {
     const Candle& last = candles_.back();
     origin_ = {static_cast<double>(candles_.size() - 1), std::isfinite(last.close) ? last.close : 0.0};
-    staticDirty_ = wallsDirty_ = markersDirty_ = true;
+    bars_.dirty = walls_.dirty = markers_.dirty = true;
 }
 
 void ChartRenderer::startOver() {
     candles_.clear();
-    dispClose_ = std::numeric_limits<double>::quiet_NaN();
-    bubblePts_.clear();
-    trianglePts_.clear();
+    forming_.jumpTo(std::numeric_limits<double>::quiet_NaN());
+    markers_.clear();
     edges_.clear();
-    markersDirty_ = true;
     setOverlayGeometry({});
 }
 
 void ChartRenderer::setRenderConfig(const RenderConfig& config) {
     if (config == renderCfg_) return;
-    const auto markerLook = [](const RenderConfig& c) {
-        return std::tie(c.bubblesEnabled, c.trianglesEnabled, c.bubbleOpacity, c.triangleOpacity, c.bubblePos,
-                        c.bubbleNeg, c.hfCall, c.hfPut);
-    };
-    if (config.candleTheme != renderCfg_.candleTheme) staticDirty_ = true;
-    if (config.wallsEnabled != renderCfg_.wallsEnabled) wallsDirty_ = true;
-    if (markerLook(config) != markerLook(renderCfg_)) markersDirty_ = true;
+    if (config.candleTheme != renderCfg_.candleTheme) bars_.dirty = true;
+    if (config.wallsEnabled != renderCfg_.wallsEnabled) walls_.dirty = true;
+    if (!KeptMarkers::looksAlike(config, renderCfg_)) markers_.dirty = true;
     renderCfg_ = config;
     needsDisplay();
 }
 
 void ChartRenderer::setLevels(std::span<const PriceLevel> levels) {
-    if (std::ranges::equal(levels, levels_)) return;
-    levels_.assign(levels.begin(), levels.end());
-    wallsDirty_ = true;
-    needsDisplay();
+    if (walls_.set(levels)) needsDisplay();
 }
 
 void ChartRenderer::setStrikes(std::span<const StrikeRow> rows, double etfRatio, std::optional<double> flipStrike) {
-    const double ratio = std::isfinite(etfRatio) && etfRatio > 0 ? etfRatio : etfRatio_;
-    if (ratio == etfRatio_ && flipStrike == flipStrike_ && std::ranges::equal(rows, strikes_)) return;
-    if (ratio != etfRatio_) markersDirty_ = true;
-    strikes_.assign(rows.begin(), rows.end());
-    etfRatio_ = ratio;
-    flipStrike_ = flipStrike;
+    const double ratio = std::isfinite(etfRatio) && etfRatio > 0 ? etfRatio : strikes_.etfRatio;
+    if (ratio == strikes_.etfRatio && flipStrike == strikes_.flip && std::ranges::equal(rows, strikes_.rows)) return;
+    if (ratio != strikes_.etfRatio) markers_.dirty = true;
+    strikes_.rows.assign(rows.begin(), rows.end());
+    strikes_.etfRatio = ratio;
+    strikes_.flip = flipStrike;
     needsDisplay();
 }
 
 void ChartRenderer::setSecStrikes(std::span<const StrikeRow> rows, double ratio) {
-    const double usable = std::isfinite(ratio) && ratio != 0 ? ratio : secRatio_;
-    if (usable == secRatio_ && std::ranges::equal(rows, secStrikes_)) return;
-    secStrikes_.assign(rows.begin(), rows.end());
-    secRatio_ = usable;
+    const double usable = std::isfinite(ratio) && ratio != 0 ? ratio : strikes_.secRatio;
+    if (usable == strikes_.secRatio && std::ranges::equal(rows, strikes_.secRows)) return;
+    strikes_.secRows.assign(rows.begin(), rows.end());
+    strikes_.secRatio = usable;
     needsDisplay();
 }
 
 void ChartRenderer::setBubbles(std::span<const BubblePt> bubbles, std::span<const TrianglePt> triangles) {
-    const auto same = [](const auto& fresh, const auto& held) {
-        return fresh.size() == held.size() && (fresh.empty() || fresh.back() == held.back());
-    };
-    if (same(bubbles, bubblePts_) && same(triangles, trianglePts_)) return;
-    bubblePts_.assign(bubbles.begin(), bubbles.end());
-    trianglePts_.assign(triangles.begin(), triangles.end());
-    markersDirty_ = true;
-    needsDisplay();
+    if (markers_.set(bubbles, triangles)) needsDisplay();
+}
+
+void ChartRenderer::setOverlayGeometry(const OverlayLists& lists) {
+    if (overlays_.set(lists)) needsDisplay();
 }
 
 void ChartRenderer::pan(double byCandles) {
@@ -229,24 +187,10 @@ std::size_t ChartRenderer::currentSessionStartIndex() const {
     return found == candles_.end() ? 0 : static_cast<std::size_t>(found - candles_.begin());
 }
 
-void ChartRenderer::publishViewport() {
-    if (!camera_.snapLerps) return;
-    movedTo_ = camera_.viewport();
-    if (!onViewport) return;
-    delivery_->viewport = camera_.viewport();
-    delivery_->viewportDue = true;
-    delivery_->send();
-}
-
-void ChartRenderer::publishBarLabels(bool animating) {
-    constexpr double leastApart = 1.0 / 120.0;  // seconds, while something moves
-    const std::span<const BarLabel> labels = edges_.labels();
-    if (!onBarLabels || std::ranges::equal(labels, lastBarLabels_)) return;
-    if (animating && !(lastAnimTime_ - lastLabelPublish_ > leastApart)) return;
-    lastLabelPublish_ = lastAnimTime_;
-    lastBarLabels_.assign(labels.begin(), labels.end());
-    delivery_->labelsDue = true;
-    delivery_->send();
+std::string ChartRenderer::benchDataSummary() const {
+    return fmt::format("candles={} visible={:.0f} strikes={} bubbles={} triangles={} overlayLineVerts={} 2ndVerts={}",
+                       candles_.size(), camera_.visibleCount, strikes_.rows.size(), markers_.bubbles(),
+                       markers_.triangles(), overlays_.lineVertices(), overlays_.secondVertices());
 }
 
 }  // namespace vmr

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <limits>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,8 +11,14 @@
 
 #include "base/Clock.h"
 #include "chart/Camera.h"
+#include "chart/Easing.h"
 #include "chart/EdgeLayers.h"
-#include "chart/OverlayLists.h"
+#include "chart/FormingBar.h"
+#include "chart/FrameNotices.h"
+#include "chart/KeptCandles.h"
+#include "chart/KeptMarkers.h"
+#include "chart/KeptOverlays.h"
+#include "chart/KeptWalls.h"
 #include "chart/RenderConfig.h"
 #include "chart/ScreenLayer.h"
 #include "gpu/FrameArena.h"
@@ -37,13 +41,9 @@ class Perf;
 /// Arenas go round in three, so the host must never read a frame's arena more than two frames later.
 class ChartRenderer {
  public:
-    static constexpr double candleLerp = 0.3;  ///< easing of the forming close per frame of 60 Hz
-    static constexpr double lerpX = 0.25;      ///< of widths and x positions
-    static constexpr double lerpY = 0.2;       ///< of y positions
     static constexpr Rgba clearColor{0.04F, 0.04F, 0.04F, 1.0F};
-    static constexpr Rgba priceLineColor{1.0F, 1.0F, 1.0F, 0.38F};
 
-    using Post = std::function<void(std::function<void()>)>;
+    using Post = LaterCall::Post;
 
     /// `gpu` and `clock` must outlive the renderer. `post` runs a task later on the main thread, never at once; it may
     /// run tasks after the renderer is gone.
@@ -56,11 +56,11 @@ class ChartRenderer {
     std::function<void()> onNeedsDisplay;
 
     /// The camera of a frame in which it moved; posted, at most once a turn, with the newest values.
-    std::function<void(double first, double count, double minP, double maxP)> onViewport;
+    FrameNotices::OnViewport onViewport;
 
     /// The labels beside the strike bars when they are not what they were; posted, at most 120 times a second while
     /// something moves. Draw no frame from within.
-    std::function<void(const std::vector<BarLabel>&)> onBarLabels;
+    FrameNotices::OnBarLabels onBarLabels;
 
     /// Where frames and rebuilds are timed; may be null.
     Perf* perf = nullptr;
@@ -121,16 +121,16 @@ class ChartRenderer {
     const Camera& camera() const { return camera_; }
     std::span<const Candle> candles() const { return candles_; }
     double rightEdgeFirst() const { return camera_.rightEdgeFirst(candles_.size()); }
-    double dispClose() const { return dispClose_; }
-    double alphaX() const { return alphaX_; }
-    double alphaY() const { return alphaY_; }
-    double alphaClose() const { return alphaClose_; }
+    double dispClose() const { return forming_.close(); }
+    double alphaX() const { return easing_.alphaX; }
+    double alphaY() const { return easing_.alphaY; }
+    double alphaClose() const { return easing_.alphaClose; }
     /// Milliseconds from the oldest input of the last frame to that frame; nothing when no input led to it.
-    std::optional<double> inputLagMs() const { return inputLagMs_; }
+    std::optional<double> inputLagMs() const { return input_.lagMs; }
     /// Where the last frame's camera is, if it moved in that frame.
     const std::optional<Viewport>& movedTo() const { return movedTo_; }
     /// Whether ribbons of overlay series or session lines are there.
-    bool hasOverlays() const;
+    bool hasOverlays() const { return overlays_.lineVertices() > 0; }
     /// What a benchmark draws: counts of bars, strikes, markers and overlay vertices.
     std::string benchDataSummary() const;
 
@@ -140,95 +140,61 @@ class ChartRenderer {
     int sessionHHMM = 1800;
 
  private:
-    /// What a block of a retained list spans: bars relative to the list's origin, and points beyond them.
-    struct Reach {
-        float low = 0, high = 0, points = 0;
+    /// The strikes of both sources, and what brings them to the price axis.
+    struct Strikes {
+        std::vector<StrikeRow> rows, secRows;
+        double etfRatio = 1, secRatio = 1;
+        std::optional<double> flip;
     };
-    struct Retained {
-        GpuBuffer buf = 0;
-        std::size_t n = 0;
-        std::size_t stride = 0;     ///< bytes of a vertex
-        std::vector<Reach> blocks;  ///< of `blockVertices` each, for lists of several; else it is drawn whole
+    /// From the oldest input that no frame has shown yet to the frame that does.
+    struct InputLag {
+        std::optional<double> at;  ///< monotonic
+        std::optional<double> lagMs;
+        void endAt(double now);
     };
-    static constexpr std::size_t blockVertices = 1152;  ///< whole shapes of 3, 6, 12, 24 and 36 vertices
     /// What a frame makes anew.
     struct Geometry {
-        std::optional<DynUpload> priceLine, formingTris, formingBorder, formingWicks;
-        std::optional<DynUpload> edgeTris, waveFill, waveStroke;
+        FormingBar::Lists forming;
+        EdgeFrame edges;
         Uniforms candleUniforms;
         bool animating = false;
     };
-    struct Delivery;
 
     void needsDisplay();
     void noteInput();
-    void stepTime(double now);
     void barsMoved();
 
-    // What is kept (ChartRetained.cpp)
-    void rebuildRetained();
-    void rebuildCandleGeometry();
-    void rebuildWallGeometry();
-    void rebuildMarkers();
-    template <class Vertex>
-    void retain(Retained& retained, const std::vector<Vertex>& list);
-    template <class Vertex>
-    bool replace(Retained& retained, const std::vector<Vertex>& list);
-
-    // What a frame makes anew (ChartFrame.cpp)
-    bool buildGeometry(double viewW, double viewH, Geometry& geometry);
-    void buildFormingCandle(double viewH, Geometry& geometry);
-    void buildPriceLine(double viewW, Geometry& geometry);
-    void buildEdges(double viewW, double viewH, Geometry& geometry);
-    bool easeClose();
+    // The frame (ChartFrame.cpp)
     bool drawChart(double width, double height, double pixelRatio);
+    void rebuildKept();
+    bool buildGeometry(double viewW, double viewH, Geometry& geometry);
+    EdgeFrame stepEdges(double viewW, double viewH);
 
     // The layers in their order (ChartLayers.cpp)
     void encodeLayers(const Geometry& geometry, double width, double height);
-    void encodeMarkers(const Uniforms& camera, double width, double height);
-    void encodeEdges(const Geometry& geometry);
-    void encodeOverlays(double width, double height);
+    void encodeEdges(const EdgeFrame& edges);
     void drawDyn(Primitive primitive, const std::optional<DynUpload>& list);
-    void drawRetained(const Retained& retained, Primitive primitive = Primitive::triangles);
-    void drawInView(const Retained& retained, const DataOrigin& origin);
-    void setFlat(const Uniforms& uniforms);
-    void setWithView(Pipeline pipeline, const LineUniforms& uniforms);
-
-    void publishViewport();
-    void publishBarLabels(bool animating);
 
     Gpu& gpu_;
     const Clock& clock_;
-    std::unique_ptr<Delivery> delivery_;
+    FrameNotices notices_;
     FrameArena arena_;
     std::vector<ScreenLayer*> screenLayers_;
     std::vector<Candle> candles_;
-    std::vector<PriceLevel> levels_;
-    std::vector<StrikeRow> strikes_, secStrikes_;
-    double etfRatio_ = 1, secRatio_ = 1;
-    std::optional<double> flipStrike_;
-    std::vector<BubblePt> bubblePts_;
-    std::vector<TrianglePt> trianglePts_;
+    Strikes strikes_;
     RenderConfig renderCfg_;
     Camera camera_;
-    EdgeLayers edges_;
     DataOrigin origin_;  ///< of all data-space geometry but the overlays'; moves only when all of it is rebuilt
-    Retained candleTris_, candleWicks_, candleBorders_, walls_, markers_;
-    Retained overlayLines_, sessionLines_, second_, secondBorders_;
-    std::uint64_t sessionRevision_ = 0;
-    DataOrigin overlayOrigin_;  ///< of the four above
-    bool staticDirty_ = true, wallsDirty_ = true, markersDirty_ = true;
-    bool interacting_ = false;
-    double dispClose_ = std::numeric_limits<double>::quiet_NaN();
-    double alphaX_ = lerpX, alphaY_ = lerpY, alphaClose_ = candleLerp;
-    double lastAnimTime_ = 0;
-    double lastLabelPublish_ = -std::numeric_limits<double>::infinity();  ///< monotonic
-    std::vector<BarLabel> lastBarLabels_;
-    std::optional<double> inputAt_, inputLagMs_;
+    KeptCandles bars_;
+    KeptWalls walls_;
+    KeptMarkers markers_;
+    KeptOverlays overlays_;
+    FormingBar forming_;
+    EdgeLayers edges_;
+    Easing easing_;
+    InputLag input_;
     std::optional<Viewport> movedTo_;
-    std::vector<ChartVertex> flatScratch_;
-    std::vector<LineVertex> ribbonScratch_;
-    std::vector<MarkerVertex> markerScratch_;
+    bool interacting_ = false;
 };
 
 }  // namespace vmr

@@ -7,8 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "chart/ChartContent.h"
 #include "chart/ChartRenderer.h"
-#include "chart/OverlayGeometry.h"
+#include "chart/OverlayRibbons.h"
 
 namespace vmr::test {
 
@@ -17,7 +18,7 @@ struct SceneSize {
     std::size_t minutes = 100;  ///< with markers, the newest
     std::size_t bubbles = 1;    ///< a minute
     std::size_t triangles = 1;  ///< a minute
-    std::size_t ribbons = 2;    ///< over all bars
+    std::size_t ribbons = 2;    ///< over all bars, at most 5
     double ratio = 41.0;        ///< from strike to chart price
 };
 
@@ -31,7 +32,11 @@ struct SceneData {
     std::optional<double> flip;
     std::vector<BubblePt> bubbles;
     std::vector<TrianglePt> triangles;
-    OverlayLists overlays;
+    OverlaySet series;
+    OverlayStyle style{.lineOpacity = 0.8};
+    std::vector<OverlayLine> srLines;
+    OverlayLists overlays;               ///< the last three as vertices
+    mutable std::uint64_t revision = 0;  ///< of the last content
 
     explicit SceneData(std::vector<Candle> list, const SceneSize& size = {})
         : candles(std::move(list)), ratio(size.ratio), secRatio(size.ratio * 0.4) {
@@ -51,7 +56,8 @@ struct SceneData {
             for (std::size_t k = 0; k < size.triangles; ++k)
                 triangles.push_back({time, strike + wave(i + 7 * k) * 6, wave(i), 1.0});
         }
-        makeOverlays(size.ribbons);
+        makeSeries(size.ribbons);
+        overlays = OverlayRibbons().make({&series, srLines, 0, style, candles});
     }
 
     /// Hands all to the renderer, in the order of a pane.
@@ -65,24 +71,45 @@ struct SceneData {
         renderer.setCandles(candles);
     }
 
+    /// The same as a pane gives it, with every part as if it had changed. Borrows from this.
+    ChartContent content(std::uint64_t chart = 1, std::string_view simRoot = "NQ") const {
+        ++revision;
+        const ChartContent::Revisions changed{revision, revision, revision, revision,
+                                              revision, revision, revision, revision};
+        return {.chart = chart,
+                .timeframe = 1,
+                .sessionHHMM = 1800,
+                .simRoot = simRoot,
+                .look = &config,
+                .candles = candles,
+                .levels = levels,
+                .strikes = strikes,
+                .etfRatio = ratio,
+                .flipStrike = flip,
+                .secStrikes = secStrikes,
+                .secRatio = secRatio,
+                .bubbles = bubbles,
+                .triangles = triangles,
+                .overlays = &series,
+                .overlayStyle = style,
+                .srLines = srLines,
+                .revisions = changed};
+    }
+
  private:
-    void makeOverlays(std::size_t ribbons) {
-        overlays.origin = {static_cast<double>(candles.size() - 1), candles.back().close};
-        std::vector<OvCandle> second;
+    void makeSeries(std::size_t ribbons) {
         std::vector<OvPoint> points;
         for (const Candle& c : candles) {
-            const auto i = static_cast<double>(second.size());
-            second.push_back({i, c.open - 5, c.high - 5, c.low - 5, c.close - 5, c.close});
+            const auto i = static_cast<double>(points.size());
+            series.secondCandles.push_back({i, c.open - 5, c.high - 5, c.low - 5, c.close - 5, c.close});
             points.push_back({i, c.close});
         }
-        for (std::size_t k = 0; k < ribbons; ++k) {
+        for (auto* line : {&series.vwapMain, &series.ema1, &series.ema2, &series.vixLine, &series.vwapNY}) {
+            if (ribbons-- == 0) break;
             for (OvPoint& point : points) point.v += 3;
-            OverlayGeometry::polyline(overlays.lines, points, 2.0, {1, 0.8F, 0, 1}, std::nullopt, overlays.origin);
+            *line = points;
         }
-        OverlayGeometry::secondCandles(overlays.second, overlays.secondBorders, second, overlays.origin);
-        const OverlayLine line{candles.back().close + 7, candles.front().time, std::nullopt, "", true};
-        OverlayGeometry::srLines(overlays.sessionLines, {&line, 1}, candles, 0.8, overlays.origin);
-        overlays.sessionRevision = 1;
+        srLines.push_back({candles.back().close + 7, candles.front().time, std::nullopt, "", true});
     }
     static double wave(std::size_t i) { return std::sin(static_cast<double>(i) * 0.7); }
     static std::vector<StrikeRow> rows(std::size_t count, double middle) {

@@ -45,6 +45,13 @@ class ChartPixels : public testing::Test {
         return whole.copy(part.intersected(whole.rect()));
     }
     Viewport viewport() { return chart->renderer().camera().viewport(); }
+    ChartContent barsAlone() {
+        ChartContent content;
+        content.chart = 1;
+        content.look = &ui->source.look;
+        content.candles = ui->bars();
+        return content;
+    }
 
     std::unique_ptr<UiWindow> ui;
     ChartItem* chart = nullptr;
@@ -53,18 +60,17 @@ class ChartPixels : public testing::Test {
 TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
     ASSERT_EQ(ratio(), std::getenv("QT_SCALE_FACTOR") ? std::atof(std::getenv("QT_SCALE_FACTOR")) : 1.0);
     SceneData data(ui->bars(), {.strikes = 30, .minutes = 30, .bubbles = 2, .triangles = 2, .ratio = 10.0});
-    data.config.initialCandles = ui->chart.config.initialCandles;
-    CpuChart expected;
-    ChartRenderer& renderer = expected.renderer;
+    data.config.initialCandles = ui->source.look.initialCandles;
+    CpuChart expected(&ui->account);
+    ChartRenderer& renderer = expected.view.renderer();
     for (const bool everything : {false, true}) {
         SCOPED_TRACE(everything ? "everything" : "bars alone");
         if (everything) {
             ui->showScene(data);
             ASSERT_TRUE(ui->settle());
-            data.give(renderer);
+            expected.view.setContent(data.content());
         } else {
-            renderer.setRenderConfig(ui->chart.config);
-            renderer.setCandles(ui->bars());
+            expected.view.setContent(barsAlone());
         }
         const RecordedFrame frame = expected.frame(chart->size(), ratio());
         ASSERT_EQ(renderer.camera().viewport(), viewport());
@@ -117,9 +123,8 @@ TEST_F(ChartPixels, ClearsAndClipsTouchTheirPixelsOnly) {
     ClippedLayer layer;  // both charts go before it
     {
         CpuChart expected;
-        for (ChartRenderer* renderer : {&expected.renderer, &chart->renderer()}) renderer->addScreenLayer(layer);
-        expected.renderer.setRenderConfig(ui->chart.config);
-        expected.renderer.setCandles(ui->bars());
+        for (ChartRenderer* renderer : {&expected.view.renderer(), &chart->renderer()}) renderer->addScreenLayer(layer);
+        expected.view.setContent(barsAlone());
         chart->renderer().redraw();
         const QImage picture = chartPicture();
         const RecordedFrame frame = expected.frame(chart->size(), ratio());

@@ -3,37 +3,31 @@
 
 #include <QSizeF>
 
-#include "base/Clock.h"
-#include "chart/AxisLayer.h"
-#include "chart/BarLabelLayer.h"
-#include "chart/ChartRenderer.h"
+#include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
-#include "market/SessionTime.h"
+#include "support/TestTime.h"
 #include "ui/gpu/GlyphAtlas.h"
 
 namespace vmr::test {
 
 struct CpuChart {
-    CpuChart() {
-        renderer.addScreenLayer(labels);
-        renderer.addScreenLayer(axis);
-    }
+    explicit CpuChart(ChartTrading* trading = nullptr) : account(trading) {}
 
     /// The frame in which everything has come to rest.
     RecordedFrame frame(QSizeF size, double ratio) {
-        while (renderer.drawFrame(size.width(), size.height(), ratio, now)) now += 0.1;
+        while (view.record(size.width(), size.height(), ratio, now)) now += 0.1;
         RecordedFrame out;
         gpu.swapFrame(out);
         return out;
     }
 
-    SystemClock clock;
+    ChartTrading* account;
+    TestTime time;
+    TestQueue queue{time};
     FrameRecorder gpu;
     GlyphAtlas atlas{QStringLiteral("Saira")};
     SessionTime session;
-    BarLabelLayer labels{atlas};
-    AxisLayer axis{atlas, session};
-    ChartRenderer renderer{gpu, clock, [](const std::function<void()>&) {}};
+    ChartView view{{gpu, atlas, session, time, queue, nullptr, account}};
     double now = 1;
 };
 

@@ -106,10 +106,7 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
 }
 
 TEST_F(ChartItemInput, TakingThePointerAwayEndsADrag) {
-    int ended = 0;
-    ChartViewModel::Actions actions;
-    actions.interactionEnded = [&] { ++ended; };
-    ui.view.chart.setActions(actions);
+    const int& ended = ui.source.dragsEnded;
     QTest::mousePress(ui.window, Qt::LeftButton, {}, inWindow(300, 100));
     for (const double y : {150, 180}) QTest::mouseMove(ui.window, inWindow(300, y));
     EXPECT_TRUE(chart->renderer().interacting());

@@ -13,18 +13,19 @@ namespace {
 
 struct Pane {
     explicit Pane(std::vector<Candle> list)
-        : data(std::move(list), {.strikes = 20, .minutes = 20, .bubbles = 1, .triangles = 1, .ratio = 10.0}) {
+        : data(list, {.strikes = 20, .minutes = 20, .bubbles = 1, .triangles = 1, .ratio = 10.0}),
+          source(std::move(list)) {
         data.config.initialCandles = 20;
-        show();
+        source.scene = &data;
+        source.feed(view);
     }
     void show() {
-        ChartViewModel::Chart chart;
-        chart.candles = &data.candles;
-        setScene(chart, data);
-        view.chart.setChart(chart);
+        source.bars = data.candles;
+        source.changed();
     }
 
     SceneData data;
+    SceneSource source;
     PaneViewModel view;
     ChartItem* item = nullptr;
 };
@@ -54,9 +55,9 @@ class TwoPanes : public testing::Test {
     }
     // The pane's chart drawn elsewhere, with the bars that it had when it was first shown.
     void expectOwnPicture(const Pane& pane, CpuChart& expected) {
-        pane.data.give(expected.renderer, expected.now == 1);
+        expected.view.setContent(pane.data.content());
         const RecordedFrame frame = expected.frame(pane.item->size(), 1);
-        ASSERT_EQ(expected.renderer.camera().viewport(), pane.item->renderer().camera().viewport());
+        ASSERT_EQ(expected.view.renderer().camera().viewport(), pane.item->renderer().camera().viewport());
         expectSame(picture(pane), rasterise(frame, expected.atlas.image()), 0.6);
     }
 
@@ -91,9 +92,9 @@ TEST_F(TwoPanes, EachShowsItsOwnAndIsDrawnForItsOwnSake) {
 }
 
 TEST_F(TwoPanes, OneTakesTheOthersPaneAndOneGoesAway) {
-    auto bare = right_.view.chart.chart();
-    bare.overlays = nullptr;
-    right_.view.chart.setChart(bare);
+    right_.data.series = {};
+    right_.data.srLines.clear();
+    right_.show();
     delete right_.item;
     left_.item->magnify(0.5);
     left_.item->setPane(&right_.view);

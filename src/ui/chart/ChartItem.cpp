@@ -31,8 +31,8 @@ void ChartItem::makeView() {
     own.view.reset();
     MainLoop& main = at.main ? *at.main : own.loop;
     const Clock& clock = at.clock ? *at.clock : own.clock;
-    own.view =
-        std::make_unique<ChartView>(ChartView::Surroundings{gpu(), glyphs(), own.session, clock, main, at.perf, at.trading});
+    own.view = std::make_unique<ChartView>(
+        ChartView::Surroundings{gpu(), glyphs(), own.session, clock, main, at.perf, at.trading});
     setPerf(at.perf, at.bench.input);
     own.view->setSize(width(), height());
     own.view->onNeedsFrame = [this] { requestFrame(); };

@@ -15,7 +15,12 @@ QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
 
 PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, const std::string& setupProblem,
                          const std::string& signInHint, SimEngine* sim)
-    : model_(model), view_(view), main_(main), source_(model), setupProblem_(text(setupProblem)), signInHint_(text(signInHint)) {
+    : model_(model),
+      view_(view),
+      main_(main),
+      source_(model),
+      setupProblem_(text(setupProblem)),
+      signInHint_(text(signInHint)) {
     setActions();
     watch();
     if (sim)

@@ -1,0 +1,80 @@
+#include "chart/KeptList.h"
+
+#include <algorithm>
+#include <span>
+
+#include "gpu/Vertices.h"
+
+namespace vmr {
+
+namespace {
+struct Place {
+    float bar, points;
+};
+Place placeOf(const ChartVertex& vertex) { return {vertex.position[0], 0}; }
+Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], vertex.pos[3]}; }
+Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.off[2]}; }
+}  // namespace
+
+KeptList::~KeptList() {
+    if (buffer_ != 0) gpu_.release(buffer_);
+}
+
+template <class Vertex>
+void KeptList::keep(const std::vector<Vertex>& list) {
+    if (buffer_ != 0) gpu_.release(buffer_);
+    buffer_ = list.empty() ? 0 : gpu_.makeBuffer(std::as_bytes(std::span(list)));
+    count_ = list.size();
+    stride_ = sizeof(Vertex);
+    blocks_.clear();
+    if (list.size() <= blockVertices) return;
+    for (std::size_t begin = 0; begin < list.size(); begin += blockVertices) {
+        const Place first = placeOf(list[begin]);
+        Reach reach{first.bar, first.bar, first.points};
+        for (std::size_t i = begin; i < std::min(begin + blockVertices, list.size()); ++i) {
+            const Place place = placeOf(list[i]);
+            reach.low = std::min(reach.low, place.bar);
+            reach.high = std::max(reach.high, place.bar);
+            reach.points = std::max(reach.points, place.points);
+        }
+        blocks_.push_back(reach);
+    }
+}
+
+template <class Vertex>
+bool KeptList::replace(const std::vector<Vertex>& list) {
+    if (count_ == list.size() && (list.empty() || gpu_.holds(buffer_, std::as_bytes(std::span(list))))) return false;
+    keep(list);
+    return true;
+}
+
+template void KeptList::keep(const std::vector<ChartVertex>&);
+template void KeptList::keep(const std::vector<LineVertex>&);
+template void KeptList::keep(const std::vector<MarkerVertex>&);
+template bool KeptList::replace(const std::vector<ChartVertex>&);
+template bool KeptList::replace(const std::vector<LineVertex>&);
+
+void KeptList::draw(Primitive primitive) const {
+    if (count_ > 0) gpu_.draw(primitive, buffer_, 0, count_);
+}
+
+// Runs of blocks in view are drawn at once.
+void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const {
+    if (blocks_.empty()) return draw(Primitive::triangles);
+    const double first = camera.firstVisible - origin.bar, last = first + camera.visibleCount;
+    const double barsPerPoint = camera.visibleCount / std::max(camera.lastViewW, 1.0);
+    const auto isOut = [&](const Reach& reach) {
+        const double beyond = (static_cast<double>(reach.points) + 1.0) * barsPerPoint;
+        return static_cast<double>(reach.high) + beyond < first || static_cast<double>(reach.low) - beyond > last;
+    };
+    const std::size_t blocks = blocks_.size();
+    for (std::size_t begin = 0, end; begin < blocks; begin = end) {
+        end = begin + 1;
+        if (isOut(blocks_[begin])) continue;
+        while (end < blocks && !isOut(blocks_[end])) ++end;
+        const std::size_t from = begin * blockVertices, to = std::min(end * blockVertices, count_);
+        gpu_.draw(Primitive::triangles, buffer_, from * stride_, to - from);
+    }
+}
+
+}  // namespace vmr

@@ -1,0 +1,51 @@
+// A list of vertices that the GPU keeps from frame to frame.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "chart/Camera.h"
+#include "gpu/Gpu.h"
+
+namespace vmr {
+
+/// Copied to the GPU when it is given, and drawn in every frame until another one is. Of a long list only the blocks in
+/// view are drawn, so that a pan costs the same over any history. Vertices are `ChartVertex`, `LineVertex` or
+/// `MarkerVertex`, in data space. Main thread.
+class KeptList {
+ public:
+    /// `gpu` must outlive it.
+    explicit KeptList(Gpu& gpu) : gpu_(gpu) {}
+    ~KeptList();
+    KeptList(const KeptList&) = delete;
+    KeptList& operator=(const KeptList&) = delete;
+
+    /// Replaces what is kept.
+    template <class Vertex>
+    void keep(const std::vector<Vertex>& list);
+    /// The same, but does nothing when the very bytes are kept already. Tells whether they were not.
+    template <class Vertex>
+    bool replace(const std::vector<Vertex>& list);
+
+    std::size_t size() const { return count_; }
+
+    // Nothing for an empty list.
+    void draw(Primitive primitive) const;
+    /// Triangles, relative to `origin`.
+    void drawInView(const Camera& camera, const DataOrigin& origin) const;
+
+ private:
+    /// What a block spans: bars relative to the list's origin, and points beyond them.
+    struct Reach {
+        float low = 0, high = 0, points = 0;
+    };
+    static constexpr std::size_t blockVertices = 1152;  ///< whole shapes of 3, 6, 12, 24 and 36 vertices
+
+    Gpu& gpu_;
+    GpuBuffer buffer_ = 0;
+    std::size_t count_ = 0;
+    std::size_t stride_ = 0;     ///< bytes of a vertex
+    std::vector<Reach> blocks_;  ///< of `blockVertices` each, for lists of several; else it is drawn whole
+};
+
+}  // namespace vmr

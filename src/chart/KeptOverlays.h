@@ -1,0 +1,34 @@
+// The overlay series and session lines of a chart, on the GPU.
+#pragma once
+
+#include <cstdint>
+
+#include "chart/Camera.h"
+#include "chart/KeptList.h"
+#include "chart/OverlayLists.h"
+
+namespace vmr {
+
+/// Main thread.
+class KeptOverlays {
+ public:
+    explicit KeptOverlays(Gpu& gpu) : gpu_(gpu), lines_(gpu), sessionLines_(gpu), second_(gpu), secondBorders_(gpu) {}
+
+    /// Copies what differs to the GPU, and tells whether anything did. Session lines are looked at when their revision
+    /// is another.
+    bool set(const OverlayLists& lists);
+
+    /// Ribbons, then the paired instrument's candles and their outlines. Tells whether it set a pipeline of its own.
+    bool draw(const Camera& camera, double width, double height) const;
+
+    std::size_t lineVertices() const { return lines_.size() + sessionLines_.size(); }
+    std::size_t secondVertices() const { return second_.size(); }
+
+ private:
+    Gpu& gpu_;
+    KeptList lines_, sessionLines_, second_, secondBorders_;
+    std::uint64_t sessionRevision_ = 0;
+    DataOrigin origin_;  ///< of all four
+};
+
+}  // namespace vmr

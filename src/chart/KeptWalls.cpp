@@ -1,0 +1,36 @@
+#include "chart/KeptWalls.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vmr {
+
+namespace {
+constexpr Rgba wallColor{0.667F, 0.667F, 0.667F, 0.85F};
+constexpr double wallReach = 2.0;  // bars past the last one
+}  // namespace
+
+bool KeptWalls::set(std::span<const PriceLevel> levels) {
+    if (std::ranges::equal(levels, levels_)) return false;
+    levels_.assign(levels.begin(), levels.end());
+    dirty = true;
+    return true;
+}
+
+void KeptWalls::make(bool shown, std::size_t firstBar, std::size_t lastBar, const DataOrigin& origin) {
+    dirty = false;
+    vertices_.clear();
+    if (shown) {
+        const auto start = static_cast<float>(static_cast<double>(firstBar) - origin.bar);
+        const auto end = static_cast<float>(static_cast<double>(lastBar) + wallReach - origin.bar);
+        for (const PriceLevel& level : levels_) {
+            if (!std::isfinite(level.price)) continue;
+            const auto y = static_cast<float>(level.price - origin.price);
+            vertices_.push_back({{start, y, 0.0F, 1.0F}, wallColor});
+            vertices_.push_back({{end, y, 0.0F, 1.0F}, wallColor});
+        }
+    }
+    list_.keep(vertices_);
+}
+
+}  // namespace vmr

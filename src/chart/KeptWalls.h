@@ -1,0 +1,33 @@
+// The call and put walls of a chart, on the GPU.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "chart/KeptList.h"
+#include "gpu/Vertices.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// Lines from the session's start to a little past the last bar. Made anew when the levels or the bars changed, or when
+/// they are switched on or off. Main thread.
+class KeptWalls {
+ public:
+    explicit KeptWalls(Gpu& gpu) : list_(gpu) {}
+
+    /// Copies the levels and tells whether they are others.
+    bool set(std::span<const PriceLevel> levels);
+    /// For bars `firstBar` to `lastBar`; empty unless they are `shown`. A level without a finite price is left out.
+    void make(bool shown, std::size_t firstBar, std::size_t lastBar, const DataOrigin& origin);
+    void draw() const { list_.draw(Primitive::lines); }
+
+    bool dirty = true;
+
+ private:
+    std::vector<PriceLevel> levels_;
+    KeptList list_;
+    std::vector<ChartVertex> vertices_;
+};
+
+}  // namespace vmr
