@@ -1,7 +1,7 @@
 // From a pane's model to its views: what comes there, when, and what does not.
 #include <gtest/gtest.h>
 
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 #include "ui/pane/PaneBinding.h"
 
 namespace vmr::test {
@@ -11,7 +11,7 @@ class PaneBindingTest : public PaneFixture {
  protected:
     void SetUp() override {
         openSymbol("NQ");
-        snapshot(model->chartChannel, flatBars(minute - 600, 11));
+        snapshot(model->channels->chartChannel, flatBars(minute - 600, 11));
         binding = std::make_unique<PaneBinding>(*model, view, main, "", "");
         count(session, &view.session, &SessionViewModel::enteredChanged, &SessionViewModel::signInChanged,
               &SessionViewModel::setupChanged, &SessionViewModel::userEmailChanged,
@@ -54,8 +54,8 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_TRUE(view.session.connected());
     EXPECT_FALSE(view.chart.empty());
 
-    model->flashToast("One");
-    model->flashToast("Two", "more");
+    model->notices.flashToast("One");
+    model->notices.flashToast("Two", "more");
     EXPECT_EQ(news(), (News{})) << "nothing in the middle of the turn";
     time.runUntilIdle();
     EXPECT_EQ(news(), (News{.flushes = 1, .toast = 1}));
@@ -64,12 +64,12 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     for (int i = 0; i < 100; ++i) model->applyTrade(100 + i, time.now() * 1000);
     time.runUntilIdle();
     EXPECT_LE(binding->flushes(), flushed + 1);
-    EXPECT_EQ(model->displayCandles->back().close, 199) << "they came";
+    EXPECT_EQ(model->bars.displayCandles->back().close, 199) << "they came";
     EXPECT_EQ(news().session + news().toolbar + news().toast + news().empty, 0);
 
-    model->status = std::string("Reconnecting");
-    model->timeframe = 5;
-    model->timeframe = 1;
+    model->session.status = std::string("Reconnecting");
+    model->bars.timeframe = 5;
+    model->bars.timeframe = 1;
     time.runUntilIdle();
     EXPECT_EQ(news(), (News{.flushes = 1, .session = 1})) << "what is back where it was is no news";
 
@@ -78,7 +78,7 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_FALSE(view.session.entered());
     EXPECT_EQ(news().toolbar, 0);
 
-    model->flashToast("Three");
+    model->notices.flashToast("Three");
     binding.reset();
     time.runUntilIdle();
     EXPECT_EQ(view.toast.notice(), "Two") << "a flush under way ends with the binding";

@@ -15,22 +15,18 @@ QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
 
 PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, const std::string& setupProblem,
                          const std::string& signInHint, SimEngine* sim)
-    : model_(model),
-      view_(view),
-      main_(main),
-      source_(model),
-      setupProblem_(text(setupProblem)),
-      signInHint_(text(signInHint)) {
+    : model_(model), view_(view), main_(main), setupProblem_(text(setupProblem)), signInHint_(text(signInHint)) {
     setActions();
     watch();
     if (sim)
         connections_.push_back(sim->changed.connect([this](SimEngine::Field) { view_.chart.tellAccountChanged(); }));
-    view_.chart.setSource(&source_, [this](ChartPort* port) { source_.setPort(port); });
+    view_.chart.setSource(&model_, [this](ChartPort* port) { model_.setChartPort(port); });
     marked_ = sessionConcern | toolbarConcern | toastConcern | chartConcern;
     flush();
 }
 
 PaneBinding::~PaneBinding() {
+    model_.setChartPort(nullptr);
     view_.chart.setSource(nullptr);
     view_.session.setActions({});
     view_.toolbar.setActions({});
@@ -55,11 +51,11 @@ void PaneBinding::watch(Concern concern, Fields&... fields) {
 }
 
 void PaneBinding::watch() {
-    watch(sessionConcern, model_.isSignedIn, model_.signingIn, model_.authError, model_.userEmail, model_.connected,
-          model_.connLimited, model_.status);
-    watch(toolbarConcern, model_.chartChannel, model_.timeframe, model_.catFutures, model_.catStocks);
-    watch(toastConcern, model_.toast, model_.marketClosedNotice);
-    watch(chartConcern, model_.displayCandles);
+    watch(sessionConcern, model_.session.isSignedIn, model_.session.signingIn, model_.session.authError,
+          model_.session.userEmail, model_.session.connected, model_.session.connLimited, model_.session.status);
+    watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.catalog.catFutures, model_.catalog.catStocks);
+    watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
+    watch(chartConcern, model_.bars.displayCandles);
 }
 
 void PaneBinding::mark(Concern concern) {
@@ -76,32 +72,33 @@ void PaneBinding::flush() {
     const unsigned concerns = std::exchange(marked_, 0);  // what the views do in turn belongs to the next flush
     if (concerns & toolbarConcern) view_.toolbar.set(toolbarState());
     if (concerns & toastConcern) view_.toast.set(toastState());
-    if (concerns & chartConcern) view_.chart.setEmpty(model_.displayCandles->empty());
+    if (concerns & chartConcern) view_.chart.setEmpty(model_.bars.displayCandles->empty());
     if (concerns & sessionConcern) view_.session.set(sessionState());
 }
 
 SessionViewModel::State PaneBinding::sessionState() const {
-    return {.entered = model_.isSignedIn,
-            .signingIn = model_.signingIn,
-            .authError = text(model_.authError.get().value_or("")),
+    return {.entered = model_.session.isSignedIn,
+            .signingIn = model_.session.signingIn,
+            .authError = text(model_.session.authError.get().value_or("")),
             .setupProblem = setupProblem_,
             .signInHint = signInHint_,
-            .userEmail = text(model_.userEmail),
-            .connected = model_.connected,
-            .connLimited = model_.connLimited,
-            .status = text(model_.status)};
+            .userEmail = text(model_.session.userEmail),
+            .connected = model_.session.connected,
+            .connLimited = model_.session.connLimited,
+            .status = text(model_.session.status)};
 }
 
 ToolbarViewModel::State PaneBinding::toolbarState() const {
-    ToolbarViewModel::State out{.symbol = text(model_.currentSymbol()), .timeframe = model_.timeframe};
-    for (const auto& future : model_.futuresList()) out.futures.push_back(text(future.first));
-    for (const auto& stock : model_.stockList()) out.stocks.push_back(text(stock));
+    ToolbarViewModel::State out{.symbol = text(model_.currentSymbol()), .timeframe = model_.bars.timeframe};
+    for (const auto& future : model_.catalog.futuresList()) out.futures.push_back(text(future.first));
+    for (const auto& stock : model_.catalog.stockList()) out.stocks.push_back(text(stock));
     return out;
 }
 
 ToastViewModel::State PaneBinding::toastState() const {
-    if (const auto& toast = model_.toast.get()) return {text(toast->title), text(toast->detail.value_or(""))};
-    if (model_.marketClosedNotice) return {QObject::tr("Market Closed"), QObject::tr("Trading resumes next session.")};
+    if (const auto& toast = model_.notices.toast.get()) return {text(toast->title), text(toast->detail.value_or(""))};
+    if (model_.notices.marketClosedNotice)
+        return {QObject::tr("Market Closed"), QObject::tr("Trading resumes next session.")};
     return {};
 }
 

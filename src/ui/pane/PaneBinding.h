@@ -8,7 +8,6 @@
 
 #include "base/SerialQueue.h"
 #include "base/Signal.h"
-#include "ui/pane/ModelChartSource.h"
 #include "ui/pane/PaneViewModel.h"
 
 namespace vmr {
@@ -49,7 +48,6 @@ class PaneBinding {
     AppModel& model_;
     PaneViewModel& view_;
     MainLoop& main_;
-    ModelChartSource source_;
     QString setupProblem_, signInHint_;
     unsigned marked_ = 0;  ///< concerns that the next flush copies
     std::uint64_t flushes_ = 0;
