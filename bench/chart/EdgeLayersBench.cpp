@@ -100,7 +100,7 @@ void barLabels(benchmark::State& state) {
     scene.step(true, 20600);
     test::FakeGlyphs glyphs;
     BarLabelLayer layer(glyphs);
-    ScreenFrame frame{scene.gpu, scene.arena, 1400, 900, 2, {}, {}};
+    ScreenFrame frame{{scene.gpu, scene.arena, 1400, 900, 2}, {}, {}};
     frame.barLabels = scene.edges.labels();
     measure(state, [&] {
         scene.arena.beginFrame();

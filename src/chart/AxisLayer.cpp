@@ -1,8 +1,6 @@
 #include "chart/AxisLayer.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cmath>
 
 namespace vmr {
@@ -33,54 +31,53 @@ bool fits(const ScreenFrame& frame) { return frame.plot().bottom() > tagHeight &
 
 }  // namespace
 
-AxisLayer::AxisLayer(GlyphSource& glyphs, SessionTime& session) : session_(session), text_(glyphs) {
-    shapes_.reserve(1024);
+AxisLayer::AxisLayer(GlyphSource& glyphs, SessionTime& session) : session_(session), painter_(glyphs) {
     timeTicks_.reserve(512);
     timeLabels_.reserve(512);
 }
 
 void AxisLayer::drawBelow(ScreenFrame& frame) {
     if (!fits(frame)) return;
-    text_.begin(frame.pixelRatio);
-    findPriceTicks(frame);
-    findTimeTicks(frame);
-    const double hair = 1.0 / frame.pixelRatio;
+    painter_.paint(frame, [&] {
+        findPriceTicks(frame);
+        findTimeTicks(frame);
+        addGrid(frame);
+    });
+}
+
+void AxisLayer::addGrid(const ScreenFrame& frame) {
     const double right = frame.plot().right(), bottom = frame.plot().bottom();
     for (const double price : priceTicks_.span()) {
         const double y = AxisScale::yFor(frame.viewport, price, frame.height);
-        if (y >= 0 && y < bottom) rect(frame, 0, y, right, y + hair, gridColor);
+        if (y >= 0 && y < bottom) painter_.horizontal(0, right, y, gridColor);
     }
     for (const TimeLabel& tick : timeLabels_) {
-        if (tick.x >= 0 && tick.x < right) rect(frame, tick.x, 0, tick.x + hair, bottom, gridColor);
+        if (tick.x >= 0 && tick.x < right) painter_.vertical(tick.x, 0, bottom, gridColor);
     }
-    flush(frame);
 }
 
 bool AxisLayer::drawAbove(ScreenFrame& frame) {
     if (!fits(frame)) return false;
-    const double hair = 1.0 / frame.pixelRatio;
-    const double right = frame.plot().right(), bottom = frame.plot().bottom();
-    rect(frame, right, 0, frame.width, frame.height, areaColor);
-    rect(frame, 0, bottom, right, frame.height, areaColor);
-    rect(frame, right, 0, right + hair, bottom, separatorColor);
-    rect(frame, 0, bottom, frame.width, bottom + hair, separatorColor);
     const Box box = tagBox(frame);
-    if (box.shown) roundedBox(frame, right + 1.0, frame.width - 3.0, box, frame.rising ? risingColor : fallingColor);
-    flush(frame);
-
-    // Rasterising a new glyph may rebuild the atlas and move the others.
-    constexpr int attempts = 3;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        text_.begin(frame.pixelRatio);
+    return painter_.paint(frame, [&] {
+        addGround(frame, box);
         addPriceLabels(frame, box);
         addTimeLabels(frame);
         if (box.shown) {
             addPrice(frame, frame.candles.back().close, FontFace::semibold, (box.top + box.bottom) * 0.5, tagTextColor);
         }
-        if (!text_.stale()) break;
-    }
-    text_.draw(frame);
-    return text_.stale();
+    });
+}
+
+void AxisLayer::addGround(const ScreenFrame& frame, const Box& box) {
+    const double right = frame.plot().right(), bottom = frame.plot().bottom();
+    painter_.rect(right, 0, frame.width, frame.height, areaColor);
+    painter_.rect(0, bottom, right, frame.height, areaColor);
+    painter_.vertical(right, 0, bottom, separatorColor);
+    painter_.horizontal(0, frame.width, bottom, separatorColor);
+    if (!box.shown) return;
+    painter_.roundedBox(right + 1.0, box.top, frame.width - 3.0, box.bottom, tagRadius,
+                        frame.rising ? risingColor : fallingColor);
 }
 
 void AxisLayer::findPriceTicks(const ScreenFrame& frame) {
@@ -138,7 +135,7 @@ void AxisLayer::nameTimeTicks(const ScreenFrame& frame, std::int64_t step) {
         previousDay = day;
         const auto label = AxisScale::fmtTime(session_, frame.candles[i].time, date);
         timeLabels_.push_back({label, AxisScale::xForIndex(frame.viewport, static_cast<double>(i), frame.width),
-                               text_.width(label.text(), axisStyle), date});
+                               painter_.textWidth(label.text(), axisStyle), date});
     }
 }
 
@@ -158,7 +155,7 @@ void AxisLayer::findDays(const ScreenFrame& frame) {
         if (dayOf(i) % every != 0) continue;
         const auto label = AxisScale::fmtTime(session_, frame.candles[i].time, true);
         timeLabels_.push_back({label, AxisScale::xForIndex(frame.viewport, static_cast<double>(i), frame.width),
-                               text_.width(label.text(), axisStyle), true});
+                               painter_.textWidth(label.text(), axisStyle), true});
     }
 }
 
@@ -186,7 +183,7 @@ AxisLayer::Box AxisLayer::tagBox(const ScreenFrame& frame) const {
 }
 
 void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box) {
-    const double half = text_.lineHeight(axisStyle) * 0.5;
+    const double half = painter_.lineHeight(axisStyle) * 0.5;
     const double bottom = frame.plot().bottom();
     for (const double price : priceTicks_.span()) {
         const double y = AxisScale::yFor(frame.viewport, price, frame.height);
@@ -200,14 +197,14 @@ void AxisLayer::addPrice(const ScreenFrame& frame, double price, FontFace face, 
     constexpr double sideRoom = 4.0;
     const auto label = AxisScale::fmtPrice(price);
     TextStyle style{face, axisStyle.pointSize};
-    double width = text_.width(label.text(), style);
+    double width = painter_.textWidth(label.text(), style);
     if (width > PlotArea::priceAxisWidth - 2.0 * sideRoom) {
         style.pointSize = 9.0;
-        width = text_.width(label.text(), style);
+        width = painter_.textWidth(label.text(), style);
     }
     if (width > PlotArea::priceAxisWidth - 2.0 * sideRoom) return;
     const double right = frame.width - std::min(9.0, PlotArea::priceAxisWidth - sideRoom - width);
-    text_.add(label.text(), style, right, y, TextAlign::right, color);
+    painter_.text(label.text(), style, right, y, TextAlign::right, color);
 }
 
 void AxisLayer::addTimeLabels(const ScreenFrame& frame) {
@@ -215,53 +212,8 @@ void AxisLayer::addTimeLabels(const ScreenFrame& frame) {
     for (const TimeLabel& tick : timeLabels_) {
         const double half = tick.width * 0.5 + 2.0;
         const double alpha = std::min(fade(tick.x - half), fade(frame.plot().right() - half - tick.x));
-        if (alpha > 0.0) text_.add(tick.label.text(), axisStyle, tick.x, y, TextAlign::center, textColor(alpha));
+        if (alpha > 0.0) painter_.text(tick.label.text(), axisStyle, tick.x, y, TextAlign::center, textColor(alpha));
     }
-}
-
-void AxisLayer::rect(const ScreenFrame& frame, double x0, double y0, double x1, double y1, const Rgba& color) {
-    const auto pixel = [&](double v) { return static_cast<float>(std::round(v * frame.pixelRatio)); };
-    const float left = pixel(x0), top = pixel(y0);
-    const float right = std::max(pixel(x1), left + 1.0F), bottom = std::max(pixel(y1), top + 1.0F);
-    for (const auto& [x, y] :
-         {std::pair{left, top}, {left, bottom}, {right, bottom}, {left, top}, {right, bottom}, {right, top}}) {
-        shapes_.push_back({{x, y, 0.0F, 1.0F}, color});
-    }
-}
-
-void AxisLayer::roundedBox(const ScreenFrame& frame, double x0, double x1, const Box& box, const Rgba& color) {
-    constexpr int arcSteps = 6;
-    const auto pixel = [&](double v) { return std::round(v * frame.pixelRatio); };
-    const double left = pixel(x0), right = pixel(x1), top = pixel(box.top), bottom = pixel(box.bottom);
-    const double radius = tagRadius * frame.pixelRatio;
-    std::array<std::array<float, 2>, 4 * (arcSteps + 1)> rim;
-    for (int corner = 0; corner < 4; ++corner) {
-        const double cx = corner == 1 || corner == 2 ? left + radius : right - radius;
-        const double cy = corner < 2 ? top + radius : bottom - radius;
-        for (int i = 0; i <= arcSteps; ++i) {
-            const double angle = (corner + static_cast<double>(i) / arcSteps) * 1.5707963267948966;
-            rim[static_cast<std::size_t>(corner * (arcSteps + 1) + i)] = {
-                static_cast<float>(cx + radius * std::cos(angle)), static_cast<float>(cy - radius * std::sin(angle))};
-        }
-    }
-    const auto cx = static_cast<float>((left + right) * 0.5), cy = static_cast<float>((top + bottom) * 0.5);
-    for (std::size_t i = 0; i < rim.size(); ++i) {
-        const auto& a = rim[i];
-        const auto& b = rim[(i + 1) % rim.size()];
-        shapes_.push_back({{cx, cy, 0.0F, 1.0F}, color});
-        shapes_.push_back({{a[0], a[1], 0.0F, 1.0F}, color});
-        shapes_.push_back({{b[0], b[1], 0.0F, 1.0F}, color});
-    }
-}
-
-void AxisLayer::flush(ScreenFrame& frame) {
-    const auto upload = frame.arena.uploadDyn(shapes_);
-    shapes_.clear();
-    if (!upload) return;
-    frame.gpu.setPipeline(Pipeline::flat);
-    frame.gpu.setUniforms(
-        std::bit_cast<std::array<float, 4>>(pixelUniforms(frame.width, frame.height, frame.pixelRatio)));
-    frame.gpu.draw(Primitive::triangles, upload->buffer, upload->offset, upload->count);
 }
 
 }  // namespace vmr

@@ -8,7 +8,7 @@
 
 #include "chart/AxisScale.h"
 #include "chart/ScreenLayer.h"
-#include "chart/TextLayer.h"
+#include "gpu/Painter.h"
 #include "market/SessionTime.h"
 
 namespace vmr {
@@ -47,17 +47,15 @@ class AxisLayer final : public ScreenLayer {
     void addPriceLabels(const ScreenFrame& frame, const Box& box);
     void addTimeLabels(const ScreenFrame& frame);
     void addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color);
-    void rect(const ScreenFrame& frame, double x0, double y0, double x1, double y1, const Rgba& color);
-    void roundedBox(const ScreenFrame& frame, double x0, double x1, const Box& box, const Rgba& color);
-    void flush(ScreenFrame& frame);
+    void addGrid(const ScreenFrame& frame);
+    void addGround(const ScreenFrame& frame, const Box& box);
 
     SessionTime& session_;
-    TextLayer text_;
+    Painter painter_;
     double timeframe_ = 1;
     AxisScale::PriceTicks priceTicks_;
     std::vector<std::size_t> timeTicks_;
     std::vector<TimeLabel> timeLabels_;
-    std::vector<ChartVertex> shapes_;
 };
 
 }  // namespace vmr

@@ -23,7 +23,7 @@ double insideShare(const ScreenFrame& frame, const BarLabel& label) {
 
 }  // namespace
 
-BarLabelLayer::BarLabelLayer(GlyphSource& glyphs) : text_(glyphs) {
+BarLabelLayer::BarLabelLayer(GlyphSource& glyphs) : painter_(glyphs) {
     candidates_.reserve(256);
     taken_.reserve(256);
 }
@@ -31,15 +31,7 @@ BarLabelLayer::BarLabelLayer(GlyphSource& glyphs) : text_(glyphs) {
 bool BarLabelLayer::drawAbove(ScreenFrame& frame) {
     findCandidates(frame);
     if (candidates_.empty()) return false;
-    // Rasterising a new glyph may rebuild the atlas and move the others.
-    constexpr int attempts = 3;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        text_.begin(frame.pixelRatio);
-        addTexts(frame);
-        if (!text_.stale()) break;
-    }
-    text_.draw(frame);
-    return text_.stale();
+    return painter_.paint(frame, [&] { addTexts(frame); });
 }
 
 void BarLabelLayer::findCandidates(const ScreenFrame& frame) {
@@ -61,7 +53,7 @@ void BarLabelLayer::addTexts(const ScreenFrame& frame) {
     for (const Candidate& candidate : candidates_) {
         const BarLabel& label = *candidate.label;
         const TextStyle style{isTag(label) ? FontFace::semibold : FontFace::regular, label.fontSize};
-        const double width = text_.width(label.text, style);
+        const double width = painter_.textWidth(label.text, style);
         const double left = label.alignRight ? label.anchorX - width : label.anchorX;
         const double half = label.fontSize * inkShare;
         const Box box{left, label.y - half, left + width, label.y + half};
@@ -86,10 +78,10 @@ void BarLabelLayer::addText(const ScreenFrame& frame, const BarLabel& label, con
         const double pixel = 1.0 / frame.pixelRatio;
         Rgba shadow = shadowColor;
         shadow[3] *= alpha;
-        text_.add(label.text, style, label.anchorX + pixel, label.y + pixel, align, shadow);
+        painter_.text(label.text, style, label.anchorX + pixel, label.y + pixel, align, shadow);
     }
-    text_.add(label.text, style, label.anchorX, label.y, align,
-              {static_cast<float>(label.r), static_cast<float>(label.g), static_cast<float>(label.b), alpha});
+    painter_.text(label.text, style, label.anchorX, label.y, align,
+                  {static_cast<float>(label.r), static_cast<float>(label.g), static_cast<float>(label.b), alpha});
 }
 
 }  // namespace vmr

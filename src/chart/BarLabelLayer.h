@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "chart/ScreenLayer.h"
-#include "chart/TextLayer.h"
+#include "gpu/Painter.h"
 
 namespace vmr {
 
@@ -33,7 +33,7 @@ class BarLabelLayer final : public ScreenLayer {
     bool takeRoom(const Box& box);
     void addText(const ScreenFrame& frame, const BarLabel& label, const TextStyle& style, float alpha);
 
-    TextLayer text_;
+    Painter painter_;
     std::vector<Candidate> candidates_;
     std::vector<Box> taken_;
 };

@@ -29,76 +29,24 @@ void ChartInput::setSize(double width, double height) {
     height_ = height;
 }
 
-double ChartInput::closeMarkEdge(double width) {
-    return std::max(PlotArea{width, 0}.right() - Camera::maxBarW(width) - 80.0, 240.0);
-}
-
-bool ChartInput::closeMarkShown(double y, double height) {
-    return y >= closeMarkHeight / 2 && y <= PlotArea{0, height}.bottom() - closeMarkHeight / 2;
-}
-
 double ChartInput::priceAt(double y) const {
     if (renderer_.candles().empty()) return std::numeric_limits<double>::quiet_NaN();
     return AxisScale::priceAtY(renderer_.camera().viewport(), y, height_);
 }
 
-bool ChartInput::isNear(double price, double y) const {
-    return std::abs(AxisScale::yFor(renderer_.camera().viewport(), price, height_) - y) <= hitTolerance;  // not for NaN
-}
-
-bool ChartInput::onCloseColumn(double x) const {
-    const double edge = closeMarkEdge(width_);
-    return x >= edge - 16 && x <= edge + 2;
-}
-
-const TradingLines& ChartInput::lines() const {
-    if (trades() && !renderer_.candles().empty()) {
-        trading->lines(simRoot, lines_);
-    } else {
-        lines_.position.reset();
-        lines_.orders.clear();
-        lines_.legs.clear();
-    }
-    return lines_;
-}
-
-const OrderLine* ChartInput::orderLine(double nearY) const {
-    for (const OrderLine& order : lines_.orders)
-        if (isNear(order.price, nearY)) return &order;
-    return nullptr;
-}
-
-std::optional<Uuid> ChartInput::simOrder(double nearY) const {
-    const OrderLine* line = orderLine(nearY);
-    return line ? std::optional(line->id) : std::nullopt;
-}
-
-std::optional<std::pair<Uuid, std::string_view>> ChartInput::simProjLeg(double nearY) const {
-    for (const ProjectedLeg& leg : lines_.legs)
-        if (isNear(leg.price, nearY)) return std::pair(leg.id, leg.leg);
-    return std::nullopt;
-}
-
-bool ChartInput::positionIsNear(double y) const { return lines_.position && isNear(lines_.position->avg, y); }
-
-bool ChartInput::markIsShown(double price) const {
-    return closeMarkShown(AxisScale::yFor(renderer_.camera().viewport(), price, height_), height_);
-}
-
-bool ChartInput::onOrderMark(ChartPoint at) const {
-    const OrderLine* line = orderLine(at.y);
-    return line && onCloseColumn(at.x) && markIsShown(line->price);
-}
-
-bool ChartInput::onPositionMark(ChartPoint at) const {
-    return onCloseColumn(at.x) && positionIsNear(at.y) && markIsShown(lines_.position->avg);
+const LineMarks& ChartInput::marks() {
+    freshMarks_.clear();
+    if (!trades() || renderer_.candles().empty()) return freshMarks_;
+    const Viewport viewport = renderer_.camera().viewport();
+    if (drawnMarks && drawnMarks->builtFor(*trading, simRoot, viewport, width_, height_)) return *drawnMarks;
+    freshMarks_.build(*trading, simRoot, viewport, width_, height_);
+    return freshMarks_;
 }
 
 void ChartInput::mouseMoved(ChartPoint at) {
-    lines();
-    const bool order = simOrder(at.y).has_value();
-    const bool onMark = onPositionMark(at) || onOrderMark(at);
-    cursorOnRuler_ = plot().onPriceAxis(at.x) || order || simProjLeg(at.y).has_value();
+    const LineMarks& lines = marks();
+    const bool onMark = lines.hit(at.x, at.y).closes;
+    cursorOnRuler_ = plot().onPriceAxis(at.x) || lines.draggableAt(at.y) != nullptr;
     const ChartCursor cursor = onMark           ? ChartCursor::pointingHand
                                : cursorOnRuler_ ? ChartCursor::resizeUpDown
                                                 : ChartCursor::arrow;
@@ -115,21 +63,25 @@ void ChartInput::mouseExited() {
 }
 
 void ChartInput::mouseDown(ChartPoint at) {
-    lines();
-    const auto order = simOrder(at.y);
-    const bool position = onPositionMark(at);
-    closedLine_ = position || onOrderMark(at);
-    if (position) return trading->flatten(simRoot);
-    if (closedLine_) return trading->cancel(*order);
-    if (order) {
-        dragOrderId_ = order;
-        return;
-    }
-    if (const auto leg = simProjLeg(at.y)) {
-        dragProjLeg_ = leg;
-        return;
-    }
+    const LineMarks::Hit hit = marks().hit(at.x, at.y);
+    closedLine_ = hit.closes;
+    if (hit.closes) return close(*hit.mark);
+    if (hit.mark) return take(*hit.mark);
     lastDrag_ = at;
+}
+
+void ChartInput::close(const LineMark& mark) {
+    if (mark.kind == LineMark::Kind::position) return trading->flatten(simRoot);
+    const Uuid id = mark.id;  // what the account does next may build the marks anew
+    trading->cancel(id);
+}
+
+void ChartInput::take(const LineMark& mark) {
+    if (mark.kind == LineMark::Kind::order) {
+        dragOrderId_ = mark.id;
+    } else {
+        dragProjLeg_ = std::pair(mark.id, mark.leg);
+    }
 }
 
 void ChartInput::doubleClick() {

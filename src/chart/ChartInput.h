@@ -12,6 +12,7 @@
 #include "base/SerialQueue.h"
 #include "chart/ChartRenderer.h"
 #include "chart/ChartTrading.h"
+#include "chart/LineMarks.h"
 #include "gpu/PlotArea.h"
 #include "market/SessionTime.h"
 
@@ -42,10 +43,8 @@ struct OrderMenuItem {
 /// 120 times a second, drags of orders and the wheel with each event.
 class ChartInput {
  public:
-    static constexpr double pace = 1.0 / 120.0;    ///< seconds between steps
-    static constexpr double hitTolerance = 6;      ///< points
-    static constexpr double hold = 0.18;           ///< seconds that frames go on after the last drag, wheel or pinch
-    static constexpr double closeMarkHeight = 16;  ///< points; that of the labels as well
+    static constexpr double pace = 1.0 / 120.0;  ///< seconds between steps
+    static constexpr double hold = 0.18;         ///< seconds that frames go on after the last drag, wheel or pinch
 
     /// All must outlive it; `perf` may be null.
     ChartInput(ChartRenderer& renderer, SessionTime& session, const Clock& clock, MainLoop& main, Perf* perf);
@@ -53,8 +52,11 @@ class ChartInput {
     ChartInput(const ChartInput&) = delete;
     ChartInput& operator=(const ChartInput&) = delete;
 
-    std::string simRoot;                                         ///< empty: no trading on this chart
-    ChartTrading* trading = nullptr;                             ///< null: none at all
+    std::string simRoot;              ///< empty: no trading on this chart
+    ChartTrading* trading = nullptr;  ///< null: none at all
+    /// The account's lines in the last frame, which a press is meant for; null: no layer draws them. Where they belong
+    /// to another camera, size or root than now, the lines are found anew from the account.
+    const LineMarks* drawnMarks = nullptr;
     std::function<void(std::optional<ChartPoint>)> onMouseMove;  ///< nothing: the pointer left
     std::function<void(ChartCursor)> onCursor;                   ///< when it changes
     std::function<void()> onMarketClosedOrder;
@@ -93,25 +95,12 @@ class ChartInput {
     void beginLiveRefresh();
     void endLiveRefresh();
 
-    /// Where lines end and their close marks lie, for a view `width` points wide: the marks span from 16 left of it to
-    /// 2 right of it.
-    static double closeMarkEdge(double width);
-    /// Whether a line at `y` has room for its label and close mark in a view `height` points high.
-    static bool closeMarkShown(double y, double height);
-
  private:
     PlotArea plot() const { return {width_, height_}; }
     double priceAt(double y) const;
-    bool isNear(double price, double y) const;
-    bool onCloseColumn(double x) const;
-    const OrderLine* orderLine(double nearY) const;
-    bool onOrderMark(ChartPoint at) const;
-    bool onPositionMark(ChartPoint at) const;
-    bool markIsShown(double price) const;
-    const TradingLines& lines() const;
-    std::optional<Uuid> simOrder(double nearY) const;
-    std::optional<std::pair<Uuid, std::string_view>> simProjLeg(double nearY) const;
-    bool positionIsNear(double y) const;
+    const LineMarks& marks();
+    void close(const LineMark& mark);
+    void take(const LineMark& mark);
     void flushDrag(ChartPoint at);
     double barsFor(double dx) const;
     bool marketIsClosed() const;
@@ -123,7 +112,7 @@ class ChartInput {
     MainLoop& main_;
     Perf* perf_;
     double width_ = 0, height_ = 0;
-    mutable TradingLines lines_;
+    LineMarks freshMarks_;
     std::optional<Uuid> dragOrderId_;
     std::optional<std::pair<Uuid, std::string_view>> dragProjLeg_;
     bool closedLine_ = false;  ///< the button went down on a close mark: moving the pointer then drags nothing

@@ -25,6 +25,7 @@ ChartView::ChartView(const Surroundings& at)
     };
     tradingLines_.trading = at.trading;
     input_.trading = at.trading;
+    input_.drawnMarks = &tradingLines_.marks();
     input_.onMarketClosedOrder = [this] {
         if (source_) source_->marketClosedOrder();
     };

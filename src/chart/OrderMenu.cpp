@@ -27,7 +27,9 @@ std::vector<OrderMenuItem> ChartInput::orderMenu(ChartPoint at) const {
 
     std::vector<OrderMenuItem> menu;
     const std::string text = " @ " + priceText(price);
-    if (const auto& position = lines().position) {
+    TradingLines lines;
+    trading->lines(simRoot, lines);
+    if (const auto& position = lines.position) {
         const bool isLong = position->qty > 0;
         if (isLong ? below : above) menu.push_back({Action::setSL, "Set SL" + text, price, {}, {}});
         if (isLong ? above : below) menu.push_back({Action::setTP, "Set TP" + text, price, {}, {}});

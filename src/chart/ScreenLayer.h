@@ -3,27 +3,18 @@
 
 #include <span>
 
-#include "gpu/FrameArena.h"
-#include "gpu/Gpu.h"
-#include "gpu/PlotArea.h"
+#include "gpu/Painter.h"
 #include "market/Records.h"
 
 namespace vmr {
 
-/// The frame being recorded, its camera settled. Sizes in points.
-struct ScreenFrame {
-    Gpu& gpu;
-    FrameArena& arena;
-    double width = 0;
-    double height = 0;
-    double pixelRatio = 1;
+/// The frame being recorded, its camera settled.
+struct ScreenFrame : PaintSurface {
     Viewport viewport;
     std::span<const Candle> candles;           ///< not empty
     double lastPrice = 0;                      ///< the eased close, where the price line lies
     bool rising = true;                        ///< the forming bar is up
     std::span<const BarLabel> barLabels = {};  ///< beside the strike bars; valid for the frame
-
-    PlotArea plot() const { return {width, height}; }
 };
 
 /// A layer of the renderer's frame, drawn with the very camera that the candles have. It sets pipeline and uniforms of

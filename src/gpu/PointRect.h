@@ -9,7 +9,9 @@ struct PointRect {
     double right() const { return x + width; }
     double bottom() const { return y + height; }
     /// Its edges belong to it.
-    bool contains(double px, double py) const { return px >= x && px <= right() && py >= y && py <= bottom(); }
+    bool contains(double px, double py) const {
+        return width > 0 && height > 0 && px >= x && px <= right() && py >= y && py <= bottom();
+    }
     bool operator==(const PointRect&) const = default;
 };
 

@@ -82,7 +82,7 @@ class Session {
         const auto& map = pane().catalog.contractOverrides.get();
         const auto front = map.find(pane().currentSymbol());
         return pane().session.connected && front != map.end() &&
-               pane().channels->chartChannel->ends_with(front->second) && !pane().bars.candles.empty() &&
+               pane().channels->chartChannel.ends_with(front->second) && !pane().bars.candles.empty() &&
                (pane().channels->secondaryChannel.empty() || !pane().bars.secondaryCandles.empty());
     }
     // The pane has shown `minutes` new bars since now.

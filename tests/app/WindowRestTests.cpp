@@ -56,7 +56,7 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
         set([](GexConfig& config) { config.hfPressure = !config.hfPressure; });
         window.pane().config.changed();
         window.pane().options.strikes.changed();
-        window.pane().chartVersionChanged();
+        window.pane().bars.chartVersionChanged();
         mark();
     });
     window.step(passed(1.5), [&] {

@@ -3,49 +3,18 @@
 
 #include <gmock/gmock.h>
 
-#include <sstream>
 #include <tuple>
 
 #include "chart/AxisScale.h"
+#include "chart/TradingLinesLayer.h"
 #include "tests/chart/ChartScene.h"
+#include "tests/chart/FakeGlyphs.h"
+#include "tests/chart/PlayedTrading.h"
 
 namespace vmr::test {
 namespace {
 
 using testing::ElementsAre;
-
-// Notes what is asked of the account.
-struct PlayedTrading final : ChartTrading {
-    TradingLines shown;
-    std::optional<double> lastPrice = 21000.0;
-    std::vector<std::string> done;
-
-    template <class... Parts>
-    void note(const char* what, const Parts&... parts) {
-        std::ostringstream text(what, std::ios::ate);
-        ((text << ' ' << parts), ...);
-        done.push_back(text.str());
-    }
-    static int number(const Uuid& id) { return id.bytes[0]; }
-    void lines(const std::string&, TradingLines& out) const override { out = shown; }
-    std::size_t workingCount(const std::string&) const override { return shown.orders.size(); }
-    std::optional<double> last(const std::string&) const override { return lastPrice; }
-    std::int64_t ticketQty() const override { return 2; }
-    double roundTick(const std::string&, double price) const override { return std::round(price * 4) / 4; }
-    void place(const std::string& root, std::string_view side, std::string_view type, double price) override {
-        note("place", root, side, type, price);
-    }
-    void cancel(const Uuid& id) override { note("cancel", number(id)); }
-    void cancelAll(const std::string& root) override { note("cancelAll", root); }
-    void modify(const Uuid& id, double price) override { note("modify", number(id), price); }
-    void modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) override {
-        note("leg", number(id), leg, price);
-    }
-    void setProtective(const std::string&, std::string_view kind, double price) override {
-        note("protect", kind, price);
-    }
-    void flatten(const std::string& root) override { note("flatten", root); }
-};
 
 struct InputTest : ChartScene {
     SessionTime session;
@@ -138,7 +107,7 @@ TEST_F(InputTest, PointerReportsKeepThePaceAndTheCursorDoesNot) {
     input.onCursor = [&](ChartCursor next) { EXPECT_NE(std::exchange(cursor, next), next); };
     trading.shown = {PositionLine{2, 21000}, {{id(1), 21040, true, 1, "LMT"}}, {{id(1), "SL", 20980}}};
     const double edge = 1400 - 74 - 208 - 80;
-    EXPECT_EQ(ChartInput::closeMarkEdge(width), edge);
+    EXPECT_EQ(LineMarks::closeMarkEdge(width), edge);
     for (const auto& [place, shown, ruler] : {std::tuple{ChartPoint{400, 100}, arrow, false},
                                               {ChartPoint{width - 74, 100}, resizeUpDown, true},
                                               {at(400, 21040), resizeUpDown, true},
@@ -157,7 +126,7 @@ TEST_F(InputTest, PointerReportsKeepThePaceAndTheCursorDoesNot) {
 }
 
 TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
-    const double edge = ChartInput::closeMarkEdge(width);
+    const double edge = LineMarks::closeMarkEdge(width);
     trading.shown = {PositionLine{-1, 21000},
                      {{id(1), 21040, true, 1, "LMT"}, {id(2), 21040, true, 1, "STP"}},
                      {{id(1), "SL", 20980}, {id(1), "TP", 20980}}};
@@ -187,6 +156,44 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
     EXPECT_THAT(press(at(edge, 21000), 21000), ElementsAre());
     input.simRoot.clear();
     EXPECT_THAT(press(below(21040, 0), 21060), ElementsAre());
+}
+
+TEST_F(InputTest, APressIsMeantForTheLinesOfTheLastFrame) {
+    FakeGlyphs glyphs;
+    TradingLinesLayer layer{glyphs};
+    layer.trading = &trading;
+    layer.root = "NQ";
+    renderer.addScreenLayer(layer);
+    input.drawnMarks = &layer.marks();
+    const auto pressMark = [&](double price) {
+        const ChartPoint place = at(LineMarks::closeMarkEdge(width), price);
+        input.mouseDown(place);
+        input.mouseUp(place);
+        return done();
+    };
+    trading.shown.orders = {{id(1), 21040, true, 1, "LMT"}};
+    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 1")) << "before any frame, the account's";
+    frame();
+    trading.shown.orders = {{id(2), 21040, true, 1, "LMT"}};
+    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 1")) << "as it was seen";
+    renderer.panByPrice(25, height);
+    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2")) << "the camera moved on";
+    frame();
+    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2"));
+    trading.shown.orders.clear();
+    input.setSize(width, height - 1);
+    EXPECT_THAT(pressMark(21040), ElementsAre()) << "another size";
+    input.setSize(width, height);
+    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2"));
+    renderer.setCandles({});
+    EXPECT_THAT(pressMark(21040), ElementsAre()) << "an empty chart has none";
+    renderer.setCandles(bars(2000));
+    frame();
+    renderer.mirrorPrice(20900, 21100);
+    frame();
+    input.simRoot = "ES";
+    trading.shown.orders = {{id(3), 21040, true, 1, "LMT"}};
+    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 3")) << "another root's";
 }
 
 TEST_F(InputTest, MenuOffersWhatThePriceAllows) {

@@ -124,7 +124,7 @@ TEST(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
         const double ratio = round % 2 == 0 ? 1 : 1.5;
         gpu.beginFrame(600, 400, ratio);
         arena.beginFrame();
-        ScreenFrame frame{gpu, arena, 600, 400, ratio, {}, {}, 0, true, labels};
+        ScreenFrame frame{{gpu, arena, 600, 400, ratio}, {}, {}, 0, true, labels};
         layer.drawAbove(frame);
         gpu.endFrame();
         ASSERT_TRUE(recorded.take(gpu));

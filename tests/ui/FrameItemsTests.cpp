@@ -124,7 +124,9 @@ TEST_F(FrameItems, LostDeviceIsDrawnAnew) {
         ui.window->releaseResources();
         ui.window->show();
         expectAtRest("with another device");
-        if (!moving) EXPECT_EQ(windowPicture(*ui.window), before);
+        if (!moving) {
+            EXPECT_EQ(windowPicture(*ui.window), before);
+        }
     }
 }
 

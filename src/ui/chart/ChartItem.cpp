@@ -20,29 +20,39 @@ ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make
 
 ChartItem::~ChartItem() { leavePane(); }
 
-// Clock, account and probes are the pane's, so each pane gets a view of its own.
+// Clock, loop, account and probe are the pane's. The panes of one program share theirs, and then the view stays what it
+// is, its size and its camera's followers included.
 void ChartItem::makeView() {
     const PaneViewModel::Surroundings none;
     const auto& at = pane_ ? pane_->surroundings() : none;
     Drawing& own = *drawing_;
-    own.drive.reset();
-    own.camera.end();
-    setLive(false);  // of the view before
-    own.view.reset();
     MainLoop& main = at.main ? *at.main : own.loop;
     const Clock& clock = at.clock ? *at.clock : own.clock;
-    own.view = std::make_unique<ChartView>(
-        ChartView::Surroundings{gpu(), glyphs(), own.session, clock, main, at.perf, at.trading});
+    own.drive.reset();
+    own.camera.end();
+    const Drawing::Given given{&clock, &main, at.trading, at.perf};
+    if (!own.view || own.given != given) {
+        setLive(false);  // of the view before
+        own.view.reset();
+        own.view = std::make_unique<ChartView>(
+            ChartView::Surroundings{gpu(), glyphs(), own.session, clock, main, at.perf, at.trading});
+        own.given = given;
+        watchView();
+    }
     setPerf(at.perf, at.bench.input);
-    own.view->setSize(width(), height());
-    own.view->onNeedsFrame = [this] { requestFrame(); };
-    own.view->onMoved = [this] { updateCrosshair(); };  // with the frame, not after it
-    own.view->onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
-    input().onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
-    input().onCursor = [this](ChartCursor cursor) { showCursor(cursor); };
     if (at.bench.baseline) own.camera = own.view->viewportState()->changed.connect([this] { pane_->notifyAll(); });
     if (at.bench.drives() && at.perf && at.print)
         own.drive = std::make_unique<PerfDrive>(renderer(), input(), main, *at.perf, at.bench, at.print, at.quit);
+}
+
+void ChartItem::watchView() {
+    ChartView& view = *drawing_->view;
+    view.setSize(width(), height());
+    view.onNeedsFrame = [this] { requestFrame(); };
+    view.onMoved = [this] { updateCrosshair(); };  // with the frame, not after it
+    view.onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
+    input().onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
+    input().onCursor = [this](ChartCursor cursor) { showCursor(cursor); };
 }
 
 void ChartItem::setLiveRefresh(bool on) {

@@ -42,9 +42,9 @@ class ChartItem : public FrameItem {
     /// A pinch by a touch screen, as a share of its size.
     Q_INVOKABLE void magnify(qreal magnification);
 
-    /// Until another pane is set.
+    /// Until a pane with other surroundings is set.
     ChartRenderer& renderer();
-    /// The camera, for whoever follows it; another one after another pane is set.
+    /// The camera, for whoever follows it; another one after a pane with other surroundings is set.
     const std::shared_ptr<ViewportState>& viewportState() const;
 
  signals:
@@ -71,6 +71,7 @@ class ChartItem : public FrameItem {
  private:
     struct Drawing;
     void makeView();
+    void watchView();
     void setLiveRefresh(bool on);
     void leavePane();
     void readPane();

@@ -14,11 +14,21 @@
 namespace vmr {
 
 struct ChartItem::Drawing {
+    /// What of the pane's surroundings the view was made with.
+    struct Given {
+        const Clock* clock = nullptr;
+        MainLoop* main = nullptr;
+        ChartTrading* trading = nullptr;
+        Perf* perf = nullptr;
+        bool operator==(const Given&) const = default;
+    };
+
     SystemClock clock;
     SessionTime session;
     QtLoop loop;  // for a chart whose pane names none
     CrosshairState crosshair;
-    std::unique_ptr<ChartView> view;  // of the pane; never null
+    Given given;
+    std::unique_ptr<ChartView> view;  // never null
     std::unique_ptr<PerfDrive> drive;
     Connection camera;
 };

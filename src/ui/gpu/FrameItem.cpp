@@ -155,9 +155,10 @@ QSGNode* FrameItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node = new FrameNode(*window());
         node->onProblem = report;
         node->sampleCount = sampleCount_;
+        node->uploadedBytes = uploadedBytes_;
     }
     node->setItemSize(size());
-    const bool given = pump_.handOver() && gpu_.swapFrame(node->replay().frame());
+    const bool given = pump_.handOver() && node->replay().takeFrame(gpu_);
     if (given) {
         follower_->handedOver(pump_.frame());
         timeGate();

@@ -45,6 +45,8 @@ class FrameItem : public QQuickItem {
     std::uint64_t framesDrawn() const { return gpu_.framesRecorded(); }
     /// Samples a pixel that the plot was last drawn with; 0 before.
     int sampleCount() const { return *sampleCount_; }
+    /// Bytes given to the GPU so far, as of the last repaint.
+    std::uint64_t uploadedBytes() const { return *uploadedBytes_; }
     const FramePump& pump() const { return pump_; }
 
     // For `WindowFrames`.
@@ -112,6 +114,7 @@ class FrameItem : public QQuickItem {
     int joinedForGlyphs_ = 0;      ///< times since the last hand-over
     double recordedAt_ = 0;        ///< seconds, monotonic
     std::shared_ptr<std::atomic<int>> sampleCount_ = std::make_shared<std::atomic<int>>(0);
+    std::shared_ptr<std::atomic<std::uint64_t>> uploadedBytes_ = std::make_shared<std::atomic<std::uint64_t>>(0);
 };
 
 }  // namespace vmr

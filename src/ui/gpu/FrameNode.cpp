@@ -38,6 +38,7 @@ void FrameNode::prepare() {
     placement_ = placementIn(*target.target);
     if (sampleCount) *sampleCount = target.target->sampleCount();
     replay_.prepare(target, placement_);
+    if (uploadedBytes) *uploadedBytes = replay_.uploadedBytes();
     if (replay_.problem() != reported_) {
         reported_ = replay_.problem();
         if (onProblem) onProblem(QString::fromStdString(reported_));

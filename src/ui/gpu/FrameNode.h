@@ -5,6 +5,7 @@
 #include <QSGRenderNode>
 #include <QString>
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -30,6 +31,8 @@ class FrameNode final : public QSGRenderNode {
     std::function<void(const QString& problem)> onProblem;
     /// Gets the samples a pixel of each target that is drawn on. Render thread.
     std::shared_ptr<std::atomic<int>> sampleCount;
+    /// Gets what the node has uploaded so far. Render thread.
+    std::shared_ptr<std::atomic<std::uint64_t>> uploadedBytes;
 
     void prepare() override;
     void render(const RenderState* state) override;

@@ -75,6 +75,12 @@ bool RhiReplay::fail(const char* what) {
     return false;
 }
 
+bool RhiReplay::takeFrame(FrameRecorder& recorder) {
+    if (!recorder.swapFrame(frame_)) return false;
+    slotsUploaded_.clear();
+    return true;
+}
+
 void RhiReplay::release() {
     prepared_ = false;
     for (auto& pipeline : pipelines_) pipeline.reset();
@@ -87,6 +93,7 @@ void RhiReplay::release() {
     uniforms_.reset();
     quadIndices_.reset();
     quadIndicesUploaded_ = false;
+    slotsUploaded_.clear();
     retained_.clear();
     atlasChanges_.clear();
     rhi_ = nullptr;
@@ -100,7 +107,7 @@ bool RhiReplay::prepare(const RhiTarget& target, const RhiPlacement& placement) 
     auto* batch = rhi_->nextResourceUpdateBatch();
     const bool uploaded = uploadRetained(*batch) && uploadAtlas(*batch);
     target.commands->resourceUpdate(batch);
-    prepared_ = uploaded && uploadStream() && uploadUniforms(placement);
+    prepared_ = uploaded && uploadFrame(placement);
     if (prepared_) problem_.clear();
     return prepared_;
 }
@@ -199,10 +206,12 @@ bool RhiReplay::uploadRetained(QRhiResourceUpdateBatch& batch) {
             rhi_->newBuffer(QRhiBuffer::Immutable, QRhiBuffer::VertexBuffer, static_cast<int>(bytes->bytes.size())));
         if (!buffer->create()) return fail("the graphics card is out of memory for the chart");
         batch.uploadStaticBuffer(buffer.get(), bytes->bytes.data());
+        uploadedBytes_ += bytes->bytes.size();
         retained_.push_back({bytes, bytes->id, std::move(buffer)});
     }
     if (!quadIndicesUploaded_) {
         batch.uploadStaticBuffer(quadIndices_.get(), quadIndexList().data());
+        uploadedBytes_ += static_cast<std::uint64_t>(quadIndices_->size());
         quadIndicesUploaded_ = true;
     }
     return true;
@@ -214,6 +223,7 @@ bool RhiReplay::uploadAtlas(QRhiResourceUpdateBatch& batch) {
             atlas_->setPixelSize(change.size);
             if (!atlas_->create() || !textBindings_->create()) return fail("the graphics card refused the glyph atlas");
         }
+        uploadedBytes_ += static_cast<std::uint64_t>(change.pixels.sizeInBytes());
         QRhiTextureSubresourceUploadDescription part(change.pixels);
         part.setDestinationTopLeft(change.at);
         batch.uploadTexture(atlas_.get(), QRhiTextureUploadDescription({QRhiTextureUploadEntry(0, 0, part)}));
@@ -227,11 +237,26 @@ bool RhiReplay::growDynamic(std::unique_ptr<QRhiBuffer>& buffer, int usage, std:
     if (size > static_cast<std::size_t>(1) << 30) return fail("the chart's frame is too large");
     buffer->setUsage(QRhiBuffer::UsageFlags(QFlag(usage)));
     buffer->setSize(static_cast<int>(size + size / 2));
+    slotsUploaded_.clear();
     return buffer->create() || fail("the graphics card is out of memory for the chart");
 }
 
-// A dynamic buffer has one copy for each frame in flight, and a replayed frame meets a copy that its first drawing did
-// not write: so the bytes go up every time.
+// A dynamic buffer has one copy for each frame in flight, and only the one of the current slot can be written. A slot
+// gets the frame when it first draws it and keeps it, so that repaints upload nothing once every slot has had its turn,
+// a second one at most. The slots are those of the graphics interface, whichever swap chain or read-back is drawn, so
+// other windows do not matter. Static buffers would have one copy, but every frame of a moving chart would pay for a
+// staging copy and a barrier.
+bool RhiReplay::uploadFrame(const RhiPlacement& placement) {
+    if (std::exchange(scaleX_, placement.scaleX) != placement.scaleX) slotsUploaded_.clear();
+    if (std::exchange(scaleY_, placement.scaleY) != placement.scaleY) slotsUploaded_.clear();
+    const auto slot = static_cast<std::size_t>(std::max(rhi_->currentFrameSlot(), 0));
+    if (slot < slotsUploaded_.size() && slotsUploaded_[slot]) return true;
+    if (!uploadStream() || !uploadUniforms(placement)) return false;
+    if (slotsUploaded_.size() <= slot) slotsUploaded_.resize(slot + 1);
+    slotsUploaded_[slot] = true;
+    return true;
+}
+
 bool RhiReplay::uploadStream() {
     if (frame_.stream.empty()) return true;
     if (!growDynamic(stream_, QRhiBuffer::VertexBuffer, frame_.stream.size())) return false;
@@ -239,6 +264,7 @@ bool RhiReplay::uploadStream() {
     if (!to) return fail("the graphics card gave the chart no memory to write to");
     std::memcpy(to, frame_.stream.data(), frame_.stream.size());
     stream_->endFullDynamicBufferUpdateForCurrentFrame();
+    uploadedBytes_ += frame_.stream.size();
     return true;
 }
 
@@ -256,6 +282,7 @@ bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
         to += uniformStride_;
     }
     uniforms_->endFullDynamicBufferUpdateForCurrentFrame();
+    uploadedBytes_ += frame_.uniforms.size() * uniformStride_;
     return true;
 }
 

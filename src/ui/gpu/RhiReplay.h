@@ -6,10 +6,12 @@
 #include <QRect>
 #include <QSize>
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "gpu/FrameRecorder.h"
 #include "gpu/RecordedFrame.h"
 #include "ui/gpu/RhiAccess.h"
 
@@ -30,13 +32,14 @@ struct AtlasChange {
 };
 
 /// The GPU side of one chart. Owned by the render node and used on its thread only. Keeps the last frame, so that a
-/// repaint that the chart did not ask for draws it again.
+/// repaint that the chart did not ask for draws it again, from what the GPU already holds.
 class RhiReplay {
  public:
     ~RhiReplay() { release(); }
 
-    /// The frame that is drawn; exchanged with the recorder's while the main thread is blocked.
-    RecordedFrame& frame() { return frame_; }
+    /// Takes the recorder's newest frame and gives it the memory of the one before; false when there is none. While the
+    /// main thread is blocked.
+    bool takeFrame(FrameRecorder& recorder);
     /// Queues a change of the atlas for the next `prepare`.
     void changeAtlas(AtlasChange change) { atlasChanges_.push_back(std::move(change)); }
 
@@ -48,6 +51,9 @@ class RhiReplay {
     /// Gives back every GPU object. The frame stays, but retained buffers and the atlas must be given anew: a later
     /// `prepare` uploads buffers by itself, the atlas counts as empty.
     void release();
+
+    /// Bytes given to the GPU so far, of any kind.
+    std::uint64_t uploadedBytes() const { return uploadedBytes_; }
 
     /// Why nothing can be drawn; empty while all is well.
     const std::string& problem() const { return problem_; }
@@ -67,6 +73,7 @@ class RhiReplay {
     std::unique_ptr<QRhiGraphicsPipeline> makePipeline(Kind kind, int samples);
     bool uploadRetained(QRhiResourceUpdateBatch& batch);
     bool uploadAtlas(QRhiResourceUpdateBatch& batch);
+    bool uploadFrame(const RhiPlacement& placement);
     bool uploadStream();
     bool uploadUniforms(const RhiPlacement& placement);
     bool growDynamic(std::unique_ptr<QRhiBuffer>& buffer, int usage, std::size_t size);
@@ -82,6 +89,9 @@ class RhiReplay {
     QRhi* rhi_ = nullptr;
     std::vector<RetainedCopy> retained_;
     std::unique_ptr<QRhiBuffer> stream_, uniforms_, quadIndices_;
+    std::vector<bool> slotsUploaded_;  // by frame slot: its copy of stream and uniforms is the frame's
+    float scaleX_ = 0, scaleY_ = 0;    // that the uniforms were made for
+    std::uint64_t uploadedBytes_ = 0;
     bool quadIndicesUploaded_ = false;
     std::size_t uniformStride_ = 0;
     std::unique_ptr<QRhiTexture> atlas_;

@@ -1,13 +1,12 @@
 // Short texts as quads of glyphs on whole device pixels.
 #pragma once
 
-#include <array>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "chart/ScreenLayer.h"
 #include "gpu/GlyphSource.h"
 #include "gpu/Vertices.h"
 
@@ -23,12 +22,12 @@ struct TextStyle {
 /// Where the given x lies in the text.
 enum class TextAlign : unsigned char { left, center, right };
 
-/// Collects the texts of a frame and draws them at once. A text that only moves or changes colour is not laid out
-/// again. Use: `begin`, any number of `add`, then `draw`; when `stale` tells so before `draw`, once more from `begin`.
-/// UTF-8; what is not valid shows as U+FFFD. Main thread.
-class TextLayer {
+/// Collects the texts of a frame as vertices. A text that only moves or changes colour is not laid out again. Use:
+/// `begin`, any number of `add`, then `vertices`; when `stale` tells so before that, once more from `begin`. UTF-8;
+/// what is not valid shows as U+FFFD. Main thread.
+class TextRuns {
  public:
-    explicit TextLayer(GlyphSource& glyphs);
+    explicit TextRuns(GlyphSource& glyphs);
 
     void begin(double pixelRatio);
 
@@ -37,14 +36,15 @@ class TextLayer {
     /// Height of a line in points.
     double lineHeight(const TextStyle& style);
 
-    /// One line, vertically centred on `y`; points from the top left.
-    void add(std::string_view text, const TextStyle& style, double x, double y, TextAlign align, const Rgba& color);
+    /// One line, vertically centred on `y`; points from the top left. Tells how many vertices it added.
+    std::size_t add(std::string_view text, const TextStyle& style, double x, double y, TextAlign align,
+                    const Rgba& color);
 
     /// The atlas was rebuilt since `begin`: what was added before refers to glyphs that moved.
     bool stale() const { return glyphs_.generation() != generation_; }
 
-    /// Draws all that was added, in one call; nothing when that is nothing.
-    void draw(ScreenFrame& frame);
+    /// The glyphs of all that was added, as quads in the order of adding. Valid until the next `begin` or `add`.
+    std::span<const TextVertex> vertices() const { return vertices_; }
 
  private:
     struct Quad {

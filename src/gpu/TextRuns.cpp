@@ -1,4 +1,4 @@
-#include "chart/TextLayer.h"
+#include "gpu/TextRuns.h"
 
 #include <bit>
 #include <cmath>
@@ -38,12 +38,12 @@ char32_t takeCharacter(std::string_view& text) {
 
 }  // namespace
 
-TextLayer::TextLayer(GlyphSource& glyphs) : glyphs_(glyphs), runs_(sets_ * ways_) {
+TextRuns::TextRuns(GlyphSource& glyphs) : glyphs_(glyphs), runs_(sets_ * ways_) {
     for (Run& run : runs_) run.quads.reserve(16);
     vertices_.reserve(4096);
 }
 
-void TextLayer::begin(double pixelRatio) {
+void TextRuns::begin(double pixelRatio) {
     vertices_.clear();
     if (pixelRatio == pixelRatio_ && !stale()) return;
     pixelRatio_ = pixelRatio;
@@ -51,7 +51,7 @@ void TextLayer::begin(double pixelRatio) {
     for (Run& run : runs_) run.used = false;
 }
 
-const TextLayer::Run& TextLayer::run(std::string_view text, const TextStyle& style) {
+const TextRuns::Run& TextRuns::run(std::string_view text, const TextStyle& style) {
     const std::size_t hash = std::hash<std::string_view>{}(text) ^ (std::bit_cast<std::uint64_t>(style.pointSize) * 31 +
                                                                     static_cast<std::size_t>(style.face));
     Run* const set = &runs_[hash % sets_ * ways_];
@@ -72,7 +72,7 @@ const TextLayer::Run& TextLayer::run(std::string_view text, const TextStyle& sty
     return *victim;
 }
 
-void TextLayer::layOut(Run& run) {
+void TextRuns::layOut(Run& run) {
     run.quads.clear();
     float pen = 0;
     for (std::string_view rest = run.text; !rest.empty();) {
@@ -87,14 +87,14 @@ void TextLayer::layOut(Run& run) {
     run.height = glyphs_.lineHeight(run.style.face, run.style.pointSize, pixelRatio_);
 }
 
-double TextLayer::width(std::string_view text, const TextStyle& style) { return run(text, style).width / pixelRatio_; }
+double TextRuns::width(std::string_view text, const TextStyle& style) { return run(text, style).width / pixelRatio_; }
 
-double TextLayer::lineHeight(const TextStyle& style) {
+double TextRuns::lineHeight(const TextStyle& style) {
     return glyphs_.lineHeight(style.face, style.pointSize, pixelRatio_) / pixelRatio_;
 }
 
-void TextLayer::add(std::string_view text, const TextStyle& style, double x, double y, TextAlign align,
-                    const Rgba& color) {
+std::size_t TextRuns::add(std::string_view text, const TextStyle& style, double x, double y, TextAlign align,
+                          const Rgba& color) {
     const Run& laid = run(text, style);
     const double share = align == TextAlign::left ? 0.0 : align == TextAlign::center ? 0.5 : 1.0;
     const auto left = static_cast<float>(std::round(x * pixelRatio_ - laid.width * share));
@@ -107,15 +107,7 @@ void TextLayer::add(std::string_view text, const TextStyle& style, double x, dou
         vertices_.push_back({{x1, y1}, {quad.u1, quad.v1}, color});
         vertices_.push_back({{x1, y0}, {quad.u1, quad.v0}, color});
     }
-}
-
-void TextLayer::draw(ScreenFrame& frame) {
-    const auto upload = frame.arena.uploadDyn(vertices_);
-    if (!upload) return;
-    frame.gpu.setPipeline(Pipeline::text);
-    frame.gpu.setUniforms(
-        std::bit_cast<std::array<float, 4>>(pixelUniforms(frame.width, frame.height, frame.pixelRatio)));
-    frame.gpu.draw(Primitive::quads, upload->buffer, upload->offset, upload->count);
+    return laid.quads.size() * 4;
 }
 
 }  // namespace vmr
