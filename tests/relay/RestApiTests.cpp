@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::relay {
 namespace {
