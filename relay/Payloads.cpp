@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <span>
 
+#include "market/Roots.h"
 #include "relay/Instruments.h"
 
 namespace vmr::relay::payload {
@@ -29,13 +30,6 @@ void appendPrices(std::string& out, const Candle& bar, std::span<const std::stri
 
 constexpr std::array<std::string_view, 5> shortKeys{"o", "h", "l", "c", "v"};
 constexpr std::array<std::string_view, 5> longKeys{"open", "high", "low", "close", "volume"};
-
-struct FutureRow {
-    std::string_view symbol;
-    std::vector<std::string_view> sources;
-    std::string_view pair;
-    double tickValue, hfScale;
-};
 }  // namespace
 
 std::string quoted(std::string_view text) {
@@ -135,18 +129,13 @@ std::string quote(const Trade& trade) {
 std::string contracts(const std::map<std::string, std::string>& map) { return nlohmann::json{{"map", map}}.dump(); }
 
 std::string catalog() {
-    const std::array rows{
-        FutureRow{"NQ", {"QQQ", "NDX"}, "ES", 5, 0.0000002}, FutureRow{"ES", {"SPY", "SPX"}, "NQ", 12.5, 0.0000002},
-        FutureRow{"RTY", {"IWM", "RUT"}, "", 5, 0.0000005},  FutureRow{"YM", {"DIA"}, "", 5, 0.0001},
-        FutureRow{"GC", {"GLD"}, "", 10, 0.000004},          FutureRow{"CL", {"USO"}, "", 10, 0.000005}};
     nlohmann::json futures = nlohmann::json::array();
-    for (const FutureRow& row : rows) {
-        nlohmann::json one{{"sym", row.symbol},
-                           {"sources", row.sources},
-                           {"defaultSource", row.sources.front()},
-                           {"tick", findInstrument(Family::futures, row.symbol)->tick()},
-                           {"tickValue", row.tickValue},
-                           {"hfScale", row.hfScale}};
+    for (const BuiltInFuture& row : builtInInstruments) {
+        std::vector<std::string_view> sources{row.etf};
+        if (!row.index.empty()) sources.push_back(row.index);
+        nlohmann::json one{
+            {"sym", row.sym},     {"sources", sources},         {"defaultSource", row.etf},
+            {"tick", row.tick()}, {"tickValue", row.tickValue}, {"hfScale", hfScaleFor(row.sym, row.etf)}};
         if (!row.pair.empty()) one["pair"] = row.pair;
         futures.push_back(std::move(one));
     }

@@ -14,7 +14,7 @@
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/FullScene.h"
 #include "tests/support/StillAccount.h"
-#include "tests/support/TestTime.h"
+#include "tests/support/time/TestTime.h"
 
 namespace vmr {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "base/Clock.h"
-#include "model/AppModel.h"
+#include "market/Bars.h"
 
 namespace vmr {
 namespace {

@@ -27,19 +27,21 @@ struct BusyPane : bench::HandPane {
         GexConfig on = m.config;
         on.showSecondary = on.vixEnabled = on.hfEnabled = on.vwapEnabled = on.vwapNyEnabled = on.ema1Enabled = true;
         on.ema2Enabled = on.sessionEnabled = on.levelsEnabled = on.showOpen = on.showPrev = true;
-        on.gexEnabled = on.dexEnabled = on.hfLateralEnabled = on.oiEnabled = on.gexBubbles = on.hfBubbles = true;
+        on.gexEnabled = on.gexLabels = on.dexEnabled = on.dexLabels = on.hfLateralEnabled = on.oiEnabled =
+            on.gexBubbles = on.hfBubbles = true;
         m.setConfig(on);
         for (int i = 0; i < 5000; ++i) {
             const std::int64_t time = minute - (4999 - i) * 60;
             const double p = 21000 + (i * 37 % 400) * 0.25;
-            m.candles[static_cast<std::size_t>(i)] = {time, p, p + 3, p - 2, p + 0.25, 900};
-            m.secondaryCandles.push_back({time, p / 3, p / 3 + 1, p / 3 - 1, p / 3, 900});
-            m.vixCandles.push_back({time, 18, 18.1, 17.9, 18, 0});
-            m.hfByMin[time].c = (i % 401 - 200) * 1e6;
+            m.bars.candles[static_cast<std::size_t>(i)] = {time, p, p + 3, p - 2, p + 0.25, 900};
+            m.bars.secondaryCandles.push_back({time, p / 3, p / 3 + 1, p / 3 - 1, p / 3, 900});
+            m.bars.vixCandles.push_back({time, 18, 18.1, 17.9, 18, 0});
+            m.overlays.hfByMin[time].c = (i % 401 - 200) * 1e6;
         }
         for (int d = 0; d < 5; ++d) {
             const std::int64_t open = SessionLines::sessionOpenSec(minute - d * 86400, m.sessionHHMM());
-            m.srSessions[open] = {open, 21000, {{1, "", 21100, 0}, {2, "", 21200, 0}}, {{1, "", 20900, 0}}};
+            m.sessionLevels.srSessions[open] = {
+                open, 21000, {{1, "", 21100, 0}, {2, "", 21200, 0}}, {{1, "", 20900, 0}}};
         }
         std::vector<BubblePt> bubbles;
         std::vector<TrianglePt> triangles;
@@ -48,61 +50,21 @@ struct BusyPane : bench::HandPane {
             triangles.push_back(
                 {.minuteTs = minute - (i / 3) * 60, .strike = 518.0 + i % 13, .net = 5, .minuteMax = 9});
         }
-        m.bubblePts = bubbles;
-        m.trianglePts = triangles;
-        look.gexEnabled = look.gexLabels = look.dexEnabled = look.dexLabels = look.waveEnabled = look.oiEnabled = true;
+        m.markers.bubblePts = bubbles;
+        m.markers.trianglePts = triangles;
+        // the second source's bars are drawn too
+        strikesChanged = m.options.strikes.changed.connect([&m] { m.options.secStrikes = m.options.strikes.get(); });
         view.onNeedsFrame = [this] { due = true; };
-        view.setSource(&source);
-        links.push_back(m.displayCandles.changed.connect([this] { source.changed(); }));
-        links.push_back(m.srLines.changed.connect([this] { source.changed(&ChartContent::Revisions::srLines); }));
-        links.push_back(m.overlaysChanged.connect([this] { source.changed(&ChartContent::Revisions::overlays); }));
+        view.setSource(&m);
+        m.setChartPort(&view);
         receive(bench::derivedFrame(250, 15, 0));
     }
-
-    /// The model's lists as a content. What has no notice of its own here is compared at each frame.
-    struct Source final : ChartSource {
-        explicit Source(BusyPane& pane) : pane_(pane) {}
-        ChartContent chartContent() const override {
-            const AppModel& m = *pane_.model;
-            return {.chart = 1,
-                    .timeframe = static_cast<double>(m.timeframe.get()),
-                    .sessionHHMM = m.sessionHHMM(),
-                    .simRoot = m.simRoot,
-                    .look = &pane_.look,
-                    .candles = m.displayCandles.get(),
-                    .levels = m.levels.get(),
-                    .strikes = m.strikes.get(),
-                    .etfRatio = m.etfRatio,
-                    .flipStrike = m.gammaFlipStrike,
-                    .secStrikes = m.strikes.get(),
-                    .secRatio = m.etfRatio,
-                    .bubbles = m.bubblePts.get(),
-                    .triangles = m.trianglePts.get(),
-                    .overlays = &m.overlays(),
-                    .overlayStyle = {},
-                    .srLines = m.srLines.get(),
-                    .revisions = revisions_};
-        }
-        void interactionEnded() override {}
-        void marketClosedOrder() override {}
-
-        void changed(std::uint64_t ChartContent::Revisions::*part = &ChartContent::Revisions::candles) {
-            ++(revisions_.*part);
-            pane_.view.contentChanged();
-        }
-        void compareTheRest() {
-            auto& r = revisions_;
-            for (auto* part : {&r.levels, &r.strikes, &r.secStrikes, &r.markers}) ++*part;
-            pane_.view.contentChanged();
-        }
-
-     private:
-        BusyPane& pane_;
-        ChartContent::Revisions revisions_;
-    };
+    ~BusyPane() {
+        model->setChartPort(nullptr);
+        view.setSource(nullptr);
+    }
 
     void frame() {
-        source.compareTheRest();
         settle();
         if (!std::exchange(due, false)) return;
         due = view.record(1400, 900, 1, clock.monotonic());
@@ -114,10 +76,8 @@ struct BusyPane : bench::HandPane {
     RecordedFrame shown;
     test::FakeGlyphs glyphs;
     test::StillAccount account{21050};
-    RenderConfig look;
     ChartView view{{gpu, glyphs, session, clock, main, nullptr, &account}};
-    Source source{*this};
-    std::vector<Connection> links;
+    Connection strikesChanged;
     bool due = true;
     int frames = 0;
 };
@@ -185,8 +145,8 @@ void busyOpen(benchmark::State& state) {
     }
     const bool marked = std::ranges::any_of(
         pane.shown.draws, [](const auto& call) { return call.pipeline == Pipeline::marker && call.vertexCount > 0; });
-    if (pane.model->overlays().hfLine.size() < 3000 || pane.frames == 0 || !marked ||
-        pane.model->strikes->size() != 250)
+    if (pane.model->overlays.series().hfLine.size() < 3000 || pane.frames == 0 || !marked ||
+        pane.model->options.strikes->size() != 250)
         state.SkipWithError("something is missing");
     state.counters["core_share"] = used / second;
     state.counters["to_bare_parse"] = used / second / bare;

@@ -41,7 +41,8 @@ void derivedPatch(benchmark::State& state) {
         state.SetIterationTime(t3 - t2);
     }
     // the first expiration is shown
-    if (pane.model->strikes->size() != 250 || pane.model->strikes->front().callHf != bench::flowOf(1, turn))
+    if (pane.model->options.strikes->size() != 250 ||
+        pane.model->options.strikes->front().callHf != bench::flowOf(1, turn))
         state.SkipWithError("the patch did not arrive");
     state.counters["bare_us"] = bare * 1e6;
     state.counters["decode_us"] = decoding * 1e6;

@@ -73,24 +73,24 @@ struct HandPane {
         auth.refreshToken = "refresh";
         auth.expiresAt = clock.monotonic() + 1e6;
         preferences.set("gex-last-symbol", "NQ");
-        model = std::make_unique<AppModel>(PaneSurroundings{
-            clock,
-            main,
-            preferences,
-            auth,
-            session,
-            ids,
-            [this] {
-                return std::make_unique<RelayClient>(
-                    "wss://relay.test/", [this] { return std::make_unique<OneSocket>(events); }, queue, main, clock);
-            },
-            [](const std::string&) {},
-            {}});
+        const auto relay = [this] {
+            return std::make_unique<RelayClient>(
+                "wss://relay.test/", [this] { return std::make_unique<OneSocket>(events); }, queue, main, clock);
+        };
+        model = std::make_unique<AppModel>(PaneSurroundings{.clock = clock,
+                                                            .main = main,
+                                                            .preferences = preferences,
+                                                            .auth = auth,
+                                                            .session = session,
+                                                            .ids = ids,
+                                                            .hfScales = hfScales,
+                                                            .makeRelay = relay,
+                                                            .print = [](const std::string&) {}});
         settle();
         events.onOpen();
         events.onFrame(R"({"type":"hello"})", false);
         settle();
-        for (int i = 0; i < 5000; ++i) model->candles.push_back({minute - (4999 - i) * 60, 100, 101, 99, 100, 1});
+        for (int i = 0; i < 5000; ++i) model->bars.candles.push_back({minute - (4999 - i) * 60, 100, 101, 99, 100, 1});
     }
     void settle() {
         while (queue.run() || main.run()) {
@@ -109,6 +109,7 @@ struct HandPane {
     FirebaseRESTAuth auth{Endpoints{}, http, preferences, clock};
     SessionTime session;
     UuidSource ids;
+    HfScales hfScales;
     WebSocket::Events events;
     std::unique_ptr<AppModel> model;
 };

@@ -43,7 +43,7 @@ void tradeBatch(benchmark::State& state) {
         freeing = std::min(freeing, t4 - t3);
         state.SetIterationTime(t4 - t1);
     }
-    if (pane.model->candles.back().close != 21'000 + (99 * 7 % 40) * 0.25)
+    if (pane.model->bars.candles.back().close != 21'000 + (99 * 7 % 40) * 0.25)
         state.SkipWithError("the trades did not arrive");
     state.counters["to_bare_parse"] = (decoding + mainShare + freeing) / bare;
     state.counters["bare_us"] = bare * 1e6;

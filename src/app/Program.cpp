@@ -3,10 +3,12 @@
 #include <cstdio>
 #include <utility>
 
+#include "app/BenchConfig.h"
 #include "model/StateDocument.h"
 #include "perf/Perf.h"
 #include "services/net/BeastWebSocket.h"
 #include "sim/SimStore.h"
+#include "store/ConfigIO.h"
 
 namespace vmr {
 
@@ -48,10 +50,24 @@ void Program::openAccount() {
 }
 
 void Program::openPanes() {
-    PaneSurroundings surroundings{
-        start_.clock(), main_,           preferences_,          auth_, session_, ids_, {}, print_, {},
-        sim_.get(),     &Perf::shared(), start_.options().bench};
+    PaneSurroundings surroundings{.clock = start_.clock(),
+                                  .main = main_,
+                                  .preferences = preferences_,
+                                  .auth = auth_,
+                                  .session = session_,
+                                  .ids = ids_,
+                                  .hfScales = hfScales_,
+                                  .makeRelay = {},
+                                  .print = print_,
+                                  .sim = sim_.get(),
+                                  .perf = &Perf::shared(),
+                                  .rebuildInDrags = start_.options().bench.baseline};
     if (start_.options().headless) surroundings.printMessage = print_;
+    if (start_.options().bench.bench) {
+        surroundings.config = everythingOn(ConfigIO::load(preferences_));
+        surroundings.saveSettings = false;
+        print_("[bench] config forced — all overlays + oscillator ON");
+    }
     panes_ = std::make_unique<PaneHost>(std::move(surroundings), [this](AsioLoop& queue) {
         return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(queue), queue, main_,
                                              start_.clock(), print_);
@@ -66,8 +82,8 @@ void Program::tellOfAccount(const std::string& line) {
     print_("[sim] " + line);
     AppModel* pane = panes_->active();
     if (!pane) return;
-    pane->append(line);
-    pane->flashToast("Simulator", line);
+    pane->log.append(line);
+    pane->notices.flashToast("Simulator", line);
 }
 
 Program::~Program() {

@@ -55,6 +55,7 @@ class Program {
     FirebaseRESTAuth auth_;
     SessionTime session_;
     UuidSource ids_;
+    HfScales hfScales_;                  // of all panes
     AsioThread files_{"velmora.files"};  // writes the paper account
     std::unique_ptr<SimEngine> sim_;
     std::vector<std::string> accountNotices_;  // that came before there was a pane

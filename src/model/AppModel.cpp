@@ -1,244 +1,156 @@
 #include "model/AppModel.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "base/NumberText.h"
+#include "perf/Perf.h"
 #include "store/ConfigIO.h"
 
 namespace vmr {
 
 namespace {
-int liveModels = 0;
+constexpr double fastestSample = 1.0 / 120;  // real seconds
 
-constexpr const char* firstChart = "futures:NQU6";
-constexpr const char* firstLevels = "derived:QQQ";
-
-// Everything that the chart can show.
-GexConfig everythingOn(GexConfig c) {
-    for (bool* field : {&c.gexEnabled,     &c.gexBubbles,  &c.dexEnabled,       &c.wallsEnabled, &c.levelsEnabled,
-                        &c.sessionEnabled, &c.showOpen,    &c.showPrev,         &c.vwapEnabled,  &c.vwapNyEnabled,
-                        &c.showSecondary,  &c.hfEnabled,   &c.hfLateralEnabled, &c.hfBubbles,    &c.vixEnabled,
-                        &c.ema1Enabled,    &c.ema2Enabled, &c.oscEnabled,       &c.oscNq,        &c.oscEs,
-                        &c.oscVix,         &c.oscCall,     &c.oscPut,           &c.oscNet})
-        *field = true;
-    return c;
+std::optional<int> usableTimeframe(std::int64_t minutes) {
+    return minutes > 0 && minutes <= INT32_MAX ? std::optional(static_cast<int>(minutes)) : std::nullopt;
 }
+
+GexConfig firstConfig(const PaneSurroundings& at) { return at.config ? *at.config : ConfigIO::load(at.preferences); }
 }  // namespace
 
 AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> restore)
-    : config(ConfigIO::load(surroundings.preferences)),
-      at_(std::move(surroundings)),
-      alive_(std::make_shared<int>(0)),
-      restorePane_(std::move(restore)),
-      counted_(true),
-      overlays_(at_.session) {
-    ++liveModels;
-    if (at_.bench.bench) {
-        ConfigIO::suppressSave = true;
-        config = everythingOn(config);
-        at_.print("[bench] config forced — all overlays + oscillator ON");
-    }
-    if (const auto stored = at_.preferences.get(ConfigIO::timeframeKey)) {
-        const auto minutes = parseInt(*stored);
-        if (minutes && *minutes > 0 && *minutes <= INT32_MAX) timeframe = static_cast<int>(*minutes);
-    }
-    if (restorePane_ && restorePane_->timeframe >= 1 && restorePane_->timeframe <= INT32_MAX)
-        timeframe = static_cast<int>(restorePane_->timeframe);
+    : at_(std::move(surroundings)),
+      work_(at_.main),
+      config(&gate_, firstConfig(at_)),
+      session(at_.auth, work_, at_.makeRelay(), &gate_),
+      log(at_.clock, at_.ids, at_.print, &gate_),
+      notices(work_, &gate_),
+      catalog(&gate_),
+      channels(&gate_),
+      bars(work_, at_.session, &gate_),
+      options(at_.ids, &gate_),
+      markers(&gate_),
+      oscillator(work_, &gate_),
+      sessionLevels(&gate_),
+      overlays(
+          {at_.clock, work_, at_.session, [this] { return overlayInput(); }, &gate_, at_.perf, at_.rebuildInDrags}),
+      hfp(&gate_),
+      surface(at_.clock, &gate_),
+      sim_(at_.sim),
+      look_(&gate_, renderLook(config)),
+      restorePane_(std::move(restore)) {
+    if (const auto stored = at_.preferences.get(ConfigIO::timeframeKey))
+        bars.timeframe = usableTimeframe(parseInt(*stored).value_or(0)).value_or(bars.timeframe);
+    if (restorePane_) bars.timeframe = usableTimeframe(restorePane_->timeframe).value_or(bars.timeframe);
+    bars.onDisplayRebuilt = [this] {
+        if (!bars.candles.empty()) sim_.seedLast(channels->simRoot, bars.candles.back().close);
+        overlays.schedule();
+    };
+    watchContent();
 
-    relay_ = at_.makeRelay();
     RelayClient::Callbacks callbacks;
-    callbacks.onLog = [this](const std::string& text) { append(text); };
-    // what the relay told before it heard of a sign-out comes after it, and is too late
-    callbacks.onConnected = [this] {
-        if (isSignedIn) onConnected();
-    };
-    callbacks.onConnectionLimit = [this] { connLimited = true; };
-    callbacks.onDisconnected = [this] {
-        if (!isSignedIn) return;
-        connected = false;
-        status = "Disconnected (reconnecting…)";
-    };
+    callbacks.onLog = [this](const std::string& text) { log.append(text); };
     callbacks.onChannelMessage = [this](const ChannelMessage& message, const std::string& type) {
         onChannelMessage(message, type);
     };
     callbacks.onPrepare = &AppModel::prepare;
-    relay_->setCallbacks(std::move(callbacks));
-
-    if (at_.auth.refreshToken) startStoredSession();
+    session.start(std::move(callbacks), [this] { onConnected(); });
 }
 
 AppModel::~AppModel() {
     shutdown();
-    alive_.reset();
-    relay_.reset();
-}
-
-int AppModel::liveCount() { return liveModels; }
-
-std::map<std::string, double>& AppModel::hfScaleOverrides() {
-    static std::map<std::string, double> overrides;
-    return overrides;
-}
-
-void AppModel::startStoredSession() {
-    isSignedIn = true;
-    userEmail = at_.auth.email.value_or("");
-    status = "Signed in, connecting…";
-    // an answer that comes after a sign-out, perhaps into the session that followed it, is nobody's any more
-    at_.main.post([this, weak = std::weak_ptr(alive_), session = session_] {
-        if (weak.expired() || session != session_) return;
-        if (at_.auth.tokenIsLive()) return connectRelay();
-        at_.auth.refresh([this, weak, session](const std::variant<std::string, AuthError>& result) {
-            if (weak.expired() || session != session_) return;
-            if (std::holds_alternative<std::string>(result)) return connectRelay();
-            at_.auth.signOut();
-            isSignedIn = false;
-            authError = "Session expired — please sign in again.";
-            status = "Not connected";
-        });
-    });
-}
-
-void AppModel::connectRelay() {
-    if (counted_) relay_->connect(tokenProvider());
-}
-
-TokenProvider AppModel::tokenProvider() {
-    // called on the relay's queue: the session lives on the main loop
-    return [this, weak = std::weak_ptr(alive_), &main = at_.main](std::function<void(TokenResult)> give) {
-        main.post([this, weak, give = std::move(give)] {
-            if (weak.expired()) return;
-            if (at_.auth.tokenIsLive()) return give({*at_.auth.idToken, std::nullopt});
-            at_.auth.refresh([give](const std::variant<std::string, AuthError>& result) {
-                if (const auto* token = std::get_if<std::string>(&result))
-                    give({*token, std::nullopt});
-                else
-                    give({"", std::get<AuthError>(result).text()});
-            });
-        });
-    };
-}
-
-void AppModel::signIn(const std::string& email, const std::string& password, bool remember,
-                      std::function<void(bool)> done) {
-    signingIn = true;
-    authError = std::nullopt;
-    at_.auth.persistSession = remember;
-    at_.auth.signIn(
-        email, password,
-        [this, weak = std::weak_ptr(alive_), email, done = std::move(done)](std::optional<AuthError> error) {
-            if (weak.expired()) return;
-            if (error) {
-                // a sign-out in between is no failure to tell
-                if (error->kind != AuthError::Kind::notSignedIn) authError = error->text();
-            } else {
-                userEmail = email;
-                isSignedIn = true;
-                status = "Signed in, connecting…";
-                connectRelay();
-            }
-            signingIn = false;
-            if (done) done(!error);
-        });
+    work_.end();
+    session.end();
 }
 
 void AppModel::signOut() {
-    ++session_;
-    relay_->disconnect();
-    at_.auth.signOut();
-    isSignedIn = false;
-    connected = false;
-    status = "Not connected";
-    logLines.clear();
-    logChanged();
+    session.signOut();
+    log.clear();
     updateHfpTimer();
 }
 
 void AppModel::shutdown() {
-    stopPresence();
-    if (counted_) --liveModels;
-    counted_ = false;
-    relay_->disconnect();
-    for (SerialQueue::TimerId* timer : {&barRollTimer_, &hfpTimer_}) {
-        if (*timer != SerialQueue::noTimer) at_.main.cancel(*timer);
-        *timer = SerialQueue::noTimer;
-    }
+    ended_ = true;
+    session.shutdown();
+    barRollTimer_.cancel();
+    hfpTimer_.cancel();
 }
 
 void AppModel::onConnected() {
-    connLimited = false;
-    connected = true;
-    status = "Connected";
-    if (!subscribedChans.empty())
-        append("→ reconnected — subscriptions re-flushed, snapshots merge in place");
+    if (channels->isOpen())
+        log.append("→ reconnected — subscriptions re-flushed, snapshots merge in place");
     else
         openFirstChart();
     updateHfpTimer();
 }
 
-void AppModel::openFirstChart() {
-    if (!chartChannel->empty()) return openChart(chartChannel.get(), levelsChannel.get());
-    std::optional<std::string> wanted;
-    if (restorePane_) {
-        if (!restorePane_->gexSource.empty()) {
-            GexConfig changed = config;
-            changed.gexSource = restorePane_->gexSource;
-            setConfig(changed);
-        }
-        wanted = restorePane_->symbol;
-        restorePane_.reset();
-    } else {
-        wanted = at_.preferences.get(ConfigIO::lastSymbolKey);
-    }
-    const auto stocks = stockList();
-    if (wanted && (std::find(stocks.begin(), stocks.end(), *wanted) != stocks.end() || isBuiltInStock(*wanted) ||
-                   builtInFuture(*wanted)))
-        switchSymbol(*wanted);
-    else
-        openChart(firstChart, firstLevels);
-}
-
 void AppModel::setConfig(const GexConfig& changed) {
+    if (config.get() == changed) return;
+    const NoticeGate::Hold hold(gate_);
     const GexConfig old = config;
+    const OverlaySettings oldSeries = overlaySettings();
     config = changed;
-    if (!(old == changed)) {
-        ConfigIO::save(at_.preferences, changed);
-        if (old.vixMode != changed.vixMode) {
-            vixCandles.clear();
-            ++sideRevision_;
-            reloadChart();
-        } else {
-            if (old.sessionStart != changed.sessionStart) rebuildSRLines();
-            if (old.hfPressure != changed.hfPressure) updateHfpTimer();
-            scheduleOverlays();
-            ++chartVersion;
-            chartVersionChanged();
-        }
-        simTakeCommission();
+    look_ = renderLook(changed);
+    if (at_.saveSettings) ConfigIO::save(at_.preferences, changed);
+    if (old.vixMode != changed.vixMode) {
+        bars.vixCandles.clear();
+        overlays.raiseSides();
+        reloadChart();
+    } else {
+        if (old.sessionStart != changed.sessionStart) sessionLevels.rebuild(bars.candles, sessionHHMM());
+        if (old.hfPressure != changed.hfPressure) updateHfpTimer();
+        if (oldSeries != overlaySettings()) overlays.schedule();
+        bars.raiseChartVersion();
     }
+    sim_.setCommission(config->simCommission);
 }
 
-void AppModel::append(const std::string& text) {
-    if (text.starts_with("→")) at_.print("[app] " + text);
-    logLines.push_back({at_.ids.next(), at_.clock.now(), text});
-    while (logLines.size() > maxLogLines) logLines.pop_front();
-    logChanged();
+void AppModel::updateHfpTimer() {
+    const bool wanted = config->hfPressure && session.isSignedIn && !ended_;
+    if (!wanted) return hfpTimer_.cancel();
+    if (!hfpTimer_.active())
+        hfpTimer_.every(
+            1, [this] { takeHfpSample(); }, fastestSample);
 }
 
-void AppModel::flashToast(const std::string& title, std::optional<std::string> detail) {
-    toast = ToastMsg{title, std::move(detail)};
-    at_.main.after(2.5, [this, weak = std::weak_ptr(alive_), generation = ++toastGen_] {
-        if (!weak.expired() && toastGen_ == generation) toast = std::nullopt;
-    });
+void AppModel::takeHfpSample() {
+    const double start = at_.clock.monotonic();
+    const auto spot = Hfp::spotPrice(FieldView(options.derivedFields), bars.candles, options.etfRatio);
+    hfp.take(options.strikes, spot, at_.clock.now());
+    if (at_.perf) at_.perf->time("hfpSample", (at_.clock.monotonic() - start) * 1000);
 }
 
-void AppModel::flashMarketClosedNotice() {
-    marketClosedNotice = true;
-    at_.main.after(4.0, [this, weak = std::weak_ptr(alive_), generation = ++marketClosedGen_] {
-        if (!weak.expired() && marketClosedGen_ == generation) marketClosedNotice = false;
-    });
+void AppModel::setGex3DActive(bool on) {
+    surface.setActive(on);
+    if (on) rebuildSurface(true);
+}
+
+OverlaySettings AppModel::overlaySettings() const {
+    const GexConfig& c = config.get();
+    OverlaySettings out;
+    out.timeframe = bars.timeframe;
+    out.sessionHHMM = sessionHHMM();
+    out.vwapEnabled = c.vwapEnabled;
+    out.vwapNyEnabled = c.vwapNyEnabled;
+    out.showSecondary = c.showSecondary;
+    out.hfEnabled = c.hfEnabled;
+    out.vixEnabled = c.vixEnabled;
+    out.ema1Enabled = c.ema1Enabled;
+    out.ema2Enabled = c.ema2Enabled;
+    out.ema1Period = c.ema1Period;
+    out.ema2Period = c.ema2Period;
+    out.vixScale = c.vixScale;
+    out.vixSmooth = c.vixSmooth;
+    // the user's scale counts relative to the symbol's own; the pane's scale brings it to the price axis
+    const std::string sym = currentSymbol();
+    const double standard = GexConfig::hfScaleDefault(sym);
+    out.hfFallbackScale = (standard > 0 ? c.hfScaleFor(sym) / standard : 1) * channels->hfScale;
+    return out;
+}
+
+OverlayInput AppModel::overlayInput() const {
+    return {bars.displayCandles,      bars.secondaryCandles,   bars.vixCandles,  overlays.hfByMin,
+            sessionLevels.srSessions, overlays.sideRevision(), overlaySettings()};
 }
 
 }  // namespace vmr

@@ -1,8 +1,10 @@
-// The server's instrument catalog and contract map, and what they change.
+#include "model/Catalog.h"
+
 #include <algorithm>
 
 #include "market/Coerce.h"
-#include "model/AppModel.h"
+#include "market/Roots.h"
+#include "model/HfScales.h"
 
 namespace vmr {
 
@@ -30,7 +32,7 @@ const CatalogFut* find(const std::vector<CatalogFut>& futures, const std::string
 }
 }  // namespace
 
-std::vector<std::pair<std::string, std::string>> AppModel::futuresList() const {
+std::vector<std::pair<std::string, std::string>> Catalog::futuresList() const {
     std::vector<std::pair<std::string, std::string>> list;
     if (catFutures->empty())
         for (const auto& row : builtInInstruments) list.emplace_back(row.sym, row.etf);
@@ -38,68 +40,69 @@ std::vector<std::pair<std::string, std::string>> AppModel::futuresList() const {
     return list;
 }
 
-std::vector<std::string> AppModel::stockList() const {
+std::vector<std::string> Catalog::stockList() const {
     if (!catStocks->empty()) return catStocks;
     return {builtInStocks.begin(), builtInStocks.end()};
 }
 
-std::optional<std::string> AppModel::pairFor(const std::string& root) const {
+bool Catalog::isStock(const std::string& sym) const {
+    if (catStocks->empty()) return isBuiltInStock(sym);
+    return std::find(catStocks->begin(), catStocks->end(), sym) != catStocks->end();
+}
+
+std::optional<std::string> Catalog::pairFor(const std::string& root) const {
     if (const CatalogFut* fut = find(catFutures, root)) return fut->pair;
     if (const auto pair = pairedInstrument(root)) return pair->sym;
     return std::nullopt;
 }
 
-std::optional<std::string> AppModel::effectiveContract(const std::string& sym) const {
+std::optional<std::string> Catalog::effectiveContract(const std::string& sym) const {
     if (const auto set = contractOverrides->find(sym); set != contractOverrides->end()) return set->second;
     if (const BuiltInFuture* row = builtInFuture(sym)) return std::string(row->contract);
     if (find(catFutures, sym)) return sym;
     return std::nullopt;
 }
 
-std::optional<std::string> AppModel::indexSourceFor(const std::string& sym) const {
+std::optional<std::string> Catalog::indexSourceFor(const std::string& sym) const {
     if (const CatalogFut* fut = find(catFutures, sym); fut && fut->sources.size() >= 2) return fut->sources[1];
     return builtInIndexSource(sym);
 }
 
-std::optional<std::string> AppModel::defaultSourceFor(const std::string& sym) const {
+std::optional<std::string> Catalog::defaultSourceFor(const std::string& sym) const {
     if (const CatalogFut* fut = find(catFutures, sym)) return fut->defaultSource;
     if (const BuiltInFuture* row = builtInFuture(sym)) return std::string(row->etf);
     return std::nullopt;
 }
 
-void AppModel::applyCatalog(JsonView catalog) {
+bool Catalog::applyCatalog(JsonView catalog, HfScales& scales) {
     std::vector<CatalogFut> futures;
     for (const JsonView entry : catalog["futures"].items())
         if (auto fut = readFuture(entry)) futures.push_back(std::move(*fut));
     std::vector<std::string> stocks;
-    auto& overrides = hfScaleOverrides();
-    for (const auto& fut : futures) overrides[fut.sym] = fut.hfScale;
+    for (const auto& fut : futures) scales.set(fut.sym, fut.hfScale);
     for (const JsonView entry : catalog["stocks"].items()) {
         const std::string_view sym = entry["sym"].string();
         if (sym.empty()) continue;
         stocks.emplace_back(sym);
-        if (const auto scale = coerce::dbl(entry["hfScale"])) overrides[std::string(sym)] = *scale;
+        if (const auto scale = coerce::dbl(entry["hfScale"])) scales.set(std::string(sym), *scale);
     }
     if (!stocks.empty()) catStocks = std::move(stocks);
-    if (futures.empty()) return;
+    if (futures.empty()) return false;
     catFutures = std::move(futures);
-    simUpdateSpecs();
+    return true;
 }
 
-void AppModel::applyContracts(JsonView map) {
+std::optional<std::string> Catalog::applyContracts(JsonView map, const std::string& shown) {
     std::map<std::string, std::string> changed;
     for (const auto& [root, contract] : map.members()) changed.emplace(root, contract.string());
-    const std::map<std::string, std::string> old = contractOverrides;
+    const auto contractIn = [&shown](const auto& contracts) {
+        const auto found = contracts.find(shown);
+        return found == contracts.end() ? std::nullopt : std::optional<std::string>(found->second);
+    };
+    const auto before = contractIn(contractOverrides.get());
+    const auto now = contractIn(changed);
     contractOverrides = std::move(changed);
-
-    const std::string sym = currentSymbol();
-    if (sym.empty() || isBuiltInStock(sym)) return;
-    const auto contract = contractOverrides->find(sym);
-    if (contract == contractOverrides->end()) return;
-    if (const auto before = old.find(sym); before != old.end() && before->second == contract->second) return;
-    if (chartChannel->ends_with(contract->second)) return;
-    append("→ contract roll: " + sym + " → " + contract->second);
-    switchSymbol(sym);
+    return now == before ? std::nullopt : now;
 }
 
 }  // namespace vmr

@@ -1,15 +1,16 @@
-// Which channels a chart needs, and what a change of chart clears.
+// Which chart a pane shows: opening one, and what leads to it.
 #include <algorithm>
-#include <limits>
 
+#include "market/Roots.h"
 #include "model/AppModel.h"
 #include "store/ConfigIO.h"
 
 namespace vmr {
 
 namespace {
-constexpr std::string_view stockPrefix = "stocks:";
-constexpr std::string_view derivedPrefix = "derived:";
+constexpr const char* firstChart = "futures:NQU6";
+constexpr const char* firstLevels = "derived:QQQ";
+constexpr double fastestRoll = 1.0 / 120;  // real seconds; no more often than the display is rebuilt
 
 std::string trimmed(std::string_view text) {
     constexpr std::string_view blanks = " \t\r\n\v\f";
@@ -17,148 +18,122 @@ std::string trimmed(std::string_view text) {
     if (first == std::string_view::npos) return {};
     return std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
 }
-
-std::string sourceOf(std::string levels) {
-    for (auto at = levels.find(derivedPrefix); at != std::string::npos; at = levels.find(derivedPrefix))
-        levels.erase(at, derivedPrefix.size());
-    return levels;
-}
 }  // namespace
 
-bool AppModel::isStock() const { return chartChannel->starts_with(stockPrefix); }
-
-std::string AppModel::currentSymbol() const {
-    return isStock() ? chartChannel->substr(stockPrefix.size()) : futuresRoot(chartChannel.get());
+void AppModel::openChart(std::string_view candlesArgument, std::string_view levelsArgument) {
+    const std::string candles = trimmed(candlesArgument);
+    const std::string derived = trimmed(levelsArgument);
+    if (candles.empty()) return;
+    const NoticeGate::Hold hold(gate_);
+    if (channels->isOpen()) session.relay().unsubscribe(channels->subscribedChans);
+    work_.openNext();
+    channels =
+        chartChannels({candles, derived, catalog, config->gexSource, config->vixMode, at_.hfScales, channels->hfScale});
+    bars.open();
+    options.open();
+    markers.open();
+    oscillator.open();
+    sessionLevels.open();
+    overlays.open();
+    hfp.open();
+    surface.open();
+    if (!barRollTimer_.active() && !ended_)
+        barRollTimer_.every(
+            1, [this] { rollForwardBarIfNeeded(); }, fastestRoll);
+    session.relay().subscribe(channels->subscribedChans);
+    std::string line = "→ chart: " + candles;
+    if (!derived.empty()) line += " + " + derived;
+    if (!channels->srChannel.empty()) line += " + " + channels->srChannel;
+    log.append(line);
+    // also where the same chart was opened anew and nothing else differs
+    contentChanged();
 }
-
-int AppModel::sessionHHMM() const { return isStock() ? 930 : static_cast<int>(config->sessionStart); }
-
-std::string AppModel::vixBaseChannel() const { return config->vixMode == "1d" ? "indices:I:VIX1D" : "indices:I:VIX"; }
-
-std::string AppModel::vixChannel() const { return vixBaseChannel() + ":1m"; }
 
 void AppModel::reloadChart() {
-    if (!chartChannel->empty()) openChart(std::string(chartChannel.get()), std::string(levelsChannel.get()));
+    if (channels->isOpen()) openChart(std::string(channels->chartChannel), std::string(channels->levelsChannel));
 }
 
-void AppModel::openChart(std::string_view candlesArgument, std::string_view levelsArgument) {
-    const std::string bars = trimmed(candlesArgument);
-    const std::string derived = trimmed(levelsArgument);
-    if (bars.empty()) return;
-    if (!subscribedChans.empty()) relay_->unsubscribe(subscribedChans);
-    chartChannel = bars;
-    levelsChannel = derived;
-    startBarRollTimer();
-    clearChartData();
-
-    const std::string root = futuresRoot(bars);
-    const bool single = isStock() || (!root.empty() && root != "NQ");
-    oscPrimaryLabel = isStock() ? currentSymbol() : single ? root : "NQ";
-    oscSingle = single;
-
-    const std::vector<std::string> list = buildChannelList(bars, derived);
-    rememberChannelNames();
-    relay_->subscribe(list);
-    subscribedChans = list;
-    tellPresence();
-    std::string line = "→ chart: " + bars;
-    if (!derived.empty()) line += " + " + derived;
-    if (!srChannel.empty()) line += " + " + srChannel;
-    append(line);
-    autoApplyPreferredTemplate();
-}
-
-void AppModel::clearChartData() {
-    candles.clear();
-    displayCandles.edit([](auto& bars) { bars.clear(); });
-    secondaryCandles.clear();
-    levels.edit([](auto& list) { list.clear(); });
-    derivedFields.clear();
-    secondaryGexFields.clear();
-    secStrikes.edit([](auto& list) { list.clear(); });
-    strikesSource_ = Json();
-    readRows_.reset();
-    srSessions.clear();
-    srLines.edit([](auto& list) { list.clear(); });
-    srLinesBars_ = {SIZE_MAX, 0};
-    bubbleByMin.clear();
-    triByMin.clear();
-    bubblePts.edit([](auto& list) { list.clear(); });
-    trianglePts.edit([](auto& list) { list.clear(); });
-    oscByMin.clear();
-    oscLines = OscLines();
-    hfByMin.clear();
-    ++sideRevision_;
-    overlays_.clear();
-    overlaysChanged();
-    pushOverlayGeometryToGPU();
-    hfp.samples.clear();
-    hfp.changed();
-    gex3D = std::nullopt;
-    lastGex3DBuild_ = -std::numeric_limits<double>::infinity();
-    lastSeenClose_ = std::numeric_limits<double>::quiet_NaN();
-    for (std::string* name : {&srChannel, &bubblesChannel, &trianglesChannel, &oscChannel, &hfHistoryChannel,
-                              &secondaryChannel, &secondaryContract, &secondSymbol, &secondaryGexChannel})
-        name->clear();
-}
-
-std::vector<std::string> AppModel::buildChannelList(const std::string& bars, const std::string& derived) {
-    std::vector<std::string> list{bars, bars + ":1m", bars + ":trades", "meta:contracts", "meta:instruments"};
-    const std::string root = futuresRoot(bars);
-    simRoot = root;
-    if (!simRoot.empty()) list.push_back(bars + ":quote");
-    list.push_back(vixBaseChannel());
-    list.push_back(vixChannel());
-    if (!derived.empty()) {
-        list.push_back(derived);
-        const std::string source = sourceOf(derived);
-        bubblesChannel = "derived:gexBubbles:" + source;
-        trianglesChannel = "derived:hfTriangles:" + source;
-        oscChannel = "derived:osc:" + source;
-        hfHistoryChannel = "derived:hfHistory:" + source;
-        const auto& overrides = hfScaleOverrides();
-        const auto found = overrides.find(root.empty() ? source : root);
-        hfScale = found != overrides.end() ? found->second : hfScaleFor(root, source);
-        list.insert(list.end(), {bubblesChannel, trianglesChannel, oscChannel, hfHistoryChannel});
-    }
-    if (const auto pair = pairFor(root)) {
-        if (const auto contract = effectiveContract(*pair)) {
-            secondaryContract = *contract;
-            secondSymbol = *pair;
-            secondaryChannel = "futures:" + *contract;
-            list.insert(list.end(), {secondaryChannel, secondaryChannel + ":1m", secondaryChannel + ":trades"});
+void AppModel::openFirstChart() {
+    std::optional<std::string> wanted;
+    if (restorePane_) {
+        if (!restorePane_->gexSource.empty()) {
+            GexConfig changed = config;
+            changed.gexSource = restorePane_->gexSource;
+            setConfig(changed);
         }
+        wanted = restorePane_->symbol;
+        restorePane_.reset();
+    } else {
+        wanted = at_.preferences.get(ConfigIO::lastSymbolKey);
     }
-    if (const auto index = builtInIndexSource(root); index && config->gexSource == "BOTH" && !derived.empty()) {
-        secondaryGexChannel = "derived:" + *index;
-        list.push_back(secondaryGexChannel);
-    }
-    if (!root.empty()) {
-        srChannel = "derived:srlevels:" + root;
-        list.push_back(srChannel);
-    }
-    return list;
-}
-
-void AppModel::rememberChannelNames() {
-    tradesName_ = chartChannel.get() + ":trades";
-    quoteName_ = chartChannel.get() + ":quote";
-    minuteName_ = chartChannel.get() + ":1m";
-    secondaryTradesName_ = secondaryChannel.empty() ? "" : secondaryChannel + ":trades";
-    secondaryMinuteName_ = secondaryChannel.empty() ? "" : secondaryChannel + ":1m";
+    if (wanted && (catalog.isStock(*wanted) || isBuiltInStock(*wanted) || builtInFuture(*wanted)))
+        switchSymbol(*wanted);
+    else
+        openChart(firstChart, firstLevels);
 }
 
 void AppModel::switchSymbol(const std::string& sym) {
     at_.preferences.set(ConfigIO::lastSymbolKey, sym);
-    const auto stocks = stockList();
-    if (std::find(stocks.begin(), stocks.end(), sym) != stocks.end())
-        return openChart("stocks:" + sym, "derived:" + sym);
-    const auto contract = effectiveContract(sym);
+    if (catalog.isStock(sym)) return openChart("stocks:" + sym, "derived:" + sym);
+    const auto contract = catalog.effectiveContract(sym);
     if (!contract) return;
     std::optional<std::string> source;
-    if (config->gexSource == "INDEX") source = indexSourceFor(sym);
-    if (!source) source = defaultSourceFor(sym);
+    if (config->gexSource == "INDEX") source = catalog.indexSourceFor(sym);
+    if (!source) source = catalog.defaultSourceFor(sym);
     openChart("futures:" + *contract, "derived:" + source.value_or(sym));
+}
+
+void AppModel::applyRestore(const PaneState& pane) {
+    if (!channels->isOpen()) {
+        restorePane_ = pane;
+        if (pane.timeframe >= 1 && pane.timeframe <= INT32_MAX) bars.timeframe = static_cast<int>(pane.timeframe);
+        return;
+    }
+    if (!pane.gexSource.empty()) {
+        GexConfig changed = config;
+        changed.gexSource = pane.gexSource;
+        setConfig(changed);
+    }
+    setTimeframe(pane.timeframe);
+    switchSymbol(pane.symbol);
+}
+
+void AppModel::setTimeframe(std::int64_t minutes) {
+    bars.setTimeframe(minutes);
+    at_.preferences.set(ConfigIO::timeframeKey, std::to_string(bars.timeframe.get()));
+}
+
+void AppModel::setExpiration(const std::string& iso) {
+    const NoticeGate::Hold hold(gate_);
+    if (options.setExpiration(iso)) log.append("→ exp: " + iso);
+}
+
+void AppModel::cycleGexSource() {
+    GexConfig changed = config;
+    if (changed.gexSource == "INDEX")
+        changed.gexSource = "BOTH";
+    else
+        changed.gexSource = changed.gexSource == "BOTH" ? "ETF" : "INDEX";
+    setConfig(changed);
+    const std::string sym = currentSymbol();
+    if (!sym.empty() && !isBuiltInStock(sym)) switchSymbol(sym);
+}
+
+std::string AppModel::symbolSource() const {
+    const std::string sym = currentSymbol();
+    if (sym.empty() || isBuiltInStock(sym)) return sym;
+    const BuiltInFuture* row = builtInFuture(sym);
+    const std::string etf(row ? row->etf : std::string_view());
+    const auto index = builtInIndexSource(sym);
+    if (config->gexSource == "INDEX") return sym + "_" + index.value_or(etf);
+    if (config->gexSource == "BOTH") return sym + "_" + etf + index.value_or("");
+    return sym + "_" + etf;
+}
+
+void AppModel::rollForwardBar(double now) {
+    if (!session.connected || !bars.rollForward(now, channels->isStock())) return;
+    sessionLevels.rebuildIfBarChanged(bars.candles, sessionHHMM());
+    bars.rebuildDisplay();
 }
 
 }  // namespace vmr

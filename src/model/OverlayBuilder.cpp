@@ -2,8 +2,6 @@
 
 #include <cstring>
 
-#include "model/OverlaySeries.h"
-
 namespace vmr {
 
 namespace {
@@ -17,6 +15,11 @@ void clearSeries(OverlaySet& series) {
     series.ema2.clear();
     series.hfLine.clear();
     series.secondCandles.clear();
+}
+
+bool isEmpty(const OverlaySet& series) {
+    return series.vwapMain.empty() && series.vwapNY.empty() && series.vixLine.empty() && series.ema1.empty() &&
+           series.ema2.empty() && series.hfLine.empty() && series.secondCandles.empty();
 }
 }  // namespace
 
@@ -43,10 +46,14 @@ void OverlayBuilder::keep(const OverlayInput& input, std::size_t from) {
     settings_ = input.settings;
 }
 
-void OverlayBuilder::update(const OverlayInput& input) {
+bool OverlayBuilder::update(const OverlayInput& input) {
     const std::vector<Candle>& bars = input.bars;
     const OverlaySettings& on = input.settings;
-    if (bars.size() < 2) return clear();
+    const bool hadPoints = !isEmpty(series_);
+    if (bars.size() < 2) {
+        clear();
+        return hadPoints;
+    }
     const std::size_t from = firstChangedBar(input);
     const bool sideChanged = from == 0 || sideRevision_ != input.sideRevision;
     keep(input, from);
@@ -56,7 +63,7 @@ void OverlayBuilder::update(const OverlayInput& input) {
     if (from == 0) clearSeries(series_);
     const std::int64_t last = bars.back().time;
     if (on.vwapEnabled) vwapMain_.update(bars, from, walk.open(last), series_.vwapMain);
-    if (on.vwapNyEnabled && OverlaySeries::showsNyVWAP(last, on.sessionHHMM, session_)) {
+    if (on.vwapNyEnabled && OverlayLines::showsNyVWAP(last, on.sessionHHMM, session_)) {
         const std::size_t start = series_.vwapNY.empty() ? 0 : from;
         vwapNY_.update(bars, start, SessionWalk(session_, stockOpen).open(last), series_.vwapNY);
     } else {
@@ -67,6 +74,8 @@ void OverlayBuilder::update(const OverlayInput& input) {
     if (on.ema1Enabled) OverlayLines::updateEMA(bars, from, on.ema1Period, series_.ema1);
     if (on.ema2Enabled) OverlayLines::updateEMA(bars, from, on.ema2Period, series_.ema2);
     series_.vixSpot = input.vix.empty() ? std::nullopt : std::optional(input.vix.back().close);
+    const bool sameInput = from == bars.size() && !sideChanged && !on.showSecondary;
+    return !sameInput && (hadPoints || !isEmpty(series_));
 }
 
 // The two lines that lie on the sessions' opens.

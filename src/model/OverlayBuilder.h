@@ -35,14 +35,15 @@ struct OverlayInput {
     OverlaySettings settings;
 };
 
-/// Builds the series and finds out by itself which bars have changed. Main thread. The results are those of
-/// `OverlaySeries` to the last bit, whatever the order of updates.
+/// Builds the series and finds out by itself which bars have changed. Main thread. The results are those of a
+/// build from nothing to the last bit, whatever the order of updates.
 class OverlayBuilder {
  public:
     explicit OverlayBuilder(SessionTime& session) : session_(session) {}
 
-    /// Brings `series` up to date. Under 2 bars every series is empty and `vixSpot` stays.
-    void update(const OverlayInput& input);
+    /// Brings `series` up to date and tells whether any point of them may be another. Under 2 bars every series is
+    /// empty and `vixSpot` stays.
+    bool update(const OverlayInput& input);
     const OverlaySet& series() const { return series_; }
 
     /// Forgets everything, `vixSpot` excepted.

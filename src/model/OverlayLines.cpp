@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "model/AppModel.h"
+#include "market/Bars.h"
 
 namespace vmr::OverlayLines {
 
@@ -46,6 +46,10 @@ std::size_t firstBarFrom(const Bars& bars, std::int64_t t) {
     const auto found =
         std::lower_bound(bars.begin(), bars.end(), t, [](const Candle& bar, std::int64_t at) { return bar.time < at; });
     return static_cast<std::size_t>(found - bars.begin());
+}
+
+bool showsNyVWAP(std::int64_t t, int sessionHHMM, SessionTime& session) {
+    return sessionHHMM != 930 && session.marketOpen(t, true);
 }
 
 void VwapLine::update(const Bars& bars, std::size_t from, std::int64_t sessionOpen, std::vector<OvPoint>& out) {

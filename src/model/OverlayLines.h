@@ -11,7 +11,8 @@
 #include "model/SessionWalk.h"
 
 /// Updates take `from`, the first bar that may differ from the last call's; with 0 they start anew. `out` must be what
-/// the last call left there. The result never depends on `from`. See `OverlaySeries` for what each series is.
+/// the last call left there. The result never depends on `from`. Bars are strictly ascending by time, `tf` is minutes a
+/// display bar. Input that cannot be used gives an empty series or no point. Main thread, like the session clock.
 namespace vmr::OverlayLines {
 
 using Bars = std::vector<Candle>;
@@ -19,6 +20,12 @@ using Bars = std::vector<Candle>;
 /// Position of the first bar at or after `t`.
 std::size_t firstBarFrom(const Bars& bars, std::int64_t t);
 
+/// Whether the second VWAP, that of the stock session, is shown beside one that opens at `sessionHHMM`: while the stock
+/// market is open at `t`, the time of the last bar, unless the main session is the stock session itself.
+bool showsNyVWAP(std::int64_t t, int sessionHHMM, SessionTime& session);
+
+/// Volume-weighted average price since the session open of the last bar. No points until volume appears; a bar without
+/// volume repeats the running value.
 class VwapLine {
  public:
     /// `sessionOpen` is that of the last bar.
@@ -30,8 +37,11 @@ class VwapLine {
     double priceVolume_ = 0, volume_ = 0;
 };
 
+/// Exponential average of the closes, without warm-up. Empty under 2 bars or a period under 1.
 void updateEMA(const Bars& bars, std::size_t from, std::int64_t period, std::vector<OvPoint>& out);
 
+/// This session's candles of the paired instrument (`secondaryRaw` at one minute a bar), scaled so that both open the
+/// session at one price.
 class SecondLine {
  public:
     void update(const Bars& primary, const Bars& secondaryRaw, int tf, SessionWalk& walk, std::vector<OvCandle>& out);
@@ -66,6 +76,9 @@ struct BarValue {
     double value = 0;
 };
 
+/// The HF flow laid on each session's opening price: `fallbackScale` points per unit of flow, or, where the session has
+/// a first level beyond its open on that side, so that a flow of 1e8 reaches it. Minutes from 16:16 on do not count;
+/// the last minute of a bar speaks for it.
 class HfLine {
  public:
     /// Takes the flow in; afterwards the line must be updated from 0.
@@ -77,6 +90,8 @@ class HfLine {
     std::vector<BarValue> values_;
 };
 
+/// The VIX's move since 9 h 15 min into each session laid on the session's opening price, `scale` as gain, averaged
+/// over the last `smooth` minutes. Minutes from 03:15 to 16:16 count; a session with fewer than 2 of them has no line.
 class VixLine {
  public:
     /// Takes the VIX in unless it, the sessions and the settings are those of the last call. Tells whether it did; then

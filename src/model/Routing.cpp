@@ -3,6 +3,7 @@
 
 #include "market/CandleParser.h"
 #include "market/Coerce.h"
+#include "market/Roots.h"
 #include "market/StrikesParser.h"
 #include "model/AppModel.h"
 #include "model/PayloadBrief.h"
@@ -24,10 +25,6 @@ const std::vector<Candle>& barsOf(const ChannelMessage& message, std::vector<Can
     if (const auto* prepared = std::any_cast<Prepared>(&message.prepared); prepared && prepared->bars)
         return *prepared->bars;
     return parsed = CandleParser::parse(message.payload);
-}
-
-void mergeInto(std::vector<Candle>& series, const std::vector<Candle>& bars) {
-    series = CandleParser::merge(series, bars, CandleParser::seriesCap);
 }
 
 struct Trade {
@@ -84,103 +81,136 @@ void AppModel::onChannelMessage(const ChannelMessage& message, const std::string
     const std::string line =
         message.channel + " [" + type + "] → " + (briefIsMade ? prepared->brief : briefForm(message.payload));
     if (at_.printMessage) at_.printMessage("[app] " + line);
-    append(line);
+    log.append(line);
+}
+
+void AppModel::applyTrade(double price, double tsMs) {
+    const TradeEffect effect = bars.applyTrade(price, tsMs);
+    if (effect == TradeEffect::none) return;
+    if (effect == TradeEffect::appended) sessionLevels.rebuildIfBarChanged(bars.candles, sessionHHMM());
+    if (surface.gex3DActive()) rebuildSurface(false);
+}
+
+void AppModel::applySecondaryTrade(double price, double tsMs) {
+    const TradeEffect effect = vmr::applyTrade(bars.secondaryCandles, price, tsMs);
+    if (effect == TradeEffect::edited || effect == TradeEffect::appended) overlays.schedule();
 }
 
 // Trades, the meta channels and quotes; true when the message has been dealt with.
 bool AppModel::routeHot(const ChannelMessage& message) {
     const std::string& channel = message.channel;
-    if (!chartChannel->empty() && channel == tradesName_) {
+    const ChartChannels& names = channels.get();
+    if (names.isOpen() && channel == names.tradesName) {
         if (const auto trade = readTrade(message.payload, at_.clock)) {
             applyTrade(trade->price, trade->tsMs);
-            if (!simRoot.empty()) simOnTrade(trade->price);
+            sim_.onTrade(names.simRoot, trade->price);
         }
         return true;
     }
     if (channel == "meta:instruments" && message.payload["catalog"].isObject()) {
-        applyCatalog(message.payload["catalog"]);
+        const NoticeGate::Hold hold(gate_);
+        if (catalog.applyCatalog(message.payload["catalog"], at_.hfScales)) sim_.updateSpecs(catalog.catFutures);
         return true;
     }
     if (channel == "meta:contracts" && isObjectOfStrings(message.payload["map"])) {
         applyContracts(message.payload["map"]);
         return true;
     }
-    if (!chartChannel->empty() && channel == quoteName_) {
+    if (names.isOpen() && channel == names.quoteName) {
         const auto bid = coerce::dbl(message.payload["bid"]);
         const auto ask = coerce::dbl(message.payload["ask"]);
-        if (!simRoot.empty() && bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) simOnQuote(*bid, *ask);
+        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(names.simRoot, *bid, *ask);
         return true;
     }
-    if (!secondaryChannel.empty() && channel == secondaryTradesName_) {
+    if (!names.secondaryChannel.empty() && channel == names.secondaryTradesName) {
         if (const auto trade = readTrade(message.payload, at_.clock)) applySecondaryTrade(trade->price, trade->tsMs);
         return true;
     }
     return false;
 }
 
+void AppModel::applyContracts(JsonView map) {
+    const NoticeGate::Hold hold(gate_);
+    const std::string sym = currentSymbol();
+    const auto contract = catalog.applyContracts(map, sym);
+    if (!contract || sym.empty() || isBuiltInStock(sym) || channels->chartChannel.ends_with(*contract)) return;
+    log.append("→ contract roll: " + sym + " → " + *contract);
+    switchSymbol(sym);
+}
+
 // Bars and the histories beside them. The chart's own bars and the support/resistance sessions go on to the log.
 bool AppModel::routeSeries(const ChannelMessage& message) {
     const std::string& channel = message.channel;
+    const ChartChannels& names = channels.get();
+    if (!names.isOpen()) return false;
     std::vector<Candle> parsed;
-    if (!secondaryChannel.empty() && (channel == secondaryChannel || channel == secondaryMinuteName_)) {
-        if (const auto& bars = barsOf(message, parsed); !bars.empty()) {
-            mergeInto(secondaryCandles, bars);
-            scheduleOverlays();
+    if (!names.secondaryChannel.empty() &&
+        (channel == names.secondaryChannel || channel == names.secondaryMinuteName)) {
+        if (const auto& incoming = barsOf(message, parsed); !incoming.empty()) {
+            LiveBars::merge(bars.secondaryCandles, incoming);
+            overlays.schedule();
         }
         return true;
     }
-    if (channel == vixBaseChannel() || channel == vixChannel()) {
-        if (const auto& bars = barsOf(message, parsed); !bars.empty()) {
-            mergeInto(vixCandles, bars);
-            ++sideRevision_;
-            scheduleOverlays();
+    if (channel == names.vixBaseChannel || channel == names.vixChannel) {
+        if (const auto& incoming = barsOf(message, parsed); !incoming.empty()) {
+            LiveBars::merge(bars.vixCandles, incoming);
+            overlays.raiseSides();
+            overlays.schedule();
         }
         return true;
     }
-    if (!hfHistoryChannel.empty() && channel == hfHistoryChannel && message.payload.isObject()) {
-        takeHfHistory(message.payload);
+    if (!names.hfHistoryChannel.empty() && channel == names.hfHistoryChannel && message.payload.isObject()) {
+        overlays.takeHfHistory(message.payload);
+        overlays.schedule();
         return true;
     }
-    if (!srChannel.empty() && channel == srChannel) takeSupportResistance(message.payload);
-    if (!chartChannel->empty() && (channel == chartChannel.get() || channel == minuteName_)) mergeChartBars(message);
+    if (!names.srChannel.empty() && channel == names.srChannel) {
+        sessionLevels.take(message.payload);
+        overlays.raiseSides();
+        sessionLevels.rebuild(bars.candles, sessionHHMM());
+        overlays.schedule();
+    }
+    if (channel == names.chartChannel || channel == names.minuteName) mergeChartBars(message);
     return false;
 }
 
 void AppModel::mergeChartBars(const ChannelMessage& message) {
     std::vector<Candle> parsed;
-    const auto& bars = barsOf(message, parsed);
-    if (bars.empty()) return;
-    mergeInto(candles, bars);
-    rebuildDisplay();
-    rebuildSRLinesIfBarChanged();
+    const auto& incoming = barsOf(message, parsed);
+    if (incoming.empty()) return;
+    LiveBars::merge(bars.candles, incoming);
+    bars.rebuildDisplay();
+    sessionLevels.rebuildIfBarChanged(bars.candles, sessionHHMM());
 }
 
 // The derived channels. The levels channel goes on to the log.
 bool AppModel::routeDerived(const ChannelMessage& message) {
     const std::string& channel = message.channel;
+    const ChartChannels& names = channels.get();
     const bool isObject = message.payload.isObject();
-    if (isObject && !bubblesChannel.empty() && channel == bubblesChannel) {
-        takeBubbles(message.payload);
+    if (isObject && !names.bubblesChannel.empty() && channel == names.bubblesChannel) {
+        markers.takeBubbles(message.payload);
         return true;
     }
-    if (isObject && !trianglesChannel.empty() && channel == trianglesChannel) {
-        takeTriangles(message.payload);
+    if (isObject && !names.trianglesChannel.empty() && channel == names.trianglesChannel) {
+        markers.takeTriangles(message.payload);
         return true;
     }
-    if (!oscChannel.empty() && channel == oscChannel) {
-        takeOscillator(message.payload);
-        scheduleOscRebuild();
+    if (!names.oscChannel.empty() && channel == names.oscChannel) {
+        oscillator.take(message.payload);
         return true;
     }
-    if (isObject && !secondaryGexChannel.empty() && channel == secondaryGexChannel) {
-        takeSecondaryGex(message);
+    if (isObject && !names.secondaryGexChannel.empty() && channel == names.secondaryGexChannel) {
+        const NoticeGate::Hold hold(gate_);
+        options.takeSecondaryGex(message.payload);
         return true;
     }
-    if (isObject && !levelsChannel->empty() && channel == levelsChannel.get()) {
-        takeDerived(message);
-        updateExpirations();
-        reparseDerived();
-        rebuild3D(false);
+    if (isObject && !names.levelsChannel.empty() && channel == names.levelsChannel) {
+        const NoticeGate::Hold hold(gate_);
+        const auto* prepared = std::any_cast<Prepared>(&message.prepared);
+        options.takeDerived(message.payload, prepared ? prepared->rows : nullptr, at_.clock.now());
+        rebuildSurface(false);
     }
     return false;
 }

@@ -8,69 +8,72 @@ namespace {
 using namespace stateRecords;
 
 void addSession(json& out, const AppModel& pane) {
-    out["status"] = pane.status.get();
-    out["connected"] = pane.connected.get();
-    out["isSignedIn"] = pane.isSignedIn.get();
-    out["signingIn"] = pane.signingIn.get();
-    out["userEmail"] = pane.userEmail.get();
-    out["authError"] = text(pane.authError);
-    out["connLimited"] = pane.connLimited.get();
-    out["marketClosedNotice"] = pane.marketClosedNotice.get();
+    out["status"] = pane.session.status.get();
+    out["connected"] = pane.session.connected.get();
+    out["isSignedIn"] = pane.session.isSignedIn.get();
+    out["signingIn"] = pane.session.signingIn.get();
+    out["userEmail"] = pane.session.userEmail.get();
+    out["authError"] = text(pane.session.authError);
+    out["connLimited"] = pane.session.connLimited.get();
+    out["marketClosedNotice"] = pane.notices.marketClosedNotice.get();
     out["toast"] = nullptr;
-    if (const auto& toast = pane.toast.get()) out["toast"] = {{"title", toast->title}, {"detail", text(toast->detail)}};
+    if (const auto& toast = pane.notices.toast.get())
+        out["toast"] = {{"title", toast->title}, {"detail", text(toast->detail)}};
 }
 
 void addChart(json& out, const AppModel& pane) {
-    out["chartChannel"] = pane.chartChannel.get();
-    out["levelsChannel"] = pane.levelsChannel.get();
+    const ChartChannels& names = pane.channels.get();
+    const auto viewport = pane.viewport();
+    out["chartChannel"] = names.chartChannel;
+    out["levelsChannel"] = names.levelsChannel;
     out["currentSymbol"] = pane.currentSymbol();
     out["sessionHHMM"] = pane.sessionHHMM();
-    out["simRoot"] = pane.simRoot;
-    out["timeframe"] = pane.timeframe.get();
-    out["priceRising"] = pane.priceRising.get();
-    out["chartVersion"] = pane.chartVersion;
-    out["viewport"] = pane.viewport ? record(*pane.viewport) : json(nullptr);
-    out["subscribedChans"] = pane.subscribedChans;
-    out["vixBaseChannel"] = pane.vixBaseChannel();
-    out["vixChannel"] = pane.vixChannel();
-    out["srChannel"] = pane.srChannel;
-    out["bubblesChannel"] = pane.bubblesChannel;
-    out["trianglesChannel"] = pane.trianglesChannel;
-    out["oscChannel"] = pane.oscChannel;
-    out["hfHistoryChannel"] = pane.hfHistoryChannel;
-    out["secondSymbol"] = pane.secondSymbol;
-    out["secondaryContract"] = pane.secondaryContract;
-    out["secondaryChannel"] = pane.secondaryChannel;
-    out["secondaryGexChannel"] = pane.secondaryGexChannel;
-    out["oscPrimaryLabel"] = pane.oscPrimaryLabel.get();
-    out["oscSingle"] = pane.oscSingle.get();
-    out["hfScale"] = number(pane.hfScale);
+    out["simRoot"] = names.simRoot;
+    out["timeframe"] = pane.bars.timeframe.get();
+    out["priceRising"] = pane.bars.priceRising.get();
+    out["chartVersion"] = pane.bars.chartVersion;
+    out["viewport"] = viewport ? record(*viewport) : json(nullptr);
+    out["subscribedChans"] = names.subscribedChans;
+    out["vixBaseChannel"] = vixBaseChannel(pane.config->vixMode);
+    out["vixChannel"] = vixChannel(pane.config->vixMode);
+    out["srChannel"] = names.srChannel;
+    out["bubblesChannel"] = names.bubblesChannel;
+    out["trianglesChannel"] = names.trianglesChannel;
+    out["oscChannel"] = names.oscChannel;
+    out["hfHistoryChannel"] = names.hfHistoryChannel;
+    out["secondSymbol"] = names.secondSymbol;
+    out["secondaryContract"] = names.secondaryContract;
+    out["secondaryChannel"] = names.secondaryChannel;
+    out["secondaryGexChannel"] = names.secondaryGexChannel;
+    out["oscPrimaryLabel"] = names.oscPrimaryLabel;
+    out["oscSingle"] = names.oscSingle;
+    out["hfScale"] = number(names.hfScale);
 }
 
 void addDerived(json& out, const AppModel& pane) {
     out["symbolSource"] = pane.symbolSource();
-    out["selectedExp"] = text(pane.selectedExp);
-    out["futureExps"] = pane.futureExps.get();
-    out["levels"] = list(pane.levels.get());
-    out["strikes"] = list(pane.strikes.get());
-    out["etfRatio"] = number(pane.etfRatio.get());
-    out["secStrikes"] = list(pane.secStrikes.get());
-    out["secEtfRatio"] = number(pane.secEtfRatio.get());
-    out["gammaFlipStrike"] = number(pane.gammaFlipStrike.get());
-    out["hud"] = record(pane.hud.get());
-    out["derivedFields"] = keys(pane.derivedFields);
-    out["secondaryGexFields"] = keys(pane.secondaryGexFields);
-    out["bubblePts"] = list(pane.bubblePts.get());
-    out["trianglePts"] = list(pane.trianglePts.get());
-    out["hfByMin"] = pane.hfByMin.size();
-    out["oscLines"] = record(pane.oscLines.get());
+    out["selectedExp"] = text(pane.options.selectedExp);
+    out["futureExps"] = pane.options.futureExps.get();
+    out["levels"] = list(pane.options.levels.get());
+    out["strikes"] = list(pane.options.strikes.get());
+    out["etfRatio"] = number(pane.options.etfRatio.get());
+    out["secStrikes"] = list(pane.options.secStrikes.get());
+    out["secEtfRatio"] = number(pane.options.secEtfRatio.get());
+    out["gammaFlipStrike"] = number(pane.options.gammaFlipStrike.get());
+    out["hud"] = record(pane.options.hud.get());
+    out["derivedFields"] = keys(pane.options.derivedFields);
+    out["secondaryGexFields"] = keys(pane.options.secondaryGexFields);
+    out["bubblePts"] = list(pane.markers.bubblePts.get());
+    out["trianglePts"] = list(pane.markers.trianglePts.get());
+    out["hfByMin"] = pane.overlays.hfByMin.size();
+    out["oscLines"] = record(pane.oscillator.oscLines.get());
     out["srSessions"] = json::array();
-    for (const auto& [open, session] : pane.srSessions) out["srSessions"].push_back(record(session));
-    out["srLines"] = list(pane.srLines.get());
+    for (const auto& [open, session] : pane.sessionLevels.srSessions) out["srSessions"].push_back(record(session));
+    out["srLines"] = list(pane.sessionLevels.srLines.get());
     out["hfp"] = json::array();
     for (const HfpSample& sample : pane.hfp.samples) out["hfp"].push_back(record(sample));
-    out["gex3DActive"] = pane.gex3DActive();
-    out["gex3D"] = pane.gex3D.get() ? record(*pane.gex3D.get()) : json(nullptr);
+    out["gex3DActive"] = pane.surface.gex3DActive();
+    out["gex3D"] = pane.surface.gex3D.get() ? record(*pane.surface.gex3D.get()) : json(nullptr);
 }
 
 void addOverlays(json& out, const OverlaySet& series) {
@@ -86,7 +89,7 @@ void addOverlays(json& out, const OverlaySet& series) {
 
 void addCatalog(json& out, const AppModel& pane) {
     out["catFutures"] = json::array();
-    for (const CatalogFut& fut : pane.catFutures.get())
+    for (const CatalogFut& fut : pane.catalog.catFutures.get())
         out["catFutures"].push_back({{"sym", fut.sym},
                                      {"sources", fut.sources},
                                      {"defaultSource", fut.defaultSource},
@@ -94,8 +97,8 @@ void addCatalog(json& out, const AppModel& pane) {
                                      {"tick", number(fut.tick)},
                                      {"tickValue", number(fut.tickValue)},
                                      {"hfScale", number(fut.hfScale)}});
-    out["catStocks"] = pane.catStocks.get();
-    out["contractOverrides"] = pane.contractOverrides.get();
+    out["catStocks"] = pane.catalog.catStocks.get();
+    out["contractOverrides"] = pane.catalog.contractOverrides.get();
 }
 
 json paneDocument(const AppModel& pane) {
@@ -103,15 +106,15 @@ json paneDocument(const AppModel& pane) {
     addSession(out, pane);
     addChart(out, pane);
     addCatalog(out, pane);
-    out["candles"] = bars(pane.candles);
-    out["displayCandles"] = bars(pane.displayCandles);
-    out["secondaryCandles"] = bars(pane.secondaryCandles);
-    out["vixCandles"] = bars(pane.vixCandles);
+    out["candles"] = bars(pane.bars.candles);
+    out["displayCandles"] = bars(pane.bars.displayCandles);
+    out["secondaryCandles"] = bars(pane.bars.secondaryCandles);
+    out["vixCandles"] = bars(pane.bars.vixCandles);
     addDerived(out, pane);
-    addOverlays(out, pane.overlays());
+    addOverlays(out, pane.overlays.series());
     out["config"] = json::parse(pane.config->toJson());
     out["logLines"] = json::array();
-    for (const LogLine& line : pane.logLines) out["logLines"].push_back(line.text);
+    for (const LogLine& line : pane.log.logLines) out["logLines"].push_back(line.text);
     return out;
 }
 }  // namespace

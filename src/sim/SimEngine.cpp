@@ -4,6 +4,7 @@
 
 #include "base/Fatal.h"
 #include "base/LocalDay.h"
+#include "market/Roots.h"
 #include "sim/Quantity.h"
 
 namespace vmr {
@@ -14,9 +15,8 @@ SimEngine* sharedEngine = nullptr;
 bool isUsable(const std::optional<double>& price) { return price && std::isfinite(*price); }
 }  // namespace
 
-SimEngine::SimEngine(SimSetup setup)
-    : setup_(std::move(setup)), specs_{{"NQ", {0.25, 5.0}}, {"ES", {0.25, 12.5}}, {"RTY", {0.1, 5.0}},
-                                       {"YM", {1.0, 5.0}},  {"GC", {0.1, 10.0}},  {"CL", {0.01, 10.0}}} {
+SimEngine::SimEngine(SimSetup setup) : setup_(std::move(setup)) {
+    for (const BuiltInFuture& row : builtInInstruments) specs_[row.sym] = {row.tick(), row.tickValue};
     if (!setup_.localDay) setup_.localDay = localDay;
     load();
 }
@@ -120,7 +120,7 @@ bool SimEngine::flatten(std::string_view sym) {
     if (position == account_.positions.end() || position->second.qty == 0) return false;
     const std::int64_t qty = position->second.qty;
     const std::string root(sym);
-    removeLegs(root);
+    removeLegs(root);  // first, so that the closing fill does not resize them
     return place(root, qty > 0 ? Side::sell : Side::buy, OrderType::market, sim::sizeOf(qty)).has_value();
 }
 

@@ -32,9 +32,10 @@ std::optional<int> PaneHost::open() {
     PaneSurroundings surroundings = surroundings_;
     surroundings.makeRelay = [this, thread = pane.thread.get()] { return connect_(thread->loop()); };
     pane.model = std::make_unique<AppModel>(std::move(surroundings));
-    pane.signedIn = pane.model->isSignedIn.changed.connect([this, number = pane.number, model = pane.model.get()] {
+    pane.signedIn = pane.model->session.isSignedIn.changed.connect([this, number = pane.number,
+                                                                    model = pane.model.get()] {
         // the pane is in the middle of its change
-        surroundings_.main.post([this, weak = std::weak_ptr(alive_), number, now = model->isSignedIn.get()] {
+        surroundings_.main.post([this, weak = std::weak_ptr(alive_), number, now = model->session.isSignedIn.get()] {
             if (!weak.expired()) followSession(number, now);
         });
     });
@@ -44,9 +45,9 @@ std::optional<int> PaneHost::open() {
 
 void PaneHost::followSession(int number, bool signedIn) {
     const AppModel* first = find(number);
-    if (!first || first->isSignedIn != signedIn) return;
+    if (!first || first->session.isSignedIn != signedIn) return;
     for (Pane& pane : panes_) {
-        if (pane.model->isSignedIn == signedIn) continue;
+        if (pane.model->session.isSignedIn == signedIn) continue;
         if (signedIn)
             pane.model->startStoredSession();
         else

@@ -96,10 +96,10 @@ CommandAnswer ShellCommands::signIn(CommandWords& words) {
     const std::string password = words.next();
     const bool forget = !words.empty();
     if (forget && words.rest() != "forget") return std::nullopt;
-    if (pane_->signingIn) return "error: a sign-in is running";
+    if (pane_->session.signingIn) return "error: a sign-in is running";
     // the pane is still there when it calls
     pane_->signIn(email, password, !forget, [this, pane = pane_, email](bool ok) {
-        tell(ok ? "ok signed in as " + email : "error: " + pane->authError->value_or("sign-in failed"));
+        tell(ok ? "ok signed in as " + email : "error: " + pane->session.authError->value_or("sign-in failed"));
     });
     return "";
 }
@@ -107,12 +107,11 @@ CommandAnswer ShellCommands::signIn(CommandWords& words) {
 CommandAnswer ShellCommands::open(CommandWords& words) {
     const std::string candles = words.next();
     pane_->openChart(candles, words.next());
-    return "ok open " + pane_->chartChannel.get();
+    return "ok open " + pane_->channels->chartChannel;
 }
 
 CommandAnswer ShellCommands::symbol(const std::string& sym) {
-    const auto stocks = pane_->stockList();
-    const bool known = std::find(stocks.begin(), stocks.end(), sym) != stocks.end() || pane_->effectiveContract(sym);
+    const bool known = pane_->catalog.isStock(sym) || pane_->catalog.effectiveContract(sym);
     if (!known) return "error: unknown symbol " + sym;
     pane_->switchSymbol(sym);
     return "ok symbol " + sym;
@@ -122,11 +121,11 @@ CommandAnswer ShellCommands::timeframe(const std::string& minutes) {
     const auto value = parseInt(minutes);
     if (!value) return "error: timeframe needs a whole number of minutes";
     pane_->setTimeframe(*value);
-    return "ok timeframe " + std::to_string(pane_->timeframe.get());
+    return "ok timeframe " + std::to_string(pane_->bars.timeframe.get());
 }
 
 CommandAnswer ShellCommands::expiration(const std::string& iso) {
-    const auto& offered = pane_->futureExps.get();
+    const auto& offered = pane_->options.futureExps.get();
     if (std::find(offered.begin(), offered.end(), iso) == offered.end())
         return "error: no such expiration on offer: " + iso;
     pane_->setExpiration(iso);

@@ -39,8 +39,8 @@ class Session {
         EXPECT_FALSE(start_.failure()) << start_.failure().value_or("");
         program_ = std::make_unique<Program>(start_, loop_);
         // the pane's own log forgets: the trades of a chart that was left fill it within a second at this speed
-        heard_ = pane().logChanged.connect([this] {
-            if (!pane().logLines.empty()) story_.push_back(pane().logLines.back().text);
+        heard_ = pane().log.logChanged.connect([this] {
+            if (!pane().log.logLines.empty()) story_.push_back(pane().log.logLines.back().text);
         });
         program_->signInToPractice();
     }
@@ -68,8 +68,8 @@ class Session {
             if (tries > 0) runUntil([] { return false; }, 0.5);
             out.clear();
             std::map<std::int64_t, Candle> truth;
-            for (const Candle& bar : relay().ledger(pane().chartChannel)) truth[bar.time] = bar;
-            const auto& bars = pane().candles;
+            for (const Candle& bar : relay().ledger(pane().channels->chartChannel)) truth[bar.time] = bar;
+            const auto& bars = pane().bars.candles;
             for (std::size_t i = 0; i + 2 < bars.size(); ++i)
                 if (const auto found = truth.find(bars[i].time); found == truth.end() || found->second != bars[i])
                     out.push_back(bars[i].time);
@@ -79,19 +79,21 @@ class Session {
 
     // Live on the contract that the relay calls the front one.
     bool streaming() {
-        const auto& map = pane().contractOverrides.get();
+        const auto& map = pane().catalog.contractOverrides.get();
         const auto front = map.find(pane().currentSymbol());
-        return pane().connected && front != map.end() && pane().chartChannel->ends_with(front->second) &&
-               !pane().candles.empty() && (pane().secondaryChannel.empty() || !pane().secondaryCandles.empty());
+        return pane().session.connected && front != map.end() &&
+               pane().channels->chartChannel.ends_with(front->second) && !pane().bars.candles.empty() &&
+               (pane().channels->secondaryChannel.empty() || !pane().bars.secondaryCandles.empty());
     }
     // The pane has shown `minutes` new bars since now.
     bool runMinutes(int minutes) {
-        const std::int64_t from = pane().candles.back().time;
-        return runUntil([&] { return !pane().candles.empty() && pane().candles.back().time >= from + minutes * 60; });
+        const std::int64_t from = pane().bars.candles.back().time;
+        return runUntil(
+            [&] { return !pane().bars.candles.empty() && pane().bars.candles.back().time >= from + minutes * 60; });
     }
     // Snapshots of the chart's bars so far.
     std::ptrdiff_t snapshots() {
-        const std::string channel = pane().chartChannel;
+        const std::string channel = pane().channels->chartChannel;
         return std::count_if(story_.begin(), story_.end(), [&](const std::string& line) {
             return line.starts_with(channel + " [snapshot]") || line.starts_with(channel + ":1m [snapshot]");
         });
@@ -117,13 +119,13 @@ TEST(PracticeSession, LosesNoBarOverDropsRefusalsAndStaleTokens) {
     ASSERT_TRUE(session.runUntil([&] { return session.streaming(); }));
     ASSERT_TRUE(session.runMinutes(4));
     EXPECT_EQ(session.differences(), std::vector<std::int64_t>());
-    EXPECT_GT(session.pane().candles.size(), 3000u);
-    EXPECT_FALSE(session.pane().vixCandles.empty());
+    EXPECT_GT(session.pane().bars.candles.size(), 3000u);
+    EXPECT_FALSE(session.pane().bars.vixCandles.empty());
     for (const char* fault : {"drop", "close 4006", "close 1011", "malformed 20", "wrong 20"}) {
         SCOPED_TRACE(fault);
         EXPECT_EQ(session.relay().command(fault).substr(0, 2), "ok");
         if (!std::string(fault).ends_with(" 20")) {  // the others end the connection
-            ASSERT_TRUE(session.runUntil([&] { return !session.pane().connected; }));
+            ASSERT_TRUE(session.runUntil([&] { return !session.pane().session.connected; }));
             const auto before = session.snapshots();
             ASSERT_TRUE(session.runUntil([&] { return session.streaming() && session.snapshots() >= before + 2; }));
         }
@@ -131,7 +133,7 @@ TEST(PracticeSession, LosesNoBarOverDropsRefusalsAndStaleTokens) {
         EXPECT_EQ(session.differences(), std::vector<std::int64_t>());
     }
     EXPECT_TRUE(session.logHas("→ reconnected — subscriptions re-flushed, snapshots merge in place"));
-    EXPECT_FALSE(session.pane().connLimited);
+    EXPECT_FALSE(session.pane().session.connLimited);
     EXPECT_FALSE(session.logHas("token fetch failed"));
 }
 

@@ -50,13 +50,13 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
     window.step(settled, mark);
     window.step(passed(10), [&] {
         nothingDrawn("at rest");
-        EXPECT_TRUE(window.pane().connected);
-        EXPECT_GT(window.pane().strikes->size(), 5U) << "something to ease";
+        EXPECT_TRUE(window.pane().session.connected);
+        EXPECT_GT(window.pane().options.strikes->size(), 5U) << "something to ease";
         // news that are none: another look at the same settings, another copy of the same rows
         set([](GexConfig& config) { config.hfPressure = !config.hfPressure; });
         window.pane().config.changed();
-        window.pane().strikes.changed();
-        window.pane().chartVersionChanged();
+        window.pane().options.strikes.changed();
+        window.pane().bars.chartVersionChanged();
         mark();
     });
     window.step(passed(1.5), [&] {

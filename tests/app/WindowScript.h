@@ -32,7 +32,7 @@ class WindowRun {
     WindowRun(const WindowRun&) = delete;
 
     AppModel& pane() { return *program->panes().active(); }
-    bool streaming() { return pane().catFutures->size() == 6 && pane().candles.size() > 100; }
+    bool streaming() { return pane().catalog.catFutures->size() == 6 && pane().bars.candles.size() > 100; }
 
     /// Adds a step: what to do once a condition holds, which is looked at every 5 ms.
     void step(std::function<bool()> done, std::function<void()> then) {

@@ -29,7 +29,7 @@ TEST(WindowTurns, HugeSnapshotsLeaveTheMainThreadFree) {
     };
     const auto pane = [&]() -> AppModel& { return window.pane(); };
     const auto snapshots = [&](const std::string& channel) {
-        return std::count_if(pane().logLines.begin(), pane().logLines.end(),
+        return std::count_if(pane().log.logLines.begin(), pane().log.logLines.end(),
                              [&](const LogLine& line) { return line.text.starts_with(channel + " [snapshot]"); });
     };
     double restedAt = 0;  // a second after each step, so that its frames and its freeing are in the measure
@@ -54,11 +54,11 @@ TEST(WindowTurns, HugeSnapshotsLeaveTheMainThreadFree) {
     };
     const auto came = [&] { return snapshots(channel) > before; };
     step([&] { return window.streaming(); }, [] {});
-    step([] { return true; }, [&] { big("big-bars", pane().chartChannel); });
+    step([] { return true; }, [&] { big("big-bars", pane().channels->chartChannel); });
     step(came, [] {});
     step(came, [&] {
         longest.emplace_back("bars", longestMs);
-        big("big-derived", pane().levelsChannel);
+        big("big-derived", pane().channels->levelsChannel);
     });
     step(came, [] {});
     step(came, [&] {

@@ -7,7 +7,7 @@
 
 #include "base/AsioLoop.h"
 #include "base/MarketTimer.h"
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 
 namespace vmr {
 namespace {

@@ -28,5 +28,41 @@ TEST(Signal, CallsInOrderAndAllowsChangesInsideANotice) {
     EXPECT_THAT(heard, ElementsAre("first 2", "first 3", "third 3", "added 3", "third 2", "added 2"));
 }
 
+TEST(NoticeGate, TellsOnceWhenAllHasChanged) {
+    NoticeGate gate;
+    Observable<int> one{&gate}, two{&gate}, free;
+    std::vector<std::string> heard;
+    const auto hear = [&](const std::string& name) {
+        return [&heard, &one, &two, name] { heard.push_back(name + " " + std::to_string(one) + std::to_string(two)); };
+    };
+    const Connection links[] = {one.changed.connect(hear("one")), two.changed.connect(hear("two")),
+                                free.changed.connect(hear("free")), two.changed.connect([&] {
+                                    const NoticeGate::Hold again(gate);
+                                    if (one == 2) one = 7;
+                                })};
+    {
+        const NoticeGate::Hold hold(gate);
+        const NoticeGate::Hold inner(gate);
+        two = 1;
+        one = 2;
+        two = 3;
+        free = 1;
+    }
+    EXPECT_THAT(std::exchange(heard, {}), ElementsAre("free 23", "two 23", "one 73"));
+    one = 4;
+    EXPECT_THAT(heard, ElementsAre("one 43")) << "the gate is open";
+    EXPECT_EQ(two.revision(), 2u);
+}
+
+TEST(Observable, TakesAnothersValueAndKeepsItsSubscribers) {
+    Observable<int> value{1};
+    int heard = 0;
+    const auto link = value.changed.connect([&] { ++heard; });
+    value = Observable<int>(1);
+    EXPECT_EQ(heard, 0);
+    value = Observable<int>(2);
+    EXPECT_EQ(std::pair(heard, value.get()), std::pair(1, 2));
+}
+
 }  // namespace
 }  // namespace vmr

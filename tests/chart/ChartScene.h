@@ -11,8 +11,8 @@
 
 #include "chart/ChartRenderer.h"
 #include "gpu/FrameRecorder.h"
-#include "support/TestTime.h"
 #include "support/gpu/RecordedFrames.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 

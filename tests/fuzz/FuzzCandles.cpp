@@ -1,7 +1,7 @@
 // Any JSON as the payload of a candle channel, merged into a series.
 #include "FuzzEntry.h"
+#include "market/Bars.h"
 #include "market/CandleParser.h"
-#include "model/AppModel.h"
 
 void vmr::fuzz::take(std::string_view text) {
     const auto json = Json::parse(text);

@@ -5,7 +5,7 @@
 
 #include "FuzzEntry.h"
 #include "base/Json.h"
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::fuzz {
 namespace {
@@ -30,12 +30,13 @@ void take(std::string_view text) {
     const bool survived = survives([&] {
         pane->frame(frame);
         pane->time.advance(0.01);
-        for (const auto* series : {&pane->model->candles, &pane->model->secondaryCandles, &pane->model->vixCandles}) {
+        for (const auto* series :
+             {&pane->model->bars.candles, &pane->model->bars.secondaryCandles, &pane->model->bars.vixCandles}) {
             const auto unordered = std::ranges::adjacent_find(*series, std::greater_equal(), &Candle::time);
             require(series->size() <= 5000 && unordered == series->end());
         }
         require(Json::parse(stateDocument(pane->time, {pane->model.get()})).has_value());
-        require(pane->model->logLines.size() <= AppModel::maxLogLines);
+        require(pane->model->log.logLines.size() <= PaneLog::maxLogLines);
     });
     // a fresh one now and then, so that what one frame left behind does not pile up
     if (!survived || ++frames % 200 == 0) pane.reset();

@@ -5,7 +5,7 @@
 
 #include <map>
 
-#include "support/SyntheticMarket.h"
+#include "support/market/SyntheticMarket.h"
 
 namespace vmr::test {
 namespace {

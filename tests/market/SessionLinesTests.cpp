@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/SyntheticMarket.h"
+#include "support/market/SyntheticMarket.h"
 
 namespace vmr::test {
 namespace {

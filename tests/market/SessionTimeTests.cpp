@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "market/ClockSetting.h"
-#include "support/SyntheticMarket.h"
+#include "support/market/SyntheticMarket.h"
 
 namespace vmr {
 namespace {

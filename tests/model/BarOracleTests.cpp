@@ -3,7 +3,7 @@
 #include <random>
 
 #include "model/PlainBars.h"
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {
@@ -28,11 +28,11 @@ class BarOracle : public PaneFixture {
     void play(const std::string& symbol, double start, int steps) {
         time.setNow(start - 60);
         openSymbol(symbol);
-        const std::string chart = model->chartChannel;
-        const std::string other = symbol == "NQ" ? model->secondaryChannel : "futures:none";
+        const std::string chart = model->channels->chartChannel;
+        const std::string other = symbol == "NQ" ? model->channels->secondaryChannel : "futures:none";
         PlainBars plain(symbol == "AAPL", true), plainOther(false, false);
         for (const std::string& channel : {chart, other}) event(channel + ":trades", R"({"price":5})");
-        EXPECT_TRUE(model->candles.empty() && model->secondaryCandles.empty()) << "trades start no history";
+        EXPECT_TRUE(model->bars.candles.empty() && model->bars.secondaryCandles.empty()) << "trades start no history";
         const int count = symbol == "NQ" ? 4990 : 6000;
         const auto first = static_cast<std::int64_t>(start) / 60 * 60 - count * 60;
         Bars history;
@@ -67,16 +67,17 @@ class BarOracle : public PaneFixture {
             }
             batch(chart + ":trades", "[" + events + R"({"price":"nan"}])");
             batch(other + ":trades", "[" + otherEvents + "7]");
-            ASSERT_EQ(model->candles, plain.bars()) << "step " << step << " at " << std::to_string(after);
-            ASSERT_EQ(model->secondaryCandles, plainOther.bars()) << "step " << step << " at " << std::to_string(after);
+            ASSERT_EQ(model->bars.candles, plain.bars()) << "step " << step << " at " << std::to_string(after);
+            ASSERT_EQ(model->bars.secondaryCandles, plainOther.bars())
+                << "step " << step << " at " << std::to_string(after);
         }
         for (const int minutes : {1, 5, 7, 60}) {
             model->setTimeframe(minutes);
-            EXPECT_EQ(model->displayCandles.get(), plainAggregate(plain.bars(), minutes));
+            EXPECT_EQ(model->bars.displayCandles.get(), plainAggregate(plain.bars(), minutes));
         }
-        EXPECT_EQ(model->candles.size(), 5000u) << "the run is to reach the cap";
-        event(chart + ":1m", flatBars(model->candles.back().time + 60, 1));
-        EXPECT_EQ(model->srLines.get(), plainLines(model->candles, {}, model->sessionHHMM()))
+        EXPECT_EQ(model->bars.candles.size(), 5000u) << "the run is to reach the cap";
+        event(chart + ":1m", flatBars(model->bars.candles.back().time + 60, 1));
+        EXPECT_EQ(model->sessionLevels.srLines.get(), plainLines(model->bars.candles, {}, model->sessionHHMM()))
             << "the oldest bar is gone";
     }
 };

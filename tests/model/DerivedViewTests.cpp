@@ -4,7 +4,7 @@
 #include "model/Expirations.h"
 #include "model/Gex3D.h"
 #include "model/HfpSample.h"
-#include "support/SyntheticMarket.h"
+#include "support/market/SyntheticMarket.h"
 
 namespace vmr {
 namespace {

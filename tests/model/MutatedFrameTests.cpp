@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <random>
 
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {
@@ -134,7 +134,7 @@ TEST_F(MutatedFrames, BrokenOnesChangeNothingButTheLog) {
     }
     EXPECT_EQ(sockets.count(), 1u);
     event("futures:NQM6:trades", R"({"price":123.25,"ts":)" + std::to_string(minute) + "000}");
-    EXPECT_EQ(model->candles.back().close, 123.25) << "and the pane lives on";
+    EXPECT_EQ(model->bars.candles.back().close, 123.25) << "and the pane lives on";
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "model/AppModel.h"
-#include "model/OverlaySeries.h"
+#include "market/Bars.h"
+#include "model/FreshOverlays.h"
 #include "model/PlainOverlays.h"
 
 namespace vmr::test {
@@ -96,11 +96,10 @@ class Stream {
 
 // The same made from nothing.
 void expectFresh(const OverlaySet& kept, const OverlayInput& in, SessionTime& session) {
-    using namespace OverlaySeries;
     const OverlaySettings& on = in.settings;
     const int tf = on.timeframe, hhmm = on.sessionHHMM;
     const auto when = [](bool shown, auto points) { return shown ? points : decltype(points)(); };
-    const bool ny = on.vwapNyEnabled && showsNyVWAP(in.bars.back().time, hhmm, session);
+    const bool ny = on.vwapNyEnabled && OverlayLines::showsNyVWAP(in.bars.back().time, hhmm, session);
     ASSERT_EQ(kept.vwapMain, when(on.vwapEnabled, computeVWAP(in.bars, hhmm, session)));
     ASSERT_EQ(kept.vwapNY, when(ny, computeVWAP(in.bars, 930, session)));
     ASSERT_EQ(kept.secondCandles, computeSecond(in.bars, in.secondaryRaw, tf, hhmm, session));

@@ -1,7 +1,7 @@
 // A pane's data beside its steps: what the clock adds, what is prepared elsewhere, held back, coalesced or sampled.
 #include <array>
 
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {
@@ -17,16 +17,16 @@ TEST_F(PaneData, AFlatBarComesOnlyWhileConnected) {
     time.advance(0.5);
     time.setNow(minute + 300);
     model->rollForwardBarIfNeeded();
-    EXPECT_EQ(model->candles.size(), 1u) << "not while the connection is down";
+    EXPECT_EQ(model->bars.candles.size(), 1u) << "not while the connection is down";
     time.advance(0.5);
     greet();
     event("any", "1");
-    EXPECT_EQ(model->candles.size(), 2u) << "with the first message after it";
-    EXPECT_EQ(model->candles.back().time, minute + 300) << "one bar; the missing minutes stay missing";
+    EXPECT_EQ(model->bars.candles.size(), 2u) << "with the first message after it";
+    EXPECT_EQ(model->bars.candles.back().time, minute + 300) << "one bar; the missing minutes stay missing";
     for (const int second : {360, 420}) {  // the clock jumps ahead of the timer
         time.setNow(minute + second);
         batch("any", "[1,2]");
-        EXPECT_EQ(model->candles.back().time, minute + second);
+        EXPECT_EQ(model->bars.candles.back().time, minute + second);
     }
 }
 
@@ -36,18 +36,19 @@ TEST_F(PaneData, LongRowsReadOnTheRelaysQueueEqualShortOnesReadHere) {
     for (int i = 12000; i > 0; --i) rows += R"({"strike":)" + std::to_string(i) + R"(,"callGex":2},)";
     rows = R"({"etfRatio":2,"gexByStrike":[)" + rows + R"({"strike":0}]})";
     snapshot("derived:QQQ", rows);
-    EXPECT_EQ(pane.strikes->size(), 12001u);
-    EXPECT_EQ(pane.strikes->front().strike, 0);
-    EXPECT_LT(pane.derivedFields["etfRatio"].documentBytes(), 1000u) << "a small field does not hold the whole message";
+    EXPECT_EQ(pane.options.strikes->size(), 12001u);
+    EXPECT_EQ(pane.options.strikes->front().strike, 0);
+    EXPECT_LT(pane.options.derivedFields["etfRatio"].documentBytes(), 1000u)
+        << "a small field does not hold the whole message";
     // rows that came while an expiration was shown are there when it goes, the newest
     const auto expectAfterExpiration = [&](const std::string& newest, std::size_t count) {
         event("derived:QQQ",
               R"({"expirations":["2026-06-12"],"byExpiration":{"2026-06-12":{"gexByStrike":[{"strike":7}]}}})");
         snapshot("derived:QQQ", rows);
         event("derived:QQQ", newest);
-        EXPECT_THAT(pane.strikes.get(), ElementsAre(StrikeRow{7}));
+        EXPECT_THAT(pane.options.strikes.get(), ElementsAre(StrikeRow{7}));
         event("derived:QQQ", R"({"expirations":[]})");
-        EXPECT_EQ(pane.strikes->size(), count);
+        EXPECT_EQ(pane.options.strikes->size(), count);
     };
     expectAfterExpiration(R"({"etfRatio":3})", 12001);
     expectAfterExpiration(R"({"gexByStrike":[{"strike":5}]})", 1);
@@ -55,32 +56,32 @@ TEST_F(PaneData, LongRowsReadOnTheRelaysQueueEqualShortOnesReadHere) {
 
 TEST_F(PaneData, ABurstCostsOneRebuildAndADragNone) {
     AppModel& pane = openSymbol("NQ");
-    snapshot(pane.chartChannel, flatBars(minute - 3000 * 60, 3001));
-    bool dragging = false;
-    std::uint64_t revision = 0;
-    pane.setRendererBridge({[&] { return dragging; }, [&](const auto& lists) { revision = lists.sessionRevision; }});
+    snapshot(pane.channels->chartChannel, flatBars(minute - 3000 * 60, 3001));
+    StillChart chart;
+    pane.setChartPort(&chart);
     std::array<std::uint64_t, 3> rebuilds;
-    const auto heard = pane.chartVersionChanged.connect([&] { ++rebuilds[0]; });
-    const auto heardToo = pane.overlaysChanged.connect([&] { ++rebuilds[1]; });
-    // of the bars, of the overlays and of the session lines' geometry
+    const auto heard = pane.bars.chartVersionChanged.connect([&] { ++rebuilds[0]; });
+    const auto heardToo = pane.overlays.overlaysChanged.connect([&] { ++rebuilds[1]; });
+    const auto lines = [&] { return pane.chartContent().revisions.srLines; };
+    // of the bars, of the overlays and of the session lines
     const auto rebuildsOf = [&](int trades, std::int64_t second) {
         time.advance(1);
-        rebuilds = {0, 0, revision};
+        rebuilds = {0, 0, lines()};
         for (int i = 0; i < trades; ++i) pane.applyTrade(100 + i % 7, static_cast<double>(second) * 1000 + i);
         EXPECT_EQ(rebuilds[0], 0u);
         time.advance(1.0 / 120);
-        rebuilds[2] = revision - rebuilds[2];
+        rebuilds[2] = lines() - rebuilds[2];
         return rebuilds;
     };
     EXPECT_THAT(rebuildsOf(500, minute), ElementsAre(1, 1, 0));
-    EXPECT_THAT(rebuildsOf(500, minute + 60), ElementsAre(1, 1, 1));
-    const auto before = revision;
+    EXPECT_THAT(rebuildsOf(500, minute + 60), ElementsAre(1, 1, 0)) << "the lines run on over the new bar";
+    const auto before = lines();
     event("derived:srlevels:NQ", R"({"sessionOpenTs":1781042400,"up":[{"price":101}]})");
     time.advance(1);
-    EXPECT_GT(revision, before) << "new levels";
-    dragging = true;
+    EXPECT_GT(lines(), before) << "new levels";
+    chart.dragged = true;
     EXPECT_THAT(rebuildsOf(50, minute + 120), ElementsAre(1, 0, 0));
-    dragging = false;
+    chart.dragged = false;
     pane.interactionEnded();
     pane.interactionEnded();
     EXPECT_EQ(rebuilds[1], 1u);
@@ -96,7 +97,7 @@ TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSe
     const auto spotAfter = [&](double seconds, const char* patch) {
         time.advance(seconds);
         event("derived:QQQ", patch);
-        return pane.gex3D.get()->spot;
+        return pane.surface.gex3D.get()->spot;
     };
     EXPECT_EQ(spotAfter(2.9, R"({"spot":590})"), 600);
     EXPECT_EQ(spotAfter(0.1, R"({"spot":595})"), 595);

@@ -1,17 +1,17 @@
 // Signing in and out, the first connect and later ones, and the pane's end.
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {
 
-using PaneSession = PaneFixture;
+using PaneSessions = PaneFixture;
 
-TEST_F(PaneSession, ARestoredPaneComesBeforeTheStoredSymbol) {
+TEST_F(PaneSessions, ARestoredPaneComesBeforeTheStoredSymbol) {
     preferences.set("gex-last-symbol", "YM");
     preferences.set("gex-timeframe", "5");
     const auto expectShown = [this](const std::string& chart) {
-        EXPECT_EQ(model->chartChannel.get() + " " + model->levelsChannel.get() + " " + model->config->gexSource + " " +
-                      std::to_string(model->timeframe.get()),
+        EXPECT_EQ(model->channels->chartChannel + " " + model->channels->levelsChannel + " " +
+                      model->config->gexSource + " " + std::to_string(model->bars.timeframe.get()),
                   chart);
     };
     open(PaneState{"ES", 15, "INDEX"});
@@ -27,39 +27,39 @@ TEST_F(PaneSession, ARestoredPaneComesBeforeTheStoredSymbol) {
     expectShown("futures:NQU6 derived:QQQ INDEX 1");
 }
 
-TEST_F(PaneSession, SignOutKeepsTheChartForTheNextSignIn) {
+TEST_F(PaneSessions, SignOutKeepsTheChartForTheNextSignIn) {
     openSymbol("NQ");
     snapshot("futures:NQM6", flatBars(minute - 60, 2));
     model->signOut();
     time.runUntilIdle();
-    EXPECT_TRUE(model->logLines.empty());
+    EXPECT_TRUE(model->log.logLines.empty());
     EXPECT_EQ(sockets.last().cancelCode, 1001);
     signIn();
     sockets.last().accept();
     sockets.last().frame(R"({"type":"hello"})");
     main.post([this] { model->signOut(); });
     time.runUntilIdle();
-    EXPECT_EQ(model->status.get(), "Not connected") << "the greeting came too late";
-    EXPECT_FALSE(model->connected);
+    EXPECT_EQ(model->session.status.get(), "Not connected") << "the greeting came too late";
+    EXPECT_FALSE(model->session.connected);
     EXPECT_EQ(preferences.get("vmr.auth.refreshToken"), std::nullopt);
     signIn();
     sockets.last().close(4006);
     time.advance(5);
-    EXPECT_TRUE(model->connLimited) << "until the next greeting";
+    EXPECT_TRUE(model->session.connLimited) << "until the next greeting";
     greet();
-    EXPECT_FALSE(model->connLimited);
+    EXPECT_FALSE(model->session.connLimited);
     EXPECT_EQ(takeLog().back(), "→ reconnected — subscriptions re-flushed, snapshots merge in place");
-    EXPECT_EQ(model->candles.size(), 2u);
+    EXPECT_EQ(model->bars.candles.size(), 2u);
 }
 
-TEST_F(PaneSession, ARefusedTokenEndsItsOwnSessionAlone) {
+TEST_F(PaneSessions, ARefusedTokenEndsItsOwnSessionAlone) {
     for (const bool signedInAnew : {false, true}) {
         preferences.set("vmr.auth.refreshToken", "old");
         FirebaseRESTAuth stored(Endpoints{}, http, preferences, time);
         http.responder = nullptr;
-        const auto at = surroundings();
-        AppModel pane(
-            {at.clock, at.main, at.preferences, stored, at.session, at.ids, at.makeRelay, at.print, at.printMessage});
+        PaneWork work(main);
+        PaneSession pane(stored, work, surroundings().makeRelay());
+        pane.start({}, [] {});
         time.runUntilIdle();
         if (signedInAnew) {
             pane.signOut();
@@ -75,26 +75,23 @@ TEST_F(PaneSession, ARefusedTokenEndsItsOwnSessionAlone) {
     }
 }
 
-TEST_F(PaneSession, AShutDownPaneStaysDownAndIsCountedOffOnce) {
-    const int before = AppModel::liveCount();
+TEST_F(PaneSessions, AShutDownPaneStaysDown) {
     openSymbol("NQ");
-    EXPECT_EQ(AppModel::liveCount(), before + 1);
     snapshot("futures:NQM6", flatBars(minute, 1));
     model->shutdown();
     model->shutdown();
-    EXPECT_EQ(AppModel::liveCount(), before);
     time.advance(300);
     EXPECT_EQ(sockets.last().cancelCode, 1001);
-    EXPECT_EQ(model->candles.size(), 1u) << "no bars roll any more";
+    EXPECT_EQ(model->bars.candles.size(), 1u) << "no bars roll any more";
     EXPECT_EQ(sockets.count(), 1u);
 }
 
-TEST_F(PaneSession, DelayedWorkEndsSilentlyWithTheModel) {
+TEST_F(PaneSessions, DelayedWorkEndsSilentlyWithTheModel) {
     openSymbol("NQ");
     snapshot("futures:NQM6", flatBars(minute, 1));
     model->applyTrade(1, minute * 1000.0);
-    model->flashToast("t");
-    model->flashMarketClosedNotice();
+    model->notices.flashToast("t");
+    model->notices.flashMarketClosedNotice();
     http.responder = nullptr;
     model->signIn("a@b.c", "secret", true);
     model.reset();

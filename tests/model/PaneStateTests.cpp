@@ -1,8 +1,9 @@
 // The tables and settings of a pane, and its state document.
 #include <cmath>
 
-#include "model/TestPane.h"
+#include "market/Roots.h"
 #include "sim/SimEngine.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {
@@ -18,18 +19,19 @@ TEST_F(PaneStates, TheCatalogReplacesTheBuiltInTables) {
         {"sym":"NQ","sources":["QQQ"]}, {"sym":"ES","pair":7,"tick":"x","sources":"SPY"}, {"sym":5}, 7],
         "stocks":[{"sym":"NFLX","hfScale":"0.5"},{"sym":"AMD"},{"sym":""},"IBM"]}})");
     event("meta:instruments", R"({"catalog":{"futures":[{"sym":1}],"stocks":[]}})");  // empty lists change nothing
-    EXPECT_THAT(model->catFutures.get(), ElementsAre(CatalogFut{"SI", {"SLV", "XAG"}, "XAG", "GC", 0.005, 25, 3},
-                                                     CatalogFut{"NQ", {"QQQ"}, "QQQ", std::nullopt, 0.25, 5, 1},
-                                                     CatalogFut{"ES", {}, "ES", std::nullopt, 0.25, 5, 1}));
-    EXPECT_EQ(model->pairFor("NQ"), std::nullopt) << "the catalog's entry has no pair";
+    EXPECT_THAT(model->catalog.catFutures.get(),
+                ElementsAre(CatalogFut{"SI", {"SLV", "XAG"}, "XAG", "GC", 0.005, 25, 3},
+                            CatalogFut{"NQ", {"QQQ"}, "QQQ", std::nullopt, 0.25, 5, 1},
+                            CatalogFut{"ES", {}, "ES", std::nullopt, 0.25, 5, 1}));
+    EXPECT_EQ(model->catalog.pairFor("NQ"), std::nullopt) << "the catalog's entry has no pair";
     const std::pair<const char*, const char*> charts[] = {{"SI", "futures:SI derived:XAG"},
                                                           {"AAPL", "futures:SI derived:XAG"},  // no stock any more
                                                           {"NFLX", "stocks:NFLX derived:NFLX"}};
     for (const auto& [symbol, chart] : charts) {
         model->switchSymbol(symbol);
-        EXPECT_EQ(model->chartChannel.get() + " " + model->levelsChannel.get(), chart);
+        EXPECT_EQ(model->channels->chartChannel + " " + model->channels->levelsChannel, chart);
     }
-    EXPECT_EQ(model->hfScale, 0.5) << "the catalog's";
+    EXPECT_EQ(model->channels->hfScale, 0.5) << "the catalog's";
 }
 
 TEST(FuturesRoot, CutsMonthAndYear) {
@@ -60,8 +62,8 @@ TEST_F(PaneStates, TellsTheAccountQuotesAndOnlySettingsThatDiffer) {
 
 TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
     openSymbol("NQ");
-    model->append("quote \" and \xff and \n");
-    model->candles = {{minute, std::nan(""), HUGE_VAL, -HUGE_VAL, 0.1, 1e-310}, {INT64_MAX, 1, 2, 3, 4, 5}};
+    model->log.append("quote \" and \xff and \n");
+    model->bars.candles = {{minute, std::nan(""), HUGE_VAL, -HUGE_VAL, 0.1, 1e-310}, {INT64_MAX, 1, 2, 3, 4, 5}};
     AppModel other(surroundings());
     const auto document = Json::parse(stateDocument(time, {model.get(), &other}));
     EXPECT_EQ((*document)["clock"].number(), wednesdayAt10);

@@ -1,7 +1,7 @@
 // A recorded practice session over a weekend and a clock change: every overlay series against the plain computation.
 #include "model/PlainOverlays.h"
 #include "model/RecordedMarket.h"
-#include "model/TestPane.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {
@@ -62,11 +62,11 @@ class Player {
     void check() {
         pane_.time.advance(0.02);  // the throttled rebuilds
         plain_.chart.roll(pane_.time.now());
-        const int tf = model().timeframe, hhmm = static_cast<int>(model().config->sessionStart);
+        const int tf = model().bars.timeframe, hhmm = static_cast<int>(model().config->sessionStart);
         what_ = std::to_string(pane_.time.now()) + " tf " + std::to_string(tf) + " start " + std::to_string(hhmm) + " ";
         const Bars raw = plain_.chart.bars(), vix = plain_.vix.bars(), bars = plainAggregate(raw, tf);
-        ASSERT_EQ(model().displayCandles.get(), bars) << what_;
-        const OverlaySet& got = model().overlays();
+        ASSERT_EQ(model().bars.displayCandles.get(), bars) << what_;
+        const OverlaySet& got = model().overlays.series();
         expectSame(got.vwapMain, plainVwap(bars, hhmm), "VWAP");
         expectSame(got.vwapNY, plainNyVwap(bars, hhmm), "New York VWAP");
         expectSame(got.ema1, plainEma(bars, 9), "EMA 9");
@@ -78,7 +78,7 @@ class Player {
         for (std::size_t i = 0; i < unscaled.size(); ++i) byLevels += unscaled[i].v != got.hfLine.at(i).v;
         expectSame(got.vixLine, plainVix(bars, vix, tf, hhmm, 0.08, 5), "VIX");
         EXPECT_EQ(got.vixSpot, vix.back().close) << what_;
-        const auto& lines = model().srLines.get();
+        const auto& lines = model().sessionLevels.srLines.get();
         points["lines"] += lines.size();
         EXPECT_EQ(lines, plainLines(raw, plain_.levels, hhmm)) << what_;
     }
@@ -103,7 +103,7 @@ void playAndCompare(const char* month, const std::vector<LiveStretch>& season) {
             ASSERT_NO_FATAL_FAILURE(player.checkAt(moment));
         }
     }
-    EXPECT_EQ(player.model().chartChannel.get(), std::string("futures:NQ") + month);
+    EXPECT_EQ(player.model().channels->chartChannel, std::string("futures:NQ") + month);
     for (const auto& [series, count] : player.points) EXPECT_GT(count, 150U) << series;
     EXPECT_GT(player.byLevels, 1000U);
 }

@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 
 #include "model/RecordedMarket.h"
-#include "model/TestPane.h"
 #include "sim/SimEngine.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 namespace {

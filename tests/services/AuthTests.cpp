@@ -1,9 +1,9 @@
 // The session of the process, and the account calls.
 #include <gmock/gmock.h>
 
-#include "FakeHttpClient.h"
 #include "services/cloud/FirebaseRESTAuth.h"
-#include "support/TestTime.h"
+#include "support/pane/FakeHttpClient.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 namespace {

@@ -1,9 +1,9 @@
 // A relay client in virtual time, with its server, its token provider and its owner played by the test.
 #include <gmock/gmock.h>
 
-#include "FakeWebSocket.h"
 #include "services/feed/RelayClient.h"
-#include "support/TestTime.h"
+#include "support/pane/FakeWebSocket.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 namespace {

@@ -11,7 +11,7 @@
 #include "base/NumberText.h"
 #include "chart/AllocationCount.h"
 #include "sim/SimEngine.h"
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 namespace {
@@ -179,6 +179,10 @@ TEST(SimBrackets, LegsFollowThePosition) {
          "2@102.5 | works sell 2 stop 95 SL >1, sell 2 limit 125 TP >0 | fills buy 1 100, buy 1 105"},
         {"protect links both ways, on the grid", "quote 99.75 100; buy 2; protect TP 104.1; protect SL 95.2",
          "2@100 | works sell 2 limit 104 TP >1, sell 2 stop 95.25 SL >0 | fills buy 2 100"},
+        {"protect leaves another root's orders",
+         "quote 99.75 100; buy 1 sl=4; root ES; quote 49.75 50; buy 1; protect SL 45",
+         "1@50 | works sell 1 stop 99 SL, sell 1 stop 45 SL | fills buy 1 100, buy 1 50"},
+        {"a leg of no ticks is none", "quote 99.75 100; buy 1 sl=0 tp=0", "1@100 | fills buy 1 100"},
         {"protect refuses", "trade 100; protect SL 90; buy 1; protect XX 90; protect SL 0; protect SL nan",
          "1@100.125 | fills buy 1 100.125 | refuses protect protect protect protect"},
         {"flatten sells at the bid and leaves entries", "quote 99.75 100; buy 2 sl=4; buy 1 limit=90; flatten; flatten",

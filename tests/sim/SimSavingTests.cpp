@@ -9,7 +9,7 @@
 #include "sim/SimAccountText.h"
 #include "sim/SimEngine.h"
 #include "sim/SimStore.h"
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "sim/SimAccountText.h"
 #include "sim/SimEngine.h"
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 namespace {

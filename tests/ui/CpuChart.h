@@ -5,7 +5,7 @@
 
 #include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 #include "ui/gpu/GlyphAtlas.h"
 
 namespace vmr::test {

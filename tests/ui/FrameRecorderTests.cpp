@@ -6,7 +6,7 @@
 
 #include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 #include "tests/chart/AllocationCount.h"
 #include "ui/UiWindow.h"
 #include "ui/gpu/GlyphAtlas.h"

@@ -30,7 +30,7 @@ class LivePanes : public testing::Test {
         endpoints.identityUrl = endpoints.secureTokenUrl = relay.restUrl();
         auth = std::make_unique<FirebaseRESTAuth>(endpoints, http, preferences, clock);
         host = std::make_unique<PaneHost>(
-            PaneSurroundings{clock, loop, preferences, *auth, session, ids, {}, [](const std::string&) {}, {}},
+            PaneSurroundings{clock, loop, preferences, *auth, session, ids, scales, {}, [](const std::string&) {}, {}},
             [this](AsioLoop& queue) {
                 return std::make_unique<RelayClient>(endpoints.relayUrl, makeBeastWebSockets(queue), queue, loop,
                                                      clock);
@@ -60,7 +60,7 @@ class LivePanes : public testing::Test {
     bool noSocketIsLeft() {
         return runUntil([&] { return relay.command("status").starts_with("ok 0 sockets"); });
     }
-    bool streaming(int pane) { return host->find(pane)->connected && !host->find(pane)->candles.empty(); }
+    bool streaming(int pane) { return host->find(pane)->session.connected && !host->find(pane)->bars.candles.empty(); }
 
     SteerableClock clock{1781100030, 1};  // Wednesday 2026-06-10, 10:00:30 New York
     relay::PracticeRelay relay{clock, {}};
@@ -70,6 +70,7 @@ class LivePanes : public testing::Test {
     Endpoints endpoints;
     SessionTime session;
     UuidSource ids{1};
+    HfScales scales;
     std::unique_ptr<FirebaseRESTAuth> auth;
     std::unique_ptr<PaneHost> host;
 };

@@ -126,12 +126,12 @@ TEST_F(PaneHostLife, AClockThatIsSetBackOpensEveryChartAnew) {
     ASSERT_EQ(host->open(), 2);
     const auto onTheFrontContract = [&](int pane) {
         const AppModel& model = *host->find(pane);
-        const auto& map = model.contractOverrides.get();
+        const auto& map = model.catalog.contractOverrides.get();
         const auto front = map.find(model.currentSymbol());
-        return streaming(pane) && front != map.end() && model.chartChannel->ends_with(front->second);
+        return streaming(pane) && front != map.end() && model.channels->chartChannel.ends_with(front->second);
     };
     ASSERT_TRUE(runUntil([&] { return onTheFrontContract(1) && onTheFrontContract(2); }));
-    const auto bars = [&](int pane) -> auto& { return host->find(pane)->candles; };
+    const auto bars = [&](int pane) -> auto& { return host->find(pane)->bars.candles; };
     const Candle mark{60, 1, 1, 1, 1, 1};  // that only a chart opened anew does without
     const auto marked = [&](int pane) { return !bars(pane).empty() && bars(pane).front() == mark; };
     for (const int pane : {1, 2}) {
@@ -150,7 +150,8 @@ TEST_F(PaneHostLife, PanesShareTheSessionAndTheShownOneStays) {
     ASSERT_TRUE(signIn(2));
     const auto all = [&](bool connected) {
         return runUntil([&] {
-            return std::ranges::all_of(host->models(), [&](auto* model) { return model->connected == connected; });
+            return std::ranges::all_of(host->models(),
+                                       [&](auto* model) { return model->session.connected == connected; });
         });
     };
     EXPECT_TRUE(all(true)) << "the others follow a sign-in";
@@ -166,7 +167,7 @@ TEST_F(PaneHostLife, PanesShareTheSessionAndTheShownOneStays) {
 
     host->find(4)->signOut();
     EXPECT_TRUE(all(false)) << "and a sign-out";
-    EXPECT_FALSE(host->find(1)->isSignedIn);
+    EXPECT_FALSE(host->find(1)->session.isSignedIn);
     EXPECT_FALSE(auth->refreshToken);
     ASSERT_TRUE(noSocketIsLeft());
     ASSERT_TRUE(signIn(1));

@@ -100,8 +100,8 @@ TEST_F(Shell, SpeaksToEveryPane) {
                                        {"pane close 3", "ok pane 3 closed"},
                                        {"pane open", "ok pane 5"}})
         EXPECT_EQ(say(line), answer) << line;
-    EXPECT_EQ(host->find(2)->timeframe, 5);
-    EXPECT_EQ(host->find(1)->timeframe, 3);
+    EXPECT_EQ(host->find(2)->bars.timeframe, 5);
+    EXPECT_EQ(host->find(1)->bars.timeframe, 3);
     host->setShown(1, true);
     EXPECT_EQ(say("pane close 1"), "error: the window shows pane 1");
     host->setShown(1, false);

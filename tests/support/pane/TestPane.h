@@ -11,10 +11,10 @@
 #include "market/SessionTime.h"
 #include "model/AppModel.h"
 #include "model/StateDocument.h"
-#include "services/FakeHttpClient.h"
-#include "services/FakeWebSocket.h"
-#include "support/SyntheticMarket.h"
-#include "support/TestTime.h"
+#include "support/market/SyntheticMarket.h"
+#include "support/pane/FakeHttpClient.h"
+#include "support/pane/FakeWebSocket.h"
+#include "support/time/TestTime.h"
 
 namespace vmr::test {
 
@@ -24,7 +24,6 @@ class TestPane {
     static constexpr double wednesdayAt10 = 1781100000;
 
     explicit TestPane(double start = wednesdayAt10, double speed = 1) : time(start, speed) {
-        AppModel::hfScaleOverrides().clear();
         http.responder = [this](const HttpRequest&) { return grant(); };
         queue.every(5, 10, [this] {  // the server answers pings
             if (sockets.count() > 0) sockets.last().frame(R"({"type":"pong"})");
@@ -46,9 +45,16 @@ class TestPane {
         const auto relay = [this] {
             return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time);
         };
-        return {time,    main, preferences, auth,
-                session, ids,  relay,       [this](const std::string& line) { printed.push_back(line); },
-                {},      sim};
+        return {.clock = time,
+                .main = main,
+                .preferences = preferences,
+                .auth = auth,
+                .session = session,
+                .ids = ids,
+                .hfScales = hfScales,
+                .makeRelay = relay,
+                .print = [this](const std::string& line) { printed.push_back(line); },
+                .sim = sim};
     }
     template <class... Restore>
     AppModel& make(const Restore&... restore) {
@@ -93,14 +99,14 @@ class TestPane {
     /// The log's texts since the last call.
     std::vector<std::string> takeLog() {
         std::vector<std::string> texts;
-        for (const LogLine& line : std::exchange(model->logLines, {})) texts.push_back(line.text);
+        for (const LogLine& line : std::exchange(model->log.logLines, {})) texts.push_back(line.text);
         return texts;
     }
     /// The pane's state but for its log.
     std::string documentWithoutLog() {
-        auto lines = std::exchange(model->logLines, {});
+        auto lines = std::exchange(model->log.logLines, {});
         auto text = stateDocument(time, {model.get()});
-        model->logLines = std::move(lines);
+        model->log.logLines = std::move(lines);
         return text;
     }
 
@@ -113,6 +119,7 @@ class TestPane {
     FirebaseRESTAuth auth{Endpoints{}, http, preferences, time};
     SessionTime session;
     UuidSource ids{1};
+    HfScales hfScales;
     std::vector<std::string> printed;
     int tokens = 0;
     SimEngine* sim = nullptr;  ///< to be set before the pane is made
@@ -124,6 +131,15 @@ class PaneFixture : public testing::Test, public TestPane {
  protected:
     /// The whole minute in which the test starts.
     static constexpr std::int64_t minute = static_cast<std::int64_t>(wednesdayAt10);
+};
+
+/// A chart that shows nothing: it counts how often it was told.
+struct StillChart final : ChartPort {
+    void contentChanged() override { ++told; }
+    bool interacting() const override { return dragged; }
+    std::optional<Viewport> viewport() const override { return std::nullopt; }
+    int told = 0;
+    bool dragged = false;
 };
 
 /// JSON of bars, one a minute from `start` (seconds), all prices `price` and volume 1.

@@ -1,4 +1,4 @@
-#include "model/Instruments.h"
+#include "market/Roots.h"
 
 #include <algorithm>
 
@@ -35,17 +35,16 @@ std::string futuresRoot(std::string_view channel) {
 }
 
 std::optional<PairedInstrument> pairedInstrument(std::string_view sym) {
-    const std::string_view other = sym == "NQ" ? "ES" : sym == "ES" ? "NQ" : "";
-    const BuiltInFuture* row = builtInFuture(other);
+    const BuiltInFuture* own = builtInFuture(sym);
+    const BuiltInFuture* row = own ? builtInFuture(own->pair) : nullptr;
     if (!row) return std::nullopt;
     return PairedInstrument{std::string(row->sym), std::string(row->contract)};
 }
 
 std::optional<std::string> builtInIndexSource(std::string_view root) {
-    if (root == "NQ") return "NDX";
-    if (root == "ES") return "SPX";
-    if (root == "RTY") return "RUT";
-    return std::nullopt;
+    const BuiltInFuture* row = builtInFuture(root);
+    if (!row || row->index.empty()) return std::nullopt;
+    return std::string(row->index);
 }
 
 double hfScaleFor(std::string_view root, std::string_view source) {

@@ -1,4 +1,5 @@
-// The derived fields of the options source: patches, the selected expiration, and what the chart shows of them.
+#include "model/OptionsData.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -6,9 +7,7 @@
 #include "market/Coerce.h"
 #include "market/LevelsParser.h"
 #include "market/StrikesParser.h"
-#include "model/AppModel.h"
 #include "model/Expirations.h"
-#include "model/Prepared.h"
 
 namespace vmr {
 
@@ -36,105 +35,79 @@ std::optional<double> usableRatio(JsonView value) {
 }
 }  // namespace
 
-FieldView AppModel::effectiveDerivedFields() const {
+OptionsData::OptionsData(UuidSource& ids, NoticeGate* gate)
+    : OptionsOfChart(gate),
+      strikes(gate),
+      etfRatio(gate, 1.0),
+      secEtfRatio(gate, 1.0),
+      gammaFlipStrike(gate),
+      hud(gate),
+      selectedExp(gate),
+      futureExps(gate),
+      ids_(ids) {}
+
+FieldView OptionsData::effectiveDerivedFields() const {
     return FieldView::forExpiration(derivedFields, selectedExp->value_or(""));
 }
 
-void AppModel::takeDerived(const ChannelMessage& message) {
-    patch(derivedFields, message.payload);
-    if (message.payload["gexByStrike"].kind() == JsonView::Kind::missing) return;
+void OptionsData::takeDerived(const Json& payload, std::shared_ptr<std::vector<StrikeRow>> rows, double now) {
+    patch(derivedFields, payload);
     // rows that were read on the relay's queue stand for the field that has just come
-    const auto* prepared = std::any_cast<Prepared>(&message.prepared);
-    readRows_ = prepared ? prepared->rows : nullptr;
+    if (payload["gexByStrike"].kind() != JsonView::Kind::missing) readRows = std::move(rows);
+    updateExpirations(now);
+    reparse();
 }
 
-void AppModel::takeSecondaryGex(const ChannelMessage& message) {
-    patch(secondaryGexFields, message.payload);
+void OptionsData::takeSecondaryGex(const Json& payload) {
+    patch(secondaryGexFields, payload);
     const FieldView fields(secondaryGexFields);
     secStrikes = StrikesParser::parse(fields);
     if (const auto ratio = usableRatio(fields["etfRatio"])) secEtfRatio = *ratio;
 }
 
-void AppModel::updateExpirations() {
+void OptionsData::updateExpirations(double now) {
     std::vector<std::string> offered;
     const auto found = derivedFields.find("expirations");
     if (found != derivedFields.end())
         for (const JsonView item : found->second.items())
             if (!item.string().empty()) offered.emplace_back(item.string());
-    const std::vector<std::string> list = computeFutureExps(offered, at_.clock.now());
+    const std::vector<std::string> list = computeFutureExps(offered, now);
     futureExps = list;
     if (userPickedExp_ && selectedExp.get() && std::find(list.begin(), list.end(), *selectedExp.get()) != list.end())
         return;
     selectedExp = list.empty() ? std::nullopt : std::optional(list.front());
 }
 
-void AppModel::reparseDerived() {
+void OptionsData::reparse() {
     const FieldView fields = effectiveDerivedFields();
-    levels = LevelsParser::parse(fields, at_.ids);
+    levels = LevelsParser::parse(fields, ids_);
     const JsonView rows = fields["gexByStrike"];
-    if (!rows.isSame(strikesSource_) || rows.kind() == JsonView::Kind::missing) {
+    if (!rows.isSame(strikesSource) || rows.kind() == JsonView::Kind::missing) {
         const auto aggregateRows = derivedFields.find("gexByStrike");
         const bool ofAggregate = aggregateRows != derivedFields.end() && rows.isSame(aggregateRows->second);
         strikes.edit([&](std::vector<StrikeRow>& out) {
-            if (ofAggregate && readRows_)
-                out = std::move(*std::exchange(readRows_, nullptr));
+            if (ofAggregate && readRows)
+                out = std::move(*std::exchange(readRows, nullptr));
             else
                 out = StrikesParser::parse(fields);
         });
         // the handle keeps the rows' document, so that another message's rows are never taken for these
-        strikesSource_ = Json();
+        strikesSource = Json();
         for (const char* field : {"gexByStrike", "byExpiration"})
             if (const auto owner = derivedFields.find(field); owner != derivedFields.end() && owner->second.owns(rows))
-                strikesSource_ = owner->second.at(rows);
+                strikesSource = owner->second.at(rows);
     }
     if (const auto ratio = usableRatio(fields["etfRatio"])) etfRatio = *ratio;
     gammaFlipStrike = coerce::dbl(fields["gammaFlipStrike"]);
     hud = StrikesParser::totals(fields);
 }
 
-void AppModel::setExpiration(const std::string& iso) {
+bool OptionsData::setExpiration(const std::string& iso) {
     userPickedExp_ = true;
-    if (selectedExp.get() == iso) return;
+    if (selectedExp.get() == iso) return false;
     selectedExp = iso;
-    reparseDerived();
-    append("→ exp: " + iso);
-}
-
-void AppModel::cycleGexSource() {
-    GexConfig changed = config;
-    if (changed.gexSource == "INDEX")
-        changed.gexSource = "BOTH";
-    else
-        changed.gexSource = changed.gexSource == "BOTH" ? "ETF" : "INDEX";
-    setConfig(changed);
-    const std::string sym = currentSymbol();
-    if (!sym.empty() && !isBuiltInStock(sym)) switchSymbol(sym);
-}
-
-std::string AppModel::symbolSource() const {
-    const std::string sym = currentSymbol();
-    if (sym.empty() || isBuiltInStock(sym)) return sym;
-    const BuiltInFuture* row = builtInFuture(sym);
-    const std::string etf(row ? row->etf : std::string_view());
-    const auto index = builtInIndexSource(sym);
-    if (config->gexSource == "INDEX") return sym + "_" + index.value_or(etf);
-    if (config->gexSource == "BOTH") return sym + "_" + etf + index.value_or("");
-    return sym + "_" + etf;
-}
-
-void AppModel::applyRestore(const PaneState& pane) {
-    if (chartChannel->empty()) {
-        restorePane_ = pane;
-        if (pane.timeframe >= 1 && pane.timeframe <= INT32_MAX) timeframe = static_cast<int>(pane.timeframe);
-        return;
-    }
-    if (!pane.gexSource.empty()) {
-        GexConfig changed = config;
-        changed.gexSource = pane.gexSource;
-        setConfig(changed);
-    }
-    setTimeframe(pane.timeframe);
-    switchSymbol(pane.symbol);
+    reparse();
+    return true;
 }
 
 }  // namespace vmr

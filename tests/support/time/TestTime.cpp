@@ -1,4 +1,4 @@
-#include "support/TestTime.h"
+#include "support/time/TestTime.h"
 
 #include <algorithm>
 

@@ -1,4 +1,5 @@
-// The instruments that the program knows before the server has said anything, and rules over their names.
+// The one table of futures roots and stocks that the program knows before a server has said anything, and rules over
+// their names.
 #pragma once
 
 #include <array>
@@ -14,15 +15,21 @@ namespace vmr {
 struct BuiltInFuture {
     std::string_view sym;
     std::string_view contract;
-    std::string_view etf;  ///< ETF options source
+    std::string_view etf;    ///< ETF options source
+    std::string_view index;  ///< index options source; empty for none
+    std::string_view pair;   ///< the instrument that is drawn beside it; empty for none
+    int ticksPerPoint;       ///< 4 is a tick of 0.25
+    double tickValue;        ///< dollars a tick
+    /// The smallest price step, in points.
+    constexpr double tick() const { return 1.0 / ticksPerPoint; }
 };
 
-inline constexpr std::array<BuiltInFuture, 6> builtInInstruments{{{"NQ", "NQM6", "QQQ"},
-                                                                  {"ES", "ESM6", "SPY"},
-                                                                  {"RTY", "RTYM6", "IWM"},
-                                                                  {"YM", "YMM6", "DIA"},
-                                                                  {"GC", "GCQ6", "GLD"},
-                                                                  {"CL", "CLN6", "USO"}}};
+inline constexpr std::array<BuiltInFuture, 6> builtInInstruments{{{"NQ", "NQM6", "QQQ", "NDX", "ES", 4, 5},
+                                                                  {"ES", "ESM6", "SPY", "SPX", "NQ", 4, 12.5},
+                                                                  {"RTY", "RTYM6", "IWM", "RUT", "", 10, 5},
+                                                                  {"YM", "YMM6", "DIA", "", "", 1, 5},
+                                                                  {"GC", "GCQ6", "GLD", "", "", 10, 10},
+                                                                  {"CL", "CLN6", "USO", "", "", 100, 10}}};
 
 inline constexpr std::array<std::string_view, 7> builtInStocks{"AAPL", "NVDA", "MSFT", "GOOGL", "AMZN", "META", "TSLA"};
 
@@ -49,17 +56,5 @@ std::optional<std::string> builtInIndexSource(std::string_view root);
 
 /// Scale of HF flows to the price axis for a root and an options source; pure.
 double hfScaleFor(std::string_view root, std::string_view source);
-
-/// One future of the server's catalog.
-struct CatalogFut {
-    std::string sym;
-    std::vector<std::string> sources;
-    std::string defaultSource;
-    std::optional<std::string> pair;
-    double tick = 0.25;
-    double tickValue = 5.0;
-    double hfScale = 1.0;
-    bool operator==(const CatalogFut&) const = default;
-};
 
 }  // namespace vmr

@@ -1,8 +1,8 @@
-#include "model/OverlaySeries.h"
+#include "model/FreshOverlays.h"
 
 #include "model/OverlayLines.h"
 
-namespace vmr::OverlaySeries {
+namespace vmr::test {
 
 std::vector<OvPoint> computeVWAP(const std::vector<Candle>& candles, int sessionHHMM, SessionTime& session) {
     std::vector<OvPoint> out;
@@ -10,10 +10,6 @@ std::vector<OvPoint> computeVWAP(const std::vector<Candle>& candles, int session
     const std::int64_t open = SessionWalk(session, sessionHHMM).open(candles.back().time);
     OverlayLines::VwapLine().update(candles, 0, open, out);
     return out;
-}
-
-bool showsNyVWAP(std::int64_t t, int sessionHHMM, SessionTime& session) {
-    return sessionHHMM != 930 && session.marketOpen(t, true);
 }
 
 std::vector<OvPoint> computeEMA(const std::vector<Candle>& candles, std::int64_t period) {
@@ -55,4 +51,4 @@ std::vector<OvPoint> computeVIX(const std::vector<Candle>& candles, const std::v
     return out;
 }
 
-}  // namespace vmr::OverlaySeries
+}  // namespace vmr::test

@@ -1,0 +1,30 @@
+// One-minute series as they grow with trades, and the same at a longer timeframe. Pure functions.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "market/CandleParser.h"
+#include "market/Records.h"
+
+namespace vmr {
+
+/// `candles` at `tf` minutes a bar: buckets are multiples of `tf` minutes since 1970, missing minutes make no bar, and
+/// the last bar is the forming one. A `tf` below 2 gives `candles` as they are. Writes into `out`, reusing its memory.
+void aggregate(const std::vector<Candle>& candles, int tf, std::vector<Candle>& out);
+
+/// Appends `bar` and drops the oldest ones beyond `cap`.
+void appendCapped(std::vector<Candle>& series, const Candle& bar, std::size_t cap = CandleParser::seriesCap);
+
+/// What a trade did to a series.
+enum class TradeEffect { none, tooOld, edited, appended };
+
+/// A trade edits the last bar, or opens the next at the close of the last. It starts no series, and one of an earlier
+/// minute changes nothing. `tsMs` in milliseconds since 1970 (`fatal` outside 64 bits).
+TradeEffect applyTrade(std::vector<Candle>& series, double price, double tsMs);
+
+/// The start of the minute that holds `t`; seconds since 1970.
+std::int64_t wholeMinute(std::int64_t t);
+
+}  // namespace vmr

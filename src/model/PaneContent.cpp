@@ -1,0 +1,56 @@
+// What the chart is shown of a pane, and when it is told.
+#include "model/AppModel.h"
+
+namespace vmr {
+
+void AppModel::setChartPort(ChartPort* port) {
+    port_ = port;
+    overlays.setChartPort(port);
+    contentChanged();
+}
+
+void AppModel::contentChanged() {
+    if (port_) port_->contentChanged();
+}
+
+void AppModel::watchContent() {
+    for (Signal<>* changed : {&look_.changed, &channels.changed, &bars.displayCandles.changed,
+                              &bars.chartVersionChanged, &options.levels.changed, &options.strikes.changed,
+                              &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.secStrikes.changed,
+                              &options.secEtfRatio.changed, &markers.bubblePts.changed, &markers.trianglePts.changed,
+                              &sessionLevels.srLines.changed, &overlays.overlaysChanged})
+        contentLinks_.push_back(changed->connect([this] { contentChanged(); }));
+}
+
+ChartContent AppModel::chartContent() const {
+    ChartContent out;
+    out.chart = chartNumber();
+    out.timeframe = bars.timeframe;
+    out.sessionHHMM = sessionHHMM();
+    out.simRoot = channels->simRoot;
+    out.look = &look_->config;
+    out.candles = bars.displayCandles.get();
+    out.levels = options.levels.get();
+    out.strikes = options.strikes.get();
+    out.etfRatio = options.etfRatio;
+    out.flipStrike = options.gammaFlipStrike;
+    out.secStrikes = options.secStrikes.get();
+    out.secRatio = options.secEtfRatio;
+    out.bubbles = markers.bubblePts.get();
+    out.triangles = markers.trianglePts.get();
+    out.overlays = &overlays.series();
+    out.overlayStyle = look_->overlays;
+    out.srLines = sessionLevels.srLines.get();
+    out.revisions = {
+        .look = look_.revision(),
+        .candles = bars.displayCandles.revision(),
+        .levels = options.levels.revision(),
+        .strikes = options.strikes.revision() + options.etfRatio.revision() + options.gammaFlipStrike.revision(),
+        .secStrikes = options.secStrikes.revision() + options.secEtfRatio.revision(),
+        .markers = markers.bubblePts.revision() + markers.trianglePts.revision(),
+        .overlays = overlays.revision(),
+        .srLines = sessionLevels.srLines.revision()};
+    return out;
+}
+
+}  // namespace vmr
