@@ -179,6 +179,8 @@ TEST(DerivedChannels, EventsGoToTheirOwnSourceOnly) {
     bench.hub.tick(ms("2026-06-11T16:02:01"));
     EXPECT_EQ(inbox.messages.back()["type"], "snapshot") << "in place of a day of minutes";
     EXPECT_EQ(inbox.of("derived:QQQ").size(), 0u);
+}
+
 TEST(DerivedChannels, AfterTheClockWasSetBackAllIsAsIfTheMarketHadOnlyJustCome) {
     const std::vector<std::string> channels{
         "derived:QQQ",           "derived:gexBubbles:QQQ", "derived:hfTriangles:QQQ",
