@@ -128,7 +128,7 @@ TEST_F(ChartPixels, ClearsAndClipsTouchTheirPixelsOnly) {
         chart->renderer().redraw();
         const QImage picture = chartPicture();
         const RecordedFrame frame = expected.frame(chart->size(), ratio());
-        expectSame(picture, rasterise(frame, expected.atlas.image()), 0.3);
+        expectSame(picture, rasterise(frame, expected.atlas.image()), 0.4);
     }
     ui.reset();
 }
