@@ -89,6 +89,7 @@ void AppModel::setConfig(const GexConfig& changed) {
     if (config.get() == changed) return;
     const NoticeGate::Hold hold(gate_);
     const unsigned effects = changedEffects(config, changed);
+    const OverlaySettings series = overlaySettings();
     config = changed;
     look_ = renderLook(changed);
     if (at_.saveSettings) ConfigIO::save(at_.preferences, changed);
@@ -99,7 +100,8 @@ void AppModel::setConfig(const GexConfig& changed) {
     } else {
         if (effects & SettingEffect::sessionLines) sessionLevels.rebuild(bars.candles, sessionHHMM());
         if (effects & SettingEffect::hfSampling) updateHfpTimer();
-        if (effects & SettingEffect::overlaySeries) overlays.schedule();
+        // a scale of another symbol changes nothing here
+        if ((effects & SettingEffect::overlaySeries) && !(overlaySettings() == series)) overlays.schedule();
         bars.raiseChartVersion();
     }
     sim_.setCommission(config->simCommission);
