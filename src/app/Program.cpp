@@ -45,7 +45,6 @@ void Program::openAccount() {
                                                 &files_.loop(),
                                                 {},
                                                 [this](const std::string& line) { tellOfAccount(line); }});
-    SimEngine::setShared(sim_.get());
 }
 
 void Program::openPanes() {
@@ -88,7 +87,6 @@ void Program::tellOfAccount(const std::string& line) {
 Program::~Program() {
     sim_->flushPendingSave();
     panes_.reset();
-    SimEngine::setShared(nullptr);
     sim_.reset();
 }
 

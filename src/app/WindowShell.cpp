@@ -17,7 +17,6 @@
 #include "model/SimTrading.h"
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
-#include "perf/StartUp.h"
 #include "ui/pane/PaneBinding.h"
 #include "ui/pane/PaneViewModel.h"
 #include "ui/platform/QtLoop.h"
@@ -110,12 +109,12 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     }
     WindowStage stage(*window, QSize(options.width, options.height));
     QObject::connect(&view.session, &SessionViewModel::enteredChanged, window, [&] {
-        startUpStage("entered");
+        Perf::shared().startUp("entered");
         stage.apply(view.session.entered());
     });
     stage.apply(view.session.entered());
     window->show();
-    startUpStage("window");
+    Perf::shared().startUp("window");
     // `exit` has no effect before the loop runs, so it is posted.
     if (hooks.started) hooks.started([&loop](int status) { loop.post([status] { QCoreApplication::exit(status); }); });
     if (options.seconds > 0) loop.after(options.seconds, [] { QCoreApplication::exit(0); });
@@ -131,7 +130,7 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     TimedApplication app(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // the application object takes the environment's
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
-    startUpStage("application");
+    Perf::shared().startUp("application");
     prepareUpdates();
     registerFonts();
     QtLoop loop;

@@ -9,7 +9,7 @@
 #include "app/ProgramStart.h"
 #include "base/Log.h"
 #include "model/BarRollSelfTest.h"
-#include "perf/StartUp.h"
+#include "perf/Perf.h"
 #ifdef VMR_WITH_QT
 #include "app/WindowProgram.h"
 #endif
@@ -44,9 +44,9 @@ int main(int argc, char** argv) {
         vmr::Log::standardOutput().lines(vmr::usageText());
         return 0;
     }
-    vmr::startUpStage("main");
+    vmr::Perf::shared().startUp("main");
     vmr::ProgramStart start(options);
-    if (start.practice()) vmr::startUpStage("relay");
+    if (start.practice()) vmr::Perf::shared().startUp("relay");
     if (start.failure()) {
         std::fprintf(stderr, "velmora: %s\n", start.failure()->c_str());
         return 1;

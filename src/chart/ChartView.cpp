@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "perf/Perf.h"
-#include "perf/StartUp.h"
 
 namespace vmr {
 
@@ -119,7 +118,7 @@ void ChartView::setBars(std::span<const Candle> candles) {
     const auto before = ends();
     renderer_.setCandles(candles);
     barsMoved_ = barsMoved_ || before != ends();
-    if (!renderer_.candles().empty()) startUpStage("bars");
+    if (renderer_.perf && !renderer_.candles().empty()) renderer_.perf->startUp("bars");
 }
 
 // A glyph that a layer adds may move those that a layer before it has drawn already: then the frame is recorded again,

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/Clock.h"
+#include "perf/StartUp.h"
 
 namespace vmr {
 
@@ -35,6 +36,12 @@ class Perf {
     void turn(double ms);
     /// The end of a frame that took `drawMs` of CPU time to record. Every two seconds it prints the report.
     void frame(double drawMs);
+
+    /// The process has come to a stage of its start: "main", "window", "bars", "drawn" and the like; at "drawn" all are
+    /// printed. Main thread.
+    void startUp(std::string_view stage) {
+        if (const auto line = startUp_.stage(stage)) print_(*line);
+    }
 
     /// Opens the benchmark's window of measurement.
     void benchBegin();
@@ -66,6 +73,7 @@ class Perf {
 
     const Clock& clock_;
     const Print print_;
+    StartUp startUp_;
     std::mutex lock_;
     std::map<std::string, int, std::less<>> counts_;
     Samples drawTimes_, lags_;

@@ -2,22 +2,17 @@
 
 #include <fmt/format.h>
 
-#include <string>
-
 #include "base/Clock.h"
-#include "base/Log.h"
 
 namespace vmr {
 
-void startUpStage(std::string_view stage) {
-    static std::string line;
-    static bool printed = false;
+std::optional<std::string> StartUp::stage(std::string_view stage) {
+    if (over_) return std::nullopt;
     const std::string entry = fmt::format("  {} ", stage);
-    if (printed || line.find(entry) != line.npos) return;
-    line += entry + fmt::format("{:.2f}", secondsSinceProcessStart());
-    if (stage != "drawn") return;
-    printed = true;
-    Log::standardOutput().line("[perf] start-up s:" + line.substr(1));
+    if (line_.find(entry) != line_.npos) return std::nullopt;
+    line_ += entry + fmt::format("{:.2f}", secondsSinceProcessStart());
+    over_ = stage == "drawn";
+    return over_ ? std::optional("[perf] start-up s:" + line_.substr(1)) : std::nullopt;
 }
 
 }  // namespace vmr

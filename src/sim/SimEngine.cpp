@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "base/Fatal.h"
 #include "base/LocalDay.h"
 #include "market/Roots.h"
 #include "sim/Quantity.h"
@@ -10,8 +9,6 @@
 namespace vmr {
 
 namespace {
-SimEngine* sharedEngine = nullptr;
-
 bool isUsable(const std::optional<double>& price) { return price && std::isfinite(*price); }
 }  // namespace
 
@@ -24,12 +21,6 @@ SimEngine::SimEngine(SimSetup setup) : setup_(std::move(setup)) {
 SimEngine::~SimEngine() {
     if (retry_ != SerialQueue::noTimer) setup_.main->cancel(retry_);
 }
-
-SimEngine& SimEngine::shared() {
-    if (!sharedEngine) fatal("the simulator is used before it is made");
-    return *sharedEngine;
-}
-void SimEngine::setShared(SimEngine* engine) { sharedEngine = engine; }
 
 sim::Date SimEngine::now() const { return sim::dateFrom1970(setup_.clock.now()); }
 

@@ -59,10 +59,6 @@ class SimEngine {
     SimEngine(const SimEngine&) = delete;
     SimEngine& operator=(const SimEngine&) = delete;
 
-    /// The process's one engine, which the wiring names; `fatal` before that.
-    static SimEngine& shared();
-    static void setShared(SimEngine* engine);
-
     // The account -----------------------------------------------------------------------------------------------------
     enum class Field : std::uint8_t { balance, startBalance, positions, orders, fills, trades };
     /// Emitted inside an operation, each time that field has changed. A subscriber may read, but must not call an

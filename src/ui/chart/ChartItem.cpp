@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "perf/Perf.h"
-#include "perf/StartUp.h"
 #include "ui/chart/ChartItemDrawing.h"
 
 namespace vmr {
@@ -112,7 +111,7 @@ bool ChartItem::record(Gpu&, QSizeF size, double pixelRatio, double now) {
 bool ChartItem::showsInput() const { return drawing_->view->inputLagMs().has_value(); }
 
 void ChartItem::frameShown() {
-    if (!renderer().candles().empty()) startUpStage("drawn");
+    if (Perf* perf = renderer().perf; perf && !renderer().candles().empty()) perf->startUp("drawn");
 }
 
 }  // namespace vmr
