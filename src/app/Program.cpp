@@ -110,8 +110,10 @@ std::optional<std::string> Program::writeState(const std::string& file) const {
 ShellSurroundings Program::shell(std::function<void()> quit) {
     ShellSurroundings at{
         *panes_, *sim_, print_, std::move(quit), [this](const std::string& file) { return writeState(file); }, {}};
-    if (relay::PracticeRelay* relay = start_.practice())
+    if (relay::PracticeRelay* relay = start_.practice()) {
         at.practiceRelay = [relay](const std::string& line) { return relay->command(line); };
+        at.clock = &start_.steering();
+    }
     return at;
 }
 

@@ -98,7 +98,7 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     PaneViewModel view;
     view.setSurroundings({&pane.clock, &loop, &trading, &perf, pane.bench, print,
                           [&loop] { loop.post([] { QCoreApplication::exit(0); }); }});
-    const PaneBinding binding(pane.model, view, options.setupProblem, options.signInHint, &pane.sim);
+    const PaneBinding binding(pane.model, view, loop, options.setupProblem, options.signInHint, &pane.sim);
     QQmlApplicationEngine engine;
     registerQml(engine);
     engine.setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});
@@ -109,11 +109,11 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
         return 1;
     }
     WindowStage stage(*window, QSize(options.width, options.height));
-    QObject::connect(&view, &PaneViewModel::enteredChanged, window, [&] {
+    QObject::connect(&view.session, &SessionViewModel::enteredChanged, window, [&] {
         startUpStage("entered");
-        stage.apply(view.entered());
+        stage.apply(view.session.entered());
     });
-    stage.apply(view.entered());
+    stage.apply(view.session.entered());
     window->show();
     startUpStage("window");
     // `exit` has no effect before the loop runs, so it is posted.

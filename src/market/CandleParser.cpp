@@ -133,7 +133,7 @@ std::optional<Candle> candleFromMs(JsonView object) {
         bar.time = checkedInt(*ts / 1000, "the time of a bar");
     else
         bar.time = coerce::intVal(f.time);
-    if (bar.time == 0) return std::nullopt;
+    if (bar.time == 0) return std::nullopt;  // 0 is also what an unreadable time gives
     bar.volume = either(f.volume, f.volumeLong).value_or(0);
     return bar;
 }

@@ -12,7 +12,8 @@
 namespace vmr::SessionLines {
 
 namespace {
-constexpr std::int64_t calendarEnd = 900'000'000'000;  // seconds; the year 30,000 or so
+constexpr std::int64_t calendarEnd =
+    900'000'000'000;  // seconds; the year 30,000 or so, within the date library's range
 
 // Session opens of moments that mostly lie in one New York day after another. Within a day the calendar's answer is one
 // of two, before the open and from the open on, so the calendar is asked once a day.
@@ -104,7 +105,7 @@ std::vector<OverlayLine> build(const std::vector<Candle>& candles, const SRSessi
         const DaySess& day = it->second;
         const auto next = std::next(it);
         std::optional<std::int64_t> lineEnd, levelEnd;
-        if (next != days.end()) {
+        if (next != days.end()) {  // the lines of the last session have no end yet
             lineEnd = next->second.openTime;
             levelEnd = day.closeTime;
         }

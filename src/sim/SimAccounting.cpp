@@ -40,7 +40,7 @@ std::optional<SimEngine::Booking> SimEngine::bookFill(const Order& order, double
         if (*newQty == 0)
             booking.after.avg = 0;
         else if (!sameSign(*newQty, old.qty))
-            booking.after.avg = price;
+            booking.after.avg = price;  // a reversal opens the other side at this fill
     } else {
         booking.after.avg = (old.avg * static_cast<double>(sizeOf(old.qty)) + price * static_cast<double>(order.qty)) /
                             static_cast<double>(sizeOf(*newQty));
@@ -67,7 +67,7 @@ void SimEngine::rollUp(const Order& order, double price, const Booking& booking)
         return;
     }
     const auto found = account_.openTrades.find(order.sym);
-    if (found == account_.openTrades.end()) return;
+    if (found == account_.openTrades.end()) return;  // a loaded account may hold a position without its round trip
     OpenTrade& open = found->second;
     open.fees += booking.fee;
     if (booking.closed == 0) {

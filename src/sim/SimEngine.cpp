@@ -120,7 +120,7 @@ bool SimEngine::flatten(std::string_view sym) {
     if (position == account_.positions.end() || position->second.qty == 0) return false;
     const std::int64_t qty = position->second.qty;
     const std::string root(sym);
-    removeLegs(root);
+    removeLegs(root);  // first, so that the closing fill does not resize them
     return place(root, qty > 0 ? Side::sell : Side::buy, OrderType::market, sim::sizeOf(qty)).has_value();
 }
 

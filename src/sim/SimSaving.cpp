@@ -49,7 +49,7 @@ void SimEngine::save() {
 }
 
 void SimEngine::saved(std::uint64_t revision, const std::optional<std::string>& problem) {
-    const bool failed = problem && revision > savedRevision_;
+    const bool failed = problem && revision > savedRevision_;  // a newer revision may have been saved meanwhile
     if (retry_ != SerialQueue::noTimer) setup_.main->cancel(std::exchange(retry_, SerialQueue::noTimer));
     if (failed) {
         if (!saveFails_) log("simulator: the account is not saved, trying again every 5 s: " + *problem);

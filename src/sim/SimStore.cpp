@@ -28,7 +28,7 @@ std::optional<std::string> SimStore::save(const sim::Snapshot& account, std::uin
     const auto text = sim::accountText(account);
     if (!text) return "the account holds a number that is not finite";
     const std::lock_guard lock(mutex_);
-    if (revision <= written_) return std::nullopt;
+    if (revision <= written_) return std::nullopt;  // the file queue and a flush at the end may overtake each other
     if (auto problem = keepUnreadable()) return problem;
     if (auto problem = write_(file_, *text)) return problem;
     written_ = revision;
@@ -41,6 +41,7 @@ std::optional<std::string> SimStore::keepUnreadable() {
     name += ".bad-" + std::to_string(std::llround(clock_.now()));
     fs::path kept = name;
     std::error_code error;
+    // never over a file that was set aside in the same second
     for (int i = 2; fs::exists(fs::symlink_status(kept, error)); ++i) (kept = name) += "-" + std::to_string(i);
     fs::rename(file_, kept, error);
     if (error && error != std::errc::no_such_file_or_directory)

@@ -10,7 +10,12 @@ constexpr int longestLooks = static_cast<int>(PaneHost::longestEnd / lookPeriod)
 }  // namespace
 
 PaneHost::PaneHost(PaneSurroundings surroundings, Connect connect)
-    : surroundings_(std::move(surroundings)), connect_(std::move(connect)) {}
+    : surroundings_(std::move(surroundings)), connect_(std::move(connect)) {
+    steered_ = surroundings_.clock.onSteered(surroundings_.main, [this](const ClockSteering& steering) {
+        if (!steering.wentBack()) return;
+        for (Pane& pane : panes_) pane.model->reloadChart();
+    });
+}
 
 PaneHost::~PaneHost() {
     if (endingTimer_ != SerialQueue::noTimer) surroundings_.main.cancel(endingTimer_);

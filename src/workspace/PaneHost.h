@@ -16,7 +16,8 @@
 namespace vmr {
 
 /// Opens and closes panes. Main thread. All panes share the process's one session: a pane that is opened while it
-/// stands connects at once, and signing in or out in one pane is followed by the others.
+/// stands connects at once, and signing in or out in one pane is followed by the others. When market time is set back,
+/// every pane opens its chart anew, since what it shows only goes forward.
 class PaneHost {
  public:
     static constexpr std::size_t maxLive = 4;  ///< the service lets one account have only so many connections
@@ -85,6 +86,7 @@ class PaneHost {
     std::list<Pane> panes_;
     int lastNumber_ = 0;
     int active_ = 0;
+    ClockWatch steered_;
     std::list<EndingThread> ending_;
     SerialQueue::TimerId endingTimer_ = SerialQueue::noTimer;
 };

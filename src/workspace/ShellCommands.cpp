@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/NumberText.h"
+#include "market/ClockSetting.h"
 #include "workspace/SimCommands.h"
 
 namespace vmr {
@@ -80,6 +81,8 @@ void ShellCommands::addProcessCommands() {
                    }});
     addSimCommands(commands_, at_.sim);
     commands_.add({"pane", "open|close N", 1, 2, [this](CommandWords& words) { return pane(words); }});
+    commands_.add({"clock", "pause|resume|speed X|set MOMENT (practice)", 1, 2,
+                   [this](CommandWords& words) { return clock(words); }});
     commands_.add({"quit", "", 0, 0, [this](CommandWords&) {
                        at_.quit();
                        return "ok quitting";
@@ -153,6 +156,29 @@ CommandAnswer ShellCommands::pane(CommandWords& words) {
     if (!number || *number < 1 || *number > INT32_MAX) return std::nullopt;
     if (const auto problem = at_.panes.close(static_cast<int>(*number))) return "error: " + *problem;
     return "ok pane " + std::to_string(*number) + " closed";
+}
+
+CommandAnswer ShellCommands::clock(CommandWords& words) {
+    if (!at_.clock) return "error: the clock is the machine's own; start with --practice";
+    const std::string what = words.next();
+    const std::string value = words.next();
+    if (what == "pause" && value.empty()) {
+        at_.clock->pause();
+        return "ok clock paused";
+    }
+    if (what == "resume" && value.empty()) {
+        at_.clock->resume();
+        return "ok clock resumed";
+    }
+    if (what == "speed") {
+        const auto speed = parseDouble(value);
+        if (!speed || !at_.clock->setSpeed(*speed)) return "error: the speed is a number above 0";
+        return "ok clock speed " + doubleText(*speed);
+    }
+    if (what != "set") return std::nullopt;
+    const auto moment = parseMoment(value);
+    if (!moment || !at_.clock->setNow(*moment)) return "error: set needs a moment such as 2026-06-10T10:00:00";
+    return "ok clock set " + value;
 }
 
 }  // namespace vmr

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/CommandTable.h"
+#include "base/SteerableClock.h"
 #include "sim/SimEngine.h"
 #include "workspace/PaneHost.h"
 
@@ -19,6 +20,7 @@ struct ShellSurroundings {
     std::function<void()> quit;
     std::function<std::optional<std::string>(const std::string& file)> writeState;  ///< the text of what failed
     std::function<std::string(const std::string& line)> practiceRelay;  ///< its console; empty where there is none
+    SteerableClock* clock = nullptr;  ///< null where the market's time is not ours to set
 };
 
 /// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.
@@ -45,6 +47,7 @@ class ShellCommands {
     CommandAnswer set(CommandWords& words);
     CommandAnswer state(CommandWords& words);
     CommandAnswer pane(CommandWords& words);
+    CommandAnswer clock(CommandWords& words);
 
     void tell(const std::string& text) { at_.print("[cmd] " + text); }
 

@@ -49,6 +49,20 @@ class Listener final : public Subscriber {
     }
 };
 
+/// Keeps what it is sent, in order.
+class Inbox final : public Subscriber {
+ public:
+    void send(const Frame& frame) override { messages.push_back(json::parse(*frame.bytes)); }
+    /// The messages of a channel, or only those of a type.
+    std::vector<json> of(const std::string& channel, const std::string& type = {}) const {
+        std::vector<json> found;
+        for (const json& one : messages)
+            if (one["channel"] == channel && (type.empty() || one["type"] == type)) found.push_back(one);
+        return found;
+    }
+    std::vector<json> messages;
+};
+
 /// One run of the market.
 class DerivedBench {
  public:

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <map>
+#include <utility>
 
 #include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
@@ -56,6 +59,126 @@ TEST(DerivedChannels, EventsOnTheSnapshotMakeTheLaterSnapshotWhoeverAsksAndWhen)
         bench.hub.leave(early);
         later.hub.leave(late);
     }
+}
+
+TEST(DerivedChannels, ALevelIsInForceFromTheSecondThatReachedTheOneBefore) {
+    for (const char* root : {"NQ", "CL"}) {
+        DerivedBench bench;
+        const Instrument& instrument = *findTradable(root);
+        const double now = *parseMoment("2026-06-10T11:00:00");
+        const json sessions = bench.snapshot("derived:srlevels:" + std::string(root), now)["sessions"];
+        EXPECT_EQ(sessions.size(), 6u) << root;
+        for (const auto& [start, session] : sessions.items()) {
+            const std::int64_t open = std::stoll(start);
+            std::vector<Trade> trades, minute;
+            for (std::int64_t t = open; t < std::min(open + 82800, static_cast<std::int64_t>(now)); t += 60) {
+                bench.source(instrument).minuteTrades(t, minute);
+                trades.insert(trades.end(), minute.begin(), minute.end());
+            }
+            EXPECT_EQ(session["sessionOpenTs"], open);
+            EXPECT_EQ(session["openPrice"], trades.front().price) << root;
+            for (const int side : {1, -1}) {
+                const json& levels = session[side > 0 ? "up" : "dn"];
+                std::size_t reached = 0;
+                std::int64_t trigger = trades.front().timeMs / 1000;
+                for (std::size_t i = 0; i < levels.size(); ++i) {
+                    const double price = levels[i]["price"];
+                    EXPECT_EQ(levels[i]["label"], (side > 0 ? "R" : "S") + std::to_string(i + 1));
+                    EXPECT_EQ(levels[i]["triggerTime"], trigger) << root << start << i;
+                    const auto at = std::find_if(trades.begin(), trades.end(),
+                                                 [&](const Trade& one) { return side * one.price >= side * price; });
+                    if (at == trades.end()) continue;
+                    trigger = at->timeMs / 1000;
+                    ++reached;
+                }
+                EXPECT_EQ(levels.size(), std::min<std::size_t>(reached + 1, 4)) << root << start;
+            }
+        }
+    }
+}
+
+TEST(DerivedChannels, MinutesFollowFromTheChainAndTheFlow) {
+    DerivedBench bench;
+    const double now = *parseMoment("2026-06-10T10:30:00");
+    const json bubbles = bench.snapshot("derived:gexBubbles:SPY", now)["bubbles"],
+               triangles = bench.snapshot("derived:hfTriangles:SPY", now)["triangles"],
+               candles = bench.snapshot("derived:hfHistory:SPY", now)["candles"],
+               points = bench.snapshot("derived:osc:SPY", now)["points"];
+    EXPECT_EQ(bubbles.size(), 600u);
+    const OptionSource& source = *findOptionSource("SPY");
+    PricePath& path = bench.market.path(source.instrument());
+    std::vector<double> gamma, start, end;
+    json before;
+    for (const auto& [text, bubble] : bubbles.items()) {
+        const std::int64_t minute = std::stoll(text), endMs = (minute + 60) * 1000;
+        const MarketSession& session = *bench.market.session(source.instrument(), minute, endMs);
+        const OptionChain& chain = bench.chains.chain(source, session);
+        const PriceMinute prices = *path.minute(minute, endMs);
+        chain.netGamma(prices.last, endMs, gamma);
+        const auto at = [&](double strike) {
+            const auto& all = chain.strikes();
+            return static_cast<std::size_t>(std::find(all.begin(), all.end(), strike) - all.begin());
+        };
+        for (const char* number : {"", "2", "3"}) {
+            const double strike = bubble[std::string("s") + number];
+            EXPECT_NEAR(strike * chain.ratio() / prices.last, 1, 0.02);
+            EXPECT_EQ(bubble[std::string("pos") + number], gamma[at(strike)] > 0) << text << number;
+        }
+        const json& candle = candles[text];
+        const OptionFlow flow = bench.market.flow(source, session, prices.last, endMs);
+        EXPECT_EQ(candle["c"], std::round(flow.net())) << text;
+        for (const char* key : {"o", "c"}) {
+            EXPECT_GE(candle["h"], candle[key]);
+            EXPECT_LE(candle["l"], candle[key]);
+        }
+        const json last = std::exchange(before, candle);
+        if (minute == session.start || last.is_null()) continue;
+        EXPECT_EQ(candle["o"], last["c"]) << text;
+        chain.netFlow(prices.before, minute * 1000, bench.market.flow(source, session, prices.before, minute * 1000),
+                      start);
+        chain.netFlow(prices.last, endMs, flow, end);
+        std::multimap<double, double> largest;  // all net flows by their size
+        for (std::size_t i = 0; i < end.size(); ++i) {
+            const double net = std::round(end[i] - start[i]);
+            largest.emplace(-std::abs(net), net);
+        }
+        ASSERT_EQ(triangles[text]["d"].size(), 4u);
+        auto next = largest.begin();
+        for (const json& one : triangles[text]["d"]) {
+            EXPECT_EQ(one[1], std::round(end[at(one[0])] - start[at(one[0])])) << text;
+            EXPECT_EQ(std::abs(one[1].get<double>()), -next++->first) << text;
+        }
+    }
+    double most = 0;
+    for (const auto& [text, point] : points.items()) {
+        const bool day = SessionCalendar().open(std::stoll(text), Family::indices);
+        EXPECT_EQ(point.contains("vix"), day) << text;
+        for (const auto& [key, value] : point.items()) most = std::max(most, std::abs(value.get<double>()));
+        EXPECT_NEAR(point["nq"], point["es"].get<double>(), 1e-9) << "SPY's own future is ES";
+    }
+    EXPECT_LE(most, 120);
+    EXPECT_GT(most, 100);
+}
+
+TEST(DerivedChannels, EventsGoToTheirOwnSourceOnly) {
+    DerivedBench bench;
+    test::Inbox inbox;
+    bench.hub.subscribe(inbox, {"derived:QQQ", "derived:AAPL", "derived:gexBubbles:NDX"}, ms("2026-06-10T16:00:30"));
+    inbox.messages.clear();
+    for (std::int64_t now = ms("2026-06-10T16:00:30"); now <= ms("2026-06-10T16:01:10"); now += 500)
+        bench.hub.tick(now);
+    const auto patches = inbox.of("derived:QQQ", "event");
+    EXPECT_EQ(patches.size(), 40u);
+    EXPECT_TRUE(inbox.of("derived:AAPL").empty()) << "its market has closed";
+    EXPECT_FALSE(patches[0]["payload"].contains("etfRatio")) << "nor is sent what has not changed";
+    bench.hub.unsubscribe(inbox, {"derived:QQQ"});
+    inbox.messages.clear();
+    bench.hub.tick(ms("2026-06-10T16:02:00"));
+    EXPECT_FALSE(inbox.of("derived:gexBubbles:NDX").empty());
+    EXPECT_EQ(bench.snapshot("derived:gexBubbles:NDX", *parseMoment("2026-06-10T16:02:00"))["bubbles"].size(), 600u);
+    bench.hub.tick(ms("2026-06-11T16:02:01"));
+    EXPECT_EQ(inbox.messages.back()["type"], "snapshot") << "in place of a day of minutes";
+    EXPECT_EQ(inbox.of("derived:QQQ").size(), 0u);
 }
 
 TEST(DerivedChannels, AfterTheClockWasSetBackAllIsAsIfTheMarketHadOnlyJustCome) {

@@ -70,6 +70,7 @@ class RelayProbe {
         status = response.result_int();
     }
     unsigned status = 0;
+    int messages = 0;   ///< read so far
     int closeCode = 0;  ///< of the close frame that ended the connection
 
     void send(const std::string& text) { socket_.write(asio::buffer(text), failed_); }
@@ -80,6 +81,7 @@ class RelayProbe {
     std::string read() {
         beast::flat_buffer buffer;
         socket_.read(buffer, failed_);
+        messages += !failed_;
         if (failed_ == beast::websocket::error::closed) closeCode = socket_.reason().code;
         return failed_ ? "" : beast::buffers_to_string(buffer.data());
     }
@@ -102,12 +104,10 @@ class RelayProbe {
     boost::system::error_code failed_;
 };
 
-/// Signs the practice account in and gives its identity token.
-inline std::string signedIn(const PracticeRelay& relay) {
+/// Posts `body` to a path of the sign-in endpoints and gives the answer's JSON.
+inline json posted(const PracticeRelay& relay, const std::string& path, const std::string& body) {
     namespace http = beast::http;
-    const json body{{"email", relay.email()}, {"password", relay.password()}, {"returnSecureToken", true}};
-    http::request<http::string_body> request(http::verb::post, "/v1/accounts:signInWithPassword?key=" + relay.apiKey(),
-                                             11, body.dump());
+    http::request<http::string_body> request(http::verb::post, path + "?key=" + relay.apiKey(), 11, body);
     request.prepare_payload();
     asio::io_context context;
     tcp::socket socket(context);
@@ -116,7 +116,13 @@ inline std::string signedIn(const PracticeRelay& relay) {
     http::response<http::string_body> response;
     beast::flat_buffer buffer;
     http::read(socket, buffer, response);
-    return json::parse(response.body()).value("idToken", "");
+    return json::parse(response.body());
+}
+
+/// Signs the practice account in.
+inline json signedIn(const PracticeRelay& relay) {
+    const json body{{"email", relay.email()}, {"password", relay.password()}, {"returnSecureToken", true}};
+    return posted(relay, "/v1/accounts:signInWithPassword", body.dump());
 }
 
 struct RunningRelay : testing::Test {
@@ -124,7 +130,7 @@ struct RunningRelay : testing::Test {
         relay = std::make_unique<PracticeRelay>(clock, options);
         const auto wrong = relay->start();
         ASSERT_FALSE(wrong) << *wrong;
-        token = signedIn(*relay);
+        token = signedIn(*relay).value("idToken", "");
     }
     void SetUp() override { start(); }
     std::unique_ptr<RelayProbe> greeted() {

@@ -1,7 +1,8 @@
+#include <filesystem>
+#include <fstream>
+
 #include "base/Json.h"
 #include "market/CandleParser.h"
-#include "relay/BarBook.h"
-#include "relay/MarketTime.h"
 #include "relay/RelayProbe.h"
 
 namespace vmr::relay {
@@ -68,45 +69,59 @@ TEST_F(RelayProtocol, SnapshotsComeInOrderAndInEveryShape) {
     EXPECT_EQ(snapshots["meta:instruments"]["catalog"]["futures"].size(), 6u);
 }
 
-TEST_F(RelayProtocol, LiveTradesContinueTheSnapshotOfEarlyAndLateSubscribersExactly) {
-    const auto first = greeted(), second = greeted();
-    first->subscribe({"futures:ESM6:trades", "futures:ESM6", "futures:ESM6:1m"});
-    auto bars = parsed(first->next("snapshot", "futures:ESM6")["data"]);
-    clock.advance(17.3);
-    second->subscribe({"futures:ESZ6", "futures:ESZ6:trades"});
-    auto others = parsed(second->next("snapshot", "futures:ESZ6")["data"]);
+struct RelayStart : test::RunningRelay {
+    void SetUp() override {}
+    std::string fault(const PracticeRelayOptions& options) {
+        return PracticeRelay(clock, options).start().value_or("");
+    }
+};
 
-    const auto apply = [](std::vector<Candle>& series, const json& events) {
-        for (const json& event : events) {
-            const Trade trade{event["ts"], event["price"], event["size"], 0, 0};
-            std::optional<Candle> bar;
-            if (series.back().time == minuteOf(trade.timeMs)) {
-                bar = series.back();
-                series.pop_back();
-            }
-            addTrade(bar, minuteOf(trade.timeMs), trade);
-            series.push_back(*bar);
-        }
-    };
-    const auto end = static_cast<std::int64_t>(*parseMoment("2026-06-10T10:04:00"));
-    for (std::int64_t lastClosed = 0; lastClosed < end - 60;) {
-        if (clock.now() < static_cast<double>(end)) clock.advance(13.7);
-        const json message = json::parse(first->read());
-        if (message["type"] == "batch") apply(bars, message["events"]);
-        if (message["type"] != "event") continue;
-        const auto closed = parsed(message["payload"]);
-        ASSERT_EQ(closed.size(), 1u);
-        EXPECT_EQ(closed[0], bars.back()) << "the closed bar is that of the trades before it";
-        lastClosed = closed[0].time;
-    }
-    while (others.back().time < end) apply(others, second->next("batch", "futures:ESZ6:trades")["events"]);
-    const auto ledger = relay->ledger("futures:ESM6");
-    for (auto* series : {&bars, &others}) {
-        while (series->back().time >= end) series->pop_back();
-        ASSERT_GE(ledger.size(), series->size());
-        EXPECT_TRUE(std::equal(series->begin(), series->end(), ledger.begin()));
-        EXPECT_EQ(series->back().time, end - 60);
-    }
+TEST_F(RelayStart, FailsWithAReasonAndOverwritesNothingThen) {
+    const std::string file = testing::TempDir() + "/relay_start";
+    std::ofstream(file) << "no recording";
+    PracticeRelayOptions options;
+    options.tape = TapeOptions{file, "I:VIX"};
+    EXPECT_EQ(fault(options), "\"I:VIX\" is neither a futures root nor a stock of the practice market");
+    options.replay = file;
+    EXPECT_EQ(fault(options), "a tape and a recording cannot play at once");
+    options.tape.reset();
+    options.record = testing::TempDir() + "./relay_start";
+    EXPECT_EQ(fault(options), "the recording " + file + " cannot be played and written at once");
+    options.record = file + "_other";
+    std::ofstream(*options.record) << "kept";
+    EXPECT_EQ(fault(options), "the file " + file + " is no recording of a relay");
+    EXPECT_EQ(std::filesystem::file_size(*options.record), 4u);
+    options.replay.reset();
+    options.record = testing::TempDir();
+    EXPECT_NE(fault(options).find("cannot be written"), std::string::npos);
+
+    PracticeRelay idle(clock, {});
+    EXPECT_EQ(idle.command("status"), "error: the relay does not run");
+    EXPECT_EQ(idle.relayUrl() + idle.restUrl(), "");
+    start();
+    EXPECT_EQ(relay->start(), "the relay runs already");
+    options = {};
+    options.restPort = test::endpointOf(relay->relayUrl()).port();
+    EXPECT_NE(fault(options).find("port " + std::to_string(options.restPort)), std::string::npos);
+}
+
+TEST_F(RelayStart, ATapeIsTheMarketOfItsSymbolAlone) {
+    const std::string file = testing::TempDir() + "/relay_market.csv";
+    std::ofstream(file) << "ts,price,size\n1781100000,70.5,2\n1781100010,70.25,1\n1781100030,71,4\n";
+    PracticeRelayOptions options;
+    options.tape = TapeOptions{file, "CL"};
+    start(options);
+    EXPECT_EQ(relay->ledger("futures:CLN6"), (std::vector<Candle>{{1781100000, 70.5, 70.5, 70.25, 70.25, 3}}));
+    EXPECT_GE(relay->ledger("futures:GCQ6").size(), 5000u);
+    EXPECT_TRUE(relay->ledger("futures:XXM6").empty());
+    const auto probe = greeted();
+    probe->subscribe({"futures:CLN6:trades", "futures:CLN6:quote"});
+    EXPECT_EQ(probe->next("snapshot")["data"], (json{{"bid", 70.25}, {"ask", 70.26}}));
+    clock.advance(3600);
+    EXPECT_EQ(probe->next("batch")["events"], json::parse(R"([{"price":71,"size":4,"ts":1781100030000}])"));
+    clock.advance(3600);
+    relay->command("contract NQ NQZ6");
+    EXPECT_EQ(relay->ledger("futures:CLN6").size(), 1u) << "its history is over, and the bar under way";
 }
 
 TEST_F(RelayProtocol, AClockThatIsSetSendsNothingFromTheFutureAndNothingTwice) {

@@ -10,10 +10,12 @@
 #include <boost/beast/websocket.hpp>
 #include <boost/beast/websocket/ssl.hpp>
 #include <cstdlib>
+#include <future>
 #include <list>
 #include <thread>
 
 #include "base/AsioLoop.h"
+#include "base/Clock.h"
 #include "services/net/BeastWebSocket.h"
 #include "services/net/CurlHttpClient.h"
 
@@ -264,6 +266,51 @@ TEST_F(BeastSocket, CancelSendsItsCodeAndNoEventFollows) {
     socket.reset();  // while it connects
     loop.after(0.05, [this] { tell("later"); });
     EXPECT_THAT(next(1), ElementsAre("later"));
+}
+
+TEST_F(BeastSocket, AThreadThatFinishesSaysGoodbyeAndWaitsForNobody) {
+    std::promise<int> code;
+    const auto polite = serve([&](Session& session) {
+        error_code error;
+        boost::beast::flat_buffer buffer;
+        while (!error) session.read(buffer, error);
+        code.set_value(session.reason().code);
+    });
+    const auto deaf = serve([](Session& session) { waitForEnd(session.next_layer()); });
+    const SystemClock clock;
+    const auto endsWithin = [&clock](const AsioThread& thread, double seconds) {
+        const double until = clock.monotonic() + seconds;
+        while (!thread.ended() && clock.monotonic() < until) std::this_thread::yield();
+        return thread.ended();
+    };
+    for (const auto& [url, hurried] : {std::pair(polite, false), {deaf, false}, {deaf, true}}) {
+        auto thread = std::make_unique<AsioThread>("velmora.test");
+        std::promise<void> opened;
+        std::unique_ptr<WebSocket> mine = makeBeastWebSockets(thread->loop())();
+        thread->loop().every(1, 1, [] {});
+        WebSocket::Events events;
+        events.onOpen = [&] { opened.set_value(); };
+        thread->loop().post([&, address = url] { mine->open(address, 60000, events); });
+        opened.get_future().wait();
+        thread->loop().post([&mine] {
+            mine->cancel(1001);
+            mine.reset();
+        });
+        const double before = clock.monotonic();
+        thread->finish();
+        if (url == polite) {
+            EXPECT_TRUE(endsWithin(*thread, 30));
+            EXPECT_EQ(code.get_future().get(), 1001);
+        } else {
+            EXPECT_FALSE(endsWithin(*thread, 0.1)) << "the other side has not answered";
+            if (hurried) {
+                thread->quit();
+                EXPECT_TRUE(endsWithin(*thread, 30));
+            }
+        }
+        thread.reset();
+        EXPECT_LT(clock.monotonic() - before, AsioThread::patience + 2) << "a deaf server holds nobody up";
+    }
 }
 
 TEST_F(BeastSocket, SecureConnectionsCheckTheAuthorityAndTheName) {

@@ -106,10 +106,7 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
 }
 
 TEST_F(ChartItemInput, TakingThePointerAwayEndsADrag) {
-    int ended = 0;
-    PaneViewModel::Actions actions;
-    actions.interactionEnded = [&] { ++ended; };
-    ui.view.setActions(actions);
+    const int& ended = ui.source.dragsEnded;
     QTest::mousePress(ui.window, Qt::LeftButton, {}, inWindow(300, 100));
     for (const double y : {150, 180}) QTest::mouseMove(ui.window, inWindow(300, y));
     EXPECT_TRUE(chart->renderer().interacting());
@@ -125,11 +122,11 @@ TEST(Views, SignInByKeyboardAlone) {
     UiWindow ui(QSize(1000, 580), {});
     ASSERT_NE(ui.window, nullptr);
     QStringList calls;
-    PaneViewModel::Actions actions;
+    SessionViewModel::Actions actions;
     actions.signIn = [&](const QString& email, const QString& password, bool remember) {
         calls.push_back(email + '|' + password + (remember ? "|remember" : ""));
     };
-    ui.view.setActions(actions);
+    ui.view.session.setActions(actions);
     ASSERT_TRUE(runUntil([&] { return ui.window->activeFocusItem() != nullptr; }));
     const auto type = [&](const char* text) {
         for (; *text; ++text) QTest::keyClick(ui.window, *text);
@@ -146,14 +143,14 @@ TEST(Views, SignInByKeyboardAlone) {
     press(Qt::Key_Return);
     EXPECT_EQ(calls, QStringList{"ann@example.com|s3 cret"}) << "not to be remembered";
 
-    auto fields = ui.view.fields();
+    auto fields = ui.view.session.state();
     fields.signingIn = true;
-    ui.view.setFields(fields);
+    ui.view.session.set(fields);
     press(Qt::Key_Return);
     EXPECT_EQ(calls.size(), 1);
     fields.signingIn = false;
     fields.authError = "Auth error (400): INVALID_PASSWORD";
-    ui.view.setFields(fields);
+    ui.view.session.set(fields);
     EXPECT_EQ(ui.item("error")->property("text").toString(), fields.authError);
     press(Qt::Key_Enter);
     EXPECT_EQ(calls.size(), 2) << "ready for another try";

@@ -13,18 +13,19 @@ namespace {
 
 struct Pane {
     explicit Pane(std::vector<Candle> list)
-        : data(std::move(list), {.strikes = 20, .minutes = 20, .bubbles = 1, .triangles = 1, .ratio = 10.0}) {
+        : data(list, {.strikes = 20, .minutes = 20, .bubbles = 1, .triangles = 1, .ratio = 10.0}),
+          source(std::move(list)) {
         data.config.initialCandles = 20;
-        show();
+        source.scene = &data;
+        source.feed(view);
     }
     void show() {
-        PaneViewModel::Chart chart;
-        chart.candles = &data.candles;
-        setScene(chart, data);
-        view.setChart(chart);
+        source.bars = data.candles;
+        source.changed();
     }
 
     SceneData data;
+    SceneSource source;
     PaneViewModel view;
     ChartItem* item = nullptr;
 };
@@ -91,9 +92,9 @@ TEST_F(TwoPanes, EachShowsItsOwnAndIsDrawnForItsOwnSake) {
 }
 
 TEST_F(TwoPanes, OneTakesTheOthersPaneAndOneGoesAway) {
-    auto bare = right_.view.chart();
-    bare.overlays = nullptr;
-    right_.view.setChart(bare);
+    right_.data.series = {};
+    right_.data.srLines.clear();
+    right_.show();
     delete right_.item;
     left_.item->magnify(0.5);
     left_.item->setPane(&right_.view);

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "support/StillAccount.h"
-#include "tests/chart/FullScene.h"
+#include "ui/SceneSource.h"
 #include "ui/chart/ChartItem.h"
 #include "ui/pane/PaneViewModel.h"
 #include "ui/platform/UiSetup.h"
@@ -64,33 +64,16 @@ inline bool comesToRest(const int& swaps) {
     });
 }
 
-/// Makes everything of `data` but the bars the chart's; `data` must outlive it.
-inline void setScene(PaneViewModel::Chart& chart, const SceneData& data) {
-    chart.config = data.config;
-    chart.overlays = &data.overlays;
-    ++chart.overlayRevision;
-    chart.levels = &data.levels;
-    chart.strikes = &data.strikes;
-    chart.etfRatio = data.ratio;
-    chart.flipStrike = data.flip;
-    chart.secStrikes = &data.secStrikes;
-    chart.secRatio = data.secRatio;
-    chart.bubbles = &data.bubbles;
-    chart.triangles = &data.triangles;
-    chart.simRoot = "NQ";
-}
-
 class UiWindow {
  public:
-    explicit UiWindow(QSize size, const PaneViewModel::Fields& fields, std::vector<Candle> bars = {})
-        : account(bars.empty() ? 0 : bars.back().close), bars_(std::move(bars)) {
-        view.setFields(fields);
+    explicit UiWindow(QSize size, const SessionViewModel::State& session, std::vector<Candle> bars = {})
+        : account(bars.empty() ? 0 : bars.back().close), source(std::move(bars)) {
+        view.session.set(session);
+        view.toolbar.set({.futures = QStringList{"NQ", "ES"}});
         PaneViewModel::Surroundings at;
         at.trading = &account;
         view.setSurroundings(std::move(at));
-        chart.candles = &bars_;
-        chart.config.initialCandles = 20;
-        view.setChart(chart);
+        source.feed(view);
         engine_ = std::make_unique<QQmlApplicationEngine>();
         registerQml(*engine_);
         engine_->setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});
@@ -106,33 +89,27 @@ class UiWindow {
         runUntil([this] { return swaps > 0; });
     }
 
-    static PaneViewModel::Fields entered() {
-        PaneViewModel::Fields out;
-        out.entered = out.connected = true;
-        out.futures = QStringList{"NQ", "ES"};
-        return out;
-    }
+    static SessionViewModel::State entered() { return {.entered = true, .connected = true}; }
 
     ChartItem* chartItem() const { return window->findChild<ChartItem*>(); }
     QQuickItem* item(const char* name) const { return window->findChild<QQuickItem*>(QLatin1String(name)); }
 
-    std::vector<Candle>& bars() { return bars_; }
-    void showBars() { view.setChart(chart); }
+    std::vector<Candle>& bars() { return source.bars; }
+    void showBars() { source.changed(); }
     /// Everything beside the bars; `data` must outlive what is shown.
     void showScene(const SceneData& data) {
-        setScene(chart, data);
+        source.scene = &data;
         showBars();
     }
     bool settle() { return comesToRest(swaps); }
 
     StillAccount account;  ///< its lines are shown with a scene
+    SceneSource source;
     PaneViewModel view;
-    PaneViewModel::Chart chart;
     QQuickWindow* window = nullptr;
     int swaps = 0;
 
  private:
-    std::vector<Candle> bars_;
     std::unique_ptr<QQmlApplicationEngine> engine_;
 };
 

@@ -121,7 +121,7 @@ void FirebaseRESTAuth::signIn(const std::string& address, const std::string& pas
         idToken = std::move(granted.idToken);
         refreshToken = std::move(granted.refreshToken);
         localId = std::move(granted.localId);
-        email = address;
+        email = address;  // as the user typed it, whatever spelling the server answers
         expiresAt = clock_.monotonic() + granted.lifetime - expiryMargin;
         persist();
         done(std::nullopt);
@@ -130,6 +130,7 @@ void FirebaseRESTAuth::signIn(const std::string& address, const std::string& pas
 
 void FirebaseRESTAuth::refresh(std::function<void(std::variant<std::string, AuthError>)> done) {
     if (!refreshToken) return done(AuthError{AuthError::Kind::notSignedIn, 0, {}});
+    // The token goes out unescaped: the endpoint takes it byte for byte.
     HttpRequest request{"POST",
                         withKey(endpoints_.secureTokenUrl, "/v1/token", endpoints_),
                         {{"Content-Type", "application/x-www-form-urlencoded"}},

@@ -192,6 +192,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         task_->open(url, timing_.maximumMessageSize, std::move(events));
     }
 
+    // The greeting has no time limit; heartbeats, which notice a dead line, begin with it.
     void socketOpened() {
         stopTimer(connectTimer_);
         log("socket opened, awaiting hello…");
@@ -227,7 +228,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
     void scheduleReconnect(std::optional<double> forced = std::nullopt) {
         if (manualClose_ || reconnectPending_) return;
         reconnectPending_ = true;
-        const int n = reconnectAttempt_++;
+        const int n = reconnectAttempt_++;  // a forced delay counts as an attempt, too
         const double delay = forced.value_or(std::min(timing_.reconnectBase * std::exp2(n), timing_.reconnectMax));
         log("reconnecting in " + std::to_string(static_cast<long long>(delay)) + "s (attempt " +
             std::to_string(reconnectAttempt_) + ")");
@@ -288,7 +289,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
 
     void channelMessageCame(const Json& document, JsonView body, const std::string& type) {
         const JsonView channel = document["channel"];
-        const bool batch = &type == &batchType;
+        const bool batch = &type == &batchType;  // `type` is always one of the three constants
         if (!channel.isString() || (batch && !body.isArray())) return;
         auto delivery = std::make_shared<Delivery>();
         delivery->message.channel = channel.string();

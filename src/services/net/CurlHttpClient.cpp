@@ -62,8 +62,9 @@ void setHeaders(Transfer& transfer) {
     const auto add = [&transfer](const std::string& line) {
         if (auto* longer = curl_slist_append(transfer.headers, line.c_str())) transfer.headers = longer;
     };
-    for (const auto& [name, value] : transfer.request.headers) add(value.empty() ? name + ";" : name + ": " + value);
-    add("Expect:");  // no extra round trip before a body
+    for (const auto& [name, value] : transfer.request.headers)
+        add(value.empty() ? name + ";" : name + ": " + value);  // libcurl's form of a header without a value is "name;"
+    add("Expect:");                                             // no extra round trip before a body
     curl_easy_setopt(transfer.easy, CURLOPT_HTTPHEADER, transfer.headers);
 }
 
@@ -73,7 +74,7 @@ bool prepare(Transfer& transfer) {
     const auto set = [easy = transfer.easy](CURLoption option, auto value) { curl_easy_setopt(easy, option, value); };
     set(CURLOPT_PRIVATE, static_cast<void*>(&transfer));
     set(CURLOPT_ERRORBUFFER, transfer.errorText);
-    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_NOSIGNAL, 1L);  // signals would reach other threads
     set(CURLOPT_URL, transfer.request.url.c_str());
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
@@ -82,11 +83,11 @@ bool prepare(Transfer& transfer) {
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
     set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    set(CURLOPT_ACCEPT_ENCODING, "");
+    set(CURLOPT_ACCEPT_ENCODING, "");  // every encoding that libcurl can unpack
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(std::clamp(transfer.request.timeoutSeconds, 0.001, 86400.0) * 1000));
     set(CURLOPT_WRITEFUNCTION, takeBody);
     set(CURLOPT_WRITEDATA, static_cast<void*>(&transfer));
-    if (transfer.loopback) set(CURLOPT_PROXY, "");
+    if (transfer.loopback) set(CURLOPT_PROXY, "");  // a proxy cannot reach this machine's own servers
     setMethod(transfer);
     setHeaders(transfer);
     return true;
@@ -96,7 +97,7 @@ bool hasControl(const std::string& text) {
     return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 32 || c == 127; });
 }
 
-/// Why the request cannot be sent at all.
+/// Why the request must not be sent, if so. A line break in a header would smuggle in a second header.
 std::optional<std::string> refusal(const HttpRequest& request, const std::optional<Url>& url) {
     if (!url) return "not an address";
     if (url->scheme != "https" && (url->scheme != "http" || !url->loopback))

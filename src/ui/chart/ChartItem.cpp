@@ -1,131 +1,118 @@
 #include "ui/chart/ChartItem.h"
 
-#include <QCoreApplication>
-#include <span>
+#include <QQuickWindow>
+#include <QScreen>
+#include <cmath>
 #include <utility>
 
-#include "base/Log.h"
+#include "perf/Perf.h"
 #include "perf/StartUp.h"
 #include "ui/chart/ChartItemDrawing.h"
 
 namespace vmr {
 
-namespace {
-
-template <class T>
-std::span<const T> all(const std::vector<T>* list) {
-    return list ? std::span<const T>(*list) : std::span<const T>();
-}
-
-}  // namespace
-
-ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make_unique<Drawing>(gpu(), glyphs())) {
+ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make_unique<Drawing>()) {
     setAcceptedMouseButtons(Qt::LeftButton | Qt::RightButton);
     setAcceptHoverEvents(true);
     setActiveFocusOnTab(true);
-    drawing_->renderer.addScreenLayer(drawing_->barLabels);
-    drawing_->renderer.addScreenLayer(drawing_->tradingLines);
-    drawing_->renderer.addScreenLayer(drawing_->axis);
-    drawing_->renderer.onNeedsDisplay = [this] { requestFrame(); };
-    drawing_->renderer.onViewport = [this](double first, double count, double minP, double maxP) {
-        if (Perf* perf = drawing_->renderer.perf) perf->bump("ChartOverlay");
-        if (pane_ && pane_->actions().viewportChanged)
-            pane_->actions().viewportChanged(Viewport{first, count, minP, maxP});
-        if (pane_ && pane_->surroundings().bench.baseline) emit pane_->changed();
-    };
-    drawing_->renderer.onInteractionEnd = [this] {
-        if (pane_ && pane_->actions().interactionEnded) pane_->actions().interactionEnded();
-    };
-    makeInput();
+    makeView();
 }
 
 ChartItem::~ChartItem() { leavePane(); }
 
-void ChartItem::leavePane() {
-    if (!pane_) return;
-    disconnect(pane_, nullptr, this, nullptr);
-    pane_->setInteractingProbe({});
-    if (pane_->actions().viewportChanged) pane_->actions().viewportChanged(std::nullopt);
+// Clock, loop, account and probe are the pane's. The panes of one program share theirs, and then the view stays what it
+// is, its size and its camera's followers included.
+void ChartItem::makeView() {
+    const PaneViewModel::Surroundings none;
+    const auto& at = pane_ ? pane_->surroundings() : none;
+    Drawing& own = *drawing_;
+    MainLoop& main = at.main ? *at.main : own.loop;
+    const Clock& clock = at.clock ? *at.clock : own.clock;
+    own.drive.reset();
+    own.camera.end();
+    const Drawing::Given given{&clock, &main, at.trading, at.perf};
+    if (!own.view || own.given != given) {
+        setLive(false);  // of the view before
+        own.view.reset();
+        own.view = std::make_unique<ChartView>(
+            ChartView::Surroundings{gpu(), glyphs(), own.session, clock, main, at.perf, at.trading});
+        own.given = given;
+        watchView();
+    }
+    setPerf(at.perf, at.bench.input);
+    if (at.bench.baseline) own.camera = own.view->viewportState()->changed.connect([this] { pane_->notifyAll(); });
+    if (at.bench.drives() && at.perf && at.print)
+        own.drive = std::make_unique<PerfDrive>(renderer(), input(), main, *at.perf, at.bench, at.print, at.quit);
+}
+
+void ChartItem::watchView() {
+    ChartView& view = *drawing_->view;
+    view.setSize(width(), height());
+    view.onNeedsFrame = [this] { requestFrame(); };
+    view.onMoved = [this] { updateCrosshair(); };  // with the frame, not after it
+    view.onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
+    input().onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
+    input().onCursor = [this](ChartCursor cursor) { showCursor(cursor); };
+}
+
+void ChartItem::setLiveRefresh(bool on) {
+    const auto& print = pane_ ? pane_->surroundings().print : nullptr;
+    const auto* screen = window() ? window()->screen() : nullptr;
+    if (on && print)
+        print("[perf] liveRefresh ON — frame clock @ up to " +
+              std::to_string(std::lround(screen ? screen->refreshRate() : 60)) + " Hz");
+    setLive(on);
 }
 
 PaneViewModel* ChartItem::pane() const { return pane_; }
+
+void ChartItem::leavePane() {
+    if (!pane_) return;
+    disconnect(&pane_->chart, nullptr, this, nullptr);
+    drawing_->view->setSource(nullptr);
+    pane_->chart.setPort(nullptr);
+}
 
 void ChartItem::setPane(PaneViewModel* pane) {
     if (pane == pane_) return;
     leavePane();
     pane_ = pane;
-    makeInput();
+    makeView();
     if (pane_) {
-        pane_->setInteractingProbe([this] { return drawing_->renderer.interacting(); });
-        connect(pane_, &PaneViewModel::chartChanged, this, &ChartItem::chartTold);
-        connect(pane_, &PaneViewModel::changed, this, &ChartItem::chartTold);
-        connect(pane_, &PaneViewModel::accountChanged, this, &ChartItem::requestFrame);
-        drawing_->renderer.setOverlayGeometry({});
-        drawing_->renderer.setCandles({});
-        chartDirty_ = true;
-        drawnOverlays_ = 0;
-        requestFrame();
+        connect(&pane_->chart, &ChartViewModel::sourceChanged, this, &ChartItem::readPane);
+        connect(&pane_->chart, &ChartViewModel::accountChanged, this, [this] { drawing_->view->redraw(); });
+        readPane();
     }
+    requestFrame();
     emit paneChanged();
 }
 
-ChartRenderer& ChartItem::renderer() { return drawing_->renderer; }
+void ChartItem::readPane() {
+    drawing_->view->setSource(pane_->chart.source());
+    if (pane_->chart.source()) pane_->chart.setPort(drawing_->view.get());
+}
+
+ChartRenderer& ChartItem::renderer() { return drawing_->view->renderer(); }
+
+ChartInput& ChartItem::input() { return drawing_->view->input(); }
+
+const std::shared_ptr<ViewportState>& ChartItem::viewportState() const { return drawing_->view->viewportState(); }
 
 void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
     FrameItem::geometryChange(now, before);
     if (now.size() == before.size()) return;
-    drawing_->input->setSize(now.width(), now.height());
+    drawing_->view->setSize(now.width(), now.height());
     updateCrosshair();
 }
 
-// Much of what a pane tells changes nothing on the chart. So the news of a turn are taken after it, and the renderer
-// finds whether they are worth a frame; while one is on its way, they wait for it.
-void ChartItem::chartTold() {
-    if (std::exchange(chartDirty_, true) || pump().state() == FramePump::State::asked) return;
-    QMetaObject::invokeMethod(this, &ChartItem::takeChart, Qt::QueuedConnection);
-}
-
-// The bars come last, so that the camera's rules see the rest as it is.
-void ChartItem::takeChart() {
-    if (!pane_ || !std::exchange(chartDirty_, false)) return;
-    const auto& chart = pane_->chart();
-    ChartRenderer& renderer = drawing_->renderer;
-    if (drawing_->axis.setTimeframe(pane_->timeframe())) requestFrame();
-    renderer.sessionHHMM = chart.sessionHHMM;
-    renderer.setRenderConfig(chart.config);
-    renderer.setLevels(all(chart.levels));
-    renderer.setStrikes(all(chart.strikes), chart.etfRatio, chart.flipStrike);
-    renderer.setSecStrikes(all(chart.secStrikes), chart.secRatio);
-    drawing_->input->simRoot = chart.simRoot;
-    if (std::exchange(drawing_->tradingLines.root, chart.simRoot) != chart.simRoot) requestFrame();
-    renderer.setBubbles(all(chart.bubbles), all(chart.triangles));
-    if (chart.overlays && std::exchange(drawnOverlays_, chart.overlayRevision) != chart.overlayRevision)
-        renderer.setOverlayGeometry(*chart.overlays);
-    const bool emptied = pane_->empty() && !renderer.candles().empty();
-    const auto lastBar = [&] { return renderer.candles().empty() ? 0 : renderer.candles().back().time; };
-    const auto before = std::pair(renderer.candles().size(), lastBar());
-    renderer.setCandles(all(chart.candles));
-    barsMoved_ = barsMoved_ || before != std::pair(renderer.candles().size(), lastBar());
-    if (!renderer.candles().empty()) startUpStage("bars");
-    if (emptied) requestFrame();
-}
-
 bool ChartItem::record(Gpu&, QSizeF size, double pixelRatio, double now) {
-    takeChart();
-    ChartRenderer& renderer = drawing_->renderer;
-    Perf* const perf = renderer.perf;
-    if (recordsAgain()) renderer.perf = nullptr;
-    const bool moves = renderer.drawFrame(size.width(), size.height(), pixelRatio, now);
-    renderer.perf = perf;
-    const bool barsMoved = std::exchange(barsMoved_, false);
-    if (barsMoved || renderer.camera().snapLerps) updateCrosshair();  // with this frame, not after it
-    return moves;
+    return drawing_->view->record(size.width(), size.height(), pixelRatio, now);
 }
 
-bool ChartItem::showsInput() const { return drawing_->renderer.inputLagMs().has_value(); }
+bool ChartItem::showsInput() const { return drawing_->view->inputLagMs().has_value(); }
 
 void ChartItem::frameShown() {
-    if (!drawing_->renderer.candles().empty()) startUpStage("drawn");
+    if (!renderer().candles().empty()) startUpStage("drawn");
 }
 
 }  // namespace vmr

@@ -3,9 +3,9 @@
 
 #include <QPointer>
 #include <QVariantList>
-#include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "chart/ChartInput.h"
@@ -16,6 +16,7 @@
 namespace vmr {
 
 class ChartRenderer;
+class ViewportState;
 
 /// Translates Qt's events for the chart's own rules, and gives QML what lies over the chart. Main thread.
 class ChartItem : public FrameItem {
@@ -41,7 +42,10 @@ class ChartItem : public FrameItem {
     /// A pinch by a touch screen, as a share of its size.
     Q_INVOKABLE void magnify(qreal magnification);
 
+    /// Until a pane with other surroundings is set.
     ChartRenderer& renderer();
+    /// The camera, for whoever follows it; another one after a pane with other surroundings is set.
+    const std::shared_ptr<ViewportState>& viewportState() const;
 
  signals:
     void paneChanged();
@@ -66,18 +70,18 @@ class ChartItem : public FrameItem {
 
  private:
     struct Drawing;
-    void chartTold();
+    void makeView();
+    void watchView();
+    void setLiveRefresh(bool on);
     void leavePane();
-    void takeChart();
-    void makeInput();
+    void readPane();
+    ChartInput& input();
+    void showCursor(ChartCursor cursor);
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
 
     std::unique_ptr<Drawing> drawing_;
     QPointer<PaneViewModel> pane_;
-    bool chartDirty_ = true;  ///< the pane told of a chart that `takeChart` has not seen
-    bool barsMoved_ = false;  ///< bars came or went since the crosshair was told
-    std::uint64_t drawnOverlays_ = 0;
     ChartPoint lastPress_;  ///< where a drag has come to
     std::vector<OrderMenuItem> orderMenu_;
     std::string orderMenuRoot_;  ///< what it trades

@@ -1,42 +1,36 @@
 // What a chart item draws with and is driven by. Private to the item's sources.
 #pragma once
 
-#include <QCoreApplication>
-#include <functional>
 #include <memory>
 
 #include "base/Clock.h"
-#include "chart/AxisLayer.h"
-#include "chart/BarLabelLayer.h"
-#include "chart/ChartRenderer.h"
+#include "chart/ChartView.h"
 #include "chart/PerfDrive.h"
-#include "chart/TradingLinesLayer.h"
 #include "market/SessionTime.h"
-#include "perf/Perf.h"
 #include "ui/chart/ChartItem.h"
 #include "ui/chart/CrosshairState.h"
 #include "ui/platform/QtLoop.h"
 
 namespace vmr {
 
-inline void postToMain(std::function<void()> task) {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(task), Qt::QueuedConnection);
-}
-
 struct ChartItem::Drawing {
-    Drawing(Gpu& gpu, GlyphSource& glyphs)
-        : barLabels(glyphs), tradingLines(glyphs), axis(glyphs, session), renderer(gpu, clock, postToMain) {}
+    /// What of the pane's surroundings the view was made with.
+    struct Given {
+        const Clock* clock = nullptr;
+        MainLoop* main = nullptr;
+        ChartTrading* trading = nullptr;
+        Perf* perf = nullptr;
+        bool operator==(const Given&) const = default;
+    };
 
     SystemClock clock;
     SessionTime session;
-    BarLabelLayer barLabels;
-    TradingLinesLayer tradingLines;
-    AxisLayer axis;
-    ChartRenderer renderer;
-    CrosshairState crosshair;
     QtLoop loop;  // for a chart whose pane names none
-    std::unique_ptr<ChartInput> input;
+    CrosshairState crosshair;
+    Given given;
+    std::unique_ptr<ChartView> view;  // never null
     std::unique_ptr<PerfDrive> drive;
+    Connection camera;
 };
 
 }  // namespace vmr

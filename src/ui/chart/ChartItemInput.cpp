@@ -2,11 +2,10 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QNativeGestureEvent>
-#include <QQuickWindow>
-#include <QScreen>
 #include <QVariantMap>
 #include <cmath>
 
+#include "perf/Perf.h"
 #include "ui/chart/ChartItem.h"
 #include "ui/chart/ChartItemDrawing.h"
 
@@ -34,36 +33,7 @@ Qt::CursorShape shapeOf(ChartCursor cursor) {
 }
 }  // namespace
 
-void ChartItem::makeInput() {
-    const PaneViewModel::Surroundings none;
-    const auto& at = pane_ ? pane_->surroundings() : none;
-    Drawing& own = *drawing_;
-    own.drive.reset();
-    setLive(false);  // of the input before
-    MainLoop& main = at.main ? *at.main : own.loop;
-    own.input =
-        std::make_unique<ChartInput>(own.renderer, own.session, at.clock ? *at.clock : own.clock, main, at.perf);
-    own.input->setSize(width(), height());
-    own.input->trading = at.trading;
-    own.tradingLines.trading = at.trading;
-    own.input->drawnMarks = &own.tradingLines.marks();
-    own.renderer.perf = at.perf;
-    setPerf(at.perf, at.bench.input);
-    own.input->onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
-    own.input->onCursor = [this](ChartCursor cursor) { setCursor(shapeOf(cursor)); };
-    own.input->onMarketClosedOrder = [this] {
-        if (pane_ && pane_->actions().marketClosedOrder) pane_->actions().marketClosedOrder();
-    };
-    own.input->onLiveRefresh = [this, print = at.print](bool on) {
-        const auto* screen = window() ? window()->screen() : nullptr;
-        if (on && print)
-            print("[perf] liveRefresh ON — frame clock @ up to " +
-                  std::to_string(std::lround(screen ? screen->refreshRate() : 60)) + " Hz");
-        setLive(on);
-    };
-    if (at.bench.drives() && at.perf && at.print)
-        own.drive = std::make_unique<PerfDrive>(own.renderer, *own.input, main, *at.perf, at.bench, at.print, at.quit);
-}
+void ChartItem::showCursor(ChartCursor cursor) { setCursor(shapeOf(cursor)); }
 
 CrosshairState* ChartItem::crosshair() { return &drawing_->crosshair; }
 
@@ -75,41 +45,41 @@ void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
 }
 
 void ChartItem::updateCrosshair() {
-    const ChartRenderer& renderer = drawing_->renderer;
-    const auto bars = renderer.camera().settled() ? renderer.candles() : std::span<const Candle>();
-    drawing_->crosshair.update(renderer.camera().viewport(), bars, width(), height(), drawing_->session);
-    if (renderer.perf && drawing_->crosshair.shown()) renderer.perf->bump("CrosshairHud");
+    const ChartRenderer& shown = renderer();
+    const auto bars = shown.camera().settled() ? shown.candles() : std::span<const Candle>();
+    drawing_->crosshair.update(shown.camera().viewport(), bars, width(), height(), drawing_->session);
+    if (shown.perf && drawing_->crosshair.shown()) shown.perf->bump("CrosshairHud");
 }
 
 void ChartItem::mousePressEvent(QMouseEvent* event) {
     forceActiveFocus(Qt::MouseFocusReason);
     const ChartPoint at = pointOf(*event);
     lastPress_ = at;
-    if (event->button() == Qt::LeftButton) return drawing_->input->mouseDown(at);
-    orderMenu_ = drawing_->input->orderMenu(at);
-    orderMenuRoot_ = drawing_->input->simRoot;
+    if (event->button() == Qt::LeftButton) return input().mouseDown(at);
+    orderMenu_ = input().orderMenu(at);
+    orderMenuRoot_ = input().simRoot;
     if (!orderMenu_.empty()) emit orderMenuRequested(at.x, at.y);
 }
 
 // Comes after a press of its own.
 void ChartItem::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) drawing_->input->doubleClick();
+    if (event->button() == Qt::LeftButton) input().doubleClick();
 }
 
 void ChartItem::mouseMoveEvent(QMouseEvent* event) {
     if (!(event->buttons() & Qt::LeftButton)) return;
     lastPress_ = pointOf(*event);
-    if (drawing_->input->dragging() && !drawing_->input->draggingLine()) noteInput(event->timestamp());
-    drawing_->input->mouseDragged(lastPress_);
+    if (input().dragging() && !input().draggingLine()) noteInput(event->timestamp());
+    input().mouseDragged(lastPress_);
 }
 
 void ChartItem::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) drawing_->input->mouseUp(pointOf(*event));
+    if (event->button() == Qt::LeftButton) input().mouseUp(pointOf(*event));
 }
 
 // The pointer was taken away in the middle of a drag, by a popup or another window.
 void ChartItem::mouseUngrabEvent() {
-    if (drawing_->input->dragging()) drawing_->input->mouseUp(lastPress_);
+    if (input().dragging()) input().mouseUp(lastPress_);
 }
 
 // The other axis' deltas come with Alt on some platforms, and with Shift on others.
@@ -120,15 +90,15 @@ void ChartItem::wheelEvent(QWheelEvent* event) {
     const bool swapped = (altSwapsAxes() && (event->modifiers() & Qt::AltModifier)) || (shift && delta.y() == 0);
     if (swapped) delta = delta.transposed();
     noteInput(event->timestamp());
-    drawing_->input->scrollWheel(delta.x(), delta.y(), precise, shift);
+    input().scrollWheel(delta.x(), delta.y(), precise, shift);
     event->accept();
 }
 
-void ChartItem::hoverEnterEvent(QHoverEvent* event) { drawing_->input->mouseMoved(pointOf(*event)); }
+void ChartItem::hoverEnterEvent(QHoverEvent* event) { input().mouseMoved(pointOf(*event)); }
 
-void ChartItem::hoverMoveEvent(QHoverEvent* event) { drawing_->input->mouseMoved(pointOf(*event)); }
+void ChartItem::hoverMoveEvent(QHoverEvent* event) { input().mouseMoved(pointOf(*event)); }
 
-void ChartItem::hoverLeaveEvent(QHoverEvent*) { drawing_->input->mouseExited(); }
+void ChartItem::hoverLeaveEvent(QHoverEvent*) { input().mouseExited(); }
 
 bool ChartItem::event(QEvent* event) {
     if (event->type() == QEvent::NativeGesture) {
@@ -141,28 +111,27 @@ bool ChartItem::event(QEvent* event) {
     return FrameItem::event(event);
 }
 
-void ChartItem::magnify(qreal magnification) { drawing_->input->magnify(magnification); }
+void ChartItem::magnify(qreal magnification) { input().magnify(magnification); }
 
 void ChartItem::keyPressEvent(QKeyEvent* event) {
     constexpr double step = 0.1, zoom = 1.15;  // shares of the view
-    ChartInput& input = *drawing_->input;
     if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return event->ignore();
     switch (event->key()) {
         case Qt::Key_Left:
-            return input.panBy(-step, 0);
+            return input().panBy(-step, 0);
         case Qt::Key_Right:
-            return input.panBy(step, 0);
+            return input().panBy(step, 0);
         case Qt::Key_Up:
-            return input.panBy(0, step);
+            return input().panBy(0, step);
         case Qt::Key_Down:
-            return input.panBy(0, -step);
+            return input().panBy(0, -step);
         case Qt::Key_Plus:
         case Qt::Key_Equal:
-            return input.zoomBy(1 / zoom);
+            return input().zoomBy(1 / zoom);
         case Qt::Key_Minus:
-            return input.zoomBy(zoom);
+            return input().zoomBy(zoom);
         case Qt::Key_Home:
-            return input.toLiveEdge();
+            return input().toLiveEdge();
         default:
             event->ignore();
     }
@@ -178,8 +147,8 @@ QVariantList ChartItem::orderMenu() const {
 
 void ChartItem::chooseOrder(int index) {
     if (index < 0 || static_cast<std::size_t>(index) >= orderMenu_.size()) return;
-    if (orderMenuRoot_ != drawing_->input->simRoot) return;  // its prices are those of another chart
-    drawing_->input->choose(orderMenu_[static_cast<std::size_t>(index)]);
+    if (orderMenuRoot_ != input().simRoot) return;  // its prices are those of another chart
+    input().choose(orderMenu_[static_cast<std::size_t>(index)]);
 }
 
 }  // namespace vmr

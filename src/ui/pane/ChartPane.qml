@@ -12,7 +12,8 @@ FocusScope {
         objectName: "toolbar"
         z: 1
         width: parent.width
-        pane: paneView.pane
+        session: paneView.pane.session
+        choices: paneView.pane.toolbar
     }
     ChartItem {
         id: chart
@@ -52,8 +53,8 @@ FocusScope {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 48
         anchors.horizontalCenter: parent.horizontalCenter
-        title: paneView.pane.notice
-        detail: paneView.pane.noticeDetail
+        title: paneView.pane.toast.notice
+        detail: paneView.pane.toast.noticeDetail
     }
     Label {
         objectName: "chartNotice"
@@ -63,7 +64,7 @@ FocusScope {
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.Wrap
         color: chart.problem !== "" ? Theme.error : Theme.textFaint
-        text: chart.problem !== "" ? chart.problem : paneView.pane.empty ? qsTr("Waiting for bars…") : ""
+        text: chart.problem !== "" ? chart.problem : paneView.pane.chart.empty ? qsTr("Waiting for bars…") : ""
     }
     Notice {
         objectName: "limitNotice"
@@ -71,7 +72,7 @@ FocusScope {
         anchors.topMargin: 12
         anchors.horizontalCenter: parent.horizontalCenter
         width: Math.min(560, parent.width - 48)
-        visible: paneView.pane.connLimited
+        visible: paneView.pane.session.connLimited
         text: qsTr("Connection limit reached (4 per user, windows + dual panes). Close one to open another.")
     }
 }

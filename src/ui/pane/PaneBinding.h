@@ -1,13 +1,13 @@
 // Ties a pane's views to its model.
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "base/SerialQueue.h"
 #include "base/Signal.h"
-#include "chart/ChartContent.h"
-#include "chart/ChartPort.h"
-#include "chart/OverlayRibbons.h"
 #include "ui/pane/PaneViewModel.h"
 
 namespace vmr {
@@ -15,35 +15,44 @@ namespace vmr {
 class AppModel;
 class SimEngine;
 
-/// Copies `model` into `view` whenever it changes, and hands the view's gestures to the model, until destroyed. Both
-/// must outlive it. Main thread.
-class PaneBinding final : public ChartPort {
+/// Keeps `view` as `model` is, and hands the view's gestures to the model, until destroyed. All that it is given must
+/// outlive it. Main thread.
+///
+/// The one path from a model to its views: a change in the model only marks its concern, and one flush on `main`, at
+/// most once a turn, copies the marked concerns, which give notice of what differs.
+class PaneBinding {
  public:
     /// `sim` is the account whose lines the chart shows; null for none.
-    PaneBinding(AppModel& model, PaneViewModel& view, const std::string& setupProblem, const std::string& signInHint,
-                SimEngine* sim = nullptr);
-    ~PaneBinding() override;
+    PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, const std::string& setupProblem,
+                const std::string& signInHint, SimEngine* sim = nullptr);
+    ~PaneBinding();
     PaneBinding(const PaneBinding&) = delete;
     PaneBinding& operator=(const PaneBinding&) = delete;
 
-    void contentChanged() override;
-    bool interacting() const override { return view_.interacting(); }
-    std::optional<Viewport> viewport() const override { return viewport_; }
+    /// Flushes so far.
+    std::uint64_t flushes() const { return flushes_; }
 
  private:
+    enum Concern : unsigned { sessionConcern = 1, toolbarConcern = 2, toastConcern = 4, chartConcern = 8 };
+
+    void setActions();
     void watch();
-    void copyFields();
+    template <class... Fields>
+    void watch(Concern concern, Fields&... fields);
+    void mark(Concern concern);
+    void flush();
+    SessionViewModel::State sessionState() const;
+    ToolbarViewModel::State toolbarState() const;
+    ToastViewModel::State toastState() const;
 
     AppModel& model_;
     PaneViewModel& view_;
+    MainLoop& main_;
     QString setupProblem_, signInHint_;
-    std::optional<Viewport> viewport_;
-    OverlayRibbons ribbons_;
-    const OverlayLists* overlays_ = nullptr;
-    std::uint64_t overlayRevision_ = 0;
-    std::uint64_t chart_ = 0;
-    ChartContent::Revisions overlaysOf_;
+    unsigned marked_ = 0;  ///< concerns that the next flush copies
+    std::uint64_t flushes_ = 0;
     std::vector<Connection> connections_;
+    std::shared_ptr<int> alive_ = std::make_shared<int>();  ///< a posted flush holds it weakly
 };
 
 }  // namespace vmr

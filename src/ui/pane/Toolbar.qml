@@ -5,7 +5,8 @@ import Velmora
 Rectangle {
     id: bar
 
-    required property PaneViewModel pane
+    required property SessionViewModel session
+    required property ToolbarViewModel choices
 
     function symbolRows() {
         const rows = [];
@@ -15,8 +16,8 @@ Rectangle {
             for (const symbol of symbols)
                 rows.push({ label: symbol, value: symbol });
         };
-        add(qsTr("FUTURES"), pane.futures);
-        add(qsTr("STOCKS"), pane.stocks);
+        add(qsTr("FUTURES"), choices.futures);
+        add(qsTr("STOCKS"), choices.stocks);
         return rows;
     }
 
@@ -24,7 +25,7 @@ Rectangle {
     color: Theme.surface
 
     Row {
-        id: choices
+        id: choiceRow
         anchors.left: parent.left
         anchors.leftMargin: Theme.gap
         anchors.verticalCenter: parent.verticalCenter
@@ -32,12 +33,12 @@ Rectangle {
 
         ChoiceButton {
             objectName: "symbolChoice"
-            text: bar.pane.symbol === "" ? qsTr("Symbol") : bar.pane.symbol
+            text: bar.choices.symbol === "" ? qsTr("Symbol") : bar.choices.symbol
             rows: bar.symbolRows()
-            current: bar.pane.symbol
+            current: bar.choices.symbol
             popupWidth: 148
             Accessible.name: qsTr("Symbol")
-            onChosen: value => bar.pane.switchSymbol(value)
+            onChosen: value => bar.choices.switchSymbol(value)
         }
         Rectangle {
             anchors.verticalCenter: parent.verticalCenter
@@ -47,13 +48,13 @@ Rectangle {
         }
         ChoiceButton {
             objectName: "timeframeChoice"
-            text: bar.pane.timeframe + "m"
+            text: bar.choices.timeframe + "m"
             rows: [1, 2, 3, 5, 15, 30, 60].map(minutes => ({ label: minutes + "m", value: minutes }))
-            current: bar.pane.timeframe
+            current: bar.choices.timeframe
             popupWidth: 96
             font.weight: Font.Normal
             Accessible.name: qsTr("Timeframe")
-            onChosen: value => bar.pane.setTimeframe(value)
+            onChosen: value => bar.choices.setTimeframe(value)
         }
     }
     Row {
@@ -69,13 +70,13 @@ Rectangle {
             width: 8
             height: 8
             radius: 4
-            color: bar.pane.connLimited ? Theme.error : bar.pane.connected ? Theme.accent : Theme.warning
+            color: bar.session.connLimited ? Theme.error : bar.session.connected ? Theme.accent : Theme.warning
         }
         Label {
             objectName: "status"
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, bar.width - choices.width - 120)
-            text: bar.pane.status
+            width: Math.min(implicitWidth, bar.width - choiceRow.width - 120)
+            text: bar.session.status
             color: Theme.textSoft
             font.pixelSize: Theme.small
             elide: Text.ElideRight
@@ -88,7 +89,7 @@ Rectangle {
             objectName: "signOut"
             text: qsTr("Sign out")
             icon24: "log-out"
-            onClicked: bar.pane.signOut()
+            onClicked: bar.session.signOut()
         }
     }
     Rectangle {

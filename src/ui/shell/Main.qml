@@ -10,21 +10,21 @@ Window {
 
     title: "Velmora"
     color: Theme.background
-    minimumWidth: pane.entered ? 800 : 1000
-    minimumHeight: pane.entered ? 500 : 580
+    minimumWidth: pane.session.entered ? 800 : 1000
+    minimumHeight: pane.session.entered ? 500 : 580
 
     Loader {
         objectName: "stage"
         anchors.fill: parent
         focus: true
-        sourceComponent: window.pane.entered ? entered : login
+        sourceComponent: window.pane.session.entered ? entered : login
         onLoaded: item.forceActiveFocus()
     }
     Component {
         id: login
         SignInForm {
             objectName: "signInForm"
-            pane: window.pane
+            session: window.pane.session
         }
     }
     Component {

@@ -5,8 +5,8 @@ import Velmora
 FocusScope {
     id: form
 
-    required property PaneViewModel pane
-    readonly property bool ready: pane.setupProblem === "" && !pane.signingIn
+    required property SessionViewModel session
+    readonly property bool ready: session.setupProblem === "" && !session.signingIn
 
     function submit() {
         if (!ready)
@@ -16,7 +16,7 @@ FocusScope {
         } else if (password.text === "") {
             password.field.forceActiveFocus();
         } else {
-            pane.signIn(email.text.trim(), password.text, remember.checked);
+            session.signIn(email.text.trim(), password.text, remember.checked);
         }
     }
 
@@ -51,15 +51,15 @@ FocusScope {
                     objectName: "subtitle"
                     width: parent.width
                     wrapMode: Text.Wrap
-                    text: form.pane.signInHint === "" ? qsTr("Sign in to open your charts") : form.pane.signInHint
+                    text: form.session.signInHint === "" ? qsTr("Sign in to open your charts") : form.session.signInHint
                     color: Theme.textSoft
                 }
             }
             Notice {
                 objectName: "setupNotice"
                 width: parent.width
-                visible: form.pane.setupProblem !== ""
-                text: form.pane.setupProblem
+                visible: form.session.setupProblem !== ""
+                text: form.session.setupProblem
             }
             TextEntry {
                 id: email
@@ -111,7 +111,7 @@ FocusScope {
                 height: 40
                 primary: true
                 enabled: form.ready
-                text: form.pane.signingIn ? qsTr("Connecting…") : qsTr("Sign in")
+                text: form.session.signingIn ? qsTr("Connecting…") : qsTr("Sign in")
                 onClicked: form.submit()
                 Keys.onReturnPressed: form.submit()
                 Keys.onEnterPressed: form.submit()
@@ -120,8 +120,8 @@ FocusScope {
                 objectName: "error"
                 width: parent.width
                 height: Math.max(42, implicitHeight)
-                visible: form.pane.setupProblem === ""
-                text: form.pane.authError
+                visible: form.session.setupProblem === ""
+                text: form.session.authError
                 color: Theme.error
                 wrapMode: Text.Wrap
                 maximumLineCount: 4

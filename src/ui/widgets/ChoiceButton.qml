@@ -9,11 +9,12 @@ T.Button {
     property var current
     property real popupWidth: 120
     property int marked: -1
+    property var shownRows: []  // while the list is open they stay what they are
     signal chosen(var value)
 
     function step(by) {
-        for (let i = marked + by; i >= 0 && i < rows.length; i += by) {
-            if (!rows[i].heading) {
+        for (let i = marked + by; i >= 0 && i < shownRows.length; i += by) {
+            if (!shownRows[i].heading) {
                 marked = i;
                 list.reveal(i);
                 return;
@@ -22,8 +23,8 @@ T.Button {
     }
     function take(index) {
         popup.close();
-        if (index >= 0 && !rows[index].heading)
-            chosen(rows[index].value);
+        if (index >= 0 && !shownRows[index].heading)
+            chosen(shownRows[index].value);
     }
 
     implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
@@ -60,6 +61,13 @@ T.Button {
         border.color: Theme.focus
     }
 
+    Binding {
+        target: control
+        property: "shownRows"
+        value: control.rows
+        when: !popup.visible
+        restoreMode: Binding.RestoreNone
+    }
     T.Popup {
         id: popup
         objectName: "choices"
@@ -70,7 +78,7 @@ T.Button {
         focus: true
         closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
         onAboutToShow: {
-            control.marked = control.rows.findIndex(row => !row.heading && row.value === control.current);
+            control.marked = control.shownRows.findIndex(row => !row.heading && row.value === control.current);
             list.reveal(control.marked);
         }
         background: Rectangle {
@@ -112,7 +120,7 @@ T.Button {
                 width: list.width
                 Repeater {
                     id: rowsRepeater
-                    model: control.rows
+                    model: control.shownRows
                     delegate: Rectangle {
                         id: row
                         required property var modelData

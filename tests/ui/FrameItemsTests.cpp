@@ -1,0 +1,220 @@
+// Plots drawn on demand in a real window: what happens to their frames when the window does something else.
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include "ui/FollowerItem.h"
+#include "ui/UiWindow.h"
+#include "ui/gpu/WindowFrames.h"
+
+namespace vmr::test {
+namespace {
+
+class FrameItems : public testing::Test {
+ protected:
+    void SetUp() override {
+        ASSERT_NE(ui.window, nullptr);
+        ASSERT_TRUE(ui.settle());
+        chart = ui.chartItem();
+        ASSERT_NE(chart, nullptr);
+        follower = std::make_unique<FollowerItem>(chart->parentItem(), chart->viewportState());
+        follower->setPosition({200, 100});
+        follower->setSize({300, 80});
+        follower->setZ(2);
+        ASSERT_TRUE(ui.settle());
+        ASSERT_GT(follower->framesDrawn(), 0U);
+        ASSERT_EQ(follower->shows(), camera());
+    }
+    void TearDown() override { follower.reset(); }
+
+    Viewport camera() const { return chart->renderer().camera().viewport(); }
+    // Both are at rest and show one camera.
+    void expectAtRest(const char* when) {
+        ASSERT_TRUE(ui.settle()) << when;
+        EXPECT_EQ(chart->pump().state(), FramePump::State::idle) << when;
+        EXPECT_EQ(follower->pump().state(), FramePump::State::idle) << when;
+        EXPECT_EQ(follower->shows(), camera()) << when;
+    }
+    void pan() { chart->renderer().pan(-3.25); }
+    std::uint64_t drawn() const { return chart->framesDrawn(); }
+
+    UiWindow ui{QSize(900, 644), UiWindow::entered(), syntheticBars(400)};
+    ChartItem* chart = nullptr;
+    std::unique_ptr<FollowerItem> follower;
+};
+
+// What both items recorded last is compared at each meeting of the threads, when it becomes one frame of the window.
+TEST_F(FrameItems, TwoItemsShowOneCameraInEveryFrameOfAFastPan) {
+    int frames = 0, apart = 0;
+    std::uint64_t seen = drawn();
+    // before a frame is rendered, and while the main thread is still blocked
+    QObject::connect(
+        ui.window, &QQuickWindow::afterSynchronizing, ui.window,
+        [&] {
+            if (std::exchange(seen, drawn()) == drawn()) return;
+            ++frames;
+            if (follower->shows() != camera()) ++apart;
+        },
+        Qt::DirectConnection);
+    const int swaps = ui.swaps;
+    const auto before = drawn();
+    const QPoint from = chart->mapToScene(QPointF(400, 300)).toPoint();
+    QTest::mousePress(ui.window, Qt::LeftButton, {}, from);
+    for (int i = 1; i <= 60; ++i) {
+        QTest::mouseMove(ui.window, from + QPoint(4 * i, i % 7));
+        if (i % 5 == 0) follower->requestFrame();  // for its own sake, so that its frame may be under way
+        runFor(9);
+    }
+    QTest::mouseRelease(ui.window, Qt::LeftButton, {}, from);
+    expectAtRest("after the pan");
+    EXPECT_GT(frames, 15);
+    EXPECT_EQ(apart, 0) << "of " << frames << " frames";
+    EXPECT_LE(ui.swaps - swaps, static_cast<int>(drawn() - before) + 10) << "following costs no frames of the window";
+}
+
+TEST_F(FrameItems, HiddenWindowKeepsWhatChangedUntilItIsShown) {
+    const auto before = drawn();
+    pan();
+    ASSERT_TRUE(runUntil([&] { return drawn() > before; }));  // on its way
+    ui.window->hide();
+    runFor(250);
+    const auto hidden = drawn();
+    pan();
+    runFor(250);
+    EXPECT_EQ(drawn(), hidden) << "nobody sees it";
+    EXPECT_EQ(chart->pump().state(), FramePump::State::asked);
+    ui.window->show();
+    expectAtRest("shown again");
+    EXPECT_GT(drawn(), hidden);
+}
+
+TEST_F(FrameItems, MinimisedAndRestoredWhileItMoves) {
+    chart->magnify(0.5);  // frames follow each other for a while
+    ui.window->showMinimized();
+    runFor(100);
+    ui.window->showNormal();
+    pan();
+    expectAtRest("restored");
+}
+
+TEST_F(FrameItems, SymbolChangeWhileHiddenShowsTheOtherBars) {
+    ui.window->hide();
+    runFor(100);
+    const auto hidden = drawn();
+    ui.source.openChart(syntheticBars(90));
+    ui.bars().back().close += 7;
+    ui.showBars();
+    runFor(150);
+    EXPECT_EQ(drawn(), hidden);
+    ui.window->show();
+    expectAtRest("shown again");
+    EXPECT_EQ(chart->renderer().candles().size(), 90U);
+    EXPECT_EQ(chart->renderer().dispClose(), ui.bars().back().close);
+}
+
+TEST_F(FrameItems, LostDeviceIsDrawnAnew) {
+    const QImage before = windowPicture(*ui.window);
+    for (const bool moving : {false, true}) {
+        if (moving) pan();
+        ui.window->setPersistentGraphics(false);
+        ui.window->setPersistentSceneGraph(false);
+        ui.window->hide();
+        ui.window->releaseResources();
+        ui.window->show();
+        expectAtRest("with another device");
+        if (!moving) {
+            EXPECT_EQ(windowPicture(*ui.window), before);
+        }
+    }
+}
+
+TEST_F(FrameItems, ResizeDuringADragEndsInOneSizeAndOneCamera) {
+    const QPoint from = chart->mapToScene(QPointF(400, 300)).toPoint();
+    QTest::mousePress(ui.window, Qt::LeftButton, {}, from);
+    for (int i = 1; i <= 12; ++i) {
+        QTest::mouseMove(ui.window, from + QPoint(5 * i, 0));
+        ui.window->resize(900 + 11 * (i % 5), 644 - 9 * (i % 3));
+        runFor(12);
+    }
+    QTest::mouseRelease(ui.window, Qt::LeftButton, {}, from);
+    expectAtRest("after the drag");
+    EXPECT_EQ(chart->size(), QSizeF(ui.window->width(), ui.window->height() - 44));
+}
+
+TEST_F(FrameItems, SlowScreenHoldsUpTheNextFrameForALimitedTime) {
+    const auto slow = QObject::connect(
+        ui.window, &QQuickWindow::beforeRendering, ui.window, [] { QThread::msleep(180); }, Qt::DirectConnection);
+    const auto before = drawn();
+    for (int i = 0; i < 5; ++i) {
+        pan();
+        runFor(60);
+    }
+    EXPECT_GT(drawn(), before);
+    QObject::disconnect(slow);
+    expectAtRest("fast again");
+}
+
+TEST_F(FrameItems, AtlasFullIsDrawnAnewInEveryItem) {
+    const QImage before = windowPicture(*ui.window);
+    expectAtRest("after the picture");
+    const auto atlas = WindowFrames::of(*ui.window).atlas();
+    const unsigned generation = atlas->generation();
+    const auto otherDrawn = follower->framesDrawn();
+    for (char32_t c = 0x4e00; atlas->generation() == generation; ++c)  // until they no longer fit
+        atlas->glyph(c, FontFace::regular, 40, ui.window->effectiveDevicePixelRatio());
+    WindowFrames::of(*ui.window).glyphsMoved();
+    expectAtRest("with all glyphs in other places");
+    EXPECT_GT(follower->framesDrawn(), otherDrawn);
+    EXPECT_EQ(windowPicture(*ui.window), before);
+}
+
+TEST_F(FrameItems, PictureTakenWhileItMovesLosesNoFrame) {
+    for (int i = 0; i < 3; ++i) {
+        const QImage before = windowPicture(*ui.window);
+        pan();
+        const QImage picture = windowPicture(*ui.window);
+        EXPECT_NE(picture, before) << "the picture shows what was asked for";
+        pan();
+    }
+    expectAtRest("after the pictures");
+}
+
+// What comes while a person reads the list.
+TEST(ChoiceRows, StayWhatTheyAreWhileTheListIsOpen) {
+    UiWindow ui(QSize(900, 600), UiWindow::entered(), syntheticBars(40));
+    ASSERT_NE(ui.window, nullptr);
+    QQuickItem* button = ui.item("symbolChoice");
+    ASSERT_NE(button, nullptr);
+    const auto* list = button->findChild<QObject*>("choices");
+    ASSERT_NE(list, nullptr);
+    QSignalSpy rebuilt(button, SIGNAL(shownRowsChanged()));
+    const auto rows = [&] { return button->property("shownRows").toList().size(); };
+    ui.view.toolbar.set({.futures = QStringList{"NQ", "ES", "YM"}});
+    EXPECT_EQ(rebuilt.count(), 1);
+    EXPECT_EQ(rows(), 4) << "with the heading";
+
+    QTest::mouseClick(ui.window, Qt::LeftButton, {}, button->mapToScene({10, 10}).toPoint());
+    ASSERT_TRUE(runUntil([&] { return list->property("opened").toBool(); }));
+    ui.view.toast.set({"Market Closed", "Trading resumes next session."});
+    auto session = ui.view.session.state();
+    session.status = "Reconnecting";
+    ui.view.session.set(session);
+    auto choices = ui.view.toolbar.state();
+    choices.symbol = "ES";
+    choices.timeframe = 5;
+    ui.view.toolbar.set(choices);
+    ui.bars().back().close += 1;
+    ui.showBars();
+    choices.futures.push_back("RTY");
+    ui.view.toolbar.set(choices);
+    runFor(50);
+    EXPECT_EQ(rebuilt.count(), 1);
+    EXPECT_EQ(rows(), 4);
+    QTest::keyClick(ui.window, Qt::Key_Escape);
+    ASSERT_TRUE(runUntil([&] { return rows() == 5; })) << "what came meanwhile";
+}
+
+}  // namespace
+}  // namespace vmr::test

@@ -1,0 +1,90 @@
+// From a pane's model to its views: what comes there, when, and what does not.
+#include <gtest/gtest.h>
+
+#include "support/pane/TestPane.h"
+#include "ui/pane/PaneBinding.h"
+
+namespace vmr::test {
+namespace {
+
+class PaneBindingTest : public PaneFixture {
+ protected:
+    void SetUp() override {
+        openSymbol("NQ");
+        snapshot(model->channels->chartChannel, flatBars(minute - 600, 11));
+        binding = std::make_unique<PaneBinding>(*model, view, main, "", "");
+        count(session, &view.session, &SessionViewModel::enteredChanged, &SessionViewModel::signInChanged,
+              &SessionViewModel::setupChanged, &SessionViewModel::userEmailChanged,
+              &SessionViewModel::connectionChanged, &SessionViewModel::statusChanged);
+        count(toolbar, &view.toolbar, &ToolbarViewModel::symbolChanged, &ToolbarViewModel::timeframeChanged,
+              &ToolbarViewModel::choicesChanged);
+        count(toast, &view.toast, &ToastViewModel::changed);
+        count(empty, &view.chart, &ChartViewModel::emptyChanged);
+        flushed = binding->flushes();
+    }
+    template <class View, class... Notices>
+    void count(int& counter, const View* from, Notices... notices) {
+        (QObject::connect(from, notices, [&counter] { ++counter; }), ...);
+    }
+    // Flushes and notices since the last call.
+    struct News {
+        int flushes = 0, session = 0, toolbar = 0, toast = 0, empty = 0;
+        bool operator==(const News&) const = default;
+    };
+    News news() {
+        const auto flushes = static_cast<int>(binding->flushes() - std::exchange(flushed, binding->flushes()));
+        return {flushes, std::exchange(session, 0), std::exchange(toolbar, 0), std::exchange(toast, 0),
+                std::exchange(empty, 0)};
+    }
+
+    PaneViewModel view;
+    std::unique_ptr<PaneBinding> binding;
+    int session = 0, toolbar = 0, toast = 0, empty = 0;
+    std::uint64_t flushed = 0;
+};
+
+void PrintTo(const auto& news, std::ostream* out) requires requires { news.flushes; }
+{
+    *out << news.flushes << " flushes; session " << news.session << ", toolbar " << news.toolbar << ", toast "
+         << news.toast << ", empty " << news.empty;
+}
+
+TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
+    EXPECT_EQ(view.toolbar.symbol(), "NQ");
+    EXPECT_TRUE(view.session.connected());
+    EXPECT_FALSE(view.chart.empty());
+
+    model->notices.flashToast("One");
+    model->notices.flashToast("Two", "more");
+    EXPECT_EQ(news(), (News{})) << "nothing in the middle of the turn";
+    time.runUntilIdle();
+    EXPECT_EQ(news(), (News{.flushes = 1, .toast = 1}));
+    EXPECT_EQ(view.toast.notice(), "Two");
+
+    for (int i = 0; i < 100; ++i) model->applyTrade(100 + i, time.now() * 1000);
+    time.runUntilIdle();
+    EXPECT_LE(binding->flushes(), flushed + 1);
+    time.advance(0.1);  // the display is rebuilt at most 120 times a second
+    EXPECT_LE(binding->flushes(), flushed + 2);
+    EXPECT_EQ(model->bars.displayCandles->back().close, 199) << "they came";
+    EXPECT_EQ(news().session + news().toolbar + news().toast + news().empty, 0);
+
+    model->session.status = std::string("Reconnecting");
+    model->bars.timeframe = 5;
+    model->bars.timeframe = 1;
+    time.runUntilIdle();
+    EXPECT_EQ(news(), (News{.flushes = 1, .session = 1})) << "what is back where it was is no news";
+
+    model->signOut();
+    time.runUntilIdle();
+    EXPECT_FALSE(view.session.entered());
+    EXPECT_EQ(news().toolbar, 0);
+
+    model->notices.flashToast("Three");
+    binding.reset();
+    time.runUntilIdle();
+    EXPECT_EQ(view.toast.notice(), "Two") << "a flush under way ends with the binding";
+}
+
+}  // namespace
+}  // namespace vmr::test

@@ -1,0 +1,61 @@
+// What a chart in a window shows in tests: bars, and a scene around them.
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "chart/ChartSource.h"
+#include "tests/chart/FullScene.h"
+#include "ui/pane/PaneViewModel.h"
+
+namespace vmr::test {
+
+/// Stands in for a pane's model.
+class SceneSource final : public ChartSource {
+ public:
+    explicit SceneSource(std::vector<Candle> list) : bars(std::move(list)) { look.initialCandles = 20; }
+
+    /// Feeds the chart of `view`, which must not outlive this while it has a chart.
+    void feed(PaneViewModel& view) {
+        view_ = &view;
+        view.chart.setSource(this, [this](ChartPort* port) { port_ = port; });
+        changed();
+    }
+    /// Anything of what is shown has changed.
+    void changed() {
+        ++revision_;
+        view_->chart.setEmpty(bars.empty());
+        if (port_) port_->contentChanged();
+    }
+    /// Another instrument's.
+    void openChart(std::vector<Candle> list) {
+        ++chart_;
+        bars = std::move(list);
+        scene = nullptr;
+        changed();
+    }
+
+    ChartContent chartContent() const override {
+        ChartContent out = scene ? scene->content() : ChartContent{};
+        out.chart = chart_;
+        out.candles = bars;
+        out.look = scene ? &scene->config : &look;
+        const auto r = revision_;
+        out.revisions = {r, r, r, r, r, r, r, r};
+        return out;
+    }
+    void interactionEnded() override { ++dragsEnded; }
+    void marketClosedOrder() override {}
+
+    std::vector<Candle> bars;
+    RenderConfig look;                 ///< without a scene
+    const SceneData* scene = nullptr;  ///< everything beside the bars; must outlive what is shown
+    int dragsEnded = 0;
+
+ private:
+    PaneViewModel* view_ = nullptr;
+    ChartPort* port_ = nullptr;
+    std::uint64_t chart_ = 1, revision_ = 0;
+};
+
+}  // namespace vmr::test

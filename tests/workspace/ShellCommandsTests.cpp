@@ -1,0 +1,151 @@
+// What the shell answers, line by line.
+#include "workspace/ShellCommands.h"
+
+#include <optional>
+
+#include "tests/workspace/LivePanes.h"
+
+namespace vmr::test {
+namespace {
+
+class Shell : public LivePanes {
+ protected:
+    Shell() { host->open(); }
+
+    ShellSurroundings surroundings() {
+        return {*host,
+                sim,
+                [this](const std::string& line) { answers.push_back(line); },
+                [this] { quitting = true; },
+                [](const std::string& file) {
+                    return file == "full disk" ? std::optional<std::string>("no room") : std::nullopt;
+                },
+                {}};
+    }
+    /// The answer without its mark.
+    std::string say(const std::string& line) {
+        answers.clear();
+        commands.run(line);
+        if (answers.size() != 1) return std::to_string(answers.size()) + " answers";
+        EXPECT_TRUE(answers[0].starts_with("[cmd] ")) << answers[0];
+        return answers[0].substr(6);
+    }
+
+    std::vector<std::string> answers;
+    bool quitting = false;
+    SimEngine sim{SimSetup{clock, session, UuidSource(2), nullptr, nullptr, nullptr, {}, {}}};
+    ShellCommands commands{surroundings()};
+};
+
+TEST_F(Shell, AnswersEachLineOnce) {
+    for (const auto& [line, answer] : {std::pair("  ", "0 answers"),
+                                       {"frobnicate\t1", "error: unknown command frobnicate; see help"},
+                                       {"symbol", "error: wrong arguments for symbol; see help"},
+                                       {"symbol NQ ES", "error: wrong arguments for symbol; see help"},
+                                       {"symbol XYZ", "error: unknown symbol XYZ"},
+                                       {"timeframe x", "error: timeframe needs a whole number of minutes"},
+                                       {"open", "error: open needs CANDLE_CHANNEL [DERIVED_CHANNEL]"},
+                                       {"open a b c", "error: open needs CANDLE_CHANNEL [DERIVED_CHANNEL]"},
+                                       {"set dexEnabled", "error: set needs KEY JSON"},
+                                       {"set dexEnabled  true", "ok set dexEnabled"},
+                                       {"3d maybe", "error: wrong arguments for 3d; see help"},
+                                       {"3d on", "ok 3d on"},
+                                       {"state", "error: state needs a FILE"},
+                                       {"state a b.json", "ok state a b.json"},
+                                       {"state full disk", "error: no room"},
+                                       {"relay drop", "error: there is no practice relay; start with --practice"},
+                                       {"sign-in a", "error: sign-in needs EMAIL PASSWORD [forget]"},
+                                       {"sign-in a b c", "error: sign-in needs EMAIL PASSWORD [forget]"},
+                                       {"sign-in a b forget c", "error: sign-in needs EMAIL PASSWORD [forget]"},
+                                       {"sign-out", "ok signed out"},
+                                       {"order NQ buy market", "error: wrong arguments for order; see help"},
+                                       {"order NQ buy market 1 x=2", "error: wrong arguments for order; see help"},
+                                       {"cancel nobody", "ok nothing changed"},
+                                       {"reset 5000", "ok balance 5000; start balance 5000"},
+                                       {"reset 1 2", "error: wrong arguments for reset; see help"},
+                                       {"quit now", "error: wrong arguments for quit; see help"}})
+        EXPECT_EQ(say(line), answer) << line;
+    EXPECT_TRUE(host->active()->config->dexEnabled);
+    EXPECT_FALSE(quitting);
+    EXPECT_EQ(say("quit"), "ok quitting");
+    EXPECT_TRUE(quitting);
+}
+
+TEST_F(Shell, ListsWhatItKnows) {
+    EXPECT_EQ(say("help me"),
+              "ok sign-in EMAIL PASSWORD [forget] | sign-out | open CANDLE_CHANNEL [DERIVED_CHANNEL] | symbol SYM | "
+              "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay "
+              "COMMAND (practice) | order SYM buy|sell market|limit|stop|stopLimit QTY [limit=P] [stop=P] [sl=TICKS] "
+              "[tp=TICKS] | cancel ID | modify ID PRICE | flatten SYM | protect SYM SL|TP PRICE | leg ID SL|TP PRICE | "
+              "reset BALANCE | pane open|close N | clock pause|resume|speed X|set MOMENT (practice) | quit | help | @N "
+              "COMMAND (in pane N)");
+}
+
+TEST_F(Shell, SpeaksToEveryPane) {
+    for (const auto& [line, answer] : {std::pair("pane open", "ok pane 2"),
+                                       {"@2 timeframe 5", "ok timeframe 5"},
+                                       {"timeframe 3", "ok timeframe 3"},
+                                       {"@1", "error: what is pane 1 to do? see help"},
+                                       {"@3 timeframe 1", "error: there is no pane 3"},
+                                       {"@x quit", "error: there is no pane x"},
+                                       {"@4294967298 timeframe 1", "error: there is no pane 4294967298"},
+                                       {"pane", "error: wrong arguments for pane; see help"},
+                                       {"pane open 3", "error: wrong arguments for pane; see help"},
+                                       {"pane close", "error: wrong arguments for pane; see help"},
+                                       {"pane close x", "error: wrong arguments for pane; see help"},
+                                       {"pane close 7", "error: there is no pane 7"},
+                                       {"pane open", "ok pane 3"},
+                                       {"pane open", "ok pane 4"},
+                                       {"pane open", "error: at most 4 panes can be open"},
+                                       {"pane close 3", "ok pane 3 closed"},
+                                       {"pane open", "ok pane 5"}})
+        EXPECT_EQ(say(line), answer) << line;
+    EXPECT_EQ(host->find(2)->bars.timeframe, 5);
+    EXPECT_EQ(host->find(1)->bars.timeframe, 3);
+    host->setShown(1, true);
+    EXPECT_EQ(say("pane close 1"), "error: the window shows pane 1");
+    host->setShown(1, false);
+    for (const char* line : {"pane close 1", "pane close 2", "pane close 4", "@5 pane close 5"})
+        EXPECT_TRUE(say(line).starts_with("ok ")) << line;
+    EXPECT_EQ(say("symbol NQ"), "error: no pane is open; see pane open");
+}
+
+TEST_F(Shell, SteersTheClockWhereItIsOurs) {
+    EXPECT_EQ(say("clock pause"), "error: the clock is the machine's own; start with --practice");
+    ShellSurroundings at = surroundings();
+    at.clock = &clock;
+    ShellCommands practice(at);
+    for (const auto& [line, answer] : {std::pair("clock", "error: wrong arguments for clock; see help"),
+                                       {"clock pause 1", "error: wrong arguments for clock; see help"},
+                                       {"clock stop", "error: wrong arguments for clock; see help"},
+                                       {"clock speed", "error: the speed is a number above 0"},
+                                       {"clock speed 0", "error: the speed is a number above 0"},
+                                       {"clock speed 2.5", "ok clock speed 2.5"},
+                                       {"clock set yesterday", "error: set needs a moment such as 2026-06-10T10:00:00"},
+                                       {"clock pause", "ok clock paused"},
+                                       {"clock set 2026-06-09T10:00:00", "ok clock set 2026-06-09T10:00:00"}}) {
+        answers.clear();
+        practice.run(line);
+        EXPECT_EQ(answers, std::vector{std::string("[cmd] ") + answer}) << line;
+    }
+    EXPECT_EQ(clock.now(), 1781100000 - 86400);
+    EXPECT_TRUE(clock.paused());
+    EXPECT_EQ(clock.speed(), 2.5);
+    practice.run("clock resume");
+    EXPECT_FALSE(clock.paused());
+}
+
+TEST_F(Shell, SignsInOnceItIsOver) {
+    EXPECT_EQ(say("sign-in " + relay.email() + " wrong"), "0 answers");
+    EXPECT_EQ(say("sign-in " + relay.email() + " again"), "error: a sign-in is running");
+    answers.clear();
+    ASSERT_TRUE(runUntil([&] { return !answers.empty(); }));
+    EXPECT_TRUE(answers[0].starts_with("[cmd] error: Auth error (400)")) << answers[0];
+    EXPECT_EQ(say("sign-in " + relay.email() + " " + relay.password() + " forget"), "0 answers");
+    ASSERT_TRUE(runUntil([&] { return !answers.empty(); }));
+    EXPECT_EQ(answers[0], "[cmd] ok signed in as " + relay.email());
+    EXPECT_FALSE(preferences.get(FirebaseRESTAuth::refreshTokenKey));
+}
+
+}  // namespace
+}  // namespace vmr::test
