@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <ranges>
 
 #include "chart/AxisScale.h"
 #include "chart/Camera.h"
@@ -54,12 +53,15 @@ void LineMarks::build(const ChartTrading& trading, const std::string& root, cons
     height_ = height;
     count_ = 0;
     trading.lines(root, lines_);
-    for (const ProjectedLeg& leg : std::views::reverse(lines_.legs)) {
+    // last ones first; Clang 14 cannot compile std::views::reverse of this library
+    for (auto at = lines_.legs.rbegin(); at != lines_.legs.rend(); ++at) {
+        const ProjectedLeg& leg = *at;
         LineMark& mark = add(LineMark::Kind::leg, leg.id, leg.price, true);
         mark.leg = leg.leg;
         mark.label = leg.leg;
     }
-    for (const OrderLine& order : std::views::reverse(lines_.orders)) {
+    for (auto at = lines_.orders.rbegin(); at != lines_.orders.rend(); ++at) {
+        const OrderLine& order = *at;
         LineMark& mark = add(LineMark::Kind::order, order.id, order.price, order.buy);
         print(mark.label, "%s %lld %.*s", order.buy ? "BUY" : "SELL", static_cast<long long>(order.qty),
               static_cast<int>(order.kind.size()), order.kind.data());
@@ -90,7 +92,9 @@ LineMark& LineMarks::add(LineMark::Kind kind, const Uuid& id, double price, bool
 }
 
 LineMarks::Hit LineMarks::hit(double x, double y) const {
-    for (const LineMark& mark : std::views::reverse(list())) {
+    const auto marks = list();
+    for (auto at = marks.rbegin(); at != marks.rend(); ++at) {
+        const LineMark& mark = *at;
         const bool near = isNear(mark, y);
         if (mark.closeMark.contains(x, y)) return near ? Hit{&mark, true} : Hit{};
         if (near && mark.draggable()) return {&mark, false};
@@ -99,8 +103,9 @@ LineMarks::Hit LineMarks::hit(double x, double y) const {
 }
 
 const LineMark* LineMarks::draggableAt(double y) const {
-    for (const LineMark& mark : std::views::reverse(list()))
-        if (mark.draggable() && isNear(mark, y)) return &mark;
+    const auto marks = list();
+    for (auto at = marks.rbegin(); at != marks.rend(); ++at)
+        if (at->draggable() && isNear(*at, y)) return &*at;
     return nullptr;
 }
 

@@ -89,7 +89,7 @@ void AppModel::setConfig(const GexConfig& changed) {
     if (config.get() == changed) return;
     const NoticeGate::Hold hold(gate_);
     const unsigned effects = changedEffects(config, changed);
-    const OverlaySettings oldSeries = overlaySettings();
+    const OverlaySettings series = overlaySettings();
     config = changed;
     look_ = renderLook(changed);
     if (at_.saveSettings) ConfigIO::save(at_.preferences, changed);
@@ -100,8 +100,8 @@ void AppModel::setConfig(const GexConfig& changed) {
     } else {
         if (effects & SettingEffect::sessionLines) sessionLevels.rebuild(bars.candles, sessionHHMM());
         if (effects & SettingEffect::hfSampling) updateHfpTimer();
-        // the scale of another symbol leaves this one's series alone
-        if ((effects & SettingEffect::overlaySeries) && oldSeries != overlaySettings()) overlays.schedule();
+        // a scale of another symbol changes nothing here
+        if ((effects & SettingEffect::overlaySeries) && !(overlaySettings() == series)) overlays.schedule();
         bars.raiseChartVersion();
     }
     sim_.setCommission(config->simCommission);
