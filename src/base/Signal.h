@@ -51,7 +51,8 @@ class NoticeGate {
     };
 
  private:
-    friend class Signal<>;
+    template <class...>
+    friend class Signal;  // Clang 14 asks this of every one, also where the call is left out
     /// Whether the gate keeps the notice for later.
     bool keeps(Signal<>& signal) {
         if (holds_ == 0) return false;
