@@ -51,7 +51,8 @@ class NoticeGate {
     };
 
  private:
-    friend class Signal<>;
+    template <class...>
+    friend class Signal;
     /// Whether the gate keeps the notice for later.
     bool keeps(Signal<>& signal) {
         if (holds_ == 0) return false;
