@@ -16,4 +16,9 @@ const OptionChain& ChainBook::chain(const OptionSource& source, const MarketSess
     return chains_.try_emplace(key, source, session, ratio, market_.seed()).first->second;
 }
 
+void ChainBook::forget() {
+    chains_.clear();
+    market_.forget();
+}
+
 }  // namespace vmr::relay

@@ -19,6 +19,9 @@ class ChainBook {
     /// The chain of the session; valid until some other chains have been asked for.
     const OptionChain& chain(const OptionSource& source, const MarketSession& session);
 
+    /// Drops all that it and its market have made so far.
+    void forget();
+
  private:
     DerivedMarket& market_;
     std::map<std::pair<const OptionSource*, std::int64_t>, OptionChain> chains_;

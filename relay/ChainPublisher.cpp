@@ -15,8 +15,11 @@ const OptionSource* sourceOf(std::string_view channel) {
 }
 }  // namespace
 
-ChainPublisher::ChainPublisher(ChannelHub& hub, ChainBook& book, double speed)
-    : hub_(hub), book_(book), gridMs_(1000 * static_cast<std::int64_t>(std::ceil(std::clamp(speed, 1.0, 86400.0)))) {}
+/// The grid gets coarser and finer with the clock's speed, but the state never goes back for it.
+std::int64_t ChainPublisher::onGrid(std::int64_t nowMs) const {
+    const auto gridMs = 1000 * static_cast<std::int64_t>(std::ceil(std::clamp(clock_.speed(), 1.0, 86400.0)));
+    return std::max(asOfMs_, nowMs - nowMs % gridMs);
+}
 
 bool ChainPublisher::serves(const std::string& channel) const { return sourceOf(channel) != nullptr; }
 
@@ -27,6 +30,11 @@ void ChainPublisher::opened(const std::string& channel, std::int64_t nowMs) {
 }
 
 void ChainPublisher::closed(const std::string& channel) { open_.erase(channel); }
+
+void ChainPublisher::wentBack(std::int64_t /*nowMs*/) {
+    asOfMs_ = 0;
+    book_.forget();
+}
 
 std::optional<std::string> ChainPublisher::snapshot(const std::string& channel) {
     const auto found = open_.find(channel);

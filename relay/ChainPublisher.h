@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "base/Clock.h"
 #include "relay/ChainBook.h"
 #include "relay/ChainPayload.h"
 #include "relay/ChannelHub.h"
@@ -16,8 +17,8 @@ namespace vmr::relay {
 /// many of them apart that there is one event a second of real time at most; it works for subscribed sources only.
 class ChainPublisher final : public Publisher {
  public:
-    /// `speed` is that of the market's clock. Hub and book must outlive the publisher.
-    ChainPublisher(ChannelHub& hub, ChainBook& book, double speed);
+    /// `clock` is the market's. All three must outlive the publisher.
+    ChainPublisher(ChannelHub& hub, ChainBook& book, const Clock& clock) : hub_(hub), book_(book), clock_(clock) {}
 
     bool serves(const std::string& channel) const override;
     int order(const std::string&) const override { return 110; }
@@ -25,6 +26,7 @@ class ChainPublisher final : public Publisher {
     void closed(const std::string& channel) override;
     std::optional<std::string> snapshot(const std::string& channel) override;
     void tick(std::int64_t nowMs) override;
+    void wentBack(std::int64_t nowMs) override;
 
  private:
     struct Open {
@@ -32,11 +34,11 @@ class ChainPublisher final : public Publisher {
         JsonFields fields;  // as of `asOfMs_`
     };
     JsonFields fieldsOf(const OptionSource& source, std::int64_t asOfMs);
-    std::int64_t onGrid(std::int64_t nowMs) const { return nowMs - nowMs % gridMs_; }
+    std::int64_t onGrid(std::int64_t nowMs) const;
 
     ChannelHub& hub_;
     ChainBook& book_;
-    std::int64_t gridMs_;
+    const Clock& clock_;
     std::int64_t asOfMs_ = 0;
     std::map<std::string, Open> open_;
     ChainState state_;

@@ -64,8 +64,25 @@ void ChannelHub::unsubscribe(Subscriber& subscriber, const std::vector<std::stri
 void ChannelHub::leave(Subscriber& subscriber) { unsubscribe(subscriber, channelsOf(subscriber)); }
 
 void ChannelHub::tick(std::int64_t nowMs) {
+    if (nowMs < nowMs_) return goBack(nowMs);
     nowMs_ = nowMs;
     for (const auto& one : publishers_) one->tick(nowMs);
+}
+
+void ChannelHub::goBack(std::int64_t nowMs) {
+    nowMs_ = nowMs;
+    for (const auto& [channel, listeners] : listeners_) publisherOf(channel)->closed(channel);
+    for (const auto& one : publishers_) one->wentBack(nowMs);
+    for (const auto& one : publishers_) one->tick(nowMs);
+    std::multimap<int, std::string> wanted;  // by the order of their snapshots
+    for (const auto& [channel, listeners] : listeners_) {
+        Publisher* publisher = publisherOf(channel);
+        publisher->opened(channel, nowMs);
+        wanted.emplace(publisher->order(channel), channel);
+    }
+    for (const auto& [order, channel] : wanted) {
+        if (auto text = publisherOf(channel)->snapshot(channel)) publish(channel, Frame(std::move(*text)));
+    }
 }
 
 void ChannelHub::publish(const std::string& channel, const Frame& frame) {

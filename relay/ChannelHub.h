@@ -29,6 +29,7 @@ class ChannelHub {
     void unsubscribe(Subscriber& subscriber, const std::vector<std::string>& channels);
     void leave(Subscriber& subscriber);
 
+    /// Publishes up to `nowMs`. Before the last tick's moment, everybody gets new snapshots as of `nowMs` instead.
     void tick(std::int64_t nowMs);
 
     /// Called with what the listeners of a channel get, once whatever their number: the snapshot of a channel's first
@@ -45,6 +46,7 @@ class ChannelHub {
 
  private:
     Publisher* publisherOf(const std::string& channel) const;
+    void goBack(std::int64_t nowMs);
     void remove(Subscriber& subscriber, const std::string& channel);
 
     std::vector<std::unique_ptr<Publisher>> publishers_;

@@ -45,6 +45,9 @@ class DerivedMarket {
     /// The session that `t` (seconds) lies in or, on a pause, follows; nothing while it has no price up to `nowMs`.
     const MarketSession* session(const Instrument& instrument, std::int64_t t, std::int64_t nowMs);
 
+    /// Drops the paths and sessions made so far; nobody may hold one.
+    void forget() { places_.clear(); }
+
     /// Leans with the price: at the first level the net flow of a futures source is about 1e8 on that level's side.
     OptionFlow flow(const OptionSource& source, const MarketSession& session, double price, std::int64_t timeMs) const;
 

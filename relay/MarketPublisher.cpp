@@ -120,6 +120,10 @@ void MarketPublisher::tick(std::int64_t nowMs) {
     }
 }
 
+void MarketPublisher::wentBack(std::int64_t /*nowMs*/) {
+    for (auto& entry : symbols_) entry.second.lastQuote.clear();
+}
+
 void MarketPublisher::resend(Symbol& one) {
     for (const auto& entry : one.channels) {
         for (const char* ending : {"", ":1m"}) {

@@ -31,6 +31,7 @@ class MarketPublisher final : public Publisher {
     void closed(const std::string& channel) override;
     std::optional<std::string> snapshot(const std::string& channel) override;
     void tick(std::int64_t nowMs) override;
+    void wentBack(std::int64_t nowMs) override;
 
     /// The bars of an instrument up to what has been published, or up to `nowMs` while nobody listens.
     std::vector<Candle> ledger(const Instrument& instrument, std::int64_t nowMs);

@@ -30,9 +30,6 @@ std::string keyed(std::int64_t minute, const std::string& value) {
 }
 }  // namespace
 
-MinutePublisher::MinutePublisher(ChannelHub& hub, ChainBook& book, double speed)
-    : hub_(hub), book_(book), stepMs_(stepAt(speed)) {}
-
 int MinutePublisher::order(const std::string& channel) const {
     for (std::size_t i = 0; i < families.size(); ++i) {
         if (sourceOf(channel, *families[i])) return 120 + static_cast<int>(i);
@@ -69,8 +66,9 @@ void MinutePublisher::fill(Open& one, std::int64_t nowMs) {
 
 /// Brings the minute under way up to date; whether it has changed.
 bool MinutePublisher::run(Open& one, std::int64_t nowMs) {
-    const std::int64_t asOf = stepMs_ > 0 ? nowMs - nowMs % stepMs_ : minuteOf(nowMs) * 1000;
-    if (asOf == one.asOfMs) return false;
+    const std::int64_t stepMs = stepAt(clock_.speed());
+    const std::int64_t asOf = stepMs > 0 ? nowMs - nowMs % stepMs : minuteOf(nowMs) * 1000;
+    if (asOf <= one.asOfMs) return false;  // before it when the clock has just got faster
     one.asOfMs = asOf;
     const std::int64_t minute = minuteOf(asOf);
     std::string value = asOf > minute * 1000 ? one.series->value(minute, asOf) : std::string();

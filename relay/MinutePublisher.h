@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "base/Clock.h"
 #include "relay/ChannelHub.h"
 #include "relay/MinuteSeries.h"
 
@@ -16,8 +17,8 @@ namespace vmr::relay {
 /// under way every few seconds. After a jump of the clock by more than a day there is a snapshot instead.
 class MinutePublisher final : public Publisher {
  public:
-    /// `speed` is that of the market's clock. Hub and book must outlive the publisher.
-    MinutePublisher(ChannelHub& hub, ChainBook& book, double speed);
+    /// `clock` is the market's. All three must outlive the publisher.
+    MinutePublisher(ChannelHub& hub, ChainBook& book, const Clock& clock) : hub_(hub), book_(book), clock_(clock) {}
 
     bool serves(const std::string& channel) const override;
     int order(const std::string& channel) const override;
@@ -43,7 +44,7 @@ class MinutePublisher final : public Publisher {
 
     ChannelHub& hub_;
     ChainBook& book_;
-    std::int64_t stepMs_;  // between two states of the minute under way; 0 when it is not shown
+    const Clock& clock_;
     std::map<std::string, Open> open_;
 };
 

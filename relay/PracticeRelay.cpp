@@ -3,6 +3,7 @@
 #include <future>
 
 #include "base/AsioLoop.h"
+#include "base/MarketTimer.h"
 #include "relay/Accounts.h"
 #include "relay/ChainPublisher.h"
 #include "relay/ChannelHub.h"
@@ -23,7 +24,8 @@
 namespace vmr::relay {
 
 namespace {
-constexpr double tickSeconds = 0.08;
+constexpr double tickSeconds = 0.08;  // real ones
+constexpr double tickGrid = 0.001;    // market time is told in milliseconds
 constexpr double flushSeconds = 1;
 
 /// What the engine is made from.
@@ -68,8 +70,8 @@ struct Engine {
     }
 
     void addDerived() {
-        hub.add(std::make_unique<ChainPublisher>(hub, chains, clock.speed()));
-        hub.add(std::make_unique<MinutePublisher>(hub, chains, clock.speed()));
+        hub.add(std::make_unique<ChainPublisher>(hub, chains, clock));
+        hub.add(std::make_unique<MinutePublisher>(hub, chains, clock));
         hub.add(std::make_unique<LevelsPublisher>(hub, derived));
         hub.add(std::make_unique<DerivedPublisher>());
     }
@@ -77,7 +79,9 @@ struct Engine {
     std::optional<std::string> open(const PracticeRelayOptions& options) {
         if (auto wrong = sockets.open(options.relayPort)) return wrong;
         if (auto wrong = rest.open(options.restPort)) return wrong;
-        loop().every(tickSeconds, tickSeconds, [this] { hub.tick(marketMs(clock)); });
+        const auto tick = [this] { hub.tick(marketMs(clock)); };
+        ticker.emplace(clock, loop()).every(tickGrid, tick, tickSeconds);
+        steered = clock.onSteered(loop(), [tick](const ClockSteering&) { tick(); });
         if (recording) loop().every(flushSeconds, flushSeconds, [this] { recording->flush(); });
         return std::nullopt;
     }
@@ -95,6 +99,8 @@ struct Engine {
     /// Ends the sockets first, then the thread with its queued work, which still refers to the members below.
     ~Engine() {
         invoke([this] {
+            ticker.reset();
+            steered.reset();
             sockets.stop();
             rest.stop();
             return true;
@@ -121,6 +127,8 @@ struct Engine {
     SocketServer sockets{{loop(), clock, accounts, faults, hub}};
     RestServer rest{loop(), api, faults};
     std::optional<FaultConsole> console;
+    std::optional<MarketTimer> ticker;  // this and the next on the relay's thread alone
+    ClockWatch steered;
 };
 
 /// The market that a tape is; nothing and what is wrong in `error` when it cannot be played.

@@ -34,7 +34,8 @@ struct PracticeRelayOptions {
 /// Runs on threads of its own from `start` until destruction. Everything may be called from any thread.
 class PracticeRelay {
  public:
-    /// `clock` gives market time (and its speed); it must outlive the relay.
+    /// `clock` gives market time; it must outlive the relay. When it is steered, the relay follows at once: set
+    /// forward, it sends what has happened in between (after more than a day, new snapshots); set back, new snapshots.
     PracticeRelay(const Clock& clock, PracticeRelayOptions options);
     ~PracticeRelay();
 

@@ -45,8 +45,12 @@ class Publisher {
     /// The message that a new subscriber gets, as of the last `tick`; nothing for a channel that has none.
     virtual std::optional<std::string> snapshot(const std::string& channel) = 0;
 
-    /// Publishes everything up to `nowMs`.
+    /// Publishes everything up to `nowMs`, which is never before the last tick's.
     virtual void tick(std::int64_t /*nowMs*/) {}
+
+    /// The clock has been set back: whatever is kept of later moments must go. No channel is open; those that have
+    /// subscribers are opened again after this and a `tick` of the same moment, and their snapshots are sent anew.
+    virtual void wentBack(std::int64_t /*nowMs*/) {}
 };
 
 }  // namespace vmr::relay

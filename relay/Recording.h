@@ -51,6 +51,8 @@ class RecordingReader {
     const RecordedFrame* peek();
     /// Leaves the frame that `peek` gave.
     void pop();
+    /// Goes back to the first frame.
+    void rewind();
 
  private:
     struct Impl;

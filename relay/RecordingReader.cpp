@@ -120,6 +120,17 @@ const RecordedFrame* RecordingReader::peek() {
 
 void RecordingReader::pop() { impl_->next.reset(); }
 
+void RecordingReader::rewind() {
+    impl_->in.clear();
+    impl_->in.seekg(0);
+    inflateReset(&impl_->stream);
+    impl_->plain.clear();
+    impl_->begin = 0;
+    impl_->next.reset();
+    impl_->over = false;
+    impl_->over = !impl_->readTitle();
+}
+
 std::optional<double> recordingStart(const std::filesystem::path& file, std::string& error) {
     const auto reader = RecordingReader::open(file, error);
     if (!reader) return std::nullopt;

@@ -33,6 +33,16 @@ void ReplayPublisher::tick(std::int64_t nowMs) {
     }
 }
 
+void ReplayPublisher::wentBack(std::int64_t nowMs) {
+    bars_.clear();
+    others_.clear();
+    reader_->rewind();
+    for (const RecordedFrame* next = reader_->peek(); next && next->timeMs <= nowMs; next = reader_->peek()) {
+        take(*next);
+        reader_->pop();
+    }
+}
+
 void ReplayPublisher::take(const RecordedFrame& recorded) {
     const auto message = Json::parse(*recorded.frame.bytes);
     if (!message || !message->isObject()) return;

@@ -14,8 +14,7 @@ namespace vmr {
 
 namespace {
 // A practice relay knows nothing of the sessions of an earlier one.
-FilePreferences openPreferences(const ProgramStart& start) {
-    FilePreferences preferences(start.paths().config / "preferences.json");
+Preferences& withUsableSession(Preferences& preferences, const ProgramStart& start) {
     if (start.practice())
         for (const char* key :
              {FirebaseRESTAuth::refreshTokenKey, FirebaseRESTAuth::uidKey, FirebaseRESTAuth::emailKey})
@@ -28,9 +27,9 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
     : start_(start),
       main_(main),
       print_([&log](const std::string& line) { log.line(line); }),
-      preferences_(openPreferences(start)),
+      preferences_(start.paths().config / "preferences.json", files_.loop()),
       http_(main),
-      auth_(start.endpoints(), http_, preferences_, start.clock()) {
+      auth_(start.endpoints(), http_, withUsableSession(preferences_, start), start.clock()) {
     openAccount();
     openPanes();
     for (const std::string& line : std::exchange(accountNotices_, {})) tellOfAccount(line);

@@ -50,13 +50,13 @@ class Program {
     ProgramStart& start_;
     MainLoop& main_;
     const std::function<void(const std::string& line)> print_;
+    AsioThread files_{"velmora.files"};  // writes the paper account and the settings
     FilePreferences preferences_;
     CurlHttpClient http_;
     FirebaseRESTAuth auth_;
     SessionTime session_;
     UuidSource ids_;
     HfScales hfScales_;                  // of all panes
-    AsioThread files_{"velmora.files"};  // writes the paper account
     std::unique_ptr<SimEngine> sim_;
     std::vector<std::string> accountNotices_;  // that came before there was a pane
     std::unique_ptr<PaneHost> panes_;

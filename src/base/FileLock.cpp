@@ -1,5 +1,8 @@
 #include "base/FileLock.h"
 
+#include <chrono>
+#include <thread>
+
 #include "base/FileReplace.h"
 #ifdef _WIN32
 #include <windows.h>
@@ -14,9 +17,16 @@
 
 namespace vmr {
 
-#ifdef _WIN32
-FileLock::FileLock(const std::filesystem::path& file) {
+FileLock::FileLock(const std::filesystem::path& file, double patience) {
+    using namespace std::chrono;
     if (makePrivateFolders(file.parent_path())) return;
+    const auto end = steady_clock::now() + duration<double>(patience);
+    for (tryOnce(file); state_ == State::heldElsewhere && steady_clock::now() < end; tryOnce(file))
+        std::this_thread::sleep_for(milliseconds(2));
+}
+
+#ifdef _WIN32
+void FileLock::tryOnce(const std::filesystem::path& file) {
     const HANDLE handle = ::CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
                                         FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -27,7 +37,7 @@ FileLock::FileLock(const std::filesystem::path& file) {
         state_ = State::held;
         return;
     }
-    if (::GetLastError() == ERROR_LOCK_VIOLATION) state_ = State::heldElsewhere;
+    state_ = ::GetLastError() == ERROR_LOCK_VIOLATION ? State::heldElsewhere : State::unavailable;
     ::CloseHandle(handle);
 }
 
@@ -35,8 +45,7 @@ FileLock::~FileLock() {
     if (handle_ != none) ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
 }
 #else
-FileLock::FileLock(const std::filesystem::path& file) {
-    if (makePrivateFolders(file.parent_path())) return;
+void FileLock::tryOnce(const std::filesystem::path& file) {
     const int handle = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (handle < 0) return;
     int result;
@@ -47,7 +56,7 @@ FileLock::FileLock(const std::filesystem::path& file) {
         state_ = State::held;
         return;
     }
-    if (errno == EWOULDBLOCK) state_ = State::heldElsewhere;
+    state_ = errno == EWOULDBLOCK ? State::heldElsewhere : State::unavailable;
     ::close(handle);
 }
 

@@ -6,8 +6,8 @@
 
 namespace vmr {
 
-/// Tries once to take the lock, and holds it until destroyed or until the process ends, however it ends. Missing
-/// folders are made. The file itself is empty, readable by its owner only, and stays.
+/// Takes the lock, and holds it until destroyed or until the process ends, however it ends. Missing folders are made.
+/// The file itself is empty, readable by its owner only, and stays.
 class FileLock {
  public:
     enum class State {
@@ -16,7 +16,8 @@ class FileLock {
         unavailable  ///< the file cannot be made, or its file system knows no locks
     };
 
-    explicit FileLock(const std::filesystem::path& file);
+    /// Tries for `patience` real seconds while somebody else has it, with 0 once.
+    explicit FileLock(const std::filesystem::path& file, double patience = 0);
     ~FileLock();
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
@@ -24,6 +25,8 @@ class FileLock {
     State state() const { return state_; }
 
  private:
+    void tryOnce(const std::filesystem::path& file);
+
     static constexpr std::intptr_t none = -1;
     std::intptr_t handle_ = none;  // the platform's
     State state_ = State::unavailable;

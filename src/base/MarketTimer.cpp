@@ -62,7 +62,11 @@ void MarketTimer::arm() {
 
 void MarketTimer::wake() {
     timer_ = SerialQueue::noTimer;
-    if (clock_.now() < due_) return arm();
+    if (const double now = clock_.now(); now < due_) {
+        // sooner than thought when the machine's own clock was put back
+        if (period_ > 0) due_ = std::min(due_, nextMultiple(now));
+        return arm();
+    }
     const auto task = task_;  // the task may end the timer
     if (period_ > 0) {
         lastRun_ = clock_.monotonic();

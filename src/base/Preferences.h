@@ -2,41 +2,69 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "base/SerialQueue.h"
 
 namespace vmr {
 
 /// Stored texts by key. Main thread only.
 class Preferences {
  public:
+    /// Makes a stored text when it is needed, on any thread, and perhaps never. It must own what it uses.
+    using TextMaker = std::function<std::string()>;
+
     virtual ~Preferences() = default;
     /// The stored text, or nothing.
     virtual std::optional<std::string> get(std::string_view key) const = 0;
-    /// Stores at once. A failed write is reported once on standard error and the value still holds in memory.
+    /// Holds in memory at once, whatever becomes of it on the disk.
     virtual void set(std::string_view key, std::string_view value) = 0;
+    /// The same for a text that is long to make.
+    virtual void setLater(std::string_view key, TextMaker maker) { set(key, maker()); }
     virtual void remove(std::string_view key) = 0;
 };
 
-/// Preferences in one JSON file, an object of strings, replaced whole on every change. Another process's changes are
-/// picked up before each write, so that two processes lose nothing but a race for the same key. A file that does not
-/// decode counts as empty and is kept beside as "<name>.bad" before it is replaced.
+/// Preferences in one JSON file, an object of strings, replaced whole and written behind on another thread, at most
+/// every `pace` seconds. Several processes may use one file: each writes under a lock ("<name>.lock"), laying what it
+/// has changed since its last write over what the file holds by then, so that nothing is lost but a race for the same
+/// key. What others have changed is seen here after the next write. Values that are no strings are left as they are. A
+/// file that does not decode counts as empty and is kept beside as "<name>.bad" before it is replaced. A write that
+/// fails is reported once on standard error; the next one tries again.
 class FilePreferences final : public Preferences {
  public:
-    explicit FilePreferences(std::filesystem::path file);
+    static constexpr double pace = 0.3;
+
+    /// Reads the file. `writer` runs on a thread other than the main one; both outlive the preferences.
+    FilePreferences(std::filesystem::path file, SerialQueue& writer);
+    /// Flushes.
+    ~FilePreferences() override;
+    FilePreferences(const FilePreferences&) = delete;
+    FilePreferences& operator=(const FilePreferences&) = delete;
+
     std::optional<std::string> get(std::string_view key) const override;
     void set(std::string_view key, std::string_view value) override;
+    void setLater(std::string_view key, TextMaker maker) override;
     void remove(std::string_view key) override;
 
+    /// Writes what has not been written yet, on the calling thread. Waits for another process's lock for a moment.
+    void flush();
+
+    /// How many times the file has been replaced.
+    int writes() const;
+
  private:
-    void reload();
-    void store();
-    std::filesystem::path file_;
-    std::map<std::string, std::string, std::less<>> values_;
-    bool undecodable_ = false;
-    bool writeFailed_ = false;
+    class File;
+    template <class Change>
+    void change(std::string_view key, Change text);
+    static void writeLater(const std::shared_ptr<File>& file, SerialQueue& writer);
+
+    const std::shared_ptr<File> file_;  // shared with the writes under way
+    SerialQueue& writer_;
 };
 
 /// Preferences that end with the process.

@@ -5,6 +5,7 @@
 #include "base/NumberText.h"
 #include "perf/Perf.h"
 #include "store/ConfigIO.h"
+#include "store/SettingTable.h"
 
 namespace vmr {
 
@@ -87,19 +88,20 @@ void AppModel::onConnected() {
 void AppModel::setConfig(const GexConfig& changed) {
     if (config.get() == changed) return;
     const NoticeGate::Hold hold(gate_);
-    const GexConfig old = config;
-    const OverlaySettings oldSeries = overlaySettings();
+    const unsigned effects = changedEffects(config, changed);
+    const OverlaySettings series = overlaySettings();
     config = changed;
     look_ = renderLook(changed);
     if (at_.saveSettings) ConfigIO::save(at_.preferences, changed);
-    if (old.vixMode != changed.vixMode) {
+    if (effects & SettingEffect::vixChannel) {
         bars.vixCandles.clear();
         overlays.raiseSides();
         reloadChart();
     } else {
-        if (old.sessionStart != changed.sessionStart) sessionLevels.rebuild(bars.candles, sessionHHMM());
-        if (old.hfPressure != changed.hfPressure) updateHfpTimer();
-        if (oldSeries != overlaySettings()) overlays.schedule();
+        if (effects & SettingEffect::sessionLines) sessionLevels.rebuild(bars.candles, sessionHHMM());
+        if (effects & SettingEffect::hfSampling) updateHfpTimer();
+        // a scale of another symbol changes nothing here
+        if ((effects & SettingEffect::overlaySeries) && !(overlaySettings() == series)) overlays.schedule();
         bars.raiseChartVersion();
     }
     sim_.setCommission(config->simCommission);

@@ -2,8 +2,6 @@
 
 namespace vmr::ConfigIO {
 
-bool suppressSave = false;
-
 GexConfig load(const Preferences& preferences) {
     const auto stored = preferences.get(configKey);
     if (!stored) return {};
@@ -11,7 +9,7 @@ GexConfig load(const Preferences& preferences) {
 }
 
 void save(Preferences& preferences, const GexConfig& config) {
-    if (!suppressSave) preferences.set(configKey, config.toJson());
+    preferences.setLater(configKey, [config] { return config.toJson(); });
 }
 
 void reset(Preferences& preferences) {

@@ -10,13 +10,10 @@ inline constexpr const char* configKey = "gex-config";
 inline constexpr const char* lastSymbolKey = "gex-last-symbol";
 inline constexpr const char* timeframeKey = "gex-timeframe";
 
-/// Once set, nothing is saved for the rest of the process; for benchmark runs with forced settings.
-extern bool suppressSave;
-
 /// The stored settings, or the defaults when there are none or they do not decode. Writes nothing.
 GexConfig load(const Preferences& preferences);
 
-/// Stores the whole record, unless `suppressSave`.
+/// Stores the whole record; its text is made when it is written.
 void save(Preferences& preferences, const GexConfig& config);
 
 /// Forgets the settings, the last symbol and the timeframe.

@@ -1,10 +1,9 @@
 #include "store/GexConfig.h"
 
-#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "store/GexConfigFields.h"
+#include "store/SettingTable.h"
 
 namespace vmr {
 
@@ -57,12 +56,10 @@ bool read(const json& value, std::map<std::string, double>& field) {
     return true;
 }
 
-void applyLimits(GexConfig& c) {
-    if (c.initialCandles == 150 || c.initialCandles == 135) c.initialCandles = 200;
-    c.initialCandles = std::clamp<std::int64_t>(c.initialCandles, 30, 1000);
-    c.simBalance = std::max(c.simBalance, 1000.0);
-    c.simCommission = std::clamp(c.simCommission, 0.0, 50.0);
-    c.oscHeight = std::clamp(c.oscHeight, 100.0, 400.0);
+// The field `setting` of `config`, as itself, to `visit`.
+template <class Config, class Visit>
+void visitField(const Setting& setting, Config& config, Visit&& visit) {
+    std::visit([&](auto field) { visit(config.*field); }, setting.field);
 }
 }  // namespace
 
@@ -81,31 +78,28 @@ std::optional<GexConfig> GexConfig::fromJson(std::string_view text) {
     const json stored = json::parse(text, nullptr, false);
     if (!stored.is_object()) return std::nullopt;
     GexConfig config;
-    visitFields(config, [&stored](const char* name, auto& field) {
-        if (const auto found = stored.find(name); found != stored.end()) read(*found, field);
-    });
+    for (const Setting& one : settingTable())
+        if (const auto found = stored.find(one.name); found != stored.end())
+            visitField(one, config, [&found](auto& field) { read(*found, field); });
     applyLimits(config);
     return config;
 }
 
 std::string GexConfig::toJson() const {
     json out = json::object();
-    visitFields(*this, [&out](const char* name, const auto& field) { out[name] = field; });
+    for (const Setting& one : settingTable())
+        visitField(one, *this, [&](const auto& field) { out[std::string(one.name)] = field; });
     return out.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
 std::optional<std::string> GexConfig::set(std::string_view key, std::string_view jsonValue) {
     const json value = json::parse(jsonValue, nullptr, false);
     if (value.is_discarded()) return "the value is not JSON: " + std::string(jsonValue);
+    const Setting* setting = findSetting(key);
+    if (!setting) return "there is no setting " + std::string(key);
     GexConfig changed = *this;
-    bool known = false;
     bool typed = false;
-    visitFields(changed, [&](const char* name, auto& field) {
-        if (key != name) return;
-        known = true;
-        typed = read(value, field);
-    });
-    if (!known) return "there is no setting " + std::string(key);
+    visitField(*setting, changed, [&](auto& field) { typed = read(value, field); });
     if (!typed) return "wrong type for " + std::string(key) + ": " + std::string(jsonValue);
     applyLimits(changed);
     *this = std::move(changed);

@@ -10,8 +10,8 @@
 namespace vmr {
 
 /// 60 settings. The field names are the keys of the stored JSON; the values here are the defaults. Opacities are in
-/// percent. Reading limits four fields: `initialCandles` 30...1000 (a stored 150 or 135, the defaults of old, becomes
-/// 200), `simBalance` at least 1000, `simCommission` 0...50, `oscHeight` 100...400.
+/// percent. SettingTable.h tells the rest about each field, such as the limits of the four that have some: a new
+/// setting is a field here and a row there.
 struct GexConfig {
     std::string candleTheme = "mono";   ///< or "classic"
     std::int64_t initialCandles = 200;  ///< bars left of the margin on open

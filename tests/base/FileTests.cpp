@@ -1,11 +1,10 @@
-// Files replaced whole, and the preferences kept in one.
+// Files replaced whole.
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 
 #include "base/FileReplace.h"
-#include "base/Preferences.h"
 #include "base/Uuid.h"
 
 namespace vmr {
@@ -45,47 +44,6 @@ TEST_F(Files, AFailedReplaceTellsWhyAndLeavesTheOldFile) {
     EXPECT_THAT(replaceFile(folder / "file" / "below", "x").value_or(""), testing::HasSubstr("cannot"));
     EXPECT_EQ(readFile(folder / "file"), "old");
     EXPECT_EQ(readFile(asFolder), std::nullopt);
-}
-
-TEST_F(Files, TwoPreferencesOnOneFileLoseNothing) {
-    const fs::path file = folder / "preferences.json";
-    FilePreferences one(file), two(file);
-    one.set("a", "1");
-    two.set("b", "quote \" and é and \n");
-    two.remove("a");
-    one.set("c", "");
-    const FilePreferences later(file);
-    EXPECT_EQ(later.get("a"), std::nullopt) << "another's removal is picked up before a write";
-    EXPECT_EQ(later.get("b"), "quote \" and é and \n");
-    EXPECT_EQ(later.get("c"), "");
-}
-
-TEST_F(Files, AFileThatDoesNotDecodeIsKeptBeside) {
-    const fs::path file = folder / "preferences.json";
-    for (const std::string bad : {"{\"a\":", "[1]", "", "\xff\xfe"}) {
-        ASSERT_EQ(replaceFile(file, bad), std::nullopt);
-        FilePreferences preferences(file);
-        EXPECT_EQ(preferences.get("a"), std::nullopt);
-        EXPECT_EQ(readFile(file), bad) << "reading alone changes nothing";
-        preferences.set("a", "new");
-        EXPECT_EQ(readFile(folder / "preferences.json.bad"), bad);
-        EXPECT_EQ(FilePreferences(file).get("a"), "new");
-    }
-    ASSERT_EQ(replaceFile(file, R"({"number":1,"text":"kept"})"), std::nullopt);
-    EXPECT_EQ(FilePreferences(file).get("text"), "kept") << "beside a value that is no text";
-}
-
-TEST_F(Files, WithoutAWritableFolderValuesHoldInMemory) {
-    ASSERT_EQ(replaceFile(folder / "wall", ""), std::nullopt);
-    FilePreferences preferences(folder / "wall" / "preferences.json");
-    testing::internal::CaptureStderr();
-    for (const char* key : {"a", "b"}) preferences.set(key, "1");
-    const std::string told = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1) << "said once: " << told;
-    EXPECT_EQ(preferences.get("b"), "1");
-    fs::remove(folder / "wall");
-    preferences.set("c", "3");
-    EXPECT_EQ(FilePreferences(folder / "wall" / "preferences.json").get("b"), "1") << "once writable, all is saved";
 }
 
 }  // namespace

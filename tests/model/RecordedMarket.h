@@ -32,12 +32,13 @@ inline std::vector<relay::RecordedFrame> record(std::uint64_t seed, const std::s
     relay::DerivedMarket derived(
         seed, [&market](const relay::Instrument& one) -> relay::TradeSource& { return market->trades(one); });
     relay::ChainBook chains(derived);
+    const SystemClock clock;  // for its speed alone
     relay::ChannelHub hub;
     auto prices = std::make_unique<relay::MarketPublisher>(hub, seed, relay::Rush{}, nullptr, nullptr);
     market = prices.get();
     hub.add(std::move(prices));
     hub.add(std::make_unique<relay::MetaPublisher>(hub));
-    hub.add(std::make_unique<relay::MinutePublisher>(hub, chains, 1));
+    hub.add(std::make_unique<relay::MinutePublisher>(hub, chains, clock));
     hub.add(std::make_unique<relay::LevelsPublisher>(hub, derived));
     hub.setTap([&frames](std::int64_t nowMs, const std::string& channel, const relay::Frame& frame) {
         frames.push_back({nowMs, channel, frame});

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/SteerableClock.h"
 #include "relay/ChainPublisher.h"
 #include "relay/LevelsPublisher.h"
 #include "relay/MinutePublisher.h"
@@ -65,9 +66,9 @@ class Inbox final : public Subscriber {
 /// One run of the market.
 class DerivedBench {
  public:
-    explicit DerivedBench(double speed = 1) {
-        hub.add(std::make_unique<ChainPublisher>(hub, chains, speed));
-        hub.add(std::make_unique<MinutePublisher>(hub, chains, speed));
+    explicit DerivedBench(double speed = 1) : clock(0, speed) {
+        hub.add(std::make_unique<ChainPublisher>(hub, chains, clock));
+        hub.add(std::make_unique<MinutePublisher>(hub, chains, clock));
         hub.add(std::make_unique<LevelsPublisher>(hub, market));
     }
 
@@ -93,6 +94,7 @@ class DerivedBench {
  public:
     DerivedMarket market{1, [this](const Instrument& one) -> TradeSource& { return source(one); }};
     ChainBook chains{market};
+    SteerableClock clock;  // for its speed alone
     ChannelHub hub;
 };
 

@@ -181,5 +181,46 @@ TEST(DerivedChannels, EventsGoToTheirOwnSourceOnly) {
     EXPECT_EQ(inbox.of("derived:QQQ").size(), 0u);
 }
 
+TEST(DerivedChannels, AfterTheClockWasSetBackAllIsAsIfTheMarketHadOnlyJustCome) {
+    const std::vector<std::string> channels{
+        "derived:QQQ",           "derived:gexBubbles:QQQ", "derived:hfTriangles:QQQ",
+        "derived:hfHistory:QQQ", "derived:osc:QQQ",        "derived:srlevels:NQ"};
+    const char* const start = "2026-06-10T09:34:33";
+    DerivedBench bench;
+    Listener early;
+    EXPECT_TRUE(bench.hub.subscribe(early, channels, ms(start)).empty());
+    for (const char* back : {"2026-06-10T09:34:31", "2026-06-10T09:29:59", "2026-05-27T18:00:05"}) {
+        bench.hub.tick(ms(start));
+        early.state.clear();
+        bench.hub.tick(ms(back));
+        DerivedBench fresh;
+        Listener late;
+        EXPECT_TRUE(fresh.hub.subscribe(late, channels, ms(back)).empty());
+        for (const std::string& channel : channels)
+            EXPECT_EQ(early.state[channel], late.state[channel]) << back << channel;
+        fresh.hub.leave(late);
+    }
+    bench.hub.leave(early);
+}
+
+TEST(DerivedChannels, AFasterOrSlowerClockNeverShowsAnEarlierState) {
+    DerivedBench bench;
+    Listener one;
+    const std::vector<std::string> channels{"derived:QQQ", "derived:hfHistory:QQQ"};
+    EXPECT_TRUE(bench.hub.subscribe(one, channels, ms("2026-06-10T10:00:20")).empty());
+    bench.hub.tick(ms("2026-06-10T10:00:50"));
+    const auto before = one.state;
+    bench.clock.setSpeed(60);
+    bench.hub.tick(ms("2026-06-10T10:00:59"));
+    EXPECT_EQ(one.state, before) << "the grid of a fast clock begins with the next minute";
+    bench.hub.tick(ms("2026-06-10T10:01:05"));
+    EXPECT_NE(one.state["derived:QQQ"], before.at("derived:QQQ"));
+    const int heard = one.heard["derived:QQQ"];
+    bench.clock.setSpeed(1);
+    bench.hub.tick(ms("2026-06-10T10:01:06"));
+    EXPECT_GT(one.heard["derived:QQQ"], heard);
+    bench.hub.leave(one);
+}
+
 }  // namespace
 }  // namespace vmr::relay

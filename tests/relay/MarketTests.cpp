@@ -99,6 +99,10 @@ TEST(SimulatedMarket, IsAFunctionOfSeedAndMinuteAloneAndJoinsAcrossDays) {
     ASSERT_GT(whole.size(), late.size());
     EXPECT_TRUE(std::equal(late.begin(), late.end(), whole.end() - 90));
     EXPECT_NE(other.bars(Family::futures, "ES", "2026-06-10T09:30", "2026-06-10T11:00"), late);
+    const auto source = market.simulated.source(*findInstrument(Family::futures, "ES"));
+    BarBook book(*source);
+    EXPECT_EQ(book.closed(at("2026-06-10T09:00"), at("2026-06-10T10:30")).size(), 90u);
+    EXPECT_EQ(book.closed(at("2026-06-10T09:30"), at("2026-06-10T11:00")), late) << "from what it has kept";
     for (std::size_t i = 1; i < whole.size(); ++i)
         ASSERT_LT(std::abs(std::log(whole[i].open / whole[i - 1].close)), 0.004) << whole[i].time;
 }

@@ -66,7 +66,9 @@ TEST_F(RecordedSession, PlaysAgainForEarlyAndLateSubscribers) {
     start(recording);
     auto first = std::make_unique<Client>(*relay, token);
     auto second = std::make_unique<Client>(*relay, token);  // is not recorded again
+    std::vector<Candle> halfway;
     for (double now = begin; now < end; now += 10) {
+        if (now == begin + 60) halfway = relay->ledger("futures:ESM6");
         clock.set(std::min(now + 10, end));
         relay->command("status");
         const int heard = first->listener.heard["derived:SPY"];
@@ -90,6 +92,13 @@ TEST_F(RecordedSession, PlaysAgainForEarlyAndLateSubscribers) {
     EXPECT_EQ(late.snapshots["futures:ESM6:1m"], (std::vector<Candle>{ledger.end() - 2, ledger.end()}));
     EXPECT_EQ(relay->ledger("futures:ESM6"), ledger);
     EXPECT_EQ(late.listener.state, first->listener.state);
+
+    clock.set(begin + 60);
+    EXPECT_EQ(relay->ledger("futures:ESM6"), halfway) << "set back";
+    EXPECT_EQ(Client(*relay, token).snapshots["futures:ESM6"], halfway);
+    clock.set(end + 1);
+    EXPECT_EQ(relay->ledger("futures:ESM6"), ledger);
+    EXPECT_EQ(Client(*relay, token).listener.state, first->listener.state);
 }
 
 struct RecordingFile : testing::Test {

@@ -14,7 +14,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "base/Clock.h"
+#include "base/SteerableClock.h"
 #include "market/ClockSetting.h"
 #include "relay/PracticeRelay.h"
 
@@ -25,19 +25,30 @@ namespace beast = boost::beast;
 using asio::ip::tcp;
 using nlohmann::json;
 
-/// A clock that stands where the test put it. Any thread.
+/// A clock that stands where the test put it, and whose real time moves when the test says so. Any thread.
 class HandClock final : public Clock {
  public:
-    explicit HandClock(double now) : now_(now) {}
-    double now() const override { return now_; }
-    double monotonic() const override { return monotonic_; }
-    double speed() const override { return 1; }
-    void set(double now) { now_ = now; }
-    void advance(double seconds) { now_ = now_ + seconds; }
-    void age(double realSeconds) { monotonic_ = monotonic_ + realSeconds; }
+    explicit HandClock(double now) : market_(real_, now, 1) { market_.pause(); }
+    double now() const override { return market_.now(); }
+    double monotonic() const override { return real_.monotonic(); }
+    double speed() const override { return market_.speed(); }
+    bool paused() const override { return market_.paused(); }
+    ClockWatch onSteered(SerialQueue& queue, std::function<void(const ClockSteering&)> changed) const override {
+        return market_.onSteered(queue, std::move(changed));
+    }
+    void set(double now) { market_.setNow(now); }
+    void advance(double seconds) { set(now() + seconds); }
+    void age(double realSeconds) { real_.seconds = real_.seconds + realSeconds; }
 
  private:
-    std::atomic<double> now_, monotonic_ = 1000;
+    struct RealTime final : Clock {
+        std::atomic<double> seconds = 1000;
+        double now() const override { return seconds; }
+        double monotonic() const override { return seconds; }
+        double speed() const override { return 1; }
+    };
+    RealTime real_;
+    SteerableClock market_;
 };
 
 inline tcp::endpoint endpointOf(const std::string& url) {

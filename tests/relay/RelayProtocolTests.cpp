@@ -124,5 +124,34 @@ TEST_F(RelayStart, ATapeIsTheMarketOfItsSymbolAlone) {
     EXPECT_EQ(relay->ledger("futures:CLN6").size(), 1u) << "its history is over, and the bar under way";
 }
 
+TEST_F(RelayProtocol, AClockThatIsSetSendsNothingFromTheFutureAndNothingTwice) {
+    const auto probe = greeted();
+    probe->subscribe({"futures:ESM6:trades", "futures:ESM6"});
+    EXPECT_TRUE(probe->next("snapshot", "futures:ESM6").is_object());
+    for (const auto& [moment, snapshots] : {std::pair("2026-06-10T09:59:58", true),
+                                            {"2026-06-10T10:00:19", false},
+                                            {"2026-06-08T11:00:20", true},
+                                            {"2026-06-10T09:41:07", true},
+                                            {"2026-01-09T15:59:40", true}}) {
+        const double set = *parseMoment(moment) + 0.25;
+        clock.set(set);
+        if (snapshots) {
+            const auto bars = parsed(probe->next("snapshot", "futures:ESM6")["data"]);
+            EXPECT_EQ(bars, relay->ledger("futures:ESM6")) << moment;
+            EXPECT_EQ(bars.back().time, std::floor(set / 60) * 60) << moment;
+        }
+        clock.advance(15);
+        double last = 0;
+        for (json event; last <= (set + 5) * 1000; last = event["ts"]) {
+            const json events = probe->next("batch")["events"];
+            ASSERT_TRUE(events.is_array());
+            EXPECT_TRUE(!snapshots || events.front()["ts"] > set * 1000) << moment;
+            EXPECT_GE(events.front()["ts"], last) << moment;
+            EXPECT_LE(events.back()["ts"], (set + 15) * 1000) << moment;
+            event = events.back();
+        }
+    }
+}
+
 }  // namespace
 }  // namespace vmr::relay

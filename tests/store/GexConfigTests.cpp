@@ -1,12 +1,14 @@
 // The settings: lenient reading, limits, setting by name, storing; and their colours.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <array>
 
 #include "base/Json.h"
 #include "base/NumberText.h"
 #include "store/ConfigIO.h"
 #include "store/HexColor.h"
+#include "store/SettingTable.h"
 
 namespace vmr {
 namespace {
@@ -102,6 +104,42 @@ TEST(GexConfig, LimitsFourFieldsAndNoOthers) {
     EXPECT_TRUE(read(R"({"hfScaleBySymbol":{"NQ":1,"ES":"x"}})").hfScaleBySymbol.empty());
 }
 
+TEST(SettingTable, HasARowForEveryFieldSectionBySection) {
+    const auto all = Json::parse(defaults);
+    EXPECT_EQ(settingTable().size(), all->size());
+    auto section = SettingSection::overlays;
+    for (const Setting& one : settingTable()) {
+        EXPECT_NE((*all)[one.name].kind(), JsonView::Kind::missing) << one.name;
+        EXPECT_EQ(findSetting(one.name), &one) << "each once";
+        EXPECT_GE(one.section, section) << one.name;
+        section = one.section;
+        EXPECT_EQ(one.label.empty(), one.kind == SettingKind::map) << one.name;
+        const JsonView value = (*all)[one.name];
+        if (value.isNumber()) {
+            EXPECT_GT(one.step, 0) << one.name;
+            EXPECT_TRUE(one.offered.least <= value.number() && value.number() <= one.offered.most) << one.name;
+            EXPECT_TRUE(one.stored.least <= one.offered.least && one.offered.most <= one.stored.most) << one.name;
+        }
+        const auto isDefault = [&](const SettingChoice& choice) { return choice.value == value.string(); };
+        EXPECT_EQ(std::any_of(one.choices.begin(), one.choices.end(), isDefault), one.kind == SettingKind::choice)
+            << one.name;
+        EXPECT_EQ(one.kind == SettingKind::color, value.isString() && value.string().starts_with("#")) << one.name;
+    }
+    EXPECT_EQ(sectionTitle(SettingSection::tools), "Tools");
+}
+
+TEST(SettingTable, AChangeHasTheEffectsOfTheFieldsThatDiffer) {
+    const GexConfig before;
+    GexConfig after = before;
+    EXPECT_EQ(changedEffects(before, after), SettingEffect::none);
+    after.showNyClock = false;
+    EXPECT_EQ(changedEffects(before, after), SettingEffect::none);
+    after.hfScaleBySymbol["NQ"] = 2;
+    after.oscHeight = 150;
+    EXPECT_EQ(changedEffects(before, after), SettingEffect::overlaySeries | SettingEffect::oscillator);
+    EXPECT_EQ(changedEffects(after, before), SettingEffect::overlaySeries | SettingEffect::oscillator);
+}
+
 TEST(ConfigIO, LoadsWhatWasSavedAndWritesNothingItself) {
     MemoryPreferences preferences;
     preferences.set("gex-config", "broken");
@@ -110,9 +148,6 @@ TEST(ConfigIO, LoadsWhatWasSavedAndWritesNothingItself) {
     GexConfig config;
     config.vixMode = "1d";
     ConfigIO::save(preferences, config);
-    ConfigIO::suppressSave = true;
-    ConfigIO::save(preferences, GexConfig());
-    ConfigIO::suppressSave = false;
     EXPECT_EQ(ConfigIO::load(preferences), config);
     for (const char* key : {"gex-last-symbol", "gex-timeframe", "another"}) preferences.set(key, "5");
     ConfigIO::reset(preferences);

@@ -14,7 +14,7 @@
 
 namespace vmr::test {
 
-/// A line across the middle bar of the chart's view.
+/// A line at every fifth bar of the chart that comes to the middle of the view.
 class FollowerItem final : public FrameItem {
  public:
     FollowerItem(QQuickItem* parent, std::shared_ptr<ViewportState> camera)
@@ -33,7 +33,8 @@ class FollowerItem final : public FrameItem {
         gpu.clear({0.1F, 0.1F, 0.1F, 1.0F});
         if (shows_) {
             arena_.beginFrame();
-            const auto x = static_cast<float>(1 - 2 * (shows_->first - std::floor(shows_->first)) / shows_->count);
+            const double bar = std::ceil((shows_->first + shows_->count / 2) / 5) * 5;
+            const auto x = static_cast<float>(2 * (bar - shows_->first) / shows_->count - 1);
             const std::array<ChartVertex, 2> line{{{{x, -1, 0, 1}, {1, 1, 1, 1}}, {{x, 1, 0, 1}, {1, 1, 1, 1}}}};
             const auto list = arena_.uploadDyn(std::span<const ChartVertex>(line));
             gpu.setPipeline(Pipeline::flat);

@@ -81,7 +81,10 @@ void FrameItem::geometryChange(const QRectF& now, const QRectF& before) {
 
 void FrameItem::itemChange(ItemChange change, const ItemChangeData& data) {
     QQuickItem::itemChange(change, data);
-    if (change == ItemSceneChange) enterWindow(data.window);
+    if (change == ItemSceneChange) {
+        enterWindow(data.window);
+        follow(pump_.hidden());  // the window before shows no more of it
+    }
     if (change == ItemSceneChange || change == ItemVisibleHasChanged) {
         updateOnScreen();
         if (window() && isVisible()) follow(pump_.visible());  // a window that is not shown may be drawn into a picture
@@ -115,14 +118,10 @@ void FrameItem::updatePolish() {
     const unsigned glyphsBefore = glyphs_.generation();
     bool moves = recordOnce();
     const bool moved = glyphs_.generation() != glyphsBefore;
-    if (moved) {  // what was drawn before the atlas moved its glyphs is stale, here and in the other items
-        recordsAgain_ = true;
-        moves = recordOnce();
-        recordsAgain_ = false;
-    }
+    if (moved) moves = recordOnce();  // what was drawn before the atlas moved its glyphs is stale
     pump_.recorded(moves);
     recordedAt_ = clock_.monotonic();
-    if (moved) window_->glyphsMoved();
+    if (moved) window_->glyphsMoved();  // in the other items as well
 }
 
 // When the atlas is too small for all that one frame shows, the items would take turns at moving each other's glyphs

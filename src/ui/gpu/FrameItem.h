@@ -60,15 +60,14 @@ class FrameItem : public QQuickItem {
 
  protected:
     /// Records one frame with `gpu`, for a view of `size` points at `pixelRatio` device pixels a point; `now` is real
-    /// time in seconds. True while something still moves, so that another frame follows. Not called without a size.
+    /// time in seconds. True while something still moves, so that another frame follows. Not called without a size, and
+    /// a second time for one frame when a new glyph moved the others.
     virtual bool record(Gpu& gpu, QSizeF size, double pixelRatio, double now) = 0;
     /// Whether the frame just recorded shows input that `noteInput` told of.
     virtual bool showsInput() const { return true; }
     /// A frame came to the screen.
     virtual void frameShown() {}
 
-    /// The same frame is recorded once more because a new glyph moved the others: it counts as one.
-    bool recordsAgain() const { return recordsAgain_; }
     /// What `record` is given; buffers may be made before the first frame.
     FrameRecorder& gpu() { return gpu_; }
     /// Glyphs of the window's one atlas.
@@ -109,7 +108,6 @@ class FrameItem : public QQuickItem {
     Perf* perf_ = nullptr;
     QString problem_;
     bool onScreen_ = false;
-    bool recordsAgain_ = false;
     unsigned recordedGlyphs_ = 0;  ///< generation that the last frame was drawn with
     int joinedForGlyphs_ = 0;      ///< times since the last hand-over
     double recordedAt_ = 0;        ///< seconds, monotonic

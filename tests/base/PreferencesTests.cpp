@@ -1,0 +1,209 @@
+// The preferences in their file: written behind, shared with other processes, never half written.
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <thread>
+
+#include "base/AsioLoop.h"
+#include "base/FileLock.h"
+#include "base/FileReplace.h"
+#include "base/Json.h"
+#include "base/Preferences.h"
+#include "base/Uuid.h"
+#include "support/time/TestTime.h"
+
+namespace vmr {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+struct Stored : testing::Test {
+    Stored() { fs::create_directories(folder); }
+    ~Stored() override { fs::remove_all(folder); }
+    /// What a process that starts now reads.
+    std::optional<std::string> later(const char* key) { return FilePreferences(file, writer).get(key); }
+    const fs::path folder = fs::temp_directory_path() / ("velmora-test-" + UuidSource().next().text());
+    const fs::path file = folder / "preferences.json";
+    test::TestTime time;
+    test::TestQueue writer{time};
+};
+
+TEST_F(Stored, ChangesInARowAreOneWriteAMomentLater) {
+    FilePreferences preferences(file, writer);
+    int made = 0;
+    for (int i = 0; i < 300; ++i) {
+        preferences.setLater("record", [&made, i] { return ++made, std::to_string(i); });
+        time.advance(0.001);
+    }
+    EXPECT_EQ(preferences.writes(), 1) << "0.3 s are over";
+    EXPECT_EQ(made, 1);
+    preferences.set("a", "1");
+    EXPECT_EQ(preferences.get("record"), "299");
+    EXPECT_EQ(preferences.get("a"), "1") << "in memory at once";
+    EXPECT_EQ(later("a"), std::nullopt);
+    time.advance(FilePreferences::pace);
+    time.advance(100);
+    EXPECT_EQ(preferences.writes(), 2) << "only what has changed is written";
+    EXPECT_EQ(later("record"), "299");
+    preferences.remove("unknown");
+    preferences.remove("a");
+    preferences.flush();
+    preferences.flush();
+    EXPECT_EQ(preferences.writes(), 3);
+    EXPECT_EQ(later("a"), std::nullopt);
+    { FilePreferences(file, writer).set("b", "2"); }
+    EXPECT_EQ(later("b"), "2") << "an orderly end writes";
+}
+
+TEST_F(Stored, TwoOnOneFileLoseNothingButARaceForOneKey) {
+    ASSERT_EQ(replaceFile(file, R"({"number":1.5,"list":[1,{}],"text":"kept","none":null})"), std::nullopt);
+    FilePreferences one(file, writer), two(file, writer);
+    one.set("a", "1");
+    one.set("both", "one");
+    one.flush();
+    two.set("b", "quote \" and é and \n");
+    two.set("both", "two");
+    two.remove("a");
+    two.flush();
+    EXPECT_EQ(two.get("a"), std::nullopt);
+    one.set("c", "");
+    EXPECT_EQ(one.get("b"), std::nullopt) << "seen after the next write";
+    one.flush();
+    EXPECT_EQ(one.get("b"), "quote \" and é and \n");
+    for (const auto& [key, value] :
+         {std::pair("a", std::optional<std::string>()), {"both", "two"}, {"c", ""}, {"text", "kept"}})
+        EXPECT_EQ(later(key), value) << key;
+    two.remove("text");
+    two.flush();
+    const auto stored = Json::parse(*readFile(file));
+    EXPECT_EQ((*stored)["number"].text() + (*stored)["list"].text() + (*stored)["none"].text(), "1.5[1,{}]null");
+    fs::remove(file);
+    one.set("c", "new");
+    one.flush();
+    EXPECT_EQ(later("both"), "two") << "a file that is gone is made anew from what is known";
+}
+
+TEST_F(Stored, AWriterWaitsForTheLockAndTheLastOneDoesNotWaitForEver) {
+    FilePreferences preferences(file, writer);
+    {
+        const FileLock other(folder / "preferences.json.lock");
+        ASSERT_EQ(other.state(), FileLock::State::held);
+        preferences.set("a", "1");
+        time.advance(FilePreferences::pace + 0.1);
+        EXPECT_FALSE(fs::exists(file));
+    }
+    time.advance(FilePreferences::pace);
+    EXPECT_EQ(later("a"), "1");
+    const FileLock other(folder / "preferences.json.lock");
+    preferences.set("a", "2");
+    preferences.flush();
+    EXPECT_EQ(later("a"), "2");
+}
+
+TEST_F(Stored, AFileThatDoesNotDecodeIsKeptBeside) {
+    for (const std::string bad : {"{\"a\":", "[1]", "", "\xff\xfe"}) {
+        ASSERT_EQ(replaceFile(file, bad), std::nullopt);
+        FilePreferences preferences(file, writer);
+        EXPECT_EQ(preferences.get("a"), std::nullopt);
+        EXPECT_EQ(readFile(file), bad) << "reading alone changes nothing";
+        preferences.set("a", "new");
+        preferences.flush();
+        EXPECT_EQ(readFile(folder / "preferences.json.bad"), bad);
+        EXPECT_EQ(later("a"), "new");
+    }
+}
+
+TEST_F(Stored, WithoutAWritableFolderValuesHoldInMemory) {
+    ASSERT_EQ(replaceFile(folder / "wall", ""), std::nullopt);
+    FilePreferences preferences(folder / "wall" / "preferences.json", writer);
+    testing::internal::CaptureStderr();
+    for (const char* key : {"a", "b"}) {
+        preferences.set(key, "1");
+        time.advance(1);
+    }
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1) << "said once: " << told;
+    EXPECT_EQ(preferences.get("b"), "1");
+    fs::remove(folder / "wall");
+    preferences.set("c", "3");
+    time.advance(1);
+    EXPECT_EQ(FilePreferences(folder / "wall" / "preferences.json", writer).get("b"), "1")
+        << "once writable, all is saved";
+}
+
+/// Runs `work` in a process of its own, which ends without the tests' ends.
+template <class Work>
+pid_t inAnotherProcess(Work work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work();
+        std::_Exit(0);
+    }
+    return child;
+}
+
+TEST_F(Stored, ThreeProcessesWithFourHundredChangesEachLoseNone) {
+    std::vector<pid_t> children;
+    for (int process = 0; process < 3; ++process) {
+        children.push_back(inAnotherProcess([&] {
+            AsioThread thread("test.writer");
+            FilePreferences preferences(file, thread.loop());
+            for (int i = 0; i < 400; ++i) {
+                preferences.set(std::to_string(process) + "/" + std::to_string(i % 50), std::to_string(i));
+                preferences.set("race", std::to_string(process));
+                if (i % 10 == 0) preferences.flush();
+            }
+        }));
+    }
+    for (const pid_t child : children) {
+        int status = -1;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    FilePreferences all(file, writer);
+    for (int process = 0; process < 3; ++process)
+        for (int i = 350; i < 400; ++i)
+            EXPECT_EQ(all.get(std::to_string(process) + "/" + std::to_string(i % 50)), std::to_string(i));
+    EXPECT_THAT(all.get("race").value_or(""), testing::MatchesRegex("[012]"));
+    EXPECT_FALSE(fs::exists(folder / "preferences.json.bad"));
+}
+
+TEST_F(Stored, KilledAtAnyMomentTheFileIsOldOrNew) {
+    std::mt19937 random(std::random_device{}());
+    int last = -1, advanced = 0;
+    for (int run = 0; run < 12; ++run) {
+        const pid_t child = inAnotherProcess([&] {
+            AsioThread thread("test.writer");
+            FilePreferences preferences(file, thread.loop());
+            for (int i = last + 1;; ++i) {
+                preferences.set("a", std::to_string(i));
+                preferences.set("b", std::string(static_cast<std::size_t>(i % 7) * 3000, 'x') + std::to_string(i));
+                preferences.flush();
+            }
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(20000, 60000)(random)));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        const auto bytes = readFile(file);
+        if (!bytes) continue;
+        ASSERT_TRUE(Json::parse(*bytes)) << "whole";
+        FilePreferences preferences(file, writer);
+        const std::string a = preferences.get("a").value_or(""), b = preferences.get("b").value_or("");
+        ASSERT_THAT(b, testing::EndsWith(a)) << "both of one write";
+        ASSERT_GE(std::stoi(a), last) << "never an older one";
+        advanced += std::stoi(a) > last;
+        last = std::stoi(a);
+    }
+    EXPECT_GT(advanced, 3);
+    EXPECT_FALSE(fs::exists(folder / "preferences.json.bad"));
+}
+
+}  // namespace
+}  // namespace vmr
