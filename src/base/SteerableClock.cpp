@@ -9,11 +9,15 @@ namespace vmr {
 
 SteerableClock::SteerableClock() : machine_(system_) { line_.followsMachine = true; }
 
-SteerableClock::SteerableClock(double startSeconds, double speed) : SteerableClock(system_, startSeconds, speed) {}
+SteerableClock::SteerableClock(double startSeconds, double speed)
+    : machine_(system_), line_(lineFrom(startSeconds, speed)) {}
 
 SteerableClock::SteerableClock(const Clock& machine, double startSeconds, double speed)
-    : machine_(machine),
-      line_{startSeconds, machine.monotonic(), std::isfinite(speed) && speed > 0 ? speed : 1, false, false} {}
+    : machine_(machine), line_(lineFrom(startSeconds, speed)) {}
+
+SteerableClock::Line SteerableClock::lineFrom(double startSeconds, double speed) const {
+    return {startSeconds, machine_.monotonic(), std::isfinite(speed) && speed > 0 ? speed : 1, false, false};
+}
 
 double SteerableClock::nowOn(const Line& line) const {
     if (line.followsMachine) return machine_.now();

@@ -54,6 +54,7 @@ class SteerableClock final : public Clock {
         std::list<Listener> all;
     };
 
+    Line lineFrom(double startSeconds, double speed) const;
     double nowOn(const Line& line) const;
     template <class Change>
     void steer(Change change);
