@@ -54,15 +54,5 @@ TEST(NoticeGate, TellsOnceWhenAllHasChanged) {
     EXPECT_EQ(two.revision(), 2u);
 }
 
-TEST(Observable, TakesAnothersValueAndKeepsItsSubscribers) {
-    Observable<int> value{1};
-    int heard = 0;
-    const auto link = value.changed.connect([&] { ++heard; });
-    value = Observable<int>(1);
-    EXPECT_EQ(heard, 0);
-    value = Observable<int>(2);
-    EXPECT_EQ(std::pair(heard, value.get()), std::pair(1, 2));
-}
-
 }  // namespace
 }  // namespace vmr

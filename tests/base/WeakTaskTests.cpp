@@ -3,28 +3,19 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
-#include <vector>
+#include <optional>
 
 namespace vmr {
 namespace {
 
-struct Owner {
-    explicit Owner(std::vector<int>& heard) : heard_(heard) {}
-    std::function<void(int)> task() {
-        return weak_([this](int value) { heard_.push_back(value); });
-    }
-    std::vector<int>& heard_;
-    WeakTask weak_;
-};
-
 TEST(WeakTask, RunsWhileItsOwnerIsThereAndWasNotTakenBack) {
     std::vector<int> heard;
-    auto owner = std::make_unique<Owner>(heard);
-    const auto first = owner->task();
+    std::optional<WeakTask> owner(std::in_place);
+    const auto hear = [&](int value) { heard.push_back(value); };
+    const std::function<void(int)> first = (*owner)(hear);
     first(1);
-    owner->weak_.cancel();
-    const auto second = owner->task();
+    owner->cancel();
+    const std::function<void(int)> second = (*owner)(hear);
     first(2);
     second(3);
     owner.reset();

@@ -1,234 +1,106 @@
-// The pacing of frames, one script of events for each way in which it can go wrong.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
+// The pacing of frames, one script for each way in which it can go wrong. A script's word is an event, the state after
+// it and, in capitals, what the pump orders: SCHEDULE a frame, or WATCH the screen.
 #include "gpu/FramePump.h"
 
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
+
 namespace vmr {
-
-using State = FramePump::State;
-using Order = FramePump::Order;
-
-// How a failure prints them.
-static void PrintTo(State state, std::ostream* out) {
-    static constexpr const char* names[] = {"idle", "asked", "recorded", "onItsWay"};
-    *out << names[static_cast<int>(state)];
-}
-static void PrintTo(Order order, std::ostream* out) {
-    static constexpr const char* names[] = {"nothing", "schedule", "watch"};
-    *out << names[static_cast<int>(order)];
-}
-
 namespace {
 
-enum class Event : unsigned char {
-    ask,
-    live,     ///< frames at the screen's pace begin
-    notLive,  ///< and end
-    record,   ///< and nothing moves any more
-    ease,     ///< recorded, and something still moves
-    askWithin,
-    noSize,
-    handOver,
-    repaint,  ///< the toolkit draws for another item's sake
-    show,
-    showOld,  ///< the swap of the frame before is heard of now
-    late,
-    lost,
-    join,
-    hidden,
-    visible,
-    resized,
-    picture
-};
+using Order = FramePump::Order;
 
-struct Step {
-    Event event;
-    State state;
-    Order order = Order::nothing;
-};
-
-struct Case {
-    const char* name;
-    std::vector<Step> steps;
-};
-
-Order play(FramePump& pump, Event event) {
-    switch (event) {
-        case Event::ask:
-            return pump.ask();
-        case Event::live:
-        case Event::notLive:
-            return pump.setLive(event == Event::live);
-        case Event::askWithin:
-            pump.beginRecord();
-            return pump.ask();
-        case Event::record:
-        case Event::ease:
-            pump.beginRecord();
-            pump.recorded(event == Event::ease);
-            return Order::nothing;
-        case Event::noSize:
-            pump.beginRecord();
-            pump.notRecorded();
-            return Order::nothing;
-        case Event::handOver:
-        case Event::repaint:
-            EXPECT_EQ(pump.handOver(), event == Event::handOver);
-            return Order::nothing;
-        case Event::show:
-            return pump.shown(pump.frame());
-        case Event::showOld:
-            return pump.shown(pump.frame() - 1);
-        case Event::late:
-            return pump.late();
-        case Event::lost:
-            return pump.lost();
-        case Event::join:
-            return pump.join();
-        case Event::hidden:
-            return pump.hidden();
-        case Event::visible:
-            return pump.visible();
-        case Event::resized:
-            return pump.resized();
-        case Event::picture:
-            return pump.pictureTaken();
-    }
+Order record(FramePump& pump, bool moves) {
+    pump.beginRecord();
+    pump.recorded(moves);
     return Order::nothing;
 }
 
-// A frame asked for, recorded and handed over.
-std::vector<Step> underWay(std::vector<Step> then, Event recorded = Event::record) {
-    std::vector<Step> out{
-        {Event::ask, State::asked, Order::schedule}, {recorded, State::recorded}, {Event::handOver, State::onItsWay}};
-    out.insert(out.end(), then.begin(), then.end());
+Order draw(FramePump& pump, bool isNew) {
+    EXPECT_EQ(pump.handOver(), isNew);
+    return Order::nothing;
+}
+
+const std::map<std::string, std::function<Order(FramePump&)>> events{
+    {"ask", [](auto& pump) { return pump.ask(); }},
+    {"live", [](auto& pump) { return pump.setLive(true); }},  // frames at the screen's pace
+    {"notLive", [](auto& pump) { return pump.setLive(false); }},
+    {"record", [](auto& pump) { return record(pump, false); }},
+    {"ease", [](auto& pump) { return record(pump, true); }},  // recorded, and something still moves
+    {"askWithin", [](auto& pump) { return pump.beginRecord(), pump.ask(); }},
+    {"noSize", [](auto& pump) { return pump.beginRecord(), pump.notRecorded(), Order::nothing; }},
+    {"handOver", [](auto& pump) { return draw(pump, true); }},
+    {"repaint", [](auto& pump) { return draw(pump, false); }},  // the toolkit draws for another item's sake
+    {"show", [](auto& pump) { return pump.shown(pump.frame()); }},
+    {"showOld", [](auto& pump) { return pump.shown(pump.frame() - 1); }},  // the swap of the frame before
+    {"late", [](auto& pump) { return pump.late(); }},
+    {"lost", [](auto& pump) { return pump.lost(); }},
+    {"join", [](auto& pump) { return pump.join(); }},
+    {"hidden", [](auto& pump) { return pump.hidden(); }},
+    {"visible", [](auto& pump) { return pump.visible(); }},
+    {"resized", [](auto& pump) { return pump.resized(); }},
+    {"picture", [](auto& pump) { return pump.pictureTaken(); }}};
+
+/// The script as it really goes.
+std::string play(const std::string& script) {
+    static constexpr const char* states[] = {"idle", "asked", "recorded", "onItsWay"};
+    static constexpr const char* orders[] = {"", "-SCHEDULE", "-WATCH"};
+    FramePump pump;
+    std::string out;
+    std::istringstream words(script);
+    for (std::string word; words >> word;) {
+        const std::string event = word.substr(0, word.find('='));
+        const Order order = events.at(event)(pump);
+        out += event + '=' + states[static_cast<int>(pump.state())] + orders[static_cast<int>(order)] + " ";
+    }
     return out;
 }
 
-const std::vector<Step> nextFrame{
-    {Event::record, State::recorded}, {Event::handOver, State::onItsWay}, {Event::show, State::idle}};
+const std::string ask = "ask=asked-SCHEDULE ", handOver = "record=recorded handOver=onItsWay ",
+                  underWay = ask + handOver, easing = ask + "ease=recorded handOver=onItsWay ",
+                  live = "live=asked-SCHEDULE " + handOver, show = "show=idle ", next = "show=asked-SCHEDULE ",
+                  repaint = "repaint=idle ";
 
-std::vector<Step> with(std::vector<Step> steps, const std::vector<Step>& more) {
-    steps.insert(steps.end(), more.begin(), more.end());
-    return steps;
-}
-
-std::vector<Case> cases() {
-    const Step asked{Event::ask, State::asked, Order::schedule};
-    const Step waits{Event::ask, State::onItsWay, Order::watch};
-    return {
-        {"one change is one frame", underWay({{Event::show, State::idle}, {Event::repaint, State::idle}})},
-        {"asks of one turn are one frame", with({asked, asked}, with(nextFrame, {{Event::repaint, State::idle}}))},
-        {"an ask within the recording is covered by it", {asked, {Event::askWithin, State::asked}}},
-        {"a change after the recording replaces it",
-         with({asked, {Event::record, State::recorded}, asked}, with(nextFrame, {{Event::repaint, State::idle}}))},
+TEST(FramePump, GoesOnWhateverHappensToItsFrames) {
+    const std::pair<const char*, std::string> cases[] = {
+        {"one change is one frame", underWay + show + repaint},
+        {"asks of one turn are one frame", ask + "ask=asked-SCHEDULE " + handOver + show + repaint},
+        {"an ask within the recording is covered by it", ask + "askWithin=asked "},
+        {"a change after the recording replaces it", ask + "record=recorded " + underWay + show + repaint},
         {"what comes meanwhile waits for the screen, and is watched once",
-         underWay(
-             with({waits, {Event::ask, State::onItsWay}, {Event::show, State::asked, Order::schedule}}, nextFrame))},
-        {"easing goes on when its frame is shown",
-         underWay(with({{Event::show, State::asked, Order::schedule}}, nextFrame), Event::ease)},
+         underWay + "ask=onItsWay-WATCH ask=onItsWay " + next + handOver + show},
+        {"easing goes on when its frame is shown", easing + next + handOver + show},
         {"a drag draws at the screen's pace until it ends",
-         {{Event::live, State::asked, Order::schedule},
-          {Event::record, State::recorded},
-          {Event::handOver, State::onItsWay},
-          {Event::live, State::onItsWay},
-          {Event::show, State::asked, Order::schedule},
-          {Event::record, State::recorded},
-          {Event::handOver, State::onItsWay},
-          {Event::notLive, State::onItsWay},
-          {Event::show, State::idle}}},
+         live + "live=onItsWay " + next + handOver + "notLive=onItsWay " + show},
         {"a plot without a size records nothing and stays quiet until it has one",
-         {asked,
-          {Event::noSize, State::idle},
-          {Event::repaint, State::idle},
-          {Event::resized, State::asked, Order::schedule}}},
+         ask + "noSize=idle " + repaint + "resized=asked-SCHEDULE "},
 
         // the nine that are easily got wrong
         {"hidden window: its frame is given up, changes are kept, and it is drawn when it comes back",
-         underWay(with({{Event::hidden, State::idle},
-                        asked,
-                        {Event::hidden, State::asked},
-                        {Event::visible, State::asked, Order::schedule}},
-                       nextFrame))},
+         underWay + "hidden=idle " + ask + "hidden=asked visible=asked-SCHEDULE " + handOver + show},
         {"lost device: a frame is made anew at once, and the swap of the lost one does not end it",
-         underWay({{Event::lost, State::asked, Order::schedule},
-                   {Event::show, State::asked},
-                   {Event::record, State::recorded},
-                   {Event::handOver, State::onItsWay},
-                   {Event::showOld, State::onItsWay},
-                   {Event::show, State::idle}})},
+         underWay + "lost=asked-SCHEDULE show=asked " + handOver + "showOld=onItsWay " + show},
         {"resize during a drag: one frame more, not two",
-         {{Event::live, State::asked, Order::schedule},
-          {Event::record, State::recorded},
-          {Event::handOver, State::onItsWay},
-          {Event::resized, State::onItsWay, Order::watch},
-          {Event::ask, State::onItsWay},
-          {Event::show, State::asked, Order::schedule},
-          {Event::notLive, State::asked},
-          {Event::record, State::recorded},
-          {Event::handOver, State::onItsWay},
-          {Event::show, State::idle}}},
+         live + "resized=onItsWay-WATCH ask=onItsWay " + next + "notLive=asked " + handOver + show},
         {"minimised and restored while it eases: the easing goes on",
-         underWay(with({{Event::hidden, State::asked, Order::schedule},
-                        {Event::late, State::asked},
-                        {Event::visible, State::asked, Order::schedule}},
-                       nextFrame),
-                  Event::ease)},
+         easing + "hidden=asked-SCHEDULE late=asked visible=asked-SCHEDULE " + handOver + show},
         {"symbol change while hidden: many changes are one frame when it is shown",
-         with({{Event::hidden, State::idle},
-               asked,
-               asked,
-               {Event::late, State::asked},
-               {Event::visible, State::asked, Order::schedule}},
-              with(nextFrame, {{Event::repaint, State::idle}}))},
-        {"two items: the swap that shows another one's frame ends nothing here",
-         underWay({{Event::showOld, State::onItsWay},
-                   {Event::join, State::asked, Order::schedule},  // the other one moves again, and this one follows
-                   {Event::record, State::recorded},
-                   {Event::handOver, State::onItsWay},
-                   {Event::showOld, State::onItsWay},
-                   {Event::show, State::idle}})},
+         "hidden=idle " + ask + ask + "late=asked visible=asked-SCHEDULE " + handOver + show + repaint},
+        {"two items: the swap that shows another one's frame ends nothing here; it follows when that one moves",
+         underWay + "showOld=onItsWay join=asked-SCHEDULE " + handOver + "showOld=onItsWay " + show},
         {"slow screen: late, the next frame goes ahead, and the swap of the late one does not end it",
-         underWay({{Event::late, State::onItsWay},  // nobody waits
-                   waits,
-                   {Event::late, State::asked, Order::schedule},
-                   {Event::show, State::asked},
-                   {Event::record, State::recorded},
-                   {Event::handOver, State::onItsWay},
-                   {Event::ask, State::onItsWay, Order::watch},
-                   {Event::showOld, State::onItsWay},
-                   {Event::show, State::asked, Order::schedule}})},
+         underWay + "late=onItsWay ask=onItsWay-WATCH late=asked-SCHEDULE show=asked " + handOver +
+             "ask=onItsWay-WATCH showOld=onItsWay " + next},
         {"atlas full: a recorded frame and one on its way are made anew within the window's frame",
-         with({asked,
-               {Event::record, State::recorded},
-               {Event::join, State::asked, Order::schedule},
-               {Event::record, State::recorded},
-               {Event::handOver, State::onItsWay},
-               {Event::join, State::asked, Order::schedule}},
-              nextFrame)},
+         ask + "record=recorded join=asked-SCHEDULE " + handOver + "join=asked-SCHEDULE " + handOver + show},
         {"picture taken: its frame comes to no screen, and what waited for it goes on",
-         underWay({waits,
-                   {Event::picture, State::asked, Order::schedule},
-                   {Event::picture, State::asked},
-                   {Event::record, State::recorded},
-                   {Event::handOver, State::onItsWay},
-                   {Event::picture, State::idle},
-                   {Event::picture, State::idle}})},
-    };
-}
-
-TEST(FramePump, GoesOnWhateverHappensToItsFrames) {
-    for (const Case& one : cases()) {
-        FramePump pump;
-        for (std::size_t i = 0; i < one.steps.size(); ++i) {
-            SCOPED_TRACE(std::string(one.name) + ", step " + std::to_string(i + 1));
-            EXPECT_EQ(play(pump, one.steps[i].event), one.steps[i].order);
-            EXPECT_EQ(pump.state(), one.steps[i].state);
-        }
-    }
+         underWay + "ask=onItsWay-WATCH picture=asked-SCHEDULE picture=asked " + handOver +
+             "picture=idle picture=idle "}};
+    for (const auto& [name, script] : cases) EXPECT_EQ(play(script), script) << name;
 }
 
 }  // namespace
