@@ -56,7 +56,7 @@ class Program {
     FirebaseRESTAuth auth_;
     SessionTime session_;
     UuidSource ids_;
-    HfScales hfScales_;                  // of all panes
+    HfScales hfScales_;  // of all panes
     std::unique_ptr<SimEngine> sim_;
     std::vector<std::string> accountNotices_;  // that came before there was a pane
     std::unique_ptr<PaneHost> panes_;
