@@ -71,6 +71,7 @@ void ChartView::readSource() {
 
 void ChartView::startOver() {
     shown_.reset();
+    ribbonsDue_ = false;
     ribbons_.clear();
     renderer_.startOver();
 }
@@ -98,16 +99,26 @@ void ChartView::setContent(const ChartContent& content) {
     setRoot(content.simRoot);
     if (differs(&Revisions::markers)) renderer_.setBubbles(content.bubbles, content.triangles);
     if (differs(&Revisions::overlays) || differs(&Revisions::srLines) || shown_->style != content.overlayStyle) {
-        renderer_.setOverlayGeometry(ribbons_.make({.series = content.overlays,
-                                                    .lines = content.srLines,
-                                                    .linesRevision = content.revisions.srLines,
-                                                    .style = content.overlayStyle,
-                                                    .candles = content.candles,
-                                                    .timeframe = content.timeframe}));
+        // ribbons cost the most of a tick, so of several changes before a frame only the last one's are made
+        ribbonsDue_ = source_ && !recording_;
+        if (ribbonsDue_)
+            askForFrame();
+        else
+            makeRibbons(content);
     }
     if (differs(&Revisions::candles)) setBars(content.candles);
     shown_ = {content.chart, content.revisions, content.overlayStyle};
     if (hadBars && renderer_.candles().empty()) askForFrame();
+}
+
+void ChartView::makeRibbons(const ChartContent& content) {
+    ribbonsDue_ = false;
+    renderer_.setOverlayGeometry(ribbons_.make({.series = content.overlays,
+                                                .lines = content.srLines,
+                                                .linesRevision = content.revisions.srLines,
+                                                .style = content.overlayStyle,
+                                                .candles = content.candles,
+                                                .timeframe = content.timeframe}));
 }
 
 void ChartView::setBars(std::span<const Candle> candles) {
@@ -127,6 +138,7 @@ bool ChartView::record(double width, double height, double pixelRatio, double no
     recording_ = true;
     frameAwaited_ = false;
     readSource();
+    if (ribbonsDue_ && source_) makeRibbons(source_->chartContent());
     input_.setSize(width, height);
     const unsigned glyphs = glyphs_.generation();
     animating_ = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic);

@@ -100,6 +100,7 @@ class ChartView final : public ChartPort {
     void readSource();
     void startOver();
     void setRoot(std::string_view root);
+    void makeRibbons(const ChartContent& content);
     void setBars(std::span<const Candle> candles);
 
     GlyphSource& glyphs_;
@@ -115,6 +116,7 @@ class ChartView final : public ChartPort {
     ChartSource* source_ = nullptr;
     std::optional<Shown> shown_;  ///< nothing: all of the next content is new
     bool contentDirty_ = false;   ///< the source said that its content changed
+    bool ribbonsDue_ = false;     ///< of the source's newest content, before the next frame
     bool frameAwaited_ = false;   ///< a frame is asked for and will read the content
     bool recording_ = false;
     bool barsMoved_ = false;  ///< bars came or went since the last frame

@@ -33,10 +33,13 @@ struct ScenePane final : ChartSource {
     SceneData data;
     mutable int reads = 0;
     int dragsEnded = 0;
-    std::uint64_t chart = 1;
+    std::uint64_t chart = 1, seriesRevision = 1;
     ChartContent chartContent() const override {
         ++reads;
-        return data.content(chart);
+        ChartContent content = data.content(chart);
+        content.revisions.overlays = content.revisions.srLines =
+            seriesRevision;  // a pane raises these for other points
+        return content;
     }
     void interactionEnded() override { ++dragsEnded; }
     void marketClosedOrder() override {}
@@ -186,6 +189,15 @@ TEST_F(ChartViewTest, ASourcesChangesOfATurnAreReadOnceAndAnAwaitedFrameReadsThe
     EXPECT_EQ(first.reads, 3);
     record();
     EXPECT_EQ(first.reads, 4);
+    asked = 0;
+    first.data.series.ema1.clear();
+    ++first.seriesRevision;
+    view->contentChanged();
+    time.runUntilIdle();
+    EXPECT_GE(asked, 1) << "other series";
+    const std::size_t before = recorded.draws.size();
+    record();
+    EXPECT_EQ(recorded.draws.size(), before) << "the other ribbons are still there";
 
     // another pane with the same chart number, in the middle of a drag
     view->renderer().setInteracting(true);
