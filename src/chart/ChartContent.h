@@ -46,7 +46,7 @@ struct ChartContent {
         std::uint64_t strikes = 0;     ///< rows, ratio and flip strike
         std::uint64_t secStrikes = 0;  ///< rows and ratio
         std::uint64_t markers = 0;     ///< bubbles and triangles
-        std::uint64_t overlays = 0;
+        std::uint64_t overlays = 0;    ///< only for other points: it costs a frame, whose ribbons are made anew
         std::uint64_t srLines = 0;
         bool operator==(const Revisions&) const = default;
     } revisions;
