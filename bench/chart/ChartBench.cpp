@@ -23,21 +23,18 @@ struct Scene {
     test::FakeGlyphs glyphs;
     SessionTime session;
     AxisLayer axes{glyphs, session};
-    std::function<void()> task;
-    ChartRenderer renderer{gpu, clock, [this](std::function<void()> posted) { task = std::move(posted); }};
+    ChartRenderer renderer{gpu, clock};
     std::vector<Candle> list;
     double now = 1000;
 
     explicit Scene(std::size_t n) : list(waveBars(n)) {
         renderer.addScreenLayer(axes);
-        renderer.onViewport = [](double first, double, double, double) { benchmark::DoNotOptimize(first); };
         renderer.setCandles(list);
         for (int i = 0; i < 10; ++i) frame();
     }
     void frame() {
         renderer.drawFrame(1400, 900, 2, now += 1.0 / 120);
         gpu.swapFrame(shown);
-        if (task) std::exchange(task, nullptr)();
     }
 };
 

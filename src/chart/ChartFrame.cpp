@@ -50,7 +50,6 @@ bool ChartRenderer::drawChart(double width, double height, double pixelRatio) {
     for (ScreenLayer* layer : screenLayers_) layer->drawBelow(frame);
     encodeLayers(geometry, width, height);
     bool animating = geometry.animating;
-    notices_.labels(edges_.labels(), animating, easing_.at);
     for (ScreenLayer* layer : screenLayers_) animating |= layer->drawAbove(frame);
     return animating;
 }
@@ -66,10 +65,7 @@ void ChartRenderer::rebuildKept() {
 
 bool ChartRenderer::buildGeometry(double viewW, double viewH, Geometry& geometry) {
     if (!camera_.settle(candles_)) return false;
-    if (camera_.snapLerps) {
-        movedTo_ = camera_.viewport();
-        notices_.cameraMoved(*movedTo_);
-    }
+    if (camera_.snapLerps) movedTo_ = camera_.viewport();
     geometry.candleUniforms = camera_.uniforms(origin_);
     geometry.animating = forming_.ease(candles_.back().close, easing_.alphaClose);
     geometry.forming = forming_.write(candles_, renderCfg_.candleTheme, camera_, origin_, viewW, viewH, arena_);

@@ -11,15 +11,8 @@
 
 namespace vmr {
 
-ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock, Post post)
-    : gpu_(gpu),
-      clock_(clock),
-      notices_(std::move(post), onViewport, onBarLabels),
-      arena_(gpu),
-      bars_(gpu),
-      walls_(gpu),
-      markers_(gpu),
-      overlays_(gpu) {}
+ChartRenderer::ChartRenderer(Gpu& gpu, const Clock& clock)
+    : gpu_(gpu), clock_(clock), arena_(gpu), bars_(gpu), walls_(gpu), markers_(gpu), overlays_(gpu) {}
 
 ChartRenderer::~ChartRenderer() = default;
 

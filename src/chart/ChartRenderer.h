@@ -14,7 +14,6 @@
 #include "chart/Easing.h"
 #include "chart/EdgeLayers.h"
 #include "chart/FormingBar.h"
-#include "chart/FrameNotices.h"
 #include "chart/KeptCandles.h"
 #include "chart/KeptMarkers.h"
 #include "chart/KeptOverlays.h"
@@ -43,24 +42,14 @@ class ChartRenderer {
  public:
     static constexpr Rgba clearColor{0.04F, 0.04F, 0.04F, 1.0F};
 
-    using Post = LaterCall::Post;
-
-    /// `gpu` and `clock` must outlive the renderer. `post` runs a task later on the main thread, never at once; it may
-    /// run tasks after the renderer is gone.
-    ChartRenderer(Gpu& gpu, const Clock& clock, Post post);
+    /// `gpu` and `clock` must outlive the renderer.
+    ChartRenderer(Gpu& gpu, const Clock& clock);
     ~ChartRenderer();
     ChartRenderer(const ChartRenderer&) = delete;
     ChartRenderer& operator=(const ChartRenderer&) = delete;
 
     /// Asks the host for a frame. May be called many times before one comes, never from inside a frame.
     std::function<void()> onNeedsDisplay;
-
-    /// The camera of a frame in which it moved; posted, at most once a turn, with the newest values.
-    FrameNotices::OnViewport onViewport;
-
-    /// The labels beside the strike bars when they are not what they were; posted, at most 120 times a second while
-    /// something moves. Draw no frame from within.
-    FrameNotices::OnBarLabels onBarLabels;
 
     /// Where frames and rebuilds are timed; may be null.
     Perf* perf = nullptr;
@@ -177,7 +166,6 @@ class ChartRenderer {
 
     Gpu& gpu_;
     const Clock& clock_;
-    FrameNotices notices_;
     FrameArena arena_;
     std::vector<ScreenLayer*> screenLayers_;
     std::vector<Candle> candles_;

@@ -9,7 +9,7 @@ namespace vmr {
 ChartView::ChartView(const Surroundings& at)
     : glyphs_(at.glyphs),
       main_(at.main),
-      renderer_(at.gpu, at.clock, [&main = at.main](std::function<void()> task) { main.post(std::move(task)); }),
+      renderer_(at.gpu, at.clock),
       barLabels_(at.glyphs),
       tradingLines_(at.glyphs),
       axes_(at.glyphs, at.session),

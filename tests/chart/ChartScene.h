@@ -39,7 +39,7 @@ struct ChartScene : testing::Test {
     TestQueue queue{time};
     FrameRecorder gpu;
     RecordedFrames recorded;  // the newest frame
-    ChartRenderer renderer{gpu, time, [this](std::function<void()> task) { queue.post(std::move(task)); }};
+    ChartRenderer renderer{gpu, time};
     double width = 1400, height = 900, pixelRatio = 1;
 
     bool frame(double seconds = 1.0 / 60.0) {

@@ -175,24 +175,5 @@ TEST_F(FullSceneTest, BarsMayComeAloneBeforeTheirHistory) {
     EXPECT_NEAR(recorded.vertices<MarkerVertex>(markers())[0].center[0], 200.0F - 299.0F, 1e-6);
 }
 
-TEST_F(FullSceneTest, LabelsLeaveOutsideTheFrameWhenTheyDiffer) {
-    int published = 0, frames = 1;
-    renderer.onBarLabels = [&](const std::vector<BarLabel>& labels) { published += labels.empty() ? 0 : 1; };
-    data.config.gexLabels = true;
-    show();
-    frame();
-    EXPECT_EQ(published, 0) << "never inside the frame";
-    for (int i = 0; i < 3; ++i) frame();
-    EXPECT_EQ(published, 1) << "then the same labels";
-    data.strikes[20].callGex *= 9;
-    show();
-    while (frame(1.0 / 240)) ++frames;
-    time.runUntilIdle();
-    EXPECT_GT(frames, 10);
-    EXPECT_GE(published - 1, frames / 3)
-        << "of the frames that ease at 240 Hz every second, and where they come to rest";
-    EXPECT_LE(published - 1, frames / 2 + 2);
-}
-
 }  // namespace
 }  // namespace vmr::test
