@@ -40,7 +40,7 @@ void Program::openAccount() {
     sim_ = std::make_unique<SimEngine>(SimSetup{start_.clock(),
                                                 session_,
                                                 UuidSource(),
-                                                std::make_shared<SimStore>(start_.paths().data, start_.clock()),
+                                                std::make_shared<SimStore>(start_.accountFile(), start_.clock()),
                                                 &main_,
                                                 &files_.loop(),
                                                 {},
@@ -74,14 +74,15 @@ void Program::openPanes() {
     if (!start_.options().tapeSymbol.empty()) panes_->active()->setFirstSymbol(start_.options().tapeSymbol);
 }
 
-// A person must see it, in the log and over a chart; before there is a pane it waits.
+// In the log, and over a chart in passing; what lasts stands there as a notice of its own. Before there is a pane it
+// waits.
 void Program::tellOfAccount(const std::string& line) {
     if (!panes_) return accountNotices_.push_back(line);
     print_("[sim] " + line);
     AppModel* pane = panes_->active();
     if (!pane) return;
     pane->log.append(line);
-    pane->notices.flashToast("Simulator", line);
+    if (!sim_->problem()) pane->notices.flashToast("Simulator", line);
 }
 
 Program::~Program() {

@@ -1,6 +1,8 @@
 #include "app/ProgramStart.h"
 
+#include <cstdint>
 #include <cstdlib>
+#include <string_view>
 
 #include "relay/Tape.h"
 
@@ -11,18 +13,53 @@ std::optional<std::string> environment(const char* name) {
     const char* value = std::getenv(name);
     return value ? std::optional<std::string>(value) : std::nullopt;
 }
+
+// Letters, digits, "-" and "." stay, any other byte becomes "_" and its code, so that no two names become one. Of a
+// name that is too long for a file the end is replaced by a number made of all of it.
+std::string asFileName(const std::string& name) {
+    constexpr std::size_t longest = 120;
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string out;
+    for (const char c : name) {
+        const auto code = static_cast<unsigned char>(c);
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.')
+            out += c;
+        else
+            ((out += '_') += digits[code >> 4]) += digits[code & 15];
+    }
+    if (out.size() <= longest) return out;
+    std::uint64_t hash = 14695981039346656037u;  // FNV-1a, the same on every platform
+    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+    return out.substr(0, longest) + "_" + std::to_string(hash);
+}
 }  // namespace
+
+// The market that practice offers by default has the plain name.
+std::string ProgramStart::accountName(const Options& options) {
+    std::string name = "sim-account";
+    if (options.practice && !options.tapeFile.empty())
+        name += "-tape-" + asFileName(std::filesystem::path(options.tapeFile).filename().string());
+    if (options.practice && options.seed != Options().seed) name += "-seed-" + std::to_string(options.seed);
+    return name + ".json";
+}
 
 ProgramStart::ProgramStart(const Options& options)
     : options_(options),
-      endpoints_(Endpoints::fromEnvironment(environment)),
-      paths_(options.practice ? Paths::practice() : Paths::user()) {
-    if (options_.practice) choosePracticeClock();
+      endpoints_(Endpoints::fromEnvironment(environment)) {
+    choosePaths();
+    if (options_.practice && !failure_) choosePracticeClock();
     if (options_.clock)
         clock_ = std::make_unique<SteerableClock>(options_.clock->start, options_.clock->speed);
     else
         clock_ = std::make_unique<SteerableClock>();
     if (options_.practice && !failure_) startPractice();
+}
+
+void ProgramStart::choosePaths() {
+    if (const auto paths = options_.practice ? Paths::practice() : Paths::user())
+        paths_ = *paths;
+    else
+        failure_ = "there is no home folder to keep settings and the paper account in; set HOME";
 }
 
 void ProgramStart::choosePracticeClock() {

@@ -1,6 +1,7 @@
 // What is decided before there is a main loop.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,9 +31,13 @@ class ProgramStart {
     SteerableClock& steering() { return *clock_; }
     const Endpoints& endpoints() const { return endpoints_; }
     const Paths& paths() const { return paths_; }
+    /// The paper account's. Each practice market has one of its own, so that no market's prices fill another's orders.
+    std::filesystem::path accountFile() const { return paths_.data / accountName(options_); }
+    static std::string accountName(const Options& options);
     relay::PracticeRelay* practice() const { return practice_.get(); }
 
  private:
+    void choosePaths();
     void choosePracticeClock();
     void startPractice();
 

@@ -14,6 +14,7 @@
 
 #include "base/Clock.h"
 #include "base/Log.h"
+#include "model/AppModel.h"
 #include "model/SimTrading.h"
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
@@ -93,7 +94,9 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     Perf& perf = Perf::shared();
     const PerfPinger pinger(perf, loop);
     app.watchTurns(perf);
-    SimTrading trading(pane.sim);
+    SimTrading trading(pane.sim, [&pane](const std::string& reason) {
+        pane.model.notices.flashToast("Simulator", reason);
+    });
     PaneViewModel view;
     view.setSurroundings({&pane.clock, &loop, &trading, &perf, pane.bench, print,
                           [&loop] { loop.post([] { QCoreApplication::exit(0); }); }});

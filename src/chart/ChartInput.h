@@ -30,7 +30,7 @@ struct ChartPoint {
 
 /// An entry of the order menu.
 struct OrderMenuItem {
-    enum class Action : unsigned char { separator, setSL, setTP, order, cancelAll };
+    enum class Action : unsigned char { separator, note, setSL, setTP, order, cancelAll };  ///< a note does nothing
     Action action = Action::separator;
     std::string text;
     double price = 0;

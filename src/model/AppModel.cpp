@@ -44,10 +44,13 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
         bars.timeframe = usableTimeframe(parseInt(*stored).value_or(0)).value_or(bars.timeframe);
     if (restorePane_) bars.timeframe = usableTimeframe(restorePane_->timeframe).value_or(bars.timeframe);
     bars.onDisplayRebuilt = [this] {
-        if (!bars.candles.empty()) sim_.seedLast(channels->simRoot, bars.candles.back().close);
+        if (!bars.candles.empty()) sim_.seedLast(bars.candles.back().close, bars.candles.back().time);
         overlays.schedule();
     };
     watchContent();
+    sim_.setCommission(config->simCommission);
+    sim_.watchProblem([this](const std::optional<std::string>& problem) { notices.accountProblem = problem; });
+    contentLinks_.push_back(session.connected.changed.connect([this] { sim_.setConnected(session.connected); }));
 
     RelayClient::Callbacks callbacks;
     callbacks.onLog = [this](const std::string& text) { log.append(text); };
@@ -75,9 +78,11 @@ void AppModel::shutdown() {
     session.shutdown();
     barRollTimer_.cancel();
     hfpTimer_.cancel();
+    sim_.end();
 }
 
 void AppModel::onConnected() {
+    work_.after(SimFeed::contractsWait, [this] { sim_.contractsKnown(); });
     if (channels->isOpen())
         log.append("→ reconnected — subscriptions re-flushed, snapshots merge in place");
     else

@@ -102,7 +102,7 @@ class AppModel final : public ChartSource {
     std::string symbolSource() const;
 
     /// A trade of the chart; `tsMs` in milliseconds since 1970 (`fatal` outside 64 bits).
-    void applyTrade(double price, double tsMs);
+    TradeEffect applyTrade(double price, double tsMs);
     /// The same of the paired instrument.
     void applySecondaryTrade(double price, double tsMs);
     /// Appends a flat bar when a new open minute has begun and the pane is connected.

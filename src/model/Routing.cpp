@@ -84,11 +84,12 @@ void AppModel::onChannelMessage(const ChannelMessage& message, const std::string
     log.append(line);
 }
 
-void AppModel::applyTrade(double price, double tsMs) {
+TradeEffect AppModel::applyTrade(double price, double tsMs) {
     const TradeEffect effect = bars.applyTrade(price, tsMs);
-    if (effect == TradeEffect::none) return;
+    if (effect == TradeEffect::none) return effect;
     if (effect == TradeEffect::appended) sessionLevels.rebuildIfBarChanged(bars.candles, sessionHHMM());
     if (surface.gex3DActive()) rebuildSurface(false);
+    return effect;
 }
 
 void AppModel::applySecondaryTrade(double price, double tsMs) {
@@ -102,8 +103,8 @@ bool AppModel::routeHot(const ChannelMessage& message) {
     const ChartChannels& names = channels.get();
     if (names.isOpen() && channel == names.tradesName) {
         if (const auto trade = readTrade(message.payload, at_.clock)) {
-            applyTrade(trade->price, trade->tsMs);
-            sim_.onTrade(names.simRoot, trade->price);
+            // what is too old for the bars is no price of now, and fills nothing either
+            if (applyTrade(trade->price, trade->tsMs) != TradeEffect::tooOld) sim_.onTrade(trade->price);
         }
         return true;
     }
@@ -119,7 +120,7 @@ bool AppModel::routeHot(const ChannelMessage& message) {
     if (names.isOpen() && channel == names.quoteName) {
         const auto bid = coerce::dbl(message.payload["bid"]);
         const auto ask = coerce::dbl(message.payload["ask"]);
-        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(names.simRoot, *bid, *ask);
+        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(*bid, *ask);
         return true;
     }
     if (!names.secondaryChannel.empty() && channel == names.secondaryTradesName) {
@@ -133,9 +134,12 @@ void AppModel::applyContracts(JsonView map) {
     const NoticeGate::Hold hold(gate_);
     const std::string sym = currentSymbol();
     const auto contract = catalog.applyContracts(map, sym);
-    if (!contract || sym.empty() || isBuiltInStock(sym) || channels->chartChannel.ends_with(*contract)) return;
-    log.append("→ contract roll: " + sym + " → " + *contract);
-    switchSymbol(sym);
+    if (contract && !sym.empty() && !isBuiltInStock(sym) && !channels->chartChannel.ends_with(*contract)) {
+        log.append("→ contract roll: " + sym + " → " + *contract);
+        switchSymbol(sym);
+    }
+    sim_.contracts(catalog.contractOverrides);
+    sim_.contractsKnown();
 }
 
 // Bars and the histories beside them. The chart's own bars and the support/resistance sessions go on to the log.

@@ -9,11 +9,20 @@ namespace vmr {
 
 namespace fs = std::filesystem;
 
-SimStore::SimStore(const fs::path& folder, const Clock& clock, Write write)
-    : file_(folder / "sim-account.json"),
-      clock_(clock),
-      write_(std::move(write)),
-      lock_(folder / "sim-account.json.lock") {}
+SimStore::SimStore(fs::path file, const Clock& clock, Write write)
+    : file_(std::move(file)), clock_(clock), write_(std::move(write)) {
+    lock_.emplace(lockFile());
+}
+
+fs::path SimStore::lockFile() const {
+    fs::path name = file_;
+    return name += ".lock";
+}
+
+bool SimStore::takeLock() {
+    if (isHeldElsewhere()) lock_.emplace(lockFile());
+    return !isHeldElsewhere();
+}
 
 std::optional<sim::Snapshot> SimStore::load() {
     std::error_code ignored;

@@ -141,6 +141,7 @@ QVariantList ChartItem::orderMenu() const {
     QVariantList list;
     for (const OrderMenuItem& item : orderMenu_)
         list.push_back(QVariantMap{{QStringLiteral("text"), QString::fromStdString(item.text)},
+                                   {QStringLiteral("note"), item.action == OrderMenuItem::Action::note},
                                    {QStringLiteral("separator"), item.action == OrderMenuItem::Action::separator}});
     return list;
 }
