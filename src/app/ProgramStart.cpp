@@ -1,10 +1,9 @@
 #include "app/ProgramStart.h"
 
-#include <cstdint>
 #include <cstdlib>
-#include <string_view>
 
 #include "relay/Tape.h"
+#include "sim/SimStore.h"
 
 namespace vmr {
 
@@ -13,39 +12,10 @@ std::optional<std::string> environment(const char* name) {
     const char* value = std::getenv(name);
     return value ? std::optional<std::string>(value) : std::nullopt;
 }
-
-// Letters, digits, "-" and "." stay, any other byte becomes "_" and its code, so that no two names become one. Of a
-// name that is too long for a file the end is replaced by a number made of all of it.
-std::string asFileName(const std::string& name) {
-    constexpr std::size_t longest = 120;
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string out;
-    for (const char c : name) {
-        const auto code = static_cast<unsigned char>(c);
-        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.')
-            out += c;
-        else
-            ((out += '_') += digits[code >> 4]) += digits[code & 15];
-    }
-    if (out.size() <= longest) return out;
-    std::uint64_t hash = 14695981039346656037u;  // FNV-1a, the same on every platform
-    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
-    return out.substr(0, longest) + "_" + std::to_string(hash);
-}
 }  // namespace
 
-// The market that practice offers by default has the plain name.
-std::string ProgramStart::accountName(const Options& options) {
-    std::string name = "sim-account";
-    if (options.practice && !options.tapeFile.empty())
-        name += "-tape-" + asFileName(std::filesystem::path(options.tapeFile).filename().string());
-    if (options.practice && options.seed != Options().seed) name += "-seed-" + std::to_string(options.seed);
-    return name + ".json";
-}
-
 ProgramStart::ProgramStart(const Options& options)
-    : options_(options),
-      endpoints_(Endpoints::fromEnvironment(environment)) {
+    : options_(options), endpoints_(Endpoints::fromEnvironment(environment)) {
     choosePaths();
     if (options_.practice && !failure_) choosePracticeClock();
     if (options_.clock)
@@ -60,6 +30,16 @@ void ProgramStart::choosePaths() {
         paths_ = *paths;
     else
         failure_ = "there is no home folder to keep settings and the paper account in; set HOME";
+}
+
+// The market that practice offers by default has no name, and so the plain file.
+std::filesystem::path ProgramStart::accountFile() const {
+    std::string market;
+    if (options_.practice && !options_.tapeFile.empty())
+        market = "tape-" + std::filesystem::path(options_.tapeFile).filename().string();
+    if (options_.practice && options_.seed != Options().seed)
+        market += (market.empty() ? "seed-" : "-seed-") + std::to_string(options_.seed);
+    return paths_.data / SimStore::fileName(market);
 }
 
 void ProgramStart::choosePracticeClock() {

@@ -32,8 +32,7 @@ class ProgramStart {
     const Endpoints& endpoints() const { return endpoints_; }
     const Paths& paths() const { return paths_; }
     /// The paper account's. Each practice market has one of its own, so that no market's prices fill another's orders.
-    std::filesystem::path accountFile() const { return paths_.data / accountName(options_); }
-    static std::string accountName(const Options& options);
+    std::filesystem::path accountFile() const;
     relay::PracticeRelay* practice() const { return practice_.get(); }
 
  private:

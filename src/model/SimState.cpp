@@ -115,14 +115,14 @@ json record(const SimEngine& engine) {
         lasts[root] = number(last);
         if (const auto age = engine.stalePrice(root)) stale[root] = number(*age);
     }
-    return {{"balance", number(engine.balance())}, {"startBalance", number(engine.startBalance())},
-            {"positions", std::move(positions)},   {"orders", std::move(orders)},
-            {"fills", all(engine.fills())},        {"trades", all(engine.trades())},
-            {"openTrades", std::move(open)},       {"commission", number(engine.commission)},
-            {"quotes", std::move(quotes)},         {"lasts", std::move(lasts)},
-            {"contracts", std::move(contracts)},   {"stalePrices", std::move(stale)},
-            {"unrealized", std::move(unrealized)}, {"totalUnrealized", number(engine.totalUnrealized())},
-            {"dayPnL", number(engine.dayPnL())},   {"stats", record(SimEngine::stats(engine.trades()))},
+    return {{"balance", number(engine.balance())},   {"startBalance", number(engine.startBalance())},
+            {"positions", std::move(positions)},     {"orders", std::move(orders)},
+            {"fills", all(engine.fills())},          {"trades", all(engine.trades())},
+            {"openTrades", std::move(open)},         {"commission", number(engine.commission)},
+            {"quotes", std::move(quotes)},           {"lasts", std::move(lasts)},
+            {"contracts", std::move(contracts)},     {"stalePrices", std::move(stale)},
+            {"unrealized", std::move(unrealized)},   {"totalUnrealized", number(engine.totalUnrealized())},
+            {"dayPnL", number(engine.dayPnL())},     {"stats", record(SimEngine::stats(engine.trades()))},
             {"keepsAccount", engine.keepsAccount()}, {"problem", text(engine.problem())},
             {"lastError", text(engine.lastError())}, {"lastSave", number(engine.lastSave())}};
 }

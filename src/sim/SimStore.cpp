@@ -9,6 +9,30 @@ namespace vmr {
 
 namespace fs = std::filesystem;
 
+namespace {
+// Letters, digits, "-" and "." stay, any other byte becomes "_" and its code. Of a name that is too long for a file,
+// the end is replaced by a number made of all of it.
+std::string asFileName(const std::string& name) {
+    constexpr std::size_t longest = 120;
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string out;
+    std::uint64_t hash = 14695981039346656037u;  // FNV-1a, the same on every platform
+    for (const char c : name) {
+        const auto code = static_cast<unsigned char>(c);
+        hash = (hash ^ code) * 1099511628211u;
+        const bool stays =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.';
+        out += stays ? c : '_';
+        if (!stays) (out += digits[code >> 4]) += digits[code & 15];
+    }
+    return out.size() <= longest ? out : out.substr(0, longest) + "_" + std::to_string(hash);
+}
+}  // namespace
+
+std::string SimStore::fileName(const std::string& market) {
+    return "sim-account" + (market.empty() ? "" : "-" + asFileName(market)) + ".json";
+}
+
 SimStore::SimStore(fs::path file, const Clock& clock, Write write)
     : file_(std::move(file)), clock_(clock), write_(std::move(write)) {
     lock_.emplace(lockFile());

@@ -22,6 +22,9 @@ class SimStore {
     /// Takes the lock. `clock` names files that are kept; it must outlive the store.
     SimStore(std::filesystem::path file, const Clock& clock, Write write = replaceFile);
 
+    /// The file of the account that trades a market of this name; the plain "sim-account.json" for no name. No two
+    /// names give one file, whatever stands in them.
+    static std::string fileName(const std::string& market);
     const std::filesystem::path& file() const { return file_; }
 
     /// Another process holds the account: it may be read, and `save` is not called.

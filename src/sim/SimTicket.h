@@ -14,8 +14,8 @@ struct SimTicket {
     Side side = Side::buy;
     OrderType type = OrderType::market;
     std::int64_t qty = 1;
-    std::optional<double> limit, stop;
-    std::optional<BracketSpec> bracket;
+    std::optional<double> limit{}, stop{};
+    std::optional<BracketSpec> bracket{};
 
     /// Why the order cannot be entered now; nothing when it can. Stricter than the engine: prices are above 0 and
     /// belong to the type, and a bracket's distances are at least 1 tick.

@@ -49,9 +49,8 @@ bool SimWatches::watched(std::string_view root) const {
 }
 
 bool SimWatches::connected(std::string_view root) const {
-    return std::any_of(watches_.begin(), watches_.end(), [&](const Watch& watch) {
-        return watch.root == root && watch.connected && isFollowed(watch);
-    });
+    return std::any_of(watches_.begin(), watches_.end(),
+                       [&](const Watch& watch) { return watch.root == root && watch.connected && isFollowed(watch); });
 }
 
 std::string_view SimWatches::contract(std::string_view root) const {

@@ -20,7 +20,7 @@ class TickGrid {
 
  private:
     double tick_;
-    double steps_ = 1;   // the tick is steps_ / parts_
+    double steps_ = 1;  // the tick is steps_ / parts_
     double parts_ = 0;  // 0: no such fraction is known
 };
 

@@ -1,15 +1,16 @@
 // The account's file: when it is written, what it holds, and what happens when it cannot be read or written.
 #include <gmock/gmock.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <thread>
 
+#include "base/Paths.h"
 #include "sim/SimAccountText.h"
-#include "sim/SimEngine.h"
 #include "sim/SimStore.h"
-#include "support/time/TestTime.h"
+#include "tests/sim/SimScript.h"
 
 namespace vmr::test {
 namespace {
@@ -66,11 +67,10 @@ class SimSaving : public testing::Test {
     ~SimSaving() override { fs::remove_all(folder); }
 
     std::shared_ptr<SimStore> store() {
-        return std::make_shared<SimStore>(
-            folder / "Velmora", time, [this](const fs::path& path, std::string_view text) {
-                ++writes;
-                return failing ? std::optional<std::string>("no space left") : replaceFile(path, text);
-            });
+        return std::make_shared<SimStore>(file(), time, [this](const fs::path& path, std::string_view text) {
+            ++writes;
+            return failing ? std::optional<std::string>("no space left") : replaceFile(path, text);
+        });
     }
     std::unique_ptr<SimEngine> engine() {
         return std::make_unique<SimEngine>(SimSetup{.clock = time,
@@ -126,26 +126,13 @@ TEST_F(SimSaving, ChangesOfASecondAreOneWriteAndTheAccountGoesOnAfterARestart) {
 TEST_F(SimSaving, EveryOperationThatChangesSomethingIsSaved) {
     const auto sim = engine();
     sim->onQuote("NQ", 100, 100);
-    const auto firstId = [&] { return sim->orders().front().id; };
-    const std::function<void()> operations[] = {
-        [&] { buy(*sim); },
-        [&] { sim->setProtective("NQ", "SL", 90); },
-        [&] { sim->modify(firstId(), 91); },
-        [&] { sim->cancel(firstId()); },
-        [&] {
-            sim->place("NQ", Side::buy, OrderType::stopLimit, 1, 99, 101, sim::BracketSpec{4, 40});
-        },
-        [&] { sim->modifyProjectedLeg(firstId(), "SL", 80); },
-        [&] { sim->onTrade("NQ", 101); },  // turns it into a limit
-        [&] { sim->onTrade("NQ", 98); },
-        [&] { sim->cancelAll("NQ"); },
-        [&] { sim->flatten("NQ"); },
-        [&] { sim->resetAccount(1); },
-    };
-    for (const auto& operation : operations) {
-        SCOPED_TRACE(&operation - operations);
+    SimScript script(time, *sim);
+    for (const char* operation :
+         {"buy 1", "protect SL 90", "modify 0 91", "cancel 0", "buy 1 limit=99 stop=101 sl=4 tp=40", "leg 0 SL 80",
+          "trade 101", /* turns it into a limit */ "trade 98", "cancelAll", "flatten", "reset 1"}) {
+        SCOPED_TRACE(operation);
         const int before = writes;
-        operation();
+        script.run(operation);
         time.advance(1);
         EXPECT_EQ(writes, before + 1);
         EXPECT_EQ(saved(), sim->snapshot());
@@ -161,11 +148,15 @@ TEST_F(SimSaving, AFailedSaveIsTriedAgainAndSaysSoOnce) {
     EXPECT_EQ(writes, 4) << "after 1, 6, 11 and 16 s";
     EXPECT_FALSE(sim->flushPendingSave());
     EXPECT_THAT(lines, ElementsAre(HasSubstr("no space left")));
-    EXPECT_FALSE(fs::exists(file()));
+    EXPECT_EQ(sim->problem(), "Paper account not saved: no space left");
+    EXPECT_FALSE(fs::exists(file()) || sim->lastSave());
     failing = false;
     time.advance(5);
     EXPECT_EQ(saved(), sim->snapshot());
     EXPECT_THAT(lines, ElementsAre(HasSubstr("no space left"), HasSubstr("saved again")));
+    EXPECT_FALSE(sim->problem());
+    EXPECT_THAT(sim->lastError().value_or(""), HasSubstr("no space left"));
+    EXPECT_EQ(sim->lastSave(), sim::dateFrom1970(time.now()));
 }
 
 TEST_F(SimSaving, AnUndecodableFileIsKeptAndTheAccountStartsAnew) {
@@ -176,6 +167,7 @@ TEST_F(SimSaving, AnUndecodableFileIsKeptAndTheAccountStartsAnew) {
         const auto sim = engine();
         EXPECT_EQ(sim->snapshot(), Snapshot{});
         EXPECT_THAT(std::exchange(lines, {}), ElementsAre(HasSubstr("cannot be read")));
+        EXPECT_THAT(sim->problem().value_or(""), HasSubstr("set aside"));
         time.advance(5);
         EXPECT_EQ(readFile(file()), bad) << "nothing is touched before there is something to save";
         const std::string kept = file().string() + ".bad-" + std::to_string(static_cast<long>(time.now()) + 1);
@@ -183,25 +175,66 @@ TEST_F(SimSaving, AnUndecodableFileIsKeptAndTheAccountStartsAnew) {
         time.advance(1);
         EXPECT_EQ(readFile(kept), bad);
         EXPECT_EQ(saved().balance, 7);
+        EXPECT_FALSE(sim->problem()) << "it is over";
     }
 }
 
-TEST_F(SimSaving, ASecondProcessReadsAndDoesNotWrite) {
+TEST_F(SimSaving, ASecondProcessDoesNotWriteAndTakesOverWhenTheFirstHasEnded) {
     auto first = engine();
     first->resetAccount(11);
     EXPECT_TRUE(first->flushPendingSave());
-    {
-        const auto second = engine();
-        EXPECT_THAT(lines, ElementsAre(HasSubstr("another Velmora")));
-        EXPECT_EQ(second->balance(), 11);
-        second->resetAccount(22);
-        time.advance(10);
-        EXPECT_TRUE(second->flushPendingSave());
-    }
+    const auto second = engine();
+    EXPECT_THAT(lines, ElementsAre(HasSubstr("another Velmora")));
+    EXPECT_EQ(second->balance(), 11);
+    second->commission = 1.25;  // the settings', which no file of another process changes
+    second->resetAccount(22);
+    time.advance(10);
+    EXPECT_TRUE(second->flushPendingSave());
     EXPECT_EQ(writes, 1);
-    EXPECT_EQ(saved().balance, 11);
+    EXPECT_FALSE(second->keepsAccount());
+    EXPECT_EQ(second->problem(), "Paper account read only: another Velmora has it");
+
+    first->resetAccount(33);
+    EXPECT_TRUE(first->flushPendingSave());
     first.reset();
-    EXPECT_TRUE(engine()->keepsAccount());
+    int told = 0;
+    const auto link = second->changed.connect([&](SimEngine::Field field) {
+        EXPECT_EQ(second->balance(), 33) << "told once all has changed";
+        told += field == SimEngine::Field::balance || field == SimEngine::Field::keeping;
+    });
+    time.advance(2);
+    EXPECT_EQ(told, 2);
+    EXPECT_TRUE(second->keepsAccount() && !second->problem());
+    EXPECT_EQ(second->commission, 1.25);
+    EXPECT_THAT(lines.back(), HasSubstr("this one keeps the account from now on"));
+    time.advance(10);
+    EXPECT_EQ(writes, 2) << "what was traded beside the first is gone";
+    second->resetAccount(33);
+    time.advance(1);
+    EXPECT_EQ(saved(), second->snapshot());
+    EXPECT_THAT(lines, testing::SizeIs(2)) << "a third would find it held";
+    EXPECT_FALSE(engine()->keepsAccount());
+}
+
+TEST(SimStore, EveryMarketHasAFileOfItsOwn) {
+    EXPECT_EQ(SimStore::fileName(""), "sim-account.json");
+    EXPECT_EQ(SimStore::fileName("seed-2"), "sim-account-seed-2.json");
+    EXPECT_EQ(SimStore::fileName("tape-../a b.csv"), "sim-account-tape-.._2fa_20b.csv.json");
+    const std::string endless(250, 'x');
+    EXPECT_NE(SimStore::fileName(endless), SimStore::fileName(endless + "y"));
+    EXPECT_LT(SimStore::fileName(endless).size(), 200u);
+}
+
+TEST(SimStore, WithoutAHomeTheSystemIsAsked) {
+    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"}) ::unsetenv(name);
+    const auto known = ::getpwuid(::getuid());
+    for (const char* home : {"", "here", "/somewhere"}) {
+        ::setenv("HOME", home, 1);
+        const auto paths = Paths::practice();
+        ASSERT_EQ(paths.has_value(), *home == '/' || known != nullptr);
+        const fs::path root = *home == '/' ? home : known ? known->pw_dir : "";
+        EXPECT_EQ(paths.value_or(Paths{}).data, paths ? root / ".local/share/Velmora/practice" : root) << home;
+    }
 }
 
 TEST_F(SimSaving, AnOlderSaveNeverReplacesANewerOne) {

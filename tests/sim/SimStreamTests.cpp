@@ -115,8 +115,10 @@ class Stream {
 
  private:
     int pick(int n) { return static_cast<int>(random_() % static_cast<std::uint64_t>(n)); }
-    double near(double price, int ticks) { return price + tick() * (pick(2 * ticks + 1) - ticks); }
-    double tick() const { return engine_.specs().find(root_)->tick; }
+    // Of `root_`: a price of so many ticks and half ticks, as a feed prints it.
+    double priced(double ticks) const { return ticks / std::round(1 / engine_.specs().find(root_)->tick); }
+    double ticksOf(double price) const { return std::round(2 * price / engine_.specs().find(root_)->tick) / 2; }
+    double near(double price, int ticks) { return priced(ticksOf(price) + pick(2 * ticks + 1) - ticks); }
     const Uuid anyOrder() {
         const auto& orders = engine_.orders();
         return orders.empty() ? Uuid{} : orders[random_() % orders.size()].id;
@@ -147,7 +149,7 @@ class Stream {
         center = std::max(near(center, pick(7) == 0 ? 40 : 2), 50.0);
         if (trade) return engine_.onTrade(root_, center);
         const double bid = near(center, 2);
-        engine_.onQuote(root_, bid, bid + tick() * pick(6));
+        engine_.onQuote(root_, bid, priced(ticksOf(bid) + pick(6)));
     }
 
     void enter() {
@@ -251,9 +253,8 @@ class Stream {
         const double* last = engine_.lasts().find(order.sym);
         if (!last) return std::nullopt;
         const sim::Quote* quote = engine_.quotes().find(order.sym);
-        const double half = engine_.specs().find(order.sym)->tick * 0.5;
         const bool buys = order.side == Side::buy;
-        const double touch = quote ? (buys ? quote->ask : quote->bid) : (buys ? *last + half : *last - half);
+        const double touch = quote ? (buys ? quote->ask : quote->bid) : priced(ticksOf(*last) + (buys ? 0.5 : -0.5));
         const double sign = buys ? 1 : -1;
         const bool stopHit = order.stopPrice && (*last - *order.stopPrice) * sign >= 0;
         const bool limitHit =
