@@ -139,7 +139,7 @@ TEST(PracticeSession, LosesNoBarOverDropsRefusalsAndStaleTokens) {
 
 TEST(PracticeSession, LeavesTheUsersOwnProfileAlone) {
     Home home;
-    const Paths user = Paths::user();
+    const Paths user = *Paths::user();
     fs::create_directories(user.config);
     std::ofstream(user.config / "preferences.json") << "{\"vmr.auth.refreshToken\": \"mine\"}";
     {
@@ -149,7 +149,7 @@ TEST(PracticeSession, LeavesTheUsersOwnProfileAlone) {
     }
     std::ifstream kept(user.config / "preferences.json");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), "{\"vmr.auth.refreshToken\": \"mine\"}");
-    const auto practiceFile = Paths::practice().config / "preferences.json";
+    const auto practiceFile = Paths::practice()->config / "preferences.json";
     EXPECT_TRUE(fs::exists(practiceFile));
     EXPECT_EQ(fs::status(practiceFile).permissions() & fs::perms::all, fs::perms::owner_read | fs::perms::owner_write);
 }

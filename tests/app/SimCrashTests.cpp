@@ -42,11 +42,13 @@ TEST(SimCrash, KilledWhileTradingLeavesAWholeFileOfTheLastSecond) {
     for (int run = 0; run < runs; ++run) {
         const double seconds = std::uniform_real_distribution(0.2, 3.0)(random);
         SCOPED_TRACE(seconds);
-        RunningProgram process({"--headless", "--practice", "--clock", "2026-06-10T10:00@10"});
+        const std::string market = run % 2 ? "2" : "1";  // each seed's market has an account of its own
+        RunningProgram process({"--headless", "--practice", "--seed", market, "--clock", "2026-06-10T10:00@10"});
         double killed = 0;
         const auto told = tradeAndKill(process, seconds, killed);
         ASSERT_FALSE(told.empty());
-        const std::string name = ".local/share/Velmora/practice/sim-account.json";
+        const std::string folder = ".local/share/Velmora/practice/";
+        const std::string name = folder + (run % 2 ? "sim-account-seed-2.json" : "sim-account.json");
         constexpr double delay = 1.8;  // a second until a change is written, and what a busy machine takes
         if (!std::filesystem::exists(process.home / name)) {
             EXPECT_GE(told.front().when, killed - delay);

@@ -210,6 +210,11 @@ TEST_F(InputTest, MenuOffersWhatThePriceAllows) {
                 ElementsAre("Set SL @ 21050", "Set TP @ 21050", "", "Buy 2 Limit @ 21050", "Sell 2 Limit @ 21050", "",
                             "Buy 2 Stop @ 21050", "Sell 2 Stop @ 21050", "", "Cancel All (1)"));
     trading.lastPrice = 21000;
+    EXPECT_EQ(texts(21050).at(0), "Set SL @ 21050") << "a short's stop is above the market";
+    EXPECT_EQ(texts(20950).at(0), "Set TP @ 20950");
+    trading.staleAge = 212;
+    EXPECT_EQ(texts(21050).at(0), "The last price is 3 min old");
+    trading.staleAge.reset();
     trading.shown.position->qty = 3;
     const auto menu = input.orderMenu(at(400, 21050));
     ASSERT_EQ(menu.at(0).text, "Set TP @ 21050");

@@ -47,8 +47,11 @@ TEST_F(PaneStates, TellsTheAccountQuotesAndOnlySettingsThatDiffer) {
     engine.commission = 3;
     sim = &engine;
     openSymbol("NQ");
+    EXPECT_EQ(engine.commission, 2.5) << "the settings', not the account's";
+    engine.commission = 3;
     model->setConfig(model->config);
-    EXPECT_EQ(engine.commission, 3) << "as the account was found";
+    EXPECT_EQ(engine.commission, 3) << "nothing differs";
+    event("meta:contracts", R"({"map":{"NQ":"NQM6"}})");
     event("futures:NQM6:quote", R"({"bid":99,"ask":101})");
     engine.place("NQ", sim::Side::buy, sim::OrderType::market, 1);
     EXPECT_EQ(engine.fills().front().price, 101);

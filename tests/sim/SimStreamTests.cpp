@@ -7,6 +7,7 @@
 #include <map>
 #include <numeric>
 #include <random>
+#include <tuple>
 #include <utility>
 
 #include "sim/SimAccountText.h"
@@ -23,76 +24,52 @@ using sim::Side;
 /// Follows an account through its fills alone, book-keeping the slow way: every contract is held at its price.
 class PlainLedger {
  public:
-    struct Trip {
-        bool isLong = true;
-        std::size_t most = 0;
-        double entry = 0;
-        double fees = 0;
-        double result = 0;
-        std::vector<double> exits;  // one per contract
-        std::string endedBy;
-    };
     struct Root {
-        bool isLong = true;
+        Side side = Side::buy;
         std::vector<double> contracts;  // what each one cost, after averaging
         double realized = 0;
-        Trip trip;
+        sim::Trade trip;  // the round trip so far; `exit` is a sum until it ends
+        int exits = 0;    // contracts that have left it
     };
 
-    double start = 50000;
-    double results = 0;
-    double fees = 0;
+    double cash = 50000;
     std::map<std::string, Root> roots;
-    std::vector<Trip> finished;  // oldest first
-    std::size_t partialCloses = 0;
-    std::size_t reversals = 0;
-
-    double cash() const { return start + results - fees; }
-
-    void reset(double balance) {
-        start = balance;
-        results = fees = 0;
-        roots.clear();
-        finished.clear();
-    }
+    std::vector<sim::Trade> finished;  // oldest first
+    std::size_t partialCloses = 0, reversals = 0;
 
     /// `worth` is what a contract gains when its price rises by 1.
     void apply(const sim::Fill& fill, double worth) {
         Root& root = roots[fill.sym];
-        const bool buys = fill.side == sim::Side::buy;
         std::int64_t left = fill.qty;
-        fees += fill.commission;
-        const bool closes = !root.contracts.empty() && root.isLong != buys;
+        cash -= fill.commission;
+        const bool closes = !root.contracts.empty() && root.side != fill.side;
+        // a trade that a reversal opens has no fee of its opening
+        root.trip.fees += fill.commission;
         if (closes) {
-            root.trip.fees += fill.commission;
             for (; left > 0 && !root.contracts.empty(); --left) closeOne(root, fill.price, worth);
-            if (root.contracts.empty()) {
-                root.trip.endedBy = fill.tag;
-                finished.push_back(std::exchange(root.trip, {}));
-            } else {
-                ++partialCloses;
-            }
+            if (!root.contracts.empty()) return static_cast<void>(++partialCloses);
+            root.trip.exit /= std::exchange(root.exits, 0);
+            root.trip.exitTag = fill.tag;
+            finished.push_back(std::exchange(root.trip, {}));
         }
         if (left == 0) return;
-        if (closes) ++reversals;
-        root.isLong = root.trip.isLong = buys;
+        reversals += closes ? 1 : 0;
+        root.side = root.trip.side = fill.side;
         root.contracts.insert(root.contracts.end(), static_cast<std::size_t>(left), fill.price);
+        const auto size = static_cast<std::int64_t>(root.contracts.size());
         const double sum = std::accumulate(root.contracts.begin(), root.contracts.end(), 0.0);
-        const double average = sum / static_cast<double>(root.contracts.size());
-        root.contracts.assign(root.contracts.size(), average);
-        root.trip.most = std::max(root.trip.most, root.contracts.size());
-        root.trip.entry = average;
-        if (!closes) root.trip.fees += fill.commission;
+        root.trip.entry = sum / static_cast<double>(size);
+        root.contracts.assign(root.contracts.size(), root.trip.entry);
+        root.trip.qty = std::max(root.trip.qty, size);
     }
 
  private:
     void closeOne(Root& root, double price, double worth) {
-        const double result = (root.isLong ? 1 : -1) * (price - root.contracts.back()) * worth;
+        const double result = (root.side == Side::buy ? 1 : -1) * (price - root.contracts.back()) * worth;
         root.contracts.pop_back();
-        root.realized += result;
-        root.trip.result += result;
-        root.trip.exits.push_back(price);
-        results += result;
+        for (double* sum : {&root.realized, &root.trip.pnl, &cash}) *sum += result;
+        root.trip.exit += price;
+        ++root.exits;
     }
 };
 
@@ -141,7 +118,7 @@ class Stream {
         follow(newestFill, newestTrade);
         if (market) checkMatch();
         for (const auto& [sym, position] : engine_.positions()) checkRoot(sym, position);
-        EXPECT_NEAR(engine_.balance(), ledger_.cash(), 1e-6);
+        EXPECT_NEAR(engine_.balance(), ledger_.cash, 1e-6);
     }
 
     void tickOnce(bool trade) {
@@ -159,11 +136,9 @@ class Stream {
         const auto ticks = [&] { return maybe(std::int64_t{pick(12)}); };
         const auto bracket = maybe(sim::BracketSpec{ticks(), ticks()});
         const bool open = session_.marketOpen(static_cast<std::int64_t>(time_.now()), false);
-        const Side side = pick(2) == 0 ? Side::buy : Side::sell;
-        const int qty = 1 + pick(4);
-        const double limit = near(center, 16);
-        const double stop = near(center, 16);
-        const auto order = engine_.place(root_, side, type, qty, limit, stop, bracket);
+        const double limit = near(center, 16), stop = near(center, 16);
+        const auto order =
+            engine_.place(root_, pick(2) == 0 ? Side::buy : Side::sell, type, 1 + pick(4), limit, stop, bracket);
         EXPECT_FALSE(order && !open);
         counts_["refused, closed"] += open ? 0 : 1;
     }
@@ -171,25 +146,20 @@ class Stream {
     void operate(int kind) {
         const double price = near(centers_.try_emplace(root_, 100.0).first->second, 15) + 0.07;
         const auto leg = pick(2) == 0 ? sim::slTag : sim::tpTag;
-        if (kind < 25)
-            engine_.cancel(anyOrder());
-        else if (kind < 45)
-            engine_.modify(anyOrder(), price);
-        else if (kind < 60)
-            engine_.modifyProjectedLeg(anyOrder(), leg, price);
-        else if (kind < 85)
-            engine_.setProtective(root_, leg, price);
-        else if (kind < 92)
-            engine_.flatten(root_);
-        else if (kind < 94)
-            engine_.cancelAll(root_);
-        else if (kind < 96)
-            engine_.commission = pick(5) * 0.37;
-        else if (kind < 99)
-            engine_.seedLast(root_, price);
-        else if (pick(10) == 0) {
+        if (kind < 25) return void(engine_.cancel(anyOrder()));
+        if (kind < 45) return void(engine_.modify(anyOrder(), price));
+        if (kind < 60) return void(engine_.modifyProjectedLeg(anyOrder(), leg, price));
+        if (kind < 85) return void(engine_.setProtective(root_, leg, price));
+        if (kind < 91) return void(engine_.flatten(root_));
+        if (kind < 92) return engine_.watch(this, root_, pick(2) == 0 ? "U6" : "Z6");
+        if (kind < 94) return engine_.cancelAll(root_);
+        if (kind < 96) return void(engine_.commission = pick(5) * 0.37);
+        if (kind < 99) return engine_.seedLast(root_, price);
+        if (pick(10) == 0) {
             engine_.resetAccount(1000 * pick(50));
-            ledger_.reset(engine_.startBalance());
+            ledger_.roots.clear();
+            ledger_.finished.clear();
+            ledger_.cash = engine_.startBalance();
             tradesSeen_ = 0;
         }
     }
@@ -215,16 +185,10 @@ class Stream {
         counts_["trades"] += made.size();
     }
 
-    static void checkTrade(const sim::Trade& trade, const PlainLedger::Trip& trip) {
-        const double exits = std::accumulate(trip.exits.begin(), trip.exits.end(), 0.0);
-        EXPECT_EQ(trade.side, trip.isLong ? Side::buy : Side::sell);
-        EXPECT_EQ(trade.qty, static_cast<std::int64_t>(trip.most));
-        EXPECT_NEAR(trade.entry, trip.entry, 1e-6);
-        EXPECT_NEAR(trade.exit, exits / static_cast<double>(trip.exits.size()), 1e-6);
-        EXPECT_NEAR(trade.pnl, trip.result, 1e-6);
-        // a trade that a reversal opened has no fee of its opening
-        EXPECT_NEAR(trade.fees, trip.fees, 1e-6);
-        EXPECT_EQ(trade.exitTag, trip.endedBy);
+    static void checkTrade(const sim::Trade& trade, const sim::Trade& plain) {
+        EXPECT_EQ(std::tie(trade.side, trade.qty, trade.exitTag), std::tie(plain.side, plain.qty, plain.exitTag));
+        for (const auto field : {&sim::Trade::entry, &sim::Trade::exit, &sim::Trade::pnl, &sim::Trade::fees})
+            EXPECT_NEAR(trade.*field, plain.*field, 1e-6);
     }
 
     void checkRoot(const std::string& sym, const sim::Position& position) {
@@ -232,7 +196,7 @@ class Stream {
         ASSERT_TRUE(found != ledger_.roots.end());
         const PlainLedger::Root& plain = found->second;
         const auto size = static_cast<std::int64_t>(plain.contracts.size());
-        EXPECT_EQ(position.qty, plain.isLong ? size : -size);
+        EXPECT_EQ(position.qty, plain.side == Side::buy ? size : -size);
         EXPECT_NEAR(position.avg, size == 0 ? 0 : plain.contracts.front(), 1e-6);
         EXPECT_NEAR(position.realized, plain.realized, 1e-6);
         EXPECT_EQ(engine_.openTrades().contains(sym), position.qty != 0);

@@ -72,13 +72,43 @@ TEST_F(Shell, AnswersEachLineOnce) {
 }
 
 TEST_F(Shell, ListsWhatItKnows) {
-    EXPECT_EQ(say("help me"),
-              "ok sign-in EMAIL PASSWORD [forget] | sign-out | open CANDLE_CHANNEL [DERIVED_CHANNEL] | symbol SYM | "
-              "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay "
-              "COMMAND (practice) | order SYM buy|sell market|limit|stop|stopLimit QTY [limit=P] [stop=P] [sl=TICKS] "
-              "[tp=TICKS] | cancel ID | modify ID PRICE | flatten SYM | protect SYM SL|TP PRICE | leg ID SL|TP PRICE | "
-              "reset BALANCE | pane open|close N | clock pause|resume|speed X|set MOMENT (practice) | quit | help | @N "
-              "COMMAND (in pane N)");
+    EXPECT_EQ(
+        say("help me"),
+        "ok sign-in EMAIL PASSWORD [forget] | sign-out | open CANDLE_CHANNEL [DERIVED_CHANNEL] | symbol SYM | "
+        "timeframe N | expiration YYYY-MM-DD | gex-source | 3d on|off | set KEY JSON | state FILE | relay "
+        "COMMAND (practice) | sim | order SYM buy|sell market|limit|stop|stopLimit QTY [limit=P] [stop=P] [sl=TICKS] "
+        "[tp=TICKS] | cancel ID | modify ID PRICE | flatten SYM | protect SYM SL|TP PRICE | leg ID SL|TP PRICE | "
+        "reset BALANCE | pane open|close N | clock pause|resume|speed X|set MOMENT (practice) | quit | help | @N "
+        "COMMAND (in pane N)");
+}
+
+TEST_F(Shell, TellsWhyAnOrderIsRefusedAndOnWhatPriceItFilled) {
+    sim.onQuote("NQ", 100, 100.25);
+    clock.setNow(clock.now() + 212);
+    for (const auto& [line, answer] :
+         {std::pair("order ZZ buy market 1", "error: unknown root ZZ"),
+          {"order NQ buy market 0", "error: the quantity must be at least 1"},
+          {"order NQ buy market 1 limit=9", "error: a market order takes no limit price"},
+          {"order NQ sell stop 1 stop=9 limit=9", "error: a stop order takes no limit price"},
+          {"order NQ sell limit 1", "error: a limit order needs a limit price"},
+          {"order NQ sell limit 1 limit=-1", "error: a price must be above 0"},
+          {"order NQ buy limit 1 limit=9 sl=0", "error: a stop or target must be at least 1 tick away"},
+          {"order ES buy market 1", "error: there is no price of ES yet"},
+          {"order NQ buy market 1", "position NQ 1 @ 100.25; balance 49997.5 (price is 212 s old)"},
+          {"order NQ buy limit 1 limit=101", "balance 49995 (price is 212 s old)"},
+          {"order NQ buy limit 1 limit=90", "buy 1 NQ limit limit=90"},
+          {"protect NQ SL 0", "error: a price must be above 0"},
+          {"protect NQ SL 99", "sell 2 NQ stop stop=99 SL"},
+          {"sim", "sell 2 NQ stop stop=99 SL (not watched)"}})
+        EXPECT_TRUE(say(line).ends_with(answer)) << line << ": " << answers[0];
+    clock.setNow(clock.now() + 3 * 86400);  // a Saturday
+    for (const auto& [line, answer] : {std::pair("order NQ buy market 1", "error: the market is closed"),
+                                       {"flatten NQ", "error: Market closed — position kept"},
+                                       {"flatten ES", "ok nothing changed"}})
+        EXPECT_EQ(say(line), answer);
+    EXPECT_EQ(sim.orders().size(), 2u);
+    sim.watch(this, "NQ", "NQM6");
+    EXPECT_TRUE(say("sim").ends_with("SL"));
 }
 
 TEST_F(Shell, SpeaksToEveryPane) {
