@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "base/CommandTable.h"
 #include "base/NumberText.h"
-#include "sim/SimTicket.h"
+#include "sim/SimEngine.h"
 #include "support/time/TestTime.h"
 
 namespace vmr::test {
@@ -30,33 +31,11 @@ class SimScript {
     SimScript& run(const std::string& script) {
         std::istringstream all(script);
         for (std::string command; std::getline(all, command, ';');) {
-            std::istringstream line(command);
-            words_.clear();
-            for (std::string word; line >> word;) words_.push_back(word);
+            words_ = CommandWords(command).all();
             if (!words_.empty() && !carryOut(words_[0])) refused += " " + words_[0];
         }
         return *this;
     }
-    /// What the words of an order, from "buy" on, ask for.
-    sim::SimTicket ticket(const std::string& order) {
-        std::istringstream line(order);
-        sim::SimTicket out{.sym = root};
-        std::string word;
-        out.side = *sim::sideNamed(line >> word ? word : "");
-        line >> out.qty;
-        while (line >> word) {
-            const auto value = parseDouble(word.substr(word.find('=') + 1)).value_or(0);
-            if (word.starts_with("limit")) out.limit = value;
-            if (word.starts_with("stop")) out.stop = value;
-            if ((word.starts_with("sl") || word.starts_with("tp")) && !out.bracket) out.bracket.emplace();
-            if (word.starts_with("sl")) out.bracket->slTicks = static_cast<std::int64_t>(value);
-            if (word.starts_with("tp")) out.bracket->tpTicks = static_cast<std::int64_t>(value);
-        }
-        out.type = out.stop ? (out.limit ? sim::OrderType::stopLimit : sim::OrderType::stop)
-                            : (out.limit ? sim::OrderType::limit : sim::OrderType::market);
-        return out;
-    }
-
     /// "POSITION", and " | works ORDERS", " | fills FILLS" (oldest first), " | refuses COMMANDS" where there are any.
     std::string outcome() const {
         const auto found = engine.positions().find(root);
@@ -80,7 +59,7 @@ class SimScript {
 
  private:
     static std::string word(sim::Side side, std::int64_t qty) {
-        return std::string(rawText(side)) + " " + std::to_string(qty);
+        return (side == sim::Side::buy ? "buy " : "sell ") + std::to_string(qty);
     }
     static std::string ticks(std::optional<std::int64_t> count) { return count ? std::to_string(*count) : "-"; }
     std::string place(const Uuid& id) const {
@@ -96,10 +75,20 @@ class SimScript {
         return i < engine.orders().size() ? engine.orders()[i].id : Uuid{};
     }
     bool enter() {
-        std::string line;
-        for (const std::string& word : words_) line += word + " ";
-        const sim::SimTicket t = ticket(line);
-        return engine.place(t.sym, t.side, t.type, t.qty, t.limit, t.stop, t.bracket).has_value();
+        std::optional<double> limit, stop;
+        std::optional<sim::BracketSpec> bracket;
+        for (const std::string& word : words_) {
+            const auto value = parseDouble(word.substr(word.find('=') + 1)).value_or(0);
+            if (word.starts_with("limit")) limit = value;
+            if (word.starts_with("stop")) stop = value;
+            if ((word.starts_with("sl") || word.starts_with("tp")) && !bracket) bracket.emplace();
+            if (word.starts_with("sl")) bracket->slTicks = static_cast<std::int64_t>(value);
+            if (word.starts_with("tp")) bracket->tpTicks = static_cast<std::int64_t>(value);
+        }
+        const auto type = stop ? (limit ? sim::OrderType::stopLimit : sim::OrderType::stop)
+                               : (limit ? sim::OrderType::limit : sim::OrderType::market);
+        const auto side = *sim::sideNamed(words_[0]);
+        return engine.place(root, side, type, *parseInt(words_.at(1)), limit, stop, bracket).has_value();
     }
     bool carryOut(const std::string& name) {
         constexpr double closedHours = 1781366400.0;  // a Saturday, 12:00 in New York
