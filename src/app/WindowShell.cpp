@@ -94,9 +94,8 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     Perf& perf = Perf::shared();
     const PerfPinger pinger(perf, loop);
     app.watchTurns(perf);
-    SimTrading trading(pane.sim, [&pane](const std::string& reason) {
-        pane.model.notices.flashToast("Simulator", reason);
-    });
+    SimTrading trading(pane.sim,
+                       [&pane](const std::string& reason) { pane.model.notices.flashToast("Simulator", reason); });
     PaneViewModel view;
     view.setSurroundings({&pane.clock, &loop, &trading, &perf, pane.bench, print,
                           [&loop] { loop.post([] { QCoreApplication::exit(0); }); }});

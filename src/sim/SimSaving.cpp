@@ -57,7 +57,8 @@ void SimEngine::takeOver() {
     load();
     commission = mine;
     keeping_.savedRevision = keeping_.revision;
-    log("simulator: the other Velmora has ended; this one keeps the account from now on, as that one left it");
+    log("simulator: the other Velmora has ended; this one keeps the account from now on, as that one left it; what was "
+        "traded here meanwhile is gone");
     accountReplaced();
     changed(Field::keeping);
 }

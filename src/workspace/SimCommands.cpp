@@ -100,10 +100,10 @@ using Answer = std::optional<Outcome>;  // nothing when the arguments cannot be 
 template <class Operation>
 Outcome fillingAt(SimEngine& engine, const std::string& root, Operation operation) {
     const auto age = engine.stalePrice(root);
-    const std::size_t fills = engine.fills().size();
-    const Uuid newest = fills ? engine.fills().front().id : Uuid{};
+    const auto newest = [&engine] { return engine.fills().empty() ? Uuid{} : engine.fills().front().id; };
+    const Uuid before = newest();
     Outcome out{operation()};
-    const bool filled = engine.fills().size() > fills || (fills && engine.fills().front().id != newest);
+    const bool filled = newest() != before;
     if (age && filled) out.note = " (price is " + std::to_string(static_cast<std::int64_t>(*age)) + " s old)";
     return out;
 }

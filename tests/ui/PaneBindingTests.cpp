@@ -54,6 +54,11 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_TRUE(view.session.connected());
     EXPECT_FALSE(view.chart.empty());
 
+    model->notices.accountProblem = "not saved";
+    time.runUntilIdle();
+    EXPECT_EQ(view.chart.accountProblem(), "not saved");
+    news();
+
     model->notices.flashToast("One");
     model->notices.flashToast("Two", "more");
     EXPECT_EQ(news(), (News{})) << "nothing in the middle of the turn";
