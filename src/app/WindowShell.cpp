@@ -14,6 +14,7 @@
 
 #include "base/Clock.h"
 #include "base/Log.h"
+#include "model/AppModel.h"
 #include "model/SimTrading.h"
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
@@ -95,7 +96,7 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     app.watchTurns(perf);
     SimTrading trading(pane.sim);
     PaneViewModel view;
-    view.setSurroundings({&pane.clock, &loop, &trading, &perf, pane.bench, print,
+    view.setSurroundings({&pane.clock, &pane.model.sessionTime(), &loop, &trading, &perf, pane.bench, print,
                           [&loop] { loop.post([] { QCoreApplication::exit(0); }); }});
     const PaneBinding binding(pane.model, view, loop, options.setupProblem, options.signInHint, &pane.sim);
     QQmlApplicationEngine engine;
