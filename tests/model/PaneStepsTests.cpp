@@ -202,13 +202,6 @@ TEST_F(PaneSteps, RollsToItsContract) {
         EXPECT_TRUE(changed("contractOverrides=" + next));
     }
     EXPECT_TRUE(takeLog().empty());
-}
-
-TEST_F(PaneSteps, AFilledChartStandsBesideWhatTheOneBeforeLeft) {
-    connect();
-    fill();
-    event("meta:contracts", R"({"map":{"ES":"ESU6","NQ":"NQM6"}})");
-    forget();
     fill();
     EXPECT_TRUE(changed(
         "candles=2 records; displayCandles=2 records; secondaryCandles=2 records; chartVersion=raised; "
@@ -235,6 +228,16 @@ TEST_F(PaneSteps, FollowsTheExpirationThatIsPicked) {
     EXPECT_THAT(takeLog(), ElementsAre("→ exp: 2026-06-12"));
     event("derived:QQQ", R"({"callWallStrike":611,"gexByStrike":[{"strike":602}],"etfRatio":41.5})");
     EXPECT_TRUE(changed("")) << "the slice goes before the aggregate";
+}
+
+TEST_F(PaneSteps, KeepsThePickOfTheExpirationThatIsShown) {
+    prepare();
+    event("derived:QQQ", R"({"expirations":["2026-06-17"]})");
+    forget();
+    model->setExpiration("2026-06-17");
+    EXPECT_TRUE(changed("") && takeLog().empty());
+    event("derived:QQQ", R"({"expirations":["2026-06-10","2026-06-17"]})");
+    EXPECT_TRUE(changed("futureExps=2026-06-10 2026-06-17"));
 }
 
 TEST_F(PaneSteps, FallsBackWhenThePickIsGone) {
@@ -307,17 +310,6 @@ TEST_F(PaneSteps, ReconnectsInPlace) {
     snapshot("futures:NQM6", flatBars(minute - 120, 2, 24500));
     EXPECT_TRUE(changed(R"(secondaryGexFields=etfRatio gexByStrike new totalCallOI; candles=3 records;
         displayCandles=3 records; vwapMain=3 records; chartVersion=raised)"));
-}
-
-TEST_F(PaneSteps, ChangesTheVolatilityIndex) {
-    prepareBoth();
-    for (const auto& [mode, channel] : {std::pair("1d", "indices:I:VIX1D"), {"30d", "indices:I:VIX"}}) {
-        GexConfig config = model->config;
-        config.vixMode = mode;
-        model->setConfig(config);
-        EXPECT_TRUE(model->bars.vixCandles.empty());
-        EXPECT_EQ(model->channels->subscribedChans[6], channel);
-    }
 }
 
 TEST_F(PaneSteps, GoesToAStock) {

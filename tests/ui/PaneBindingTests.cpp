@@ -1,7 +1,10 @@
 // From a pane's model to its views: what comes there, when, and what does not.
 #include <gtest/gtest.h>
 
+#include "market/ClockSetting.h"
+#include "model/SimTrading.h"
 #include "support/pane/TestPane.h"
+#include "ui/chart/ChartItem.h"
 #include "ui/pane/PaneBinding.h"
 
 namespace vmr::test {
@@ -84,6 +87,25 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     binding.reset();
     time.runUntilIdle();
     EXPECT_EQ(view.toast.notice(), "Two") << "a flush under way ends with the binding";
+}
+
+// Each answers by whoever asked first on that day, which in the night was by summer's time: it is 18:30 there.
+TEST_F(PaneBindingTest, ChartPaneAndAccountAgreeOnTheSundayOfAClockChange) {
+    SimEngine account({time, TestPane::session, UuidSource(5)});
+    SimTrading trading(account);
+    time.setNow(*parseMoment("2026-11-01T00:30-04:00"));
+    model->rollForwardBarIfNeeded();
+    time.setNow(*parseMoment("2026-11-01T17:30-05:00"));
+    ChartItem chart;
+    view.setSurroundings({&time, &model->sessionTime(), &main, &trading});
+    chart.setPane(&view);
+    time.runUntilIdle();
+    chart.input().choose({OrderMenuItem::Action::order, "", 100, "buy", "limit"});
+    EXPECT_FALSE(model->notices.marketClosedNotice) << "the chart's clock";
+    EXPECT_EQ(account.orders().size(), 1u) << "the account's";
+    const std::size_t bars = model->bars.candles.size();
+    model->rollForwardBarIfNeeded();
+    EXPECT_EQ(model->bars.candles.size(), bars + 1) << "the pane's";
 }
 
 }  // namespace
