@@ -1,5 +1,5 @@
-// Lenient readers: what a payload's field means, whatever it was written as. None reports an error; integers that do not
-// fit are counted.
+// Lenient readers: what a payload's field means, whatever it was written as. None reports an error; integers that do
+// not fit are counted.
 #pragma once
 
 #include <cstdint>

@@ -37,8 +37,8 @@ struct PaneSurroundings {
     Perf* perf = nullptr;                                         ///< where work is timed; may be null
     std::optional<GexConfig> config{};                            ///< to start with instead of the stored settings
     bool saveSettings = true;                                     ///< false: changed settings are not stored
-    bool strictFeed = false;                                      ///< a number of the feed that fits no integer is fatal
-    bool rebuildInDrags = false;                                  ///< a drag holds no overlay rebuild back
+    bool strictFeed = false;      ///< a number of the feed that fits no integer is fatal
+    bool rebuildInDrags = false;  ///< a drag holds no overlay rebuild back
 };
 
 }  // namespace vmr

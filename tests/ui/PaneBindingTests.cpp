@@ -1,6 +1,8 @@
 // From a pane's model to its views: what comes there, when, and what does not.
 #include <gtest/gtest.h>
 
+#include <QMouseEvent>
+
 #include "market/ClockSetting.h"
 #include "model/SimTrading.h"
 #include "support/pane/TestPane.h"
@@ -96,16 +98,26 @@ TEST_F(PaneBindingTest, ChartPaneAndAccountAgreeOnTheSundayOfAClockChange) {
     time.setNow(*parseMoment("2026-11-01T00:30-04:00"));
     model->rollForwardBarIfNeeded();
     time.setNow(*parseMoment("2026-11-01T17:30-05:00"));
-    ChartItem chart;
-    view.setSurroundings({&time, &model->sessionTime(), &main, &trading});
+    struct Chart : ChartItem {
+        void recordNow() { record(gpu(), {900, 600}, 1, 0); }
+    } chart;
+    PaneViewModel::Surroundings at;
+    at.clock = &time;
+    at.session = &model->sessionTime();
+    at.main = &main;
+    at.trading = &trading;
+    view.setSurroundings(at);
     chart.setPane(&view);
-    time.runUntilIdle();
-    chart.input().choose({OrderMenuItem::Action::order, "", 100, "buy", "limit"});
+    chart.recordNow();
+    chart.renderer().mirrorView(0, 10);
+    chart.renderer().mirrorPrice(90, 110);
+    QMouseEvent press(QEvent::MouseButtonPress, {300, 500}, {300, 500}, Qt::RightButton, Qt::RightButton, {});
+    QCoreApplication::sendEvent(&chart, &press);
+    chart.chooseOrder(0);
     EXPECT_FALSE(model->notices.marketClosedNotice) << "the chart's clock";
     EXPECT_EQ(account.orders().size(), 1u) << "the account's";
-    const std::size_t bars = model->bars.candles.size();
     model->rollForwardBarIfNeeded();
-    EXPECT_EQ(model->bars.candles.size(), bars + 1) << "the pane's";
+    EXPECT_EQ(model->bars.candles.back().time, time.now()) << "the pane's";
 }
 
 }  // namespace

@@ -19,8 +19,8 @@ ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make
 
 ChartItem::~ChartItem() { leavePane(); }
 
-// Clocks, loop, account and probe are the pane's. The panes of one program share theirs, and then the view stays what it
-// is, its size and its camera's followers included.
+// Clocks, loop, account and probe are the pane's. The panes of one program share theirs, and then the view stays what
+// it is, its size and its camera's followers included.
 void ChartItem::makeView() {
     const PaneViewModel::Surroundings none;
     const auto& at = pane_ ? pane_->surroundings() : none;
