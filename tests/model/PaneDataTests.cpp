@@ -89,7 +89,8 @@ TEST_F(PaneData, ABurstCostsOneRebuildAndADragNone) {
 
 TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSeconds) {
     AppModel& pane = openSymbol("NQ");
-    const std::string rows = R"({"spot":600,"expirations":["2026-06-10"],"gexByStrike":[{"strike":598},{"strike":600}]})";
+    const std::string rows =
+        R"({"spot":600,"expirations":["2026-06-10"],"gexByStrike":[{"strike":598},{"strike":600}]})";
     const auto set = [&](const char* vixMode, bool pressure) {
         GexConfig changed = pane.config;
         changed.vixMode = vixMode;
@@ -101,6 +102,7 @@ TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSe
     set("1d", true);  // both at once, which opens the chart anew
     EXPECT_EQ(pane.channels->subscribedChans[6], "indices:I:VIX1D");
     EXPECT_TRUE(pane.bars.vixCandles.empty());
+    EXPECT_EQ(pane.surface.gex3D.get(), std::nullopt) << "its view is closed";
     pane.setGex3DActive(true);
     const auto spotAfter = [&](double seconds, const char* patch) {
         time.advance(seconds);

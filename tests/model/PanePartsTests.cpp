@@ -13,7 +13,6 @@
 #include "model/Overlays.h"
 #include "model/PaneLog.h"
 #include "model/RenderLook.h"
-#include "model/Surface3D.h"
 #include "support/pane/TestPane.h"
 
 namespace vmr::test {
@@ -118,22 +117,6 @@ TEST_F(PaneParts, ThePriceRisesOrFallsFromRebuildToRebuild) {
         rising.push_back(live.priceRising);
     }
     EXPECT_THAT(rising, ElementsAre(true, false, true, true));
-}
-
-TEST_F(PaneParts, TheSurfaceOfAnotherChartDoesNotWaitForItsPace) {
-    Surface3D surface(time);
-    DerivedFields fields;
-    const Json payload =
-        json(R"({"spot":600,"expirations":["2026-06-10"],"gexByStrike":[{"strike":598},{"strike":600}]})");
-    for (const auto& [key, value] : payload.members()) fields[std::string(key)] = payload.at(value);
-    surface.rebuild({}, 1, fields, true);
-    EXPECT_EQ(surface.gex3D.get(), std::nullopt) << "its view is closed";
-    surface.setActive(true);
-    for (int chart = 0; chart < 2; ++chart, surface.open()) {
-        surface.rebuild({}, 1, fields, false);
-        EXPECT_TRUE(surface.gex3D.get());
-    }
-    EXPECT_EQ(surface.gex3D.get(), std::nullopt);
 }
 
 TEST_F(PaneParts, ALaterNoticeHasItsOwnTime) {

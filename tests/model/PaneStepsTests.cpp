@@ -137,24 +137,13 @@ class PaneSteps : public PaneFixture {
         signIn();
         greet();
     }
-    /// The same after the server has said which contracts are in front, with something on every channel.
-    void prepare() {
+    /// The same after the server has said which contracts are in front, with something on every channel, and as many
+    /// steps on from the ETF's source: to the index's own, to both.
+    void prepare(int steps = 0) {
         connect();
         event("meta:contracts", R"({"map":{"ES":"ESU6","NQ":"NQM6"}})");
         fill();
-        forget();
-    }
-    /// The same on the index's own source, or on both.
-    void prepareIndex() {
-        prepare();
-        model->cycleGexSource();
-        event("derived:NDX", R"({"gexByStrike":[{"strike":24600}]})");
-        forget();
-    }
-    void prepareBoth() {
-        prepareIndex();
-        model->cycleGexSource();
-        fill();
+        for (; steps > 0; --steps, fill()) model->cycleGexSource();
         forget();
     }
 
@@ -276,12 +265,12 @@ TEST_F(PaneSteps, GoesToTheIndex) {
 }
 
 TEST_F(PaneSteps, ShowsBothSources) {
-    prepareIndex();
+    prepare(1);
     model->cycleGexSource();
-    EXPECT_TRUE(
-        changed("config.gexSource=BOTH; chartVersion=raised; symbolSource=NQ_QQQNDX; "
-                "secondaryGexChannel=derived:NDX; hfScale=2e-07; derivedFields=; " +
-                channelsOf("QQQ") + "subscribedChans=" + nqByBoth));
+    EXPECT_TRUE(changed(emptied + channelsOf("QQQ") +
+                        "config.gexSource=BOTH; chartVersion=raised; symbolSource=NQ_QQQNDX; "
+                        "secondaryGexChannel=derived:NDX; hfScale=2e-07; subscribedChans=" +
+                        nqByBoth));
     EXPECT_THAT(sent(), ElementsAre("unsubscribe " + nqByIndex, "subscribe " + nqByBoth));
     fill();
     forget();
@@ -293,7 +282,7 @@ TEST_F(PaneSteps, ShowsBothSources) {
 }
 
 TEST_F(PaneSteps, ReconnectsInPlace) {
-    prepareBoth();
+    prepare(2);
     event("derived:NDX", R"({"gexByStrike":[{"strike":24700},{"strike":24600}],"etfRatio":1.01,"totalCallOI":5})");
     forget();
     sockets.last().close(1006);
@@ -313,7 +302,7 @@ TEST_F(PaneSteps, ReconnectsInPlace) {
 }
 
 TEST_F(PaneSteps, GoesToAStock) {
-    prepareBoth();
+    prepare(2);
     event("meta:instruments", R"({"catalog":{"stocks":[{"sym":"AAPL","hfScale":3}]}})");
     model->switchSymbol("AAPL");
     const std::string list = chart("stocks:AAPL", "AAPL");
