@@ -12,12 +12,14 @@ void vmr::fuzz::take(std::string_view text) {
         text.remove_prefix(end + 1);
     }
     const std::string clock(text);
-    const auto lookup = [&](const char* name) {
-        return std::string_view(name) == "VMR_CLOCK" ? std::optional(clock) : std::nullopt;
+    const auto lookup = [&](const char* name) -> std::optional<std::string> {
+        const std::string_view wanted(name);
+        if (wanted == "VMR_STRICT") return "1";
+        return wanted == "VMR_CLOCK" ? std::optional(clock) : std::nullopt;
     };
     const auto parsed = parseOptions(arguments, lookup);
     if (const auto* options = std::get_if<Options>(&parsed)) {
-        require(std::isfinite(options->seconds) && options->tokenLife > 0 && options->busy > 0);
+        require(options->strictFeed && std::isfinite(options->seconds) && options->tokenLife > 0 && options->busy > 0);
         require(options->width >= 0 && options->width <= 16384 && options->height <= 16384);
         require(!options->clock || options->clock->speed > 0);
         require(options->tapeFile.empty() == options->tapeSymbol.empty());

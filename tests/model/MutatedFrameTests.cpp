@@ -178,6 +178,14 @@ TEST_F(MutatedFrames, AnImpossibleNumberCostsItsElementAndIsCounted) {
                 }
 }
 
+TEST_F(MutatedFrames, AnImpossibleNumberEndsAStrictProcess) {
+    strictFeed = true;
+    openBoth();
+    const char* const fatal = "velmora: fatal: .* does not fit a 64-bit integer";
+    EXPECT_DEATH(event("futures:NQM6:trades", R"({"price":5,"ts":"inf"})"), fatal);
+    EXPECT_DEATH(snapshot("futures:GCQ6", R"({"candles":{"nan":{}}})"), fatal) << "read, but not shown";
+}
+
 TEST_F(MutatedFrames, ThirtyThousandWithImpossibleNumbersDoNoHarm) {
     std::vector<std::string> texts;  // any number of any valid message is one that no integer holds
     for (const Kind& kind : kinds())
