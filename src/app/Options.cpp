@@ -79,6 +79,7 @@ std::variant<Options, std::string> parseOptions(const std::vector<std::string>& 
                                                 const std::function<std::optional<std::string>(const char*)>& lookup) {
     Options out;
     out.bench = BenchSettings::fromEnvironment(lookup);
+    out.strictFeed = lookup("VMR_STRICT") == "1";
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         std::string name = arguments[i];
         if (name == "--practice") {

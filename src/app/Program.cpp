@@ -59,6 +59,7 @@ void Program::openPanes() {
                                   .print = print_,
                                   .sim = sim_.get(),
                                   .perf = &Perf::shared(),
+                                  .strictFeed = start_.options().strictFeed,
                                   .rebuildInDrags = start_.options().bench.baseline};
     if (start_.options().headless) surroundings.printMessage = print_;
     if (start_.options().bench.bench) {

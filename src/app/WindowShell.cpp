@@ -97,7 +97,7 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     SimTrading trading(pane.sim,
                        [&pane](const std::string& reason) { pane.model.notices.flashToast("Simulator", reason); });
     PaneViewModel view;
-    view.setSurroundings({&pane.clock, &loop, &trading, &perf, pane.bench, print,
+    view.setSurroundings({&pane.clock, &pane.model.sessionTime(), &loop, &trading, &perf, pane.bench, print,
                           [&loop] { loop.post([] { QCoreApplication::exit(0); }); }});
     const PaneBinding binding(pane.model, view, loop, options.setupProblem, options.signInHint, &pane.sim);
     QQmlApplicationEngine engine;

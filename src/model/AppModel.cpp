@@ -25,6 +25,7 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
       config(&gate_, firstConfig(at_)),
       session(at_.auth, work_, at_.makeRelay(), &gate_),
       log(at_.clock, at_.ids, at_.print, &gate_),
+      feedRepairs(at_.clock, log, at_.strictFeed),
       notices(work_, &gate_),
       catalog(&gate_),
       channels(&gate_),
@@ -53,17 +54,18 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
     contentLinks_.push_back(session.connected.changed.connect([this] { sim_.setConnected(session.connected); }));
 
     RelayClient::Callbacks callbacks;
-    callbacks.onLog = [this](const std::string& text) { log.append(text); };
+    callbacks.onLog = work_.whileThere([this](const std::string& text) { log.append(text); });
     callbacks.onChannelMessage = [this](const ChannelMessage& message, const std::string& type) {
         onChannelMessage(message, type);
     };
-    callbacks.onPrepare = &AppModel::prepare;
+    callbacks.onPrepare = [strict = at_.strictFeed](const std::string& channel, JsonView payload) {
+        return prepare(channel, payload, strict);
+    };
     session.start(std::move(callbacks), [this] { onConnected(); });
 }
 
 AppModel::~AppModel() {
     shutdown();
-    work_.end();
     session.end();
 }
 
@@ -75,6 +77,7 @@ void AppModel::signOut() {
 
 void AppModel::shutdown() {
     ended_ = true;
+    work_.end();
     session.shutdown();
     barRollTimer_.cancel();
     hfpTimer_.cancel();
@@ -104,11 +107,11 @@ void AppModel::setConfig(const GexConfig& changed) {
         reloadChart();
     } else {
         if (effects & SettingEffect::sessionLines) sessionLevels.rebuild(bars.candles, sessionHHMM());
-        if (effects & SettingEffect::hfSampling) updateHfpTimer();
         // a scale of another symbol changes nothing here
         if ((effects & SettingEffect::overlaySeries) && !(overlaySettings() == series)) overlays.schedule();
         bars.raiseChartVersion();
     }
+    if (effects & SettingEffect::hfSampling) updateHfpTimer();
     sim_.setCommission(config->simCommission);
 }
 

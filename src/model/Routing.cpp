@@ -21,10 +21,10 @@ bool carriesBars(std::string_view channel) {
 }
 
 // The message's bars; `parsed` holds them if nobody has parsed them yet.
-const std::vector<Candle>& barsOf(const ChannelMessage& message, std::vector<Candle>& parsed) {
+const std::vector<Candle>& barsOf(const ChannelMessage& message, std::vector<Candle>& parsed, RepairTally& tally) {
     if (const auto* prepared = std::any_cast<Prepared>(&message.prepared); prepared && prepared->bars)
         return *prepared->bars;
-    return parsed = CandleParser::parse(message.payload);
+    return parsed = CandleParser::parse(message.payload, tally);
 }
 
 struct Trade {
@@ -32,10 +32,11 @@ struct Trade {
     double tsMs;
 };
 
-std::optional<Trade> readTrade(JsonView payload, const Clock& clock) {
+std::optional<Trade> readTrade(JsonView payload, const Clock& clock, RepairTally& tally) {
     const auto price = coerce::dbl(payload["price"]);
     if (!price || !std::isfinite(*price)) return std::nullopt;
     const auto ts = coerce::dbl(payload["ts"]);
+    if (ts && !tradeMinute(*ts, tally)) return std::nullopt;
     return Trade{*price, ts ? *ts : clock.now() * 1000};
 }
 
@@ -47,11 +48,13 @@ bool isObjectOfStrings(JsonView value) {
 }
 }  // namespace
 
-std::any AppModel::prepare(const std::string& channel, JsonView payload) {
+std::any AppModel::prepare(const std::string& channel, JsonView payload, bool strict) {
     if (endsWithLive(channel)) return {};
     Prepared prepared;
     if (carriesBars(channel)) {
-        auto bars = CandleParser::parse(payload);
+        RepairTally tally(strict);
+        auto bars = CandleParser::parse(payload, tally);
+        prepared.repaired = tally.count();
         // the newest that the series could keep of these alone are the newest that it can keep of these and its own
         if (bars.size() > CandleParser::seriesCap) bars = CandleParser::merge({}, bars, CandleParser::seriesCap);
         prepared.bars = std::move(bars);
@@ -66,6 +69,7 @@ std::any AppModel::prepare(const std::string& channel, JsonView payload) {
 }
 
 void AppModel::onChannelMessage(const ChannelMessage& message, const std::string& type) {
+    if (ended_) return;
     if (type != "batch") {
         rollForwardBarIfNeeded();
     } else {
@@ -75,13 +79,22 @@ void AppModel::onChannelMessage(const ChannelMessage& message, const std::string
         }
         rollForwardBar(batchNow_);
     }
-    if (routeHot(message) || routeSeries(message) || routeDerived(message)) return;
+    if (route(message)) return;
     const auto* prepared = std::any_cast<Prepared>(&message.prepared);
     const bool briefIsMade = prepared && !prepared->brief.empty();
     const std::string line =
         message.channel + " [" + type + "] → " + (briefIsMade ? prepared->brief : briefForm(message.payload));
     if (at_.printMessage) at_.printMessage("[app] " + line);
     log.append(line);
+}
+
+// To the one place where it belongs, and on to the log unless that says that the message has been dealt with.
+bool AppModel::route(const ChannelMessage& message) {
+    RepairTally tally(feedRepairs.strict());
+    const bool done = routeHot(message, tally) || routeSeries(message, tally) || routeDerived(message, tally);
+    const auto* prepared = std::any_cast<Prepared>(&message.prepared);
+    feedRepairs.add(message.channel, tally.count() + (prepared ? prepared->repaired : 0));
+    return done;
 }
 
 TradeEffect AppModel::applyTrade(double price, double tsMs) {
@@ -98,11 +111,11 @@ void AppModel::applySecondaryTrade(double price, double tsMs) {
 }
 
 // Trades, the meta channels and quotes; true when the message has been dealt with.
-bool AppModel::routeHot(const ChannelMessage& message) {
+bool AppModel::routeHot(const ChannelMessage& message, RepairTally& tally) {
     const std::string& channel = message.channel;
     const ChartChannels& names = channels.get();
     if (names.isOpen() && channel == names.tradesName) {
-        if (const auto trade = readTrade(message.payload, at_.clock)) {
+        if (const auto trade = readTrade(message.payload, at_.clock, tally)) {
             // what is too old for the bars is no price of now, and fills nothing either
             if (applyTrade(trade->price, trade->tsMs) != TradeEffect::tooOld) sim_.onTrade(trade->price);
         }
@@ -124,7 +137,8 @@ bool AppModel::routeHot(const ChannelMessage& message) {
         return true;
     }
     if (!names.secondaryChannel.empty() && channel == names.secondaryTradesName) {
-        if (const auto trade = readTrade(message.payload, at_.clock)) applySecondaryTrade(trade->price, trade->tsMs);
+        if (const auto trade = readTrade(message.payload, at_.clock, tally))
+            applySecondaryTrade(trade->price, trade->tsMs);
         return true;
     }
     return false;
@@ -143,21 +157,21 @@ void AppModel::applyContracts(JsonView map) {
 }
 
 // Bars and the histories beside them. The chart's own bars and the support/resistance sessions go on to the log.
-bool AppModel::routeSeries(const ChannelMessage& message) {
+bool AppModel::routeSeries(const ChannelMessage& message, RepairTally& tally) {
     const std::string& channel = message.channel;
     const ChartChannels& names = channels.get();
     if (!names.isOpen()) return false;
     std::vector<Candle> parsed;
     if (!names.secondaryChannel.empty() &&
         (channel == names.secondaryChannel || channel == names.secondaryMinuteName)) {
-        if (const auto& incoming = barsOf(message, parsed); !incoming.empty()) {
+        if (const auto& incoming = barsOf(message, parsed, tally); !incoming.empty()) {
             LiveBars::merge(bars.secondaryCandles, incoming);
             overlays.schedule();
         }
         return true;
     }
     if (channel == names.vixBaseChannel || channel == names.vixChannel) {
-        if (const auto& incoming = barsOf(message, parsed); !incoming.empty()) {
+        if (const auto& incoming = barsOf(message, parsed, tally); !incoming.empty()) {
             LiveBars::merge(bars.vixCandles, incoming);
             overlays.raiseSides();
             overlays.schedule();
@@ -165,23 +179,23 @@ bool AppModel::routeSeries(const ChannelMessage& message) {
         return true;
     }
     if (!names.hfHistoryChannel.empty() && channel == names.hfHistoryChannel && message.payload.isObject()) {
-        overlays.takeHfHistory(message.payload);
+        overlays.takeHfHistory(message.payload, tally);
         overlays.schedule();
         return true;
     }
     if (!names.srChannel.empty() && channel == names.srChannel) {
-        sessionLevels.take(message.payload);
+        sessionLevels.take(message.payload, tally);
         overlays.raiseSides();
         sessionLevels.rebuild(bars.candles, sessionHHMM());
         overlays.schedule();
     }
-    if (channel == names.chartChannel || channel == names.minuteName) mergeChartBars(message);
+    if (channel == names.chartChannel || channel == names.minuteName) mergeChartBars(message, tally);
     return false;
 }
 
-void AppModel::mergeChartBars(const ChannelMessage& message) {
+void AppModel::mergeChartBars(const ChannelMessage& message, RepairTally& tally) {
     std::vector<Candle> parsed;
-    const auto& incoming = barsOf(message, parsed);
+    const auto& incoming = barsOf(message, parsed, tally);
     if (incoming.empty()) return;
     LiveBars::merge(bars.candles, incoming);
     bars.rebuildDisplay();
@@ -189,16 +203,16 @@ void AppModel::mergeChartBars(const ChannelMessage& message) {
 }
 
 // The derived channels. The levels channel goes on to the log.
-bool AppModel::routeDerived(const ChannelMessage& message) {
+bool AppModel::routeDerived(const ChannelMessage& message, RepairTally& tally) {
     const std::string& channel = message.channel;
     const ChartChannels& names = channels.get();
     const bool isObject = message.payload.isObject();
     if (isObject && !names.bubblesChannel.empty() && channel == names.bubblesChannel) {
-        markers.takeBubbles(message.payload);
+        markers.takeBubbles(message.payload, tally);
         return true;
     }
     if (isObject && !names.trianglesChannel.empty() && channel == names.trianglesChannel) {
-        markers.takeTriangles(message.payload);
+        markers.takeTriangles(message.payload, tally);
         return true;
     }
     if (!names.oscChannel.empty() && channel == names.oscChannel) {

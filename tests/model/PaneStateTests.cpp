@@ -53,6 +53,8 @@ TEST_F(PaneStates, TellsTheAccountQuotesAndOnlySettingsThatDiffer) {
     EXPECT_EQ(engine.commission, 3) << "nothing differs";
     event("meta:contracts", R"({"map":{"NQ":"NQM6"}})");
     event("futures:NQM6:quote", R"({"bid":99,"ask":101})");
+    for (const char* odd : {R"({"bid":"nan","ask":1})", R"({"bid":1,"ask":"inf"})", R"({"bid":"-inf","ask":1})"})
+        event("futures:NQM6:quote", odd);
     engine.place("NQ", sim::Side::buy, sim::OrderType::market, 1);
     EXPECT_EQ(engine.fills().front().price, 101);
     GexConfig changed = model->config;

@@ -19,22 +19,23 @@ ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make
 
 ChartItem::~ChartItem() { leavePane(); }
 
-// Clock, loop, account and probe are the pane's. The panes of one program share theirs, and then the view stays what it
-// is, its size and its camera's followers included.
+// Clocks, loop, account and probe are the pane's. The panes of one program share theirs, and then the view stays what
+// it is, its size and its camera's followers included.
 void ChartItem::makeView() {
     const PaneViewModel::Surroundings none;
     const auto& at = pane_ ? pane_->surroundings() : none;
     Drawing& own = *drawing_;
     MainLoop& main = at.main ? *at.main : own.loop;
     const Clock& clock = at.clock ? *at.clock : own.clock;
+    SessionTime& session = at.session ? *at.session : own.session;
     own.drive.reset();
     own.camera.end();
-    const Drawing::Given given{&clock, &main, at.trading, at.perf};
+    const Drawing::Given given{&clock, &session, &main, at.trading, at.perf};
     if (!own.view || own.given != given) {
         setLive(false);  // of the view before
         own.view.reset();
         own.view = std::make_unique<ChartView>(
-            ChartView::Surroundings{gpu(), glyphs(), own.session, clock, main, at.perf, at.trading});
+            ChartView::Surroundings{gpu(), glyphs(), session, clock, main, at.perf, at.trading});
         own.given = given;
         watchView();
     }

@@ -47,7 +47,7 @@ void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
 void ChartItem::updateCrosshair() {
     const ChartRenderer& shown = renderer();
     const auto bars = shown.camera().settled() ? shown.candles() : std::span<const Candle>();
-    drawing_->crosshair.update(shown.camera().viewport(), bars, width(), height(), drawing_->session);
+    drawing_->crosshair.update(shown.camera().viewport(), bars, width(), height(), *drawing_->given.session);
     if (shown.perf && drawing_->crosshair.shown()) shown.perf->bump("CrosshairHud");
 }
 
