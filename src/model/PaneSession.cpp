@@ -31,6 +31,7 @@ void PaneSession::start(RelayClient::Callbacks callbacks, std::function<void()> 
         connected = false;
         status = "Disconnected (reconnecting…)";
     };
+    callbacks.onTokenRefused = [this](const std::string& token) { auth_.refused(token); };
     relay_->setCallbacks(std::move(callbacks));
     if (auth_.refreshToken) startStoredSession();
 }
@@ -38,6 +39,7 @@ void PaneSession::start(RelayClient::Callbacks callbacks, std::function<void()> 
 void PaneSession::startStoredSession() {
     isSignedIn = true;
     userEmail = auth_.email.value_or("");
+    if (auth_.setupProblem) return;  // the session waits, unused, for a start that can reach its servers
     status = "Signed in, connecting…";
     // an answer that comes after a sign-out, perhaps into the session that followed it, is nobody's any more
     work_.main().post(work_.whileThere([this, session = session_] {

@@ -67,6 +67,15 @@ FocusScope {
         text: chart.problem !== "" ? chart.problem : paneView.pane.chart.empty ? qsTr("Waiting for bars…") : ""
     }
     Notice {
+        objectName: "setupNotice"
+        anchors.top: toolbar.bottom
+        anchors.topMargin: 12
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: Math.min(560, parent.width - 48)
+        visible: text !== ""
+        text: paneView.pane.session.setupProblem
+    }
+    Notice {
         objectName: "limitNotice"
         anchors.top: toolbar.bottom
         anchors.topMargin: 12
