@@ -1,17 +1,9 @@
 #include "app/ProgramStart.h"
 
-#include <cstdlib>
-
+#include "base/Environment.h"
 #include "relay/Tape.h"
 
 namespace vmr {
-
-namespace {
-std::optional<std::string> environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? std::optional<std::string>(value) : std::nullopt;
-}
-}  // namespace
 
 ProgramStart::ProgramStart(const Options& options)
     : options_(options),
