@@ -36,12 +36,7 @@ void readCommands(const std::shared_ptr<CommandTarget>& target) {
 
 void announce(const vmr::relay::PracticeRelay& relay, const vmr::relay::RelayCommandLine& line,
               const vmr::Clock& clock) {
-    print("VMR_RELAY_URL=" + relay.relayUrl());
-    // all of them, so that nothing of a practice run ever goes to a public host
-    for (const char* name :
-         {"VMR_IDENTITY_URL", "VMR_SECURETOKEN_URL", "VMR_FUNCTIONS_URL", "VMR_FIRESTORE_URL", "VMR_DOWNLOADS_URL"})
-        print(name + ("=" + relay.restUrl()));
-    print("VMR_API_KEY=" + relay.apiKey());
+    for (const auto& [name, value] : relay.variables()) print(name + "=" + value);
     if (line.clock) print("VMR_CLOCK=" + vmr::relay::momentText(clock.now()) + "@" + vmr::doubleText(clock.speed()));
     print("# account: " + relay.email() + "   password: " + relay.password());
     const auto now = static_cast<std::int64_t>(clock.now());

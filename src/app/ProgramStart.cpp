@@ -1,5 +1,7 @@
 #include "app/ProgramStart.h"
 
+#include <algorithm>
+
 #include "base/Environment.h"
 #include "relay/Tape.h"
 
@@ -43,12 +45,11 @@ void ProgramStart::startPractice() {
     practice_ = std::make_unique<relay::PracticeRelay>(*clock_, relay);
     failure_ = practice_->start();
     if (failure_) return;
-    endpoints_ = {};
-    endpoints_.relayUrl = practice_->relayUrl();
-    endpoints_.apiKey = practice_->apiKey();
-    for (std::string* url : {&endpoints_.identityUrl, &endpoints_.secureTokenUrl, &endpoints_.functionsUrl,
-                             &endpoints_.firestoreUrl, &endpoints_.downloadsUrl})
-        *url = practice_->restUrl();
+    endpoints_ = Endpoints::fromEnvironment([variables = practice_->variables()](const char* name) {
+        const auto found = std::find_if(variables.begin(), variables.end(),
+                                        [name](const auto& variable) { return variable.first == name; });
+        return found == variables.end() ? std::nullopt : std::optional(found->second);
+    });
 }
 
 std::optional<std::string> ProgramStart::setupProblem() const {

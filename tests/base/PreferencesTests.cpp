@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <thread>
 
@@ -61,7 +62,10 @@ TEST_F(Stored, ChangesInARowAreOneWriteAMomentLater) {
 }
 
 TEST_F(Stored, TwoOnOneFileLoseNothingButARaceForOneKey) {
-    ASSERT_EQ(replaceFile(file, R"({"number":1.5,"list":[1,{}],"text":"kept","none":null})"), std::nullopt);
+    const std::string others = R"([1, {"\"}]": 1e400}, "\ud800"])";
+    ASSERT_EQ(replaceFile(file, R"({ "number" :123456789012345678901.50 ,"list":)" + others +
+                                    R"(,"text":"kept","none":null,"wild":"\udc00 \u00e9"})"),
+              std::nullopt);
     FilePreferences one(file, writer), two(file, writer);
     one.set("a", "1");
     one.set("both", "one");
@@ -80,8 +84,11 @@ TEST_F(Stored, TwoOnOneFileLoseNothingButARaceForOneKey) {
         EXPECT_EQ(later(key), value) << key;
     two.remove("text");
     two.flush();
-    const auto stored = Json::parse(*readFile(file));
-    EXPECT_EQ((*stored)["number"].text() + (*stored)["list"].text() + (*stored)["none"].text(), "1.5[1,{}]null");
+    EXPECT_EQ(later("c"), "") << "what the other has written since";
+    EXPECT_EQ(later("wild"), "\uFFFD é") << "half a character costs no more than itself";
+    for (const char* kept : {"\"number\": 123456789012345678901.50,", "\"none\": null,"})
+        EXPECT_THAT(*readFile(file), HasSubstr(kept));
+    EXPECT_THAT(*readFile(file), HasSubstr("\"list\": " + others + ","));
 }
 
 TEST_F(Stored, AWriterWaitsForTheLockAndTheLastOneDoesNotWaitForEver) {
@@ -97,14 +104,23 @@ TEST_F(Stored, AWriterWaitsForTheLockAndTheLastOneDoesNotWaitForEver) {
 
 TEST_F(Stored, AFileThatDoesNotDecodeIsKeptBeside) {
     for (const std::string bad : {"{\"a\":", "[1]", "", "\xff\xfe"}) {
-        ASSERT_EQ(replaceFile(file, bad), std::nullopt);
+        std::ofstream(file) << bad;
+        fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
         FilePreferences preferences(file, writer);
         EXPECT_EQ(preferences.get("a"), std::nullopt);
         EXPECT_EQ(readFile(file), bad) << "reading alone changes nothing";
         preferences.set("a", "new");
         preferences.flush();
-        EXPECT_EQ(readFile(folder / "preferences.json.bad"), bad);
+        const fs::path aside = folder / "preferences.json.bad";
+        EXPECT_EQ(readFile(aside), bad);
+        EXPECT_EQ(fs::status(aside).permissions(), fs::perms::owner_read | fs::perms::owner_write);
         EXPECT_EQ(later("a"), "new");
+        FilePreferences broken(file, writer);
+        ASSERT_EQ(replaceFile(file, bad), std::nullopt);
+        broken.removeSetAside();
+        broken.remove("a");
+        broken.flush();
+        EXPECT_FALSE(fs::exists(aside)) << "neither the old copy nor a new one";
     }
 }
 

@@ -29,6 +29,8 @@ TEST(RelayCommandLine, SaysWhatIsWrong) {
              {{"--sped", "1"}, "unknown option --sped"},
              {{"--seed", "1", "--seed=2"}, "--seed is given twice"},
              {{"--busy", "1000.5"}, "--busy must be a number above 0, at most 1000, not 1000.5"},
+             {{"--speed", "10001", "--replay", "a"}, "--speed must be a number above 0, at most 10000, not 10001"},
+             {{"--clock", "2026-06-10@10001"}, "--clock is no moment: 2026-06-10@10001"},
              {{"--tape", "a"}, "--tape and --symbol go together"},
              {{"--replay", "a", "--speed", "2", "--clock", "2026-06-10"}, "--speed and --clock contradict each other"},
              {{"--replay", "/none"}, "the recording /none cannot be opened"}})

@@ -102,6 +102,10 @@ TEST(GexConfig, LimitsFourFieldsAndNoOthers) {
     EXPECT_EQ(limited("20000000", "100", "1000"), (std::array{20000000.0, 50.0, 400.0}));
     EXPECT_EQ(read(R"({"lineOpacity":-1000})").lineOpacity, -1000);
     EXPECT_TRUE(read(R"({"hfScaleBySymbol":{"NQ":1,"ES":"x"}})").hfScaleBySymbol.empty());
+    GexConfig odd;  // one field each, which the decoder itself would fail the record for
+    odd.candleTheme = "\uFFFD";
+    odd.oscNet = false;
+    EXPECT_EQ(read(R"({"hfScale":1e400,"candleTheme":"\ud800","vixSmooth":-1e999,"oscNet":false})"), odd);
 }
 
 TEST(SettingTable, HasARowForEveryFieldSectionBySection) {
