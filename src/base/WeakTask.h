@@ -7,7 +7,8 @@
 namespace vmr {
 
 /// A member of a class that hands out tasks which use `this`: `queue.after(1, weak_([this] { ... }))`. A task so made
-/// does nothing once the owner is gone. Tasks run, and the owner ends, on one thread. Declare it last, so that it goes
+/// does nothing once the owner is gone. Tasks run, and the owner ends, on one thread; they may be
+/// copied and handed on by others. Declare it last, so that it goes
 /// first.
 class WeakTask {
  public:
@@ -23,11 +24,8 @@ class WeakTask {
         };
     }
 
-    /// Drops all tasks made so far, as if the owner had gone.
-    void cancel() { alive_ = std::make_shared<const char>(); }
-
  private:
-    std::shared_ptr<const char> alive_ = std::make_shared<const char>();
+    const std::shared_ptr<const char> alive_ = std::make_shared<const char>();
 };
 
 }  // namespace vmr

@@ -1,18 +1,14 @@
 // The preferences in their file: written behind, shared with other processes, never half written.
 #include <gmock/gmock.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <random>
-#include <thread>
 
 #include "base/FileLock.h"
 #include "base/FileReplace.h"
-#include "base/Json.h"
 #include "base/Preferences.h"
 #include "base/Uuid.h"
 #include "support/time/TestTime.h"
@@ -177,35 +173,6 @@ TEST_F(Stored, ThreeProcessesWithFourHundredChangesEachLoseNone) {
         for (int i = 350; i < 400; ++i)
             EXPECT_EQ(all.get(std::to_string(process) + "/" + std::to_string(i % 50)), std::to_string(i));
     EXPECT_THAT(all.get("race").value_or(""), testing::MatchesRegex("[012]"));
-    EXPECT_FALSE(fs::exists(folder / "preferences.json.bad"));
-}
-
-TEST_F(Stored, KilledAtAnyMomentTheFileIsOldOrNew) {
-    std::mt19937 random(std::random_device{}());
-    int last = -1, advanced = 0;
-    for (int run = 0; run < 12; ++run) {
-        const pid_t child = inAnotherProcess([&] {
-            FilePreferences preferences(file, writer);
-            for (int i = last + 1;; ++i) {
-                preferences.set("a", std::to_string(i));
-                preferences.set("b", std::string(static_cast<std::size_t>(i % 7) * 3000, 'x') + std::to_string(i));
-                preferences.flush();
-            }
-        });
-        std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(20000, 60000)(random)));
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
-        const auto bytes = readFile(file);
-        if (!bytes) continue;
-        ASSERT_TRUE(Json::parse(*bytes)) << "whole";
-        FilePreferences preferences(file, writer);
-        const std::string a = preferences.get("a").value_or(""), b = preferences.get("b").value_or("");
-        ASSERT_THAT(b, testing::EndsWith(a)) << "both of one write";
-        ASSERT_GE(std::stoi(a), last) << "never an older one";
-        advanced += std::stoi(a) > last;
-        last = std::stoi(a);
-    }
-    EXPECT_GT(advanced, 3);
     EXPECT_FALSE(fs::exists(folder / "preferences.json.bad"));
 }
 

@@ -16,14 +16,6 @@ RelayCommandLine read(const Words& words, const char* environment = nullptr) {
     });
 }
 
-TEST(RelayCommandLine, TakesOptionsInBothForms) {
-    const auto line = read({"--port", "5000", "--rest-port=5001", "--seed", "7", "--busy=2.5", "--token-life", "90"});
-    const PracticeRelayOptions& all = line.relay;
-    EXPECT_EQ(std::tuple(all.relayPort, all.restPort, all.seed, all.busy, all.tokenLife),
-              std::tuple(5000, 5001, 7u, 2.5, 90.0));
-    EXPECT_FALSE(line.clock) << "the machine's time";
-}
-
 TEST(RelayCommandLine, SaysWhatIsWrong) {
     for (const auto& [words, error] : std::initializer_list<std::pair<Words, std::string>>{
              {{"--sped", "1"}, "unknown option --sped"},
