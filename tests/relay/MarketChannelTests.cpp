@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "base/Json.h"
-#include "market/CandleParser.h"
 #include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 #include "relay/FrontMonth.h"

@@ -356,15 +356,18 @@ TEST_F(BeastSocket, FourThreadsThatFinishSayGoodbyeAndWaitForNobody) {
     for (const std::string& url : {polite, deaf, std::string("wss://hang.test/"), std::string("wss://hang.test/")}) {
         AsioThread& thread = *threads.emplace_back(std::make_unique<AsioThread>("velmora.test"));
         std::promise<void> started;
-        WebSocket& made = *mine.emplace_back(makeBeastWebSockets(thread.loop())());
+        std::unique_ptr<WebSocket>& made = mine.emplace_back(makeBeastWebSockets(thread.loop())());
         WebSocket::Events events;
         if (url.starts_with("ws:")) events.onOpen = [&] { started.set_value(); };
         thread.loop().post([&] {
-            made.open(url, 60000, std::move(events));
+            made->open(url, 60000, std::move(events));
             if (url.starts_with("wss:")) started.set_value();
         });
         started.get_future().wait();
-        thread.loop().post([&made] { made.cancel(1001); });
+        thread.loop().post([&made] {
+            made->cancel(1001);
+            made.reset();
+        });
     }
     const SystemClock clock;
     const double before = clock.monotonic();
