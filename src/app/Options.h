@@ -2,12 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "base/Environment.h"
 #include "market/ClockSetting.h"
 #include "perf/BenchSettings.h"
 
@@ -34,7 +34,7 @@ struct Options {
 /// Reads the arguments (without the program's name); VMR_CLOCK stands in for a missing --clock, and VMR_STRICT and the
 /// benchmark's variables are read. Gives the text of what is wrong with them otherwise.
 std::variant<Options, std::string> parseOptions(const std::vector<std::string>& arguments,
-                                                const std::function<std::optional<std::string>(const char*)>& lookup);
+                                                const EnvironmentLookup& lookup);
 
 /// What --help prints.
 std::string usageText();

@@ -15,10 +15,7 @@ namespace vmr {
 namespace {
 // A practice relay knows nothing of the sessions of an earlier one.
 Preferences& withUsableSession(Preferences& preferences, const ProgramStart& start) {
-    if (start.practice())
-        for (const char* key :
-             {FirebaseRESTAuth::refreshTokenKey, FirebaseRESTAuth::uidKey, FirebaseRESTAuth::emailKey})
-            preferences.remove(key);
+    if (start.practice()) FirebaseRESTAuth::forgetStored(preferences);
     return preferences;
 }
 }  // namespace
@@ -30,6 +27,7 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
       preferences_(start.paths().config / "preferences.json", files_.loop()),
       http_(main),
       auth_(start.endpoints(), http_, withUsableSession(preferences_, start), start.clock()) {
+    auth_.setupProblem = start.setupProblem();
     openAccount();
     openPanes();
     for (const std::string& line : std::exchange(accountNotices_, {})) tellOfAccount(line);
@@ -69,7 +67,7 @@ void Program::openPanes() {
     }
     panes_ = std::make_unique<PaneHost>(std::move(surroundings), [this](AsioLoop& queue) {
         return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(queue), queue, main_,
-                                             start_.clock(), print_);
+                                             start_.relayClock(), print_);
     });
     panes_->open();
     if (!start_.options().tapeSymbol.empty()) panes_->active()->setFirstSymbol(start_.options().tapeSymbol);

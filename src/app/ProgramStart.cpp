@@ -1,18 +1,12 @@
 #include "app/ProgramStart.h"
 
-#include <cstdlib>
+#include <algorithm>
 
+#include "base/Environment.h"
 #include "relay/Tape.h"
 #include "sim/SimStore.h"
 
 namespace vmr {
-
-namespace {
-std::optional<std::string> environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? std::optional<std::string>(value) : std::nullopt;
-}
-}  // namespace
 
 ProgramStart::ProgramStart(const Options& options)
     : options_(options), endpoints_(Endpoints::fromEnvironment(environment)) {
@@ -68,12 +62,11 @@ void ProgramStart::startPractice() {
     practice_ = std::make_unique<relay::PracticeRelay>(*clock_, relay);
     failure_ = practice_->start();
     if (failure_) return;
-    endpoints_ = {};
-    endpoints_.relayUrl = practice_->relayUrl();
-    endpoints_.apiKey = practice_->apiKey();
-    for (std::string* url : {&endpoints_.identityUrl, &endpoints_.secureTokenUrl, &endpoints_.functionsUrl,
-                             &endpoints_.firestoreUrl, &endpoints_.downloadsUrl})
-        *url = practice_->restUrl();
+    endpoints_ = Endpoints::fromEnvironment([variables = practice_->variables()](const char* name) {
+        const auto found = std::find_if(variables.begin(), variables.end(),
+                                        [name](const auto& variable) { return variable.first == name; });
+        return found == variables.end() ? std::nullopt : std::optional(found->second);
+    });
 }
 
 std::optional<std::string> ProgramStart::setupProblem() const {

@@ -60,9 +60,7 @@ void ChartView::setSource(ChartSource* source) {
 // renderer finds whether they are worth a frame; when one is awaited anyway, that reads them.
 void ChartView::contentChanged() {
     if (std::exchange(contentDirty_, true) || frameAwaited_) return;
-    main_.post([this, weak = std::weak_ptr(alive_)] {
-        if (!weak.expired()) readSource();
-    });
+    main_.post(whileThere_([this] { readSource(); }));
 }
 
 void ChartView::readSource() {

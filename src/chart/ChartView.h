@@ -8,6 +8,7 @@
 
 #include "base/Clock.h"
 #include "base/SerialQueue.h"
+#include "base/WeakTask.h"
 #include "chart/AxisLayer.h"
 #include "chart/BarLabelLayer.h"
 #include "chart/ChartContent.h"
@@ -112,7 +113,7 @@ class ChartView final : public ChartPort {
     ChartInput input_;
     OverlayRibbons ribbons_;
     std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();
-    std::shared_ptr<int> alive_ = std::make_shared<int>();  ///< expires with the chart; posted work holds it weakly
+    WeakTask whileThere_;
     ChartSource* source_ = nullptr;
     std::optional<Shown> shown_;  ///< nothing: all of the next content is new
     bool contentDirty_ = false;   ///< the source said that its content changed

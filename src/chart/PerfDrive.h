@@ -2,8 +2,8 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
+#include "base/WeakTask.h"
 #include "chart/ChartInput.h"
 #include "perf/BenchSettings.h"
 #include "perf/Perf.h"
@@ -36,9 +36,9 @@ class PerfDrive {
     BenchSettings settings_;
     std::function<void(const std::string&)> print_;
     std::function<void()> done_;
-    std::shared_ptr<int> alive_ = std::make_shared<int>();
     SerialQueue::TimerId driveTimer_ = SerialQueue::noTimer;
     int driveTick_ = 0, waited_ = 0;
+    WeakTask whileThere_;
 };
 
 }  // namespace vmr

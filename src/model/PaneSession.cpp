@@ -32,6 +32,7 @@ void PaneSession::start(RelayClient::Callbacks callbacks, std::function<void()> 
         connected = false;
         status = "Disconnected (reconnecting…)";
     });
+    callbacks.onTokenRefused = work_.whileThere([this](const std::string& token) { auth_.refused(token); });
     relay_->setCallbacks(std::move(callbacks));
     if (auth_.refreshToken) startStoredSession();
 }
@@ -39,6 +40,7 @@ void PaneSession::start(RelayClient::Callbacks callbacks, std::function<void()> 
 void PaneSession::startStoredSession() {
     isSignedIn = true;
     userEmail = auth_.email.value_or("");
+    if (auth_.setupProblem) return;  // the session waits, unused, for a start that can reach its servers
     status = "Signed in, connecting…";
     // an answer that comes after a sign-out, perhaps into the session that followed it, is nobody's any more
     work_.main().post(work_.whileThere([this, session = session_] {

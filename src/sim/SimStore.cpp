@@ -3,6 +3,7 @@
 #include <cmath>
 #include <system_error>
 
+#include "base/PrivateFile.h"
 #include "sim/SimAccountText.h"
 
 namespace vmr {
@@ -50,7 +51,7 @@ bool SimStore::takeLock() {
 
 std::optional<sim::Snapshot> SimStore::load() {
     std::error_code ignored;
-    const auto bytes = readFile(file_);
+    const auto bytes = readPrivateFile(file_);
     auto account = bytes ? sim::readAccount(*bytes) : std::nullopt;
     // A file that cannot be read may still matter to its owner: the first save sets it aside instead of replacing it.
     unreadable_ = !account && fs::exists(fs::symlink_status(file_, ignored));

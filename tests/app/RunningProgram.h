@@ -26,8 +26,9 @@ class RunningProgram {
     const std::filesystem::path home =
         std::filesystem::temp_directory_path() / ("velmora-run-" + UuidSource().next().text());
 
-    /// Starts it without settings from the environment.
-    explicit RunningProgram(std::vector<std::string> words) {
+    /// Starts it without settings from the environment but for these.
+    explicit RunningProgram(std::vector<std::string> words,
+                            const std::vector<std::pair<std::string, std::string>>& variables = {}) {
         std::filesystem::create_directories(home);
         int in[2], out[2];
         EXPECT_EQ(::pipe2(in, O_CLOEXEC) | ::pipe2(out, O_CLOEXEC), 0);
@@ -46,6 +47,7 @@ class RunningProgram {
                     ::unsetenv(name.c_str());
             }
             ::setenv("HOME", home.c_str(), 1);
+            for (const auto& [name, value] : variables) ::setenv(name.c_str(), value.c_str(), 1);
             if (::chdir(home.c_str()) == 0) ::execv(VMR_PROGRAM, argv.data());
             ::_exit(127);
         }

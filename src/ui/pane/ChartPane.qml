@@ -74,6 +74,12 @@ FocusScope {
         spacing: 8
 
         Notice {
+            objectName: "setupNotice"
+            width: parent.width
+            visible: text !== ""
+            text: paneView.pane.session.setupProblem
+        }
+        Notice {
             objectName: "limitNotice"
             width: parent.width
             visible: paneView.pane.session.connLimited

@@ -64,9 +64,7 @@ void PaneBinding::mark(Concern concern) {
     const bool first = marked_ == 0;
     marked_ |= concern;
     if (!first) return;
-    main_.post([this, alive = std::weak_ptr<int>(alive_)] {
-        if (!alive.expired()) flush();
-    });
+    main_.post(whileThere_([this] { flush(); }));
 }
 
 void PaneBinding::flush() {
