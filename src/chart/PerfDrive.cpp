@@ -20,10 +20,10 @@ PerfDrive::PerfDrive(ChartRenderer& renderer, ChartInput& input, MainLoop& main,
     main_.after(settings_.warmup, [this, weak = std::weak_ptr(alive_)] {
         if (weak.expired()) return;
         print_("[bench] dataset: " + renderer_.benchDataSummary());
-        perf_.benchBegin();
+        measures_ = perf_.benchBegin();
     });
     main_.after(settings_.warmup + settings_.secs, [this, weak = std::weak_ptr(alive_)] {
-        if (weak.expired()) return;
+        if (weak.expired() || !measures_) return;
         perf_.benchEnd();
         if (done_) done_();
     });

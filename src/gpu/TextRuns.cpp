@@ -1,6 +1,7 @@
 #include "gpu/TextRuns.h"
 
 #include <bit>
+#include <cstdint>
 #include <cmath>
 #include <functional>
 

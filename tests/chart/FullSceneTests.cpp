@@ -126,7 +126,8 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
         settle();
         EXPECT_EQ(gpu.buffersMade() - made, buffersMade);
         const auto kept = std::ranges::count(recorded.draws, true, &Draw::retained);
-        EXPECT_EQ(gpu.buffersHeld(), 3 + static_cast<std::size_t>(kept)) << "three arenas, and nothing of the past";
+        EXPECT_EQ(gpu.buffersHeld(), 4 + static_cast<std::size_t>(kept))
+            << "three arenas, the session lines without gaps, and nothing of the past";
         EXPECT_EQ(calls(Pipeline::flat, true, Primitive::lines).size(), data.config.wallsEnabled ? 1U : 0U);
     }
 }

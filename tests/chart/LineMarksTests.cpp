@@ -113,7 +113,7 @@ TEST_F(LineMarksTest, WhatAPressClosesIsWhatWasDrawnOnTop) {
             }
             const LineMarks::Hit beside = layer.marks().hit(40, y);
             ASSERT_FALSE(beside.closes);
-            ASSERT_EQ(beside.mark, layer.marks().draggableAt(y));
+            ASSERT_EQ(beside.mark, layer.marks().draggableAt(40, y));
             if (!beside.mark) continue;
             ++dragged;
             for (const LineMark* over = beside.mark + 1; over < list.data() + list.size(); ++over)
