@@ -31,7 +31,8 @@ bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, do
     gpu_.beginFrame(width, height, pixelRatio);
     gpu_.clear(clearColor);
     const bool drawable = positive(width) && positive(height) && positive(pixelRatio);
-    if (drawable) camera_.resize(width, candles_.size());  // also without bars, so that the first ones find their margin
+    if (drawable)
+        camera_.resize(width, candles_.size());  // also without bars, so that the first ones find their margin
     const bool animating = drawable && !candles_.empty() && drawChart(width, height, pixelRatio);
     gpu_.endFrame();
     if (perf) perf->frame((clock_.monotonic() - start) * 1000.0, this);

@@ -39,7 +39,7 @@ struct OrderMenuItem {
 class ChartInput {
  public:
     static constexpr double pace = PointerReports::pace;  ///< seconds between steps
-    static constexpr double hold = 0.18;                  ///< seconds that frames go on after the last drag, wheel or pinch
+    static constexpr double hold = 0.18;  ///< seconds that frames go on after the last drag, wheel or pinch
 
     /// All must outlive it; `perf` may be null.
     ChartInput(ChartRenderer& renderer, SessionTime& session, const Clock& clock, MainLoop& main, Perf* perf);

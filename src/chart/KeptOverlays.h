@@ -14,13 +14,15 @@ namespace vmr {
 /// Main thread.
 class KeptOverlays {
  public:
-    explicit KeptOverlays(Gpu& gpu) : gpu_(gpu), lines_(gpu), sessionLines_(gpu), sessionFar_(gpu), second_(gpu), secondBorders_(gpu) {}
+    explicit KeptOverlays(Gpu& gpu)
+        : gpu_(gpu), lines_(gpu), sessionLines_(gpu), sessionFar_(gpu), second_(gpu), secondBorders_(gpu) {}
 
     /// Copies what differs to the GPU, and tells whether anything did. Session lines are looked at when their revision
     /// is another.
     bool set(const OverlayLists& lists);
 
-    /// Stays with the bar that the origin lies on: when bars came or went at the front of the list, all moves with them.
+    /// Stays with the bar that the origin lies on: when bars came or went at the front of the list, all moves with
+    /// them.
     void follow(std::span<const Candle> candles);
 
     /// Ribbons, then the paired instrument's candles and their outlines. Tells whether it set a pipeline of its own.

@@ -20,9 +20,7 @@ void print(std::string& out, const char* format, Args... args) {
     out = text;
 }
 
-bool isNear(const LineMark& mark, double y) {
-    return mark.drawn && std::abs(mark.y - y) <= LineMarks::hitTolerance;
-}
+bool isNear(const LineMark& mark, double y) { return mark.drawn && std::abs(mark.y - y) <= LineMarks::hitTolerance; }
 
 }  // namespace
 

@@ -43,7 +43,8 @@ const OverlayLists& OverlayRibbons::make(const Input& input) {
     lists_.second.clear();
     lists_.secondBorders.clear();
     makeSessionLines(input);
-    if (input.series) drawSeries(*input.series, input.style, originFor(*input.series, input.candles, lists_.origin), lists_);
+    if (input.series)
+        drawSeries(*input.series, input.style, originFor(*input.series, input.candles, lists_.origin), lists_);
     return lists_;
 }
 

@@ -42,7 +42,7 @@ class PointerDrag {
     Holds holds() const { return holds_; }
     bool holdsLine() const { return holds_ == Holds::order || holds_ == Holds::leg; }
     bool begun() const { return begun_; }
-    const Uuid& id() const { return id_; }            ///< of a line's order
+    const Uuid& id() const { return id_; }         ///< of a line's order
     std::string_view leg() const { return leg_; }  ///< "SL" or "TP", of a leg
 
     PointerDrag() = default;

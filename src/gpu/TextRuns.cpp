@@ -1,8 +1,8 @@
 #include "gpu/TextRuns.h"
 
 #include <bit>
-#include <cstdint>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 
 namespace vmr {

@@ -112,7 +112,8 @@ TEST_F(InputTest, PointerReportsKeepThePaceAndTheCursorDoesNot) {
     using enum ChartCursor;
     ChartCursor cursor = arrow;
     input.onCursor = [&](ChartCursor next) { EXPECT_NE(std::exchange(cursor, next), next); };
-    trading.shown = {PositionLine{2, 21000}, {{id(1), 21040, true, 1, "LMT"}, {id(2), priceAt(height - 24), true, 1, "LMT"}},
+    trading.shown = {PositionLine{2, 21000},
+                     {{id(1), 21040, true, 1, "LMT"}, {id(2), priceAt(height - 24), true, 1, "LMT"}},
                      {{id(1), "SL", 20980}}};
     const double edge = 1400 - 74 - 208 - 80;
     EXPECT_EQ(LineMarks::closeMarkEdge(width), edge);
@@ -188,35 +189,25 @@ TEST_F(InputTest, APressIsMeantForTheLinesOfTheLastFrame) {
     layer.root = "NQ";
     renderer.addScreenLayer(layer);
     input.drawnMarks = &layer.marks();
-    const auto pressMark = [&](double price) {
-        const ChartPoint place = at(LineMarks::closeMarkEdge(width), price);
+    std::uint8_t order = 0;  // an even one before each step, the next odd one after it
+    const std::tuple<const char*, std::function<void()>, const char*> steps[] = {
+        {"before any frame, the account's", [] {}, "cancel 1"},
+        {"as it was seen", [&] { frame(); }, "cancel 2"},
+        {"the camera moved on", [&] { renderer.panByPrice(25, height); }, "cancel 5"},
+        {"another size", [&] { frame(), input.setSize(width, height - 1); }, "cancel 7"},
+        {"the size as it was seen", [&] { input.setSize(width, height); }, "cancel 6"},
+        {"an empty chart has none", [&] { renderer.setCandles({}); }, ""},
+        {"another root's", [&] { renderer.setCandles(bars(2000)), frame(), input.simRoot = "ES"; }, "cancel 13"}};
+    for (const auto& [name, change, closes] : steps) {
+        SCOPED_TRACE(name);
+        trading.shown.orders = {{id(order++), 21040, true, 1, "LMT"}};
+        change();
+        trading.shown.orders = {{id(order++), 21040, true, 1, "LMT"}};
+        const ChartPoint place = at(LineMarks::closeMarkEdge(width), 21040);
         input.mouseDown(place);
         input.mouseUp(place);
-        return done();
-    };
-    trading.shown.orders = {{id(1), 21040, true, 1, "LMT"}};
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 1")) << "before any frame, the account's";
-    frame();
-    trading.shown.orders = {{id(2), 21040, true, 1, "LMT"}};
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 1")) << "as it was seen";
-    renderer.panByPrice(25, height);
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2")) << "the camera moved on";
-    frame();
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2"));
-    trading.shown.orders.clear();
-    input.setSize(width, height - 1);
-    EXPECT_THAT(pressMark(21040), ElementsAre()) << "another size";
-    input.setSize(width, height);
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2"));
-    renderer.setCandles({});
-    EXPECT_THAT(pressMark(21040), ElementsAre()) << "an empty chart has none";
-    renderer.setCandles(bars(2000));
-    frame();
-    renderer.mirrorPrice(20900, 21100);
-    frame();
-    input.simRoot = "ES";
-    trading.shown.orders = {{id(3), 21040, true, 1, "LMT"}};
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 3")) << "another root's";
+        EXPECT_EQ(done(), *closes ? std::vector<std::string>{closes} : std::vector<std::string>{});
+    }
 }
 
 TEST_F(InputTest, MenuOffersWhatThePriceAllows) {

@@ -197,43 +197,34 @@ TEST_F(ChartViewTest, ASourcesChangesOfATurnAreReadOnceAndAnAwaitedFrameReadsThe
     EXPECT_EQ(first.reads, 0) << "the frame that it asked for will";
     settle();
     EXPECT_EQ(first.reads, 1);
-    asked = 0;
-    for (int i = 0; i < 3; ++i) view->contentChanged();
-    EXPECT_EQ(first.reads, 1) << "never at once";
-    time.runUntilIdle();
+    const auto change = [&](auto&& what) {
+        asked = 0;
+        what();
+        for (int i = 0; i < 3; ++i) view->contentChanged();
+        time.runUntilIdle();
+        return asked > 0;
+    };
+    EXPECT_FALSE(change([] {})) << "nothing differs";
     EXPECT_EQ(first.reads, 2);
-    EXPECT_EQ(asked, 0) << "nothing differs";
-    first.data.candles.back().close += 3;
-    view->contentChanged();
-    time.runUntilIdle();
-    EXPECT_GE(asked, 1);
-    view->contentChanged();
-    time.runUntilIdle();
+    EXPECT_TRUE(change([&] { first.data.candles.back().close += 3; }));
+    EXPECT_FALSE(change([] {}));
     EXPECT_EQ(first.reads, 3);
     record();
     EXPECT_EQ(first.reads, 4);
-    asked = 0;
-    first.data.series.ema1.clear();
-    ++first.seriesRevision;
-    view->contentChanged();
-    time.runUntilIdle();
-    EXPECT_GE(asked, 1) << "other series";
+    EXPECT_TRUE(change([&] { first.data.series.ema1.clear(), ++first.seriesRevision; }));
     const std::size_t before = recorded.draws.size();
     record();
     EXPECT_EQ(recorded.draws.size(), before) << "the other ribbons are still there";
 
     // another pane with the same chart number, in the middle of a drag
     view->renderer().setInteracting(true);
-    EXPECT_TRUE(view->interacting());
     view->renderer().pan(-50);
     record();
     view->setSource(&second);
     EXPECT_EQ(first.dragsEnded, 1);
-    EXPECT_FALSE(view->interacting());
-    EXPECT_EQ(view->viewport(), std::nullopt);
+    EXPECT_FALSE(view->interacting() || view->viewport());
     record();
     EXPECT_TRUE(view->renderer().camera().followLive);
-    EXPECT_EQ(view->viewport(), view->renderer().camera().viewport());
     view->contentChanged();
     view.reset();
     time.runUntilIdle();
@@ -264,17 +255,6 @@ TEST_F(ChartViewTest, FollowersHearOfTheCameraInTheFrameThatMovesIt) {
     view.reset();
     time.runUntilIdle();
     EXPECT_THAT(heard, ElementsAre(40, 47, -1));
-}
-
-TEST_F(ChartViewTest, InputKeepsFramesComingWhileItLasts) {
-    view->setContent(data.content());
-    settle();
-    asked = 0;
-    view->input().magnify(0.01);
-    EXPECT_GE(asked, 1);
-    for (int i = 0; i < 5; ++i) EXPECT_TRUE(record());
-    time.advance(0.5);
-    settle();
 }
 
 }  // namespace

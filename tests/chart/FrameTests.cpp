@@ -131,9 +131,9 @@ TEST_F(FrameTest, BarsThatComeOrGoBeforeThoseInViewDoNotMoveThePicture) {
     // the cap dropped one, or four; a longer history came; a gap of ten was filled
     auto gap = bars(400, 100);
     gap.erase(gap.begin() + 50, gap.begin() + 60);
-    for (const auto& [old, next] : {std::pair(bars(400, 100), bars(400, 101)), std::pair(bars(400, 100), bars(400, 104)),
-                                    std::pair(bars(400, 100), bars(500)), std::pair(gap, bars(400, 100)),
-                                    std::pair(bars(9, 300), bars(309))}) {
+    for (const auto& [old, next] :
+         {std::pair(bars(400, 100), bars(400, 101)), std::pair(bars(400, 100), bars(400, 104)),
+          std::pair(bars(400, 100), bars(500)), std::pair(gap, bars(400, 100)), std::pair(bars(9, 300), bars(309))}) {
         SCOPED_TRACE(next.size());
         renderer.setCandles({});
         renderer.setCandles(old);

@@ -98,11 +98,56 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
     ASSERT_TRUE(ui.settle());
     EXPECT_NEAR(textOf("crosshairPrice").remove(',').toDouble(), priceAt(411, 21300), 0.005);
 
+    // a tag hides whole labels: every other one is in full view
+    const auto hides = [&](const char* tag, const char* ground, auto&& from, auto&& to, const QList<qreal>& labels) {
+        const QQuickItem &one = *ui.item(tag), &under = *ui.item(ground);
+        int hidden = 0;
+        for (qsizetype i = 0; i < labels.size(); i += 2) {
+            if (labels[i] >= to(one) || labels[i + 1] <= from(one)) continue;
+            EXPECT_TRUE(from(under) <= labels[i] && labels[i + 1] <= to(under)) << tag;
+            ++hidden;
+        }
+        return hidden;
+    };
+    const auto top = [](const QQuickItem& item) { return item.y(); };
+    const auto bottom = [](const QQuickItem& item) { return item.y() + item.height(); };
+    const auto left = [](const QQuickItem& item) { return item.x(); };
+    const auto right = [](const QQuickItem& item) { return item.x() + item.width(); };
+    const CrosshairState& cross = *chart->crosshair();
+    int prices = 0, times = 0;
+    for (int i = 0; i < 9; ++i) {
+        hover(200 + 8 * i, 300 + 6 * i);
+        prices += hides("crosshairPrice", "crosshairPriceGround", top, bottom, cross.priceLabels());
+        times += hides("crosshairTime", "crosshairTimeGround", left, right, cross.timeLabels());
+    }
+    EXPECT_TRUE(prices > 0 && times > 0) << "of " << cross.priceLabels().size() << " and " << cross.timeLabels().size();
+
     hover(chart->width() - 10, 300);
     EXPECT_FALSE(shows("crosshairPrice")) << "over the price axis";
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(ui.window, &leave);
     EXPECT_FALSE(shows("crosshairVertical")) << "outside of the window";
+}
+
+TEST_F(ChartItemInput, AMenuAndADragEndWithTheirChart) {
+    ui.source.simRoot = "NQ";
+    ui.showBars();
+    ASSERT_TRUE(ui.settle());
+    ui.openMenu(inWindow(300, 200));
+    ASSERT_TRUE(runUntil([&] { return ui.menuShown(); }));
+    ui.source.openChart(syntheticBars(900));
+    chart->chooseOrder(0);  // before any frame, and though the other chart trades the same root
+    EXPECT_TRUE(ui.account.asked.empty());
+    EXPECT_TRUE(runUntil([&] { return !ui.menuShown(); }));
+    EXPECT_TRUE(chart->orderMenu().isEmpty());
+    ASSERT_TRUE(ui.settle());
+    QTest::mousePress(ui.window, Qt::LeftButton, {}, inWindow(300, 100));
+    QTest::mouseMove(ui.window, inWindow(320, 100));
+    ui.source.openChart(syntheticBars(800));
+    for (const int x : {340, 400}) QTest::mouseMove(ui.window, inWindow(x, 150));
+    QTest::mouseRelease(ui.window, Qt::LeftButton, {}, inWindow(400, 150));
+    ASSERT_TRUE(ui.settle());
+    EXPECT_TRUE(camera().followLive && camera().autoY);
 }
 
 TEST_F(ChartItemInput, TakingThePointerAwayEndsADrag) {

@@ -42,7 +42,8 @@ void ChartItem::makeView() {
     setPerf(at.perf, at.bench.input);
     if (at.bench.baseline) own.camera = own.view->viewportState()->changed.connect([this] { pane_->notifyAll(); });
     if (at.bench.drives() && at.perf && at.print)
-        own.drive = std::make_unique<PerfDrive>(renderer(), own.view->input(), main, *at.perf, at.bench, at.print, at.quit);
+        own.drive =
+            std::make_unique<PerfDrive>(renderer(), own.view->input(), main, *at.perf, at.bench, at.print, at.quit);
 }
 
 void ChartItem::watchView() {

@@ -86,7 +86,7 @@ class ChartItem : public FrameItem {
 
     std::unique_ptr<Drawing> drawing_;
     QPointer<PaneViewModel> pane_;
-    ChartPoint lastPress_;  ///< where a drag has come to
+    ChartPoint lastPress_;                  ///< where a drag has come to
     std::vector<OrderMenuItem> orderMenu_;  ///< empty once its chart is gone
 };
 
