@@ -168,7 +168,7 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
     data.overlays.sessionRevision = 9;
     show();
     const auto sessionLines = [&] {
-        const Draw line = calls(Pipeline::ribbon, true).at(1);
+        const Draw line = calls(Pipeline::ribbon, true).at(2);  // after two runs of series
         return std::pair(line.count, recorded.vertices<LineVertex>(line)[0].color[3]);
     };
     renderer.mirrorView(3000, 400);

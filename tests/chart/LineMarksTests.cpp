@@ -9,7 +9,6 @@
 #include "chart/TradingLinesLayer.h"
 #include "gpu/FrameRecorder.h"
 #include "support/gpu/RecordedFrames.h"
-#include "tests/chart/AllocationCount.h"
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/PlayedTrading.h"
 
@@ -121,15 +120,6 @@ TEST_F(LineMarksTest, WhatAPressClosesIsWhatWasDrawnOnTop) {
         }
     }
     EXPECT_TRUE(closed > 3000 && covered > 500 && dragged > 3000) << closed << " " << covered << " " << dragged;
-}
-
-TEST_F(LineMarksTest, DrawingTheSameLinesAgainAllocatesNothing) {
-    trading.shown = {PositionLine{2, 400}, {{id(1), 500, true, 25, "STP LMT"}}, {{id(1), "SL", 480}}};
-    for (int i = 0; i < 8; ++i) draw();
-    const long before = allocationCount();
-    for (int i = 0; i < 3; ++i) draw();
-    EXPECT_EQ(allocationCount() - before, 0);
-    EXPECT_GT(before, 0) << "the counter counts";
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ Item {
             begin = Math.min(begin, labels[i]);
             end = Math.max(end, labels[i + 1]);
         }
-        return Qt.vector2d(begin, end);
+        return Qt.point(begin, end);
     }
 
     component Ground: Rectangle {
@@ -57,7 +57,7 @@ Item {
         color: "#40ffffff"
     }
     Ground {
-        readonly property vector2d span: view.hidden(priceTag.y, priceTag.y + priceTag.height, view.cross.priceLabels)
+        readonly property point span: view.hidden(priceTag.y, priceTag.y + priceTag.height, view.cross.priceLabels)
         objectName: "crosshairPriceGround"
         visible: view.inPlot
         x: view.width - view.priceAxis + 1
@@ -74,7 +74,7 @@ Item {
         text: view.cross.priceText
     }
     Ground {
-        readonly property vector2d span: view.hidden(timeTag.x, timeTag.x + timeTag.width, view.cross.timeLabels)
+        readonly property point span: view.hidden(timeTag.x, timeTag.x + timeTag.width, view.cross.timeLabels)
         objectName: "crosshairTimeGround"
         visible: timeTag.visible
         x: span.x
