@@ -168,8 +168,10 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
     data.overlays.sessionRevision = 9;
     show();
     const auto sessionLines = [&] {
-        const Draw line = calls(Pipeline::ribbon, true).at(2);  // after two runs of series
-        return std::pair(line.count, recorded.vertices<LineVertex>(line)[0].color[3]);
+        const auto all = calls(Pipeline::ribbon, true);
+        const auto gray = [&](const Draw& call) { return recorded.vertices<LineVertex>(call)[0].color[0] == 0.667F; };
+        const auto line = std::ranges::find_if(all, gray);
+        return std::pair(line->count, recorded.vertices<LineVertex>(*line)[0].color[3]);
     };
     renderer.mirrorView(3000, 400);
     frame();
