@@ -137,6 +137,9 @@ TEST(OverlayBuilder, KeepsExactlyWhatAFreshBuildGives) {
             builder.update(stream.input());
             const OverlaySet& kept = builder.series();
             ASSERT_NO_FATAL_FAILURE(expectFresh(kept, stream.input(), session));
+            if (const auto& bars = stream.input().bars; bars.size() > 1) {
+                ASSERT_EQ(kept.anchor, (OverlaySet::Anchor{bars.back().time, static_cast<double>(bars.size() - 1)}));
+            }
             if (round % 75 == 74) {
                 ASSERT_NO_FATAL_FAILURE(expectPlain(kept, stream.input()));
             }

@@ -90,22 +90,6 @@ TEST_F(FrameItems, TwoItemsShowOneCameraInEveryFrameOfAFastPan) {
     EXPECT_EQ(apart, 0) << "while the follower's own frame was under way";
 }
 
-TEST_F(FrameItems, HiddenWindowKeepsWhatChangedUntilItIsShown) {
-    const auto before = drawn();
-    pan();
-    ASSERT_TRUE(runUntil([&] { return drawn() > before; }));  // on its way
-    ui.window->hide();
-    runFor(250);
-    const auto hidden = drawn();
-    pan();
-    runFor(250);
-    EXPECT_EQ(drawn(), hidden) << "nobody sees it";
-    EXPECT_EQ(chart->pump().state(), FramePump::State::asked);
-    ui.window->show();
-    expectAtRest("shown again");
-    EXPECT_GT(drawn(), hidden);
-}
-
 TEST_F(FrameItems, SymbolChangeWhileHiddenShowsTheOtherBars) {
     chart->renderer().pan(-200);
     chart->renderer().zoomPrice(0.5);
