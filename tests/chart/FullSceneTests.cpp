@@ -173,9 +173,9 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
         const auto line = std::ranges::find_if(all, gray);
         return std::pair(line->count, recorded.vertices<LineVertex>(*line)[0].color[3]);
     };
-    renderer.mirrorView(3000, 400);
+    renderer.mirrorView(3000, 200);
     frame();
-    EXPECT_GT(sessionLines().first, 400U * 6) << "dashes of the bars in view";
+    EXPECT_GT(sessionLines().first, 200U * 6) << "dashes of the bars in view";
     EXPECT_FLOAT_EQ(sessionLines().second, 0.8F);
     renderer.mirrorView(0, 1600);
     frame();
