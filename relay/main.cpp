@@ -10,6 +10,7 @@
 #include "base/Environment.h"
 #include "base/Log.h"
 #include "base/NumberText.h"
+#include "base/StandardInput.h"
 #include "market/SessionTime.h"
 #include "relay/CommandLine.h"
 #include "relay/PracticeRelay.h"
@@ -73,6 +74,7 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);  // else the blocked reader holds a lock that ending needs
     const auto target = std::make_shared<CommandTarget>();
     target->relay = &relay;
+    vmr::readStandardInputUnlocked();
     std::thread([target] { readCommands(target); }).detach();
     loop.run();
     std::lock_guard lock(target->mutex);

@@ -36,7 +36,7 @@ class Ribbon {
 
     // From `a` over `dx` bars; `dx` above 0.
     void dashes(const Spot& a, double dx, double dy, const Dash& dash, const Rgba& color) {
-        for (double d = 0; d < dx; d += dash.on + dash.off) {
+        for (double d = 0; d < dx; d += dash.period()) {
             const double e = std::min(dx, d + dash.on);
             quad({a.x + d, a.y + dy * d / dx}, {a.x + e, a.y + dy * e / dx}, color);
         }
@@ -65,7 +65,7 @@ void appendBox(std::vector<ChartVertex>& verts, float x0, float x1, float top, f
 void polyline(std::vector<LineVertex>& verts, std::span<const OvPoint> points, double width, const Rgba& color,
               const std::optional<Dash>& dash, const DataOrigin& origin) {
     Ribbon ribbon(verts, width * 0.5, origin);
-    const bool dashed = dash && dash->on + dash->off > 0;
+    const bool dashed = dash && dash->period() > 0;
     for (std::size_t i = 1; i < points.size(); ++i) {
         const OvPoint& a = points[i - 1];
         const OvPoint& b = points[i];
@@ -101,9 +101,8 @@ void hfPolyline(std::vector<LineVertex>& verts, std::span<const OvColorPoint> po
 }
 
 void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines, std::span<const Candle> candles,
-             double opacity, const DataOrigin& origin) {
+             double opacity, const DataOrigin& origin, Gaps gaps) {
     if (candles.empty()) return;
-    constexpr Dash dash{0.46, 0.46};
     constexpr float gray = 0.667F;
     const double alpha = opacity > 0 ? std::min(opacity, 1.0) : 0.0;
     const Rgba color{gray, gray, gray, static_cast<float>(alpha)};
@@ -114,10 +113,13 @@ void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines,
         const std::size_t b = line.endTime ? barAt(candles, *line.endTime) : candles.size() - 1;
         if (a >= b) continue;
         const Spot start{static_cast<double>(a), line.price};
-        if (line.dashed)
-            ribbon.dashes(start, static_cast<double>(b - a), 0, dash, color);
-        else
-            ribbon.quad(start, {static_cast<double>(b), line.price}, color);
+        if (line.dashed && gaps == Gaps::drawn) {
+            ribbon.dashes(start, static_cast<double>(b - a), 0, sessionDash, color);
+            continue;
+        }
+        Rgba whole = color;
+        if (line.dashed) whole[3] *= static_cast<float>(sessionDash.on / sessionDash.period());
+        ribbon.quad(start, {static_cast<double>(b), line.price}, whole);
     }
 }
 

@@ -19,9 +19,10 @@ PerfDrive::PerfDrive(ChartRenderer& renderer, ChartInput& input, MainLoop& main,
     if (!settings_.bench) return;
     main_.after(settings_.warmup, whileThere_([this] {
                     print_("[bench] dataset: " + renderer_.benchDataSummary());
-                    perf_.benchBegin();
+                    measures_ = perf_.benchBegin();
                 }));
     main_.after(settings_.warmup + settings_.secs, whileThere_([this] {
+                    if (!measures_) return;
                     perf_.benchEnd();
                     if (done_) done_();
                 }));

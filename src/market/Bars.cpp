@@ -65,4 +65,11 @@ void aggregate(const std::vector<Candle>& candles, int tf, std::vector<Candle>& 
     }
 }
 
+std::optional<std::size_t> findBar(std::span<const Candle> bars, std::int64_t time) {
+    const auto found = std::lower_bound(bars.begin(), bars.end(), time,
+                                        [](const Candle& bar, std::int64_t at) { return bar.time < at; });
+    if (found == bars.end() || found->time != time) return std::nullopt;
+    return static_cast<std::size_t>(found - bars.begin());
+}
+
 }  // namespace vmr

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "market/CandleParser.h"
@@ -29,6 +30,9 @@ enum class TradeEffect { none, tooOld, edited, appended };
 /// A trade edits the last bar, or opens the next at the close of the last. It starts no series, and one of an earlier
 /// minute changes nothing. `tsMs` in milliseconds since 1970; `fatal` where `tradeMinute` would find none.
 TradeEffect applyTrade(std::vector<Candle>& series, double price, double tsMs);
+
+/// The place of the bar that begins at `time`, of bars that ascend; nothing when none does.
+std::optional<std::size_t> findBar(std::span<const Candle> bars, std::int64_t time);
 
 /// The start of the minute that holds `t`; seconds since 1970.
 std::int64_t wholeMinute(std::int64_t t);

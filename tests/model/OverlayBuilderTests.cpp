@@ -127,6 +127,9 @@ TEST(OverlayBuilder, KeepsExactlyWhatAFreshBuildGives) {
             OverlayBuilder fresh(session);
             fresh.update(stream.input());
             ASSERT_EQ(allSeries(kept), allSeries(fresh.series()));
+            if (const auto& bars = stream.input().bars; bars.size() > 1) {
+                ASSERT_EQ(kept.anchor, (OverlaySet::Anchor{bars.back().time, static_cast<double>(bars.size() - 1)}));
+            }
             if (round % 25 == 24) {
                 ASSERT_NO_FATAL_FAILURE(expectPlain(kept, stream.input()));
             }

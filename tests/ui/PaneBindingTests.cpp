@@ -48,12 +48,6 @@ class PaneBindingTest : public PaneFixture {
     std::uint64_t flushed = 0;
 };
 
-void PrintTo(const auto& news, std::ostream* out) requires requires { news.flushes; }
-{
-    *out << news.flushes << " flushes; session " << news.session << ", toolbar " << news.toolbar << ", toast "
-         << news.toast << ", empty " << news.empty;
-}
-
 TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_EQ(view.toolbar.symbol(), "NQ");
     EXPECT_TRUE(view.session.connected());

@@ -14,6 +14,7 @@ ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make
     setAcceptedMouseButtons(Qt::LeftButton | Qt::RightButton);
     setAcceptHoverEvents(true);
     setActiveFocusOnTab(true);
+    connect(this, &FrameItem::problemChanged, this, &ChartItem::endInput);
     makeView();
 }
 
@@ -42,7 +43,8 @@ void ChartItem::makeView() {
     setPerf(at.perf, at.bench.input);
     if (at.bench.baseline) own.camera = own.view->viewportState()->changed.connect([this] { pane_->notifyAll(); });
     if (at.bench.drives() && at.perf && at.print)
-        own.drive = std::make_unique<PerfDrive>(renderer(), input(), main, *at.perf, at.bench, at.print, at.quit);
+        own.drive =
+            std::make_unique<PerfDrive>(renderer(), own.view->input(), main, *at.perf, at.bench, at.print, at.quit);
 }
 
 void ChartItem::watchView() {
@@ -50,9 +52,10 @@ void ChartItem::watchView() {
     view.setSize(width(), height());
     view.onNeedsFrame = [this] { requestFrame(); };
     view.onMoved = [this] { updateCrosshair(); };  // with the frame, not after it
+    view.onStartOver = [this] { endOrderMenu(); };
     view.onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
-    input().onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
-    input().onCursor = [this](ChartCursor cursor) { showCursor(cursor); };
+    view.input().pointer.onReport = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
+    view.input().onCursor = [this](ChartCursor cursor) { showCursor(cursor); };
 }
 
 void ChartItem::setLiveRefresh(bool on) {
@@ -94,7 +97,10 @@ void ChartItem::readPane() {
 
 ChartRenderer& ChartItem::renderer() { return drawing_->view->renderer(); }
 
-ChartInput& ChartItem::input() { return drawing_->view->input(); }
+ChartInput& ChartItem::input() {
+    drawing_->view->catchUp();
+    return drawing_->view->input();
+}
 
 const std::shared_ptr<ViewportState>& ChartItem::viewportState() const { return drawing_->view->viewportState(); }
 

@@ -107,7 +107,6 @@ void FrameItem::updateOnScreen() {
 
 bool FrameItem::recordOnce() {
     const bool moves = record(gpu_, size(), window()->effectiveDevicePixelRatio(), clock_.monotonic());
-    follower_->recorded(showsInput());
     recordedGlyphs_ = glyphs_.generation();
     return moves;
 }
@@ -116,9 +115,13 @@ void FrameItem::updatePolish() {
     pump_.beginRecord();
     if (!window_ || width() <= 0 || height() <= 0) return pump_.notRecorded();
     const unsigned glyphsBefore = glyphs_.generation();
-    bool moves = recordOnce();
+    bool moves = recordOnce(), input = showsInput();
     const bool moved = glyphs_.generation() != glyphsBefore;
-    if (moved) moves = recordOnce();  // what was drawn before the atlas moved its glyphs is stale
+    if (moved) {  // what was drawn before the atlas moved its glyphs is stale
+        moves = recordOnce();
+        input = input || showsInput();
+    }
+    follower_->recorded(input);
     pump_.recorded(moves);
     recordedAt_ = clock_.monotonic();
     if (moved) window_->glyphsMoved();  // in the other items as well

@@ -27,6 +27,7 @@ FocusScope {
             orderMenu.rows = chart.orderMenu;
             orderMenu.openAt(x, y);
         }
+        onOrderMenuEnded: orderMenu.close()
 
         PinchHandler {
             property real lastScale: 1
