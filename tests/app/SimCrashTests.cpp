@@ -19,8 +19,7 @@ std::vector<Told> tradeAndKill(RunningProgram& process, double seconds, double& 
     while (clock.monotonic() < end) {
         process.say(told.size() % 2 ? "order NQ sell market 1" : "order NQ buy market 1");
         std::optional<std::string> answer;
-        while ((answer = process.line(5)) && !answer->starts_with("[cmd] ok filled") &&
-               !answer->starts_with("[cmd] ok nothing")) {
+        while ((answer = process.line(5)) && !answer->starts_with("[cmd] ")) {
         }
         if (!answer) return {};
         if (const auto at = answer->find("balance "); at != std::string::npos) {

@@ -103,7 +103,7 @@ TEST_F(PaneHostLife, FourPanesComeAndGoTenTimesAndLeaveNothingBehind) {
         EXPECT_LE(after.threads, before.threads);
     }
     std::printf("live MB %.1f to %.1f, longest close %.1f ms\n", before.liveMB, after.liveMB, longestClose * 1000);
-    if (!sanitized) EXPECT_LT(longestClose, 0.2) << "seconds that the main loop stood still";
+    EXPECT_TRUE(sanitized || longestClose < 0.2) << "seconds that the main loop stood still";
 }
 
 TEST_F(PaneHostLife, AClockThatIsSetBackOpensEveryChartAnew) {
