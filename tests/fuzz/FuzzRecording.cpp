@@ -9,26 +9,17 @@
 namespace vmr::fuzz {
 namespace {
 
-std::string packed(std::string_view text) {
-    z_stream stream{};
-    deflateInit2(&stream, 1, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
-    std::string out(deflateBound(&stream, text.size()), '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-    stream.avail_in = static_cast<uInt>(text.size());
-    stream.next_out = reinterpret_cast<Bytef*>(out.data());
-    stream.avail_out = static_cast<uInt>(out.size());
-    deflate(&stream, Z_FINISH);
-    out.resize(stream.total_out);
-    deflateEnd(&stream);
-    return out;
+void pack(const std::filesystem::path& path, const std::string& text) {
+    const gzFile out = gzopen(path.string().c_str(), "wb1");
+    gzwrite(out, text.data(), static_cast<unsigned>(text.size()));
+    gzclose(out);
 }
 
 struct Silent final : relay::Subscriber {
     void send(const relay::Frame&) override {}
 };
 
-void play(std::string_view bytes) {
-    const FuzzFile file(bytes);
+void play(const FuzzFile& file) {
     std::string error;
     auto reader = relay::RecordingReader::open(file.path(), error);
     require((reader != nullptr) == error.empty());
@@ -48,8 +39,10 @@ void play(std::string_view bytes) {
 }  // namespace
 
 void take(std::string_view text) {
-    play(text);
-    play(packed("velmora-recording 1\n" + std::string(text)));
+    const FuzzFile file(text);
+    play(file);
+    pack(file.path(), "velmora-recording 1\n" + std::string(text));
+    play(file);
 }
 
 }  // namespace vmr::fuzz

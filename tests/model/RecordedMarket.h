@@ -61,8 +61,8 @@ inline std::vector<relay::RecordedFrame> record(std::uint64_t seed, const std::s
     return frames;
 }
 
-/// What the recorded messages make of each series by the rules of the channels: read by the market's parsers, which have
-/// tests of their own, and kept in maps.
+/// What the recorded messages make of each series by the rules of the channels: read by the market's parsers, which
+/// have tests of their own, and kept in maps.
 struct PlainSeries {
     PlainBars chart{false, true}, second{false, false}, vix{false, false};
     HfByMin flow;
