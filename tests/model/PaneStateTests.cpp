@@ -76,7 +76,7 @@ TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
     ASSERT_EQ((*document)["panes"].size(), 2u);
     const JsonView pane = *(*document)["panes"].items().begin();
     EXPECT_EQ(pane["authError"].kind(), JsonView::Kind::null);
-    EXPECT_EQ(pane["logLines"].text(), "[\"quote \\\" and \xEF\xBF\xBD and \\n\"]");
+    EXPECT_EQ(pane["logLines"].text(), "[\"quote \\\" and \xEF\xBF\xBD and \\\\n\"]");
     EXPECT_EQ(pane["candles"].text(),
               "[[1781100000,null,null,null,0.1,1e-310],[9223372036854775807,1.0,2.0,3.0,4.0,5.0]]");
     EXPECT_EQ(pane["config"].size(), 60u);

@@ -125,7 +125,8 @@ TEST_F(Shell, SteersTheClockWhereItIsOurs) {
     ShellCommands practice(at);
     for (const auto& [line, answer] : {std::pair("clock", "error: wrong arguments for clock; see help"),
                                        {"clock stop", "error: wrong arguments for clock; see help"},
-                                       {"clock speed 0", "error: the speed is a number above 0"},
+                                       {"clock speed 10001", "error: the speed is a number above 0, at most 10000"},
+                                       {"clock speed 0", "error: the speed is a number above 0, at most 10000"},
                                        {"clock speed 2.5", "ok clock speed 2.5"},
                                        {"clock set yesterday", "error: set needs a moment such as 2026-06-10T10:00:00"},
                                        {"clock pause", "ok clock paused"},
