@@ -102,7 +102,8 @@ class RunningProgram {
     static std::vector<std::string> environmentOf(const std::filesystem::path& home,
                                                   const std::vector<std::pair<std::string, std::string>>& variables) {
         std::vector<std::string> settings{"HOME=" + home.string()};
-        for (const auto& [name, value] : variables) settings.push_back(name + "=" + value);
+        // of a name that is given twice the last one counts, and a program finds the first
+        for (auto at = variables.rbegin(); at != variables.rend(); ++at) settings.push_back(at->first + "=" + at->second);
         for (char** at = environ; *at; ++at) {
             const std::string_view setting = *at;
             if (!setting.starts_with("XDG_") && !setting.starts_with("VMR_") && !setting.starts_with("HOME="))
