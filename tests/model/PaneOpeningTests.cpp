@@ -1,6 +1,7 @@
 // Opening a chart as those see it who listen to the pane.
 #include <fmt/format.h>
 
+#include <array>
 #include <set>
 
 #include "support/pane/TestPane.h"
@@ -57,8 +58,8 @@ TEST_F(PaneOpening, NothingOfTheFormerChartIsLeft) {
     model->reloadChart();
     const auto version = model->bars.chartVersion;
     int heard = 0;
-    const auto links = {model->oscillator.oscLines.changed.connect([&] { ++heard; }),
-                        model->overlays.overlaysChanged.connect([&] { ++heard; })};
+    const std::array links{model->oscillator.oscLines.changed.connect([&] { ++heard; }),
+                           model->overlays.overlaysChanged.connect([&] { ++heard; })};
     time.advance(1);
     EXPECT_EQ(model->bars.chartVersion, version);
     EXPECT_EQ(heard, 0);
