@@ -82,6 +82,11 @@ void Perf::turn(double ms) {
     if (ms > slowTurn) time("turn", ms);
 }
 
+void Perf::uploaded(double bytes) {
+    std::lock_guard guard(lock_);
+    if (benchActive_) benchUploaded_ += bytes;
+}
+
 void Perf::frame(double drawMs) {
     const double now = clock_.monotonic();
     std::string report;
@@ -135,6 +140,7 @@ void Perf::benchBegin() {
         benchLags_.clear();
         benchTimings_.clear();
         benchFrames_ = 0;
+        benchUploaded_ = 0;
         benchStart_ = clock_.monotonic();
         lastFrameAt_ = 0;
     }
@@ -161,6 +167,8 @@ void Perf::benchEnd() {
             lines.push_back(fmt::format("[bench] {} ms : p50 {:.2f}  p95 {:.2f}  max {:.2f}", name,
                                         percentile(samples.list, 0.50), percentile(samples.list, 0.95),
                                         greatest(samples.list)));
+        if (benchUploaded_ > 0)
+            lines.push_back(fmt::format("[bench] uploaded {:.0f} kB a frame", benchUploaded_ / 1000 / std::max(benchFrames_, 1)));
         lines.push_back(std::string("[bench] VERDICT: frameInterval p95 ") +
                         (percentile(intervals, 0.95) < frameBudget ? "PASS ✓ (<16ms)" : "FAIL ✗ (≥16ms)"));
     }

@@ -36,6 +36,8 @@ class Perf {
     void turn(double ms);
     /// The end of a frame that took `drawMs` of CPU time to record. Every two seconds it prints the report.
     void frame(double drawMs);
+    /// Bytes given to the graphics card.
+    void uploaded(double bytes);
 
     /// The process has come to a stage of its start: "main", "window", "bars", "drawn" and the like; at "drawn" all are
     /// printed. Main thread.
@@ -84,6 +86,7 @@ class Perf {
     Samples benchFrameIntervals_{noLimit}, benchDrawTimes_{noLimit}, benchLags_{noLimit};
     Timings benchTimings_;
     int benchFrames_ = 0;
+    double benchUploaded_ = 0;
     double benchStart_ = 0, lastFrameAt_ = 0;
 };
 

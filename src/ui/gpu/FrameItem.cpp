@@ -181,6 +181,9 @@ void FrameItem::timeGate() {
 void FrameItem::swapped() {
     const bool awaited = pump_.state() == FramePump::State::onItsWay;
     const auto order = pump_.shown(follower_->shownFrame());
+    const std::uint64_t uploaded = *uploadedBytes_;
+    if (perf_ && uploaded > countedBytes_) perf_->uploaded(static_cast<double>(uploaded - countedBytes_));
+    countedBytes_ = uploaded;
     if (awaited && pump_.state() != FramePump::State::onItsWay) {
         late_.stop();
         frameShown();

@@ -113,6 +113,7 @@ class FrameItem : public QQuickItem {
     double recordedAt_ = 0;        ///< seconds, monotonic
     std::shared_ptr<std::atomic<int>> sampleCount_ = std::make_shared<std::atomic<int>>(0);
     std::shared_ptr<std::atomic<std::uint64_t>> uploadedBytes_ = std::make_shared<std::atomic<std::uint64_t>>(0);
+    std::uint64_t countedBytes_ = 0;  ///< of those, told to `perf_`
 };
 
 }  // namespace vmr
