@@ -39,7 +39,7 @@ ChartView::~ChartView() { viewport_->publish(std::nullopt); }
 void ChartView::askForFrame() {
     if (recording_) return;
     frameAwaited_ = true;
-    if (onNeedsFrame) onNeedsFrame();
+    if (onNeedsFrame) onNeedsFrame(onlyData_ ? Need::calm : Need::now);
 }
 
 void ChartView::setSource(ChartSource* source) {
@@ -90,7 +90,9 @@ void ChartView::setContent(const ChartContent& content) {
     const auto differs = [&](std::uint64_t Revisions::*part) {
         return !shown_ || shown_->revisions.*part != content.revisions.*part;
     };
-    if (axes_.setTimeframe(content.timeframe)) askForFrame();
+    const bool otherTimeframe = axes_.setTimeframe(content.timeframe);
+    onlyData_ = hadBars && shown_ && !otherTimeframe && !differs(&Revisions::look);
+    if (otherTimeframe) askForFrame();
     renderer_.sessionHHMM = content.sessionHHMM;
     if (differs(&Revisions::look)) renderer_.setRenderConfig(content.look ? *content.look : RenderConfig{});
     if (differs(&Revisions::levels)) renderer_.setLevels(content.levels);
@@ -108,6 +110,7 @@ void ChartView::setContent(const ChartContent& content) {
     }
     if (differs(&Revisions::candles)) setBars(content.candles);
     shown_ = {content.chart, content.revisions, content.overlayStyle};
+    onlyData_ = false;
     if (hadBars && renderer_.candles().empty()) askForFrame();
 }
 

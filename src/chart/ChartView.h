@@ -47,9 +47,13 @@ class ChartView final : public ChartPort {
     ChartView(const ChartView&) = delete;
     ChartView& operator=(const ChartView&) = delete;
 
+    enum class Need : unsigned char {
+        now,
+        calm,  ///< only new data of the chart on show: it may wait a moment where drawing is dear
+    };
     /// Something that is shown is not what it was, or moves. Never called from within `record`; may come many times
     /// before a frame does.
-    std::function<void()> onNeedsFrame;
+    std::function<void(Need)> onNeedsFrame;
     /// Bars came or went, or the camera moved, so that other things lie under the pointer. From within `record`.
     std::function<void()> onMoved;
     /// From true to false a frame is wanted at each refresh of the screen, as `record` tells, too.
@@ -78,6 +82,8 @@ class ChartView final : public ChartPort {
 
     /// The account's lines are not what they were, or anything else that this chart cannot see.
     void redraw() { askForFrame(); }
+    /// Whether a drag or another gesture is under way or was a moment ago.
+    bool handsOn() const { return renderer_.interacting() || input_.liveRefresh(); }
 
     ChartRenderer& renderer() { return renderer_; }
     ChartInput& input() { return input_; }
@@ -117,6 +123,7 @@ class ChartView final : public ChartPort {
     std::optional<Shown> shown_;  ///< nothing: all of the next content is new
     bool contentDirty_ = false;   ///< the source said that its content changed
     bool ribbonsDue_ = false;     ///< of the source's newest content, before the next frame
+    bool onlyData_ = false;       ///< what changes is new data of the chart on show
     bool frameAwaited_ = false;   ///< a frame is asked for and will read the content
     bool recording_ = false;
     bool barsMoved_ = false;  ///< bars came or went since the last frame

@@ -59,7 +59,7 @@ struct ChartViewTest : testing::Test {
 
     ChartViewTest() {
         view.emplace(ChartView::Surroundings{gpu, glyphs, session, time, queue, nullptr, &account});
-        view->onNeedsFrame = [this] { ++asked; };
+        view->onNeedsFrame = [this](ChartView::Need) { ++asked; };
     }
     bool record() {
         time.advance(1.0 / 60);

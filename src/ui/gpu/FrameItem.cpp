@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QQuickWindow>
 #include <QTimerEvent>
+#include <cmath>
 #include <functional>
 #include <utility>
 
@@ -63,7 +64,24 @@ void FrameItem::follow(FramePump::Order order) {
     update();
 }
 
+double FrameItem::calmWait() const {
+    return *software_ && !interacting() ? pace_.wait(clock_.monotonic()) : 0;
+}
+
+void FrameItem::requestCalmFrame() {
+    if (calm_.isActive()) return;
+    const double wait = calmWait();
+    if (wait > 0)
+        calm_.start(static_cast<int>(std::ceil(wait * 1000)), this);
+    else
+        requestFrame();
+}
+
 void FrameItem::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == calm_.timerId()) {
+        calm_.stop();
+        return requestFrame();
+    }
     if (event->timerId() != late_.timerId()) return QQuickItem::timerEvent(event);
     late_.stop();
     follow(pump_.late());
@@ -116,11 +134,16 @@ void FrameItem::updatePolish() {
     pump_.beginRecord();
     if (!window_ || width() <= 0 || height() <= 0) return pump_.notRecorded();
     const unsigned glyphsBefore = glyphs_.generation();
+    calm_.stop();
+    processorAt_ = processorSeconds();
     bool moves = recordOnce();
     const bool moved = glyphs_.generation() != glyphsBefore;
     if (moved) moves = recordOnce();  // what was drawn before the atlas moved its glyphs is stale
-    pump_.recorded(moves);
     recordedAt_ = clock_.monotonic();
+    pace_.begun(recordedAt_);
+    const bool calm = moves && calmWait() > 0;
+    pump_.recorded(moves && !calm);
+    if (calm) requestCalmFrame();
     if (moved) window_->glyphsMoved();  // in the other items as well
 }
 
@@ -154,6 +177,7 @@ QSGNode* FrameItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node = new FrameNode(*window());
         node->onProblem = report;
         node->sampleCount = sampleCount_;
+        node->software = software_;
         node->uploadedBytes = uploadedBytes_;
     }
     node->setItemSize(size());
@@ -186,6 +210,7 @@ void FrameItem::swapped() {
     countedBytes_ = uploaded;
     if (awaited && pump_.state() != FramePump::State::onItsWay) {
         late_.stop();
+        pace_.shown(processorSeconds() - processorAt_);
         frameShown();
     }
     follow(order);
