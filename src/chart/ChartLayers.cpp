@@ -8,18 +8,25 @@ void ChartRenderer::drawDyn(Primitive primitive, const std::optional<DynUpload>&
     if (list) gpu_.draw(primitive, list->buffer, list->offset, list->count);
 }
 
-void ChartRenderer::encodeEdges(const EdgeFrame& edges) {
-    if (!edges.waveFill && !edges.edgeTris && !edges.waveStroke) return;
+void ChartRenderer::encodeEdges(const EdgeFrame& edges, double width, double height) {
+    for (const EdgeFrame::Wave& wave : edges.waves) {
+        if (!wave.fill) continue;
+        setFlat(gpu_, {});
+        drawDyn(Primitive::triangles, wave.fill);
+        LineUniforms dots = lineUniforms({}, width, height);
+        dots.pad0 = dots.pad1 = 1;
+        setWithView(gpu_, Pipeline::marker, dots);
+        drawDyn(Primitive::quads, wave.dots);
+    }
+    if (!edges.edgeTris) return;
     setFlat(gpu_, {});
-    drawDyn(Primitive::triangles, edges.waveFill);
     drawDyn(Primitive::triangles, edges.edgeTris);
-    drawDyn(Primitive::lines, edges.waveStroke);
 }
 
 void ChartRenderer::encodeLayers(const Geometry& geometry, double width, double height) {
     const Uniforms& camera = geometry.candleUniforms;
     markers_.draw(camera_, origin_, width, height);
-    encodeEdges(geometry.edges);
+    encodeEdges(geometry.edges, width, height);
     setFlat(gpu_, camera);
     walls_.draw();
     drawDyn(Primitive::lines, geometry.forming.priceLine);

@@ -9,9 +9,8 @@ namespace {
 using WaveEntry = StrikeMap<WaveDisp>::Entry;
 
 constexpr std::size_t pairVertices = 12;
-constexpr std::size_t dotVertices = 24;
 constexpr double strokeHalf = 0.7;  // points
-constexpr double dotRadius = 2.5;   // points
+constexpr float dotRadius = 2.5F;   // points
 constexpr double axisFade = 0.1;    // of the fill's alpha, at the axis
 
 /// A point in clip space.
@@ -56,31 +55,6 @@ std::size_t signOf(double strike, std::span<const PlacedRow> placed, StrikeMetri
                                         [](const PlacedRow& row, double s) { return row.strike < s; });
     return found != placed.end() && found->strike == strike && net(*found->row) < 0 ? 1 : 0;
 }
-
-/// A dot of eight triangles around points; its rim is the same for all of them.
-class DotBrush {
- public:
-    explicit DotBrush(const EdgeStage& stage) {
-        constexpr double diagonal = 0.70710678118654752440;
-        constexpr double rim[8][2] = {{1, 0},  {diagonal, diagonal},   {0, 1},  {-diagonal, diagonal},
-                                      {-1, 0}, {-diagonal, -diagonal}, {0, -1}, {diagonal, -diagonal}};
-        for (std::size_t k = 0; k < offsets_.size(); ++k) {
-            offsets_[k] = {static_cast<float>(rim[k % 8][0] * 2.0 * dotRadius / stage.viewW),
-                           static_cast<float>(rim[k % 8][1] * 2.0 * dotRadius / stage.viewH)};
-        }
-    }
-    ChartVertex* write(ChartVertex* out, const Place& center, const Rgba& color) const {
-        for (std::size_t k = 0; k < 8; ++k) {
-            out = vmr::write(out, center, color);
-            out = vmr::write(out, {center.x + offsets_[k].x, center.y + offsets_[k].y}, color);
-            out = vmr::write(out, {center.x + offsets_[k + 1].x, center.y + offsets_[k + 1].y}, color);
-        }
-        return out;
-    }
-
- private:
-    std::array<Place, 9> offsets_{};
-};
 
 /// Writes the quads between two successive points.
 class PairBrush {
@@ -137,24 +111,27 @@ bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> pla
     return stepPoints(display, placed, metric, maxHf, stage, false);
 }
 
-std::size_t waveVertices(std::size_t points) {
-    return points < 2 ? 0 : (points - 1) * pairVertices + points * dotVertices;
-}
+std::size_t waveVertices(std::size_t points) { return points < 2 ? 0 : (points - 1) * pairVertices; }
 
 ChartVertex* writeWave(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
                        std::span<const PlacedRow> placed, StrikeMetric net, ChartVertex* out) {
     const std::span<const WaveEntry> points = display.byRow();
-    if (points.size() < 2) return out;
     const PairBrush pair(stage, look.fill);
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
         const WaveDisp &a = points[i].disp, &b = points[i + 1].disp;
         out = pair.writeFill(out, a, b);
         out = pair.writeStroke(out, a, b, look.stroke[signOf(points[i].strike, placed, net)]);
     }
-    const DotBrush dot(stage);
+    return out;
+}
+
+MarkerVertex* writeDots(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                        std::span<const PlacedRow> placed, StrikeMetric net, MarkerVertex* out) {
+    const std::span<const WaveEntry> points = display.byRow();
+    if (points.size() < 2) return out;
     for (const WaveEntry& point : points) {
-        out = dot.write(out, {stage.clipX(point.disp.x), stage.clipY(point.disp.py)},
-                        look.dot[signOf(point.strike, placed, net)]);
+        out = writeMarker(out, stage.clipX(point.disp.x), stage.clipY(point.disp.py), dotRadius, MarkerShape::disc,
+                          look.dot[signOf(point.strike, placed, net)]);
     }
     return out;
 }

@@ -24,12 +24,16 @@ bool steppedWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed
 bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed, StrikeMetric metric, double maxHf,
                     const EdgeStage& stage);
 
-/// Vertices that a wave of so many points takes: none under two points.
+/// Vertices that fill and stroke of a wave of so many points take: none under two points.
 std::size_t waveVertices(std::size_t points);
 
-/// Writes fill, stroke and dots, all as triangles, and returns the place after them. With `net`, a point is painted by
-/// the sign of its row in `placed`; without, or without a row, as 0 and above.
+/// Writes fill and stroke as triangles and returns the place after them. With `net`, a point is painted by the sign of
+/// its row in `placed`; without, or without a row, as 0 and above.
 ChartVertex* writeWave(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
                        std::span<const PlacedRow> placed, StrikeMetric net, ChartVertex* out);
+
+/// Writes a dot on each point of a wave of two or more, `markerVertices` each, to be drawn over it.
+MarkerVertex* writeDots(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                        std::span<const PlacedRow> placed, StrikeMetric net, MarkerVertex* out);
 
 }  // namespace vmr

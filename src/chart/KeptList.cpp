@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <type_traits>
 
 #include "gpu/Vertices.h"
 
@@ -13,7 +14,10 @@ struct Place {
 };
 Place placeOf(const ChartVertex& vertex) { return {vertex.position[0], 0}; }
 Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], vertex.pos[3]}; }
-Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.off[2]}; }
+Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.radius}; }
+
+template <class Vertex>
+constexpr Primitive primitiveOf = std::is_same_v<Vertex, MarkerVertex> ? Primitive::quads : Primitive::triangles;
 }  // namespace
 
 KeptList::~KeptList() {
@@ -26,6 +30,7 @@ void KeptList::keep(const std::vector<Vertex>& list) {
     buffer_ = list.empty() ? 0 : gpu_.makeBuffer(std::as_bytes(std::span(list)));
     count_ = list.size();
     stride_ = sizeof(Vertex);
+    primitive_ = primitiveOf<Vertex>;
     blocks_.clear();
     if (list.size() <= blockVertices) return;
     for (std::size_t begin = 0; begin < list.size(); begin += blockVertices) {
@@ -60,7 +65,7 @@ void KeptList::draw(Primitive primitive) const {
 
 // Runs of blocks in view are drawn at once.
 void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const {
-    if (blocks_.empty()) return draw(Primitive::triangles);
+    if (blocks_.empty()) return draw(primitive_);
     const double first = camera.firstVisible - origin.bar, last = first + camera.visibleCount;
     const double barsPerPoint = camera.visibleCount / std::max(camera.lastViewW, 1.0);
     const auto isOut = [&](const Reach& reach) {
@@ -73,7 +78,7 @@ void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const 
         if (isOut(blocks_[begin])) continue;
         while (end < blocks && !isOut(blocks_[end])) ++end;
         const std::size_t from = begin * blockVertices, to = std::min(end * blockVertices, count_);
-        gpu_.draw(Primitive::triangles, buffer_, from * stride_, to - from);
+        gpu_.draw(primitive_, buffer_, from * stride_, to - from);
     }
 }
 

@@ -31,7 +31,7 @@ class KeptList {
 
     // Nothing for an empty list.
     void draw(Primitive primitive) const;
-    /// Triangles, relative to `origin`.
+    /// Triangles, markers as quads, relative to `origin`.
     void drawInView(const Camera& camera, const DataOrigin& origin) const;
 
  private:
@@ -39,12 +39,13 @@ class KeptList {
     struct Reach {
         float low = 0, high = 0, points = 0;
     };
-    static constexpr std::size_t blockVertices = 1152;  ///< whole shapes of 3, 6, 12, 24 and 36 vertices
+    static constexpr std::size_t blockVertices = 1152;  ///< whole shapes of 3, 4, 6, 12 and 24 vertices
 
     Gpu& gpu_;
     GpuBuffer buffer_ = 0;
     std::size_t count_ = 0;
-    std::size_t stride_ = 0;     ///< bytes of a vertex
+    std::size_t stride_ = 0;                      ///< bytes of a vertex
+    Primitive primitive_ = Primitive::triangles;  ///< of `drawInView`
     std::vector<Reach> blocks_;  ///< of `blockVertices` each, for lists of several; else it is drawn whole
 };
 

@@ -41,6 +41,10 @@ class FrameArena {
         return copy(std::as_bytes(list), list.size());
     }
 
+    std::optional<DynUpload> uploadDyn(std::span<const MarkerVertex> list) {
+        return copy(std::as_bytes(list), list.size());
+    }
+
     /// Room for up to `most` vertices, to be written in place and then kept by `commit`. Only the newest room may be
     /// written, and only until the next call.
     template <class Vertex>

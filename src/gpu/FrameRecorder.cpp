@@ -103,7 +103,7 @@ void FrameRecorder::setClip(const PointRect& clip) {
 }
 
 std::size_t FrameRecorder::streamed(std::span<const std::byte> bytes) {
-    const std::size_t offset = recording_.stream.size();  // strides are multiples of 16, so offsets stay aligned
+    const std::size_t offset = recording_.stream.size();  // strides are multiples of 4, so offsets stay aligned
     recording_.stream.insert(recording_.stream.end(), bytes.begin(), bytes.end());
     return offset;
 }

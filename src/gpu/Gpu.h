@@ -12,11 +12,11 @@ namespace vmr {
 
 /// The chart's shader programs. All blend source-alpha over one-minus-source-alpha at four samples a pixel.
 /// - flat: `ChartVertex` with 16 bytes of uniforms;
-/// - ribbon: `LineVertex` with 32 bytes; - marker: `MarkerVertex` with 32 bytes;
+/// - ribbon: `LineVertex` with 32 bytes; - marker: `MarkerVertex`, as quads, with 32 bytes;
 /// - text: `TextVertex` with 16 bytes, sampling the glyph atlas.
 enum class Pipeline : std::uint8_t { flat, ribbon, marker, text };
 
-/// Quads are four vertices each (top left, bottom left, bottom right, top right), for text.
+/// Quads are four vertices each (top left, bottom left, bottom right, top right), for text and markers.
 enum class Primitive : std::uint8_t { triangles, lines, quads };
 
 /// Names a buffer; 0 is none.

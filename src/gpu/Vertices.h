@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 
 namespace vmr {
 
@@ -23,13 +25,37 @@ struct LineVertex {
     bool operator==(const LineVertex&) const = default;
 };
 
-/// Markers of constant pixel size: `off` is the unit offset x, y and the radius in pixels.
+/// What a marker looks like: a disc, or a triangle as high as wide with its tip up or down.
+enum class MarkerShape : std::uint8_t { disc, up, down };
+
+/// Markers of constant size on the screen, a quad each, whose outline the GPU finds for each pixel. The four corners
+/// differ in `code` alone.
 struct MarkerVertex {
-    float center[4] = {0, 0, 0, 1};
-    float off[4] = {0, 0, 0, 0};
-    Rgba color{};
+    float center[2] = {0, 0};
+    float radius = 0;  ///< points, from the centre to the rim, or to the sides of a triangle's box
+    float alpha = 1;
+    std::array<std::uint8_t, 3> color{};
+    std::uint8_t code = 0;  ///< four times the shape, and the corner: top left, bottom left, bottom right, top right
     bool operator==(const MarkerVertex&) const = default;
+
+    MarkerShape shape() const { return static_cast<MarkerShape>(code / 4); }
 };
+inline constexpr std::size_t markerVertices = 4;
+
+/// Writes the four corners of a marker at `out` and returns the place after them. Alpha is the colour's.
+inline MarkerVertex* writeMarker(MarkerVertex* out, float x, float y, float radius, MarkerShape shape,
+                                 const Rgba& color) {
+    MarkerVertex vertex{{x, y}, radius, color[3], {}, 0};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const float full = color[i] > 0 ? color[i] : 0;  // 0 for NaN, too
+        vertex.color[i] = static_cast<std::uint8_t>((full < 1 ? full : 1) * 255 + 0.5F);
+    }
+    for (std::uint8_t corner = 0; corner < markerVertices; ++corner) {
+        vertex.code = static_cast<std::uint8_t>(static_cast<unsigned>(shape) * 4 + corner);
+        *out++ = vertex;
+    }
+    return out;
+}
 
 /// Glyph corners. Position in device pixels from the view's top left; `uv` into the glyph atlas.
 struct TextVertex {
@@ -52,7 +78,7 @@ struct LineUniforms {
     bool operator==(const LineUniforms&) const = default;
 };
 
-static_assert(sizeof(ChartVertex) == 32 && sizeof(LineVertex) == 48 && sizeof(MarkerVertex) == 48);
+static_assert(sizeof(ChartVertex) == 32 && sizeof(LineVertex) == 48 && sizeof(MarkerVertex) == 20);
 static_assert(sizeof(TextVertex) == 32 && sizeof(Uniforms) == 16 && sizeof(LineUniforms) == 32);
 
 /// Device pixels from the top left to clip space, for the text pipeline and for flat shapes placed on pixels.

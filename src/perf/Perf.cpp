@@ -168,7 +168,8 @@ void Perf::benchEnd() {
                                         percentile(samples.list, 0.50), percentile(samples.list, 0.95),
                                         greatest(samples.list)));
         if (benchUploaded_ > 0)
-            lines.push_back(fmt::format("[bench] uploaded {:.0f} kB a frame", benchUploaded_ / 1000 / std::max(benchFrames_, 1)));
+            lines.push_back(
+                fmt::format("[bench] uploaded {:.0f} kB a frame", benchUploaded_ / 1000 / std::max(benchFrames_, 1)));
         lines.push_back(std::string("[bench] VERDICT: frameInterval p95 ") +
                         (percentile(intervals, 0.95) < frameBudget ? "PASS ✓ (<16ms)" : "FAIL ✗ (≥16ms)"));
     }

@@ -85,7 +85,8 @@ void ShellCommands::addProcessCommands() {
     commands_.add({"pane", "open|close N", 1, 2, [this](CommandWords& words) { return pane(words); }});
     commands_.add({"clock", "pause|resume|speed X|set MOMENT (practice)", 1, 2,
                    [this](CommandWords& words) { return clock(words); }});
-    commands_.add({"bench", "SECONDS (of frames to measure)", 1, 1, [this](CommandWords& words) { return bench(words); }});
+    commands_.add(
+        {"bench", "SECONDS (of frames to measure)", 1, 1, [this](CommandWords& words) { return bench(words); }});
     commands_.add({"quit", "", 0, 0, [this](CommandWords&) {
                        at_.quit();
                        return "ok quitting";

@@ -21,7 +21,7 @@ struct ShellSurroundings {
     std::function<std::optional<std::string>(const std::string& file)> writeState;  ///< the text of what failed
     std::function<std::string(const std::string& line)> practiceRelay;  ///< its console; empty where there is none
     std::function<void(double seconds)> bench;  ///< measures the frames of that long and prints the report
-    SteerableClock* clock = nullptr;  ///< null where the market's time is not ours to set
+    SteerableClock* clock = nullptr;            ///< null where the market's time is not ours to set
 };
 
 /// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.

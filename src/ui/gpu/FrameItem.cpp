@@ -64,9 +64,7 @@ void FrameItem::follow(FramePump::Order order) {
     update();
 }
 
-double FrameItem::calmWait() const {
-    return *software_ && !interacting() ? pace_.wait(clock_.monotonic()) : 0;
-}
+double FrameItem::calmWait() const { return *software_ && !interacting() ? pace_.wait(clock_.monotonic()) : 0; }
 
 void FrameItem::requestCalmFrame() {
     if (calm_.isActive()) return;

@@ -13,7 +13,7 @@ namespace vmr {
 
 namespace {
 
-constexpr int blockBytes = 96;                // mat4 place, vec4 map, vec4 view
+constexpr int blockBytes = 112;               // mat4 place, vec4 map, vec4 view, vec4 device
 constexpr std::size_t quadsPerBatch = 16384;  // what 16-bit indices reach
 constexpr int placeFloats = 16;
 
@@ -33,11 +33,17 @@ Attributes attributesOf(Pipeline pipeline) {
     using A = QRhiVertexInputAttribute;
     switch (pipeline) {
         case Pipeline::ribbon:
-        case Pipeline::marker:
-            return {pipeline == Pipeline::ribbon ? "ribbon.vert.qsb" : "marker.vert.qsb",
+            return {"ribbon.vert.qsb",
                     "color.frag.qsb",
                     {A(0, 0, A::Float4, 0), A(0, 1, A::Float4, 16), A(0, 2, A::Float4, 32)},
                     48};
+        case Pipeline::marker:
+            return {
+                "marker.vert.qsb",
+                "marker.frag.qsb",
+                {A(0, 0, A::Float2, offsetof(MarkerVertex, center)), A(0, 1, A::Float2, offsetof(MarkerVertex, radius)),
+                 A(0, 2, A::UNormByte4, offsetof(MarkerVertex, color))},
+                sizeof(MarkerVertex)};
         case Pipeline::text:
             return {"text.vert.qsb",
                     "text.frag.qsb",
@@ -276,9 +282,11 @@ bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
     place.scale(placement.scaleX, placement.scaleY);
     char* to = uniforms_->beginFullDynamicBufferUpdateForCurrentFrame();
     if (!to) return fail("the graphics card gave the chart no memory to write to");
+    const std::array<float, 4> device{static_cast<float>(frame_.pixelRatio), 0, 0, 0};
     for (const auto& values : frame_.uniforms) {
         std::memcpy(to, place.constData(), placeFloats * sizeof(float));
         std::memcpy(to + placeFloats * sizeof(float), values.data(), sizeof values);
+        std::memcpy(to + blockBytes - sizeof device, device.data(), sizeof device);
         to += uniformStride_;
     }
     uniforms_->endFullDynamicBufferUpdateForCurrentFrame();
