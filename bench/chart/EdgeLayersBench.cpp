@@ -55,7 +55,12 @@ struct Edges {
                           arena);
         benchmark::DoNotOptimize(made);
     }
-    std::size_t bytes() const { return (made.waveFill->count + made.edgeTris->count) * sizeof(ChartVertex); }
+    std::size_t bytes() const {
+        std::size_t sum = made.edgeTris->count * sizeof(ChartVertex);
+        for (const EdgeFrame::Wave& wave : made.waves)
+            if (wave.fill) sum += wave.fill->count * sizeof(ChartVertex) + wave.dots->count * sizeof(MarkerVertex);
+        return sum;
+    }
 };
 
 /// Into three buffers in turn, as the frames write.

@@ -12,12 +12,12 @@ constexpr Look classicLooks[2] = {{classicDown, classicDown, classicDown, false}
                                   {classicUp, classicUp, classicUp, false}};
 constexpr Look monoLooks[2] = {{monoDownFill, white, white, true}, {white, white, white, false}};
 
-ChartVertex* put(ChartVertex* out, float x, float y, const Rgba& color) {
-    *out = {{x, y, 0.0F, 1.0F}, color};
+ChartVertex* put(ChartVertex* out, float x, float y, const Rgba8& color) {
+    *out = {{x, y}, color};
     return out + 1;
 }
 
-ChartVertex* writeBox(ChartVertex* out, float x0, float x1, float top, float bot, const Rgba& color) {
+ChartVertex* writeBox(ChartVertex* out, float x0, float x1, float top, float bot, const Rgba8& color) {
     out = put(out, x0, top, color);
     out = put(out, x0, bot, color);
     out = put(out, x1, bot, color);
@@ -26,10 +26,10 @@ ChartVertex* writeBox(ChartVertex* out, float x0, float x1, float top, float bot
     return put(out, x1, top, color);
 }
 
-LineVertex* writeSide(LineVertex* out, float ax, float ay, float bx, float by, const Rgba& color) {
+LineVertex* writeSide(LineVertex* out, float ax, float ay, float bx, float by, const Rgba8& color) {
     constexpr float halfWidthPx = 0.5F;
     const auto vertex = [&](float x, float y, float side) {
-        *out++ = {{x, y, side, halfWidthPx}, {bx - ax, by - ay, 0.0F, 0.0F}, color};
+        *out++ = {{x, y}, {bx - ax, by - ay}, side * halfWidthPx, color};
     };
     vertex(ax, ay, 1.0F);
     vertex(ax, ay, -1.0F);

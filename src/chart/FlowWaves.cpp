@@ -18,8 +18,8 @@ struct Place {
     float x, y;
 };
 
-ChartVertex* write(ChartVertex* out, const Place& at, const Rgba& color) {
-    *out = {{at.x, at.y, 0.0F, 1.0F}, color};
+ChartVertex* write(ChartVertex* out, const Place& at, const Rgba8& color) {
+    *out = {{at.x, at.y}, color};
     return out + 1;
 }
 
@@ -63,7 +63,7 @@ class PairBrush {
         : stage_(stage), fill_(fill), anchor_(stage.axisX()), maxW_(stage.maxW()), axisX_(stage.clipX(anchor_)) {}
 
     ChartVertex* writeFill(ChartVertex* out, const WaveDisp& a, const WaveDisp& b) const {
-        const Rgba axis = faded(axisFade), colorA = faded(fadeAt(a.x)), colorB = faded(fadeAt(b.x));
+        const Rgba8 axis = faded(axisFade), colorA = faded(fadeAt(a.x)), colorB = faded(fadeAt(b.x));
         const Place axisA{axisX_, stage_.clipY(a.py)}, axisB{axisX_, stage_.clipY(b.py)};
         const Place pointA{stage_.clipX(a.x), axisA.y}, pointB{stage_.clipX(b.x), axisB.y};
         out = write(out, axisA, axis);
@@ -74,7 +74,7 @@ class PairBrush {
         return write(out, axisB, axis);
     }
 
-    ChartVertex* writeStroke(ChartVertex* out, const WaveDisp& a, const WaveDisp& b, const Rgba& color) const {
+    ChartVertex* writeStroke(ChartVertex* out, const WaveDisp& a, const WaveDisp& b, const Rgba8& color) const {
         const double dx = b.x - a.x, dy = b.py - a.py;
         const double length = std::max(std::sqrt(dx * dx + dy * dy), 1e-6);
         const double nx = -dy / length * strokeHalf, ny = dx / length * strokeHalf;

@@ -66,9 +66,7 @@ std::optional<DynUpload> FormingBar::writePriceLine(const Camera& camera, const 
     const double perPixel = camera.visibleCount / viewW;
     const double end = camera.firstVisible + camera.visibleCount;
     const auto y = static_cast<float>(close_ - origin.price);
-    const auto vertex = [&](double x) {
-        dashes_.push_back({{static_cast<float>(x - origin.bar), y, 0.0F, 1.0F}, priceLineColor});
-    };
+    const auto vertex = [&](double x) { dashes_.push_back({{static_cast<float>(x - origin.bar), y}, priceLineColor}); };
     dashes_.clear();
     for (std::size_t i = 0; i < maxDashes; ++i) {
         const double x = camera.firstVisible + static_cast<double>(i) * 8.0 * perPixel;

@@ -1,6 +1,7 @@
 #include "chart/KeptList.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <type_traits>
 
@@ -13,7 +14,7 @@ struct Place {
     float bar, points;
 };
 Place placeOf(const ChartVertex& vertex) { return {vertex.position[0], 0}; }
-Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], vertex.pos[3]}; }
+Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], std::abs(vertex.beside)}; }
 Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.radius}; }
 
 template <class Vertex>

@@ -22,12 +22,12 @@ class Ribbon {
     Ribbon(std::vector<LineVertex>& verts, double halfWidth, const DataOrigin& origin)
         : verts_(verts), halfWidth_(static_cast<float>(halfWidth)), origin_(origin) {}
 
-    void quad(const Spot& a, const Spot& b, const Rgba& color) {
+    void quad(const Spot& a, const Spot& b, const Rgba8& color) {
         const float ax = static_cast<float>(a.x - origin_.bar), ay = static_cast<float>(a.y - origin_.price);
         const float bx = static_cast<float>(b.x - origin_.bar), by = static_cast<float>(b.y - origin_.price);
         const float dx = static_cast<float>(b.x - a.x), dy = static_cast<float>(b.y - a.y);
         const auto vertex = [&](float x, float y, float side) {
-            return LineVertex{{x, y, side, halfWidth_}, {dx, dy, 0.0F, 0.0F}, color};
+            return LineVertex{{x, y}, {dx, dy}, side * halfWidth_, color};
         };
         const LineVertex vertices[quadVertices] = {vertex(ax, ay, 1.0F), vertex(ax, ay, -1.0F), vertex(bx, by, -1.0F),
                                                    vertex(ax, ay, 1.0F), vertex(bx, by, -1.0F), vertex(bx, by, 1.0F)};
@@ -35,7 +35,7 @@ class Ribbon {
     }
 
     // From `a` over `dx` bars; `dx` above 0.
-    void dashes(const Spot& a, double dx, double dy, const Dash& dash, const Rgba& color) {
+    void dashes(const Spot& a, double dx, double dy, const Dash& dash, const Rgba8& color) {
         for (double d = 0; d < dx; d += dash.on + dash.off) {
             const double e = std::min(dx, d + dash.on);
             quad({a.x + d, a.y + dy * d / dx}, {a.x + e, a.y + dy * e / dx}, color);
@@ -55,8 +55,8 @@ std::size_t barAt(std::span<const Candle> candles, std::int64_t t) {
     return after == candles.begin() ? 0 : static_cast<std::size_t>(after - candles.begin()) - 1;
 }
 
-void appendBox(std::vector<ChartVertex>& verts, float x0, float x1, float top, float bot, const Rgba& color) {
-    const auto at = [&color](float x, float y) { return ChartVertex{{x, y, 0.0F, 1.0F}, color}; };
+void appendBox(std::vector<ChartVertex>& verts, float x0, float x1, float top, float bot, const Rgba8& color) {
+    const auto at = [&color](float x, float y) { return ChartVertex{{x, y}, color}; };
     const ChartVertex box[] = {at(x0, top), at(x0, bot), at(x1, bot), at(x0, top), at(x1, bot), at(x1, top)};
     verts.insert(verts.end(), std::begin(box), std::end(box));
 }
@@ -124,8 +124,7 @@ void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines,
 void secondCandles(std::vector<ChartVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,
                    const DataOrigin& origin) {
     constexpr double halfBody = 0.3, halfWick = 0.05;  // bars
-    constexpr Rgba solid{1.0F, 0.478F, 0.0F, 1.0F}, rising{1.0F, 0.478F, 0.0F, 0.85F},
-        falling{1.0F, 0.478F, 0.0F, 0.4F};
+    constexpr Rgba solid{1.0F, 0.478F}, rising{1.0F, 0.478F, 0.0F, 0.85F}, falling{1.0F, 0.478F, 0.0F, 0.4F};
     for (const OvCandle& bar : candles) {
         const bool up = CandleGeometry::isUp(bar.o, bar.c);
         const double x = bar.idx - origin.bar;

@@ -18,13 +18,13 @@ double thicknessOf(std::span<const BarEntry> bars, std::size_t i) {
     return std::clamp(gap * barFillFactor, barHMinPx, barHMaxPx);
 }
 
-ChartVertex* writeBar(ChartVertex* out, float left, float top, float right, float bottom, const Rgba& color) {
-    *out++ = {{left, top, 0.0F, 1.0F}, color};
-    *out++ = {{left, bottom, 0.0F, 1.0F}, color};
-    *out++ = {{right, bottom, 0.0F, 1.0F}, color};
-    *out++ = {{left, top, 0.0F, 1.0F}, color};
-    *out++ = {{right, bottom, 0.0F, 1.0F}, color};
-    *out++ = {{right, top, 0.0F, 1.0F}, color};
+ChartVertex* writeBar(ChartVertex* out, float left, float top, float right, float bottom, const Rgba8& color) {
+    *out++ = {{left, top}, color};
+    *out++ = {{left, bottom}, color};
+    *out++ = {{right, bottom}, color};
+    *out++ = {{left, top}, color};
+    *out++ = {{right, bottom}, color};
+    *out++ = {{right, top}, color};
     return out;
 }
 

@@ -82,7 +82,7 @@ void FrameRecorder::clear(const Rgba& color) {
     if (!inFrame_) fatal("chart: a clear outside a frame");
     constexpr std::array<std::array<float, 2>, 6> corners{{{-1, -1}, {1, -1}, {1, 1}, {-1, -1}, {1, 1}, {-1, 1}}};
     std::array<ChartVertex, corners.size()> quad;
-    for (std::size_t i = 0; i < quad.size(); ++i) quad[i] = {{corners[i][0], corners[i][1], 0, 1}, color};
+    for (std::size_t i = 0; i < quad.size(); ++i) quad[i] = {{corners[i][0], corners[i][1]}, color};
     RecordedFrame::Draw call;
     call.clip = clip_;
     call.opaque = true;  // its uniforms are the first ones, which change nothing

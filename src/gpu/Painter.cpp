@@ -49,20 +49,21 @@ void Painter::lengthen(Pipeline pipeline, std::size_t count) {
 
 double Painter::pixel(double points) const { return std::round(points * pixelRatio_); }
 
-void Painter::corner(double x, double y, const Rgba& color) {
-    shapes_.push_back({{static_cast<float>(x), static_cast<float>(y), 0.0F, 1.0F}, color});
+void Painter::corner(double x, double y, const Rgba8& color) {
+    shapes_.push_back({{static_cast<float>(x), static_cast<float>(y)}, color});
 }
 
 void Painter::rect(double x0, double y0, double x1, double y1, const Rgba& color) {
     const double left = pixel(x0), top = pixel(y0);
     const double right = std::max(pixel(x1), left + 1.0), bottom = std::max(pixel(y1), top + 1.0);
+    const Rgba8 paint = color;
     lengthen(Pipeline::flat, 6);
-    corner(left, top, color);
-    corner(left, bottom, color);
-    corner(right, bottom, color);
-    corner(left, top, color);
-    corner(right, bottom, color);
-    corner(right, top, color);
+    corner(left, top, paint);
+    corner(left, bottom, paint);
+    corner(right, bottom, paint);
+    corner(left, top, paint);
+    corner(right, bottom, paint);
+    corner(right, top, paint);
 }
 
 void Painter::roundedBox(double x0, double y0, double x1, double y1, double radius, const Rgba& color) {
@@ -80,12 +81,13 @@ void Painter::roundedBox(double x0, double y0, double x1, double y1, double radi
                                                                            cy - bend * std::sin(angle)};
         }
     }
+    const Rgba8 paint = color;
     lengthen(Pipeline::flat, rimSize * 3);
     for (std::size_t i = 0; i < rimSize; ++i) {
         const Point &a = rim[i], &b = rim[(i + 1) % rimSize];
-        corner((left + right) * 0.5, (top + bottom) * 0.5, color);
-        corner(a[0], a[1], color);
-        corner(b[0], b[1], color);
+        corner((left + right) * 0.5, (top + bottom) * 0.5, paint);
+        corner(a[0], a[1], paint);
+        corner(b[0], b[1], paint);
     }
 }
 
@@ -106,8 +108,9 @@ void Painter::line(Point from, Point to, double width, const Rgba& color) {
 }
 
 void Painter::triangle(Point a, Point b, Point c, const Rgba& color) {
+    const Rgba8 paint = color;
     lengthen(Pipeline::flat, 3);
-    for (const Point& point : {a, b, c}) corner(point[0] * pixelRatio_, point[1] * pixelRatio_, color);
+    for (const Point& point : {a, b, c}) corner(point[0] * pixelRatio_, point[1] * pixelRatio_, paint);
 }
 
 void Painter::text(std::string_view text, const TextStyle& style, double x, double y, TextAlign align,

@@ -75,7 +75,7 @@ class Painter {
     void begin(double pixelRatio);
     void record(PaintSurface& surface);
     void lengthen(Pipeline pipeline, std::size_t count);
-    void corner(double x, double y, const Rgba& color);  // device pixels
+    void corner(double x, double y, const Rgba8& color);  // device pixels
     double pixel(double points) const;
 
     TextRuns texts_;

@@ -10,18 +10,36 @@ namespace vmr {
 /// A colour: r, g, b, a, each 0 to 1, not premultiplied.
 using Rgba = std::array<float, 4>;
 
-/// Flat shapes. Position x, y, 0, 1.
+/// The same in bytes, as vertices carry it. Shares beyond 0 to 1 are cut to it; NaN is 0.
+struct Rgba8 {
+    std::uint8_t r = 0, g = 0, b = 0, a = 0;
+
+    constexpr Rgba8() = default;
+    constexpr Rgba8(const Rgba& color)  // meant to be implicit
+        : r(byteOf(color[0])), g(byteOf(color[1])), b(byteOf(color[2])), a(byteOf(color[3])) {}
+    bool operator==(const Rgba8&) const = default;
+    constexpr Rgba shares() const { return {r / 255.0F, g / 255.0F, b / 255.0F, a / 255.0F}; }
+
+ private:
+    static constexpr std::uint8_t byteOf(float share) {
+        return static_cast<std::uint8_t>((share > 0 ? share < 1 ? share : 1 : 0) * 255 + 0.5F);
+    }
+};
+
+/// Flat shapes. Position x, y.
 struct ChartVertex {
-    float position[4] = {0, 0, 0, 1};
-    Rgba color{};
+    float position[2] = {0, 0};
+    Rgba8 color;
     bool operator==(const ChartVertex&) const = default;
 };
 
-/// Ribbons of constant pixel width: x, y, side (+1 or -1), half-width in pixels; `dir` is the whole segment's dx, dy.
+/// Ribbons of constant width on the screen: a point of the middle line, the whole segment's dx and dy, and how far to
+/// the left of it (above 0) or to the right the corner lies, in points.
 struct LineVertex {
-    float pos[4] = {0, 0, 0, 0};
-    float dir[4] = {0, 0, 0, 0};
-    Rgba color{};
+    float pos[2] = {0, 0};
+    float dir[2] = {0, 0};
+    float beside = 0;
+    Rgba8 color;
     bool operator==(const LineVertex&) const = default;
 };
 
@@ -29,29 +47,25 @@ struct LineVertex {
 enum class MarkerShape : std::uint8_t { disc, up, down };
 
 /// Markers of constant size on the screen, a quad each, whose outline the GPU finds for each pixel. The four corners
-/// differ in `code` alone.
+/// differ in their code alone.
 struct MarkerVertex {
     float center[2] = {0, 0};
     float radius = 0;  ///< points, from the centre to the rim, or to the sides of a triangle's box
-    float alpha = 1;
-    std::array<std::uint8_t, 3> color{};
-    std::uint8_t code = 0;  ///< four times the shape, and the corner: top left, bottom left, bottom right, top right
+    float alpha = 1;   ///< not in the colour, since deep stacks are made of very faint ones
+    Rgba8 color;  ///< in place of its alpha a code: four times the shape, and the corner: top left, bottom left, bottom
+                  ///< right, top right
     bool operator==(const MarkerVertex&) const = default;
 
-    MarkerShape shape() const { return static_cast<MarkerShape>(code / 4); }
+    MarkerShape shape() const { return static_cast<MarkerShape>(color.a / 4); }
 };
 inline constexpr std::size_t markerVertices = 4;
 
-/// Writes the four corners of a marker at `out` and returns the place after them. Alpha is the colour's.
+/// Writes the four corners of a marker at `out` and returns the place after them.
 inline MarkerVertex* writeMarker(MarkerVertex* out, float x, float y, float radius, MarkerShape shape,
                                  const Rgba& color) {
-    MarkerVertex vertex{{x, y}, radius, color[3], {}, 0};
-    for (std::size_t i = 0; i < 3; ++i) {
-        const float full = color[i] > 0 ? color[i] : 0;  // 0 for NaN, too
-        vertex.color[i] = static_cast<std::uint8_t>((full < 1 ? full : 1) * 255 + 0.5F);
-    }
-    for (std::uint8_t corner = 0; corner < markerVertices; ++corner) {
-        vertex.code = static_cast<std::uint8_t>(static_cast<unsigned>(shape) * 4 + corner);
+    MarkerVertex vertex{{x, y}, radius, color[3], color};
+    for (unsigned corner = 0; corner < markerVertices; ++corner) {
+        vertex.color.a = static_cast<std::uint8_t>(static_cast<unsigned>(shape) * 4 + corner);
         *out++ = vertex;
     }
     return out;
@@ -61,7 +75,7 @@ inline MarkerVertex* writeMarker(MarkerVertex* out, float x, float y, float radi
 struct TextVertex {
     float position[2] = {0, 0};
     float uv[2] = {0, 0};
-    Rgba color{};
+    Rgba8 color;
     bool operator==(const TextVertex&) const = default;
 };
 
@@ -78,8 +92,8 @@ struct LineUniforms {
     bool operator==(const LineUniforms&) const = default;
 };
 
-static_assert(sizeof(ChartVertex) == 32 && sizeof(LineVertex) == 48 && sizeof(MarkerVertex) == 20);
-static_assert(sizeof(TextVertex) == 32 && sizeof(Uniforms) == 16 && sizeof(LineUniforms) == 32);
+static_assert(sizeof(ChartVertex) == 12 && sizeof(LineVertex) == 24 && sizeof(MarkerVertex) == 20);
+static_assert(sizeof(TextVertex) == 20 && sizeof(Uniforms) == 16 && sizeof(LineUniforms) == 32);
 
 /// Device pixels from the top left to clip space, for the text pipeline and for flat shapes placed on pixels.
 inline Uniforms pixelUniforms(double width, double height, double pixelRatio) {

@@ -33,10 +33,12 @@ Attributes attributesOf(Pipeline pipeline) {
     using A = QRhiVertexInputAttribute;
     switch (pipeline) {
         case Pipeline::ribbon:
-            return {"ribbon.vert.qsb",
-                    "color.frag.qsb",
-                    {A(0, 0, A::Float4, 0), A(0, 1, A::Float4, 16), A(0, 2, A::Float4, 32)},
-                    48};
+            return {
+                "ribbon.vert.qsb",
+                "color.frag.qsb",
+                {A(0, 0, A::Float2, offsetof(LineVertex, pos)), A(0, 1, A::Float2, offsetof(LineVertex, dir)),
+                 A(0, 2, A::Float, offsetof(LineVertex, beside)), A(0, 3, A::UNormByte4, offsetof(LineVertex, color))},
+                sizeof(LineVertex)};
         case Pipeline::marker:
             return {
                 "marker.vert.qsb",
@@ -48,12 +50,15 @@ Attributes attributesOf(Pipeline pipeline) {
             return {"text.vert.qsb",
                     "text.frag.qsb",
                     {A(0, 0, A::Float2, offsetof(TextVertex, position)), A(0, 1, A::Float2, offsetof(TextVertex, uv)),
-                     A(0, 2, A::Float4, offsetof(TextVertex, color))},
+                     A(0, 2, A::UNormByte4, offsetof(TextVertex, color))},
                     sizeof(TextVertex)};
         case Pipeline::flat:
             break;
     }
-    return {"flat.vert.qsb", "color.frag.qsb", {A(0, 0, A::Float4, 0), A(0, 1, A::Float4, 16)}, 32};
+    return {"flat.vert.qsb",
+            "color.frag.qsb",
+            {A(0, 0, A::Float2, offsetof(ChartVertex, position)), A(0, 1, A::UNormByte4, offsetof(ChartVertex, color))},
+            sizeof(ChartVertex)};
 }
 
 /// From device pixels of the frame to those of the target, whose origin is the bottom left.

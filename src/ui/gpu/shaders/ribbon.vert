@@ -1,8 +1,9 @@
 #version 440
 
-layout(location = 0) in vec4 pos;  // data space x and y, side of the ribbon, half-width in pixels
-layout(location = 1) in vec4 dir;  // the whole segment in data space
-layout(location = 2) in vec4 color;
+layout(location = 0) in vec2 pos;      // data space
+layout(location = 1) in vec2 dir;      // the whole segment in data space
+layout(location = 2) in float beside;  // points to the left of the middle line, below 0 to the right
+layout(location = 3) in vec4 color;
 layout(location = 0) out vec4 vColor;
 
 layout(std140, binding = 0) uniform Block {
@@ -17,7 +18,7 @@ void main()
     vec2 d = vec2(dir.x * u.map.x * u.view.x * 0.5, dir.y * u.map.z * u.view.y * 0.5);
     float len = max(length(d), 1e-6);
     vec2 n = vec2(-d.y, d.x) / len;
-    vec2 off = n * pos.w * pos.z;
+    vec2 off = n * beside;
     p += off * 2.0 / u.view.xy;
     vColor = color;
     gl_Position = u.place * vec4(p, 0.0, 1.0);
