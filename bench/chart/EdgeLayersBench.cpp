@@ -56,9 +56,12 @@ struct Edges {
         benchmark::DoNotOptimize(made);
     }
     std::size_t bytes() const {
-        std::size_t sum = made.edgeTris->count * sizeof(ChartVertex);
-        for (const EdgeFrame::Wave& wave : made.waves)
-            if (wave.fill) sum += wave.fill->count * sizeof(ChartVertex) + wave.dots->count * sizeof(MarkerVertex);
+        std::size_t sum = made.bars->count * sizeof(BoxVertex);
+        for (const EdgeFrame::Wave& wave : made.waves) {
+            if (!wave.fill) continue;
+            sum += wave.fill->count * sizeof(ChartVertex) + wave.stroke->count * sizeof(LineVertex) +
+                   wave.dots->count * sizeof(MarkerVertex);
+        }
         return sum;
     }
 };

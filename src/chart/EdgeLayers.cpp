@@ -116,11 +116,11 @@ std::optional<DynUpload> EdgeLayers::Impl::writeAllBars(const EdgeInput& input, 
                       keyGammaStrike(input.strikes),
                       nearestStrike(input.strikes, input.flipStrike)};
 
-    ChartVertex* const begin = arena.reserve<ChartVertex>(bars * barVertices).data();
-    ChartVertex* end = writeBars(shown.secDisp, sec, stage, begin, labels);
+    BoxVertex* const begin = arena.reserve<BoxVertex>(bars * barVertices).data();
+    BoxVertex* end = writeBars(shown.secDisp, sec, stage, begin, labels);
     end = writeBars(shown.gexDisp, gex, stage, end, labels);
     end = writeBars(shown.dexDisp, dex, stage, end, labels);
-    return arena.commit<ChartVertex>(static_cast<std::size_t>(end - begin));
+    return arena.commit<BoxVertex>(static_cast<std::size_t>(end - begin));
 }
 
 WaveLook EdgeLayers::Impl::netLook(const RenderConfig& config, double maxHf) const {
@@ -139,9 +139,11 @@ EdgeFrame::Wave EdgeLayers::Impl::writeOne(StrikeMap<WaveDisp>& wave, const Wave
                                            StrikeMetric net, FrameArena& arena) {
     EdgeFrame::Wave out;
     if (wave.size() < 2) return out;
-    ChartVertex* const fill = arena.reserve<ChartVertex>(waveVertices(wave.size())).data();
-    out.fill =
-        arena.commit<ChartVertex>(static_cast<std::size_t>(writeWave(wave, look, stage, placed, net, fill) - fill));
+    ChartVertex* const fill = arena.reserve<ChartVertex>(fillVertices(wave.size())).data();
+    out.fill = arena.commit<ChartVertex>(static_cast<std::size_t>(writeFill(wave, look, stage, fill) - fill));
+    LineVertex* const stroke = arena.reserve<LineVertex>(strokeVertices(wave.size())).data();
+    out.stroke = arena.commit<LineVertex>(
+        static_cast<std::size_t>(writeStroke(wave, look, stage, placed, net, stroke) - stroke));
     MarkerVertex* const dots = arena.reserve<MarkerVertex>(wave.size() * markerVertices).data();
     out.dots =
         arena.commit<MarkerVertex>(static_cast<std::size_t>(writeDots(wave, look, stage, placed, net, dots) - dots));
@@ -177,7 +179,7 @@ EdgeFrame EdgeLayers::step(const EdgeInput& input, FrameArena& arena) {
     frame.animating |= impl_->steppedWaves(input, stage);
     frame.animating |= impl_->stepOI(input, stage);
     impl_->writeAllWaves(input, stage, arena, frame);
-    frame.edgeTris = impl_->writeAllBars(input, stage, arena);
+    frame.bars = impl_->writeAllBars(input, stage, arena);
     return frame;
 }
 

@@ -30,12 +30,13 @@ struct EdgeInput {
 /// What the edge layers of a frame came to, all in clip space, drawn with identity uniforms, in this order.
 struct EdgeFrame {
     struct Wave {
-        std::optional<DynUpload> fill;  ///< and stroke
-        std::optional<DynUpload> dots;  ///< markers
+        std::optional<DynUpload> fill;    ///< triangles
+        std::optional<DynUpload> stroke;  ///< ribbons
+        std::optional<DynUpload> dots;    ///< markers
     };
-    std::array<Wave, 4> waves;  ///< flow of calls or net, flow of puts, open interest of calls and puts
-    std::optional<DynUpload> edgeTris;
-    bool animating = false;  ///< a place or width has not arrived yet
+    std::array<Wave, 4> waves;      ///< flow of calls or net, flow of puts, open interest of calls and puts
+    std::optional<DynUpload> bars;  ///< boxes
+    bool animating = false;         ///< a place or width has not arrived yet
 };
 
 struct EdgeDisplays;

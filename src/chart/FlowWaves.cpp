@@ -1,6 +1,7 @@
 #include "chart/FlowWaves.h"
 
 #include <cmath>
+#include <utility>
 
 namespace vmr {
 
@@ -8,8 +9,8 @@ namespace {
 
 using WaveEntry = StrikeMap<WaveDisp>::Entry;
 
-constexpr std::size_t pairVertices = 12;
-constexpr double strokeHalf = 0.7;  // points
+constexpr std::size_t pairVertices = 6;
+constexpr float strokeHalf = 0.7F;  // points
 constexpr float dotRadius = 2.5F;   // points
 constexpr double axisFade = 0.1;    // of the fill's alpha, at the axis
 
@@ -74,18 +75,6 @@ class PairBrush {
         return write(out, axisB, axis);
     }
 
-    ChartVertex* writeStroke(ChartVertex* out, const WaveDisp& a, const WaveDisp& b, const Rgba8& color) const {
-        const double dx = b.x - a.x, dy = b.py - a.py;
-        const double length = std::max(std::sqrt(dx * dx + dy * dy), 1e-6);
-        const double nx = -dy / length * strokeHalf, ny = dx / length * strokeHalf;
-        const Place a0{stage_.clipX(a.x + nx), stage_.clipY(a.py + ny)};
-        const Place a1{stage_.clipX(a.x - nx), stage_.clipY(a.py - ny)};
-        const Place b0{stage_.clipX(b.x + nx), stage_.clipY(b.py + ny)};
-        const Place b1{stage_.clipX(b.x - nx), stage_.clipY(b.py - ny)};
-        for (const Place* corner : {&a0, &a1, &b0, &a1, &b1, &b0}) out = write(out, *corner, color);
-        return out;
-    }
-
  private:
     double fadeAt(double x) const {
         const double t = std::clamp((x - (anchor_ - maxW_)) / maxW_, 0.0, 1.0);
@@ -111,16 +100,27 @@ bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> pla
     return stepPoints(display, placed, metric, maxHf, stage, false);
 }
 
-std::size_t waveVertices(std::size_t points) { return points < 2 ? 0 : (points - 1) * pairVertices; }
+std::size_t fillVertices(std::size_t points) { return points < 2 ? 0 : (points - 1) * pairVertices; }
+std::size_t strokeVertices(std::size_t points) { return points < 2 ? 0 : (points - 1) * segmentVertices; }
 
-ChartVertex* writeWave(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
-                       std::span<const PlacedRow> placed, StrikeMetric net, ChartVertex* out) {
+ChartVertex* writeFill(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage, ChartVertex* out) {
     const std::span<const WaveEntry> points = display.byRow();
     const PairBrush pair(stage, look.fill);
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) out = pair.writeFill(out, points[i].disp, points[i + 1].disp);
+    return out;
+}
+
+LineVertex* writeStroke(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                        std::span<const PlacedRow> placed, StrikeMetric net, LineVertex* out) {
+    const std::span<const WaveEntry> points = display.byRow();
+    LineVertex* before = nullptr;
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
         const WaveDisp &a = points[i].disp, &b = points[i + 1].disp;
-        out = pair.writeFill(out, a, b);
-        out = pair.writeStroke(out, a, b, look.stroke[signOf(points[i].strike, placed, net)]);
+        LineVertex* const end =
+            writeSegment(out, stage.clipX(a.x), stage.clipY(a.py), stage.clipX(b.x), stage.clipY(b.py), strokeHalf,
+                         look.stroke[signOf(points[i].strike, placed, net)]);
+        if (before) joinSegments(before, out);
+        before = std::exchange(out, end);
     }
     return out;
 }

@@ -48,10 +48,10 @@ void FormingBar::writeCandle(std::span<const Candle> candles, std::string_view t
     top -= origin.price;
     bot -= origin.price;
 
-    std::array<ChartVertex, bodyVertices> body;
+    std::array<BoxVertex, bodyVertices> body;
     writeBody(body.data(), x, top, bot, style.body);
     lists.body = arena.uploadDyn(body);
-    std::array<ChartVertex, wickVertices> wicks;
+    std::array<BoxVertex, wickVertices> wicks;
     writeWicks(wicks.data(), x, wickHi, top, bot, wickLo, style.wick);
     lists.wicks = arena.uploadDyn(wicks);
     if (!style.outlined) return;

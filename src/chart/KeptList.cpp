@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
-#include <type_traits>
 
 #include "gpu/Vertices.h"
 
@@ -13,12 +12,9 @@ namespace {
 struct Place {
     float bar, points;
 };
-Place placeOf(const ChartVertex& vertex) { return {vertex.position[0], 0}; }
+Place placeOf(const BoxVertex& vertex) { return {vertex.corner[0], 0}; }
 Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], std::abs(vertex.beside)}; }
 Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.radius}; }
-
-template <class Vertex>
-constexpr Primitive primitiveOf = std::is_same_v<Vertex, MarkerVertex> ? Primitive::quads : Primitive::triangles;
 }  // namespace
 
 KeptList::~KeptList() {
@@ -31,7 +27,6 @@ void KeptList::keep(const std::vector<Vertex>& list) {
     buffer_ = list.empty() ? 0 : gpu_.makeBuffer(std::as_bytes(std::span(list)));
     count_ = list.size();
     stride_ = sizeof(Vertex);
-    primitive_ = primitiveOf<Vertex>;
     blocks_.clear();
     if (list.size() <= blockVertices) return;
     for (std::size_t begin = 0; begin < list.size(); begin += blockVertices) {
@@ -54,19 +49,19 @@ bool KeptList::replace(const std::vector<Vertex>& list) {
     return true;
 }
 
-template void KeptList::keep(const std::vector<ChartVertex>&);
+template void KeptList::keep(const std::vector<BoxVertex>&);
 template void KeptList::keep(const std::vector<LineVertex>&);
 template void KeptList::keep(const std::vector<MarkerVertex>&);
-template bool KeptList::replace(const std::vector<ChartVertex>&);
+template bool KeptList::replace(const std::vector<BoxVertex>&);
 template bool KeptList::replace(const std::vector<LineVertex>&);
 
-void KeptList::draw(Primitive primitive) const {
-    if (count_ > 0) gpu_.draw(primitive, buffer_, 0, count_);
+void KeptList::draw() const {
+    if (count_ > 0) gpu_.draw(Primitive::quads, buffer_, 0, count_);
 }
 
 // Runs of blocks in view are drawn at once.
 void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const {
-    if (blocks_.empty()) return draw(primitive_);
+    if (blocks_.empty()) return draw();
     const double first = camera.firstVisible - origin.bar, last = first + camera.visibleCount;
     const double barsPerPoint = camera.visibleCount / std::max(camera.lastViewW, 1.0);
     const auto isOut = [&](const Reach& reach) {
@@ -79,7 +74,7 @@ void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const 
         if (isOut(blocks_[begin])) continue;
         while (end < blocks && !isOut(blocks_[end])) ++end;
         const std::size_t from = begin * blockVertices, to = std::min(end * blockVertices, count_);
-        gpu_.draw(primitive_, buffer_, from * stride_, to - from);
+        gpu_.draw(Primitive::quads, buffer_, from * stride_, to - from);
     }
 }
 

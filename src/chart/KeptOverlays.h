@@ -18,8 +18,8 @@ class KeptOverlays {
     /// is another.
     bool set(const OverlayLists& lists);
 
-    /// Ribbons, then the paired instrument's candles and their outlines. Tells whether it set a pipeline of its own.
-    bool draw(const Camera& camera, double width, double height) const;
+    /// Ribbons, then the paired instrument's candles and their outlines.
+    void draw(const Camera& camera, double width, double height) const;
 
     std::size_t lineVertices() const { return lines_.size() + sessionLines_.size(); }
     std::size_t secondVertices() const { return second_.size(); }

@@ -14,7 +14,7 @@ struct OverlayLists {
     std::vector<LineVertex> lines;          ///< ribbons of the series
     std::vector<LineVertex> sessionLines;   ///< ribbons of the session and support/resistance lines, over those
     std::uint64_t sessionRevision = 0;      ///< raised when `sessionLines` were made anew
-    std::vector<ChartVertex> second;        ///< the paired instrument's candles
+    std::vector<BoxVertex> second;          ///< the paired instrument's candles
     std::vector<LineVertex> secondBorders;  ///< their outlines
     DataOrigin origin;
 };

@@ -34,6 +34,9 @@ class FrameArena {
     std::optional<DynUpload> uploadDyn(std::span<const ChartVertex> list) {
         return copy(std::as_bytes(list), list.size());
     }
+    std::optional<DynUpload> uploadDyn(std::span<const BoxVertex> list) {
+        return copy(std::as_bytes(list), list.size());
+    }
     std::optional<DynUpload> uploadDyn(std::span<const LineVertex> list) {
         return copy(std::as_bytes(list), list.size());
     }

@@ -12,7 +12,7 @@ namespace vmr {
 namespace {
 
 std::size_t uniformFloats(Pipeline pipeline) {
-    return pipeline == Pipeline::ribbon || pipeline == Pipeline::marker ? 8 : 4;
+    return pipeline == Pipeline::flat || pipeline == Pipeline::text ? 4 : 8;
 }
 
 std::size_t shapeVertices(Primitive primitive) {

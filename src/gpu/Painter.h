@@ -24,7 +24,7 @@ struct PaintSurface {
     PlotArea plot() const { return {width, height}; }
 };
 
-/// What is painted first lies lowest, texts and shapes alike; a run of either kind is one draw. Places in points from
+/// What is painted first lies lowest, texts and shapes alike; a run of one kind is one draw. Places in points from
 /// the view's top left. Edges of rectangles and the places of texts are rounded to device pixels, so that they are
 /// crisp. Painting allocates nothing once its lists have grown. Main thread.
 class Painter {
@@ -81,6 +81,8 @@ class Painter {
     TextRuns texts_;
     double pixelRatio_ = 1;
     std::vector<ChartVertex> shapes_;
+    std::vector<BoxVertex> boxes_;
+    std::vector<LineVertex> segments_;
     std::vector<Run> runs_;  // in the order of painting
 };
 

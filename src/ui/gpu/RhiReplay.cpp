@@ -32,11 +32,17 @@ QShader loadShader(const char* name) {
 Attributes attributesOf(Pipeline pipeline) {
     using A = QRhiVertexInputAttribute;
     switch (pipeline) {
+        case Pipeline::box:
+            return {"box.vert.qsb",
+                    "box.frag.qsb",
+                    {A(0, 0, A::Float4, offsetof(BoxVertex, corner)), A(0, 1, A::Float, offsetof(BoxVertex, radius)),
+                     A(0, 2, A::UNormByte4, offsetof(BoxVertex, color))},
+                    sizeof(BoxVertex)};
         case Pipeline::ribbon:
             return {
                 "ribbon.vert.qsb",
-                "color.frag.qsb",
-                {A(0, 0, A::Float2, offsetof(LineVertex, pos)), A(0, 1, A::Float2, offsetof(LineVertex, dir)),
+                "ribbon.frag.qsb",
+                {A(0, 0, A::Float4, offsetof(LineVertex, pos)), A(0, 1, A::Float2, offsetof(LineVertex, joined)),
                  A(0, 2, A::Float, offsetof(LineVertex, beside)), A(0, 3, A::UNormByte4, offsetof(LineVertex, color))},
                 sizeof(LineVertex)};
         case Pipeline::marker:
@@ -178,7 +184,7 @@ bool RhiReplay::makePipelines(QRhiRenderTarget& target) {
 }
 
 std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int samples) {
-    constexpr std::array<Pipeline, kinds> programs{Pipeline::flat,   Pipeline::flat,   Pipeline::flat,
+    constexpr std::array<Pipeline, kinds> programs{Pipeline::flat,   Pipeline::flat,   Pipeline::flat, Pipeline::box,
                                                    Pipeline::ribbon, Pipeline::marker, Pipeline::text};
     const auto attributes = attributesOf(programs[kind]);
     std::unique_ptr<QRhiGraphicsPipeline> out(rhi_->newGraphicsPipeline());
@@ -287,7 +293,7 @@ bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
     place.scale(placement.scaleX, placement.scaleY);
     char* to = uniforms_->beginFullDynamicBufferUpdateForCurrentFrame();
     if (!to) return fail("the graphics card gave the chart no memory to write to");
-    const std::array<float, 4> device{static_cast<float>(frame_.pixelRatio), 0, 0, 0};
+    const std::array<float, 4> device{static_cast<float>(frame_.pixelRatio), samples_ > 1 ? 0.0F : 1.0F, 0, 0};
     for (const auto& values : frame_.uniforms) {
         std::memcpy(to, place.constData(), placeFloats * sizeof(float));
         std::memcpy(to + placeFloats * sizeof(float), values.data(), sizeof values);
@@ -302,6 +308,8 @@ bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
 RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
     if (draw.opaque) return opaqueKind;
     switch (draw.pipeline) {
+        case Pipeline::box:
+            return boxKind;
         case Pipeline::ribbon:
             return ribbonKind;
         case Pipeline::marker:
