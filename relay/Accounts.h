@@ -32,6 +32,11 @@ class Accounts {
     IssuedTokens issue();
     bool accepts(const std::string& idToken) const;
     Refresh refreshState(const std::string& refreshToken) const;
+    /// After `mostFailures` wrong sign-ins in a row none works, for `lockSeconds` real seconds after the last.
+    static constexpr int mostFailures = 10;
+    static constexpr double lockSeconds = 60;
+    bool isLockedOut() const { return failures_ >= mostFailures && clock_.monotonic() < lastFailure_ + lockSeconds; }
+    void noteAttempt(bool succeeded);
     double tokenLife() const { return tokenLife_; }
 
     /// All that were issued so far.
@@ -41,6 +46,8 @@ class Accounts {
  private:
     const Clock& clock_;
     double tokenLife_;
+    int failures_ = 0;
+    double lastFailure_ = 0;  // monotonic seconds
     UuidSource uuids_;
     std::map<std::string, double> idTokens_;     // to when it expires, monotonic seconds
     std::map<std::string, bool> refreshTokens_;  // to whether it still works

@@ -94,7 +94,8 @@ void BarsState::takeBars(const Json& payload, bool history) {
     };
     const auto timed = [](JsonView object) -> std::optional<Candle> {
         if (!isMoment(object["ts"], latestMs) && !isMoment(object["time"], latestMs / 1000)) return std::nullopt;
-        return CandleParser::candleFromMs(object);
+        RepairTally uncounted;
+        return CandleParser::candleFromMs(object, uncounted);
     };
     const JsonView list = payload.isArray() ? JsonView(payload) : payload["candles"];
     if (history && list.isArray()) shape_ = payload.isArray() ? payload::BarsShape::list : payload::BarsShape::candles;

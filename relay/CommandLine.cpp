@@ -55,7 +55,8 @@ std::string readPlain(const Values& values, PracticeRelayOptions& options) {
         if (name == "--token-life" && !positive(text)) return "--token-life must be seconds above 0, not " + text;
         if (name == "--busy" && (!positive(text) || *positive(text) > PracticeRelayOptions::busiest))
             return "--busy must be a number above 0, at most 1000, not " + text;
-        if (name == "--speed" && !positive(text)) return "--speed must be a number above 0, not " + text;
+        if (name == "--speed" && (!positive(text) || *positive(text) > Clock::fastest))
+            return "--speed must be a number above 0, at most 10000, not " + text;
         if (name == "--port") options.relayPort = static_cast<int>(*whole);
         if (name == "--rest-port") options.restPort = static_cast<int>(*whole);
         if (name == "--seed") options.seed = static_cast<std::uint64_t>(*whole);
@@ -132,7 +133,7 @@ std::string relayHelp() {
                       2,000 trades a second of NQ in the morning and more of ES; to 1000
   --token-life S      real seconds that an identity token lives (default: 3600)
   --clock ISO[@speed] market time at the start and how fast it runs, as in 2026-06-10T10:00@60;
-                      New York time unless it says otherwise (default: VMR_CLOCK, else this machine's time)
+                      New York time unless it says otherwise; the speed is at most 10000 (default: VMR_CLOCK, else this machine's time)
   --tape FILE         play recorded trades: CSV, plain or .gz, with a timestamp and a price column
   --symbol SYM        which futures root or stock the tape is
   --record FILE       write all that subscribers get into a recording

@@ -27,22 +27,41 @@ payload::BarShape eventShape(Family family) {
 /// Turns what a feed passes into messages on every contract's channels.
 class MarketPublisher::Announcer final : public FeedListener {
  public:
-    Announcer(ChannelHub& hub, const Symbol& one) : hub_(hub), one_(one) {}
+    Announcer(ChannelHub& hub, Symbol& one) : hub_(hub), one_(one) {}
 
+    // The quote that a trade leaves behind goes out before it: who works orders on the trade then knows the touch of
+    // that moment. So a message ends where the quote changes.
     void onTrades(std::span<const Trade> trades) override {
-        for (; !trades.empty(); trades = trades.subspan(std::min(tradesPerFrame, trades.size()))) {
+        const bool quoted = wanted(":quote");
+        while (!trades.empty()) {
+            const std::size_t count = quoted ? sameQuote(trades) : trades.size();
+            const auto some = trades.first(std::min(tradesPerFrame, count));
+            if (quoted) publishQuote(some.front());
             events_.clear();
-            for (const Trade& trade : trades.first(std::min(tradesPerFrame, trades.size()))) {
+            for (const Trade& trade : some) {
                 if (!events_.empty()) events_ += ',';
                 payload::appendTrade(events_, trade);
             }
             each(":trades", [this](const std::string& channel) { return payload::batch(channel, events_); });
+            trades = trades.subspan(some.size());
         }
+    }
+
+    void publishQuote(const Trade& trade) {
+        std::string quote = payload::quote(trade);
+        if (quote == one_.lastQuote) return;
+        one_.lastQuote = std::move(quote);
+        each(":quote", [this](const std::string& channel) { return payload::event(channel, one_.lastQuote); });
     }
 
     void onClosedBar(const Candle& bar) override {
         const std::string text = payload::bar(bar, eventShape(one_.instrument.family));
         each(":1m", [&](const std::string& channel) { return payload::event(channel, text); });
+    }
+
+    bool wanted(const char* ending) const {
+        return std::any_of(one_.channels.begin(), one_.channels.end(),
+                           [&](const auto& entry) { return hub_.wanted(entry.first + ending); });
     }
 
     template <class F>
@@ -54,8 +73,16 @@ class MarketPublisher::Announcer final : public FeedListener {
     }
 
  private:
+    static std::size_t sameQuote(std::span<const Trade> trades) {
+        const Trade& first = trades.front();
+        const auto other = std::find_if(trades.begin(), trades.end(), [&first](const Trade& trade) {
+            return trade.bid != first.bid || trade.ask != first.ask;
+        });
+        return static_cast<std::size_t>(other - trades.begin());
+    }
+
     ChannelHub& hub_;
-    const Symbol& one_;
+    Symbol& one_;
     std::string events_;
 };
 
@@ -97,7 +124,7 @@ std::optional<std::string> MarketPublisher::snapshot(const std::string& channel)
     if (name->kind == Kind::quote) {
         if (!one.feed->last() && bars.empty()) return std::nullopt;
         const double close = bars.empty() ? 0 : bars.back().close;
-        const Trade resting{0, close, 0, close, close + one.instrument.tick()};
+        const Trade resting{0, close, 0, close, besidePrice(close, one.instrument.tick())};
         return payload::snapshot(channel, payload::quote(one.feed->last().value_or(resting)));
     }
     if (name->kind == Kind::history)
@@ -116,7 +143,8 @@ void MarketPublisher::tick(std::int64_t nowMs) {
             Announcer announcer(hub_, one);
             one.feed->advance(nowMs, announcer);
         }
-        publishQuote(one);
+        if (one.instrument.family == Family::futures && one.feed->last())
+            Announcer(hub_, one).publishQuote(*one.feed->last());
     }
 }
 
@@ -132,15 +160,6 @@ void MarketPublisher::resend(Symbol& one) {
             if (auto text = snapshot(channel)) hub_.publish(channel, Frame(std::move(*text)));
         }
     }
-}
-
-void MarketPublisher::publishQuote(Symbol& one) {
-    if (one.instrument.family != Family::futures || !one.feed->last()) return;
-    std::string quote = payload::quote(*one.feed->last());
-    if (quote == one.lastQuote) return;
-    one.lastQuote = std::move(quote);
-    Announcer(hub_, one).each(":quote",
-                              [&](const std::string& channel) { return payload::event(channel, one.lastQuote); });
 }
 
 std::vector<Candle> MarketPublisher::ledger(const Instrument& instrument, std::int64_t nowMs) {

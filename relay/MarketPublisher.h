@@ -17,8 +17,9 @@
 namespace vmr::relay {
 
 /// Every contract of a root shows the root's one market. A market runs only while somebody listens to it, and is where
-/// it would have been. After a jump of the clock by more than a day the listeners get new snapshots in place of a day's
-/// trades. History is shaped per family (list, `candles`, keyed), and so are the minute events.
+/// it would have been. A quote goes out before the trade that leaves it behind. After a jump of the clock by more than
+/// a day the listeners get new snapshots in place of a day's trades. History is shaped per family (list, `candles`,
+/// keyed), and so are the minute events.
 class MarketPublisher final : public Publisher {
  public:
     /// `tape`, if there is one, is the market of `tapeInstrument`; the others are simulated.
@@ -54,7 +55,6 @@ class MarketPublisher final : public Publisher {
 
     Symbol& symbol(const Instrument& instrument);
     void resend(Symbol& one);
-    void publishQuote(Symbol& one);
 
     ChannelHub& hub_;
     SessionCalendar calendar_;

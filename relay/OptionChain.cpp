@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "relay/ExchangeHolidays.h"
 #include "relay/RandomStream.h"
 
 namespace vmr::relay {
@@ -30,10 +31,17 @@ std::string isoDate(std::int64_t date) {
 /// Monday 0 to Sunday 6.
 std::int64_t weekdayOf(std::int64_t date) { return ((date + 3) % 7 + 7) % 7; }
 
+/// The weekly expiration: on Friday, or on Thursday where the Friday is a holiday.
+bool isWeekly(std::int64_t date) {
+    const std::int64_t weekday = weekdayOf(date);
+    return weekday == 4 ? !isExchangeHoliday(date) : weekday == 3 && isExchangeHoliday(date + 1);
+}
+
 bool isMonthly(std::int64_t date) {
-    const std::chrono::year_month_day day{std::chrono::sys_days{std::chrono::days{date}}};
+    const std::int64_t friday = date + 4 - weekdayOf(date);
+    const std::chrono::year_month_day day{std::chrono::sys_days{std::chrono::days{friday}}};
     const auto dayOfMonth = static_cast<unsigned>(day.day());
-    return weekdayOf(date) == 4 && dayOfMonth > 14 && dayOfMonth < 22;
+    return isWeekly(date) && dayOfMonth > 14 && dayOfMonth < 22;
 }
 
 bool isMultiple(double strike, double of) { return std::abs(strike / of - std::round(strike / of)) < 1e-9; }
@@ -118,8 +126,7 @@ void OptionChain::listExpirations() {
     double shares = 0;
     for (int ahead = 0; ahead < daysAhead; ++ahead) {
         const std::int64_t date = session_.date + ahead;
-        const std::int64_t weekday = weekdayOf(date);
-        if (weekday > 4 || (!source_.dailies && weekday != 4)) continue;
+        if (weekdayOf(date) > 4 || isExchangeHoliday(date) || (!source_.dailies && !isWeekly(date))) continue;
         dates_.push_back(isoDate(date));
         expirations_.push_back(list(date, ahead));
         shares += expirations_.back().share;
@@ -131,10 +138,10 @@ OptionChain::Expiration OptionChain::list(std::int64_t date, int ahead) const {
     Expiration one;
     // 16:00 on its date. A session begins at 18:00 on the eve of its date, 22 hours before.
     one.expiry = session_.start + ahead * std::int64_t{86400} + 22 * 3600;
-    one.share = (weekdayOf(date) == 4 ? 1.5 : 1.0) / (1.0 + 1.6 * ahead);
-    // Fridays list every strike; other dates list those within a few standard deviations of the price.
+    one.share = (isWeekly(date) ? 1.5 : 1.0) / (1.0 + 1.6 * ahead);
+    // Weeklies list every strike; other dates list those within a few standard deviations of the price.
     const double width =
-        weekdayOf(date) == 4 ? 1.0 : std::max(0.35 * source_.reach, 4.5 * volatility_ * std::sqrt((ahead + 1) / 365.0));
+        isWeekly(date) ? 1.0 : std::max(0.35 * source_.reach, 4.5 * volatility_ * std::sqrt((ahead + 1) / 365.0));
     const auto near = [&](double strike) { return std::abs(strike / spot_ - 1) <= width; };
     const auto first = std::find_if(strikes_.begin(), strikes_.end(), near);
     const auto last = std::find_if_not(first, strikes_.end(), near);
@@ -151,7 +158,7 @@ OptionChain::Listing OptionChain::listing(std::size_t strike, std::int64_t date,
     // Open interest belongs to the contract (`random`) and shifts a little from day to day (`today`).
     const std::uint64_t contract = streamKey(seed_, source_.name, date * 1000003 + whole(at * 100));
     RandomStream random(contract), today(mixedBits(contract ^ static_cast<std::uint64_t>(session_.date)));
-    double size = 900 * roundness(at, step) * (weekdayOf(date) == 4 ? weeklyBoost : 1.0) * (isMonthly(date) ? 2.5 : 1);
+    double size = 900 * roundness(at, step) * (isWeekly(date) ? weeklyBoost : 1.0) * (isMonthly(date) ? 2.5 : 1);
     size *= std::exp(0.6 * random.quickNormal() + 0.08 * today.quickNormal()) / (1 + 0.03 * ahead);
     const double wide = 0.45 * source_.reach;
     const auto bell = [&](double centre) { return std::exp(-0.5 * std::pow((away - centre) / wide, 2)); };

@@ -49,7 +49,7 @@ class OptionChain {
     const MarketSession& session() const { return session_; }
     /// Ascending, in the source's own units, evenly spaced; 60 to 250.
     const std::vector<double>& strikes() const { return strikes_; }
-    /// Ascending ISO dates of three weeks: weekdays, or Fridays only.
+    /// Ascending ISO dates of three weeks on which the exchanges are open: all, or the last of each week only.
     const std::vector<std::string>& expirations() const { return dates_; }
 
     /// The whole chain. `chartPrice` is the root's price.

@@ -14,7 +14,7 @@ struct OptionSource {
     std::string_view name;    ///< "QQQ"
     std::string_view symbol;  ///< futures root or stock that its price follows
     double ratio;             ///< chart price over its own price, about
-    bool dailies;             ///< expires on every weekday, else on Fridays
+    bool dailies;             ///< expires on every trading day, else on the week's last
     double reach;             ///< the strikes listed go this share of the price up and down
 
     const Instrument& instrument() const { return *findTradable(symbol); }

@@ -190,6 +190,14 @@ std::string PracticeRelay::restUrl() const {
 
 std::string PracticeRelay::apiKey() const { return std::string(Accounts::apiKey); }
 
+std::vector<std::pair<std::string, std::string>> PracticeRelay::variables() const {
+    std::vector<std::pair<std::string, std::string>> all{{"VMR_RELAY_URL", relayUrl()}, {"VMR_API_KEY", apiKey()}};
+    for (const char* name :
+         {"VMR_IDENTITY_URL", "VMR_SECURETOKEN_URL", "VMR_FUNCTIONS_URL", "VMR_FIRESTORE_URL", "VMR_DOWNLOADS_URL"})
+        all.emplace_back(name, restUrl());
+    return all;
+}
+
 std::string PracticeRelay::email() const { return std::string(Accounts::email); }
 
 std::string PracticeRelay::password() const { return std::string(Accounts::password); }

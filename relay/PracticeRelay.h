@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/Clock.h"
@@ -45,6 +46,9 @@ class PracticeRelay {
     std::string relayUrl() const;  ///< "ws://127.0.0.1:PORT/"
     std::string restUrl() const;   ///< "http://127.0.0.1:PORT", for every REST endpoint
     std::string apiKey() const;    ///< the 39-character key that the REST side accepts
+
+    /// The variables that lead a client here and nowhere else: every address, and the key. Names and values.
+    std::vector<std::pair<std::string, std::string>> variables() const;
 
     /// The practice account.
     std::string email() const;

@@ -35,6 +35,12 @@ std::optional<std::string> queryValue(std::string_view query, std::string_view n
     return std::nullopt;
 }
 
+std::optional<std::string> formValue(std::string_view form, std::string_view name) {
+    std::string text(form);
+    std::replace(text.begin(), text.end(), '+', ' ');
+    return queryValue(text, name);
+}
+
 std::string_view queryOf(std::string_view target) {
     const std::size_t mark = target.find('?');
     return mark == target.npos ? std::string_view{} : target.substr(mark + 1);

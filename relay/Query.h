@@ -13,6 +13,9 @@ std::string percentDecoded(std::string_view text);
 /// The decoded value of `name` in "a=1&b=2"; nothing when it does not occur.
 std::optional<std::string> queryValue(std::string_view query, std::string_view name);
 
+/// The same in the body of a form, where "+" is a blank.
+std::optional<std::string> formValue(std::string_view form, std::string_view name);
+
 /// What follows the "?" of a request's target; empty without one.
 std::string_view queryOf(std::string_view target);
 

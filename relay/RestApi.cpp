@@ -13,7 +13,9 @@ namespace vmr::relay {
 namespace {
 RestReply fault(int status, const std::string& message) {
     const nlohmann::json cause{{"message", message}, {"domain", "global"}, {"reason", "invalid"}};
-    return {status, nlohmann::json{{"error", {{"code", status}, {"message", message}, {"errors", {cause}}}}}.dump()};
+    const char* const name = status == 403 ? "PERMISSION_DENIED" : status == 404 ? "NOT_FOUND" : "INVALID_ARGUMENT";
+    const nlohmann::json error{{"code", status}, {"message", message}, {"errors", {cause}}, {"status", name}};
+    return {status, nlohmann::json{{"error", error}}.dump()};
 }
 
 std::string lower(std::string_view text) {
@@ -23,13 +25,12 @@ std::string lower(std::string_view text) {
     return out;
 }
 
-/// What is wrong with the account that a JSON body names.
-std::optional<RestReply> accountFault(const std::optional<Json>& body) {
+/// What is wrong with the address in a JSON body. Whether there is an account for it is never said.
+std::optional<RestReply> addressFault(const std::optional<Json>& body) {
     if (!body || !body->isObject()) return fault(400, "Invalid JSON payload received.");
     const std::string_view email = (*body)["email"].string();
     if (email.empty()) return fault(400, "MISSING_EMAIL");
     if (email.find('@') == email.npos) return fault(400, "INVALID_EMAIL");
-    if (lower(email) != Accounts::email) return fault(400, "EMAIL_NOT_FOUND");
     return std::nullopt;
 }
 }  // namespace
@@ -59,11 +60,17 @@ RestReply RestApi::answer(const RestRequest& request) {
 
 RestReply RestApi::signIn(const std::string& text) {
     const auto body = Json::parse(text);
-    if (auto wrong = accountFault(body)) return *wrong;
+    if (auto wrong = addressFault(body)) return *wrong;
     const std::string_view password = (*body)["password"].string();
     if (password.empty()) return fault(400, "MISSING_PASSWORD");
+    if (accounts_.isLockedOut())
+        return fault(400,
+                     "TOO_MANY_ATTEMPTS_TRY_LATER : Access to this account has been temporarily disabled due to many "
+                     "failed login attempts.");
     if (faults_.refuse) return fault(400, "USER_DISABLED");
-    if (password != Accounts::password) return fault(400, "INVALID_PASSWORD");
+    const bool known = lower((*body)["email"].string()) == Accounts::email && password == Accounts::password;
+    accounts_.noteAttempt(known);
+    if (!known) return fault(400, "INVALID_LOGIN_CREDENTIALS");
     const IssuedTokens tokens = accounts_.issue();
     return {200, nlohmann::json{{"kind", "identitytoolkit#VerifyPasswordResponse"},
                                 {"localId", Accounts::localId},
@@ -77,12 +84,13 @@ RestReply RestApi::signIn(const std::string& text) {
 }
 
 RestReply RestApi::refresh(const std::string& form) {
-    const auto grant = queryValue(form, "grant_type");
+    const auto grant = formValue(form, "grant_type");
     if (!grant) return fault(400, "MISSING_GRANT_TYPE");
     if (*grant != "refresh_token") return fault(400, "INVALID_GRANT_TYPE");
-    const auto token = queryValue(form, "refresh_token");
+    const auto token = formValue(form, "refresh_token");
     if (!token || token->empty()) return fault(400, "MISSING_REFRESH_TOKEN");
     const Accounts::Refresh state = accounts_.refreshState(*token);
+    if (faults_.refuse) return fault(400, "USER_DISABLED");
     if (state == Accounts::Refresh::unknown) return fault(400, "INVALID_REFRESH_TOKEN");
     if (state == Accounts::Refresh::expired) return fault(400, "TOKEN_EXPIRED");
     const IssuedTokens tokens = accounts_.issue();
@@ -100,10 +108,10 @@ RestReply RestApi::sendCode(const std::string& text) const {
     const auto body = Json::parse(text);
     if (!body || !body->isObject()) return fault(400, "Invalid JSON payload received.");
     if ((*body)["requestType"].string() != "PASSWORD_RESET") return fault(400, "MISSING_REQ_TYPE");
-    if (auto wrong = accountFault(body)) return *wrong;
-    return {
-        200,
-        nlohmann::json{{"kind", "identitytoolkit#GetOobConfirmationCodeResponse"}, {"email", Accounts::email}}.dump()};
+    if (auto wrong = addressFault(body)) return *wrong;
+    return {200, nlohmann::json{{"kind", "identitytoolkit#GetOobConfirmationCodeResponse"},
+                                {"email", std::string((*body)["email"].string())}}
+                     .dump()};
 }
 
 }  // namespace vmr::relay

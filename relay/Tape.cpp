@@ -14,8 +14,8 @@ void setQuotes(std::vector<Trade>& trades, double tick) {
     for (Trade& trade : trades) {
         if (trade.price != last) atAsk = trade.price > last;
         last = trade.price;
-        trade.bid = atAsk ? trade.price - tick : trade.price;
-        trade.ask = atAsk ? trade.price : trade.price + tick;
+        trade.bid = atAsk ? besidePrice(trade.price, -tick) : trade.price;
+        trade.ask = atAsk ? trade.price : besidePrice(trade.price, tick);
     }
 }
 }  // namespace

@@ -1,6 +1,7 @@
 // The seam between a market and the channels that show it.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -15,6 +16,12 @@ struct Trade {
     double ask = 0;
     bool operator==(const Trade&) const = default;
 };
+
+/// `price` moved by `step` points, as it is printed: the plain sum of 1313.9 and -0.1 is 1313.8000000000002.
+inline double besidePrice(double price, double step) {
+    constexpr double parts = 1e6;  // finer than any price
+    return std::round((price + step) * parts) / parts;
+}
 
 /// One symbol's market. The same minute always has the same trades. One thread.
 class TradeSource {

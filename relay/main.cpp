@@ -2,14 +2,15 @@
 #include <boost/asio/signal_set.hpp>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <mutex>
 #include <thread>
 
 #include "base/AsioLoop.h"
+#include "base/Environment.h"
 #include "base/Log.h"
 #include "base/NumberText.h"
+#include "base/StandardInput.h"
 #include "market/SessionTime.h"
 #include "relay/CommandLine.h"
 #include "relay/PracticeRelay.h"
@@ -36,10 +37,7 @@ void readCommands(const std::shared_ptr<CommandTarget>& target) {
 
 void announce(const vmr::relay::PracticeRelay& relay, const vmr::relay::RelayCommandLine& line,
               const vmr::Clock& clock) {
-    print("VMR_RELAY_URL=" + relay.relayUrl());
-    print("VMR_IDENTITY_URL=" + relay.restUrl());
-    print("VMR_SECURETOKEN_URL=" + relay.restUrl());
-    print("VMR_API_KEY=" + relay.apiKey());
+    for (const auto& [name, value] : relay.variables()) print(name + "=" + value);
     if (line.clock) print("VMR_CLOCK=" + vmr::relay::momentText(clock.now()) + "@" + vmr::doubleText(clock.speed()));
     print("# account: " + relay.email() + "   password: " + relay.password());
     const auto now = static_cast<std::int64_t>(clock.now());
@@ -52,11 +50,7 @@ void announce(const vmr::relay::PracticeRelay& relay, const vmr::relay::RelayCom
 }  // namespace
 
 int main(int argc, char** argv) {
-    const auto lookup = [](const char* name) -> std::optional<std::string> {
-        const char* value = std::getenv(name);
-        return value ? std::optional<std::string>(value) : std::nullopt;
-    };
-    const auto line = vmr::relay::readRelayCommandLine({argv + 1, argv + argc}, lookup);
+    const auto line = vmr::relay::readRelayCommandLine({argv + 1, argv + argc}, vmr::environment);
     if (line.help) {
         vmr::Log::standardOutput().lines(vmr::relay::relayHelp());
         return 0;
@@ -80,6 +74,7 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);  // else the blocked reader holds a lock that ending needs
     const auto target = std::make_shared<CommandTarget>();
     target->relay = &relay;
+    vmr::readStandardInputUnlocked();
     std::thread([target] { readCommands(target); }).detach();
     loop.run();
     std::lock_guard lock(target->mutex);

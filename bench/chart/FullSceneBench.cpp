@@ -33,8 +33,10 @@ struct FullScene {
     test::StillAccount account{data.candles.back().close};
     ChartView view{{gpu, glyphs, session, clock, queue, nullptr, &account}};
     ChartContent content;
-    Connection following =
-        view.viewportState()->changed.connect([this] { benchmark::DoNotOptimize(view.viewportState()->get()->first); });
+    Connection following = view.viewportState()->changed.connect([this] {
+        double first = view.viewportState()->get()->first;
+        benchmark::DoNotOptimize(first);
+    });
     double now = 1000;
 
     explicit FullScene(std::size_t bars = 5000) : data(waveBars(bars), everything), content(data.content()) {

@@ -8,10 +8,10 @@
 #include <thread>
 
 #include "bench/model/DerivedText.h"
+#include "bench/model/FullMarket.h"
 #include "bench/model/HandPane.h"
 #include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
-#include "market/SessionLines.h"
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/support/StillAccount.h"
 
@@ -30,28 +30,7 @@ struct BusyPane : bench::HandPane {
         on.gexEnabled = on.gexLabels = on.dexEnabled = on.dexLabels = on.hfLateralEnabled = on.oiEnabled =
             on.gexBubbles = on.hfBubbles = true;
         m.setConfig(on);
-        for (int i = 0; i < 5000; ++i) {
-            const std::int64_t time = minute - (4999 - i) * 60;
-            const double p = 21000 + (i * 37 % 400) * 0.25;
-            m.bars.candles[static_cast<std::size_t>(i)] = {time, p, p + 3, p - 2, p + 0.25, 900};
-            m.bars.secondaryCandles.push_back({time, p / 3, p / 3 + 1, p / 3 - 1, p / 3, 900});
-            m.bars.vixCandles.push_back({time, 18, 18.1, 17.9, 18, 0});
-            m.overlays.hfByMin[time].c = (i % 401 - 200) * 1e6;
-        }
-        for (int d = 0; d < 5; ++d) {
-            const std::int64_t open = SessionLines::sessionOpenSec(minute - d * 86400, m.sessionHHMM());
-            m.sessionLevels.srSessions[open] = {
-                open, 21000, {{1, "", 21100, 0}, {2, "", 21200, 0}}, {{1, "", 20900, 0}}};
-        }
-        std::vector<BubblePt> bubbles;
-        std::vector<TrianglePt> triangles;
-        for (int i = 0; i < 1800; ++i) {
-            bubbles.push_back({.minuteTs = minute - (i / 3) * 60, .strike = 520.0 + i % 11, .dom = 0.5, .rank = i % 3});
-            triangles.push_back(
-                {.minuteTs = minute - (i / 3) * 60, .strike = 518.0 + i % 13, .net = 5, .minuteMax = 9});
-        }
-        m.markers.bubblePts = bubbles;
-        m.markers.trianglePts = triangles;
+        bench::fillMarket(m, minute);
         // the second source's bars are drawn too
         strikesChanged = m.options.strikes.changed.connect([&m] { m.options.secStrikes = m.options.strikes.get(); });
         view.onNeedsFrame = [this](ChartView::Need) { due = true; };

@@ -7,9 +7,9 @@
 
 #include "bench/chart/Measure.h"
 #include "bench/model/DerivedText.h"
+#include "bench/model/FullMarket.h"
 #include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
-#include "market/SessionLines.h"
 #include "model/SimTrading.h"
 #include "sim/SimEngine.h"
 #include "support/pane/TestPane.h"
@@ -29,28 +29,7 @@ struct ShownPane {
                             &on.ema1Enabled, &on.ema2Enabled, &on.dexEnabled, &on.oiEnabled})
             *field = *field || everything;
         m.setConfig(on);
-        for (int i = 0; i < 5000; ++i) {
-            const std::int64_t time = minute - (4999 - i) * 60;
-            const double p = 21000 + (i * 37 % 400) * 0.25;
-            m.bars.candles.push_back({time, p, p + 3, p - 2, p + 0.25, 900});
-            m.bars.secondaryCandles.push_back({time, p / 3, p / 3 + 1, p / 3 - 1, p / 3, 900});
-            m.bars.vixCandles.push_back({time, 18, 18.1, 17.9, 18, 0});
-            m.overlays.hfByMin[time].c = (i % 401 - 200) * 1e6;
-        }
-        for (int d = 0; d < 5; ++d) {
-            const std::int64_t open = SessionLines::sessionOpenSec(minute - d * 86400, m.sessionHHMM());
-            m.sessionLevels.srSessions[open] = {
-                open, 21000, {{1, "", 21100, 0}, {2, "", 21200, 0}}, {{1, "", 20900, 0}}};
-        }
-        std::vector<BubblePt> bubbles;
-        std::vector<TrianglePt> triangles;
-        for (int i = 0; i < 1800; ++i) {
-            const std::int64_t time = minute - (i / 3) * 60;
-            bubbles.push_back({.minuteTs = time, .strike = 520.0 + i % 11, .dom = 0.5, .rank = i % 3});
-            triangles.push_back({.minuteTs = time, .strike = 518.0 + i % 13, .net = 5, .minuteMax = 9});
-        }
-        m.markers.bubblePts = bubbles;
-        m.markers.trianglePts = triangles;
+        bench::fillMarket(m, minute);
         view.setSource(&m);
         m.setChartPort(&view);
         at.frame(bench::derivedFrame(250, 15, 0));

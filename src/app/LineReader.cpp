@@ -4,6 +4,8 @@
 #include <mutex>
 #include <thread>
 
+#include "base/StandardInput.h"
+
 namespace vmr {
 
 struct LineReader::Shared {
@@ -16,6 +18,7 @@ LineReader::LineReader(MainLoop& loop, std::function<void(const std::string&)> t
     : shared_(std::make_shared<Shared>()) {
     shared_->loop = &loop;
     shared_->take = std::move(take);
+    readStandardInputUnlocked();
     // the thread may wait for input for ever, so it is left behind when the reader ends
     std::thread([shared = shared_] {
         for (std::string line; std::getline(std::cin, line);) {

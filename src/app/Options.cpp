@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "base/Clock.h"
 #include "base/NumberText.h"
 #include "relay/PracticeRelay.h"
 
@@ -19,7 +20,9 @@ Problem readPositive(const std::string& name, const std::string& text, double& o
 
 Problem readClock(const std::string& name, const std::string& text, std::optional<ClockSetting>& out) {
     out = parseClockSetting(text);
-    if (!out) return name + " needs a moment such as 2026-06-10T10:00:00 or 2026-06-10T14:00Z@60, not \"" + text + "\"";
+    if (!out)
+        return name + " needs a moment such as 2026-06-10T10:00:00 or 2026-06-10T14:00Z@60 (at most @10000), not \"" +
+               text + "\"";
     return std::nullopt;
 }
 
@@ -45,6 +48,7 @@ Problem readValue(const std::string& name, const std::string& value, Options& ou
     } else if (name == "--speed") {
         double speed = 1;
         if (auto problem = readPositive(name, value, speed)) return problem;
+        if (speed > Clock::fastest) return "--speed goes up to 10000, not " + value;
         out.speed = speed;
     } else if (name == "--seed") {
         const auto seed = parseInt(value);
@@ -76,9 +80,10 @@ Problem check(const Options& out) {
 }  // namespace
 
 std::variant<Options, std::string> parseOptions(const std::vector<std::string>& arguments,
-                                                const std::function<std::optional<std::string>(const char*)>& lookup) {
+                                                const EnvironmentLookup& lookup) {
     Options out;
     out.bench = BenchSettings::fromEnvironment(lookup);
+    out.strictFeed = lookup("VMR_STRICT") == "1";
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         std::string name = arguments[i];
         if (name == "--practice") {
@@ -121,7 +126,7 @@ std::string usageText() {
            "  --screenshot FILE      save the window's picture at the end\n"
            "  --window WxH           size of the window\n"
            "  --clock MOMENT[@SPEED] start the market's clock at an ISO 8601 moment (New York without an offset) and\n"
-           "                         run it at that speed; also VMR_CLOCK\n"
+           "                         run it at that speed, at most 10000; also VMR_CLOCK\n"
            "  --perf-bench           measure this machine: everything on, a synthetic drag, a report, the end;\n"
            "                         VMR_BENCH_WARMUP and VMR_BENCH_SECS are its seconds (6 and 10)\n"
            "With --practice:\n"

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "base/Environment.h"
 #include "market/ClockSetting.h"
 #include "perf/BenchSettings.h"
 
@@ -27,14 +27,14 @@ struct Options {
     std::uint64_t seed = 1;       ///< of the practice market
     double busy = 1;              ///< times as many practice trades as usual
     double tokenLife = 3600;      ///< of practice tokens, real seconds
+    bool strictFeed = false;      ///< VMR_STRICT=1: a number of the feed that fits no integer ends the process
     BenchSettings bench;
 };
 
-/// Reads the arguments (without the program's name); VMR_CLOCK stands in for a missing --clock, and the benchmark's
-/// variables are read. Gives the text of what
-/// is wrong with them otherwise.
+/// Reads the arguments (without the program's name); VMR_CLOCK stands in for a missing --clock, and VMR_STRICT and the
+/// benchmark's variables are read. Gives the text of what is wrong with them otherwise.
 std::variant<Options, std::string> parseOptions(const std::vector<std::string>& arguments,
-                                                const std::function<std::optional<std::string>(const char*)>& lookup);
+                                                const EnvironmentLookup& lookup);
 
 /// What --help prints.
 std::string usageText();

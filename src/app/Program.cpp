@@ -15,10 +15,7 @@ namespace vmr {
 namespace {
 // A practice relay knows nothing of the sessions of an earlier one.
 Preferences& withUsableSession(Preferences& preferences, const ProgramStart& start) {
-    if (start.practice())
-        for (const char* key :
-             {FirebaseRESTAuth::refreshTokenKey, FirebaseRESTAuth::uidKey, FirebaseRESTAuth::emailKey})
-            preferences.remove(key);
+    if (start.practice()) FirebaseRESTAuth::forgetStored(preferences);
     return preferences;
 }
 }  // namespace
@@ -30,6 +27,7 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
       preferences_(start.paths().config / "preferences.json", files_.loop()),
       http_(main),
       auth_(start.endpoints(), http_, withUsableSession(preferences_, start), start.clock()) {
+    auth_.setupProblem = start.setupProblem();
     openAccount();
     openPanes();
     for (const std::string& line : std::exchange(accountNotices_, {})) tellOfAccount(line);
@@ -40,7 +38,7 @@ void Program::openAccount() {
     sim_ = std::make_unique<SimEngine>(SimSetup{start_.clock(),
                                                 session_,
                                                 UuidSource(),
-                                                std::make_shared<SimStore>(start_.paths().data, start_.clock()),
+                                                std::make_shared<SimStore>(start_.accountFile(), start_.clock()),
                                                 &main_,
                                                 &files_.loop(),
                                                 {},
@@ -59,6 +57,7 @@ void Program::openPanes() {
                                   .print = print_,
                                   .sim = sim_.get(),
                                   .perf = &Perf::shared(),
+                                  .strictFeed = start_.options().strictFeed,
                                   .rebuildInDrags = start_.options().bench.baseline};
     if (start_.options().headless) surroundings.printMessage = print_;
     if (start_.options().bench.bench) {
@@ -68,20 +67,21 @@ void Program::openPanes() {
     }
     panes_ = std::make_unique<PaneHost>(std::move(surroundings), [this](AsioLoop& queue) {
         return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(queue), queue, main_,
-                                             start_.clock(), print_);
+                                             start_.relayClock(), print_);
     });
     panes_->open();
     if (!start_.options().tapeSymbol.empty()) panes_->active()->setFirstSymbol(start_.options().tapeSymbol);
 }
 
-// A person must see it, in the log and over a chart; before there is a pane it waits.
+// In the log, and over a chart in passing; what lasts stands there as a notice of its own. Before there is a pane it
+// waits.
 void Program::tellOfAccount(const std::string& line) {
     if (!panes_) return accountNotices_.push_back(line);
     print_("[sim] " + line);
     AppModel* pane = panes_->active();
     if (!pane) return;
     pane->log.append(line);
-    pane->notices.flashToast("Simulator", line);
+    if (!sim_->problem()) pane->notices.flashToast("Simulator", line);
 }
 
 Program::~Program() {

@@ -1,28 +1,39 @@
 #include "app/ProgramStart.h"
 
-#include <cstdlib>
+#include <algorithm>
 
+#include "base/Environment.h"
 #include "relay/Tape.h"
+#include "sim/SimStore.h"
 
 namespace vmr {
 
-namespace {
-std::optional<std::string> environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? std::optional<std::string>(value) : std::nullopt;
-}
-}  // namespace
-
 ProgramStart::ProgramStart(const Options& options)
-    : options_(options),
-      endpoints_(Endpoints::fromEnvironment(environment)),
-      paths_(options.practice ? Paths::practice() : Paths::user()) {
-    if (options_.practice) choosePracticeClock();
+    : options_(options), endpoints_(Endpoints::fromEnvironment(environment)) {
+    choosePaths();
+    if (options_.practice && !failure_) choosePracticeClock();
     if (options_.clock)
         clock_ = std::make_unique<SteerableClock>(options_.clock->start, options_.clock->speed);
     else
         clock_ = std::make_unique<SteerableClock>();
     if (options_.practice && !failure_) startPractice();
+}
+
+void ProgramStart::choosePaths() {
+    if (const auto paths = options_.practice ? Paths::practice() : Paths::user())
+        paths_ = *paths;
+    else
+        failure_ = "there is no home folder to keep settings and the paper account in; set HOME";
+}
+
+// The market that practice offers by default has no name, and so the plain file.
+std::filesystem::path ProgramStart::accountFile() const {
+    std::string market;
+    if (options_.practice && !options_.tapeFile.empty())
+        market = "tape-" + std::filesystem::path(options_.tapeFile).filename().string();
+    if (options_.practice && options_.seed != Options().seed)
+        market += (market.empty() ? "seed-" : "-seed-") + std::to_string(options_.seed);
+    return paths_.data / SimStore::fileName(market);
 }
 
 void ProgramStart::choosePracticeClock() {
@@ -51,12 +62,11 @@ void ProgramStart::startPractice() {
     practice_ = std::make_unique<relay::PracticeRelay>(*clock_, relay);
     failure_ = practice_->start();
     if (failure_) return;
-    endpoints_ = {};
-    endpoints_.relayUrl = practice_->relayUrl();
-    endpoints_.apiKey = practice_->apiKey();
-    for (std::string* url : {&endpoints_.identityUrl, &endpoints_.secureTokenUrl, &endpoints_.functionsUrl,
-                             &endpoints_.firestoreUrl, &endpoints_.downloadsUrl})
-        *url = practice_->restUrl();
+    endpoints_ = Endpoints::fromEnvironment([variables = practice_->variables()](const char* name) {
+        const auto found = std::find_if(variables.begin(), variables.end(),
+                                        [name](const auto& variable) { return variable.first == name; });
+        return found == variables.end() ? std::nullopt : std::optional(found->second);
+    });
 }
 
 std::optional<std::string> ProgramStart::setupProblem() const {

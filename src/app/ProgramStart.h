@@ -1,6 +1,7 @@
 // What is decided before there is a main loop.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,15 +29,21 @@ class ProgramStart {
     const Clock& clock() const { return *clock_; }
     /// The same clock, for the main thread to steer; the practice relay follows it.
     SteerableClock& steering() { return *clock_; }
+    /// What the relay is told to be the time: of another relay's affairs, this machine's; the practice relay's own.
+    const Clock& relayClock() const { return practice_ ? clock() : machine_; }
     const Endpoints& endpoints() const { return endpoints_; }
     const Paths& paths() const { return paths_; }
+    /// The paper account's. Each practice market has one of its own, so that no market's prices fill another's orders.
+    std::filesystem::path accountFile() const;
     relay::PracticeRelay* practice() const { return practice_.get(); }
 
  private:
+    void choosePaths();
     void choosePracticeClock();
     void startPractice();
 
     Options options_;
+    SystemClock machine_;
     std::unique_ptr<SteerableClock> clock_;
     Endpoints endpoints_;
     Paths paths_;

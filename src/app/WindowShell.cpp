@@ -14,6 +14,7 @@
 
 #include "base/Clock.h"
 #include "base/Log.h"
+#include "model/AppModel.h"
 #include "model/SimTrading.h"
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
@@ -93,9 +94,10 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     Perf& perf = Perf::shared();
     const PerfPinger pinger(perf, loop);
     app.watchTurns(perf);
-    SimTrading trading(pane.sim);
+    SimTrading trading(pane.sim,
+                       [&pane](const std::string& reason) { pane.model.notices.flashToast("Simulator", reason); });
     PaneViewModel view;
-    view.setSurroundings({&pane.clock, &loop, &trading, &perf, pane.bench, print,
+    view.setSurroundings({&pane.clock, &pane.model.sessionTime(), &loop, &trading, &perf, pane.bench, print,
                           [&loop] { loop.post([] { QCoreApplication::exit(0); }); }});
     const PaneBinding binding(pane.model, view, loop, options.setupProblem, options.signInHint, &pane.sim);
     QQmlApplicationEngine engine;

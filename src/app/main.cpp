@@ -1,12 +1,12 @@
 // Process start.
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "app/HeadlessShell.h"
 #include "app/Options.h"
 #include "app/ProgramStart.h"
+#include "base/Environment.h"
 #include "base/Log.h"
 #include "model/BarRollSelfTest.h"
 #include "perf/Perf.h"
@@ -15,11 +15,6 @@
 #endif
 
 namespace {
-
-std::optional<std::string> environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? std::optional<std::string>(value) : std::nullopt;
-}
 
 int selfTest() {
     const vmr::BarRollResult result = vmr::runBarRollSelfTest();
@@ -32,9 +27,9 @@ int selfTest() {
 
 int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
-    if (environment("VMR_BARROLL_TEST")) return selfTest();
+    if (vmr::environment("VMR_BARROLL_TEST")) return selfTest();
 
-    auto parsed = vmr::parseOptions({argv + 1, argv + argc}, environment);
+    auto parsed = vmr::parseOptions({argv + 1, argv + argc}, vmr::environment);
     if (const auto* problem = std::get_if<std::string>(&parsed)) {
         std::fprintf(stderr, "velmora: %s\nvelmora --help lists the options.\n", problem->c_str());
         return 2;

@@ -19,7 +19,7 @@ namespace asio = boost::asio;
 using SteadyTime = std::chrono::steady_clock;
 
 namespace {
-constexpr double resolverPatience = 0.2;
+constexpr double resolverPatience = 0.1;
 
 SteadyTime::duration seconds(double value) {
     return std::chrono::duration_cast<SteadyTime::duration>(std::chrono::duration<double>(std::clamp(value, 0.0, 1e8)));
@@ -194,7 +194,8 @@ AsioThread::~AsioThread() {
         if (shared.loop) shared.loop->quit();
         shared.changed.wait(lock, [&shared] { return shared.stopped; });
         // its tasks are over; what is left is the loop's own
-        if (!shared.changed.wait_for(lock, seconds(resolverPatience), ended)) {
+        const auto until = std::max(patientUntil_ + seconds(resolverPatience), SteadyTime::now() + seconds(0.05));
+        if (!shared.changed.wait_until(lock, until, ended)) {
             thread_.detach();
             return;
         }

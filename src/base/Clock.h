@@ -22,6 +22,9 @@ using ClockWatch = std::shared_ptr<const void>;
 /// What time it is. Const calls are safe from any thread.
 class Clock {
  public:
+    /// The greatest speed that a person may set: beyond it the market's steps are too wide to be watched.
+    static constexpr double fastest = 10000;
+
     virtual ~Clock() = default;
 
     /// Market time: seconds since 1970-01-01 UTC, with fraction. It may run at another speed and from another moment,

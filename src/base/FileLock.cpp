@@ -3,13 +3,11 @@
 #include <chrono>
 #include <thread>
 
-#include "base/FileReplace.h"
+#include "base/PrivateFile.h"
 #ifdef _WIN32
 #include <windows.h>
 #else
-#include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -46,7 +44,7 @@ FileLock::~FileLock() {
 }
 #else
 void FileLock::tryOnce(const std::filesystem::path& file) {
-    const int handle = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    const int handle = openPrivateFile(file);
     if (handle < 0) return;
     int result;
     do result = ::flock(handle, LOCK_EX | LOCK_NB);

@@ -7,13 +7,13 @@
 namespace vmr {
 
 /// Takes the lock, and holds it until destroyed or until the process ends, however it ends. Missing folders are made.
-/// The file itself is empty, readable by its owner only, and stays.
+/// The file itself is empty, and stays. It and its folder are this user's alone, as `makePrivateFolders` tells.
 class FileLock {
  public:
     enum class State {
         held,
         heldElsewhere,
-        unavailable  ///< the file cannot be made, or its file system knows no locks
+        unavailable  ///< the file cannot be made or is not this user's own, or its file system knows no locks
     };
 
     /// Tries for `patience` real seconds while somebody else has it, with 0 once.

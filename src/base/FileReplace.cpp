@@ -1,15 +1,12 @@
 #include "base/FileReplace.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <fstream>
+#include <random>
 #include <system_error>
-#ifdef _WIN32
-#include <io.h>
-#else
+
+#include "base/PrivateFile.h"
+#ifndef _WIN32
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -18,41 +15,21 @@ namespace vmr {
 namespace fs = std::filesystem;
 
 namespace {
-std::string failure(const char* what, const fs::path& path, int error) {
-    return std::string(what) + " " + path.string() + ": " + std::strerror(error);
+constexpr std::string_view ending = ".new";
+constexpr std::size_t randomDigits = 16;
+
+// A name that nobody can have put there before.
+fs::path nameBeside(const fs::path& path) {
+    std::random_device random;
+    std::string name = ".";
+    for (std::size_t i = 0; i < randomDigits; ++i) name += "0123456789abcdef"[random() % 16];
+    fs::path beside = path;
+    return beside += name.append(ending);
 }
 
 #ifdef _WIN32
-std::optional<std::string> writeFlushed(const fs::path& path, std::string_view bytes) {
-    std::FILE* file = _wfopen(path.c_str(), L"wb");
-    if (!file) return failure("cannot write", path, errno);
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() && std::fflush(file) == 0 &&
-                         _commit(_fileno(file)) == 0;
-    const int error = errno;
-    std::fclose(file);
-    if (!written) return failure("cannot write", path, error);
-    return std::nullopt;
-}
 void flushFolder(const fs::path&) {}
 #else
-std::optional<std::string> writeFlushed(const fs::path& path, std::string_view bytes) {
-    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (file < 0) return failure("cannot write", path, errno);
-    ::fchmod(file, S_IRUSR | S_IWUSR);
-    int error = 0;
-    for (std::size_t done = 0; done < bytes.size() && error == 0;) {
-        const ssize_t count = ::write(file, bytes.data() + done, bytes.size() - done);
-        if (count > 0)
-            done += static_cast<std::size_t>(count);
-        else if (errno != EINTR)
-            error = errno;
-    }
-    if (error == 0 && ::fsync(file) != 0) error = errno;
-    if (::close(file) != 0 && error == 0) error = errno;
-    if (error != 0) return failure("cannot write", path, error);
-    return std::nullopt;
-}
-
 void flushFolder(const fs::path& folder) {
     const int handle = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (handle < 0) return;
@@ -62,23 +39,12 @@ void flushFolder(const fs::path& folder) {
 #endif
 }  // namespace
 
-std::optional<std::string> makePrivateFolders(const fs::path& folder) {
-    std::error_code error;
-    if (folder.empty() || fs::exists(folder, error)) return std::nullopt;
-    if (auto problem = makePrivateFolders(folder.parent_path())) return problem;
-    if (!fs::create_directory(folder, error) && error)
-        return "cannot make the folder " + folder.string() + ": " + error.message();
-    fs::permissions(folder, fs::perms::owner_all, error);
-    return std::nullopt;
-}
-
 std::optional<std::string> replaceFile(const fs::path& path, std::string_view bytes) {
     const fs::path folder = path.parent_path();
     if (auto problem = makePrivateFolders(folder)) return problem;
-    fs::path beside = path;
-    beside += ".new";
+    const fs::path beside = nameBeside(path);
     std::error_code error;
-    if (auto problem = writeFlushed(beside, bytes)) {
+    if (auto problem = writeNewPrivateFile(beside, bytes)) {
         fs::remove(beside, error);
         return problem;
     }
@@ -90,6 +56,18 @@ std::optional<std::string> replaceFile(const fs::path& path, std::string_view by
     }
     flushFolder(folder);
     return std::nullopt;
+}
+
+void removeLeftovers(const fs::path& path) {
+    const std::string start = path.filename().string() + ".";
+    std::error_code error;
+    for (fs::directory_iterator at(path.parent_path(), error), end; !error && at != end; at.increment(error)) {
+        const std::string name = at->path().filename().string();
+        std::error_code ignored;
+        if (name.starts_with(start) && name.ends_with(ending) &&
+            name.size() == start.size() + randomDigits + ending.size())
+            fs::remove(at->path(), ignored);
+    }
 }
 
 std::optional<std::string> readFile(const fs::path& path) {

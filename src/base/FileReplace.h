@@ -8,13 +8,13 @@
 
 namespace vmr {
 
-/// Makes `path` hold exactly `bytes`: written beside it, flushed to the disk, renamed over it, and the folder flushed.
-/// Missing folders are made. File and new folders are readable by their owner only. Returns nothing on success, else
-/// what failed; the old file is then untouched.
+/// Makes `path` hold exactly `bytes`: written beside it under a name that is new each time, flushed to the disk,
+/// renamed over it, and the folder flushed. The folder is made, or must be, this user's alone (`makePrivateFolders`);
+/// so is the file. Returns nothing on success, else what failed; the old file is then untouched.
 std::optional<std::string> replaceFile(const std::filesystem::path& path, std::string_view bytes);
 
-/// Makes the folder and those above it that are missing, for their owner only; what failed.
-std::optional<std::string> makePrivateFolders(const std::filesystem::path& folder);
+/// Removes what writers of `path` left beside it when they were killed. While nobody writes it.
+void removeLeftovers(const std::filesystem::path& path);
 
 /// The whole file, or nothing when it cannot be read.
 std::optional<std::string> readFile(const std::filesystem::path& path);

@@ -160,7 +160,8 @@ std::optional<Json> Json::parse(std::string_view text) {
     thread_local dom::parser parser;
     auto owned = std::make_unique<Document>();
     auto parsed = parser.parse_into_document(owned->document, text.data(), text.size(), true);
-    if (parsed.error() == simdjson::NUMBER_ERROR || parsed.error() == simdjson::STRING_ERROR) {
+    // whatever the decoder calls its fault, which differs between its versions: an odd value is found by looking
+    if (parsed.error() != simdjson::SUCCESS) {
         if (const auto repaired = repairedJson(text))
             parsed = parser.parse_into_document(owned->document, repaired->data(), repaired->size(), true);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 
 namespace vmr {
 
@@ -10,11 +11,13 @@ struct Paths {
     std::filesystem::path config;  ///< settings and the stored session
     std::filesystem::path data;    ///< the simulator account
 
-    /// The user's own profile: `Velmora` under XDG_CONFIG_HOME and XDG_DATA_HOME, or their platform equivalents.
-    static Paths user();
+    /// The user's own profile: `Velmora` under XDG_CONFIG_HOME and XDG_DATA_HOME, or their platform equivalents. Where
+    /// the environment names no home folder, the system is asked for the account's; nothing when it knows none either.
+    /// Both are absolute.
+    static std::optional<Paths> user();
 
     /// The practice profile: a folder of its own beneath the user's, which nothing but practice writes.
-    static Paths practice();
+    static std::optional<Paths> practice();
 };
 
 }  // namespace vmr

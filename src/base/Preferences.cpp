@@ -1,23 +1,24 @@
 #include "base/Preferences.h"
 
+#include <atomic>
 #include <cstdio>
 #include <mutex>
-#include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 #include <variant>
 
 #include "base/FileLock.h"
 #include "base/FileReplace.h"
+#include "base/JsonMembers.h"
+#include "base/PrivateFile.h"
 
 namespace vmr {
 
 namespace fs = std::filesystem;
-using nlohmann::json;
 
 namespace {
 // How long the last write waits for another process's lock; then it goes on without it. Others try again later.
-constexpr double lockPatience = 1;
+constexpr double lockPatience = 0.3;
 
 using Text = std::variant<std::string, std::shared_ptr<const Preferences::TextMaker>>;
 
@@ -72,12 +73,17 @@ class FilePreferences::File {
             changes.swap(changes_);
             asked_ = false;
         }
+        forget_ = forgetAsked_.exchange(false);
+        std::error_code ignored;
+        if (forget_) fs::remove(beside(path_, ".bad"), ignored);
+        if ((std::exchange(sweep_, false) || forget_) && fileLock.state() == FileLock::State::held)
+            removeLeftovers(path_);
         auto stored = read();
         // a file that is gone, or no good, is made anew from what is known here
-        json object = stored ? *stored : known_;
+        JsonMembers object = stored ? *stored : known_;
         for (auto& [key, text] : changes) {
             if (text)
-                object[key] = madeText(*text);
+                object.insert_or_assign(key, jsonString(madeText(*text)));
             else
                 object.erase(key);
         }
@@ -89,6 +95,9 @@ class FilePreferences::File {
         return true;
     }
 
+    /// Done with the next write.
+    void removeSetAside() { forgetAsked_ = true; }
+
     int writes() {
         std::lock_guard lock(mutex_);
         return writes_;
@@ -97,34 +106,45 @@ class FilePreferences::File {
  private:
     using Changes = std::map<std::string, std::optional<Text>, std::less<>>;  // without a text: removed
 
-    std::optional<json> read() {
-        const auto bytes = readFile(path_);
-        json stored = bytes ? json::parse(*bytes, nullptr, false) : json(json::value_t::discarded);
+    std::optional<JsonMembers> read() {
+        const auto bytes = readPrivateFile(path_);
+        auto stored = bytes ? jsonMembers(*bytes) : std::nullopt;
         std::error_code ignored;
         // a file that is there and cannot be read is kept aside as well
-        undecodable_ = !stored.is_object() && fs::exists(path_, ignored);
-        if (!stored.is_object()) return std::nullopt;
+        undecodable_ = !stored && fs::exists(fs::symlink_status(path_, ignored));
         return stored;
     }
 
-    bool replace(const json& object) {
-        if (std::exchange(undecodable_, false)) {
-            std::error_code ignored;
-            fs::rename(path_, beside(path_, ".bad"), ignored);
-        }
-        const auto problem = replaceFile(path_, object.dump(1, ' ', false, json::error_handler_t::replace) + "\n");
+    bool replace(const JsonMembers& object) {
+        auto problem = undecodable_ ? setAside() : std::nullopt;
+        if (!problem) problem = replaceFile(path_, jsonObject(object));
         if (problem && !std::exchange(complained_, true))
             std::fprintf(stderr, "velmora: settings are not saved: %s\n", problem->c_str());
         if (!problem) complained_ = false;
         return !problem;
     }
 
+    /// Secrets may stand in a file that does not decode, too: the copy is for the owner, and none is kept after
+    /// `removeSetAside`.
+    std::optional<std::string> setAside() {
+        if (auto problem = makePrivateFolders(path_.parent_path())) return problem;
+        std::error_code error;
+        if (forget_)
+            fs::remove(path_, error);
+        else
+            fs::rename(path_, beside(path_, ".bad"), error);
+        if (error) return "cannot set " + path_.string() + " aside: " + error.message();
+        undecodable_ = false;
+        return std::nullopt;
+    }
+
     /// What the file holds now, but for what has changed here in the meantime.
-    void take(json object) {
+    void take(JsonMembers object) {
         std::lock_guard lock(mutex_);
         std::erase_if(values_, [this](const auto& entry) { return !changes_.contains(entry.first); });
-        for (const auto& [key, value] : object.items())
-            if (value.is_string() && !changes_.contains(key)) values_.insert_or_assign(key, value.get<std::string>());
+        for (const auto& [key, text] : object)
+            if (auto value = stringOf(text); value && !changes_.contains(key))
+                values_.insert_or_assign(key, std::move(*value));
         known_ = std::move(object);
     }
 
@@ -136,10 +156,13 @@ class FilePreferences::File {
     }
 
     const fs::path path_;
-    std::mutex writing_;  // one write at a time; guards the three below
-    json known_ = json::object();
+    std::mutex writing_;  // one write at a time; guards the five below
+    JsonMembers known_;
     bool undecodable_ = false;
+    bool sweep_ = true;    // what killed processes left is still to be removed
+    bool forget_ = false;  // this write removes what does not decode instead of setting it aside
     bool complained_ = false;
+    std::atomic<bool> forgetAsked_ = false;
     std::mutex mutex_;  // held for a moment only: the main thread takes it; guards the rest
     std::map<std::string, Text, std::less<>> values_;
     Changes changes_;
@@ -172,6 +195,8 @@ void FilePreferences::writeLater(const std::shared_ptr<File>& file, SerialQueue&
         if (!file->write(false)) writeLater(file, writer);
     });
 }
+
+void FilePreferences::removeSetAside() { file_->removeSetAside(); }
 
 void FilePreferences::flush() { file_->write(true); }
 

@@ -27,14 +27,17 @@ class Preferences {
     /// The same for a text that is long to make.
     virtual void setLater(std::string_view key, TextMaker maker) { set(key, maker()); }
     virtual void remove(std::string_view key) = 0;
+    /// Removes copies of stored texts that were set aside because they could not be read, with the next change.
+    virtual void removeSetAside() {}
 };
 
 /// Preferences in one JSON file, an object of strings, replaced whole and written behind on another thread, at most
 /// every `pace` seconds. Several processes may use one file: each writes under a lock ("<name>.lock"), laying what it
 /// has changed since its last write over what the file holds by then, so that nothing is lost but a race for the same
-/// key. What others have changed is seen here after the next write. Values that are no strings are left as they are. A
-/// file that does not decode counts as empty and is kept beside as "<name>.bad" before it is replaced. A write that
-/// fails is reported once on standard error; the next one tries again.
+/// key. What others have changed is seen here after the next write. Values that are no strings stay as
+/// they are written, to the letter. A file that does not decode, or is not this user's own, counts as empty and is kept
+/// beside as "<name>.bad", readable by its owner only, before it is replaced. A write that fails is reported once on
+/// standard error; the next one tries again.
 class FilePreferences final : public Preferences {
  public:
     static constexpr double pace = 0.3;
@@ -50,6 +53,8 @@ class FilePreferences final : public Preferences {
     void set(std::string_view key, std::string_view value) override;
     void setLater(std::string_view key, TextMaker maker) override;
     void remove(std::string_view key) override;
+    /// Also a file that was found to be no good and is not set aside yet: it is replaced.
+    void removeSetAside() override;
 
     /// Writes what has not been written yet, on the calling thread. Waits for another process's lock for a moment.
     void flush();

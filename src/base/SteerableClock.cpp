@@ -83,7 +83,7 @@ void SteerableClock::resume() {
 }
 
 bool SteerableClock::setSpeed(double wanted) {
-    if (!std::isfinite(wanted) || wanted <= 0) return false;
+    if (!(wanted > 0 && wanted <= fastest)) return false;
     if (wanted != speed()) steer([wanted](Line& line) { line.speed = wanted; });
     return true;
 }

@@ -24,7 +24,11 @@ class WeakTask {
     }
 
     /// Drops all tasks made so far, as if the owner had gone.
-    void cancel() { alive_ = std::make_shared<const char>(); }
+    void cancel() {
+        if (alive_) alive_ = std::make_shared<const char>();
+    }
+    /// Drops these and all that are still to be made.
+    void end() { alive_.reset(); }
 
  private:
     std::shared_ptr<const char> alive_ = std::make_shared<const char>();

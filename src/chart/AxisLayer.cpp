@@ -34,6 +34,8 @@ bool fits(const ScreenFrame& frame) { return frame.plot().bottom() > tagHeight &
 AxisLayer::AxisLayer(GlyphSource& glyphs, SessionTime& session) : session_(session), painter_(glyphs) {
     timeTicks_.reserve(512);
     timeLabels_.reserve(512);
+    labels_.prices.reserve(priceTicks_.values.size());
+    labels_.times.reserve(512);
 }
 
 void AxisLayer::drawBelow(ScreenFrame& frame) {
@@ -57,13 +59,16 @@ void AxisLayer::addGrid(const ScreenFrame& frame) {
 }
 
 bool AxisLayer::drawAbove(ScreenFrame& frame) {
+    labels_.clear();
     if (!fits(frame)) return false;
     const Box box = tagBox(frame);
     return painter_.paint(frame, [&] {
+        labels_.clear();  // it may be painted again
         addGround(frame, box);
         addPriceLabels(frame, box);
         addTimeLabels(frame);
         if (box.shown) {
+            labels_.prices.push_back({box.top, box.bottom});
             addPrice(frame, frame.candles.back().close, FontFace::semibold, (box.top + box.bottom) * 0.5, tagTextColor);
         }
     });
@@ -189,7 +194,9 @@ void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box) {
         const double y = AxisScale::yFor(frame.viewport, price, frame.height);
         double alpha = std::min(fade(y - half), fade(bottom - half - y));
         if (box.shown) alpha *= fade(std::max(box.top - (y + half), (y - half) - box.bottom));
-        if (alpha > 0.0) addPrice(frame, price, FontFace::regular, y, textColor(alpha));
+        if (!(alpha > 0.0)) continue;
+        addPrice(frame, price, FontFace::regular, y, textColor(alpha));
+        labels_.prices.push_back({y - half, y + half});
     }
 }
 
@@ -212,7 +219,9 @@ void AxisLayer::addTimeLabels(const ScreenFrame& frame) {
     for (const TimeLabel& tick : timeLabels_) {
         const double half = tick.width * 0.5 + 2.0;
         const double alpha = std::min(fade(tick.x - half), fade(frame.plot().right() - half - tick.x));
-        if (alpha > 0.0) painter_.text(tick.label.text(), axisStyle, tick.x, y, TextAlign::center, textColor(alpha));
+        if (!(alpha > 0.0)) continue;
+        painter_.text(tick.label.text(), axisStyle, tick.x, y, TextAlign::center, textColor(alpha));
+        labels_.times.push_back({tick.x - half, tick.x + half});
     }
 }
 

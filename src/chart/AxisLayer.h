@@ -24,6 +24,20 @@ class AxisLayer final : public ScreenLayer {
     /// Minutes of a bar; 1 at the start. Shows in the next frame. True when it was another.
     bool setTimeframe(double minutes) { return std::exchange(timeframe_, minutes) != minutes; }
 
+    /// What a label takes of its axis, in points.
+    struct Extent {
+        double from = 0, to = 0;
+    };
+    /// Of the labels in the last frame, the last price in its box among them.
+    struct Labels {
+        std::vector<Extent> prices, times;
+        void clear() {
+            prices.clear();
+            times.clear();
+        }
+    };
+    const Labels& labels() const { return labels_; }
+
     void drawBelow(ScreenFrame& frame) override;
     bool drawAbove(ScreenFrame& frame) override;
 
@@ -56,6 +70,7 @@ class AxisLayer final : public ScreenLayer {
     AxisScale::PriceTicks priceTicks_;
     std::vector<std::size_t> timeTicks_;
     std::vector<TimeLabel> timeLabels_;
+    Labels labels_;
 };
 
 }  // namespace vmr

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/Fatal.h"
 #include "gpu/PlotArea.h"
@@ -19,6 +20,8 @@ double Camera::rightEdgeFirst(std::size_t n) const {
     return std::max(static_cast<double>(n) - visibleCount + gap, 0.0);
 }
 
+void Camera::startOver() { lastFirst_ = lastCount_ = lastMin_ = lastMax_ = nan_; }
+
 void Camera::showFirstData(std::size_t n, double initialCandles) {
     const auto count = static_cast<double>(n);
     const double keep = 1.0 - std::min(padFrac(), 0.5);
@@ -32,23 +35,31 @@ void Camera::showFirstData(std::size_t n, double initialCandles) {
     firstVisible = rightEdgeFirst(n);
     followLive = true;
     autoY = true;
+    touched = false;
 }
 
-void Camera::followData(std::size_t n, std::size_t dropped, bool lastChanged) {
+void Camera::followData(std::size_t n, double shift, bool lastChanged) {
     visibleCount = std::min(visibleCount > 0 ? visibleCount : 120.0, static_cast<double>(n));
     const double right = rightEdgeFirst(n);
     if (lastChanged && followLive) {
         firstVisible = right;
     } else {
-        if (!followLive) firstVisible -= static_cast<double>(dropped);
+        if (!followLive) firstVisible += shift;
         firstVisible = std::min(std::max(firstVisible, 0.0), right);
     }
+}
+
+void Camera::resize(double viewW, std::size_t n) {
+    if (std::exchange(lastViewW, viewW) == viewW || n == 0) return;
+    const double right = rightEdgeFirst(n);
+    firstVisible = followLive ? right : std::min(firstVisible, right);
 }
 
 void Camera::place(double first, std::size_t n) {
     const double right = rightEdgeFirst(n);
     firstVisible = std::min(std::max(first, 0.0), right);
     followLive = std::abs(firstVisible - right) < 0.5;
+    touched = true;
 }
 
 bool Camera::pan(double byCandles, std::size_t n) {
@@ -72,6 +83,7 @@ bool Camera::zoomPrice(double factor) {
     // A range that collapsed or overflowed could never be zoomed back.
     if (!std::isfinite(half) || !(mid - half < mid + half)) return false;
     autoY = false;
+    touched = true;
     yMinManual = mid - half;
     yMaxManual = mid + half;
     return true;
@@ -86,6 +98,7 @@ bool Camera::panByPrice(double dyPixels, double viewHeight) {
     const double shift = dyPixels / viewHeight * (yMaxManual - yMinManual);
     if (!(yMinManual + shift < yMaxManual + shift)) return false;
     autoY = false;
+    touched = true;
     yMinManual += shift;
     yMaxManual += shift;
     return true;
@@ -112,6 +125,7 @@ bool Camera::mirrorViewRel(double gapRight, double count, std::size_t n) {
 bool Camera::mirrorPrice(double minP, double maxP) {
     if (!std::isfinite(minP) || !std::isfinite(maxP) || !(minP < maxP)) return false;
     autoY = false;
+    touched = true;
     yMinManual = minP;
     yMaxManual = maxP;
     return true;

@@ -33,6 +33,7 @@ class Camera {
         std::numeric_limits<double>::quiet_NaN();  ///< finite: the last close stays there, from below
     double lastViewW = 1400;                       ///< width of the last frame, points
     bool snapLerps = false;                        ///< the camera moved in this frame
+    bool touched = false;                          ///< a hand or a partner moved it since its first bars
 
     /// The widest strike bar in a view `viewW` points wide, points.
     static double maxBarW(double viewW);
@@ -41,10 +42,15 @@ class Camera {
     /// The greatest `firstVisible`: the last bar stops short of the right edge by the margin.
     double rightEdgeFirst(std::size_t n) const;
 
+    /// The bars on show are gone, and another instrument's may come: its prices are not the ones in view.
+    void startOver();
     /// The camera for a first list of bars.
     void showFirstData(std::size_t n, double initialCandles);
-    /// After another list came: `dropped` bars went away at the front.
-    void followData(std::size_t n, std::size_t dropped, bool lastChanged);
+    /// After another list came, in which the bars in view have moved by `shift` places: below 0 when bars went away at
+    /// the front, above when more of the history came.
+    void followData(std::size_t n, double shift, bool lastChanged);
+    /// The view is this wide now: the margin follows, and at the live edge the bars with it.
+    void resize(double viewW, std::size_t n);
 
     bool pan(double byCandles, std::size_t n);  ///< these tell whether anything can have changed
     bool zoom(double factor, std::size_t n);    ///< the right edge stays
@@ -58,7 +64,7 @@ class Camera {
     /// Settles the price range on the bars in view and notes in `snapLerps` whether the camera moved since the frame
     /// before. False, with nothing changed, when no bar is in view. `fatal` on a position that is not finite.
     bool settle(std::span<const Candle> candles);
-    /// Whether that ever happened; before, the price range means nothing.
+    /// Whether that happened since the chart started over; before, the price range means nothing.
     bool settled() const { return !std::isnan(lastMin_); }
 
     double xScale() const { return 2.0 / visibleCount; }               ///< a bar in clip space

@@ -31,10 +31,11 @@ bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, do
     gpu_.beginFrame(width, height, pixelRatio);
     gpu_.clear(clearColor);
     const bool drawable = positive(width) && positive(height) && positive(pixelRatio);
-    if (drawable) camera_.lastViewW = width;  // also without bars, so that the first ones find their margin
+    if (drawable)
+        camera_.resize(width, candles_.size());  // also without bars, so that the first ones find their margin
     const bool animating = drawable && !candles_.empty() && drawChart(width, height, pixelRatio);
     gpu_.endFrame();
-    if (perf) perf->frame((clock_.monotonic() - start) * 1000.0);
+    if (perf) perf->frame((clock_.monotonic() - start) * 1000.0, this);
     return animating;
 }
 
@@ -42,6 +43,7 @@ bool ChartRenderer::drawChart(double width, double height, double pixelRatio) {
     rebuildKept();
     Geometry geometry;
     if (!buildGeometry(width, height, geometry)) return false;
+    if (perf) perf->bump("ChartOverlay");  // the axes and every text are made anew in each frame
 
     const Candle& last = candles_.back();
     const double close = forming_.close();
@@ -56,6 +58,7 @@ bool ChartRenderer::drawChart(double width, double height, double pixelRatio) {
 
 void ChartRenderer::rebuildKept() {
     if (bars_.dirty) bars_.make(candles_, renderCfg_.candleTheme, origin_);
+    overlays_.follow(candles_);
     if (walls_.dirty) walls_.make(renderCfg_.wallsEnabled, currentSessionStartIndex(), candles_.size() - 1, origin_);
     if (!markers_.dirty) return;
     const double start = clock_.monotonic();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "chart/AxisScale.h"
 #include "perf/Perf.h"
@@ -14,12 +15,12 @@ constexpr double never = -std::numeric_limits<double>::infinity();
 }
 
 ChartInput::ChartInput(ChartRenderer& renderer, SessionTime& session, const Clock& clock, MainLoop& main, Perf* perf)
-    : renderer_(renderer),
+    : pointer(clock, main),
+      renderer_(renderer),
       session_(session),
       clock_(clock),
       main_(main),
       perf_(perf),
-      lastMoveSent_(never),
       lastDragApply_(never) {}
 
 ChartInput::~ChartInput() { main_.cancel(liveTimer_); }
@@ -30,13 +31,13 @@ void ChartInput::setSize(double width, double height) {
 }
 
 double ChartInput::priceAt(double y) const {
-    if (renderer_.candles().empty()) return std::numeric_limits<double>::quiet_NaN();
+    if (!renderer_.showsBars()) return std::numeric_limits<double>::quiet_NaN();
     return AxisScale::priceAtY(renderer_.camera().viewport(), y, height_);
 }
 
 const LineMarks& ChartInput::marks() {
     freshMarks_.clear();
-    if (!trades() || renderer_.candles().empty()) return freshMarks_;
+    if (!trades() || !renderer_.showsBars()) return freshMarks_;
     const Viewport viewport = renderer_.camera().viewport();
     if (drawnMarks && drawnMarks->builtFor(*trading, simRoot, viewport, width_, height_)) return *drawnMarks;
     freshMarks_.build(*trading, simRoot, viewport, width_, height_);
@@ -46,28 +47,22 @@ const LineMarks& ChartInput::marks() {
 void ChartInput::mouseMoved(ChartPoint at) {
     const LineMarks& lines = marks();
     const bool onMark = lines.hit(at.x, at.y).closes;
-    cursorOnRuler_ = plot().onPriceAxis(at.x) || lines.draggableAt(at.y) != nullptr;
+    cursorOnRuler_ = plot().onPriceAxis(at.x) || lines.draggableAt(at.x, at.y) != nullptr;
     const ChartCursor cursor = onMark           ? ChartCursor::pointingHand
                                : cursorOnRuler_ ? ChartCursor::resizeUpDown
                                                 : ChartCursor::arrow;
     if (std::exchange(cursor_, cursor) != cursor && onCursor) onCursor(cursor);
-
-    const double now = clock_.monotonic();
-    if (now - lastMoveSent_ < pace) return;
-    lastMoveSent_ = now;
-    if (onMouseMove) onMouseMove(at);
+    pointer.moved(at);
 }
 
-void ChartInput::mouseExited() {
-    if (onMouseMove) onMouseMove(std::nullopt);
-}
+void ChartInput::mouseExited() { pointer.left(); }
 
 void ChartInput::mouseDown(ChartPoint at) {
+    drag_.release();
     const LineMarks::Hit hit = marks().hit(at.x, at.y);
-    closedLine_ = hit.closes;
-    if (hit.closes) return close(*hit.mark);
-    if (hit.mark) return take(*hit.mark);
-    lastDrag_ = at;
+    if (hit.closes) return close(*hit.mark);  // and moving the pointer then drags nothing
+    if (hit.mark) return drag_.take(*hit.mark, at);
+    drag_.take(at);
 }
 
 void ChartInput::close(const LineMark& mark) {
@@ -76,36 +71,25 @@ void ChartInput::close(const LineMark& mark) {
     trading->cancel(id);
 }
 
-void ChartInput::take(const LineMark& mark) {
-    if (mark.kind == LineMark::Kind::order) {
-        dragOrderId_ = mark.id;
-    } else {
-        dragProjLeg_ = std::pair(mark.id, mark.leg);
-    }
-}
-
 void ChartInput::doubleClick() {
-    if (lastDrag_) renderer_.setAutoY(true);  // it took no line and closed none
+    if (drag_.holds() == PointerDrag::Holds::chart) renderer_.setAutoY(true);  // it took no line and closed none
 }
 
 void ChartInput::mouseDragged(ChartPoint at) {
-    if (closedLine_) return;
-    if (draggingLine()) {
-        const double price = priceAt(at.y);
-        if (!std::isfinite(price) || !trading) return;
-        if (dragOrderId_) return trading->modify(*dragOrderId_, price);
-        return trading->modifyProjectedLeg(dragProjLeg_->first, dragProjLeg_->second, price);
-    }
+    if (!drag_.moved(at)) return;
+    if (drag_.holdsLine()) return dragLine(at);
     beginLiveRefresh();
-    if (lastDrag_) {
-        pendingDX_ += at.x - lastDrag_->x;
-        pendingDY_ += at.y - lastDrag_->y;
-    }
-    lastDrag_ = at;
     const double now = clock_.monotonic();
     if (now - lastDragApply_ < pace) return;
     lastDragApply_ = now;
     flushDrag(at);
+}
+
+void ChartInput::dragLine(ChartPoint at) {
+    const double price = priceAt(at.y);
+    if (!std::isfinite(price) || !trading) return;
+    if (drag_.holds() == PointerDrag::Holds::order) return trading->modify(drag_.id(), price);
+    trading->modifyProjectedLeg(drag_.id(), drag_.leg(), price);
 }
 
 double ChartInput::barsFor(double dx) const {
@@ -113,9 +97,9 @@ double ChartInput::barsFor(double dx) const {
 }
 
 void ChartInput::flushDrag(ChartPoint at) {
-    if (pendingDX_ == 0 && pendingDY_ == 0) return;
+    const auto [dx, dy] = drag_.takeMovement();
+    if (dx == 0 && dy == 0) return;
     if (perf_) perf_->bump("flushDrag");
-    const double dx = std::exchange(pendingDX_, 0), dy = std::exchange(pendingDY_, 0);
     renderer_.setInteracting(true);
     if (plot().onPriceAxis(at.x)) return renderer_.zoomPrice(std::clamp(1 + dy * 0.005, 0.6, 1.6));
     if (dx != 0) renderer_.pan(barsFor(dx));
@@ -123,10 +107,13 @@ void ChartInput::flushDrag(ChartPoint at) {
 }
 
 void ChartInput::mouseUp(ChartPoint at) {
-    if (dragProjLeg_) return dragProjLeg_.reset();
-    if (dragOrderId_) return dragOrderId_.reset();
+    if (drag_.holdsLine()) return drag_.release();
     flushDrag(at);
-    lastDrag_.reset();
+    letGo();
+}
+
+void ChartInput::letGo() {
+    drag_.release();
     renderer_.setInteracting(false);
     endLiveRefresh();
     renderer_.redraw();

@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "base/Clock.h"
@@ -13,6 +12,8 @@
 #include "chart/ChartRenderer.h"
 #include "chart/ChartTrading.h"
 #include "chart/LineMarks.h"
+#include "chart/PointerDrag.h"
+#include "chart/PointerReports.h"
 #include "gpu/PlotArea.h"
 #include "market/SessionTime.h"
 
@@ -22,15 +23,9 @@ class Perf;
 
 enum class ChartCursor : unsigned char { arrow, resizeUpDown, pointingHand };
 
-/// Points from the chart's top left.
-struct ChartPoint {
-    double x = 0, y = 0;
-    bool operator==(const ChartPoint&) const = default;
-};
-
 /// An entry of the order menu.
 struct OrderMenuItem {
-    enum class Action : unsigned char { separator, setSL, setTP, order, cancelAll };
+    enum class Action : unsigned char { separator, note, setSL, setTP, order, cancelAll };  ///< a note does nothing
     Action action = Action::separator;
     std::string text;
     double price = 0;
@@ -39,12 +34,12 @@ struct OrderMenuItem {
 };
 
 /// The input rules of one chart, without a toolkit. Main thread. Nothing happens on prices that are not finite, such as
-/// those of an empty chart. Events may come at any rate: camera steps of a drag and pointer reports are made at most
-/// 120 times a second, drags of orders and the wheel with each event.
+/// those of an empty chart or of one that no frame has shown. Events may come at any rate: camera steps of a drag and
+/// pointer reports are made at most 120 times a second, drags of orders and the wheel with each event.
 class ChartInput {
  public:
-    static constexpr double pace = 1.0 / 120.0;  ///< seconds between steps
-    static constexpr double hold = 0.18;         ///< seconds that frames go on after the last drag, wheel or pinch
+    static constexpr double pace = PointerReports::pace;  ///< seconds between steps
+    static constexpr double hold = 0.18;  ///< seconds that frames go on after the last drag, wheel or pinch
 
     /// All must outlive it; `perf` may be null.
     ChartInput(ChartRenderer& renderer, SessionTime& session, const Clock& clock, MainLoop& main, Perf* perf);
@@ -57,8 +52,8 @@ class ChartInput {
     /// The account's lines in the last frame, which a press is meant for; null: no layer draws them. Where they belong
     /// to another camera, size or root than now, the lines are found anew from the account.
     const LineMarks* drawnMarks = nullptr;
-    std::function<void(std::optional<ChartPoint>)> onMouseMove;  ///< nothing: the pointer left
-    std::function<void(ChartCursor)> onCursor;                   ///< when it changes
+    PointerReports pointer;                     ///< where the crosshair is
+    std::function<void(ChartCursor)> onCursor;  ///< when it changes
     std::function<void()> onMarketClosedOrder;
     /// From true to false the host draws a frame at each refresh of the screen.
     std::function<void(bool)> onLiveRefresh;
@@ -72,6 +67,9 @@ class ChartInput {
     void doubleClick();
     void mouseDragged(ChartPoint at);
     void mouseUp(ChartPoint at);
+    /// What the button holds is no longer there: lets go, and what the pointer still does until the next press is
+    /// nothing.
+    void letGo();
     /// `precise`: deltas in points, of a device that scrolls in phases; else in lines.
     void scrollWheel(double dx, double dy, bool precise, bool shift);
     void magnify(double magnification);
@@ -88,9 +86,9 @@ class ChartInput {
     bool liveRefresh() const { return liveRefresh_; }
     bool cursorOnRuler() const { return cursorOnRuler_; }
     /// The order or leg whose line is being dragged.
-    bool draggingLine() const { return dragOrderId_.has_value() || dragProjLeg_.has_value(); }
+    bool draggingLine() const { return drag_.holdsLine(); }
     /// The button is down and moves the chart or a line.
-    bool dragging() const { return lastDrag_.has_value() || draggingLine(); }
+    bool dragging() const { return drag_.holds() != PointerDrag::Holds::nothing; }
 
     void beginLiveRefresh();
     void endLiveRefresh();
@@ -100,7 +98,7 @@ class ChartInput {
     double priceAt(double y) const;
     const LineMarks& marks();
     void close(const LineMark& mark);
-    void take(const LineMark& mark);
+    void dragLine(ChartPoint at);
     void flushDrag(ChartPoint at);
     double barsFor(double dx) const;
     bool marketIsClosed() const;
@@ -113,12 +111,8 @@ class ChartInput {
     Perf* perf_;
     double width_ = 0, height_ = 0;
     LineMarks freshMarks_;
-    std::optional<Uuid> dragOrderId_;
-    std::optional<std::pair<Uuid, std::string_view>> dragProjLeg_;
-    bool closedLine_ = false;  ///< the button went down on a close mark: moving the pointer then drags nothing
-    std::optional<ChartPoint> lastDrag_;
-    double pendingDX_ = 0, pendingDY_ = 0;
-    double lastMoveSent_, lastDragApply_;
+    PointerDrag drag_;
+    double lastDragApply_;
     bool liveRefresh_ = false;
     double liveReleaseAt_ = 0;
     SerialQueue::TimerId liveTimer_ = SerialQueue::noTimer;

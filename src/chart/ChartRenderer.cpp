@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "market/Bars.h"
 #include "market/SessionTime.h"
 
 namespace vmr {
@@ -26,13 +27,19 @@ void ChartRenderer::noteInput() {
 
 namespace {
 
-/// How many of `old` went away at the front; 0 unless `fresh` begins with a later bar of `old`.
-std::size_t droppedAtFront(std::span<const Candle> old, std::span<const Candle> fresh) {
-    if (old.empty() || fresh.front().time <= old.front().time) return 0;
-    const auto found = std::lower_bound(old.begin(), old.end(), fresh.front().time,
-                                        [](const Candle& candle, std::int64_t time) { return candle.time < time; });
-    if (found == old.end() || found->time != fresh.front().time) return 0;
-    return static_cast<std::size_t>(found - old.begin());
+/// By how many places the bars near number `at` of `old` have moved in `fresh`; 0 when it has none of them. Bars come
+/// and go at the front, and now and then within the list.
+double shiftNear(double at, std::span<const Candle> old, std::span<const Candle> fresh) {
+    if (old.empty()) return 0;
+    const auto from = static_cast<std::size_t>(std::clamp(at, 0.0, static_cast<double>(old.size() - 1)));
+    const auto moved = [&](std::size_t i) -> std::optional<double> {
+        const auto found = findBar(fresh, old[i].time);
+        if (!found) return std::nullopt;
+        return static_cast<double>(*found) - static_cast<double>(i);
+    };
+    if (const auto shift = moved(from)) return *shift;
+    const auto front = findBar(old, fresh.front().time);  // those in view have gone
+    return front ? -static_cast<double>(*front) : 0;
 }
 
 }  // namespace
@@ -46,11 +53,10 @@ void ChartRenderer::setCandles(std::span<const Candle> candles) {
     }
     // a bar or two may come ahead of their history: nobody has looked at them, and their camera would show as few
     constexpr std::size_t few = 10;
-    const bool historyCame = oldCount < few && n >= oldCount + few && camera_.followLive;
+    const bool historyCame = oldCount < few && n >= oldCount + few && !camera_.touched;
     const bool first = oldCount == 0 || historyCame;
-    const bool countChanged = oldCount != n;
-    const std::size_t dropped = droppedAtFront(candles_, candles);
-    const bool shifted = countChanged || dropped > 0;
+    const double shift = shiftNear(camera_.firstVisible + camera_.visibleCount / 2, candles_, candles);
+    const bool shifted = oldCount != n || shift != 0;
     const bool newBar = shifted || candles_.back().time != candles.back().time;
     const bool lastChanged = shifted || candles_.back() != candles.back();
     const bool staticChanged = shifted || (n > 1 && candles_[n - 2] != candles[n - 2]);
@@ -60,7 +66,7 @@ void ChartRenderer::setCandles(std::span<const Candle> candles) {
     if (first) {
         camera_.showFirstData(n, renderCfg_.initialCandles);
     } else {
-        camera_.followData(n, dropped, lastChanged);
+        camera_.followData(n, shift, lastChanged);
         if (!lastChanged) return;
     }
     if (staticChanged) barsMoved();
@@ -75,6 +81,8 @@ void ChartRenderer::barsMoved() {
 
 void ChartRenderer::startOver() {
     candles_.clear();
+    camera_.startOver();
+    strikes_ = {};
     forming_.jumpTo(std::numeric_limits<double>::quiet_NaN());
     markers_.clear();
     edges_.clear();
@@ -133,13 +141,13 @@ void ChartRenderer::zoom(double factor) {
 }
 
 void ChartRenderer::zoomPrice(double factor) {
-    if (!(camera_.yMinManual < camera_.yMaxManual)) return;
+    if (!camera_.settled() || !(camera_.yMinManual < camera_.yMaxManual)) return;
     noteInput();
     if (camera_.zoomPrice(factor)) needsDisplay();
 }
 
 void ChartRenderer::panByPrice(double dyPixels, double viewHeight) {
-    if (!(viewHeight > 0) || !(camera_.yMinManual < camera_.yMaxManual)) return;
+    if (!camera_.settled() || !(viewHeight > 0) || !(camera_.yMinManual < camera_.yMaxManual)) return;
     noteInput();
     if (camera_.panByPrice(dyPixels, viewHeight)) needsDisplay();
 }

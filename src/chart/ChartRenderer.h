@@ -58,7 +58,7 @@ class ChartRenderer {
     std::function<void()> onInteractionEnd;
 
     /// The bars, ascending by time; copied. Compares only the ends of the lists: an edit deep in the history shows when
-    /// the next bar comes. Bars that went away at the front slide out without moving the picture.
+    /// the next bar comes. Bars that come or go before those in view do not move the picture.
     void setCandles(std::span<const Candle> candles);
     void setRenderConfig(const RenderConfig& config);
 
@@ -87,7 +87,8 @@ class ChartRenderer {
     /// another frame is needed. Without bars, or in a view without area, the frame only clears.
     bool drawFrame(double width, double height, double pixelRatio, double nowMonotonic);
 
-    // Input. Nothing happens without bars; arguments that are not finite are ignored.
+    // Input. Nothing happens without bars, nor to the price before a frame has shown them; arguments that are not
+    // finite are ignored.
     void pan(double byCandles);     ///< positive shows later bars
     void zoom(double factor);       ///< above 1 shows more bars; the right edge stays
     void zoomPrice(double factor);  ///< above 1 shows more prices; ends the automatic range; nothing while pinned
@@ -109,6 +110,8 @@ class ChartRenderer {
     // What is shown.
     const Camera& camera() const { return camera_; }
     std::span<const Candle> candles() const { return candles_; }
+    /// Whether a frame has shown bars of this chart, so that its prices have places.
+    bool showsBars() const { return !candles_.empty() && camera_.settled(); }
     double rightEdgeFirst() const { return camera_.rightEdgeFirst(candles_.size()); }
     double dispClose() const { return forming_.close(); }
     double alphaX() const { return easing_.alphaX; }

@@ -48,6 +48,8 @@ class ChartTrading {
     virtual void lines(const std::string& root, TradingLines& out) const = 0;
     virtual std::size_t workingCount(const std::string& root) const = 0;
     virtual std::optional<double> last(const std::string& root) const = 0;
+    /// Seconds since the root had a price, where a person who orders must be told; nothing while it is fresh.
+    virtual std::optional<double> stalePrice(const std::string& /*root*/) const { return std::nullopt; }
     virtual std::int64_t ticketQty() const = 0;
     virtual double roundTick(const std::string& root, double price) const = 0;
 

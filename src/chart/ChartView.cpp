@@ -7,8 +7,7 @@
 namespace vmr {
 
 ChartView::ChartView(const Surroundings& at)
-    : glyphs_(at.glyphs),
-      main_(at.main),
+    : main_(at.main),
       renderer_(at.gpu, at.clock),
       barLabels_(at.glyphs),
       tradingLines_(at.glyphs),
@@ -44,15 +43,13 @@ void ChartView::askForFrame() {
 
 void ChartView::setSource(ChartSource* source) {
     if (source == source_) return;
-    renderer_.setInteracting(false);  // the old source may hold back work until the drag ends
+    input_.letGo();  // the old source may hold back work until the drag ends
     source_ = source;
     contentDirty_ = source != nullptr;
-    if (source) {
+    if (source)
         startOver();
-        viewport_->publish(std::nullopt);
-    } else {
+    else
         setRoot({});
-    }
     askForFrame();
 }
 
@@ -60,9 +57,7 @@ void ChartView::setSource(ChartSource* source) {
 // renderer finds whether they are worth a frame; when one is awaited anyway, that reads them.
 void ChartView::contentChanged() {
     if (std::exchange(contentDirty_, true) || frameAwaited_) return;
-    main_.post([this, weak = std::weak_ptr(alive_)] {
-        if (!weak.expired()) readSource();
-    });
+    main_.post(whileThere_([this] { readSource(); }));
 }
 
 void ChartView::readSource() {
@@ -73,7 +68,10 @@ void ChartView::startOver() {
     shown_.reset();
     ribbonsDue_ = false;
     ribbons_.clear();
+    input_.letGo();
     renderer_.startOver();
+    viewport_->publish(std::nullopt);
+    if (onStartOver) onStartOver();
 }
 
 void ChartView::setRoot(std::string_view root) {
@@ -135,30 +133,18 @@ void ChartView::setBars(std::span<const Candle> candles) {
     if (renderer_.perf && !renderer_.candles().empty()) renderer_.perf->startUp("bars");
 }
 
-// A glyph that a layer adds may move those that a layer before it has drawn already: then the frame is recorded again,
-// with all its glyphs in their places.
 bool ChartView::record(double width, double height, double pixelRatio, double nowMonotonic) {
     recording_ = true;
     frameAwaited_ = false;
     readSource();
     if (ribbonsDue_ && source_) makeRibbons(source_->chartContent());
     input_.setSize(width, height);
-    const unsigned glyphs = glyphs_.generation();
-    animating_ = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic);
-    inputLagMs_ = renderer_.inputLagMs();
+    const bool animating = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic);
     const std::optional<Viewport> moved = renderer_.movedTo();
-    if (glyphs_.generation() != glyphs) {
-        Perf* const perf = std::exchange(renderer_.perf, nullptr);  // it is one frame
-        animating_ = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic);
-        renderer_.perf = perf;
-    }
-    if (moved) {
-        if (renderer_.perf) renderer_.perf->bump("ChartOverlay");
-        viewport_->publish(moved);
-    }
+    if (moved) viewport_->publish(moved);
     if ((std::exchange(barsMoved_, false) || moved) && onMoved) onMoved();
     recording_ = false;
-    return animating_ || input_.liveRefresh();
+    return animating || input_.liveRefresh();
 }
 
 }  // namespace vmr

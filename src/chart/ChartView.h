@@ -8,6 +8,7 @@
 
 #include "base/Clock.h"
 #include "base/SerialQueue.h"
+#include "base/WeakTask.h"
 #include "chart/AxisLayer.h"
 #include "chart/BarLabelLayer.h"
 #include "chart/ChartContent.h"
@@ -56,6 +57,8 @@ class ChartView final : public ChartPort {
     std::function<void(Need)> onNeedsFrame;
     /// Bars came or went, or the camera moved, so that other things lie under the pointer. From within `record`.
     std::function<void()> onMoved;
+    /// The chart on show is another one: what the hand began on the one before is over, a drag and an open menu too.
+    std::function<void()> onStartOver;
     /// From true to false a frame is wanted at each refresh of the screen, as `record` tells, too.
     std::function<void(bool)> onLiveRefresh;
 
@@ -74,11 +77,17 @@ class ChartView final : public ChartPort {
     void expectFrame() { frameAwaited_ = true; }
 
     /// Records one frame for a view in points, with `nowMonotonic` in seconds, and reads the source before it if that
-    /// said so. True while something moves, so that another frame is needed. Without bars or area it only clears.
+    /// said so. True while something moves, so that another frame is needed. Without bars or area it only clears. When
+    /// `glyphs` is of another generation after it, the host records again: what was drawn before the glyphs moved is
+    /// stale.
     bool record(double width, double height, double pixelRatio, double nowMonotonic);
 
     /// Milliseconds from the oldest input that the last frame shows to that frame; nothing when it shows none.
-    std::optional<double> inputLagMs() const { return inputLagMs_; }
+    std::optional<double> inputLagMs() const { return renderer_.inputLagMs(); }
+
+    /// Reads what the source has said since the last frame. Input that is meant for what is open now comes after it: no
+    /// frame need have come since another chart was opened.
+    void catchUp() { readSource(); }
 
     /// The account's lines are not what they were, or anything else that this chart cannot see.
     void redraw() { askForFrame(); }
@@ -87,6 +96,7 @@ class ChartView final : public ChartPort {
 
     ChartRenderer& renderer() { return renderer_; }
     ChartInput& input() { return input_; }
+    const AxisLayer& axes() const { return axes_; }
     /// The camera, for whoever follows it.
     const std::shared_ptr<ViewportState>& viewportState() const { return viewport_; }
 
@@ -109,7 +119,6 @@ class ChartView final : public ChartPort {
     void makeRibbons(const ChartContent& content);
     void setBars(std::span<const Candle> candles);
 
-    GlyphSource& glyphs_;
     MainLoop& main_;
     ChartRenderer renderer_;
     BarLabelLayer barLabels_;
@@ -118,7 +127,7 @@ class ChartView final : public ChartPort {
     ChartInput input_;
     OverlayRibbons ribbons_;
     std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();
-    std::shared_ptr<int> alive_ = std::make_shared<int>();  ///< expires with the chart; posted work holds it weakly
+    WeakTask whileThere_;
     ChartSource* source_ = nullptr;
     std::optional<Shown> shown_;  ///< nothing: all of the next content is new
     bool contentDirty_ = false;   ///< the source said that its content changed
@@ -127,8 +136,6 @@ class ChartView final : public ChartPort {
     bool frameAwaited_ = false;   ///< a frame is asked for and will read the content
     bool recording_ = false;
     bool barsMoved_ = false;  ///< bars came or went since the last frame
-    bool animating_ = false;
-    std::optional<double> inputLagMs_;
 };
 
 }  // namespace vmr

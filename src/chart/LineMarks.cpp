@@ -20,9 +20,7 @@ void print(std::string& out, const char* format, Args... args) {
     out = text;
 }
 
-bool isNear(const LineMark& mark, double y) {
-    return std::abs(mark.y - y) <= LineMarks::hitTolerance;  // not for NaN
-}
+bool isNear(const LineMark& mark, double y) { return mark.drawn && std::abs(mark.y - y) <= LineMarks::hitTolerance; }
 
 }  // namespace
 
@@ -82,6 +80,7 @@ LineMark& LineMarks::add(LineMark::Kind kind, const Uuid& id, double price, bool
     mark.buy = buy;
     mark.price = price;
     mark.y = AxisScale::yFor(viewport_, price, height_);
+    mark.drawn = mark.y >= 0 && mark.y < PlotArea{width_, height_}.bottom();  // not for NaN
     mark.labelled = closeMarkShown(mark.y, height_);
     mark.closeMark = {};
     if (mark.labelled && mark.closable()) {
@@ -91,7 +90,13 @@ LineMark& LineMarks::add(LineMark::Kind kind, const Uuid& id, double price, bool
     return mark;
 }
 
+bool LineMarks::inPlot(double x, double y) const {
+    const PlotArea plot{width_, height_};
+    return x >= 0 && x < plot.right() && y >= 0 && y < plot.bottom();
+}
+
 LineMarks::Hit LineMarks::hit(double x, double y) const {
+    if (!inPlot(x, y)) return {};
     const auto marks = list();
     for (auto at = marks.rbegin(); at != marks.rend(); ++at) {
         const LineMark& mark = *at;
@@ -102,7 +107,8 @@ LineMarks::Hit LineMarks::hit(double x, double y) const {
     return {};
 }
 
-const LineMark* LineMarks::draggableAt(double y) const {
+const LineMark* LineMarks::draggableAt(double x, double y) const {
+    if (!inPlot(x, y)) return nullptr;
     const auto marks = list();
     for (auto at = marks.rbegin(); at != marks.rend(); ++at)
         if (at->draggable() && isNear(*at, y)) return &*at;

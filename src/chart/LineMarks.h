@@ -24,6 +24,7 @@ struct LineMark {
     bool buy = true;          ///< a buying order, a long position
     double price = 0, y = 0;  ///< `y` is NaN without a price range
     std::string label;
+    bool drawn = false;     ///< it lies within the plot
     bool labelled = false;  ///< there is room for the label and the close mark
     PointRect closeMark;    ///< holds nothing where there is none
 
@@ -62,13 +63,15 @@ class LineMarks {
         const LineMark* mark = nullptr;  ///< null: the press hits no line
         bool closes = false;             ///< on its close mark; else on a line that can be dragged
     };
-    /// A close mark is hit at a line's tolerance, and hides the lines and marks that lie under it. A position's line is
-    /// hit on its close mark alone.
+    /// Lines and marks are hit where they are drawn: within the plot, and not on the axes. A close mark is hit at a
+    /// line's tolerance, and hides the lines and marks that lie under it. A position's line is hit on its close mark
+    /// alone.
     Hit hit(double x, double y) const;
-    /// The highest line near `y` that can be dragged; null when there is none.
-    const LineMark* draggableAt(double y) const;
+    /// The highest line near a place that can be dragged; null when there is none.
+    const LineMark* draggableAt(double x, double y) const;
 
  private:
+    bool inPlot(double x, double y) const;
     LineMark& add(LineMark::Kind kind, const Uuid& id, double price, bool buy);
 
     std::vector<LineMark> marks_;  // the first `count_`; the others keep their memory

@@ -14,6 +14,11 @@ std::string priceText(double price) {
     std::snprintf(text, sizeof text, std::trunc(price) == price && price >= 100 ? "%.0f" : "%.2f", price);
     return text;
 }
+
+std::string ageText(double seconds) {
+    const auto whole = static_cast<long long>(seconds);
+    return whole < 120 ? std::to_string(whole) + " s" : std::to_string(whole / 60) + " min";
+}
 }  // namespace
 
 std::vector<OrderMenuItem> ChartInput::orderMenu(ChartPoint at) const {
@@ -26,6 +31,10 @@ std::vector<OrderMenuItem> ChartInput::orderMenu(ChartPoint at) const {
     const bool above = !last || *last <= price;
 
     std::vector<OrderMenuItem> menu;
+    if (const auto age = trading->stalePrice(simRoot)) {
+        menu.push_back({Action::note, "The last price is " + ageText(*age) + " old", 0, {}, {}});
+        menu.push_back({});
+    }
     const std::string text = " @ " + priceText(price);
     TradingLines lines;
     trading->lines(simRoot, lines);
@@ -52,6 +61,7 @@ void ChartInput::choose(const OrderMenuItem& item) {
     if (!trades()) return;
     switch (item.action) {
         case Action::separator:
+        case Action::note:
             return;
         case Action::setSL:
             return trading->setProtective(simRoot, "SL", item.price);

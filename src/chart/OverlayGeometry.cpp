@@ -38,7 +38,8 @@ class Ribbon {
 
     // From `a` over `dx` bars; `dx` above 0.
     void dashes(const Spot& a, double dx, double dy, const Dash& dash, const Rgba8& color) {
-        for (double d = 0; d < dx; d += dash.on + dash.off) {
+        end_ = {NAN, NAN};
+        for (double d = 0; d < dx; d += dash.period()) {
             const double e = std::min(dx, d + dash.on);
             segment({a.x + d, a.y + dy * d / dx}, {a.x + e, a.y + dy * e / dx}, color);
         }
@@ -62,7 +63,7 @@ std::size_t barAt(std::span<const Candle> candles, std::int64_t t) {
 void polyline(std::vector<LineVertex>& verts, std::span<const OvPoint> points, double width, const Rgba& color,
               const std::optional<Dash>& dash, const DataOrigin& origin) {
     Ribbon ribbon(verts, width * 0.5, origin);
-    const bool dashed = dash && dash->on + dash->off > 0;
+    const bool dashed = dash && dash->period() > 0;
     for (std::size_t i = 1; i < points.size(); ++i) {
         const OvPoint& a = points[i - 1];
         const OvPoint& b = points[i];
@@ -98,9 +99,8 @@ void hfPolyline(std::vector<LineVertex>& verts, std::span<const OvColorPoint> po
 }
 
 void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines, std::span<const Candle> candles,
-             double opacity, const DataOrigin& origin) {
+             double opacity, const DataOrigin& origin, Gaps gaps) {
     if (candles.empty()) return;
-    constexpr Dash dash{0.46, 0.46};
     constexpr float gray = 0.667F;
     const double alpha = opacity > 0 ? std::min(opacity, 1.0) : 0.0;
     const Rgba color{gray, gray, gray, static_cast<float>(alpha)};
@@ -111,10 +111,13 @@ void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines,
         const std::size_t b = line.endTime ? barAt(candles, *line.endTime) : candles.size() - 1;
         if (a >= b) continue;
         const Spot start{static_cast<double>(a), line.price};
-        if (line.dashed)
-            ribbon.dashes(start, static_cast<double>(b - a), 0, dash, color);
-        else
-            ribbon.line(start, {static_cast<double>(b), line.price}, color);
+        if (line.dashed && gaps == Gaps::drawn) {
+            ribbon.dashes(start, static_cast<double>(b - a), 0, sessionDash, color);
+            continue;
+        }
+        Rgba whole = color;
+        if (line.dashed) whole[3] *= static_cast<float>(sessionDash.on / sessionDash.period());
+        ribbon.line(start, {static_cast<double>(b), line.price}, whole);
     }
 }
 

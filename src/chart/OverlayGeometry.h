@@ -16,7 +16,11 @@ namespace vmr::OverlayGeometry {
 /// Dashes of `on` bars with gaps of `off` bars.
 struct Dash {
     double on = 0, off = 0;
+    constexpr double period() const { return on + off; }
 };
+
+/// Of the session lines.
+inline constexpr Dash sessionDash{0.46, 0.46};
 
 /// A line through the points, `width` in pixels. Two points more than 1.5 bars apart, or not in order, are not joined.
 /// Dashes begin anew at each point.
@@ -28,9 +32,12 @@ void polyline(std::vector<LineVertex>& verts, std::span<const OvPoint> points, d
 void hfPolyline(std::vector<LineVertex>& verts, std::span<const OvColorPoint> points, double width, const Rgba& blue,
                 const Rgba& red, const DataOrigin& origin);
 
+/// How dashed session lines are drawn: with their gaps, or without and as faint as dashes and gaps are together.
+enum class Gaps : unsigned char { drawn, blended };
+
 /// Horizontal lines of one pixel over the bars from their start to their end time. `opacity` is held within 0 to 1.
 void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines, std::span<const Candle> candles,
-             double opacity, const DataOrigin& origin);
+             double opacity, const DataOrigin& origin, Gaps gaps = Gaps::drawn);
 
 /// The paired instrument's candles; the outlines of falling ones go to `borders`.
 void secondCandles(std::vector<BoxVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "chart/OverlayGeometry.h"
+#include "market/Bars.h"
 
 namespace vmr {
 
@@ -13,9 +14,14 @@ constexpr Rgba vwapMainColor{1.0F, 0.843F, 0.0F, 1.0F};
 constexpr Rgba vwapNyColor{1.0F, 0.902F, 0.502F, 1.0F};
 constexpr Rgba vixColor{0.353F, 0.82F, 0.749F, 1.0F};
 
-void drawSeries(const OverlaySet& series, const OverlayStyle& style, OverlayLists& out) {
+/// The origin as the points of a series count bars: the series may be older than the list of bars.
+DataOrigin originFor(const OverlaySet& series, std::span<const Candle> bars, DataOrigin origin) {
+    if (const auto bar = findBar(bars, series.anchor.time)) origin.bar += series.anchor.bar - static_cast<double>(*bar);
+    return origin;
+}
+
+void drawSeries(const OverlaySet& series, const OverlayStyle& style, const DataOrigin& origin, OverlayLists& out) {
     using namespace OverlayGeometry;
-    const DataOrigin& origin = out.origin;
     polyline(out.lines, series.vwapMain, 2.0, vwapMainColor, std::nullopt, origin);
     polyline(out.lines, series.vwapNY, 1.0, vwapNyColor, Dash{0.5, 0.4}, origin);
     polyline(out.lines, series.vixLine, 2.0, vixColor, std::nullopt, origin);
@@ -37,7 +43,8 @@ const OverlayLists& OverlayRibbons::make(const Input& input) {
     lists_.second.clear();
     lists_.secondBorders.clear();
     makeSessionLines(input);
-    if (input.series) drawSeries(*input.series, input.style, lists_);
+    if (input.series)
+        drawSeries(*input.series, input.style, originFor(*input.series, input.candles, lists_.origin), lists_);
     return lists_;
 }
 
@@ -52,6 +59,7 @@ void OverlayRibbons::clearSessionLines() {
     lineInputs_ = {};
     if (lists_.sessionLines.empty()) return;
     lists_.sessionLines.clear();
+    lists_.sessionFar.clear();
     ++lists_.sessionRevision;
 }
 
@@ -69,10 +77,15 @@ void OverlayRibbons::makeSessionLines(const Input& input) {
     if (std::exchange(lineInputs_, inputs) == inputs) return;
     const double close = bars.back().close;
     lists_.origin = {static_cast<double>(bars.size() - 1), std::isfinite(close) ? close : 0.0};
+    lists_.originTime = bars.back().time;
     lists_.sessionLines.clear();
+    lists_.sessionFar.clear();
+    using OverlayGeometry::Gaps;
     for (const OverlayLine& line : input.lines) {
-        if (isShown(line, style))
-            OverlayGeometry::srLines(lists_.sessionLines, {&line, 1}, bars, style.lineOpacity, lists_.origin);
+        if (!isShown(line, style)) continue;
+        for (const auto& [list, gaps] :
+             {std::pair(&lists_.sessionLines, Gaps::drawn), std::pair(&lists_.sessionFar, Gaps::blended)})
+            OverlayGeometry::srLines(*list, {&line, 1}, bars, style.lineOpacity, lists_.origin, gaps);
     }
     ++lists_.sessionRevision;
 }

@@ -17,16 +17,15 @@ PerfDrive::PerfDrive(ChartRenderer& renderer, ChartInput& input, MainLoop& main,
     driveTimer_ = main_.every(firstTick, tickPeriod, [this] { tick(); });
     print_("[perf] VMR_PERF_DRIVE active — synthetic 120 Hz drag");
     if (!settings_.bench) return;
-    main_.after(settings_.warmup, [this, weak = std::weak_ptr(alive_)] {
-        if (weak.expired()) return;
-        print_("[bench] dataset: " + renderer_.benchDataSummary());
-        perf_.benchBegin();
-    });
-    main_.after(settings_.warmup + settings_.secs, [this, weak = std::weak_ptr(alive_)] {
-        if (weak.expired()) return;
-        perf_.benchEnd();
-        if (done_) done_();
-    });
+    main_.after(settings_.warmup, whileThere_([this] {
+                    print_("[bench] dataset: " + renderer_.benchDataSummary());
+                    measures_ = perf_.benchBegin();
+                }));
+    main_.after(settings_.warmup + settings_.secs, whileThere_([this] {
+                    if (!measures_) return;
+                    perf_.benchEnd();
+                    if (done_) done_();
+                }));
 }
 
 PerfDrive::~PerfDrive() { main_.cancel(driveTimer_); }

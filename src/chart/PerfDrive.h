@@ -2,8 +2,8 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
+#include "base/WeakTask.h"
 #include "chart/ChartInput.h"
 #include "perf/BenchSettings.h"
 #include "perf/Perf.h"
@@ -11,8 +11,9 @@
 namespace vmr {
 
 /// From construction to destruction, and in benchmark mode with the window of measurement: after the warm-up it opens,
-/// `secs` later it is reported and `done` is called. The drag begins once the chart's overlays are there, which it
-/// would hold back, or after `patience` without any. Main thread.
+/// `secs` later it is reported and `done` is called. Of several charts' drives the first one does that for all. The
+/// drag begins once the chart's overlays are there, which it would hold back, or after `patience` without any. Main
+/// thread.
 class PerfDrive {
  public:
     static constexpr double firstTick = 2.5, tickPeriod = 0.008;  ///< seconds
@@ -36,9 +37,10 @@ class PerfDrive {
     BenchSettings settings_;
     std::function<void(const std::string&)> print_;
     std::function<void()> done_;
-    std::shared_ptr<int> alive_ = std::make_shared<int>();
     SerialQueue::TimerId driveTimer_ = SerialQueue::noTimer;
     int driveTick_ = 0, waited_ = 0;
+    bool measures_ = false;  ///< it opened the process's one benchmark
+    WeakTask whileThere_;
 };
 
 }  // namespace vmr

@@ -29,7 +29,7 @@ bool TradingLinesLayer::drawAbove(ScreenFrame& frame) {
 }
 
 void TradingLinesLayer::addLine(const ScreenFrame& frame, const LineMark& mark) {
-    if (!(mark.y >= 0 && mark.y < frame.plot().bottom())) return;
+    if (!mark.drawn) return;
     Rgba color = colorOf(mark);
     color[3] = 0.8F;
     const double right = frame.plot().right();

@@ -3,18 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/CheckedInt.h"
-
 namespace vmr {
 
-namespace {
-// The start of the minute that holds `tsMs`, in seconds.
-std::int64_t tradeMinute(double tsMs) {
+std::optional<std::int64_t> tradeMinute(double tsMs, RepairTally& tally) {
     constexpr double farFuture = 1e15;  // up to here a plain cut is the same, at a third of the cost
     if (tsMs >= 0 && tsMs < farFuture) return static_cast<std::int64_t>(tsMs / 60000) * 60;
-    return checkedInt(std::floor(tsMs / 60000) * 60, "the time of a trade");
+    return tally.integer(std::floor(tsMs / 60000) * 60, "the time of a trade");
 }
-}  // namespace
 
 std::int64_t wholeMinute(std::int64_t t) {
     const std::int64_t minute = t / 60 * 60;
@@ -28,7 +23,8 @@ void appendCapped(std::vector<Candle>& series, const Candle& bar, std::size_t ca
 }
 
 TradeEffect applyTrade(std::vector<Candle>& series, double price, double tsMs) {
-    const std::int64_t t = tradeMinute(tsMs);
+    RepairTally strict(true);
+    const std::int64_t t = *tradeMinute(tsMs, strict);
     if (series.empty()) return TradeEffect::none;
     Candle& last = series.back();
     if (last.time > t) return TradeEffect::tooOld;
@@ -67,6 +63,13 @@ void aggregate(const std::vector<Candle>& candles, int tf, std::vector<Candle>& 
         open.close = bar.close;
         open.volume += bar.volume;
     }
+}
+
+std::optional<std::size_t> findBar(std::span<const Candle> bars, std::int64_t time) {
+    const auto found = std::lower_bound(bars.begin(), bars.end(), time,
+                                        [](const Candle& bar, std::int64_t at) { return bar.time < at; });
+    if (found == bars.end() || found->time != time) return std::nullopt;
+    return static_cast<std::size_t>(found - bars.begin());
 }
 
 }  // namespace vmr

@@ -3,10 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "market/CandleParser.h"
 #include "market/Records.h"
+#include "market/RepairTally.h"
 
 namespace vmr {
 
@@ -17,12 +20,19 @@ void aggregate(const std::vector<Candle>& candles, int tf, std::vector<Candle>& 
 /// Appends `bar` and drops the oldest ones beyond `cap`.
 void appendCapped(std::vector<Candle>& series, const Candle& bar, std::size_t cap = CandleParser::seriesCap);
 
+/// The start of the minute of a trade at `tsMs` (milliseconds since 1970), in seconds. Nothing, and counted, where no
+/// 64-bit integer holds it.
+std::optional<std::int64_t> tradeMinute(double tsMs, RepairTally& tally);
+
 /// What a trade did to a series.
 enum class TradeEffect { none, tooOld, edited, appended };
 
 /// A trade edits the last bar, or opens the next at the close of the last. It starts no series, and one of an earlier
-/// minute changes nothing. `tsMs` in milliseconds since 1970 (`fatal` outside 64 bits).
+/// minute changes nothing. `tsMs` in milliseconds since 1970; `fatal` where `tradeMinute` would find none.
 TradeEffect applyTrade(std::vector<Candle>& series, double price, double tsMs);
+
+/// The place of the bar that begins at `time`, of bars that ascend; nothing when none does.
+std::optional<std::size_t> findBar(std::span<const Candle> bars, std::int64_t time);
 
 /// The start of the minute that holds `t`; seconds since 1970.
 std::int64_t wholeMinute(std::int64_t t);

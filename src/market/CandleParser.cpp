@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/CheckedInt.h"
 #include "base/NumberText.h"
 #include "market/Coerce.h"
 
@@ -82,24 +81,24 @@ bool readPrices(const BarFields& f, Candle& bar) {
 }
 
 // Bars of an array; nothing when an element is no object.
-std::optional<std::vector<Candle>> barsOf(JsonView array) {
-    // a pass of its own: no bar of an array that does not count may be read, since reading can be fatal
+std::optional<std::vector<Candle>> barsOf(JsonView array, RepairTally& tally) {
+    // a pass of its own: no bar of an array that does not count is read, so none of it is counted as a repair
     for (const JsonView item : array.items())
         if (!item.isObject()) return std::nullopt;
     std::vector<Candle> bars;
     bars.reserve(array.size());
     for (const JsonView item : array.items())
-        if (const auto bar = candleFromMs(item)) bars.push_back(*bar);
+        if (const auto bar = candleFromMs(item, tally)) bars.push_back(*bar);
     return bars;
 }
 
-std::vector<Candle> keyedBars(JsonView object) {
+std::vector<Candle> keyedBars(JsonView object, RepairTally& tally) {
     std::vector<Candle> bars;
     bars.reserve(object.size());
     for (const auto& [key, value] : object.members()) {
-        const auto time = checkedInt(parseDouble(key).value_or(0), "the time of a bar");
-        if (!value.isObject()) continue;
-        if (const auto bar = candle(value, time)) bars.push_back(*bar);
+        const auto time = tally.integer(parseDouble(key).value_or(0), "the time of a bar");
+        if (!time || !value.isObject()) continue;
+        if (const auto bar = candle(value, *time)) bars.push_back(*bar);
     }
     std::stable_sort(bars.begin(), bars.end(), [](const Candle& a, const Candle& b) { return a.time < b.time; });
     return bars;
@@ -125,14 +124,14 @@ std::vector<Candle> ordered(const std::vector<Candle>& bars) {
 }
 }  // namespace
 
-std::optional<Candle> candleFromMs(JsonView object) {
+std::optional<Candle> candleFromMs(JsonView object, RepairTally& tally) {
     const BarFields f = collect(object);
     Candle bar;
     if (!readPrices(f, bar)) return std::nullopt;
     if (const auto ts = coerce::dbl(f.ts))
-        bar.time = checkedInt(*ts / 1000, "the time of a bar");
+        bar.time = tally.integer(*ts / 1000, "the time of a bar").value_or(0);
     else
-        bar.time = coerce::intVal(f.time);
+        bar.time = coerce::intVal(f.time, tally);
     if (bar.time == 0) return std::nullopt;  // 0 is also what an unreadable time gives
     bar.volume = either(f.volume, f.volumeLong).value_or(0);
     return bar;
@@ -147,20 +146,20 @@ std::optional<Candle> candle(JsonView object, std::int64_t time) {
     return bar;
 }
 
-std::vector<Candle> parse(JsonView payload) {
-    if (payload.isArray()) return barsOf(payload).value_or(std::vector<Candle>());
+std::vector<Candle> parse(JsonView payload, RepairTally& tally) {
+    if (payload.isArray()) return barsOf(payload, tally).value_or(std::vector<Candle>());
     if (!payload.isObject()) return {};
     const JsonView candles = payload["candles"];
     if (candles.isArray()) {
-        if (auto bars = barsOf(candles)) return std::move(*bars);
+        if (auto bars = barsOf(candles, tally)) return std::move(*bars);
     } else if (candles.isObject()) {
-        return keyedBars(candles);
+        return keyedBars(candles, tally);
     }
     if (const JsonView minute = payload["minuteTs"], single = payload["candle"];
         minute.kind() != JsonView::Kind::missing && single.isObject()) {
-        if (const auto bar = candle(single, coerce::intVal(minute))) return {*bar};
+        if (const auto bar = candle(single, coerce::intVal(minute, tally))) return {*bar};
     }
-    if (const auto bar = candleFromMs(payload)) return {*bar};
+    if (const auto bar = candleFromMs(payload, tally)) return {*bar};
     return {};
 }
 

@@ -7,6 +7,7 @@
 
 #include "base/Json.h"
 #include "market/Records.h"
+#include "market/RepairTally.h"
 
 namespace vmr::CandleParser {
 
@@ -19,11 +20,16 @@ inline constexpr std::size_t seriesCap = 5000;
 /// - an object whose `candles` is an object: keys are seconds, sorted by time;
 /// - an object with `minuteTs` (s) and an object `candle`: one bar;
 /// - any other object: itself one bar.
-/// `fatal` on a time that no 64-bit integer holds.
-std::vector<Candle> parse(JsonView payload);
+/// A bar whose time no 64-bit integer holds is left out and counted.
+std::vector<Candle> parse(JsonView payload, RepairTally& tally);
+/// The same where nobody counts.
+inline std::vector<Candle> parse(JsonView payload) {
+    RepairTally uncounted;
+    return parse(payload, uncounted);
+}
 
-/// One bar timed by its own `ts` or `time`. Nothing without all four prices or with time 0.
-std::optional<Candle> candleFromMs(JsonView object);
+/// One bar timed by its own `ts` or `time`. Nothing without all four prices, with time 0 or one that no integer holds.
+std::optional<Candle> candleFromMs(JsonView object, RepairTally& tally);
 
 /// One bar with a time given from outside; the volume is `v` alone.
 std::optional<Candle> candle(JsonView object, std::int64_t time);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <string>
 
+#include "base/Clock.h"
 #include "base/NumberText.h"
 #include "market/SessionTime.h"
 
@@ -124,7 +125,7 @@ std::optional<ClockSetting> parseClockSetting(std::string_view text) {
     ClockSetting spec;
     if (const auto at = text.find('@'); at != std::string_view::npos) {
         const auto speed = parseDouble(text.substr(at + 1));
-        if (!speed || !std::isfinite(*speed) || *speed <= 0) return std::nullopt;
+        if (!speed || !(*speed > 0 && *speed <= Clock::fastest)) return std::nullopt;
         spec.speed = *speed;
         text = text.substr(0, at);
     }

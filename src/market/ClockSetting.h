@@ -10,7 +10,7 @@ namespace vmr {
 /// A moment to start at and a speed to run at.
 struct ClockSetting {
     double start = 0;  ///< seconds since 1970
-    double speed = 1;  ///< market seconds per real second, above 0
+    double speed = 1;  ///< market seconds per real second, above 0 to `Clock::fastest`
     bool operator==(const ClockSetting&) const = default;
 };
 

@@ -1,6 +1,5 @@
 #include "market/Coerce.h"
 
-#include "base/CheckedInt.h"
 #include "base/NumberText.h"
 
 namespace vmr::coerce {
@@ -12,13 +11,13 @@ std::optional<double> dbl(JsonView value) {
     return std::nullopt;
 }
 
-std::optional<std::int64_t> intv(JsonView value) {
+std::optional<std::int64_t> intv(JsonView value, RepairTally& tally) {
     switch (value.kind()) {
         case JsonView::Kind::integer:
             return value.integer();
         case JsonView::Kind::unsignedInteger:
         case JsonView::Kind::floating:
-            return checkedInt(value.number(), "an integer of the feed");
+            return tally.integer(value.number(), "an integer of the feed");
         case JsonView::Kind::boolean:
             return value.boolean() ? 1 : 0;
         case JsonView::Kind::string:
@@ -28,12 +27,12 @@ std::optional<std::int64_t> intv(JsonView value) {
     }
 }
 
-std::int64_t intVal(JsonView value) { return intv(value).value_or(0); }
+std::int64_t intVal(JsonView value, RepairTally& tally) { return intv(value, tally).value_or(0); }
 
-std::optional<std::int64_t> minuteInt(JsonView value) {
+std::optional<std::int64_t> minuteInt(JsonView value, RepairTally& tally) {
     const auto number = dbl(value);
     if (!number) return std::nullopt;
-    return checkedInt(*number, "a minute of the feed");
+    return tally.integer(*number, "a minute of the feed");
 }
 
 bool boolean(JsonView value) {

@@ -9,7 +9,7 @@ const MinuteChannel bubbleMinutes{"bubbles", "bubble", coerce::minuteInt, 600};
 const MinuteChannel triangleMinutes{"triangles", "triangle", coerce::minuteInt, 600};
 const MinuteChannel hfHistoryMinutes{"candles", "candle", coerce::intv, 5000};
 
-void forEachMinute(JsonView payload, const MinuteChannel& channel,
+void forEachMinute(JsonView payload, const MinuteChannel& channel, RepairTally& tally,
                    const std::function<void(std::int64_t minute, JsonView object)>& take) {
     if (const JsonView snapshot = payload[channel.snapshotKey]; snapshot.isObject()) {
         for (const auto& [key, value] : snapshot.members()) {
@@ -18,7 +18,7 @@ void forEachMinute(JsonView payload, const MinuteChannel& channel,
         }
         return;
     }
-    const auto minute = channel.minute(payload["minuteTs"]);
+    const auto minute = channel.minute(payload["minuteTs"], tally);
     if (const JsonView single = payload[channel.singleKey]; minute && single.isObject()) take(*minute, single);
 }
 

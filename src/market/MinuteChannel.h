@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "base/Json.h"
+#include "market/RepairTally.h"
 
 namespace vmr {
 
@@ -17,7 +18,7 @@ namespace vmr {
 struct MinuteChannel {
     std::string_view snapshotKey;
     std::string_view singleKey;
-    std::optional<std::int64_t> (*minute)(JsonView);
+    std::optional<std::int64_t> (*minute)(JsonView, RepairTally&);
     std::size_t keep;
 };
 
@@ -26,9 +27,9 @@ extern const MinuteChannel triangleMinutes;
 extern const MinuteChannel hfHistoryMinutes;
 
 /// Calls `take` for each minute of a payload with its seconds since 1970 and its object: every well-formed entry under
-/// the snapshot key, in the order given, or else the single minute. Anything else is skipped. `fatal` on a single
-/// minute's time that no 64-bit integer holds.
-void forEachMinute(JsonView payload, const MinuteChannel& channel,
+/// the snapshot key, in the order given, or else the single minute. Anything else is skipped, and a
+/// single minute whose time no 64-bit integer holds is counted.
+void forEachMinute(JsonView payload, const MinuteChannel& channel, RepairTally& tally,
                    const std::function<void(std::int64_t minute, JsonView object)>& take);
 
 /// Removes all but the `count` newest minutes.

@@ -25,6 +25,7 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
       config(&gate_, firstConfig(at_)),
       session(at_.auth, work_, at_.makeRelay(), &gate_),
       log(at_.clock, at_.ids, at_.print, &gate_),
+      feedRepairs(at_.clock, log, at_.strictFeed),
       notices(work_, &gate_),
       catalog(&gate_),
       channels(&gate_),
@@ -44,23 +45,27 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
         bars.timeframe = usableTimeframe(parseInt(*stored).value_or(0)).value_or(bars.timeframe);
     if (restorePane_) bars.timeframe = usableTimeframe(restorePane_->timeframe).value_or(bars.timeframe);
     bars.onDisplayRebuilt = [this] {
-        if (!bars.candles.empty()) sim_.seedLast(channels->simRoot, bars.candles.back().close);
+        if (!bars.candles.empty()) sim_.seedLast(bars.candles.back().close, bars.candles.back().time);
         overlays.schedule();
     };
     watchContent();
+    sim_.setCommission(config->simCommission);
+    sim_.watchProblem([this](const std::optional<std::string>& problem) { notices.accountProblem = problem; });
+    contentLinks_.push_back(session.connected.changed.connect([this] { sim_.setConnected(session.connected); }));
 
     RelayClient::Callbacks callbacks;
-    callbacks.onLog = [this](const std::string& text) { log.append(text); };
+    callbacks.onLog = work_.whileThere([this](const std::string& text) { log.append(text); });
     callbacks.onChannelMessage = [this](const ChannelMessage& message, const std::string& type) {
         onChannelMessage(message, type);
     };
-    callbacks.onPrepare = &AppModel::prepare;
+    callbacks.onPrepare = [strict = at_.strictFeed](const std::string& channel, JsonView payload) {
+        return prepare(channel, payload, strict);
+    };
     session.start(std::move(callbacks), [this] { onConnected(); });
 }
 
 AppModel::~AppModel() {
     shutdown();
-    work_.end();
     session.end();
 }
 
@@ -72,12 +77,15 @@ void AppModel::signOut() {
 
 void AppModel::shutdown() {
     ended_ = true;
+    work_.end();
     session.shutdown();
     barRollTimer_.cancel();
     hfpTimer_.cancel();
+    sim_.end();
 }
 
 void AppModel::onConnected() {
+    work_.after(SimFeed::contractsWait, [this] { sim_.contractsKnown(); });
     if (channels->isOpen())
         log.append("→ reconnected — subscriptions re-flushed, snapshots merge in place");
     else
@@ -99,11 +107,11 @@ void AppModel::setConfig(const GexConfig& changed) {
         reloadChart();
     } else {
         if (effects & SettingEffect::sessionLines) sessionLevels.rebuild(bars.candles, sessionHHMM());
-        if (effects & SettingEffect::hfSampling) updateHfpTimer();
         // a scale of another symbol changes nothing here
         if ((effects & SettingEffect::overlaySeries) && !(overlaySettings() == series)) overlays.schedule();
         bars.raiseChartVersion();
     }
+    if (effects & SettingEffect::hfSampling) updateHfpTimer();
     sim_.setCommission(config->simCommission);
 }
 

@@ -15,6 +15,7 @@
 #include "chart/ChartSource.h"
 #include "model/Catalog.h"
 #include "model/ChartChannels.h"
+#include "model/FeedRepairs.h"
 #include "model/HfpSampling.h"
 #include "model/LiveBars.h"
 #include "model/MinuteMarkers.h"
@@ -57,6 +58,7 @@ class AppModel final : public ChartSource {
     Observable<GexConfig> config;  ///< changed by `setConfig` alone
     PaneSession session;
     PaneLog log;
+    FeedRepairs feedRepairs;  ///< of all charts of the pane
     Notices notices;
     PanelsOpen panels;
     Catalog catalog;
@@ -80,7 +82,8 @@ class AppModel final : public ChartSource {
     void startStoredSession() { session.startStoredSession(); }
     /// Disconnects and forgets the session; the chart and its data stay, the log goes.
     void signOut();
-    /// Ends the pane: timers and connection. Nothing starts again afterwards. Safe to call twice.
+    /// Ends the pane: timers, connection and delayed work. It hears nothing and starts nothing afterwards. Safe to call
+    /// twice.
     void shutdown();
 
     // Chart -----------------------------------------------------------------------------------------------------------
@@ -101,8 +104,8 @@ class AppModel final : public ChartSource {
     /// Key under which things are stored by symbol and source, such as "NQ_QQQ"; a stock's symbol; empty without chart.
     std::string symbolSource() const;
 
-    /// A trade of the chart; `tsMs` in milliseconds since 1970 (`fatal` outside 64 bits).
-    void applyTrade(double price, double tsMs);
+    /// A trade of the chart; `tsMs` in milliseconds since 1970 (`fatal` where no integer holds its minute).
+    TradeEffect applyTrade(double price, double tsMs);
     /// The same of the paired instrument.
     void applySecondaryTrade(double price, double tsMs);
     /// Appends a flat bar when a new open minute has begun and the pane is connected.
@@ -132,10 +135,13 @@ class AppModel final : public ChartSource {
     /// share a document, are taken to come at one time.
     void onChannelMessage(const ChannelMessage& message, const std::string& type);
     /// What the relay's queue makes of a payload before the main thread sees it: the bars of a candle channel, cut to
-    /// the newest that a series keeps, and the brief form of a large payload. Pure; any thread.
-    static std::any prepare(const std::string& channel, JsonView payload);
+    /// the newest that a series keeps, and the brief form of a large payload. `strict` as
+    /// in `PaneSurroundings::strictFeed`. Pure; any thread.
+    static std::any prepare(const std::string& channel, JsonView payload, bool strict = false);
 
     const Clock& clock() const { return at_.clock; }
+    /// The session clock that it goes by, for the chart that shows it.
+    SessionTime& sessionTime() const { return at_.session; }
 
  private:
     // Lifecycle (AppModel.cpp)
@@ -150,10 +156,11 @@ class AppModel final : public ChartSource {
     void openFirstChart();
     void rollForwardBar(double now);
     // Routing (Routing.cpp)
-    bool routeHot(const ChannelMessage& message);
-    bool routeSeries(const ChannelMessage& message);
-    bool routeDerived(const ChannelMessage& message);
-    void mergeChartBars(const ChannelMessage& message);
+    bool route(const ChannelMessage& message);
+    bool routeHot(const ChannelMessage& message, RepairTally& tally);
+    bool routeSeries(const ChannelMessage& message, RepairTally& tally);
+    bool routeDerived(const ChannelMessage& message, RepairTally& tally);
+    void mergeChartBars(const ChannelMessage& message, RepairTally& tally);
     void applyContracts(JsonView map);
     void rebuildSurface(bool force) { surface.rebuild(bars.candles, options.etfRatio, options.derivedFields, force); }
 

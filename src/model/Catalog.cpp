@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/Log.h"
 #include "market/Coerce.h"
 #include "market/Roots.h"
 #include "model/HfScales.h"
@@ -12,14 +13,15 @@ namespace {
 std::optional<CatalogFut> readFuture(JsonView entry) {
     if (!entry["sym"].isString()) return std::nullopt;
     CatalogFut fut;
-    fut.sym = entry["sym"].string();
+    // the names stand in menus, and whoever runs the server can put anything there
+    fut.sym = harmlessText(entry["sym"].string());
     for (const JsonView source : entry["sources"].items())
-        if (source.isString()) fut.sources.emplace_back(source.string());
+        if (source.isString()) fut.sources.push_back(harmlessText(source.string()));
     if (const JsonView source = entry["defaultSource"]; source.isString())
-        fut.defaultSource = source.string();
+        fut.defaultSource = harmlessText(source.string());
     else
         fut.defaultSource = fut.sources.empty() ? fut.sym : fut.sources.front();
-    if (const JsonView pair = entry["pair"]; pair.isString()) fut.pair = std::string(pair.string());
+    if (const JsonView pair = entry["pair"]; pair.isString()) fut.pair = harmlessText(pair.string());
     fut.tick = coerce::dbl(entry["tick"]).value_or(fut.tick);
     fut.tickValue = coerce::dbl(entry["tickValue"]).value_or(fut.tickValue);
     fut.hfScale = coerce::dbl(entry["hfScale"]).value_or(fut.hfScale);
@@ -83,7 +85,7 @@ bool Catalog::applyCatalog(JsonView catalog, HfScales& scales) {
     for (const JsonView entry : catalog["stocks"].items()) {
         const std::string_view sym = entry["sym"].string();
         if (sym.empty()) continue;
-        stocks.emplace_back(sym);
+        stocks.push_back(harmlessText(sym));
         if (const auto scale = coerce::dbl(entry["hfScale"])) scales.set(std::string(sym), *scale);
     }
     if (!stocks.empty()) catStocks = std::move(stocks);

@@ -29,6 +29,7 @@ void AppModel::openChart(std::string_view candlesArgument, std::string_view leve
     work_.openNext();
     channels =
         chartChannels({candles, derived, catalog, config->gexSource, config->vixMode, at_.hfScales, channels->hfScale});
+    sim_.open(channels->simRoot, candles.substr(candles.find(':') + 1));
     bars.open();
     options.open();
     markers.open();

@@ -7,44 +7,31 @@
 #include <cmath>
 #include <optional>
 
+#include "base/LocalDay.h"
+
 namespace vmr {
 
 namespace {
 using date::local_days;
 
-const date::time_zone* zoneNamed(std::string_view name) {
-    try {
-        return date::locate_zone(std::string(name));
-    } catch (const std::exception&) {
-        return nullptr;
-    }
-}
-
 const date::time_zone* newYork() {
-    static const date::time_zone* const zone = zoneNamed("America/New_York");
-    return zone;
-}
-
-const date::time_zone* machineZone() {
     static const date::time_zone* const zone = [] {
         try {
-            return date::current_zone();
+            return date::locate_zone("America/New_York");
         } catch (const std::exception&) {
-            return newYork();
+            return static_cast<const date::time_zone*>(nullptr);
         }
     }();
     return zone;
 }
 
 // UTC where there is no zone.
-date::local_seconds localTime(const date::time_zone* zone, double now) {
+date::local_seconds newYorkTime(double now) {
     constexpr double far = 1e11;  // keeps the year within the calendar
     const auto seconds = static_cast<std::int64_t>(std::floor(std::isfinite(now) ? std::clamp(now, -far, far) : 0));
     const date::sys_seconds moment{std::chrono::seconds(seconds)};
-    return zone ? zone->to_local(moment) : date::local_seconds(moment.time_since_epoch());
+    return newYork() ? newYork()->to_local(moment) : date::local_seconds(moment.time_since_epoch());
 }
-
-local_days localDay(const date::time_zone* zone, double now) { return date::floor<date::days>(localTime(zone, now)); }
 
 std::string isoText(local_days day) {
     const date::year_month_day ymd(day);
@@ -87,7 +74,7 @@ int weekdaysBetween(local_days from, local_days to) {
 
 std::vector<std::string> computeFutureExps(const std::vector<std::string>& list, double now) {
     constexpr std::chrono::hours lateEvening(20);
-    const auto local = localTime(newYork(), now);
+    const auto local = newYorkTime(now);
     local_days base = date::floor<date::days>(local);
     if (local - base >= lateEvening) base += date::days(1);
     const unsigned weekday = date::weekday(base).c_encoding();  // Sunday 0
@@ -109,18 +96,17 @@ std::string expLabel(const std::string& iso, double now) {
     const auto ymd = parseIso(iso);
     if (!ymd) return iso;
     return fmt::format("{}/{} ({}DTE)", static_cast<unsigned>(ymd->month()), static_cast<unsigned>(ymd->day()),
-                       weekdaysBetween(localDay(newYork(), now), local_days(*ymd)));
+                       weekdaysBetween(date::floor<date::days>(newYorkTime(now)), local_days(*ymd)));
 }
 
-std::string expDteLabel(const std::string& iso, double now, std::string_view zone) {
+std::string expDteLabel(const std::string& iso, double now) {
     constexpr const char* names[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     const auto ymd = parseIso(iso);
     if (!ymd) return iso;
     const local_days target(*ymd);
-    return fmt::format("{}DTE {} {}/{}",
-                       weekdaysBetween(localDay(zone.empty() ? machineZone() : zoneNamed(zone), now), target),
-                       names[date::weekday(target).c_encoding()], static_cast<unsigned>(ymd->month()),
-                       static_cast<unsigned>(ymd->day()));
+    const local_days today{date::days(localDay(now))};
+    return fmt::format("{}DTE {} {}/{}", weekdaysBetween(today, target), names[date::weekday(target).c_encoding()],
+                       static_cast<unsigned>(ymd->month()), static_cast<unsigned>(ymd->day()));
 }
 
 }  // namespace vmr

@@ -16,8 +16,7 @@ std::vector<std::string> computeFutureExps(const std::vector<std::string>& list,
 /// date comes back as it is.
 std::string expLabel(const std::string& iso, double now);
 
-/// "3DTE Fri 6/12": the same count in `zone`, or in the machine's own zone without one (New York where that is
-/// unknown).
-std::string expDteLabel(const std::string& iso, double now, std::string_view zone = {});
+/// "3DTE Fri 6/12": the same count from the machine's own day, as `localDay` tells it.
+std::string expDteLabel(const std::string& iso, double now);
 
 }  // namespace vmr

@@ -14,16 +14,16 @@ std::vector<Point> allPoints(const std::map<std::int64_t, std::vector<Point>>& b
 }
 }  // namespace
 
-void MinuteMarkers::takeBubbles(JsonView payload) {
-    forEachMinute(payload, bubbleMinutes, [this](std::int64_t minute, JsonView object) {
+void MinuteMarkers::takeBubbles(JsonView payload, RepairTally& tally) {
+    forEachMinute(payload, bubbleMinutes, tally, [this](std::int64_t minute, JsonView object) {
         bubbleByMin[minute] = BubbleParser::bubblePts(object, minute);
     });
     keepNewest(bubbleByMin, bubbleMinutes.keep);
     bubblePts = allPoints(bubbleByMin);
 }
 
-void MinuteMarkers::takeTriangles(JsonView payload) {
-    forEachMinute(payload, triangleMinutes, [this](std::int64_t minute, JsonView object) {
+void MinuteMarkers::takeTriangles(JsonView payload, RepairTally& tally) {
+    forEachMinute(payload, triangleMinutes, tally, [this](std::int64_t minute, JsonView object) {
         triByMin[minute] = BubbleParser::trianglePts(object, minute);
     });
     keepNewest(triByMin, triangleMinutes.keep);

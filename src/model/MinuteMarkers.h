@@ -8,6 +8,7 @@
 #include "base/Json.h"
 #include "base/Signal.h"
 #include "market/Records.h"
+#include "market/RepairTally.h"
 
 namespace vmr {
 
@@ -22,8 +23,8 @@ struct MinuteMarkers {
 
     /// Begins another chart, without markers.
     void open() { *this = MinuteMarkers(); }
-    void takeBubbles(JsonView payload);
-    void takeTriangles(JsonView payload);
+    void takeBubbles(JsonView payload, RepairTally& tally);
+    void takeTriangles(JsonView payload, RepairTally& tally);
 };
 
 }  // namespace vmr

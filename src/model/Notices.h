@@ -1,4 +1,4 @@
-// Passing notices over a chart.
+// Notices over a chart.
 #pragma once
 
 #include <optional>
@@ -21,10 +21,11 @@ class Notices {
  public:
     /// `work` must outlive it; `gate` may be null.
     explicit Notices(PaneWork& work, NoticeGate* gate = nullptr)
-        : toast(gate), marketClosedNotice(gate, false), work_(work) {}
+        : toast(gate), marketClosedNotice(gate, false), accountProblem(gate), work_(work) {}
 
     Observable<std::optional<ToastMsg>> toast;
     Observable<bool> marketClosedNotice;
+    Observable<std::optional<std::string>> accountProblem;  ///< of the paper account, for as long as it lasts
 
     /// For 2.5 seconds, or until the next one.
     void flashToast(const std::string& title, std::optional<std::string> detail = std::nullopt);

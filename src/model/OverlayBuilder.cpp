@@ -73,6 +73,7 @@ bool OverlayBuilder::update(const OverlayInput& input) {
     updateFlow(input, from, sideChanged, walk);
     if (on.ema1Enabled) OverlayLines::updateEMA(bars, from, on.ema1Period, series_.ema1);
     if (on.ema2Enabled) OverlayLines::updateEMA(bars, from, on.ema2Period, series_.ema2);
+    series_.anchor = {last, static_cast<double>(bars.size() - 1)};
     series_.vixSpot = input.vix.empty() ? std::nullopt : std::optional(input.vix.back().close);
     const bool sameInput = from == bars.size() && !sideChanged && !on.showSecondary;
     return !sameInput && (hadPoints || !isEmpty(series_));

@@ -24,8 +24,8 @@ void Overlays::open() {
     overlaysChanged();
 }
 
-void Overlays::takeHfHistory(JsonView payload) {
-    forEachMinute(payload, hfHistoryMinutes,
+void Overlays::takeHfHistory(JsonView payload, RepairTally& tally) {
+    forEachMinute(payload, hfHistoryMinutes, tally,
                   [this](std::int64_t minute, JsonView bar) { hfByMin[minute] = HfHistoryParser::hfCandle(bar); });
     keepNewest(hfByMin, hfHistoryMinutes.keep);
     raiseSides();

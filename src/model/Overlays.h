@@ -11,6 +11,7 @@
 #include "base/Signal.h"
 #include "chart/ChartPort.h"
 #include "market/HfHistoryParser.h"
+#include "market/RepairTally.h"
 #include "model/OverlayBuilder.h"
 #include "model/PaneWork.h"
 
@@ -53,7 +54,7 @@ class Overlays : public OverlaysOfChart {
     void setChartPort(const ChartPort* port) { port_ = port; }
 
     /// The history of HF flow.
-    void takeHfHistory(JsonView payload);
+    void takeHfHistory(JsonView payload, RepairTally& tally);
     /// The volatility index or the sessions changed: what is kept of them is read anew.
     void raiseSides() { ++sideRevision_; }
     std::uint64_t sideRevision() const { return sideRevision_; }

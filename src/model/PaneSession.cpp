@@ -17,20 +17,22 @@ PaneSession::PaneSession(FirebaseRESTAuth& auth, PaneWork& work, std::unique_ptr
       relay_(std::move(relay)) {}
 
 void PaneSession::start(RelayClient::Callbacks callbacks, std::function<void()> onConnected) {
-    // The relay client may report a greeting or a loss after the sign-out that it has not heard of yet: too late.
-    callbacks.onConnected = [this, onConnected = std::move(onConnected)] {
+    // The relay client may report a greeting or a loss after the sign-out, or the pane's end, that it has not heard of
+    // yet: too late.
+    callbacks.onConnected = work_.whileThere([this, onConnected = std::move(onConnected)] {
         if (!isSignedIn) return;
         connLimited = false;
         connected = true;
         status = "Connected";
         onConnected();
-    };
-    callbacks.onConnectionLimit = [this] { connLimited = true; };
-    callbacks.onDisconnected = [this] {
+    });
+    callbacks.onConnectionLimit = work_.whileThere([this] { connLimited = true; });
+    callbacks.onDisconnected = work_.whileThere([this] {
         if (!isSignedIn) return;
         connected = false;
         status = "Disconnected (reconnecting…)";
-    };
+    });
+    callbacks.onTokenRefused = work_.whileThere([this](const std::string& token) { auth_.refused(token); });
     relay_->setCallbacks(std::move(callbacks));
     if (auth_.refreshToken) startStoredSession();
 }
@@ -38,6 +40,7 @@ void PaneSession::start(RelayClient::Callbacks callbacks, std::function<void()> 
 void PaneSession::startStoredSession() {
     isSignedIn = true;
     userEmail = auth_.email.value_or("");
+    if (auth_.setupProblem) return;  // the session waits, unused, for a start that can reach its servers
     status = "Signed in, connecting…";
     // an answer that comes after a sign-out, perhaps into the session that followed it, is nobody's any more
     work_.main().post(work_.whileThere([this, session = session_] {

@@ -27,7 +27,7 @@ struct PaneSurroundings {
     MainLoop& main;
     Preferences& preferences;
     FirebaseRESTAuth& auth;  ///< the process's one session
-    SessionTime& session;    ///< the main thread's
+    SessionTime& session;    ///< the main thread's; the account and the chart go by the same one
     UuidSource& ids;
     HfScales& hfScales;  ///< the process's one
     std::function<std::unique_ptr<RelayClient>()> makeRelay;
@@ -37,7 +37,8 @@ struct PaneSurroundings {
     Perf* perf = nullptr;                                         ///< where work is timed; may be null
     std::optional<GexConfig> config{};                            ///< to start with instead of the stored settings
     bool saveSettings = true;                                     ///< false: changed settings are not stored
-    bool rebuildInDrags = false;                                  ///< a drag holds no overlay rebuild back
+    bool strictFeed = false;      ///< a number of the feed that fits no integer is fatal
+    bool rebuildInDrags = false;  ///< a drag holds no overlay rebuild back
 };
 
 }  // namespace vmr

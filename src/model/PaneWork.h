@@ -2,41 +2,42 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <utility>
 
 #include "base/SerialQueue.h"
+#include "base/WeakTask.h"
 
 namespace vmr {
 
-/// Hands out delayed work that ends silently when the pane is gone and, where it is the work of one chart, when another
-/// chart is open by then. Counts the charts for that. Main thread.
+/// Hands out delayed work that ends silently when the pane is gone or shut down and, where it is the work of one chart,
+/// when another chart is open by then. Counts the charts for that. Main thread.
 class PaneWork {
  public:
     explicit PaneWork(MainLoop& main) : main_(main) {}
     PaneWork(const PaneWork&) = delete;
 
     /// The number of the opened chart; 0 before the first.
-    std::uint64_t chart() const { return state_->chart; }
+    std::uint64_t chart() const { return chart_; }
     /// Another chart, or the same anew: the former's work is nobody's any more.
-    void openNext() { ++state_->chart; }
-    /// The pane ends, and with it all its work.
-    void end() { state_.reset(); }
+    void openNext() {
+        ++chart_;
+        ofChart_.cancel();
+    }
+    /// The pane ends, and with it all its work, that which is still to be handed out included.
+    void end() {
+        whileThere_.end();
+        ofChart_.end();
+    }
 
     /// `work`, with any arguments, as long as the pane is there.
     template <class Work>
     auto whileThere(Work work) const {
-        return [state = std::weak_ptr(state_), work = std::move(work)](auto&&... arguments) mutable {
-            if (!state.expired()) work(std::forward<decltype(arguments)>(arguments)...);
-        };
+        return whileThere_(std::move(work));
     }
     /// The same as long as the chart that is open now stays.
     template <class Work>
     auto ofChart(Work work) const {
-        return [state = std::weak_ptr(state_), chart = chart(), work = std::move(work)](auto&&... arguments) mutable {
-            const auto now = state.lock();
-            if (now && now->chart == chart) work(std::forward<decltype(arguments)>(arguments)...);
-        };
+        return ofChart_(std::move(work));
     }
 
     template <class Work>
@@ -50,11 +51,9 @@ class PaneWork {
     MainLoop& main() const { return main_; }
 
  private:
-    struct State {
-        std::uint64_t chart = 0;
-    };
     MainLoop& main_;
-    std::shared_ptr<State> state_ = std::make_shared<State>();
+    std::uint64_t chart_ = 0;
+    WeakTask whileThere_, ofChart_;
 };
 
 }  // namespace vmr

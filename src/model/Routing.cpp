@@ -21,10 +21,10 @@ bool carriesBars(std::string_view channel) {
 }
 
 // The message's bars; `parsed` holds them if nobody has parsed them yet.
-const std::vector<Candle>& barsOf(const ChannelMessage& message, std::vector<Candle>& parsed) {
+const std::vector<Candle>& barsOf(const ChannelMessage& message, std::vector<Candle>& parsed, RepairTally& tally) {
     if (const auto* prepared = std::any_cast<Prepared>(&message.prepared); prepared && prepared->bars)
         return *prepared->bars;
-    return parsed = CandleParser::parse(message.payload);
+    return parsed = CandleParser::parse(message.payload, tally);
 }
 
 struct Trade {
@@ -32,10 +32,11 @@ struct Trade {
     double tsMs;
 };
 
-std::optional<Trade> readTrade(JsonView payload, const Clock& clock) {
+std::optional<Trade> readTrade(JsonView payload, const Clock& clock, RepairTally& tally) {
     const auto price = coerce::dbl(payload["price"]);
     if (!price || !std::isfinite(*price)) return std::nullopt;
     const auto ts = coerce::dbl(payload["ts"]);
+    if (ts && !tradeMinute(*ts, tally)) return std::nullopt;
     return Trade{*price, ts ? *ts : clock.now() * 1000};
 }
 
@@ -47,11 +48,13 @@ bool isObjectOfStrings(JsonView value) {
 }
 }  // namespace
 
-std::any AppModel::prepare(const std::string& channel, JsonView payload) {
+std::any AppModel::prepare(const std::string& channel, JsonView payload, bool strict) {
     if (endsWithLive(channel)) return {};
     Prepared prepared;
     if (carriesBars(channel)) {
-        auto bars = CandleParser::parse(payload);
+        RepairTally tally(strict);
+        auto bars = CandleParser::parse(payload, tally);
+        prepared.repaired = tally.count();
         // the newest that the series could keep of these alone are the newest that it can keep of these and its own
         if (bars.size() > CandleParser::seriesCap) bars = CandleParser::merge({}, bars, CandleParser::seriesCap);
         prepared.bars = std::move(bars);
@@ -66,6 +69,7 @@ std::any AppModel::prepare(const std::string& channel, JsonView payload) {
 }
 
 void AppModel::onChannelMessage(const ChannelMessage& message, const std::string& type) {
+    if (ended_) return;
     if (type != "batch") {
         rollForwardBarIfNeeded();
     } else {
@@ -75,7 +79,7 @@ void AppModel::onChannelMessage(const ChannelMessage& message, const std::string
         }
         rollForwardBar(batchNow_);
     }
-    if (routeHot(message) || routeSeries(message) || routeDerived(message)) return;
+    if (route(message)) return;
     const auto* prepared = std::any_cast<Prepared>(&message.prepared);
     const bool briefIsMade = prepared && !prepared->brief.empty();
     const std::string line =
@@ -84,11 +88,21 @@ void AppModel::onChannelMessage(const ChannelMessage& message, const std::string
     log.append(line);
 }
 
-void AppModel::applyTrade(double price, double tsMs) {
+// To the one place where it belongs, and on to the log unless that says that the message has been dealt with.
+bool AppModel::route(const ChannelMessage& message) {
+    RepairTally tally(feedRepairs.strict());
+    const bool done = routeHot(message, tally) || routeSeries(message, tally) || routeDerived(message, tally);
+    const auto* prepared = std::any_cast<Prepared>(&message.prepared);
+    feedRepairs.add(message.channel, tally.count() + (prepared ? prepared->repaired : 0));
+    return done;
+}
+
+TradeEffect AppModel::applyTrade(double price, double tsMs) {
     const TradeEffect effect = bars.applyTrade(price, tsMs);
-    if (effect == TradeEffect::none) return;
+    if (effect == TradeEffect::none) return effect;
     if (effect == TradeEffect::appended) sessionLevels.rebuildIfBarChanged(bars.candles, sessionHHMM());
     if (surface.gex3DActive()) rebuildSurface(false);
+    return effect;
 }
 
 void AppModel::applySecondaryTrade(double price, double tsMs) {
@@ -97,13 +111,13 @@ void AppModel::applySecondaryTrade(double price, double tsMs) {
 }
 
 // Trades, the meta channels and quotes; true when the message has been dealt with.
-bool AppModel::routeHot(const ChannelMessage& message) {
+bool AppModel::routeHot(const ChannelMessage& message, RepairTally& tally) {
     const std::string& channel = message.channel;
     const ChartChannels& names = channels.get();
     if (names.isOpen() && channel == names.tradesName) {
-        if (const auto trade = readTrade(message.payload, at_.clock)) {
-            applyTrade(trade->price, trade->tsMs);
-            sim_.onTrade(names.simRoot, trade->price);
+        if (const auto trade = readTrade(message.payload, at_.clock, tally)) {
+            // what is too old for the bars is no price of now, and fills nothing either
+            if (applyTrade(trade->price, trade->tsMs) != TradeEffect::tooOld) sim_.onTrade(trade->price);
         }
         return true;
     }
@@ -119,11 +133,12 @@ bool AppModel::routeHot(const ChannelMessage& message) {
     if (names.isOpen() && channel == names.quoteName) {
         const auto bid = coerce::dbl(message.payload["bid"]);
         const auto ask = coerce::dbl(message.payload["ask"]);
-        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(names.simRoot, *bid, *ask);
+        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(*bid, *ask);
         return true;
     }
     if (!names.secondaryChannel.empty() && channel == names.secondaryTradesName) {
-        if (const auto trade = readTrade(message.payload, at_.clock)) applySecondaryTrade(trade->price, trade->tsMs);
+        if (const auto trade = readTrade(message.payload, at_.clock, tally))
+            applySecondaryTrade(trade->price, trade->tsMs);
         return true;
     }
     return false;
@@ -133,27 +148,30 @@ void AppModel::applyContracts(JsonView map) {
     const NoticeGate::Hold hold(gate_);
     const std::string sym = currentSymbol();
     const auto contract = catalog.applyContracts(map, sym);
-    if (!contract || sym.empty() || isBuiltInStock(sym) || channels->chartChannel.ends_with(*contract)) return;
-    log.append("→ contract roll: " + sym + " → " + *contract);
-    switchSymbol(sym);
+    if (contract && !sym.empty() && !isBuiltInStock(sym) && !channels->chartChannel.ends_with(*contract)) {
+        log.append("→ contract roll: " + sym + " → " + *contract);
+        switchSymbol(sym);
+    }
+    sim_.contracts(catalog.contractOverrides);
+    sim_.contractsKnown();
 }
 
 // Bars and the histories beside them. The chart's own bars and the support/resistance sessions go on to the log.
-bool AppModel::routeSeries(const ChannelMessage& message) {
+bool AppModel::routeSeries(const ChannelMessage& message, RepairTally& tally) {
     const std::string& channel = message.channel;
     const ChartChannels& names = channels.get();
     if (!names.isOpen()) return false;
     std::vector<Candle> parsed;
     if (!names.secondaryChannel.empty() &&
         (channel == names.secondaryChannel || channel == names.secondaryMinuteName)) {
-        if (const auto& incoming = barsOf(message, parsed); !incoming.empty()) {
+        if (const auto& incoming = barsOf(message, parsed, tally); !incoming.empty()) {
             LiveBars::merge(bars.secondaryCandles, incoming);
             overlays.schedule();
         }
         return true;
     }
     if (channel == names.vixBaseChannel || channel == names.vixChannel) {
-        if (const auto& incoming = barsOf(message, parsed); !incoming.empty()) {
+        if (const auto& incoming = barsOf(message, parsed, tally); !incoming.empty()) {
             LiveBars::merge(bars.vixCandles, incoming);
             overlays.raiseSides();
             overlays.schedule();
@@ -161,23 +179,23 @@ bool AppModel::routeSeries(const ChannelMessage& message) {
         return true;
     }
     if (!names.hfHistoryChannel.empty() && channel == names.hfHistoryChannel && message.payload.isObject()) {
-        overlays.takeHfHistory(message.payload);
+        overlays.takeHfHistory(message.payload, tally);
         overlays.schedule();
         return true;
     }
     if (!names.srChannel.empty() && channel == names.srChannel) {
-        sessionLevels.take(message.payload);
+        sessionLevels.take(message.payload, tally);
         overlays.raiseSides();
         sessionLevels.rebuild(bars.candles, sessionHHMM());
         overlays.schedule();
     }
-    if (channel == names.chartChannel || channel == names.minuteName) mergeChartBars(message);
+    if (channel == names.chartChannel || channel == names.minuteName) mergeChartBars(message, tally);
     return false;
 }
 
-void AppModel::mergeChartBars(const ChannelMessage& message) {
+void AppModel::mergeChartBars(const ChannelMessage& message, RepairTally& tally) {
     std::vector<Candle> parsed;
-    const auto& incoming = barsOf(message, parsed);
+    const auto& incoming = barsOf(message, parsed, tally);
     if (incoming.empty()) return;
     LiveBars::merge(bars.candles, incoming);
     bars.rebuildDisplay();
@@ -185,16 +203,16 @@ void AppModel::mergeChartBars(const ChannelMessage& message) {
 }
 
 // The derived channels. The levels channel goes on to the log.
-bool AppModel::routeDerived(const ChannelMessage& message) {
+bool AppModel::routeDerived(const ChannelMessage& message, RepairTally& tally) {
     const std::string& channel = message.channel;
     const ChartChannels& names = channels.get();
     const bool isObject = message.payload.isObject();
     if (isObject && !names.bubblesChannel.empty() && channel == names.bubblesChannel) {
-        markers.takeBubbles(message.payload);
+        markers.takeBubbles(message.payload, tally);
         return true;
     }
     if (isObject && !names.trianglesChannel.empty() && channel == names.trianglesChannel) {
-        markers.takeTriangles(message.payload);
+        markers.takeTriangles(message.payload, tally);
         return true;
     }
     if (!names.oscChannel.empty() && channel == names.oscChannel) {

@@ -24,7 +24,7 @@ struct SessionLevels {
     /// Begins another chart, without sessions.
     void open() { *this = SessionLevels(); }
     /// Sessions of the feed; the lines are to be rebuilt.
-    void take(JsonView payload) { SRLevelsParser::merge(payload, srSessions); }
+    void take(JsonView payload, RepairTally& tally) { SRLevelsParser::merge(payload, srSessions, tally); }
     /// The lines over one-minute bars; `hhmm` is the session's start.
     void rebuild(const std::vector<Candle>& candles, int hhmm);
     /// The same when a bar came or went since the last time.

@@ -7,7 +7,7 @@ namespace {
 json identity(const std::optional<Uuid>& id) { return id ? json(id->text()) : json(nullptr); }
 json count(const std::optional<std::int64_t>& value) { return value ? json(*value) : json(nullptr); }
 
-json record(const sim::Order& order) {
+json record(const sim::Order& order, bool watched) {
     json bracket = nullptr;
     if (order.bracket)
         bracket = {{"slTicks", count(order.bracket->slTicks)}, {"tpTicks", count(order.bracket->tpTicks)}};
@@ -24,7 +24,8 @@ json record(const sim::Order& order) {
             {"fillPrice", number(order.fillPrice)},
             {"ocoId", identity(order.ocoId)},
             {"bracket", std::move(bracket)},
-            {"tag", order.tag}};
+            {"tag", order.tag},
+            {"watched", watched}};
 }
 
 json record(const sim::Fill& fill) {
@@ -60,7 +61,8 @@ json record(const sim::OpenTrade& open) {
             {"realizedStart", number(open.realizedStart)},
             {"fees", number(open.fees)},
             {"exitQty", open.exitQty},
-            {"exitNotional", number(open.exitNotional)}};
+            {"exitNotional", number(open.exitNotional)},
+            {"contract", text(open.contract)}};
 }
 
 json record(const sim::Stats& stats) {
@@ -102,17 +104,27 @@ json record(const SimEngine& engine) {
             {"qty", position.qty}, {"avg", number(position.avg)}, {"realized", number(position.realized)}};
         unrealized[root] = number(engine.unrealized(root));
     }
+    json orders = json::array(), contracts = json::object(), stale = json::object();
+    for (const sim::Order& order : engine.orders())
+        orders.push_back(record(order, engine.watches().watched(order.sym)));
     for (const auto& [root, trade] : engine.openTrades()) open[root] = record(trade);
     for (const auto& [root, quote] : engine.quotes())
         quotes[root] = {{"bid", number(quote.bid)}, {"ask", number(quote.ask)}};
-    for (const auto& [root, last] : engine.lasts()) lasts[root] = number(last);
-    return {{"balance", number(engine.balance())}, {"startBalance", number(engine.startBalance())},
-            {"positions", std::move(positions)},   {"orders", all(engine.orders())},
-            {"fills", all(engine.fills())},        {"trades", all(engine.trades())},
-            {"openTrades", std::move(open)},       {"commission", number(engine.commission)},
-            {"quotes", std::move(quotes)},         {"lasts", std::move(lasts)},
-            {"unrealized", std::move(unrealized)}, {"totalUnrealized", number(engine.totalUnrealized())},
-            {"dayPnL", number(engine.dayPnL())},   {"stats", record(SimEngine::stats(engine.trades()))}};
+    for (const auto& [root, contract] : engine.watches().contracts()) contracts[root] = contract;
+    for (const auto& [root, last] : engine.lasts()) {
+        lasts[root] = number(last);
+        if (const auto age = engine.stalePrice(root)) stale[root] = number(*age);
+    }
+    return {{"balance", number(engine.balance())},   {"startBalance", number(engine.startBalance())},
+            {"positions", std::move(positions)},     {"orders", std::move(orders)},
+            {"fills", all(engine.fills())},          {"trades", all(engine.trades())},
+            {"openTrades", std::move(open)},         {"commission", number(engine.commission)},
+            {"quotes", std::move(quotes)},           {"lasts", std::move(lasts)},
+            {"contracts", std::move(contracts)},     {"stalePrices", std::move(stale)},
+            {"unrealized", std::move(unrealized)},   {"totalUnrealized", number(engine.totalUnrealized())},
+            {"dayPnL", number(engine.dayPnL())},     {"stats", record(SimEngine::stats(engine.trades()))},
+            {"keepsAccount", engine.keepsAccount()}, {"problem", text(engine.problem())},
+            {"lastError", text(engine.lastError())}, {"lastSave", number(engine.lastSave())}};
 }
 
 }  // namespace vmr::stateRecords

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "sim/SimTicket.h"
+
 namespace vmr {
 
 namespace {
@@ -43,9 +45,20 @@ void SimTrading::place(const std::string& root, std::string_view side, std::stri
     const auto wantedSide = sim::sideNamed(side);
     const auto wantedType = sim::orderTypeNamed(type);
     if (!wantedSide || !wantedType) return;
-    const bool isLimit = *wantedType == sim::OrderType::limit;
-    engine_.place(root, *wantedSide, *wantedType, engine_.ticketQty, isLimit ? std::optional(price) : std::nullopt,
-                  isLimit ? std::nullopt : std::optional(price), engine_.ticketBracket);
+    sim::SimTicket ticket{root, *wantedSide, *wantedType, engine_.ticketQty, {}, {}, engine_.ticketBracket};
+    (*wantedType == sim::OrderType::limit ? ticket.limit : ticket.stop) = price;
+    tell(ticket.enter(engine_));
+}
+
+void SimTrading::setProtective(const std::string& root, std::string_view kind, double price) {
+    if (const auto problem = sim::priceProblem(price)) return tell(problem);
+    engine_.setProtective(root, kind, price);
+}
+
+void SimTrading::flatten(const std::string& root) { tell(sim::flattenOrTell(engine_, root)); }
+
+void SimTrading::tell(const std::optional<std::string>& problem) const {
+    if (problem && refused_) refused_(*problem);
 }
 
 }  // namespace vmr

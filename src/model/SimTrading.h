@@ -1,6 +1,9 @@
 // The paper account as a chart reaches it.
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "chart/ChartTrading.h"
 #include "sim/SimEngine.h"
 
@@ -9,12 +12,15 @@ namespace vmr {
 /// Passes on to the engine, which must outlive it. Main thread.
 class SimTrading final : public ChartTrading {
  public:
-    explicit SimTrading(SimEngine& engine) : engine_(engine) {}
+    /// `refused`, which may be empty, gets the reason when something that a person asked for is not done.
+    explicit SimTrading(SimEngine& engine, std::function<void(const std::string& reason)> refused = {})
+        : engine_(engine), refused_(std::move(refused)) {}
 
     void lines(const std::string& root, TradingLines& out) const override;
     std::size_t workingCount(const std::string& root) const override;
     std::optional<double> last(const std::string& root) const override;
     std::int64_t ticketQty() const override { return engine_.ticketQty; }
+    std::optional<double> stalePrice(const std::string& root) const override { return engine_.stalePrice(root); }
     double roundTick(const std::string& root, double price) const override { return engine_.roundTick(root, price); }
 
     /// With the ticket's quantity and bracket.
@@ -25,13 +31,14 @@ class SimTrading final : public ChartTrading {
     void modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) override {
         engine_.modifyProjectedLeg(id, leg, price);
     }
-    void setProtective(const std::string& root, std::string_view kind, double price) override {
-        engine_.setProtective(root, kind, price);
-    }
-    void flatten(const std::string& root) override { engine_.flatten(root); }
+    void setProtective(const std::string& root, std::string_view kind, double price) override;
+    void flatten(const std::string& root) override;
 
  private:
+    void tell(const std::optional<std::string>& problem) const;
+
     SimEngine& engine_;
+    const std::function<void(const std::string& reason)> refused_;
 };
 
 }  // namespace vmr

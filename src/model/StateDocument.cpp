@@ -112,6 +112,8 @@ json paneDocument(const AppModel& pane) {
     out["vixCandles"] = bars(pane.bars.vixCandles);
     addDerived(out, pane);
     addOverlays(out, pane.overlays.series());
+    out["feedRepairs"] = json::object();
+    for (const auto& [channel, count] : pane.feedRepairs.byChannel()) out["feedRepairs"][channel] = count.elements;
     out["config"] = json::parse(pane.config->toJson());
     out["logLines"] = json::array();
     for (const LogLine& line : pane.log.logLines) out["logLines"].push_back(line.text);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/Log.h"
 
@@ -87,7 +88,7 @@ void Perf::uploaded(double bytes) {
     if (benchActive_) benchUploaded_ += bytes;
 }
 
-void Perf::frame(double drawMs) {
+void Perf::frame(double drawMs, const void* plot) {
     const double now = clock_.monotonic();
     std::string report;
     {
@@ -97,8 +98,9 @@ void Perf::frame(double drawMs) {
         if (benchActive_) {
             benchDrawTimes_.add(drawMs);
             ++benchFrames_;
-            if (lastFrameAt_ > 0) benchFrameIntervals_.add((now - lastFrameAt_) * 1000);
-            lastFrameAt_ = now;
+            PlotFrames& own = benchPlots_[plot];
+            if (own.lastAt > 0) own.intervals.push_back((now - own.lastAt) * 1000);
+            own.lastAt = now;
         }
         if (now - lastReport_ < reportPeriod) return;
         report = takeReport(now);
@@ -131,20 +133,27 @@ std::string Perf::takeReport(double now) {
     return line;
 }
 
-void Perf::benchBegin() {
+bool Perf::benchBegin() {
     {
         std::lock_guard guard(lock_);
-        benchActive_ = true;
-        benchFrameIntervals_.clear();
+        if (std::exchange(benchActive_, true)) return false;
+        benchPlots_.clear();
         benchDrawTimes_.clear();
         benchLags_.clear();
         benchTimings_.clear();
         benchFrames_ = 0;
         benchUploaded_ = 0;
         benchStart_ = clock_.monotonic();
-        lastFrameAt_ = 0;
     }
     print_("[bench] window OPEN — collecting per-frame metrics…");
+    return true;
+}
+
+std::vector<double> Perf::worstIntervals() {
+    std::vector<double> worst;
+    for (auto& [plot, frames] : benchPlots_)
+        if (worst.empty() || percentile(frames.intervals, 0.95) > percentile(worst, 0.95)) worst = frames.intervals;
+    return worst;
 }
 
 void Perf::benchEnd() {
@@ -153,7 +162,7 @@ void Perf::benchEnd() {
         std::lock_guard guard(lock_);
         benchActive_ = false;
         const double elapsed = clock_.monotonic() - benchStart_;
-        auto& intervals = benchFrameIntervals_.list;
+        auto intervals = worstIntervals();
         const auto late = std::count_if(intervals.begin(), intervals.end(), [](double ms) { return ms > frameAt60; });
         const double share =
             intervals.empty() ? 0 : 100.0 * static_cast<double>(late) / static_cast<double>(intervals.size());

@@ -34,8 +34,9 @@ class Perf {
     void lag(double ms);
     /// A run of the main thread from waking to waiting; one longer than 16 ms counts as a duration of "turn".
     void turn(double ms);
-    /// The end of a frame that took `drawMs` of CPU time to record. Every two seconds it prints the report.
-    void frame(double drawMs);
+    /// The end of a frame of `plot` that took `drawMs` of CPU time to record. Every two seconds it prints the report.
+    /// Plots are told apart by their addresses, and each has the intervals of its window.
+    void frame(double drawMs, const void* plot);
     /// Bytes given to the graphics card.
     void uploaded(double bytes);
 
@@ -45,9 +46,11 @@ class Perf {
         if (const auto line = startUp_.stage(stage)) print_(*line);
     }
 
-    /// Opens the benchmark's window of measurement.
-    void benchBegin();
-    /// Prints the benchmark's figures and its verdict, and closes the window.
+    /// Opens the benchmark's window of measurement. False when it is open: the process has one, and whoever opened it
+    /// closes it.
+    bool benchBegin();
+    /// Prints the benchmark's figures and its verdict, and closes the window. Intervals and verdict are those of the
+    /// plot that did worst.
     void benchEnd();
 
     /// The sample that a share `p` of all is below: element min(n - 1, int(p * n)) of the sorted list; 0 for none.
@@ -67,11 +70,17 @@ class Perf {
         void add(double value);
         void clear();
     };
+    /// One plot's share of a benchmark.
+    struct PlotFrames {
+        double lastAt = 0;
+        std::vector<double> intervals;
+    };
     static constexpr std::size_t noLimit = std::numeric_limits<std::size_t>::max();
     using Timings = std::map<std::string, Samples, std::less<>>;
 
     static Samples& named(Timings& timings, std::string_view name, std::size_t most);
     std::string takeReport(double now);
+    std::vector<double> worstIntervals();
 
     const Clock& clock_;
     const Print print_;
@@ -83,11 +92,12 @@ class Perf {
     int frames_ = 0;
     double lastReport_;
     bool benchActive_ = false;
-    Samples benchFrameIntervals_{noLimit}, benchDrawTimes_{noLimit}, benchLags_{noLimit};
+    Samples benchDrawTimes_{noLimit}, benchLags_{noLimit};
+    std::map<const void*, PlotFrames> benchPlots_;
     Timings benchTimings_;
     int benchFrames_ = 0;
     double benchUploaded_ = 0;
-    double benchStart_ = 0, lastFrameAt_ = 0;
+    double benchStart_ = 0;
 };
 
 }  // namespace vmr

@@ -34,6 +34,10 @@ class RootMap {
         return entries_.emplace_back(Entry{std::string(root), {}}).value;
     }
 
+    void erase(std::string_view root) {
+        std::erase_if(entries_, [root](const Entry& entry) { return entry.root == root; });
+    }
+
     auto begin() const { return entries_.begin(); }
     auto end() const { return entries_.end(); }
 

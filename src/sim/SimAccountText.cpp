@@ -77,6 +77,7 @@ void eachField(Of<OpenTrade> auto& r, Field&& field) {
     field("fees", r.fees);
     field("exitQty", r.exitQty);
     field("exitNotional", r.exitNotional);
+    field("contract", r.contract);
 }
 template <class Field>
 void eachField(Of<Snapshot> auto& r, Field&& field) {

@@ -54,13 +54,15 @@ std::optional<SimEngine::Booking> SimEngine::bookFill(const Order& order, double
 // The whole fee of a reversing order goes to the trade that it ends.
 void SimEngine::rollUp(const Order& order, double price, const Booking& booking) {
     const Position& after = booking.after;
+    const std::string_view contract = watches_.contract(order.sym);
     const auto opened = [&](double entry, double fees) {
         return OpenTrade{.side = after.qty < 0 ? Side::sell : Side::buy,
                          .maxQty = sizeOf(after.qty),
                          .entryAvg = entry,
                          .openedAt = *order.filledAt,
                          .realizedStart = after.realized,
-                         .fees = fees};
+                         .fees = fees,
+                         .contract = contract.empty() ? std::nullopt : std::optional(std::string(contract))};
     };
     if (booking.before == 0) {
         account_.openTrades[order.sym] = opened(after.avg, booking.fee);
@@ -111,7 +113,7 @@ double SimEngine::unrealized(std::string_view sym) const {
     const auto found = account_.positions.find(sym);
     if (found == account_.positions.end() || found->second.qty == 0) return 0;
     const Position& position = found->second;
-    const double* last = lasts_.find(sym);
+    const double* last = lasts().find(sym);
     const Spec* spec = specs_.find(sym);
     if (!last || !spec) return 0;
     return moneyPerPoint(*spec) * ((*last - position.avg) * static_cast<double>(position.qty));
@@ -136,12 +138,16 @@ double SimEngine::dayPnL() const {
     return sum + totalUnrealized();
 }
 
-void SimEngine::resetAccount(double balance) {
-    account_ = {};
-    account_.balance = account_.startBalance = balance;
+void SimEngine::accountReplaced() {
     for (const Field field :
          {Field::balance, Field::startBalance, Field::positions, Field::orders, Field::fills, Field::trades})
         changed(field);
+}
+
+void SimEngine::resetAccount(double balance) {
+    account_ = {};
+    account_.balance = account_.startBalance = balance;
+    accountReplaced();
     persist();
 }
 

@@ -3,6 +3,7 @@
 
 #include "sim/Quantity.h"
 #include "sim/SimEngine.h"
+#include "sim/TickGrid.h"
 
 namespace vmr {
 
@@ -14,7 +15,7 @@ sim::Side closingSide(std::int64_t qty) { return qty > 0 ? sim::Side::sell : sim
 
 // `ticks` away from `anchor` on the gaining side of a long (`direction` 1) or a short (-1).
 double legPrice(double anchor, double tick, double direction, std::int64_t ticks) {
-    return anchor + tick * (direction * static_cast<double>(ticks));
+    return sim::TickGrid(tick).moved(anchor, 2 * direction * static_cast<double>(ticks));
 }
 
 // The price at which a working order stands.

@@ -1,10 +1,12 @@
 #include "sim/SimEngine.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/LocalDay.h"
 #include "market/Roots.h"
 #include "sim/Quantity.h"
+#include "sim/TickGrid.h"
 
 namespace vmr {
 
@@ -19,23 +21,45 @@ SimEngine::SimEngine(SimSetup setup) : setup_(std::move(setup)) {
 }
 
 SimEngine::~SimEngine() {
-    if (retry_ != SerialQueue::noTimer) setup_.main->cancel(retry_);
+    for (const auto timer : {keeping_.retry, keeping_.look})
+        if (timer != SerialQueue::noTimer) setup_.main->cancel(timer);
 }
 
 sim::Date SimEngine::now() const { return sim::dateFrom1970(setup_.clock.now()); }
 
 void SimEngine::onTrade(std::string_view sym, double price) {
-    lasts_[sym] = price;
-    if (!account_.orders.empty()) match(sym);
+    if (prices_.trade(sym, price, setup_.clock.now()) && !account_.orders.empty()) match(sym);
 }
 
 void SimEngine::onQuote(std::string_view sym, double bid, double ask) {
-    quotes_[sym] = {bid, ask};
-    if (!account_.orders.empty()) match(sym);
+    if (prices_.quote(sym, bid, ask, setup_.clock.now()) && !account_.orders.empty()) match(sym);
 }
 
-void SimEngine::seedLast(std::string_view sym, double price) {
-    if (price > 0 && std::isfinite(price) && !lasts_.find(sym)) lasts_[sym] = price;
+void SimEngine::seedLast(std::string_view sym, double price, std::optional<double> when) {
+    const double time = setup_.clock.now();
+    prices_.seed(sym, price, std::min(when.value_or(time), time));
+}
+
+bool SimEngine::marketOpen() const {
+    return setup_.session.marketOpen(static_cast<std::int64_t>(std::floor(setup_.clock.now())), false);
+}
+
+std::optional<double> SimEngine::stalePrice(std::string_view sym) const {
+    const auto age = prices_.age(sym, setup_.clock.now());
+    if (!age || !marketOpen()) return std::nullopt;
+    return *age > freshFor || !watches_.connected(sym) ? age : std::nullopt;
+}
+
+void SimEngine::watch(const void* viewer, const std::string& root, const std::string& contract) {
+    forget(watches_.open(viewer, root, contract));
+}
+
+void SimEngine::roll(const std::string& root, const std::string& contract) {
+    if (watches_.roll(root, contract)) forget({root});
+}
+
+void SimEngine::forget(const std::vector<std::string>& roots) {
+    for (const std::string& root : roots) prices_.forget(root);
 }
 
 void SimEngine::updateSpecs(const std::map<std::string, Spec>& specs) {
@@ -44,14 +68,12 @@ void SimEngine::updateSpecs(const std::map<std::string, Spec>& specs) {
 
 double SimEngine::roundTick(std::string_view sym, double price) const {
     const Spec* spec = specs_.find(sym);
-    if (!spec || !(spec->tick > 0)) return price;
-    return spec->tick * std::round(price / spec->tick);
+    return spec ? sim::TickGrid(spec->tick).nearest(price) : price;
 }
 
 std::optional<SimEngine::Order> SimEngine::place(std::string_view sym, Side side, OrderType type, std::int64_t qty,
                                                  Price limit, Price stop, const std::optional<BracketSpec>& bracket) {
-    const auto second = static_cast<std::int64_t>(std::floor(setup_.clock.now()));
-    if (!specs_.find(sym) || qty < 1 || !setup_.session.marketOpen(second, false)) return std::nullopt;
+    if (!specs_.find(sym) || qty < 1 || !marketOpen()) return std::nullopt;
     // An order at an infinite price or NaN would never fill, and the account could not be saved with it.
     if ((limit && !isUsable(limit)) || (stop && !isUsable(stop))) return std::nullopt;
     Order order = newOrder(sym, side, type, qty);
@@ -109,6 +131,8 @@ bool SimEngine::modify(const Uuid& id, double price) {
 bool SimEngine::flatten(std::string_view sym) {
     const auto position = account_.positions.find(sym);
     if (position == account_.positions.end() || position->second.qty == 0) return false;
+    // what `place` would refuse must leave the legs where they are
+    if (!marketOpen() || !specs_.find(sym) || !book(sym)) return false;
     const std::int64_t qty = position->second.qty;
     const std::string root(sym);
     removeLegs(root);  // first, so that the closing fill does not resize them

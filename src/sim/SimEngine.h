@@ -9,8 +9,10 @@
 #include "base/Signal.h"
 #include "market/SessionTime.h"
 #include "sim/RootMap.h"
+#include "sim/SimPrices.h"
 #include "sim/SimRecords.h"
 #include "sim/SimStats.h"
+#include "sim/SimWatches.h"
 
 namespace vmr {
 
@@ -23,7 +25,7 @@ struct SimSetup {
     UuidSource ids;
     /// Where the account is kept; none for an account that ends with the process.
     std::shared_ptr<SimStore> store = nullptr;
-    MainLoop* main = nullptr;      ///< with a store: times the saves
+    MainLoop* main = nullptr;      ///< with a store: times the saves and the looks at its lock
     SerialQueue* files = nullptr;  ///< with a store: encodes and writes them
     /// The number of the machine's calendar day that holds a moment in seconds since 1970; empty for the machine's own.
     std::function<std::int64_t(double)> localDay = {};
@@ -60,7 +62,8 @@ class SimEngine {
     SimEngine& operator=(const SimEngine&) = delete;
 
     // The account -----------------------------------------------------------------------------------------------------
-    enum class Field : std::uint8_t { balance, startBalance, positions, orders, fills, trades };
+    /// `keeping` is how the account is kept: `keepsAccount`, `problem`, `lastError` and `lastSave`.
+    enum class Field : std::uint8_t { balance, startBalance, positions, orders, fills, trades, keeping };
     /// Emitted inside an operation, each time that field has changed. A subscriber may read, but must not call an
     /// operation that changes the account.
     Signal<Field> changed;
@@ -79,19 +82,40 @@ class SimEngine {
     std::optional<BracketSpec> ticketBracket = BracketSpec{40, 80};
 
     // The market; prices change without a notice ----------------------------------------------------------------------
-    /// A trade print: the last price, and whatever it fills.
+    /// A trade print: the last price, and whatever it fills. A price that is not above 0 is ignored.
     void onTrade(std::string_view sym, double price);
-    /// A top of book with finite sides, and whatever it fills. It stands until the next one, however old.
+    /// A top of book, and whatever it fills. It stands until the next one, however old. One with a side that is not
+    /// above 0, or with the bid above the ask, is not a market and is ignored as a whole.
     void onQuote(std::string_view sym, double bid, double ask);
-    /// A last price out of history, used only while there is none, if above 0 and finite. Fills nothing.
-    void seedLast(std::string_view sym, double price);
-    const sim::RootMap<Quote>& quotes() const { return quotes_; }
-    const sim::RootMap<double>& lasts() const { return lasts_; }
+    /// A last price out of history, used only while there is none, if above 0 and finite. Fills nothing. `when` it was
+    /// one, in seconds since 1970; now without.
+    void seedLast(std::string_view sym, double price, std::optional<double> when = {});
+    const sim::RootMap<Quote>& quotes() const { return prices_.quotes(); }
+    const sim::RootMap<double>& lasts() const { return prices_.lasts(); }
+    /// The touch: the quote, or half a tick around the last price; nothing before both.
+    std::optional<Quote> book(std::string_view sym) const { return prices_.book(sym, specs_.find(sym)); }
+    /// The age in seconds of the price that an order would fill at, where a person must be told of it: in an open
+    /// market, when it is above `freshFor`, or when the root's contract comes over no connection.
+    std::optional<double> stalePrice(std::string_view sym) const;
+    static constexpr double freshFor = 15;  ///< seconds of market time
+    /// The futures market's hours, now.
+    bool marketOpen() const;
+
+    // Who shows which contract. When a root's contract changes, its prices are forgotten, and nothing of it matches
+    // until a price of the new contract comes; positions and orders stay.
+    /// `viewer`, any address of its own, shows this contract of `root` and nothing else; an empty root is none.
+    void watch(const void* viewer, const std::string& root, const std::string& contract);
+    /// Whether the connection of `viewer` stands.
+    void setConnected(const void* viewer, bool connected) { watches_.setConnected(viewer, connected); }
+    /// The server names the contract of a root; those that somebody shows change when it is opened.
+    void roll(const std::string& root, const std::string& contract);
+    const sim::SimWatches& watches() const { return watches_; }
 
     /// Sets these roots; others keep theirs. A tick of 0 makes later results infinite, and the account unsaveable.
     void updateSpecs(const std::map<std::string, Spec>& specs);
     const sim::RootMap<Spec>& specs() const { return specs_; }
-    /// The nearest price on the grid of `sym`, halves away from zero; unchanged without a tick above 0.
+    /// The nearest price on the grid of `sym`, halves away from zero, equal to the decimal that the feed prints;
+    /// unchanged without a tick above 0.
     double roundTick(std::string_view sym, double price) const;
 
     // Orders ----------------------------------------------------------------------------------------------------------
@@ -107,7 +131,7 @@ class SimEngine {
     /// Moves an order to `price` on the grid: its limit, or its stop if it has no limit. Fills nothing.
     bool modify(const Uuid& id, double price);
     /// Removes the protective orders and closes the position at the market. When the market is closed or has no price,
-    /// the position stays, unprotected.
+    /// nothing changes.
     bool flatten(std::string_view sym);
 
     // Protective orders -----------------------------------------------------------------------------------------------
@@ -137,16 +161,25 @@ class SimEngine {
     void resetAccount(double balance);
 
     // The file --------------------------------------------------------------------------------------------------------
-    /// Changes are written about a second after the first of them; a failed write is tried again every five.
+    // Changes are written about a second after the first of them; a failed write is tried again every five. While
+    // another process holds the account, this one looks every second whether that has ended. It then takes the account
+    // over as the file has it, and what was traded here meanwhile is gone.
     /// Writes now what is not written yet, before the process ends; whether all is written.
     bool flushPendingSave();
     /// Whether changes are kept: not without a store, nor while another process holds the account's file.
     bool keepsAccount() const;
+    /// What a person must know for as long as it lasts: the account is read only, is not saved, or could not be read.
+    std::optional<std::string> problem() const;
+    /// The newest thing that went wrong with the file, also when it is over.
+    const std::optional<std::string>& lastError() const { return keeping_.lastError; }
+    /// When the file was last written by this process.
+    std::optional<sim::Date> lastSave() const { return keeping_.savedAt; }
     sim::Snapshot snapshot() const;
 
  private:
     static constexpr double saveDelay = 1.0;
     static constexpr double retryDelay = 5.0;
+    static constexpr double lookPeriod = 1.0;  // real seconds between two looks at another process's lock
     struct Booking {
         std::int64_t before;  // the position's quantity
         Position after;
@@ -155,7 +188,7 @@ class SimEngine {
     };
 
     sim::Date now() const;
-    std::optional<Quote> book(std::string_view sym) const;
+    void forget(const std::vector<std::string>& roots);
     void match(std::string_view sym);
     bool fill(Order& order, double price);
     std::optional<Booking> bookFill(const Order& order, double price, const Spec& spec);
@@ -174,22 +207,32 @@ class SimEngine {
     Order takeOrder(std::size_t at);
 
     void load();
+    void takeOver();
+    void accountReplaced();
+    void noteError(const std::string& line);
     void persist();
     void save();
     void saved(std::uint64_t revision, const std::optional<std::string>& problem);
     void log(const std::string& line) const;
 
+    /// How the account is kept.
+    struct Keeping {
+        bool pending = false;        // a save is due
+        std::uint64_t revision = 0;  // counts changes
+        std::uint64_t savedRevision = 0;
+        std::optional<std::string> failure;  // of the last save, until one succeeds
+        bool setAside = false;               // the file could not be read, and is kept until the first save
+        std::optional<std::string> lastError;
+        std::optional<sim::Date> savedAt;
+        SerialQueue::TimerId retry = SerialQueue::noTimer, look = SerialQueue::noTimer;
+    };
+
     SimSetup setup_;
     sim::Snapshot account_;  // its commission is `commission`
-    sim::RootMap<Quote> quotes_;
-    sim::RootMap<double> lasts_;
+    sim::SimPrices prices_;
+    sim::SimWatches watches_;
     sim::RootMap<Spec> specs_;
-
-    bool persistPending_ = false;
-    std::uint64_t revision_ = 0;  // counts changes
-    std::uint64_t savedRevision_ = 0;
-    bool saveFails_ = false;
-    SerialQueue::TimerId retry_ = SerialQueue::noTimer;
+    Keeping keeping_;
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

@@ -45,19 +45,10 @@ void toLimit(Order& order) {
 }
 }  // namespace
 
-// A quote stands however old it is; without one, the touch is half a tick off the last price.
-std::optional<SimEngine::Quote> SimEngine::book(std::string_view sym) const {
-    if (const Quote* quote = quotes_.find(sym)) return *quote;
-    const double* last = lasts_.find(sym);
-    const Spec* spec = last ? specs_.find(sym) : nullptr;
-    if (!spec) return std::nullopt;
-    return Quote{*last - spec->tick * 0.5, *last + spec->tick * 0.5};
-}
-
 // A fill may remove orders before `i`, and then one is passed over until the next event; orders that it appends are
 // reached in the same pass.
 void SimEngine::match(std::string_view sym) {
-    const double* known = lasts_.find(sym);
+    const double* known = lasts().find(sym);
     if (!known) return;
     const double last = *known;
     const auto top = book(sym);

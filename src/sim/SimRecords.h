@@ -120,7 +120,8 @@ struct OpenTrade {
     double realizedStart = 0;  ///< the position's `realized` at the opening
     double fees = 0;
     std::int64_t exitQty = 0;
-    double exitNotional = 0;  ///< price times quantity of the closing fills
+    double exitNotional = 0;                ///< price times quantity of the closing fills
+    std::optional<std::string> contract{};  ///< in which it was opened, where that is known
     bool operator==(const OpenTrade&) const = default;
 };
 

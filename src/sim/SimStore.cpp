@@ -3,21 +3,55 @@
 #include <cmath>
 #include <system_error>
 
+#include "base/PrivateFile.h"
 #include "sim/SimAccountText.h"
 
 namespace vmr {
 
 namespace fs = std::filesystem;
 
-SimStore::SimStore(const fs::path& folder, const Clock& clock, Write write)
-    : file_(folder / "sim-account.json"),
-      clock_(clock),
-      write_(std::move(write)),
-      lock_(folder / "sim-account.json.lock") {}
+namespace {
+// Letters, digits, "-" and "." stay, any other byte becomes "_" and its code. Of a name that is too long for a file,
+// the end is replaced by a number made of all of it.
+std::string asFileName(const std::string& name) {
+    constexpr std::size_t longest = 120;
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string out;
+    std::uint64_t hash = 14695981039346656037u;  // FNV-1a, the same on every platform
+    for (const char c : name) {
+        const auto code = static_cast<unsigned char>(c);
+        hash = (hash ^ code) * 1099511628211u;
+        const bool stays =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.';
+        out += stays ? c : '_';
+        if (!stays) (out += digits[code >> 4]) += digits[code & 15];
+    }
+    return out.size() <= longest ? out : out.substr(0, longest) + "_" + std::to_string(hash);
+}
+}  // namespace
+
+std::string SimStore::fileName(const std::string& market) {
+    return "sim-account" + (market.empty() ? "" : "-" + asFileName(market)) + ".json";
+}
+
+SimStore::SimStore(fs::path file, const Clock& clock, Write write)
+    : file_(std::move(file)), clock_(clock), write_(std::move(write)) {
+    lock_.emplace(lockFile());
+}
+
+fs::path SimStore::lockFile() const {
+    fs::path name = file_;
+    return name += ".lock";
+}
+
+bool SimStore::takeLock() {
+    if (isHeldElsewhere()) lock_.emplace(lockFile());
+    return !isHeldElsewhere();
+}
 
 std::optional<sim::Snapshot> SimStore::load() {
     std::error_code ignored;
-    const auto bytes = readFile(file_);
+    const auto bytes = readPrivateFile(file_);
     auto account = bytes ? sim::readAccount(*bytes) : std::nullopt;
     // A file that cannot be read may still matter to its owner: the first save sets it aside instead of replacing it.
     unreadable_ = !account && fs::exists(fs::symlink_status(file_, ignored));

@@ -13,19 +13,24 @@
 
 namespace vmr {
 
-/// `sim-account.json` in a folder, with a lock beside it that the first process of several holds until it ends.
+/// An account's file, with a lock beside it that the first process of several holds until it ends.
 class SimStore {
  public:
     /// Puts the bytes at the path, whole or not at all; the text of what failed.
     using Write = std::function<std::optional<std::string>(const std::filesystem::path&, std::string_view)>;
 
     /// Takes the lock. `clock` names files that are kept; it must outlive the store.
-    SimStore(const std::filesystem::path& folder, const Clock& clock, Write write = replaceFile);
+    SimStore(std::filesystem::path file, const Clock& clock, Write write = replaceFile);
 
+    /// The file of the account that trades a market of this name; the plain "sim-account.json" for no name. No two
+    /// names give one file, whatever stands in them.
+    static std::string fileName(const std::string& market);
     const std::filesystem::path& file() const { return file_; }
 
     /// Another process holds the account: it may be read, and `save` is not called.
-    bool isHeldElsewhere() const { return lock_.state() == FileLock::State::heldElsewhere; }
+    bool isHeldElsewhere() const { return lock_->state() == FileLock::State::heldElsewhere; }
+    /// Looks again whether that process has ended, and takes its place; whether the account is free of it.
+    bool takeLock();
 
     /// The saved account, or nothing when there is none or it does not decode. Before the first save.
     std::optional<sim::Snapshot> load();
@@ -37,11 +42,12 @@ class SimStore {
     std::optional<std::string> save(const sim::Snapshot& account, std::uint64_t revision);
 
  private:
+    std::filesystem::path lockFile() const;
     std::optional<std::string> keepUnreadable();
     std::filesystem::path file_;
     const Clock& clock_;
     Write write_;
-    FileLock lock_;
+    std::optional<FileLock> lock_;  // never empty
     std::mutex mutex_;
     std::uint64_t written_ = 0;
     bool unreadable_ = false;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "base/JsonRepair.h"
 #include "store/SettingTable.h"
 
 namespace vmr {
@@ -75,7 +76,8 @@ double GexConfig::hfScaleFor(const std::string& symbol) const {
 }
 
 std::optional<GexConfig> GexConfig::fromJson(std::string_view text) {
-    const json stored = json::parse(text, nullptr, false);
+    // an odd number or half a character costs its own field, not the record
+    const json stored = json::parse(repairedJson(text).value_or(std::string(text)), nullptr, false);
     if (!stored.is_object()) return std::nullopt;
     GexConfig config;
     for (const Setting& one : settingTable())

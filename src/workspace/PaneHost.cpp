@@ -32,13 +32,12 @@ std::optional<int> PaneHost::open() {
     PaneSurroundings surroundings = surroundings_;
     surroundings.makeRelay = [this, thread = pane.thread.get()] { return connect_(thread->loop()); };
     pane.model = std::make_unique<AppModel>(std::move(surroundings));
-    pane.signedIn = pane.model->session.isSignedIn.changed.connect([this, number = pane.number,
-                                                                    model = pane.model.get()] {
-        // the pane is in the middle of its change
-        surroundings_.main.post([this, weak = std::weak_ptr(alive_), number, now = model->session.isSignedIn.get()] {
-            if (!weak.expired()) followSession(number, now);
+    pane.signedIn =
+        pane.model->session.isSignedIn.changed.connect([this, number = pane.number, model = pane.model.get()] {
+            // the pane is in the middle of its change
+            surroundings_.main.post(
+                whileThere_([this, number, now = model->session.isSignedIn.get()] { followSession(number, now); }));
         });
-    });
     if (active_ == 0) active_ = pane.number;
     return pane.number;
 }

@@ -10,6 +10,7 @@
 
 #include "base/AsioLoop.h"
 #include "base/Signal.h"
+#include "base/WeakTask.h"
 #include "model/AppModel.h"
 #include "services/feed/RelayClient.h"
 
@@ -82,13 +83,13 @@ class PaneHost {
 
     const PaneSurroundings surroundings_;
     const Connect connect_;
-    const std::shared_ptr<int> alive_ = std::make_shared<int>(0);  // expires with the host; posted work holds it weakly
     std::list<Pane> panes_;
     int lastNumber_ = 0;
     int active_ = 0;
     ClockWatch steered_;
     std::list<EndingThread> ending_;
     SerialQueue::TimerId endingTimer_ = SerialQueue::noTimer;
+    WeakTask whileThere_;
 };
 
 }  // namespace vmr

@@ -183,7 +183,7 @@ CommandAnswer ShellCommands::clock(CommandWords& words) {
     }
     if (what == "speed") {
         const auto speed = parseDouble(value);
-        if (!speed || !at_.clock->setSpeed(*speed)) return "error: the speed is a number above 0";
+        if (!speed || !at_.clock->setSpeed(*speed)) return "error: the speed is a number above 0, at most 10000";
         return "ok clock speed " + doubleText(*speed);
     }
     if (what != "set") return std::nullopt;

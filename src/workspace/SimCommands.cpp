@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/NumberText.h"
+#include "sim/SimTicket.h"
 
 namespace vmr {
 
@@ -88,69 +89,103 @@ std::optional<OrderWords> readOrderWords(const Words& words) {
     return out;
 }
 
-// Each of these tells whether its arguments can be read; their number is right.
-bool placeOrder(SimEngine& engine, const Words& words) {
+// What a command did: why not, or what to add to its answer.
+struct Outcome {
+    std::optional<std::string> problem{};
+    std::string note{};
+};
+using Answer = std::optional<Outcome>;  // nothing when the arguments cannot be read; their number is right
+
+// Runs what may fill at once, and tells when the price that it filled at was not fresh.
+template <class Operation>
+Outcome fillingAt(SimEngine& engine, const std::string& root, Operation operation) {
+    const auto age = engine.stalePrice(root);
+    const auto newest = [&engine] { return engine.fills().empty() ? Uuid{} : engine.fills().front().id; };
+    const Uuid before = newest();
+    Outcome out{operation()};
+    const bool filled = newest() != before;
+    if (age && filled) out.note = " (price is " + std::to_string(static_cast<std::int64_t>(*age)) + " s old)";
+    return out;
+}
+
+Answer placeOrder(SimEngine& engine, const Words& words) {
     const auto side = sim::sideNamed(words[1]);
     const auto type = sim::orderTypeNamed(words[2]);
     const auto qty = parseInt(words[3]);
     const auto rest = readOrderWords(words);
-    if (!side || !type || !qty || !rest) return false;
-    const bool bracketed = rest->bracket.slTicks || rest->bracket.tpTicks;
-    engine.place(words[0], *side, *type, *qty, rest->limit, rest->stop,
-                 bracketed ? std::optional(rest->bracket) : std::nullopt);
-    return true;
+    if (!side || !type || !qty || !rest) return std::nullopt;
+    sim::SimTicket ticket{words[0], *side, *type, *qty, rest->limit, rest->stop, {}};
+    if (rest->bracket.slTicks || rest->bracket.tpTicks) ticket.bracket = rest->bracket;
+    return fillingAt(engine, ticket.sym, [&] { return ticket.enter(engine); });
 }
 
-bool cancelOrder(SimEngine& engine, const Words& words) {
+Answer cancelOrder(SimEngine& engine, const Words& words) {
     if (const auto id = identity(engine, words[0])) engine.cancel(*id);
-    return true;
+    return Outcome{};
 }
 
-bool modifyOrder(SimEngine& engine, const Words& words) {
+Answer modifyOrder(SimEngine& engine, const Words& words) {
     const auto to = price(words[1]);
-    if (!to) return false;
+    if (!to) return std::nullopt;
+    if (const auto problem = sim::priceProblem(*to)) return Outcome{problem};
     if (const auto id = identity(engine, words[0])) engine.modify(*id, *to);
-    return true;
+    return Outcome{};
 }
 
-bool flattenPosition(SimEngine& engine, const Words& words) {
-    engine.flatten(words[0]);
-    return true;
+Answer flattenPosition(SimEngine& engine, const Words& words) {
+    return fillingAt(engine, words[0], [&] { return sim::flattenOrTell(engine, words[0]); });
 }
 
 bool isLegTag(const std::string& word) { return word == sim::slTag || word == sim::tpTag; }
 
-bool protectPosition(SimEngine& engine, const Words& words) {
+Answer protectPosition(SimEngine& engine, const Words& words) {
     const auto to = price(words[2]);
-    if (!to || !isLegTag(words[1])) return false;
+    if (!to || !isLegTag(words[1])) return std::nullopt;
+    if (const auto problem = sim::priceProblem(*to)) return Outcome{problem};
     engine.setProtective(words[0], words[1], *to);
-    return true;
+    return Outcome{};
 }
 
-bool moveLeg(SimEngine& engine, const Words& words) {
+Answer moveLeg(SimEngine& engine, const Words& words) {
     const auto to = price(words[2]);
-    if (!to || !isLegTag(words[1])) return false;
+    if (!to || !isLegTag(words[1])) return std::nullopt;
+    if (const auto problem = sim::priceProblem(*to)) return Outcome{problem};
     if (const auto id = identity(engine, words[0])) engine.modifyProjectedLeg(*id, words[1], *to);
-    return true;
+    return Outcome{};
 }
 
-bool resetAccount(SimEngine& engine, const Words& words) {
+Answer resetAccount(SimEngine& engine, const Words& words) {
     const auto balance = price(words[0]);
-    if (!balance) return false;
+    if (!balance) return std::nullopt;
     engine.resetAccount(*balance);
-    return true;
+    return Outcome{};
+}
+
+// The account in one line. An order of a root that no pane shows does not see the market.
+std::string listing(const SimEngine& engine) {
+    std::string out = "ok balance " + doubleText(engine.balance());
+    for (const auto& [root, position] : engine.positions())
+        if (position.qty != 0)
+            out += "; position " + root + ' ' + std::to_string(position.qty) + " @ " + doubleText(position.avg);
+    for (const auto& order : engine.orders())
+        out += "; working " + describe(order) + (engine.watches().watched(order.sym) ? "" : " (not watched)");
+    if (const auto problem = engine.problem()) out += "; " + *problem;
+    return out;
 }
 }  // namespace
 
 void addSimCommands(CommandTable& table, SimEngine& engine) {
-    using Call = bool (*)(SimEngine&, const Words&);
+    using Call = Answer (*)(SimEngine&, const Words&);
     const auto add = [&](const char* name, const char* arguments, std::size_t least, std::size_t most, Call call) {
         table.add({name, arguments, least, most, [&engine, call](CommandWords& words) -> CommandAnswer {
                        const sim::Snapshot before = engine.snapshot();
-                       if (!call(engine, words.all())) return std::nullopt;
-                       return "ok " + difference(before, engine.snapshot());
+                       const Answer done = call(engine, words.all());
+                       if (!done) return std::nullopt;
+                       if (done->problem) return "error: " + *done->problem;
+                       return "ok " + difference(before, engine.snapshot()) + done->note;
                    }});
     };
+    table.add({"sim", "", 0, 0, [&engine](CommandWords&) -> CommandAnswer { return listing(engine); }});
     add("order", "SYM buy|sell market|limit|stop|stopLimit QTY [limit=P] [stop=P] [sl=TICKS] [tp=TICKS]", 4,
         Command::restOfLine, placeOrder);
     add("cancel", "ID", 1, 1, cancelOrder);

@@ -9,6 +9,7 @@
 
 #include "app/Program.h"
 #include "base/AsioLoop.h"
+#include "tests/app/SilentServer.h"
 
 namespace vmr {
 namespace {
@@ -60,6 +61,7 @@ class Session {
 
     AppModel& pane() { return *program_->panes().active(); }
     relay::PracticeRelay& relay() { return *start_.practice(); }
+    ProgramStart& start() { return start_; }
 
     // Closed bars of the pane that differ from the relay's own; a busy machine has 3 seconds until the last one comes.
     std::vector<std::int64_t> differences() {
@@ -139,19 +141,52 @@ TEST(PracticeSession, LosesNoBarOverDropsRefusalsAndStaleTokens) {
 
 TEST(PracticeSession, LeavesTheUsersOwnProfileAlone) {
     Home home;
-    const Paths user = Paths::user();
+    const Paths user = *Paths::user();
     fs::create_directories(user.config);
     std::ofstream(user.config / "preferences.json") << "{\"vmr.auth.refreshToken\": \"mine\"}";
     {
         Session session(practiceOptions());
         ASSERT_TRUE(session.runUntil([&] { return session.streaming(); }));
         session.pane().setTimeframe(5);
+        EXPECT_EQ(&session.start().relayClock(), &session.start().clock()) << "the relay's own time";
+        const Endpoints& all = session.start().endpoints();
+        for (const std::string& url :
+             {all.identityUrl, all.secureTokenUrl, all.functionsUrl, all.firestoreUrl, all.downloadsUrl})
+            EXPECT_EQ(url, session.relay().restUrl()) << "nothing goes to a public host";
     }
     std::ifstream kept(user.config / "preferences.json");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), "{\"vmr.auth.refreshToken\": \"mine\"}");
-    const auto practiceFile = Paths::practice().config / "preferences.json";
+    const auto practiceFile = Paths::practice()->config / "preferences.json";
     EXPECT_TRUE(fs::exists(practiceFile));
     EXPECT_EQ(fs::status(practiceFile).permissions() & fs::perms::all, fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(ProgramSetup, WithoutARelayTheStoredSessionWaitsUnused) {
+    Home home;
+    const SilentServer signIn;
+    const std::string url = signIn.url("http").substr(0, signIn.url("http").size() - 1);
+    fs::create_directories(Paths::user().config);
+    const fs::path file = Paths::user().config / "preferences.json";
+    const std::string stored = R"({"vmr.auth.endpoints":")" + url + " " + url + R"(","vmr.auth.refreshToken":"mine"})";
+    std::ofstream(file) << stored;
+    for (const char* name : {"VMR_IDENTITY_URL", "VMR_SECURETOKEN_URL"}) ::setenv(name, url.c_str(), 1);
+    Options options = practiceOptions();
+    options.practice = false;
+    {
+        ProgramStart start(options);
+        AsioLoop loop;
+        Program program(start, loop);
+        loop.after(0.3, [&loop] { loop.quit(); });
+        loop.run();
+        EXPECT_TRUE(program.panes().active()->session.isSignedIn);
+        EXPECT_EQ(program.panes().active()->session.status.get(), "Not connected");
+        EXPECT_TRUE(start.setupProblem());
+        EXPECT_FALSE(signIn.isCalled(0)) << "no token was sent";
+        EXPECT_NEAR(start.relayClock().now(), SystemClock().now(), 1) << "another relay is told this machine's time";
+    }
+    std::ifstream kept(file);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), stored);
+    for (const char* name : {"VMR_IDENTITY_URL", "VMR_SECURETOKEN_URL"}) ::unsetenv(name);
 }
 
 }  // namespace

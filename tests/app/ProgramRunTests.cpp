@@ -1,5 +1,13 @@
 // The program as a process: exit status, what it prints, what it answers.
+#include <gmock/gmock.h>
+
+#include <random>
+#include <set>
+
+#include "base/FileReplace.h"
+#include "relay/PracticeRelay.h"
 #include "tests/app/RunningProgram.h"
+#include "tests/app/SilentServer.h"
 
 namespace vmr {
 namespace {
@@ -50,6 +58,57 @@ TEST(ProgramRun, ReceivesAMarketAndEndsAfterItsTime) {
     EXPECT_NE(told(program).find("[relay] hello: "), std::string::npos);
     EXPECT_EQ(program.end(), 0);
     EXPECT_FALSE(program.file("end.json")["panes"][0]["candles"].empty());
+}
+
+TEST(ProgramRun, EndsInTimeThoughNobodyAnswers) {
+    SystemClock clock;
+    relay::PracticeRelay relay(clock, {});
+    ASSERT_EQ(relay.start(), std::nullopt);
+    for (const bool signsIn : {false, true}) {
+        const SilentServer silent;
+        auto variables = relay.variables();
+        variables.emplace_back("VMR_RELAY_URL", silent.url("wss"));
+        if (!signsIn) variables.emplace_back("VMR_IDENTITY_URL", silent.url("https"));
+        RunningProgram program({"--headless", "--clock", "2026-06-10T10:00@10000"}, variables);
+        program.say("sign-in " + relay.email() + " " + relay.password());
+        ASSERT_TRUE(silent.isCalled(20)) << "the end finds it in the middle of TLS";
+        const double before = clock.monotonic();
+        EXPECT_EQ(program.end(SIGTERM), 0);
+        EXPECT_LT(clock.monotonic() - before, 1.5);
+    }
+}
+
+TEST(ProgramRun, KilledWhileSettingsChangeLeavesOldOrNewOnes) {
+    const std::filesystem::path config = std::filesystem::temp_directory_path() / UuidSource().next().text();
+    const std::filesystem::path file = config / "Velmora/practice/preferences.json";
+    std::mt19937 random(std::random_device{}());
+    const SystemClock clock;
+    double stored = 0;
+    int changed = 0;
+    for (int run = 0; run < 12; ++run) {
+        RunningProgram program({"--practice", "--headless"}, {{"XDG_CONFIG_HOME", config.string()}});
+        std::set<double> possible{stored};
+        double end = clock.monotonic() + 30;
+        for (double height = 100; clock.monotonic() < end; height = height < 400 ? height + 1 : 100) {
+            program.say("set oscHeight " + std::to_string(height));
+            auto answer = program.line(20);
+            while (answer && !answer->starts_with("[cmd] ok set oscHeight")) answer = program.line(20);
+            ASSERT_TRUE(answer);
+            if (possible.size() == 1) end = clock.monotonic() + std::uniform_real_distribution(0.05, 0.9)(random);
+            possible.insert(height);
+        }
+        program.end(SIGKILL);
+        EXPECT_FALSE(std::filesystem::exists(file.string() + ".bad"));
+        const auto bytes = readFile(file);
+        if (!bytes) continue;
+        const auto object = nlohmann::json::parse(*bytes, nullptr, false);
+        ASSERT_TRUE(object.is_object()) << *bytes;
+        const double found = nlohmann::json::parse(object.value("gex-config", "{}")).value("oscHeight", 0.0);
+        EXPECT_TRUE(possible.contains(found)) << found;
+        changed += std::exchange(stored, found) != found;
+    }
+    EXPECT_GT(changed, 3);
+    std::filesystem::remove_all(config);
 }
 
 }  // namespace

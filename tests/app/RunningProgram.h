@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Clock.h"
@@ -26,8 +27,9 @@ class RunningProgram {
     const std::filesystem::path home =
         std::filesystem::temp_directory_path() / ("velmora-run-" + UuidSource().next().text());
 
-    /// Starts it without settings from the environment.
-    explicit RunningProgram(std::vector<std::string> words) {
+    /// Starts it without settings from the environment but for these.
+    explicit RunningProgram(std::vector<std::string> words,
+                            const std::vector<std::pair<std::string, std::string>>& variables = {}) {
         std::filesystem::create_directories(home);
         int in[2], out[2];
         EXPECT_EQ(::pipe2(in, O_CLOEXEC) | ::pipe2(out, O_CLOEXEC), 0);
@@ -35,18 +37,15 @@ class RunningProgram {
         std::vector<char*> argv;
         for (auto& word : words) argv.push_back(word.data());
         argv.push_back(nullptr);
+        auto environment = environmentOf(home);
+        std::vector<char*> envp;
+        for (auto& setting : environment) envp.push_back(setting.data());
+        envp.push_back(nullptr);
+        // the child may only call what is safe after a fork of a process with threads: nothing that allocates
         if ((pid_ = ::fork()) == 0) {
             ::dup2(in[0], 0);
             for (const int told : {1, 2}) ::dup2(out[1], told);
-            for (char** at = environ; *at;) {
-                const std::string name(*at, std::string_view(*at).find('='));
-                if (!name.starts_with("XDG_") && !name.starts_with("VMR_"))
-                    ++at;
-                else
-                    ::unsetenv(name.c_str());
-            }
-            ::setenv("HOME", home.c_str(), 1);
-            if (::chdir(home.c_str()) == 0) ::execv(VMR_PROGRAM, argv.data());
+            if (::chdir(home.c_str()) == 0) ::execve(VMR_PROGRAM, argv.data(), envp.data());
             ::_exit(127);
         }
         ::close(in[0]);
@@ -99,6 +98,17 @@ class RunningProgram {
     }
 
  private:
+    /// This process's environment without settings of the program, at another home.
+    static std::vector<std::string> environmentOf(const std::filesystem::path& home) {
+        std::vector<std::string> settings{"HOME=" + home.string()};
+        for (char** at = environ; *at; ++at) {
+            const std::string_view setting = *at;
+            if (!setting.starts_with("XDG_") && !setting.starts_with("VMR_") && !setting.starts_with("HOME="))
+                settings.emplace_back(setting);
+        }
+        return settings;
+    }
+
     SystemClock clock_;
     pid_t pid_ = 0;
     int input_ = -1, output_ = -1;

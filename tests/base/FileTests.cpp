@@ -1,10 +1,15 @@
-// Files replaced whole.
+// Files replaced whole, and for their owner alone.
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 
+#include "base/FileLock.h"
 #include "base/FileReplace.h"
+#include "base/PrivateFile.h"
 #include "base/Uuid.h"
 
 namespace vmr {
@@ -38,12 +43,67 @@ TEST_F(Files, AFailedReplaceTellsWhyAndLeavesTheOldFile) {
     const fs::path asFolder = folder / "taken";
     fs::create_directories(asFolder / "inside");
     EXPECT_THAT(replaceFile(asFolder, "x").value_or(""), testing::HasSubstr("cannot replace"));
-    EXPECT_TRUE(fs::exists(asFolder / "inside"));
-    EXPECT_FALSE(fs::exists(folder / "taken.new"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1) << "nothing beside";
     ASSERT_EQ(replaceFile(folder / "file", "old"), std::nullopt);
     EXPECT_THAT(replaceFile(folder / "file" / "below", "x").value_or(""), testing::HasSubstr("cannot"));
     EXPECT_EQ(readFile(folder / "file"), "old");
     EXPECT_EQ(readFile(asFolder), std::nullopt);
+    for (const char* name : {"file.0123456789abcdef.new", "file.new", "file.json", "other.0123456789abcdef.new"})
+        std::ofstream(folder / name) << "left";
+    removeLeftovers(folder / "file");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 5) << "but for its own";
+    EXPECT_FALSE(fs::exists(folder / "file.0123456789abcdef.new"));
+}
+
+TEST_F(Files, WhatIsOpenToOthersIsClosedAndNoLinkIsFollowed) {
+    const fs::path open = folder / "open", file = open / "file", linked = folder / "linked";
+    fs::create_directories(open);
+    std::ofstream(file) << "secret";
+    std::ofstream(linked) << "theirs";
+    for (const fs::path& one : {open, file, linked}) fs::permissions(one, fs::perms::all);
+    EXPECT_EQ(readPrivateFile(file), "secret");
+    EXPECT_EQ(modeOf(file), 0700u);
+    EXPECT_EQ(FileLock(open / "lock").state(), FileLock::State::held);
+    EXPECT_EQ(modeOf(open), 0700u) << "a folder that was there, too";
+    fs::remove(file);
+    fs::create_symlink(linked, file);
+    EXPECT_EQ(readPrivateFile(file), std::nullopt);
+    EXPECT_EQ(FileLock(file).state(), FileLock::State::unavailable);
+    EXPECT_TRUE(writeNewPrivateFile(file, "x"));
+    EXPECT_EQ(replaceFile(file, "mine"), std::nullopt);
+    EXPECT_EQ(readFile(linked).value_or("") + readFile(file).value_or(""), "theirsmine");
+    fs::permissions(open, fs::perms::all | fs::perms::sticky_bit);
+    EXPECT_THAT(replaceFile(file, "x").value_or(""), testing::HasSubstr("users share"));
+    EXPECT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(readPrivateFile(folder / "pipe"), std::nullopt) << "without waiting for its other end";
+}
+
+TEST_F(Files, AnotherUserReadsNothingAndPlantsNothing) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can act as another user";
+    constexpr uid_t nobody = 65534;
+    const fs::path own = folder / "own", theirs = folder / "theirs";
+    ASSERT_EQ(replaceFile(own / "file", "secret"), std::nullopt);
+    fs::create_directories(theirs);
+    std::ofstream(theirs / "file") << "planted";
+    fs::permissions(folder, fs::perms::all);
+    ASSERT_EQ(::chown(theirs.c_str(), nobody, nobody) | ::chown((theirs / "file").c_str(), nobody, nobody), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (::setgid(nobody) != 0 || ::setuid(nobody) != 0) std::_Exit(3);
+        const bool reads = readFile(own / "file") || readPrivateFile(own / "file");
+        const bool writes = !replaceFile(own / "file", "x") || FileLock(own / "lock").state() == FileLock::State::held;
+        std::error_code failed;
+        fs::create_directory_symlink(own, folder / "link", failed);
+        std::_Exit(reads + 2 * writes);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(readPrivateFile(theirs / "file"), std::nullopt);
+    for (const auto& [path, problem] : {std::pair(theirs / "file", "belongs to another user"),
+                                        {folder / "link" / "file", "is a link of another user"}})
+        EXPECT_THAT(replaceFile(path, "x").value_or(""), testing::HasSubstr(problem));
+    EXPECT_EQ(readFile(own / "file"), "secret");
 }
 
 }  // namespace

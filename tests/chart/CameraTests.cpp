@@ -56,6 +56,18 @@ TEST_F(CameraTest, PanStopsAtBothEndsAndZoomHoldsTheRightOne) {
     }
 }
 
+TEST_F(CameraTest, AnotherWidthKeepsTheLiveEdgeAtOnce) {
+    for (const bool follows : {true, false}) {
+        camera.lastViewW = 1400;
+        camera.showFirstData(2000, 150);
+        if (!follows) camera.pan(-300, 2000);
+        const double first = camera.firstVisible;
+        camera.resize(900, 2000);
+        EXPECT_EQ(camera.firstVisible, follows ? camera.rightEdgeFirst(2000) : first);
+        EXPECT_EQ(camera.firstVisible != first, follows);
+    }
+}
+
 TEST_F(CameraTest, PriceInputTakesTheRangeOrMovesThePin) {
     camera.mirrorPrice(100, 200);
     camera.autoY = true;

@@ -22,6 +22,7 @@ struct InputTest : ChartScene {
     ChartInput input{renderer, session, time, queue, nullptr};
     std::vector<bool> live;
     int moves = 0, closed = 0;
+    std::optional<ChartPoint> last;
 
     InputTest() {
         time.setNow(firstBarTime);  // Wednesday 08:00 New York
@@ -29,7 +30,7 @@ struct InputTest : ChartScene {
         input.trading = &trading;
         input.setSize(width, height);
         input.onLiveRefresh = [this](bool on) { live.push_back(on); };
-        input.onMouseMove = [this](auto) { ++moves; };
+        input.pointer.onReport = [this](auto point) { last = point, ++moves; };
         input.onMarketClosedOrder = [this] { ++closed; };
         renderer.setCandles(bars(2000));
         renderer.mirrorPrice(20900, 21100);
@@ -37,6 +38,7 @@ struct InputTest : ChartScene {
     }
     const Camera& camera() const { return renderer.camera(); }
     double span() const { return camera().yMaxManual - camera().yMinManual; }
+    double priceAt(double y) const { return AxisScale::priceAtY(camera().viewport(), y, height); }
     double yOf(double price) const { return AxisScale::yFor(camera().viewport(), price, height); }
     ChartPoint at(double x, double price) const { return {x, yOf(price)}; }
     std::vector<std::string> done() { return std::exchange(trading.done, {}); }
@@ -62,9 +64,14 @@ TEST_F(InputTest, DragAddsEventsUpAndMovesTheCameraAtMost120TimesASecond) {
     EXPECT_FALSE(renderer.interacting());
     EXPECT_THAT(live, ElementsAre(true, false));
 
-    input.mouseDown({500, 400});  // a click alone
-    input.mouseUp({500, 400});
+    const double low = camera().yMinManual;
+    renderer.setAutoY(true);
+    input.mouseDown({500, 400});  // clicks of a trembling hand
+    input.mouseDragged({501, 402});
+    input.mouseUp({501, 402});
     EXPECT_EQ(ended, 1);
+    EXPECT_TRUE(camera().autoY);
+    EXPECT_EQ(camera().yMinManual, low);
 }
 
 TEST_F(InputTest, DragDecidesBetweenRulerAndChartAtEachStep) {
@@ -105,12 +112,16 @@ TEST_F(InputTest, PointerReportsKeepThePaceAndTheCursorDoesNot) {
     using enum ChartCursor;
     ChartCursor cursor = arrow;
     input.onCursor = [&](ChartCursor next) { EXPECT_NE(std::exchange(cursor, next), next); };
-    trading.shown = {PositionLine{2, 21000}, {{id(1), 21040, true, 1, "LMT"}}, {{id(1), "SL", 20980}}};
+    trading.shown = {PositionLine{2, 21000},
+                     {{id(1), 21040, true, 1, "LMT"}, {id(2), priceAt(height - 24), true, 1, "LMT"}},
+                     {{id(1), "SL", 20980}}};
     const double edge = 1400 - 74 - 208 - 80;
     EXPECT_EQ(LineMarks::closeMarkEdge(width), edge);
     for (const auto& [place, shown, ruler] : {std::tuple{ChartPoint{400, 100}, arrow, false},
                                               {ChartPoint{width - 74, 100}, resizeUpDown, true},
                                               {at(400, 21040), resizeUpDown, true},
+                                              {{400, height - 22}, arrow, false},
+                                              {{400, height - 23}, resizeUpDown, true},
                                               {at(edge, 21040), pointingHand, true},
                                               {at(400, 20980), resizeUpDown, true},
                                               {at(edge, 21000), pointingHand, false},
@@ -121,8 +132,13 @@ TEST_F(InputTest, PointerReportsKeepThePaceAndTheCursorDoesNot) {
     }
     EXPECT_EQ(moves, 1);
     time.advance(0.0084);
+    EXPECT_EQ(moves, 2) << "where the pointer came to rest is told";
+    EXPECT_EQ(last, at(400, 21000));
     input.mouseMoved({400, 100});
-    EXPECT_EQ(moves, 2);
+    input.mouseExited();
+    time.advance(0.1);
+    EXPECT_EQ(moves, 3) << "nothing after it left";
+    EXPECT_EQ(last, std::nullopt);
 }
 
 TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
@@ -143,12 +159,20 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
     const double first = camera().firstVisible, low = camera().yMinManual;
     EXPECT_THAT(press(below(21040, 6), 21060), ElementsAre("modify 1 21060", "modify 1 21061"));
     EXPECT_THAT(press(below(20980, -6), 20970), ElementsAre("leg 1 SL 20970", "leg 1 SL 20971"));
+    input.mouseDown(below(21040, 1));
+    input.mouseDragged(below(21040, -1));
+    input.mouseUp(below(21040, -1));
+    EXPECT_THAT(done(), ElementsAre()) << "a trembling hand moves no order";
     EXPECT_THAT(press(at(edge - 16, 21040), 21050), ElementsAre("cancel 1"));
     EXPECT_THAT(press(at(edge + 2, 21000), 21000), ElementsAre("flatten NQ"));
     EXPECT_FALSE(input.draggingLine());
     EXPECT_EQ(camera().firstVisible, first);
     EXPECT_EQ(camera().yMinManual, low);
     EXPECT_FALSE(camera().autoY);
+    const double whole = span();  // on the price axis there are no lines: it stretches
+    EXPECT_THAT(press({width - 74, yOf(21040)}, 21060), ElementsAre());
+    EXPECT_NE(span(), whole);
+    renderer.mirrorPrice(20900, 21100);
     EXPECT_THAT(press({edge, yOf(21000) + 7}, 21010), ElementsAre());  // beside the line: the chart moves
     EXPECT_NE(camera().yMinManual, low);
     while (yOf(21000) > 7) renderer.panByPrice(-1, height);
@@ -165,35 +189,25 @@ TEST_F(InputTest, APressIsMeantForTheLinesOfTheLastFrame) {
     layer.root = "NQ";
     renderer.addScreenLayer(layer);
     input.drawnMarks = &layer.marks();
-    const auto pressMark = [&](double price) {
-        const ChartPoint place = at(LineMarks::closeMarkEdge(width), price);
+    std::uint8_t order = 0;  // an even one before each step, the next odd one after it
+    const std::tuple<const char*, std::function<void()>, const char*> steps[] = {
+        {"before any frame, the account's", [] {}, "cancel 1"},
+        {"as it was seen", [&] { frame(); }, "cancel 2"},
+        {"the camera moved on", [&] { renderer.panByPrice(25, height); }, "cancel 5"},
+        {"another size", [&] { frame(), input.setSize(width, height - 1); }, "cancel 7"},
+        {"the size as it was seen", [&] { input.setSize(width, height); }, "cancel 6"},
+        {"an empty chart has none", [&] { renderer.setCandles({}); }, ""},
+        {"another root's", [&] { renderer.setCandles(bars(2000)), frame(), input.simRoot = "ES"; }, "cancel 13"}};
+    for (const auto& [name, change, closes] : steps) {
+        SCOPED_TRACE(name);
+        trading.shown.orders = {{id(order++), 21040, true, 1, "LMT"}};
+        change();
+        trading.shown.orders = {{id(order++), 21040, true, 1, "LMT"}};
+        const ChartPoint place = at(LineMarks::closeMarkEdge(width), 21040);
         input.mouseDown(place);
         input.mouseUp(place);
-        return done();
-    };
-    trading.shown.orders = {{id(1), 21040, true, 1, "LMT"}};
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 1")) << "before any frame, the account's";
-    frame();
-    trading.shown.orders = {{id(2), 21040, true, 1, "LMT"}};
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 1")) << "as it was seen";
-    renderer.panByPrice(25, height);
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2")) << "the camera moved on";
-    frame();
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2"));
-    trading.shown.orders.clear();
-    input.setSize(width, height - 1);
-    EXPECT_THAT(pressMark(21040), ElementsAre()) << "another size";
-    input.setSize(width, height);
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 2"));
-    renderer.setCandles({});
-    EXPECT_THAT(pressMark(21040), ElementsAre()) << "an empty chart has none";
-    renderer.setCandles(bars(2000));
-    frame();
-    renderer.mirrorPrice(20900, 21100);
-    frame();
-    input.simRoot = "ES";
-    trading.shown.orders = {{id(3), 21040, true, 1, "LMT"}};
-    EXPECT_THAT(pressMark(21040), ElementsAre("cancel 3")) << "another root's";
+        EXPECT_EQ(done(), *closes ? std::vector<std::string>{closes} : std::vector<std::string>{});
+    }
 }
 
 TEST_F(InputTest, MenuOffersWhatThePriceAllows) {
@@ -210,6 +224,11 @@ TEST_F(InputTest, MenuOffersWhatThePriceAllows) {
                 ElementsAre("Set SL @ 21050", "Set TP @ 21050", "", "Buy 2 Limit @ 21050", "Sell 2 Limit @ 21050", "",
                             "Buy 2 Stop @ 21050", "Sell 2 Stop @ 21050", "", "Cancel All (1)"));
     trading.lastPrice = 21000;
+    EXPECT_EQ(texts(21050).at(0), "Set SL @ 21050") << "a short's stop is above the market";
+    EXPECT_EQ(texts(20950).at(0), "Set TP @ 20950");
+    trading.staleAge = 212;
+    EXPECT_EQ(texts(21050).at(0), "The last price is 3 min old");
+    trading.staleAge.reset();
     trading.shown.position->qty = 3;
     const auto menu = input.orderMenu(at(400, 21050));
     ASSERT_EQ(menu.at(0).text, "Set TP @ 21050");

@@ -127,19 +127,32 @@ TEST_F(FrameTest, ANewBarJumpsToItsCloseAndJoinsTheOthers) {
     }
 }
 
-TEST_F(FrameTest, BarsThatTheCapDropsDoNotMoveThePicture) {
-    for (const std::size_t dropped : {1, 4}) {
+TEST_F(FrameTest, BarsThatComeOrGoBeforeThoseInViewDoNotMoveThePicture) {
+    // the cap dropped one, or four; a longer history came; a gap of ten was filled
+    auto gap = bars(400, 100);
+    gap.erase(gap.begin() + 50, gap.begin() + 60);
+    for (const auto& [old, next] :
+         {std::pair(bars(400, 100), bars(400, 101)), std::pair(bars(400, 100), bars(400, 104)),
+          std::pair(bars(400, 100), bars(500)), std::pair(gap, bars(400, 100)), std::pair(bars(9, 300), bars(309))}) {
+        SCOPED_TRACE(next.size());
         renderer.setCandles({});
-        renderer.setCandles(bars(400));
-        renderer.pan(-120.25);
+        renderer.setCandles(old);
         frame();
-        const Box before = box(bodies(), 200 * 6);
-        renderer.setCandles(bars(400, dropped));
+        renderer.panByPrice(40, height);  // a hand has taken the chart
+        if (old.size() > 10) renderer.pan(-120.25);
         frame();
-        const Box after = box(bodies(), (200 - dropped) * 6);
+        const std::size_t looked = old.size() > 10 ? 200 : 5;
+        const auto shift = std::ranges::find(next, old[looked].time, &Candle::time) - next.begin();
+        const Box before = box(bodies(), looked * 6);
+        renderer.setCandles(next);
+        frame();
+        const Box after = box(bodies(), static_cast<std::size_t>(shift) * 6);
         EXPECT_NEAR(before.left, after.left, 0.02);
         EXPECT_NEAR(before.top, after.top, 0.02);
     }
+    renderer.setCandles({});
+    renderer.setCandles(bars(400, 4));
+    renderer.pan(-120.25);
     // Far left the view stops at the first bar that is left; a list that shares no bar is no shift.
     renderer.pan(-1000);
     renderer.setCandles(bars(400, 50));

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "chart/AxisScale.h"
+#include "perf/Perf.h"
 #include "tests/chart/ChartScene.h"
 #include "tests/chart/FullScene.h"
 
@@ -126,7 +127,8 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
         settle();
         EXPECT_EQ(gpu.buffersMade() - made, buffersMade);
         const auto kept = std::ranges::count(recorded.draws, true, &Draw::retained);
-        EXPECT_EQ(gpu.buffersHeld(), 3 + static_cast<std::size_t>(kept)) << "three arenas, and nothing of the past";
+        EXPECT_EQ(gpu.buffersHeld(), 4 + static_cast<std::size_t>(kept))
+            << "three arenas, the session lines without gaps, and nothing of the past";
         EXPECT_EQ(calls(Pipeline::flat, true, Primitive::lines).size(), data.config.wallsEnabled ? 1U : 0U);
     }
 }
@@ -134,6 +136,9 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
 TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
     show();
     settle();
+    std::vector<std::string> reports;
+    Perf perf(time, [&](const std::string& line) { reports.push_back(line); });
+    renderer.perf = &perf;
     const std::size_t layers = recorded.draws.size();
     const auto made = gpu.buffersMade();
     const std::function<void()> inputs[] = {
@@ -155,10 +160,26 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
     }
     EXPECT_EQ(gpu.buffersMade(), made);
     EXPECT_EQ(markers().uniforms[4], 911.0F);
+    for (int i = 0; reports.empty(); ++i) frame(0.1);  // the camera rests, and the texts are made anew all the same
+    EXPECT_THAT(reports[0], testing::HasSubstr("ChartOverlay 12"));
     data.candles = bars(5000);  // ends beyond the markers' full size
+    data.srLines[0].startTime = data.candles.front().time;
+    data.overlays = OverlayRibbons().make({&data.series, data.srLines, 1, data.style, data.candles});
+    data.overlays.sessionRevision = 9;
     show();
+    const auto sessionLines = [&] {
+        const auto all = calls(Pipeline::ribbon, true);
+        const auto gray = [&](const Draw& call) { return recorded.vertices<LineVertex>(call)[0].color[0] == 0.667F; };
+        const auto line = std::ranges::find_if(all, gray);
+        return std::pair(line->count, recorded.vertices<LineVertex>(*line)[0].color[3]);
+    };
+    renderer.mirrorView(3000, 200);
+    frame();
+    EXPECT_GT(sessionLines().first, 200U * 6) << "dashes of the bars in view";
+    EXPECT_FLOAT_EQ(sessionLines().second, 0.8F);
     renderer.mirrorView(0, 1600);
     frame();
+    EXPECT_EQ(sessionLines(), std::pair(std::size_t{6}, 0.4F)) << "from afar one line, as faint as its dashes";
     EXPECT_NEAR(markers().uniforms[6], 0.0625, 1e-6);
     EXPECT_NEAR(markers().uniforms[7], 0.5, 1e-6);
 }

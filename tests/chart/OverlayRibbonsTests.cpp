@@ -68,6 +68,7 @@ TEST_F(OverlayRibbonsTest, TheLabelOfASessionLineTellsWhatShowsIt) {
 }
 
 TEST_F(OverlayRibbonsTest, SessionLinesAreMadeAnewOnlyWhenSomethingThatTheyDependOnChanged) {
+    const std::vector<OvPoint> points{{1, 21000}, {2, 21001}};
     const struct {
         const char* name;
         std::function<void()> change;
@@ -75,16 +76,8 @@ TEST_F(OverlayRibbonsTest, SessionLinesAreMadeAnewOnlyWhenSomethingThatTheyDepen
     } cases[] = {
         {"nothing", [] {}, false},
         {"tick", [&] { candles.back().close += 5; }, false},
-        {"series",
-         [&] {
-             series.ema1 = {{1, 21000}, {2, 21001}};
-         },
-         false},
-        {"colour of a series",
-         [&] {
-             style.ema1Color = {1, 1, 0, 1};
-         },
-         false},
+        {"series", [&] { series.ema1 = points; }, false},
+        {"colour of a series", [&] { style.ema1Color[1] = 1; }, false},
         {"lines", [&] { ++linesRevision; }},
         {"new bar", [&] { candles = bars(11); }},
         {"as many bars, one dropped", [&] { candles = bars(11, 1); }},

@@ -13,6 +13,7 @@ namespace vmr::test {
 struct PlayedTrading final : ChartTrading {
     TradingLines shown;
     std::optional<double> lastPrice = 21000.0;
+    std::optional<double> staleAge;
     std::vector<std::string> done;
 
     template <class... Parts>
@@ -25,6 +26,7 @@ struct PlayedTrading final : ChartTrading {
     void lines(const std::string&, TradingLines& out) const override { out = shown; }
     std::size_t workingCount(const std::string&) const override { return shown.orders.size(); }
     std::optional<double> last(const std::string&) const override { return lastPrice; }
+    std::optional<double> stalePrice(const std::string&) const override { return staleAge; }
     std::int64_t ticketQty() const override { return 2; }
     double roundTick(const std::string&, double price) const override { return std::round(price * 4) / 4; }
     void place(const std::string& root, std::string_view side, std::string_view type, double price) override {

@@ -7,7 +7,8 @@ void vmr::fuzz::take(std::string_view text) {
     const auto json = Json::parse(text);
     if (!json) return;
     survives([&] {
-        const auto bars = CandleParser::parse(*json);
+        RepairTally tally(strict());
+        const auto bars = CandleParser::parse(*json, tally);
         for (const Candle& bar : bars) require(bar.time != 0);
         const auto merged = CandleParser::merge({{60, 1, 1, 1, 1, 1}, {120, 2, 2, 2, 2, 2}}, bars, 100);
         require(merged.size() <= 100 && !merged.empty());

@@ -10,8 +10,10 @@ namespace {
 void readAll(JsonView value, int depth) {
     const auto number = coerce::dbl(value);
     require(coerce::boolean(value) == (number && *number != 0));
-    survives([&] { require(coerce::intVal(value) == coerce::intv(value).value_or(0)); });
-    survives([&] { coerce::minuteInt(value); });
+    RepairTally tally(strict());
+    survives([&] { require(coerce::intVal(value, tally) == coerce::intv(value, tally).value_or(0)); });
+    require(tally.count() % 2 == 0);
+    survives([&] { coerce::minuteInt(value, tally); });
     if (depth > 100) return;
     std::size_t count = 0;
     for (const JsonView item : value.items()) {

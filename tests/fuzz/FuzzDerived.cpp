@@ -42,7 +42,8 @@ void take(std::string_view text) {
     for (const MinuteChannel* channel : {&bubbleMinutes, &triangleMinutes, &hfHistoryMinutes})
         survives([&] {
             HfByMin minutes;
-            forEachMinute(*json, *channel, [&minutes](std::int64_t minute, JsonView object) {
+            RepairTally tally(strict());
+            forEachMinute(*json, *channel, tally, [&minutes](std::int64_t minute, JsonView object) {
                 require(BubbleParser::bubblePts(object, minute).size() <= 3);
                 for (const TrianglePt& point : BubbleParser::trianglePts(object, minute)) require(point.minuteMax > 0);
                 minutes[minute] = HfHistoryParser::hfCandle(object);

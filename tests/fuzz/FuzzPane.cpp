@@ -12,6 +12,7 @@ namespace {
 
 std::unique_ptr<test::TestPane> openPane() {
     auto pane = std::make_unique<test::TestPane>();
+    pane->strictFeed = strict();
     pane->preferences.set("gex-last-symbol", "NQ");
     pane->open();
     const auto minute = static_cast<std::int64_t>(test::TestPane::wednesdayAt10);

@@ -39,13 +39,14 @@ void take(std::string_view text) {
     });
     survives([&] {
         SRSessions levels;
-        SRLevelsParser::merge(*json, levels);
+        RepairTally tally(strict());
+        SRLevelsParser::merge(*json, levels, tally);
         require(!levels.contains(0));
-        const auto bars = CandleParser::merge({}, CandleParser::parse(*json), 500);
+        const auto bars = CandleParser::merge({}, CandleParser::parse(*json, tally), 500);
         for (const int hhmm : {1800, 930, -1})
             require(SessionLines::build(bars, levels, hhmm).empty() == (bars.size() < 2));
         HfByMin flow;
-        forEachMinute(*json, hfHistoryMinutes, [&flow](std::int64_t minute, JsonView object) {
+        forEachMinute(*json, hfHistoryMinutes, tally, [&flow](std::int64_t minute, JsonView object) {
             flow[minute] = HfHistoryParser::hfCandle(object);
         });
         drawOverlays(bars, flow, levels);

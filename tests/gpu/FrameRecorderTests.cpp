@@ -54,7 +54,6 @@ TEST(FrameRecorder, ClearsAndClipsCoverWholePixels) {
     const std::array<std::byte, 96> bytes{};
     FrameRecorder gpu;
     const GpuBuffer kept = gpu.makeBuffer(bytes);
-    const Rgba blue{0, 0, 1, 1};
     const struct {
         double ratio;
         PointRect clip;
@@ -71,10 +70,10 @@ TEST(FrameRecorder, ClearsAndClipsCoverWholePixels) {
         gpu.beginFrame(101, 51, ratio);
         gpu.setPipeline(Pipeline::text);
         gpu.setUniforms(std::span(uniforms).first(4));
-        gpu.clear(blue);
+        gpu.clear({0, 0, 1, 1});
         gpu.setClip(clip);
         gpu.draw(Primitive::triangles, kept, 0, 3);
-        gpu.clear(blue);
+        gpu.clear({0, 0, 1, 1});
         gpu.resetClip();
         gpu.draw(Primitive::triangles, kept, 0, 3);
         gpu.endFrame();
@@ -89,11 +88,6 @@ TEST(FrameRecorder, ClearsAndClipsCoverWholePixels) {
             EXPECT_EQ(call.clip, i == 0 || i == 3 ? whole : pixels);
             EXPECT_EQ(call.pipeline, clears ? Pipeline::flat : Pipeline::text);
             EXPECT_EQ(call.uniforms[1], clears ? 0 : 2) << "a clear keeps what was set";
-            if (!clears) continue;
-            const auto quad = shown.vertices<ChartVertex>(call);
-            EXPECT_EQ(shown.screen(call, quad[0].position[0], quad[0].position[1])[1], 51);
-            EXPECT_EQ(shown.screen(call, quad[2].position[0], quad[2].position[1])[0], 101);
-            EXPECT_EQ(quad[5].color, blue);
         }
     }
 }
@@ -118,7 +112,6 @@ TEST(FrameRecorderDeathTest, MisuseEndsTheProgram) {
         {[&] { gpu.makeBuffer({}); }, "no bytes"},
         {[&] { begin(), begin(); }, "frame within a frame"},
         {[&] { gpu.draw(Primitive::triangles, kept, 0, 3); }, "outside a frame"},
-        {[&] { gpu.setClip({}); }, "outside a frame"},
         {[&] { begin(Pipeline::ribbon, 4); }, "number of uniforms"},
         {[&] { begin(), gpu.setPipeline(Pipeline::text), gpu.draw(Primitive::quads, kept, 0, 4); }, "without uniforms"},
         {[&] { draw(kept, 0, 4); }, "part of a shape"},

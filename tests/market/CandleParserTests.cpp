@@ -10,18 +10,20 @@
 namespace vmr::test {
 namespace {
 
-Bars parse(const std::string& json) {
-    const auto payload = Json::parse(json);
-    EXPECT_TRUE(payload) << json;
-    return CandleParser::parse(payload.value_or(Json()));
+Bars parse(const std::string& json, RepairTally& tally) {
+    return CandleParser::parse(Json::parse(json).value(), tally);
 }
 
 Candle bar(std::int64_t time, double close = 1, double volume = 0) { return {time, 1, 2, 0.5, close, volume}; }
 
 TEST(CandleParser, ReadsEveryShape) {
     const std::string p = R"("o":1,"h":2,"l":0.5,"c":1)";
-    const std::pair<std::string, Bars> cases[] = {
-        // an array, in arrival order; it counts as a whole, so the fatal time beside a null is never read
+    const struct {
+        std::string json;
+        Bars bars;
+        std::uint64_t repairs = 0;
+    } cases[] = {
+        // an array, in arrival order; it counts as a whole, so the impossible time beside a null is never read
         {R"([{"ts":120000,)" + p + R"(},{"time":60,)" + p + R"(,"volume":7},{"ts":60000,"o":1}])",
          {bar(120), bar(60, 1, 7)}},
         {R"([{"ts":"inf",)" + p + "},null]", {}},
@@ -46,14 +48,18 @@ TEST(CandleParser, ReadsEveryShape) {
         {R"({"time":"60.5",)" + p + "}", {}},
         {R"({"ts":"inf","h":2,"l":3,"c":4})", {}},  // without its prices the time is never cut
         {R"("text")", {}},
+        // a time that no integer holds costs its own bar, whatever else the bar has
+        {R"([{"ts":"inf","time":60,)" + p + R"(},{"time":-1e300,)" + p + R"(},{"ts":60000,)" + p + "}]", {bar(60)}, 2},
+        {R"({"candles":{"nan":{)" + p + R"(},"1e308":5,"60":{)" + p + "}}}", {bar(60)}, 2},
+        {R"({"minuteTs":9223372036854775808,"candle":{)" + p + R"(},"time":180,)" + p + "}", {bar(180)}, 1},
     };
-    for (const auto& [json, bars] : cases) EXPECT_EQ(parse(json), bars) << json;
-}
-
-TEST(CandleParserDeathTest, ATimeThatNoIntegerHoldsEndsTheProcess) {
-    for (const std::string json :
-         {R"([{"ts":"inf","o":1,"h":2,"l":3,"c":4}])", R"({"candles":{"nan":{}}})", R"({"minuteTs":1e19,"candle":{}})"})
-        EXPECT_DEATH(parse(json), "velmora: fatal: .*does not fit a 64-bit integer") << json;
+    for (const auto& c : cases) {
+        RepairTally tally;
+        EXPECT_EQ(parse(c.json, tally), c.bars) << c.json;
+        EXPECT_EQ(tally.count(), c.repairs) << c.json;
+    }
+    RepairTally strict(true);
+    EXPECT_DEATH(parse(R"({"candles":{"nan":5}})", strict), "velmora: fatal: .*does not fit a 64-bit integer");
 }
 
 // The rule as it is told, over a map.

@@ -15,6 +15,7 @@ TEST(Coerce, ReadsEveryKindOfValue) {
         const char* json;
         std::optional<double> dbl;
         std::optional<std::int64_t> intv;
+        std::uint64_t repairs = 0;
     } rows[] = {
         {"5", 5.0, 5},
         {"-0.0", 0.0, 0},
@@ -31,19 +32,21 @@ TEST(Coerce, ReadsEveryKindOfValue) {
         {R"("12\u0000")", nothing, nothing},
         {R"("9223372036854775808")", 9223372036854775808.0, nothing},
         {R"("inf")", HUGE_VAL, nothing},
+        {"9223372036854775808", 9223372036854775808.0, nothing, 1},
+        {"-1e300", -1e300, nothing, 1},
     };
     for (const auto& row : rows) {
         const auto json = Json::parse(row.json);
+        RepairTally tally;
         EXPECT_EQ(coerce::dbl(*json), row.dbl) << row.json;
-        EXPECT_EQ(coerce::intv(*json), row.intv) << row.json;
+        EXPECT_EQ(coerce::intv(*json, tally), row.intv) << row.json;
+        EXPECT_EQ(tally.count(), row.repairs) << row.json;
     }
-    EXPECT_EQ(coerce::minuteInt(*Json::parse(R"("60.9")")), 60) << "a marker's minute is cut from any number";
-}
-
-TEST(CoerceDeathTest, ANumberThatNoIntegerHoldsEndsTheProcess) {
-    for (const char* json : {"9223372036854775808", "-1e300"})
-        EXPECT_DEATH(coerce::intv(*Json::parse(json)), "velmora: fatal") << json;
-    EXPECT_DEATH(coerce::minuteInt(*Json::parse(R"("nan")")), "velmora: fatal");
+    RepairTally tally, strict(true);
+    EXPECT_DEATH(coerce::intv(*Json::parse("-1e300"), strict), "velmora: fatal");
+    EXPECT_EQ(coerce::minuteInt(*Json::parse(R"("60.9")"), tally), 60) << "a marker's minute is cut from any number";
+    EXPECT_EQ(coerce::minuteInt(*Json::parse(R"("nan")"), tally), nothing);
+    EXPECT_EQ(tally.count(), 1u);
 }
 
 }  // namespace

@@ -15,11 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-Json json(const std::string& text) {
-    const auto value = Json::parse(text);
-    EXPECT_TRUE(value) << text;
-    return value.value_or(Json());
-}
+Json json(const std::string& text) { return Json::parse(text).value(); }
 
 DerivedFields fieldsOf(const std::string& text) {
     DerivedFields fields;
@@ -62,6 +58,9 @@ TEST(BubbleParser, ReadsEachGroupByItselfAndWeighsTrianglesByTheLargestNet) {
     EXPECT_EQ(BubbleParser::bubblePts(
                   json(R"({"s":1,"dom":2,"pos":true,"s2":"x","dom2":1,"s3":"5","dom3":"x","pos3":"0"})"), 60),
               (std::vector<BubblePt>{{60, 1, 2, true, 0}, {60, 5, 0, false, 2}}));
+    EXPECT_EQ(BubbleParser::bubblePts(
+                  json(R"({"s":1,"dom":4,"pos":true,"s2":2,"dom2":5,"pos2":false,"s3":3,"dom3":6,"pos3":true})"), 60),
+              (std::vector<BubblePt>{{60, 1, 4, true, 0}, {60, 2, 5, false, 1}, {60, 3, 6, true, 2}}));
     EXPECT_EQ(BubbleParser::trianglePts(json(R"({"d":[[1,-10],["2","4",9],[3],["x",1],[4,null],[5,0]]})"), 60),
               (std::vector<TrianglePt>{{60, 1, -10, 10}, {60, 2, 4, 10}, {60, 5, 0, 10}}));
     for (const char* none : {R"({"d":[[1,0],[2,-0.0]]})", R"({"d":[[1,5],7]})", R"({"d":{"a":[1,5]}})"})
@@ -74,6 +73,7 @@ TEST(MinuteChannel, ReadsHistoriesAndSingleMinutes) {
         const char* payload;
         HfByMin minutes;
         const MinuteChannel& channel = hfHistoryMinutes;
+        std::uint64_t repairs = 0;
     } cases[] = {
         {R"({"candles":{"60":{"o":1,"h":"2","l":true,"c":4},"+120":{"c":2},"-60":{},"":{"c":9},"1.5":{"c":9},
                         "x":{"c":9},"180":5,"99999999999999999999":{}}})",
@@ -85,13 +85,17 @@ TEST(MinuteChannel, ReadsHistoriesAndSingleMinutes) {
         {R"({"minuteTs":"60.9","candle":{"c":2}})", {}},
         {R"({"minuteTs":"60.9","bubble":{"c":2}})", {{60, two}}, bubbleMinutes},
         {R"({"minuteTs":"60.9","triangle":{"c":2}})", {{60, two}}, triangleMinutes},
+        {R"({"minuteTs":"inf","triangle":{"c":2}})", {}, triangleMinutes, 1},
+        {R"({"minuteTs":1e308,"candle":{"c":2}})", {}, hfHistoryMinutes, 1},
     };
     for (const auto& c : cases) {
         HfByMin found;
-        forEachMinute(json(c.payload), c.channel, [&found](std::int64_t minute, JsonView object) {
+        RepairTally tally;
+        forEachMinute(json(c.payload), c.channel, tally, [&found](std::int64_t minute, JsonView object) {
             found[minute] = HfHistoryParser::hfCandle(object);
         });
         EXPECT_EQ(found, c.minutes) << c.payload;
+        EXPECT_EQ(tally.count(), c.repairs) << c.payload;
     }
 }
 
@@ -113,22 +117,28 @@ TEST(OscParser, MergesNameByName) {
 
 TEST(SRLevelsParser, FindsEachSessionsTimeAndReadsItsLevels) {
     SRSessions sessions;
+    RepairTally tally;
     for (const char* payload :
          {R"({"sessions":{"100":{"openPrice":1},"200":{"sessionOpenTs":"250.9","openPrice":2},
                                     "x":{"sessionOpenTs":300},"y":{"openPrice":4},"0":{},"400":[1],
-                                    "500":{"sessionOpenTs":0}},"sessionOpenTs":900})",
+                                    "500":{"sessionOpenTs":0},"600":{"sessionOpenTs":"nan"}},"sessionOpenTs":900})",
           R"({"openPrice":8})", R"({"sessions":[],"sessionOpenTs":700,"openPrice":"7"})",
           // a session comes as a whole
           R"({"sessionOpenTs":300,"openPrice":7,"up":[{"price":1}]})", R"({"sessionOpenTs":300})"})
-        SRLevelsParser::merge(json(payload), sessions);
+        SRLevelsParser::merge(json(payload), sessions, tally);
     EXPECT_EQ(sessions,
               (SRSessions{
                   {100, {100, 1, {}, {}}}, {250, {250, 2, {}, {}}}, {300, {300, 0, {}, {}}}, {700, {700, 7, {}, {}}}}));
+    EXPECT_EQ(tally.count(), 1u) << "a time that no integer holds";
     EXPECT_THAT(SRLevelsParser::levels(json(R"([{"i":"2.9","label":"a","price":"5","triggerTime":-1.5},{"label":"b"},
-                                                {"price":"x"},{"price":6,"label":7},{"price":true,"i":null}])")),
+                                                {"price":"x"},{"price":6,"label":7},{"price":true,"i":null},
+                                                {"price":7,"i":"nan"},{"price":8,"triggerTime":1e308},{"i":"inf"}])"),
+                                       tally),
                 ElementsAre(SRLevel{2, "a", 5, -1}, SRLevel{0, "", 6, 0}, SRLevel{0, "", 1, 0}));
+    EXPECT_EQ(tally.count(), 3u) << "each costs its own level";
     // one entry that is no object empties the list, and nothing of it is read
-    EXPECT_THAT(SRLevelsParser::levels(json(R"([{"price":1,"i":"inf"},2])")), IsEmpty());
+    EXPECT_THAT(SRLevelsParser::levels(json(R"([{"price":1,"i":"inf"},2])"), tally), IsEmpty());
+    EXPECT_EQ(tally.count(), 3u);
 }
 
 }  // namespace

@@ -78,10 +78,14 @@ TEST(Expirations, CountTradingDays) {
         {"2026-12-31", june(15, 9), "12/31 (143DTE)", "143DTE Thu 12/31"},
         {"2026-02-30", june(15, 9), "2026-02-30", "2026-02-30"},
     };
+    setenv("TZ", "Asia/Tokyo", 1);  // before the machine's own setting
+    tzset();
     for (const auto& c : cases) {
         EXPECT_EQ(expLabel(c.iso, c.now), c.label) << c.now;
-        EXPECT_EQ(expDteLabel(c.iso, c.now, "Asia/Tokyo"), c.dteLabel) << c.now;
+        EXPECT_EQ(expDteLabel(c.iso, c.now), c.dteLabel) << c.now;
     }
+    unsetenv("TZ");
+    tzset();
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// A thousand broken frames on an open pane: whatever the relay sends, a message that is not valid changes nothing but
-// the log.
+// Broken frames on an open pane: whatever the relay sends, a message that is not valid changes nothing but the log, and
+// a number that no integer holds costs its own element.
 #include <nlohmann/json.hpp>
 #include <random>
 
@@ -11,39 +11,53 @@ namespace {
 using nlohmann::json;
 using Values = std::vector<json>;
 
-// Values that no reader of numbers takes. Left out: those that are fatal by design, and those that are numbers
-// after all (true, "nan", "1e3"), since with them a bar would be valid.
+// Values that no reader of numbers takes. Left out: those that are numbers after all (true, "nan", "1e3"), since with
+// them a bar would be valid.
 const Values noNumbers{nullptr, "", "abc", " 5", "1,5", "--1", json::array({5}), json::object(), json{{"price", 5}}};
 const Values noPrices{nullptr, "", "abc", "1,5", json::array({5}), "nan", "inf", "-infinity"};  // a trade's is finite
+const Values impossible{"nan", "inf", "-infinity", 1e308, -1e300, "1e400", 1e25};
 const Values noObjects{nullptr, "{}", 5, -0.5, true, json::array(), json::array({1, json::object()})};
 
-// One valid message of a channel kind, the members without any one of which it says nothing, and the values that are as
-// good as none.
+// One valid message of a channel kind, the members without any one of which it says nothing, the values that are as
+// good as none, and the members that are read as integers.
 struct Kind {
     std::string channel;
     json body;
     std::vector<std::string> members;
     const Values& odd;
+    std::vector<std::string> integers = {};
 };
 
 std::vector<Kind> kinds() {
     const json bar = json::parse(R"({"time":1781100000,"o":1,"h":4,"l":1,"c":2,"v":3})");
     const json trade = json::parse(R"({"price":50.25,"ts":1781100000000})");
+    const json session = json::parse(
+        R"({"sessionOpenTs":1781042400,"openPrice":1,"up":[{"price":2}],"dn":[{"i":1,"price":0.5,"triggerTime":1}]})");
+    const json marker =
+        json::parse(R"({"minuteTs":1781100060,"bubble":{"s":600},"triangle":{"d":[[600,-10]]},"candle":{"c":5}})");
     return {
-        {"futures:NQM6:trades", trade, {"/price"}, noPrices},
-        {"futures:ESM6:trades", trade, {"/price"}, noPrices},
-        {"futures:NQM6", json::array({bar}), {"/0/o", "/0/h", "/0/l", "/0/c", "/0/time"}, noNumbers},
+        {"futures:NQM6:trades", trade, {"/price"}, noPrices, {"/ts"}},
+        {"futures:ESM6:trades", trade, {"/price"}, noPrices, {"/ts"}},
+        {"futures:NQM6", json::array({bar}), {"/0/o", "/0/h", "/0/l", "/0/c", "/0/time"}, noNumbers, {"/0/time"}},
         {"futures:NQM6", {{"candles", {bar}}}, {"/candles/0/o", "/candles/0/c"}, noNumbers},
         {"futures:NQM6", {{"candles", {{"1781100000", bar}}}}, {"/candles/1781100000/l"}, noNumbers},
-        {"futures:NQM6:1m", {{"minuteTs", 1781100000}, {"candle", bar}}, {"/minuteTs", "/candle/h"}, noNumbers},
-        {"futures:ESM6", json::array({bar}), {"/0/o", "/0/h", "/0/l", "/0/c"}, noNumbers},
-        {"indices:I:VIX:1m", bar, {"/o", "/h", "/l", "/c", "/time"}, noNumbers},
+        {"futures:NQM6:1m",
+         {{"minuteTs", 1781100000}, {"candle", bar}},
+         {"/minuteTs", "/candle/h"},
+         noNumbers,
+         {"/minuteTs"}},
+        {"futures:ESM6", json::array({bar}), {"/0/o", "/0/h", "/0/l", "/0/c"}, noNumbers, {"/0/ts"}},
+        {"indices:I:VIX:1m", bar, {"/o", "/h", "/l", "/c", "/time"}, noNumbers, {"/time", "/ts"}},
         {"meta:instruments", {{"catalog", {{"futures", {{{"sym", "SI"}}}}}}}, {"/catalog"}, noObjects},
         {"meta:contracts", {{"map", {{"GC", "GCZ6"}, {"CL", "CLZ6"}}}}, {"/map"}, noObjects},
         {"derived:QQQ", {{"etfRatio", 41.5}, {"expirations", {"2026-06-12"}}}, {}, noObjects},
         {"derived:NDX", {{"etfRatio", 2}}, {}, noObjects},
         {"derived:gexBubbles:QQQ", {{"bubbles", {{"1781100000", {{"s", 600}}}}}}, {"/bubbles"}, noObjects},
         {"derived:hfHistory:QQQ", {{"candles", {{"1781100000", {{"c", 5}}}}}}, {"/candles"}, noObjects},
+        {"derived:gexBubbles:QQQ", marker, {"/minuteTs"}, noNumbers, {"/minuteTs"}},
+        {"derived:hfTriangles:QQQ", marker, {"/minuteTs"}, noNumbers, {"/minuteTs"}},
+        {"derived:hfHistory:QQQ", marker, {"/minuteTs"}, noNumbers, {"/minuteTs"}},
+        {"derived:srlevels:NQ", session, {}, noObjects, {"/sessionOpenTs", "/up/0/i", "/dn/0/triggerTime"}},
     };
 }
 
@@ -57,12 +71,12 @@ class MutatedFrames : public PaneFixture {
     }
 
     // A message as an event, a snapshot or a batch of one, and where its body is.
-    std::pair<json, json::json_pointer> envelope(const Kind& kind) {
+    std::pair<json, json::json_pointer> envelope(const Kind& kind) { return envelope(kind, below(3)); }
+    static std::pair<json, json::json_pointer> envelope(const Kind& kind, std::size_t type) {
         const json frames[] = {{{"type", "snapshot"}, {"channel", kind.channel}, {"data", kind.body}},
                                {{"type", "event"}, {"channel", kind.channel}, {"payload", kind.body}},
                                {{"type", "batch"}, {"channel", kind.channel}, {"events", {kind.body}}}};
         const char* const places[] = {"/data", "/payload", "/events/0"};
-        const std::size_t type = below(3);
         return {frames[type], json::json_pointer(places[type])};
     }
 
@@ -109,6 +123,15 @@ class MutatedFrames : public PaneFixture {
         for (const char* channel : {"futures:NQM6", "futures:ESM6", "indices:I:VIX"})
             snapshot(channel, flatBars(minute - 600, 11));
         event("derived:QQQ", R"({"spot":1})");
+        event("derived:srlevels:NQ", R"({"sessionOpenTs":1781042400,"openPrice":1,"up":[],"dn":[]})");
+    }
+
+    // The pane's state but for log and repairs, and how often `channel` has been repaired.
+    std::pair<json, std::uint64_t> stateAndRepairs(const std::string& channel) {
+        json pane = json::parse(documentWithoutLog())["panes"][0];
+        const json repairs = pane["feedRepairs"];
+        pane.erase("feedRepairs");
+        return {pane, repairs.value(channel, std::uint64_t{0})};
     }
 };
 
@@ -135,6 +158,57 @@ TEST_F(MutatedFrames, BrokenOnesChangeNothingButTheLog) {
     EXPECT_EQ(sockets.count(), 1u);
     event("futures:NQM6:trades", R"({"price":123.25,"ts":)" + std::to_string(minute) + "000}");
     EXPECT_EQ(model->bars.candles.back().close, 123.25) << "and the pane lives on";
+}
+
+TEST_F(MutatedFrames, AnImpossibleNumberCostsItsElementAndIsCounted) {
+    auto all = kinds();
+    all.push_back({"futures:GCQ6", all[2].body, {}, noNumbers, {"/0/time"}});  // read, but not shown
+    for (const Kind& kind : all)
+        for (const std::string& member : kind.integers)
+            for (const json& number : impossible)
+                for (std::size_t type = 0; type < (kind.channel == "futures:GCQ6" ? 2 : 3); ++type) {
+                    if (!model) openBoth();
+                    if (number.is_string() && !member.ends_with("/ts")) continue;  // no number to every reader
+                    auto [text, at] = envelope(kind, type);
+                    if (kind.channel.starts_with("derived:srl")) text[at][member[1] == 'u' ? "dn" : "up"] = nullptr;
+                    text[at / json::json_pointer(member)] = number;
+                    const auto [state, repairs] = stateAndRepairs(kind.channel);
+                    frame(text.dump());
+                    ASSERT_EQ(stateAndRepairs(kind.channel), std::pair(state, repairs + 1)) << text;
+                }
+}
+
+TEST_F(MutatedFrames, AnImpossibleNumberEndsAStrictProcess) {
+    strictFeed = true;
+    openBoth();
+    const char* const fatal = "velmora: fatal: .* does not fit a 64-bit integer";
+    EXPECT_DEATH(event("futures:NQM6:trades", R"({"price":5,"ts":"inf"})"), fatal);
+    EXPECT_DEATH(snapshot("futures:GCQ6", R"({"candles":{"nan":{}}})"), fatal) << "read, but not shown";
+}
+
+TEST_F(MutatedFrames, ThirtyThousandWithImpossibleNumbersDoNoHarm) {
+    std::vector<std::string> texts;  // any number of any valid message is one that no integer holds
+    for (const Kind& kind : kinds())
+        for (std::size_t type = 0; type < 3; ++type) {
+            const auto [valid, at] = envelope(kind, type);
+            const json leaves = valid.flatten();
+            for (const auto& [place, value] : leaves.items())
+                for (json text = valid; const json& number : value.is_number() ? impossible : Values{}) {
+                    text[json::json_pointer(place)] = number;
+                    texts.push_back(text.dump());
+                }
+        }
+    openBoth();
+    for (int i = 0; i < 30'000; ++i) {
+        sockets.last().frame(pick(texts));
+        if (i % 10 == 0) time.advance(0.01);
+    }
+    event("futures:NQM6:trades", R"({"price":123.25})");
+    EXPECT_EQ(model->bars.candles.back().close, 123.25);
+    std::uint64_t repairs = 0;
+    for (const auto& [channel, count] : model->feedRepairs.byChannel()) repairs += count.elements;
+    EXPECT_GT(repairs, 4000u);
+    EXPECT_EQ(sockets.count(), 1u);
 }
 
 }  // namespace

@@ -89,10 +89,20 @@ TEST_F(PaneData, ABurstCostsOneRebuildAndADragNone) {
 
 TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSeconds) {
     AppModel& pane = openSymbol("NQ");
-    event("derived:QQQ", R"({"spot":600,"expirations":["2026-06-10"],"gexByStrike":[{"strike":598},{"strike":600}]})");
-    GexConfig on = pane.config;
-    on.hfPressure = true;
-    pane.setConfig(on);
+    const std::string rows =
+        R"({"spot":600,"expirations":["2026-06-10"],"gexByStrike":[{"strike":598},{"strike":600}]})";
+    const auto set = [&](const char* vixMode, bool pressure) {
+        GexConfig changed = pane.config;
+        changed.vixMode = vixMode;
+        changed.hfPressure = pressure;
+        pane.setConfig(changed);
+        event("derived:QQQ", rows);
+    };
+    snapshot("indices:I:VIX", flatBars(minute, 1));
+    set("1d", true);  // both at once, which opens the chart anew
+    EXPECT_EQ(pane.channels->subscribedChans[6], "indices:I:VIX1D");
+    EXPECT_TRUE(pane.bars.vixCandles.empty());
+    EXPECT_EQ(pane.surface.gex3D.get(), std::nullopt) << "its view is closed";
     pane.setGex3DActive(true);
     const auto spotAfter = [&](double seconds, const char* patch) {
         time.advance(seconds);
@@ -102,9 +112,30 @@ TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSe
     EXPECT_EQ(spotAfter(2.9, R"({"spot":590})"), 600);
     EXPECT_EQ(spotAfter(0.1, R"({"spot":595})"), 595);
     EXPECT_EQ(pane.hfp.samples.size(), 3u);
+    set("30d", false);
+    EXPECT_EQ(pane.channels->subscribedChans[6], "indices:I:VIX");
+    EXPECT_EQ(pane.surface.gex3D.get()->spot, 600) << "another chart does not wait for the pace";
+    time.advance(5);
+    EXPECT_TRUE(pane.hfp.samples.empty());
+    set("30d", true);
     pane.signOut();
     time.advance(5);
-    EXPECT_EQ(pane.hfp.samples.size(), 3u);
+    EXPECT_TRUE(pane.hfp.samples.empty());
+}
+
+TEST_F(PaneData, ALaterFlipStrikeReachesTheChartByItself) {
+    AppModel& pane = openSymbol("NQ");
+    event("derived:QQQ", R"({"gammaFlipStrike":600,"gexByStrike":[{"strike":600}]})");
+    StillChart chart;
+    pane.setChartPort(&chart);
+    const int told = chart.told;
+    const auto before = pane.chartContent().revisions;
+    event("derived:QQQ", R"({"gammaFlipStrike":601})");
+    EXPECT_EQ(chart.told, told + 1);
+    EXPECT_GT(pane.chartContent().revisions.strikes, before.strikes);
+    EXPECT_EQ(pane.chartContent().flipStrike, 601);
+    event("derived:QQQ", R"({"gammaFlipStrike":"601"})");
+    EXPECT_EQ(chart.told, told + 1) << "the same value is no news";
 }
 
 }  // namespace

@@ -75,13 +75,25 @@ TEST_F(PaneSessions, ARefusedTokenEndsItsOwnSessionAlone) {
     }
 }
 
-TEST_F(PaneSessions, AShutDownPaneStaysDown) {
+TEST_F(PaneSessions, AShutDownPaneStaysDownAndHearsNothing) {
     openSymbol("NQ");
     snapshot("futures:NQM6", flatBars(minute, 1));
+    model->applyTrade(6, minute * 1000.0);  // the display is to be rebuilt
+    takeLog();
+    time.pause();
+    const auto before = documentWithoutLog();
+    // on their way to the pane when it is shut down
+    sockets.last().frame(R"({"type":"event","channel":"futures:NQM6:trades","payload":{"price":7}})");
+    sockets.last().frame(R"({"type":"event","channel":"any","payload":1})");
+    sockets.last().close(4006);
+    main.post([this] { model->shutdown(); });
+    time.runUntilIdle();
     model->shutdown();
-    model->shutdown();
+    time.advance(0.1);
+    EXPECT_EQ(documentWithoutLog(), before);
+    time.resume();
     time.advance(300);
-    EXPECT_EQ(sockets.last().cancelCode, 1001);
+    EXPECT_THAT(takeLog(), testing::IsEmpty());
     EXPECT_EQ(model->bars.candles.size(), 1u) << "no bars roll any more";
     EXPECT_EQ(sockets.count(), 1u);
 }

@@ -17,12 +17,13 @@ TEST_F(PaneStates, TheCatalogReplacesTheBuiltInTables) {
     event("meta:instruments", R"({"catalog":{"futures":[
         {"sym":"SI","sources":["SLV","XAG"],"defaultSource":"XAG","pair":"GC","tick":"0.005","tickValue":25,"hfScale":3},
         {"sym":"NQ","sources":["QQQ"]}, {"sym":"ES","pair":7,"tick":"x","sources":"SPY"}, {"sym":5}, 7],
-        "stocks":[{"sym":"NFLX","hfScale":"0.5"},{"sym":"AMD"},{"sym":""},"IBM"]}})");
+        "stocks":[{"sym":"NFLX","hfScale":"0.5"},{"sym":"A\u001bMD"},{"sym":""},"IBM"]}})");
     event("meta:instruments", R"({"catalog":{"futures":[{"sym":1}],"stocks":[]}})");  // empty lists change nothing
     EXPECT_THAT(model->catalog.catFutures.get(),
                 ElementsAre(CatalogFut{"SI", {"SLV", "XAG"}, "XAG", "GC", 0.005, 25, 3},
                             CatalogFut{"NQ", {"QQQ"}, "QQQ", std::nullopt, 0.25, 5, 1},
                             CatalogFut{"ES", {}, "ES", std::nullopt, 0.25, 5, 1}));
+    EXPECT_EQ(model->catalog.stockList().at(1), "A\\x1bMD") << "menus show no control characters";
     EXPECT_EQ(model->catalog.pairFor("NQ"), std::nullopt) << "the catalog's entry has no pair";
     const std::pair<const char*, const char*> charts[] = {{"SI", "futures:SI derived:XAG"},
                                                           {"AAPL", "futures:SI derived:XAG"},  // no stock any more
@@ -47,9 +48,14 @@ TEST_F(PaneStates, TellsTheAccountQuotesAndOnlySettingsThatDiffer) {
     engine.commission = 3;
     sim = &engine;
     openSymbol("NQ");
+    EXPECT_EQ(engine.commission, 2.5) << "the settings', not the account's";
+    engine.commission = 3;
     model->setConfig(model->config);
-    EXPECT_EQ(engine.commission, 3) << "as the account was found";
+    EXPECT_EQ(engine.commission, 3) << "nothing differs";
+    event("meta:contracts", R"({"map":{"NQ":"NQM6"}})");
     event("futures:NQM6:quote", R"({"bid":99,"ask":101})");
+    for (const char* odd : {R"({"bid":"nan","ask":1})", R"({"bid":1,"ask":"inf"})", R"({"bid":"-inf","ask":1})"})
+        event("futures:NQM6:quote", odd);
     engine.place("NQ", sim::Side::buy, sim::OrderType::market, 1);
     EXPECT_EQ(engine.fills().front().price, 101);
     GexConfig changed = model->config;
@@ -70,7 +76,7 @@ TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
     ASSERT_EQ((*document)["panes"].size(), 2u);
     const JsonView pane = *(*document)["panes"].items().begin();
     EXPECT_EQ(pane["authError"].kind(), JsonView::Kind::null);
-    EXPECT_EQ(pane["logLines"].text(), "[\"quote \\\" and \xEF\xBF\xBD and \\n\"]");
+    EXPECT_EQ(pane["logLines"].text(), "[\"quote \\\" and \xEF\xBF\xBD and \\\\n\"]");
     EXPECT_EQ(pane["candles"].text(),
               "[[1781100000,null,null,null,0.1,1e-310],[9223372036854775807,1.0,2.0,3.0,4.0,5.0]]");
     EXPECT_EQ(pane["config"].size(), 60u);

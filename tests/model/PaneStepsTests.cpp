@@ -137,24 +137,13 @@ class PaneSteps : public PaneFixture {
         signIn();
         greet();
     }
-    /// The same after the server has said which contracts are in front, with something on every channel.
-    void prepare() {
+    /// The same after the server has said which contracts are in front, with something on every channel, and as many
+    /// steps on from the ETF's source: to the index's own, to both.
+    void prepare(int steps = 0) {
         connect();
         event("meta:contracts", R"({"map":{"ES":"ESU6","NQ":"NQM6"}})");
         fill();
-        forget();
-    }
-    /// The same on the index's own source, or on both.
-    void prepareIndex() {
-        prepare();
-        model->cycleGexSource();
-        event("derived:NDX", R"({"gexByStrike":[{"strike":24600}]})");
-        forget();
-    }
-    void prepareBoth() {
-        prepareIndex();
-        model->cycleGexSource();
-        fill();
+        for (; steps > 0; --steps, fill()) model->cycleGexSource();
         forget();
     }
 
@@ -202,13 +191,6 @@ TEST_F(PaneSteps, RollsToItsContract) {
         EXPECT_TRUE(changed("contractOverrides=" + next));
     }
     EXPECT_TRUE(takeLog().empty());
-}
-
-TEST_F(PaneSteps, AFilledChartStandsBesideWhatTheOneBeforeLeft) {
-    connect();
-    fill();
-    event("meta:contracts", R"({"map":{"ES":"ESU6","NQ":"NQM6"}})");
-    forget();
     fill();
     EXPECT_TRUE(changed(
         "candles=2 records; displayCandles=2 records; secondaryCandles=2 records; chartVersion=raised; "
@@ -235,6 +217,16 @@ TEST_F(PaneSteps, FollowsTheExpirationThatIsPicked) {
     EXPECT_THAT(takeLog(), ElementsAre("→ exp: 2026-06-12"));
     event("derived:QQQ", R"({"callWallStrike":611,"gexByStrike":[{"strike":602}],"etfRatio":41.5})");
     EXPECT_TRUE(changed("")) << "the slice goes before the aggregate";
+}
+
+TEST_F(PaneSteps, KeepsThePickOfTheExpirationThatIsShown) {
+    prepare();
+    event("derived:QQQ", R"({"expirations":["2026-06-17"]})");
+    forget();
+    model->setExpiration("2026-06-17");
+    EXPECT_TRUE(changed("") && takeLog().empty());
+    event("derived:QQQ", R"({"expirations":["2026-06-10","2026-06-17"]})");
+    EXPECT_TRUE(changed("futureExps=2026-06-10 2026-06-17"));
 }
 
 TEST_F(PaneSteps, FallsBackWhenThePickIsGone) {
@@ -273,12 +265,12 @@ TEST_F(PaneSteps, GoesToTheIndex) {
 }
 
 TEST_F(PaneSteps, ShowsBothSources) {
-    prepareIndex();
+    prepare(1);
     model->cycleGexSource();
-    EXPECT_TRUE(
-        changed("config.gexSource=BOTH; chartVersion=raised; symbolSource=NQ_QQQNDX; "
-                "secondaryGexChannel=derived:NDX; hfScale=2e-07; derivedFields=; " +
-                channelsOf("QQQ") + "subscribedChans=" + nqByBoth));
+    EXPECT_TRUE(changed(emptied + channelsOf("QQQ") +
+                        "config.gexSource=BOTH; chartVersion=raised; symbolSource=NQ_QQQNDX; "
+                        "secondaryGexChannel=derived:NDX; hfScale=2e-07; subscribedChans=" +
+                        nqByBoth));
     EXPECT_THAT(sent(), ElementsAre("unsubscribe " + nqByIndex, "subscribe " + nqByBoth));
     fill();
     forget();
@@ -290,7 +282,7 @@ TEST_F(PaneSteps, ShowsBothSources) {
 }
 
 TEST_F(PaneSteps, ReconnectsInPlace) {
-    prepareBoth();
+    prepare(2);
     event("derived:NDX", R"({"gexByStrike":[{"strike":24700},{"strike":24600}],"etfRatio":1.01,"totalCallOI":5})");
     forget();
     sockets.last().close(1006);
@@ -309,19 +301,8 @@ TEST_F(PaneSteps, ReconnectsInPlace) {
         displayCandles=3 records; vwapMain=3 records; chartVersion=raised)"));
 }
 
-TEST_F(PaneSteps, ChangesTheVolatilityIndex) {
-    prepareBoth();
-    for (const auto& [mode, channel] : {std::pair("1d", "indices:I:VIX1D"), {"30d", "indices:I:VIX"}}) {
-        GexConfig config = model->config;
-        config.vixMode = mode;
-        model->setConfig(config);
-        EXPECT_TRUE(model->bars.vixCandles.empty());
-        EXPECT_EQ(model->channels->subscribedChans[6], channel);
-    }
-}
-
 TEST_F(PaneSteps, GoesToAStock) {
-    prepareBoth();
+    prepare(2);
     event("meta:instruments", R"({"catalog":{"stocks":[{"sym":"AAPL","hfScale":3}]}})");
     model->switchSymbol("AAPL");
     const std::string list = chart("stocks:AAPL", "AAPL");

@@ -1,13 +1,14 @@
-// A practice session as a client sees it: recorded from the relay's market, and read with no part of the program.
+// A practice session as a client sees it: recorded from the relay's market, and what each channel makes of it.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "market/CandleParser.h"
 #include "market/HfHistoryParser.h"
+#include "market/MinuteChannel.h"
 #include "market/SRLevelsParser.h"
 #include "model/PlainBars.h"
 #include "relay/LevelsPublisher.h"
@@ -60,75 +61,31 @@ inline std::vector<relay::RecordedFrame> record(std::uint64_t seed, const std::s
     return frames;
 }
 
-/// What the recorded messages make of each series, by the rules of the channels alone.
+/// What the recorded messages make of each series by the rules of the channels: read by the market's parsers, which
+/// have tests of their own, and kept in maps.
 struct PlainSeries {
     PlainBars chart{false, true}, second{false, false}, vix{false, false};
     HfByMin flow;
     SRSessions levels;
 
     void take(double now, const relay::RecordedFrame& frame) {
-        json message = json::parse(*frame.frame.bytes);
+        const Json message = Json::parse(*frame.frame.bytes).value();
         chart.roll(now);
-        if (message.contains("events")) {
-            for (const json& payload : message["events"]) takeOne(frame.channel, payload);
-        } else {
-            takeOne(frame.channel, message[message.contains("data") ? "data" : "payload"]);
-        }
+        for (const JsonView payload : message["events"].items()) takeOne(frame.channel, payload);
+        for (const char* body : {"data", "payload"})
+            if (message[body].isObject() || message[body].isArray()) takeOne(frame.channel, message[body]);
     }
 
  private:
-    using json = nlohmann::json;
-    void takeOne(const std::string& channel, const json& payload) {
-        if (channel.starts_with("futures:NQ")) take(chart, channel, payload);
-        if (channel.starts_with("futures:ES")) take(second, channel, payload);
-        if (channel.starts_with("indices:")) take(vix, channel, payload);
-        if (channel.starts_with("derived:hfHistory")) takeFlow(payload);
-        if (channel.starts_with("derived:srlevels")) takeLevels(payload);
-    }
-    static std::int64_t seconds(const std::string& text) { return std::stoll(text); }
-
-    static Candle bar(const json& one, std::int64_t time) {
-        const auto number = [&one](const char* brief, const char* full) {
-            return one[one.contains("open") ? full : brief].get<double>();
-        };
-        return {.time = time,
-                .open = number("o", "open"),
-                .high = number("h", "high"),
-                .low = number("l", "low"),
-                .close = number("c", "close"),
-                .volume = number("v", "volume")};
-    }
-    static void take(PlainBars& series, const std::string& channel, const json& payload) {
-        if (channel.ends_with(":quote")) return;
-        if (channel.ends_with(":trades")) return series.trade(payload["price"], payload["ts"]);
-        Bars bars;
-        if (payload.contains("candle")) {
-            bars.push_back(bar(payload["candle"], payload["minuteTs"]));
-        } else if (payload.contains("time")) {
-            bars.push_back(bar(payload, payload["time"]));
-        } else {
-            for (const auto& [key, one] : payload["candles"].items())
-                bars.push_back(bar(one, one.contains("ts") ? one["ts"].get<std::int64_t>() / 1000 : seconds(key)));
-        }
-        series.merge(bars);
-    }
-    void takeFlow(const json& payload) {
-        const auto set = [this](std::int64_t minute, const json& one) { flow[minute].c = one["c"].get<double>(); };
-        if (payload.contains("candle"))
-            set(payload["minuteTs"], payload["candle"]);
-        else
-            for (const auto& [minute, one] : payload["candles"].items()) set(seconds(minute), one);
+    void takeOne(const std::string& channel, JsonView payload) {
+        RepairTally tally;
+        PlainBars& bars = channel.starts_with("futures:NQ") ? chart : channel.starts_with("futures:ES") ? second : vix;
+        if (channel.ends_with(":trades")) return bars.trade(payload["price"].number(), payload["ts"].number());
+        if (channel.starts_with("derived:srlevels")) return SRLevelsParser::merge(payload, levels, tally);
+        if (!channel.starts_with("derived:")) return bars.merge(CandleParser::parse(payload));
+        forEachMinute(payload, hfHistoryMinutes, tally,
+                      [this](std::int64_t minute, JsonView one) { flow[minute] = HfHistoryParser::hfCandle(one); });
         while (flow.size() > 5000) flow.erase(flow.begin());
-    }
-    void takeLevels(const json& payload) {
-        const auto side = [](const json& list) {
-            std::vector<SRLevel> out;
-            for (const json& one : list) out.push_back({one["i"], one["label"], one["price"], one["triggerTime"]});
-            return out;
-        };
-        const json sessions = payload.contains("sessions") ? payload["sessions"] : json::array({payload});
-        for (const json& one : sessions)
-            levels[one["sessionOpenTs"]] = {one["sessionOpenTs"], one["openPrice"], side(one["up"]), side(one["dn"])};
     }
 };
 

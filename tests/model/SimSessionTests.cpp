@@ -1,8 +1,11 @@
 // A scripted trading session on a recorded practice market: the pane feeds the account, and every run ends alike.
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "model/RecordedMarket.h"
 #include "sim/SimEngine.h"
+#include "sim/SimStore.h"
 #include "support/pane/TestPane.h"
 
 namespace vmr::test {
@@ -32,15 +35,10 @@ std::pair<std::vector<std::string>, std::string> trade(const std::vector<relay::
     const auto market = [&](Side side, int qty, std::optional<sim::BracketSpec> bracket = {}) {
         return engine.place("NQ", side, OrderType::market, qty, {}, {}, bracket).has_value();
     };
+    const sim::BracketSpec near{400, 8}, far{400, 400};
     const auto steps = std::to_array<std::pair<double, std::function<void()>>>(
-        {{60,
-          [&] {
-              market(Side::buy, 1, sim::BracketSpec{400, 8});
-          }},
-         {700,
-          [&] {
-              market(Side::buy, 1, sim::BracketSpec{400, 400});
-          }},
+        {{60, [&] { market(Side::buy, 1, near); }},
+         {700, [&] { market(Side::buy, 1, far); }},
          {760, [&] { market(Side::sell, 3); }},
          {820, [&] { engine.flatten("NQ"); }},
          {1190, [&] { engine.place("NQ", Side::buy, OrderType::limit, 1, 1000); }},
@@ -77,6 +75,109 @@ TEST(SimSession, EndsAlikeOnEveryRun) {
     const auto again = trade(frames, static_cast<double>(start));
     EXPECT_EQ(again.first, told);
     EXPECT_EQ(again.second, account);
+}
+
+/// A pane on NQ with its account, which is long 1 at 100 with a stop at 95 and has seen no trade.
+class SimPane : public PaneFixture {
+ protected:
+    SimPane() {
+        sim = &engine;
+        engine.onQuote("NQ", 100, 100);
+        engine.place("NQ", Side::buy, OrderType::market, 1);
+        engine.setProtective("NQ", "SL", 95);
+    }
+    ~SimPane() override { model.reset(); }
+    void trade(const std::string& contract, const std::string& price, double ageSeconds = 0) {
+        event("futures:" + contract + ":trades",
+              R"({"price":)" + price + R"(,"ts":)" + std::to_string((time.now() - ageSeconds) * 1000) + "}");
+    }
+    std::size_t fills() const { return engine.fills().size(); }
+
+    SessionTime account;
+    SimEngine engine{{time, account, UuidSource(5)}};
+};
+
+TEST_F(SimPane, AnOldContractsPricesReachNoOrder) {
+    openSymbol("NQ");
+    const auto showOld = [&] {
+        snapshot("futures:NQM6", flatBars(minute - 120, 3, 90));
+        event("futures:NQM6:quote", R"({"bid":90,"ask":90.25})");
+        trade("NQM6", "90");
+    };
+    showOld();
+    EXPECT_EQ(fills(), 1u) << "which contract is the front one is not known yet";
+    event("meta:contracts", R"({"map":{"NQ":"NQU6","ES":"ESU6"}})");
+    showOld();
+    snapshot("futures:NQU6", flatBars(minute - 120, 3, 101));
+    event("futures:NQU6:quote", R"({"bid":101,"ask":101.25})");
+    EXPECT_EQ(fills(), 1u);
+    EXPECT_EQ(*engine.lasts().find("NQ"), 101);
+    trade("NQU6", "94", 200);
+    EXPECT_EQ(fills(), 1u) << "a trade that the bars refuse as too old";
+    model->openChart("futures:NQZ6", "");
+    EXPECT_EQ(engine.lasts().find("NQ"), nullptr);
+    trade("NQZ6", "94");
+    EXPECT_EQ(fills(), 2u);
+    EXPECT_EQ(engine.openTrades().size(), 0u);
+    EXPECT_TRUE(engine.watches().connected("NQ"));
+    sockets.last().close(1006);
+    time.runUntilIdle();
+    EXPECT_FALSE(engine.watches().connected("NQ"));
+    model->shutdown();
+    EXPECT_FALSE(engine.watches().watched("NQ"));
+}
+
+TEST_F(SimPane, WithoutTheContractsTheBuiltInOneCountsAfterTwoSeconds) {
+    openSymbol("NQ");
+    snapshot("futures:NQM6", flatBars(minute - 120, 3, 90));
+    for (const bool known : {false, true}) {
+        time.advance(known ? 0.2 : 1.9);
+        EXPECT_EQ(engine.lasts().find("NQ") != nullptr, known);
+    }
+}
+
+TEST_F(SimPane, ThePaneShowsTheAccountsProblemForAsLongAsItLasts) {
+    const auto file = std::filesystem::temp_directory_path() / ("sim-session-" + UuidSource().next().text());
+    auto other = std::make_unique<SimStore>(file, time);
+    SimEngine kept({time, account, UuidSource(6), std::make_shared<SimStore>(file, time), &main, &queue, {}, {}});
+    sim = &kept;
+    make();
+    time.advance(30);
+    EXPECT_THAT(model->notices.accountProblem.get().value_or(""), testing::HasSubstr("another Velmora has it"));
+    EXPECT_THAT(stateDocument(time, {}, &kept), testing::HasSubstr("\"keepsAccount\": false"));
+    other.reset();
+    time.advance(2);
+    EXPECT_FALSE(model->notices.accountProblem.get().has_value());
+    model.reset();
+}
+
+/// Two trades of one second, 30 points apart.
+struct Jump final : relay::TradeSource {
+    void minuteTrades(std::int64_t minute, std::vector<relay::Trade>& trades) override {
+        trades.clear();
+        if (minute != static_cast<std::int64_t>(TestPane::wednesdayAt10)) return;
+        trades = {{minute * 1000 + 1000, 20000, 1, 19999.75, 20000.25},
+                  {minute * 1000 + 1500, 19970, 1, 19969.75, 19970.25}};
+    }
+    std::int64_t historyStart(std::int64_t t) override { return t - 600; }
+};
+
+TEST_F(SimPane, AStopThatIsJumpedOverFillsAtTheQuoteOfThatTrade) {
+    openSymbol("NQ");
+    event("meta:contracts", R"({"map":{"NQ":"NQM6"}})");
+    engine.place("NQ", Side::sell, OrderType::stop, 1, {}, 19990);
+    struct Socket final : relay::Subscriber {
+        explicit Socket(TestPane& to) : pane(to) {}
+        void send(const relay::Frame& frame) override { pane.frame(*frame.bytes); }
+        TestPane& pane;
+    } socket(*this);
+    relay::ChannelHub hub;
+    hub.add(std::make_unique<relay::MarketPublisher>(hub, 1, relay::Rush{}, relay::findTradable("NQ"),
+                                                     std::make_unique<Jump>()));
+    hub.subscribe(socket, {"futures:NQM6", "futures:NQM6:trades", "futures:NQM6:quote"}, minute * 1000);
+    hub.tick(minute * 1000 + 2000);
+    EXPECT_EQ(engine.fills().front().price, 19969.75);
+    hub.leave(socket);
 }
 
 }  // namespace

@@ -23,13 +23,13 @@ TEST_F(PerfTest, ReportsEveryTwoSecondsWithFramesOnly) {
     for (int i = 1; i <= 20; ++i) perf.lag(i);
     for (int i = 0; i < 19; ++i) {
         time.advance(0.1);
-        perf.frame(i < 10 ? 1 : 2);
+        perf.frame(i < 10 ? 1 : 2, this);
     }
     time.advance(0.1);
-    perf.frame(9);
+    perf.frame(9, this);
     for (const double pause : {1.0, 10.0}) {
         time.advance(pause);
-        perf.frame(4);
+        perf.frame(4, this);
     }
     const std::vector<std::string> expected{
         "[perf] fps 10 | draw p50 2.00 p95 9.00 | mainlag p95 20.0 max 20.0 | body/s: flushDrag 1 | "
@@ -39,14 +39,30 @@ TEST_F(PerfTest, ReportsEveryTwoSecondsWithFramesOnly) {
     EXPECT_EQ(lines, expected);
 }
 
+TEST_F(PerfTest, OneBenchmarkJudgesByTheWorstOfSeveralPlots) {
+    EXPECT_TRUE(perf.benchBegin());
+    EXPECT_FALSE(perf.benchBegin()) << "another window's: the first one goes on";
+    const int plots[2] = {};
+    for (int i = 0; i <= 60; ++i) {  // 5 ms apart: one in 10 ms, the other in 20
+        if (i % 2 == 0) perf.frame(1, &plots[0]);
+        if (i % 4 == 1) perf.frame(1, &plots[1]);
+        time.advance(0.005);
+    }
+    perf.benchEnd();
+    EXPECT_EQ(lines.at(3), "[bench] frameInterval ms : p50 20.00  p95 20.00  p99 20.00  max 20.00");
+    EXPECT_EQ(lines.at(4), "[bench]   frames >16.7ms  : 14 / 14  (100.0%)");
+    EXPECT_EQ(lines.at(7), "[bench] VERDICT: frameInterval p95 FAIL ✗ (≥16ms)");
+    EXPECT_TRUE(perf.benchBegin()) << "it is over";
+}
+
 TEST_F(PerfTest, BenchmarkCountsItsOwnWindowAndJudgesByTheFrameIntervals) {
     const auto bench = [&](std::vector<double> intervals) {
         perf.time("markers", 99);  // before the window
         perf.benchBegin();
-        perf.frame(0.5);
+        perf.frame(0.5, this);
         for (const double ms : intervals) {
             time.advance(ms / 1000);
-            perf.frame(1.5);
+            perf.frame(1.5, this);
         }
         perf.time("markers", intervals.back());
         perf.lag(3);

@@ -16,19 +16,13 @@ RelayCommandLine read(const Words& words, const char* environment = nullptr) {
     });
 }
 
-TEST(RelayCommandLine, TakesOptionsInBothForms) {
-    const auto line = read({"--port", "5000", "--rest-port=5001", "--seed", "7", "--busy=2.5", "--token-life", "90"});
-    const PracticeRelayOptions& all = line.relay;
-    EXPECT_EQ(std::tuple(all.relayPort, all.restPort, all.seed, all.busy, all.tokenLife),
-              std::tuple(5000, 5001, 7u, 2.5, 90.0));
-    EXPECT_FALSE(line.clock) << "the machine's time";
-}
-
 TEST(RelayCommandLine, SaysWhatIsWrong) {
     for (const auto& [words, error] : std::initializer_list<std::pair<Words, std::string>>{
              {{"--sped", "1"}, "unknown option --sped"},
              {{"--seed", "1", "--seed=2"}, "--seed is given twice"},
              {{"--busy", "1000.5"}, "--busy must be a number above 0, at most 1000, not 1000.5"},
+             {{"--speed", "10001", "--replay", "a"}, "--speed must be a number above 0, at most 10000, not 10001"},
+             {{"--clock", "2026-06-10@10001"}, "--clock is no moment: 2026-06-10@10001"},
              {{"--tape", "a"}, "--tape and --symbol go together"},
              {{"--replay", "a", "--speed", "2", "--clock", "2026-06-10"}, "--speed and --clock contradict each other"},
              {{"--replay", "/none"}, "the recording /none cannot be opened"}})

@@ -66,11 +66,12 @@ TEST_F(RelayConsole, SwitchesHoldForEverySocketUntilTheyAreSetBack) {
 TEST_F(RelayConsole, RefusesSignInAndExpiresTokens) {
     const auto open = greeted();
     const json tokens = test::signedIn(*relay);
-    const std::string form = "grant_type=refresh_token&refresh_token=" + tokens["refreshToken"].get<std::string>();
+    std::string form = "grant_type=refresh_token&refresh_token=" + tokens["refreshToken"].get<std::string>();
+    form.replace(form.find('+'), 1, "%2B");
     const auto refreshed = [&] { return test::posted(*relay, "/v1/token", form); };
     relay->command("refuse on");
     EXPECT_EQ(test::signedIn(*relay)["error"]["message"], "USER_DISABLED");
-    EXPECT_EQ(RelayProbe(*relay, refreshed()["id_token"]).status, 101u);
+    EXPECT_EQ(refreshed()["error"]["message"], "USER_DISABLED");
     relay->command("refuse off");
     relay->command("expire");
     for (const std::string& one : {token, tokens["idToken"].get<std::string>()})
@@ -105,7 +106,6 @@ TEST_F(RelayConsole, SendsBadFramesToThoseThatItNames) {
         EXPECT_EQ(frames.size(), 12u) << "the last is the first again";
         EXPECT_TRUE(one->answers());
     }
-
     const auto ledger = relay->ledger("futures:ESM6");
     relay->command("big-bars 900000 futures:ESM6");
     std::string text = busy->read();
@@ -117,8 +117,6 @@ TEST_F(RelayConsole, SendsBadFramesToThoseThatItNames) {
     text = busy->read();
     EXPECT_EQ(text.size(), 50000u);
     EXPECT_GE(json::parse(text)["data"]["gexByStrike"].size(), 250u);
-    idle->send(R"({"type":"ping"})");
-    EXPECT_EQ(json::parse(idle->read())["type"], "pong") << "nothing in between";
 }
 
 }  // namespace

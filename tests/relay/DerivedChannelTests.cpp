@@ -60,37 +60,6 @@ TEST(DerivedChannels, EventsOnTheSnapshotMakeTheLaterSnapshotWhoeverAsksAndWhen)
     }
 }
 
-TEST(DerivedChannels, ALevelIsInForceFromTheSecondThatReachedTheOneBefore) {
-    DerivedBench bench;
-    const double now = *parseMoment("2026-06-10T11:00:00");
-    const json sessions = bench.snapshot("derived:srlevels:NQ", now)["sessions"];
-    EXPECT_EQ(sessions.size(), 6u);
-    for (const auto& [start, session] : sessions.items()) {
-        const std::int64_t open = std::stoll(start);
-        std::vector<Trade> trades, minute;
-        for (std::int64_t t = open; t < std::min(open + 82800, static_cast<std::int64_t>(now)); t += 60) {
-            bench.source(*findTradable("NQ")).minuteTrades(t, minute);
-            trades.insert(trades.end(), minute.begin(), minute.end());
-        }
-        EXPECT_EQ(session["openPrice"], trades.front().price);
-        for (const int side : {1, -1}) {
-            const json& levels = session[side > 0 ? "up" : "dn"];
-            std::size_t reached = 0;
-            std::int64_t trigger = trades.front().timeMs / 1000;
-            for (const json& level : levels) {
-                EXPECT_EQ(level["triggerTime"], trigger) << start << level;
-                const double price = level["price"];
-                const auto at = std::find_if(trades.begin(), trades.end(),
-                                             [&](const Trade& one) { return side * one.price >= side * price; });
-                if (at == trades.end()) continue;
-                trigger = at->timeMs / 1000;
-                ++reached;
-            }
-            EXPECT_EQ(levels.size(), std::min<std::size_t>(reached + 1, 4)) << start;
-        }
-    }
-}
-
 TEST(DerivedChannels, MinutesFollowFromTheChainAndTheFlow) {
     DerivedBench bench;
     const double now = *parseMoment("2026-06-10T10:30:00");
@@ -146,24 +115,6 @@ TEST(DerivedChannels, AfterTheClockWasSetBackAllIsAsIfTheMarketHadOnlyJustCome) 
         fresh.hub.leave(late);
     }
     bench.hub.leave(early);
-}
-
-TEST(DerivedChannels, AFasterOrSlowerClockNeverShowsAnEarlierState) {
-    DerivedBench bench;
-    Listener one;
-    EXPECT_TRUE(bench.hub.subscribe(one, {"derived:QQQ", "derived:hfHistory:QQQ"}, ms("2026-06-10T10:00:20")).empty());
-    bench.hub.tick(ms("2026-06-10T10:00:50"));
-    const auto before = one.state;
-    bench.clock.setSpeed(60);
-    bench.hub.tick(ms("2026-06-10T10:00:59"));
-    EXPECT_EQ(one.state, before) << "the grid of a fast clock begins with the next minute";
-    bench.hub.tick(ms("2026-06-10T10:01:05"));
-    EXPECT_NE(one.state["derived:QQQ"], before.at("derived:QQQ"));
-    const int heard = one.heard["derived:QQQ"];
-    bench.clock.setSpeed(1);
-    bench.hub.tick(ms("2026-06-10T10:01:06"));
-    EXPECT_GT(one.heard["derived:QQQ"], heard);
-    bench.hub.leave(one);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "base/Json.h"
-#include "market/CandleParser.h"
 #include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 #include "relay/FrontMonth.h"
@@ -88,23 +86,6 @@ TEST(MarketChannel, EveryContractAndSymbolGetsItsTradesQuotesAndBars) {
     const Candle& closed = ledger[ledger.size() - 2];
     EXPECT_EQ(bars[1]["payload"]["ts"], closed.time * 1000);
     EXPECT_EQ(bars[1]["payload"]["v"], closed.volume);
-}
-
-TEST(MarketChannel, AfterMoreThanADayThereAreSnapshotsInPlaceOfTrades) {
-    MarketBench bench;
-    Inbox inbox;
-    const std::int64_t from = ms("2026-06-09T10:00:20"), day = 86400000;
-    bench.hub.subscribe(inbox, {"futures:ESM6", "futures:ESU6:1m", "futures:ESM6:trades"}, from);
-    inbox.messages.clear();
-    bench.hub.tick(from + day);
-    EXPECT_EQ(MarketBench::eventsOf(inbox, "futures:ESM6:trades"), bench.trades("ES", from, from + day));
-    inbox.messages.clear();
-    bench.hub.tick(from + 2 * day + 1);
-    ASSERT_EQ(inbox.messages.size(), 2u);
-    for (const json& message : inbox.messages) {
-        EXPECT_EQ(message["type"], "snapshot");
-        EXPECT_EQ(CandleParser::parse(*Json::parse(message["data"].dump())).back(), bench.ledger("ES", 0).back());
-    }
 }
 
 TEST(FrontMonth, RollsOnItsDay) {

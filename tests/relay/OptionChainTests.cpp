@@ -77,7 +77,7 @@ TEST(OptionChain, ExposuresAreThoseOfOneModel) {
     const double price = bench.market.path(source.instrument()).at(now)->price;
     const OptionFlow flow = bench.market.flow(source, session, price, now);
     const OptionChain& chain = bench.chains.chain(source, session);
-    EXPECT_EQ(chain.expirations().size(), 15u) << "of three weeks";
+    EXPECT_EQ(chain.expirations().size(), 14u) << "of three weeks, with a holiday";
     ChainState here, above, below;
     chain.state(price, now, flow, here);
     chain.state(price * 1.0001, now, flow, above);
@@ -104,6 +104,22 @@ TEST(OptionChain, ExposuresAreThoseOfOneModel) {
     const StrikeSums total = totalOf(here.all);
     EXPECT_NEAR(static_cast<double>(total.callHf), flow.call, 2000);
     EXPECT_NEAR(static_cast<double>(total.putHf), flow.put, 2000);
+}
+
+TEST(OptionChain, ExpirationsKeepTheExchangesHolidays) {
+    DerivedBench bench;
+    const std::tuple<const char*, const char*, std::vector<std::string>> cases[] = {
+        {"SPY", "2026-11-24", {"2026-11-24", "2026-11-25", "2026-11-27", "2026-11-30"}},  // Thanksgiving
+        {"AAPL", "2026-03-30", {"2026-04-02", "2026-04-10", "2026-04-17"}},               // Good Friday
+        {"AAPL", "2026-06-29", {"2026-07-02", "2026-07-10", "2026-07-17"}},  // a Fourth of July on Saturday
+        {"GLD", "2027-12-22", {"2027-12-22", "2027-12-23", "2027-12-27"}},   // Christmas on Saturday
+        {"GLD", "2027-12-30", {"2027-12-30", "2027-12-31", "2028-01-03"}},   // New Year on Saturday
+        {"GLD", "2026-01-16", {"2026-01-16", "2026-01-20"}},                 // the third Monday
+    };
+    for (const auto& [source, day, dates] : cases) {
+        const json all = bench.snapshot(std::string("derived:") + source, *parseMoment(std::string(day) + "T10:00"));
+        for (std::size_t i = 0; i < dates.size(); ++i) EXPECT_EQ(all["expirations"][i], dates[i]) << source << day;
+    }
 }
 
 }  // namespace

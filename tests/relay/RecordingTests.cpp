@@ -106,27 +106,6 @@ struct RecordingFile : testing::Test {
     std::string file = testing::TempDir() + "/relay_frames.vmr", error;
 };
 
-TEST_F(RecordingFile, ReadsWhatWasWrittenAlsoWhileItGrows) {
-    const std::vector<RecordedFrame> frames{{5, "a\"b\n", Frame("one\ntwo")},
-                                            {5, "c", Frame(std::string("\0\xff", 2), true)},
-                                            {7000, "d", Frame("")},
-                                            {7001, "e", Frame(std::string(700000, 'x'))}};
-    auto writer = RecordingWriter::create(file, error);
-    std::unique_ptr<RecordingReader> reader;
-    for (const RecordedFrame& one : frames) {
-        writer->write(one.timeMs, one.channel, one.frame);
-        writer->flush();
-        if (!reader) reader = RecordingReader::open(file, error);
-        const RecordedFrame* read = reader->peek();
-        ASSERT_TRUE(read);
-        EXPECT_EQ(std::tuple(read->timeMs, read->channel, *read->frame.bytes, read->frame.binary),
-                  std::tuple(one.timeMs, one.channel, *one.frame.bytes, one.frame.binary));
-        reader->pop();
-        EXPECT_FALSE(reader->peek());
-    }
-    EXPECT_EQ(recordingStart(file, error), 0.005);
-}
-
 TEST_F(RecordingFile, ADamagedOneGivesTheFramesBeforeTheFault) {
     const auto framesOf = [this](const std::string& text) {
         gzFile out = gzopen(file.c_str(), "wb");

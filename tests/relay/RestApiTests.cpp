@@ -40,23 +40,29 @@ TEST_F(RestApiTest, SaysWhatIsWrongWithARequest) {
              {"POST", signInPath + key, "{", 400, "Invalid JSON payload received."},
              {"POST", signInPath + key, R"({"password":"practice"})", 400, "MISSING_EMAIL"},
              {"POST", signInPath + key, R"({"email":"practice@velmora.test","password":"Practice"})", 400,
-              "INVALID_PASSWORD"},
+              "INVALID_LOGIN_CREDENTIALS"},
+             {"POST", signInPath + key, R"({"email":"a@b.c","password":"practice"})", 400, "INVALID_LOGIN_CREDENTIALS"},
              {"POST", tokenPath + key, grant + "&refresh_token=x", 400, "INVALID_REFRESH_TOKEN"},
-             {"POST", codePath + key, R"({"requestType":"PASSWORD_RESET","email":"a@b.c"})", 400, "EMAIL_NOT_FOUND"},
+             {"POST", codePath + key, R"({"requestType":"PASSWORD_RESET","email":"a"})", 400, "INVALID_EMAIL"},
          }) {
         const RestReply reply = api.answer({one.method, one.target, one.body});
         EXPECT_EQ(reply.status, one.status) << one.target << one.body;
         const json error = json::parse(reply.body)["error"];
         EXPECT_EQ(error["message"], one.message) << one.target << one.body;
         EXPECT_EQ(error["code"], one.status);
+        EXPECT_EQ(error["status"], one.status == 404   ? "NOT_FOUND"
+                                   : one.status == 403 ? "PERMISSION_DENIED"
+                                                       : "INVALID_ARGUMENT");
     }
-    EXPECT_EQ(posted(codePath, R"({"requestType":"PASSWORD_RESET","email":"practice@velmora.test"})")["email"],
-              Accounts::email);
+    EXPECT_EQ(posted(codePath, R"({"requestType":"PASSWORD_RESET","email":"a@b.c"})")["email"], "a@b.c")
+        << "whether there is such an account is not said";
 }
 
 TEST_F(RestApiTest, EveryTokenLivesItsOwnLifeAndARefreshGivesMore) {
     const json first = posted(signInPath, R"({"email":"Practice@VELMORA.test","password":"practice"})");
-    const std::string form = "grant_type=refresh_token&refresh_token=" + first["refreshToken"].get<std::string>();
+    std::string form = "grant_type=refresh_token&refresh_token=" + first["refreshToken"].get<std::string>();
+    EXPECT_EQ(posted(tokenPath, form)["error"]["message"], "INVALID_REFRESH_TOKEN") << "its + is a blank here";
+    form.replace(form.find('+'), 1, "%2B");
     clock.advance(60);
     const json second = posted(tokenPath, form);
     EXPECT_TRUE(accounts.accepts(first["idToken"]));
@@ -65,6 +71,21 @@ TEST_F(RestApiTest, EveryTokenLivesItsOwnLifeAndARefreshGivesMore) {
     clock.advance(60);
     EXPECT_FALSE(accounts.accepts(second["id_token"]));
     EXPECT_TRUE(accounts.accepts(posted(tokenPath, form)["id_token"])) << "a refresh token stays good";
+    faults.refuse = true;
+    EXPECT_EQ(posted(tokenPath, form)["error"]["message"], "USER_DISABLED");
+}
+
+TEST_F(RestApiTest, ManyWrongSignInsInARowLockTheAccountForAWhile) {
+    const auto tried = [&](const std::string& word) {
+        const json reply = posted(signInPath, R"({"email":"practice@velmora.test","password":")" + word + "\"}");
+        return reply.contains("error") ? reply["error"]["message"].get<std::string>().substr(0, 9) : "in";
+    };
+    for (int i = 1; i < Accounts::mostFailures; ++i) EXPECT_EQ(tried("x"), "INVALID_L");
+    EXPECT_EQ(tried("practice"), "in") << "which begins the count anew";
+    for (int i = 0; i < Accounts::mostFailures; ++i) EXPECT_EQ(tried("x"), "INVALID_L");
+    EXPECT_EQ(tried("practice"), "TOO_MANY_");
+    clock.advance(Accounts::lockSeconds);
+    EXPECT_EQ(tried("practice"), "in");
 }
 
 }  // namespace

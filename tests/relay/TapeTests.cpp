@@ -51,24 +51,6 @@ TEST(Tape, ItsBarsAreThoseOfItsTradesInOrderPlainAndPacked) {
     }
 }
 
-TEST(Tape, PlaysFromItsStartToItsEndAndThenRests) {
-    std::string error, text = "Time , LAST\n";
-    for (int i = 0; i < 30000; ++i) text += std::to_string(noon + i) + "," + std::to_string(100 + i / 2 % 2) + "\n";
-    const auto tape = Tape::load(written("relay_long.csv", text), 0.25, error);
-    ASSERT_TRUE(tape) << error;
-    EXPECT_EQ(tape->size(), 30000u) << "also the rows that lie across two reads of the file";
-    EXPECT_EQ(tape->historyStart(noon + 20000), noon);
-    std::vector<Trade> trades;
-    for (const auto& [minute, count] :
-         {std::pair(noon - 60, 0u), {noon + 29940, 60u}, {noon + 30000, 0u}, {noon, 60u}}) {
-        tape->minuteTrades(minute, trades);
-        EXPECT_EQ(trades.size(), count) << minute;
-    }
-    for (int i : {2, 3, 4, 5}) EXPECT_EQ(trades[i].bid, i < 4 ? 100.75 : 100) << "an unchanged price stays on its side";
-    EXPECT_EQ(tapeStart({1000, 11000}), 2800);
-    EXPECT_EQ(tapeStart({1000, 3000}), 2000);
-}
-
 TEST(Tape, SaysWhatIsWrongAndWhere) {
     const std::string head = "timestamp,price,size\n1,2,3\n";
     for (const auto& [text, fault] :

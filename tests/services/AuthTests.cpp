@@ -64,16 +64,26 @@ TEST_F(Auth, SignInSendsTheRequestAndKeepsTheSession) {
     EXPECT_FALSE(auth.tokenIsLive());
 }
 
-TEST_F(Auth, RefreshSendsTheTokenRawAndRotatesIt) {
+TEST_F(Auth, RefreshSendsTheTokenAsAFormDoesAndRotatesIt) {
     signIn(200, R"({"idToken":"i","refreshToken":"r+/=&","expiresIn":"30"})");
     EXPECT_FALSE(auth.tokenIsLive());  // a life within the margin is over at once
     refresh();
     http.answer(200, refreshed);
     EXPECT_THAT(takeResults(), ElementsAre("done", "token id2"));
     EXPECT_EQ(http.requests.at(1).url, "https://token.test/v1/token?key=key%201");
-    EXPECT_EQ(http.requests.at(1).body, "grant_type=refresh_token&refresh_token=r+/=&");
+    EXPECT_EQ(http.requests.at(1).body, "grant_type=refresh_token&refresh_token=r%2B%2F%3D%26");
     EXPECT_EQ(shown(auth) + " " + preferences.get("vmr.auth.refreshToken").value_or("-"), "id2 re2 uid2 me@x re2");
+    auth.refused("i");  // an older one
+    time.advance(3539.9);
     EXPECT_TRUE(auth.tokenIsLive());
+    auth.refused("id2");
+    EXPECT_FALSE(auth.tokenIsLive());
+    refresh();
+    http.answer(200, refreshed);
+    time.runUntilIdle();
+    EXPECT_TRUE(auth.tokenIsLive());
+    time.advance(3540);
+    EXPECT_FALSE(auth.tokenIsLive()) << "a refreshed token, too, ends a minute early";
 }
 
 TEST_F(Auth, AFailedCallIsToldAndChangesNothing) {
@@ -84,6 +94,7 @@ TEST_F(Auth, AFailedCallIsToldAndChangesNothing) {
         const char *body, *text;
     } cases[] = {
         {400, R"({"error":{"message":"INVALID_PASSWORD"}})", "Auth error (400): INVALID_PASSWORD"},
+        {400, R"({"error":{"message":"A\u001b[2J\n[cmd]"}})", "Auth error (400): A\\x1b[2J\\n[cmd]"},
         {403, R"({"error":{"message":5}})", "Auth error (403): request failed"},
         {200, "not JSON", "The response is not valid JSON."},
         {200, R"({"idToken":"i","refreshToken":"r","expiresIn":"3600s"})", "Unexpected auth response."},
@@ -117,6 +128,36 @@ TEST_F(Auth, ASessionThatIsNotKeptOrIsOverLeavesNoTrace) {
     signIn(200, granted);
     EXPECT_THAT(preferences.values(), IsEmpty());
     EXPECT_TRUE(auth.tokenIsLive());
+}
+
+TEST_F(Auth, AStoredSessionIsSeenAndErasedByItsOwnEndpointsAlone) {
+    signIn(200, granted);
+    const Endpoints others{"", "https://id.test", "https://elsewhere.test", "", "", "", "key 1"};
+    for (const char* round : {"first", "again"}) {
+        FirebaseRESTAuth other(others, http, preferences, time);
+        EXPECT_EQ(shown(other), round == std::string("first") ? "- - - -" : "- theirs - o@x");
+        other.signIn("o@x", "p", [](const auto&) {});
+        http.answer(200, R"({"idToken":"i","refreshToken":"theirs","expiresIn":"9"})");
+        time.runUntilIdle();
+    }
+    FirebaseRESTAuth(others, http, preferences, time).signOut();
+    EXPECT_EQ(preferences.values().size(), 4u);
+    EXPECT_EQ(shown(FirebaseRESTAuth(places, http, preferences, time)), "- re1 uid1 me@x");
+    preferences.remove("vmr.auth.endpoints");  // as an earlier version left it: of the public endpoints
+    EXPECT_EQ(shown(FirebaseRESTAuth(places, http, preferences, time)), "- - - -");
+    EXPECT_EQ(shown(FirebaseRESTAuth({}, http, preferences, time)), "- re1 uid1 me@x");
+}
+
+TEST_F(Auth, WithASetupProblemNothingIsSentOrErased) {
+    signIn(200, granted);
+    takeResults();
+    const auto before = preferences.values();
+    auth.setupProblem = "no key";
+    refresh();
+    auth.signIn("me@x", "p", [this](const std::optional<AuthError>& error) { note(error); });
+    EXPECT_THAT(takeResults(), ElementsAre("no key", "no key"));
+    EXPECT_EQ(http.requests.size(), 1u);
+    EXPECT_EQ(preferences.values(), before);
 }
 
 }  // namespace

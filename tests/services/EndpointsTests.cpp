@@ -4,6 +4,7 @@
 #include <map>
 
 #include "services/net/Endpoints.h"
+#include "services/net/NetworkRules.h"
 #include "services/net/Url.h"
 
 namespace vmr::test {
@@ -35,6 +36,36 @@ TEST(Endpoints, TheEnvironmentComesOverTheBuiltInValues) {
     EXPECT_EQ(all("").problem(), std::nullopt);
     EXPECT_THAT(all("ws://relay.test/").problem().value_or(""), testing::StartsWith("VMR_RELAY_URL"));
     EXPECT_THAT(all("wss://relay.test/").problem().value_or(""), testing::StartsWith("VMR_IDENTITY_URL"));
+}
+
+TEST(NetworkRules, OneProxyAndOneTrustStoreForAllConnections) {
+    using Variables = std::map<std::string, std::string>;
+    const auto lookup = [](const Variables& variables) {
+        return [variables](const char* name) {
+            const auto found = variables.find(name);
+            return found == variables.end() ? std::nullopt : std::optional(found->second);
+        };
+    };
+    const struct {
+        Variables variables;
+        const char *url, *proxy;
+    } cases[] = {
+        {{{"https_proxy", "p:3"}, {"HTTPS_PROXY", "q"}, {"all_proxy", "r"}}, "wss://relay.test/", "http://p:3"},
+        {{{"https_proxy", ""}, {"HTTPS_PROXY", "http://q"}}, "https://relay.test/", "http://q:80"},
+        {{{"http_proxy", "p"}, {"ALL_PROXY", "socks5://[::2]"}}, "wss://relay.test/", "socks5://[::2]:1080"},
+        {{{"all_proxy", "p"}}, "ws://localhost/", "none"},
+        {{{"all_proxy", "p"}, {"no_proxy", "b.test, .Relay.test"}}, "wss://a.RELAY.test/", "none"},
+        {{{"all_proxy", "p"}, {"NO_PROXY", "*"}}, "wss://relay.test/", "none"},
+        {{{"all_proxy", "p"}, {"no_proxy", "lay.test"}}, "wss://relay.test/", "http://p:80"},
+        {{{"all_proxy", "http://"}}, "wss://relay.test/", "the proxy's address cannot be read"},
+        {{{"HTTP_PROXY", "p"}}, "wss://relay.test/", "none"},
+    };
+    for (const auto& [variables, url, expected] : cases) {
+        const auto proxy = proxyFor(*parseUrl(url), lookup(variables));
+        EXPECT_EQ(!proxy ? "none" : !proxy->problem.empty() ? proxy->problem : proxy->address(), expected) << url;
+    }
+    const auto own = TrustStore::find(lookup({{"SSL_CERT_DIR", "/d"}}));
+    EXPECT_EQ(own.file + "|" + own.folder + "|" + own.system, "|/d|") << "no other store beside it";
 }
 
 }  // namespace

@@ -20,6 +20,7 @@ class RelayConnection : public testing::Test {
         made.onLog = [this](const std::string& text) { tell(text); };
         made.onConnected = [this] { tell("<connected>"); };
         made.onConnectionLimit = [this] { tell("<limit>"); };
+        made.onTokenRefused = [this](const std::string& token) { tell("<refused " + token + ">"); };
         made.onDisconnected = [this] { tell("<disconnected>"); };
         made.onChannelMessage = [this](const ChannelMessage& message, const std::string& type) {
             tell("<" + type + " " + message.channel + " " + message.payload.text() + ">");
@@ -111,6 +112,21 @@ TEST_F(RelayConnection, TooManyConnectionsIsToldAndWaitsFiveSeconds) {
     ASSERT_EQ(sockets.count(), 2u);
     sockets.last().fail("x");  // the forced delay counted as an attempt
     EXPECT_EQ(takeStory().back(), "reconnecting in 2s (attempt 2)");
+}
+
+TEST_F(RelayConnection, ARefusedTokenIsToldOnceUntilTheNextGreeting) {
+    connect();
+    for (const auto& [status, told] : {std::pair(500, false), {401, true}, {403, false}, {0, false}, {403, true}}) {
+        story.clear();
+        if (status == 0)
+            greet();
+        else
+            sockets.last().refuse(status);
+        time.runUntilIdle();
+        EXPECT_EQ(story.front() == "<refused token>", told) << status;
+        if (status == 0) sockets.last().fail("dropped");
+        time.advance(31);
+    }
 }
 
 TEST_F(RelayConnection, PingsCarryTheMarketClockAndSilenceOfMoreThanSixtySecondsIsALoss) {
@@ -233,9 +249,9 @@ TEST_F(RelayConnection, SubscriptionsWaitForTheGreetingAndSurviveReconnects) {
     sockets.last().accept();
     time.runUntilIdle();
     EXPECT_THAT(sockets.last().sent, IsEmpty());
-    frame(R"({"type":"hello","email":"a@b.c"})");
-    EXPECT_THAT(takeStory(),
-                ElementsAre("connecting…", "socket opened, awaiting hello…", "hello: a@b.c", "<connected>"));
+    frame(R"({"type":"hello","email":"a@b.c\n[cmd] ok\u001b"})");
+    EXPECT_THAT(takeStory(), ElementsAre("connecting…", "socket opened, awaiting hello…",
+                                         "hello: a@b.c\\n[cmd] ok\\x1b", "<connected>"));
     client->subscribe({"z", "a", "say \"hi\""});
     client->unsubscribe({"b", "unknown"});
     time.runUntilIdle();

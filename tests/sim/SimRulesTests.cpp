@@ -4,121 +4,20 @@
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
-#include <limits>
-#include <sstream>
 
 #include "base/LocalDay.h"
-#include "base/NumberText.h"
 #include "chart/AllocationCount.h"
-#include "sim/SimEngine.h"
-#include "support/time/TestTime.h"
+#include "sim/TickGrid.h"
+#include "tests/sim/SimScript.h"
 
 namespace vmr::test {
 namespace {
 
-constexpr double openHours = 1781100000.0;    // a Wednesday, 10:00 in New York
-constexpr double closedHours = 1781366400.0;  // the Saturday after
-
-/// Commands end with ";". Orders are named by their place in the working list, counted from 0:
-/// trade P; quote B A; seed P; buy|sell QTY [limit=P] [stop=P] [sl=N] [tp=N]; cancel I; modify I P; leg I SL|TP P;
-/// protect SL|TP P; flatten; cancelAll; root SYM; wait S; closed
-class SimScript {
- public:
-    TestTime time{openHours};
+struct Account {
+    TestTime time;  // a Wednesday, 10:00 in New York
     SessionTime session;
     SimEngine engine{{.clock = time, .session = session, .ids = UuidSource(1)}};
-    std::string root = "NQ";
-    std::string refused;  ///< the commands that did nothing, by name
-
-    SimScript& run(const std::string& script) {
-        std::istringstream all(script);
-        for (std::string command; std::getline(all, command, ';');) {
-            std::istringstream words(command);
-            std::string name;
-            if (words >> name && !carryOut(name, words)) refused += " " + name;
-        }
-        return *this;
-    }
-
-    /// "POSITION", and " | works ORDERS", " | fills FILLS" (oldest first), " | refuses COMMANDS" where there are any.
-    std::string outcome() const {
-        const auto found = engine.positions().find(root);
-        std::string out = "none", works, fills;
-        if (found != engine.positions().end())
-            out = std::to_string(found->second.qty) + "@" + doubleText(found->second.avg);
-        for (const sim::Order& order : engine.orders()) {
-            works += (works.empty() ? " | works " : ", ") + word(order.side, order.qty);
-            if (order.stopPrice) works += " stop " + doubleText(*order.stopPrice);
-            if (order.limitPrice) works += " limit " + doubleText(*order.limitPrice);
-            if (!order.tag.empty()) works += " " + order.tag;
-            if (order.bracket)
-                works += " [" + ticks(order.bracket->slTicks) + "/" + ticks(order.bracket->tpTicks) + "]";
-            if (order.ocoId) works += " >" + place(*order.ocoId);
-        }
-        for (auto fill = engine.fills().rbegin(); fill != engine.fills().rend(); ++fill)
-            fills += (fills.empty() ? " | fills " : ", ") + word(fill->side, fill->qty) + " " +
-                     doubleText(fill->price) + fill->tag;
-        return out + works + fills + (refused.empty() ? "" : " | refuses" + refused);
-    }
-
- private:
-    static std::string word(sim::Side side, std::int64_t qty) {
-        return std::string(rawText(side)) + " " + std::to_string(qty);
-    }
-    static std::string ticks(std::optional<std::int64_t> count) { return count ? std::to_string(*count) : "-"; }
-    std::string place(const Uuid& id) const {
-        for (std::size_t i = 0; i < engine.orders().size(); ++i)
-            if (engine.orders()[i].id == id) return std::to_string(i);
-        return "?";
-    }
-    static double price(std::istringstream& words) {
-        std::string word;
-        words >> word;
-        return parseDouble(word).value_or(std::numeric_limits<double>::quiet_NaN());
-    }
-    Uuid orderId(std::istringstream& words) const {
-        std::size_t i = 0;
-        words >> i;
-        return i < engine.orders().size() ? engine.orders()[i].id : Uuid{};
-    }
-    bool place(sim::Side side, std::istringstream& words) {
-        std::int64_t qty = 0;
-        words >> qty;
-        std::optional<double> limit, stop;
-        std::optional<sim::BracketSpec> bracket;
-        for (std::string word; words >> word;) {
-            const std::string key = word.substr(0, word.find('='));
-            const auto value = parseDouble(word.substr(key.size() + 1));
-            if (key == "limit") limit = value;
-            if (key == "stop") stop = value;
-            if ((key == "sl" || key == "tp") && !bracket) bracket.emplace();
-            if (key == "sl") bracket->slTicks = static_cast<std::int64_t>(*value);
-            if (key == "tp") bracket->tpTicks = static_cast<std::int64_t>(*value);
-        }
-        const auto type = stop ? (limit ? sim::OrderType::stopLimit : sim::OrderType::stop)
-                               : (limit ? sim::OrderType::limit : sim::OrderType::market);
-        return engine.place(root, side, type, qty, limit, stop, bracket).has_value();
-    }
-    bool carryOut(const std::string& name, std::istringstream& words) {
-        std::string text;
-        Uuid id;
-        if (name == "buy" || name == "sell") return place(*sim::sideNamed(name), words);
-        if (name == "cancel") return engine.cancel(orderId(words));
-        if (name == "flatten") return engine.flatten(root);
-        if (name == "protect") return words >> text, engine.setProtective(root, text, price(words));
-        if (name == "modify") return id = orderId(words), engine.modify(id, price(words));
-        if (name == "leg") return id = orderId(words), words >> text, engine.modifyProjectedLeg(id, text, price(words));
-        if (name == "root") return static_cast<bool>(words >> root);
-        if (name == "cancelAll") return engine.cancelAll(root), true;
-        if (name == "closed") return time.setNow(closedHours), true;
-        const double a = price(words);
-        if (name == "trade") return engine.onTrade(root, a), true;
-        if (name == "quote") return engine.onQuote(root, a, price(words)), true;
-        if (name == "seed") return engine.seedLast(root, a), true;
-        if (name == "wait") return time.advance(a), true;
-        ADD_FAILURE() << "no such command: " << name;
-        return false;
-    }
+    SimScript script{time, engine};
 };
 
 struct Rule {
@@ -128,9 +27,8 @@ struct Rule {
 };
 
 void check(const Rule& rule) {
-    SimScript sim;
-    sim.run(rule.script);
-    EXPECT_EQ(sim.outcome(), rule.outcome) << rule.name;
+    Account account;
+    EXPECT_EQ(account.script.run(rule.script).outcome(), rule.outcome) << rule.name;
 }
 
 TEST(SimMatching, EachTypeFillsWhereItsRuleSays) {
@@ -153,6 +51,9 @@ TEST(SimMatching, EachTypeFillsWhereItsRuleSays) {
          "1@100 | fills buy 1 100 | refuses buy"},
         {"bad orders", "trade 100; buy 0; buy -3; buy 1 limit=nan; sell 1 stop=inf; root ZZ; trade 1; buy 1",
          "none | refuses buy buy buy sell buy"},
+        {"what is not a market is ignored as a whole",
+         "quote 99.5 99.75; quote 0 90; quote 80 -1; quote 70 69; trade 0; trade -5; sell 1 stop=99; buy 1",
+         "1@99.75 | works sell 1 stop 99 | fills buy 1 99.75"},
         {"a position beyond 64 bits", "trade 100; buy 9223372036854775807; buy 1",
          "9223372036854775807@100.125 | fills buy 9223372036854775807 100.125 | refuses buy"},
     };
@@ -160,16 +61,84 @@ TEST(SimMatching, EachTypeFillsWhereItsRuleSays) {
 }
 
 TEST(SimMatching, ATickAllocatesNothing) {
-    SimScript sim;
-    sim.run("trade 100; quote 99 101");
-    for (int i = 0; i < 200; ++i) sim.run(i % 2 == 0 ? "buy 1 limit=50" : "sell 1 stop=40");
+    Account at;
+    at.script.run("trade 100; quote 99 101");
+    for (int i = 0; i < 200; ++i) at.script.run(i % 2 == 0 ? "buy 1 limit=50" : "sell 1 stop=40");
     const long before = allocationCount();
     for (int i = 0; i < 100; ++i) {
-        sim.engine.onTrade(sim.root, 90 + i % 5);
-        sim.engine.onQuote(sim.root, 90, 91 + i % 5);
+        at.engine.onTrade("NQ", 90 + i % 5);
+        at.engine.onQuote("NQ", 90, 91 + i % 5);
     }
     EXPECT_EQ(allocationCount() - before, 0);
-    EXPECT_EQ(sim.engine.orders().size(), 200u);
+    EXPECT_EQ(at.engine.orders().size(), 200u);
+}
+
+// A contract's prices fill no order of another one.
+TEST(SimContracts, PricesGoWithTheirContract) {
+    const Rule rules[] = {
+        {"position and orders stay, prices go until there are new ones, the other root's stay",
+         "root ES; open 2 ESM6; trade 50; root NQ; open 1 NQM6; trade 100; quote 99.75 100; buy 1 sl=4; open 1 NQU6; "
+         "quote 80 80.25; root ES; buy 1; root NQ; flatten; trade 70",
+         "0@0 | fills buy 1 100, buy 1 50.125, sell 1 80"},
+        {"nothing is entered or closed before a new price",
+         "open 1 NQM6; trade 100; buy 1 sl=4; open 1 NQU6; buy 1; flatten",
+         "1@100.125 | works sell 1 stop 99.125 SL | fills buy 1 100.125 | refuses buy flatten"},
+        {"the same contract again", "open 1 NQM6; trade 100; open 2 NQM6; leave 1; open 1 NQM6; buy 1",
+         "1@100.125 | fills buy 1 100.125"},
+        {"the contract that is left counts", "open 1 NQM6; open 2 NQU6; trade 100; leave 2; buy 1",
+         "none | refuses buy"},
+        {"a root that is shown rolls with its chart, any other at once",
+         "open 1 NQM6; trade 100; roll NQU6; buy 1; leave 1; roll NQM6; buy 1; roll NQU6; buy 1",
+         "2@100.125 | fills buy 1 100.125, buy 1 100.125 | refuses buy"},
+    };
+    for (const Rule& rule : rules) check(rule);
+}
+
+TEST(SimContracts, OldPricesAreSaid) {
+    for (const auto& [script, age] : {std::pair("open 1 NQM6; trade 100; wait 15", -1),
+                                      {"open 1 NQM6; trade 100; wait 16", 16},
+                                      {"open 1 NQM6; quote 99 101; wait 212; trade 102", 212},
+                                      {"open 1 NQM6; quote 99 101; wait 212; trade 101", -1},
+                                      {"open 1 NQM6; trade 100; wait 20; quote 99 101", -1},
+                                      {"open 1 NQM6; trade 100; wait 3; offline 1", 3},
+                                      {"open 1 NQM6; trade 100; open 2 NQM6; offline 1", -1},
+                                      {"open 1 NQM6; trade 100; wait 3; leave 1", 3},
+                                      {"open 1 NQM6; trade 100; closed", -1},
+                                      {"open 1 NQM6; trade 100; wait 16; open 1 NQU6", -1}}) {
+        Account account;
+        EXPECT_EQ(account.script.run(script).engine.stalePrice("NQ").value_or(-1), age) << script;
+    }
+}
+
+// Rounded and moved prices are the decimals that a feed prints, to the last bit.
+TEST(SimTicks, PricesAreThePrintedDecimals) {
+    using Whole = std::int64_t;
+    Account at;
+    // each tick, and the same as a fraction with a power of ten below
+    for (const auto& [tick, steps, parts] : {std::tuple<double, Whole, Whole>(0.25, 25, 100),
+                                             {0.1, 1, 10},
+                                             {0.01, 1, 100},
+                                             {0.005, 5, 1000},
+                                             {1.0 / 32, 3125, 100000},
+                                             {2.5, 25, 10}}) {
+        at.engine.updateSpecs({{"X", {tick, 1}}});
+        const auto printed = [steps = steps, parts = parts](Whole n) {
+            const std::string rest = std::to_string(n * steps % parts + parts).substr(1);
+            return *parseDouble(std::to_string(n * steps / parts) + "." + rest);
+        };
+        const auto most = static_cast<Whole>(100000 / tick);
+        int wrong = 0;
+        for (Whole n = 1; n <= most; n += n < 5000 ? 1 : 37) {
+            const double price = printed(n);
+            wrong += at.engine.roundTick("X", price) != price;
+            wrong += at.engine.roundTick("X", price + 0.49 * tick) != price;
+            wrong += sim::TickGrid(tick).moved(price, 80) != printed(n + 40);
+            wrong += n > 1 && sim::TickGrid(tick).moved(price, -2) != printed(n - 1);
+        }
+        EXPECT_EQ(wrong, 0) << tick;
+    }
+    at.script.run("root GC; trade 4104.3; quote 4104.3 4104.4; buy 1; protect TP 4104.72; trade 4104.7");
+    EXPECT_EQ(at.script.outcome(), "0@0 | fills buy 1 4104.4, sell 1 4104.7TP");
 }
 
 TEST(SimBrackets, LegsFollowThePosition) {
@@ -187,8 +156,8 @@ TEST(SimBrackets, LegsFollowThePosition) {
          "1@100.125 | fills buy 1 100.125 | refuses protect protect protect protect"},
         {"flatten sells at the bid and leaves entries", "quote 99.75 100; buy 2 sl=4; buy 1 limit=90; flatten; flatten",
          "0@0 | works buy 1 limit 90 | fills buy 2 100, sell 2 99.75 | refuses flatten"},
-        {"flatten in a closed market loses the legs, not the position",
-         "quote 99.75 100; buy 2 sl=4 tp=4; closed; flatten", "2@100 | fills buy 2 100 | refuses flatten"},
+        {"flatten in a closed market changes nothing", "quote 99.75 100; buy 2 sl=4; closed; flatten",
+         "2@100 | works sell 2 stop 99 SL | fills buy 2 100 | refuses flatten"},
         {"modify moves the limit, or else the stop; nothing fills",
          "trade 100; buy 1 limit=90; sell 1 stop=80; sell 1 stop=70 limit=60; modify 0 101.1; modify 1 81.1; modify 2 "
          "61.1",
@@ -205,23 +174,23 @@ TEST(SimBrackets, LegsFollowThePosition) {
 }
 
 TEST(SimAccounting, OpenResultsAndTheDay) {
-    SimScript sim;
-    sim.run("quote 100 100; buy 2");
-    EXPECT_EQ(sim.engine.unrealized("NQ"), 0) << "no last price";
-    sim.run("trade 101; root ES; quote 50 50; sell 1; trade 51");
-    EXPECT_EQ(sim.engine.unrealized("NQ"), 40);
-    EXPECT_EQ(sim.engine.totalUnrealized(), 40 - 50);
-    sim.run("buy 1");  // closes at 50: a result of 0 after fees of 5
-    EXPECT_EQ(sim.engine.dayPnL(), 40 - 5);
-    sim.time.advance(2 * 86400);
-    EXPECT_EQ(sim.engine.dayPnL(), 40) << "a trade of another day";
+    Account at;
+    at.script.run("quote 100 100; buy 2");
+    EXPECT_EQ(at.engine.unrealized("NQ"), 0) << "no last price";
+    at.script.run("trade 101; root ES; quote 50 50; sell 1; trade 51");
+    EXPECT_EQ(at.engine.unrealized("NQ"), 40);
+    EXPECT_EQ(at.engine.totalUnrealized(), 40 - 50);
+    at.script.run("buy 1");  // closes at 50: a result of 0 after fees of 5
+    EXPECT_EQ(at.engine.dayPnL(), 40 - 5);
+    at.time.advance(2 * 86400);
+    EXPECT_EQ(at.engine.dayPnL(), 40) << "a trade of another day";
 }
 
 TEST(SimAccounting, TheDayIsTheMachinesOwn) {
     ::setenv("TZ", "Europe/Lisbon", 1);
     ::tzset();
     constexpr double evening = 1781148600.0;  // 23:30 in New York, 04:30 of the next day in Lisbon
-    EXPECT_EQ(localDay(evening), localDay(openHours) + 1);
+    EXPECT_EQ(localDay(evening), localDay(TestTime().now()) + 1);
 }
 
 TEST(SimStats, FiguresOfATable) {

@@ -1,15 +1,16 @@
 // The account's file: when it is written, what it holds, and what happens when it cannot be read or written.
 #include <gmock/gmock.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <thread>
 
+#include "base/Paths.h"
 #include "sim/SimAccountText.h"
-#include "sim/SimEngine.h"
 #include "sim/SimStore.h"
-#include "support/time/TestTime.h"
+#include "tests/sim/SimScript.h"
 
 namespace vmr::test {
 namespace {
@@ -24,17 +25,17 @@ using testing::HasSubstr;
 TEST(SimAccountText, HasTheFormAndIsReadAsAWholeOrNotAtAll) {
     Snapshot account;
     account.positions["flat \"\\\n"] = {0, -0.0, 0.1 + 0.2};
-    account.orders.emplace_back();
-    account.orders[0].id = UuidSource(5).next();
-    account.orders[0].sym = "NQ";
-    account.orders[0].type = OrderType::stopLimit;
-    account.orders[0].stopPrice = 100.25;
-    account.orders[0].createdAt = 802792800.5;
-    account.orders[0].bracket = sim::BracketSpec{};
+    sim::Order& order = account.orders.emplace_back();
+    order.id = UuidSource(5).next();
+    order.sym = "NQ";
+    order.type = OrderType::stopLimit;
+    order.stopPrice = 100.25;
+    order.createdAt = 802792800.5;
+    order.bracket.emplace();
     const std::string text = sim::accountText(account).value_or("");
     EXPECT_EQ(text, R"({"balance":50000,"startBalance":50000,"positions":{"flat \"\\\u000a":{"qty":0,"avg":-0.0,)"
                     R"("realized":0.30000000000000004}},"orders":[{"id":")" +
-                        account.orders[0].id.text() +
+                        order.id.text() +
                         R"(","sym":"NQ","side":"buy","type":"stopLimit","qty":1,"stopPrice":100.25,"state":"working",)"
                         R"("createdAt":802792800.5,"bracket":{},"tag":""}],"fills":[],"commission":2.5,"trades":[],)"
                         R"("openTrades":{}})");
@@ -66,29 +67,22 @@ class SimSaving : public testing::Test {
     ~SimSaving() override { fs::remove_all(folder); }
 
     std::shared_ptr<SimStore> store() {
-        return std::make_shared<SimStore>(
-            folder / "Velmora", time, [this](const fs::path& path, std::string_view text) {
-                ++writes;
-                return failing ? std::optional<std::string>("no space left") : replaceFile(path, text);
-            });
+        return std::make_shared<SimStore>(file(), time, [this](const fs::path& path, std::string_view text) {
+            ++writes;
+            return failing ? std::optional<std::string>("no space left") : replaceFile(path, text);
+        });
     }
     std::unique_ptr<SimEngine> engine() {
-        return std::make_unique<SimEngine>(SimSetup{.clock = time,
-                                                    .session = session,
-                                                    .ids = UuidSource(3),
-                                                    .store = store(),
-                                                    .main = &main,
-                                                    .files = &files,
-                                                    .log = [this](const std::string& line) { lines.push_back(line); }});
+        const auto log = [this](const std::string& line) { lines.push_back(line); };
+        return std::make_unique<SimEngine>(SimSetup{time, session, UuidSource(3), store(), &main, &files, {}, log});
     }
     Snapshot saved() const { return sim::readAccount(readFile(file()).value_or("")).value_or(Snapshot{}); }
     fs::path file() const { return folder / "Velmora" / "sim-account.json"; }
-    static void buy(SimEngine& engine) { engine.place("NQ", Side::buy, OrderType::market, 1); }
+    void run(SimEngine& engine, const std::string& script) { SimScript(time, engine).run(script); }
 
     const fs::path folder = fs::temp_directory_path() / ("velmora-sim-" + UuidSource().next().text());
     TestTime time;  // a Wednesday, 10:00 in New York
-    TestQueue main{time};
-    TestQueue files{time};
+    TestQueue main{time}, files{time};
     SessionTime session;
     int writes = 0;
     bool failing = false;
@@ -97,9 +91,7 @@ class SimSaving : public testing::Test {
 
 TEST_F(SimSaving, ChangesOfASecondAreOneWriteAndTheAccountGoesOnAfterARestart) {
     auto sim = engine();
-    sim->onTrade("NQ", 100);
-    for (int i = 0; i < 3; ++i, time.advance(0.1)) buy(*sim);
-    time.advance(0.65);
+    run(*sim, "trade 100; buy 1; wait 0.1; buy 1; wait 0.1; buy 1; wait 0.75");
     EXPECT_EQ(writes, 0);
     time.advance(0.1);
     EXPECT_EQ(writes, 1);
@@ -107,7 +99,7 @@ TEST_F(SimSaving, ChangesOfASecondAreOneWriteAndTheAccountGoesOnAfterARestart) {
     struct stat status {};
     ASSERT_EQ(::stat(file().c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0600u);
-    sim->place("NQ", Side::buy, OrderType::limit, 1, 99.0, {}, sim::BracketSpec{{}, 8});
+    run(*sim, "buy 1 limit=99 tp=8");
     sim->commission = 3;
     const Snapshot before = sim->snapshot();
     EXPECT_TRUE(sim->flushPendingSave());
@@ -116,37 +108,22 @@ TEST_F(SimSaving, ChangesOfASecondAreOneWriteAndTheAccountGoesOnAfterARestart) {
     sim.reset();
     sim = engine();
     EXPECT_EQ(sim->snapshot(), before);
-    sim->onQuote("NQ", 90, 90);
+    run(*sim, "quote 90 90");
     EXPECT_EQ(sim->fills().size(), 3u) << "no last price";
-    sim->onTrade("NQ", 98.5);
+    run(*sim, "trade 98.5");
     EXPECT_EQ(sim->fills().front().price, 99);
     EXPECT_EQ(sim->positions().at("NQ").qty, 4);
 }
 
 TEST_F(SimSaving, EveryOperationThatChangesSomethingIsSaved) {
     const auto sim = engine();
-    sim->onQuote("NQ", 100, 100);
-    const auto firstId = [&] { return sim->orders().front().id; };
-    const std::function<void()> operations[] = {
-        [&] { buy(*sim); },
-        [&] { sim->setProtective("NQ", "SL", 90); },
-        [&] { sim->modify(firstId(), 91); },
-        [&] { sim->cancel(firstId()); },
-        [&] {
-            sim->place("NQ", Side::buy, OrderType::stopLimit, 1, 99, 101, sim::BracketSpec{4, 40});
-        },
-        [&] { sim->modifyProjectedLeg(firstId(), "SL", 80); },
-        [&] { sim->onTrade("NQ", 101); },  // turns it into a limit
-        [&] { sim->onTrade("NQ", 98); },
-        [&] { sim->cancelAll("NQ"); },
-        [&] { sim->flatten("NQ"); },
-        [&] { sim->resetAccount(1); },
-    };
-    for (const auto& operation : operations) {
-        SCOPED_TRACE(&operation - operations);
+    run(*sim, "quote 100 100");
+    for (const char* operation :
+         {"buy 1", "protect SL 90", "modify 0 91", "cancel 0", "buy 1 limit=99 stop=101 sl=4 tp=40", "leg 0 SL 80",
+          "trade 101", /* turns it into a limit */ "trade 98", "cancelAll", "flatten", "reset 1"}) {
+        SCOPED_TRACE(operation);
         const int before = writes;
-        operation();
-        time.advance(1);
+        run(*sim, operation + std::string("; wait 1"));
         EXPECT_EQ(writes, before + 1);
         EXPECT_EQ(saved(), sim->snapshot());
     }
@@ -154,18 +131,20 @@ TEST_F(SimSaving, EveryOperationThatChangesSomethingIsSaved) {
 
 TEST_F(SimSaving, AFailedSaveIsTriedAgainAndSaysSoOnce) {
     const auto sim = engine();
-    sim->onTrade("NQ", 100);
     failing = true;
-    buy(*sim);
-    time.advance(16);
+    run(*sim, "trade 100; buy 1; wait 16");
     EXPECT_EQ(writes, 4) << "after 1, 6, 11 and 16 s";
     EXPECT_FALSE(sim->flushPendingSave());
     EXPECT_THAT(lines, ElementsAre(HasSubstr("no space left")));
-    EXPECT_FALSE(fs::exists(file()));
+    EXPECT_EQ(sim->problem(), "Paper account not saved: no space left");
+    EXPECT_FALSE(fs::exists(file()) || sim->lastSave());
     failing = false;
     time.advance(5);
     EXPECT_EQ(saved(), sim->snapshot());
     EXPECT_THAT(lines, ElementsAre(HasSubstr("no space left"), HasSubstr("saved again")));
+    EXPECT_FALSE(sim->problem());
+    EXPECT_THAT(sim->lastError().value_or(""), HasSubstr("no space left"));
+    EXPECT_EQ(sim->lastSave(), sim::dateFrom1970(time.now()));
 }
 
 TEST_F(SimSaving, AnUndecodableFileIsKeptAndTheAccountStartsAnew) {
@@ -176,32 +155,71 @@ TEST_F(SimSaving, AnUndecodableFileIsKeptAndTheAccountStartsAnew) {
         const auto sim = engine();
         EXPECT_EQ(sim->snapshot(), Snapshot{});
         EXPECT_THAT(std::exchange(lines, {}), ElementsAre(HasSubstr("cannot be read")));
+        EXPECT_THAT(sim->problem().value_or(""), HasSubstr("set aside"));
         time.advance(5);
         EXPECT_EQ(readFile(file()), bad) << "nothing is touched before there is something to save";
         const std::string kept = file().string() + ".bad-" + std::to_string(static_cast<long>(time.now()) + 1);
-        sim->resetAccount(7);
-        time.advance(1);
+        run(*sim, "reset 7; wait 1");
         EXPECT_EQ(readFile(kept), bad);
         EXPECT_EQ(saved().balance, 7);
+        EXPECT_FALSE(sim->problem()) << "it is over";
     }
 }
 
-TEST_F(SimSaving, ASecondProcessReadsAndDoesNotWrite) {
+TEST_F(SimSaving, ASecondProcessDoesNotWriteAndTakesOverWhenTheFirstHasEnded) {
     auto first = engine();
     first->resetAccount(11);
     EXPECT_TRUE(first->flushPendingSave());
-    {
-        const auto second = engine();
-        EXPECT_THAT(lines, ElementsAre(HasSubstr("another Velmora")));
-        EXPECT_EQ(second->balance(), 11);
-        second->resetAccount(22);
-        time.advance(10);
-        EXPECT_TRUE(second->flushPendingSave());
-    }
+    const auto second = engine();
+    EXPECT_THAT(lines, ElementsAre(HasSubstr("another Velmora")));
+    EXPECT_EQ(second->balance(), 11);
+    second->commission = 1.25;  // the settings', which no file of another process changes
+    run(*second, "reset 22; wait 10");
+    EXPECT_TRUE(second->flushPendingSave());
     EXPECT_EQ(writes, 1);
-    EXPECT_EQ(saved().balance, 11);
+    EXPECT_FALSE(second->keepsAccount());
+    EXPECT_EQ(second->problem(), "Paper account read only: another Velmora has it");
+
+    first->resetAccount(33);
+    EXPECT_TRUE(first->flushPendingSave());
     first.reset();
-    EXPECT_TRUE(engine()->keepsAccount());
+    int told = 0;
+    auto link = second->changed.connect([&](SimEngine::Field field) {
+        EXPECT_EQ(second->balance(), 33) << "told once all has changed";
+        told += field == SimEngine::Field::balance || field == SimEngine::Field::keeping;
+    });
+    time.advance(2);
+    EXPECT_EQ(told, 2);
+    link.end();
+    EXPECT_TRUE(second->keepsAccount() && !second->problem());
+    EXPECT_EQ(second->commission, 1.25);
+    EXPECT_THAT(lines.back(), HasSubstr("this one keeps the account from now on"));
+    time.advance(10);
+    EXPECT_EQ(writes, 2) << "what was traded beside the first is gone";
+    run(*second, "reset 44; wait 1");
+    EXPECT_EQ(saved(), second->snapshot());
+    EXPECT_FALSE(engine()->keepsAccount()) << "a third";
+}
+
+TEST(SimStore, EveryMarketHasAFileOfItsOwn) {
+    EXPECT_EQ(SimStore::fileName(""), "sim-account.json");
+    EXPECT_EQ(SimStore::fileName("seed-2"), "sim-account-seed-2.json");
+    EXPECT_EQ(SimStore::fileName("tape-../a b.csv"), "sim-account-tape-.._2fa_20b.csv.json");
+    const std::string endless(250, 'x');
+    EXPECT_NE(SimStore::fileName(endless), SimStore::fileName(endless + "y"));
+    EXPECT_LT(SimStore::fileName(endless).size(), 200u);
+}
+
+TEST(SimStore, WithoutAHomeTheSystemIsAsked) {
+    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"}) ::unsetenv(name);
+    const auto known = ::getpwuid(::getuid());
+    for (const char* home : {"", "here", "/somewhere"}) {
+        ::setenv("HOME", home, 1);
+        const auto paths = Paths::practice();
+        ASSERT_EQ(paths.has_value(), *home == '/' || known != nullptr);
+        const fs::path root = *home == '/' ? home : known ? known->pw_dir : "";
+        EXPECT_EQ(paths.value_or(Paths{}).data, paths ? root / ".local/share/Velmora/practice" : root) << home;
+    }
 }
 
 TEST_F(SimSaving, AnOlderSaveNeverReplacesANewerOne) {

@@ -7,6 +7,7 @@
 #include <map>
 #include <numeric>
 #include <random>
+#include <tuple>
 #include <utility>
 
 #include "sim/SimAccountText.h"
@@ -23,76 +24,52 @@ using sim::Side;
 /// Follows an account through its fills alone, book-keeping the slow way: every contract is held at its price.
 class PlainLedger {
  public:
-    struct Trip {
-        bool isLong = true;
-        std::size_t most = 0;
-        double entry = 0;
-        double fees = 0;
-        double result = 0;
-        std::vector<double> exits;  // one per contract
-        std::string endedBy;
-    };
     struct Root {
-        bool isLong = true;
+        Side side = Side::buy;
         std::vector<double> contracts;  // what each one cost, after averaging
         double realized = 0;
-        Trip trip;
+        sim::Trade trip;  // the round trip so far; `exit` is a sum until it ends
+        int exits = 0;    // contracts that have left it
     };
 
-    double start = 50000;
-    double results = 0;
-    double fees = 0;
+    double cash = 50000;
     std::map<std::string, Root> roots;
-    std::vector<Trip> finished;  // oldest first
-    std::size_t partialCloses = 0;
-    std::size_t reversals = 0;
-
-    double cash() const { return start + results - fees; }
-
-    void reset(double balance) {
-        start = balance;
-        results = fees = 0;
-        roots.clear();
-        finished.clear();
-    }
+    std::vector<sim::Trade> finished;  // oldest first
+    std::size_t partialCloses = 0, reversals = 0;
 
     /// `worth` is what a contract gains when its price rises by 1.
     void apply(const sim::Fill& fill, double worth) {
         Root& root = roots[fill.sym];
-        const bool buys = fill.side == sim::Side::buy;
         std::int64_t left = fill.qty;
-        fees += fill.commission;
-        const bool closes = !root.contracts.empty() && root.isLong != buys;
+        cash -= fill.commission;
+        const bool closes = !root.contracts.empty() && root.side != fill.side;
+        // a trade that a reversal opens has no fee of its opening
+        root.trip.fees += fill.commission;
         if (closes) {
-            root.trip.fees += fill.commission;
             for (; left > 0 && !root.contracts.empty(); --left) closeOne(root, fill.price, worth);
-            if (root.contracts.empty()) {
-                root.trip.endedBy = fill.tag;
-                finished.push_back(std::exchange(root.trip, {}));
-            } else {
-                ++partialCloses;
-            }
+            if (!root.contracts.empty()) return static_cast<void>(++partialCloses);
+            root.trip.exit /= std::exchange(root.exits, 0);
+            root.trip.exitTag = fill.tag;
+            finished.push_back(std::exchange(root.trip, {}));
         }
         if (left == 0) return;
-        if (closes) ++reversals;
-        root.isLong = root.trip.isLong = buys;
+        reversals += closes ? 1 : 0;
+        root.side = root.trip.side = fill.side;
         root.contracts.insert(root.contracts.end(), static_cast<std::size_t>(left), fill.price);
+        const auto size = static_cast<std::int64_t>(root.contracts.size());
         const double sum = std::accumulate(root.contracts.begin(), root.contracts.end(), 0.0);
-        const double average = sum / static_cast<double>(root.contracts.size());
-        root.contracts.assign(root.contracts.size(), average);
-        root.trip.most = std::max(root.trip.most, root.contracts.size());
-        root.trip.entry = average;
-        if (!closes) root.trip.fees += fill.commission;
+        root.trip.entry = sum / static_cast<double>(size);
+        root.contracts.assign(root.contracts.size(), root.trip.entry);
+        root.trip.qty = std::max(root.trip.qty, size);
     }
 
  private:
     void closeOne(Root& root, double price, double worth) {
-        const double result = (root.isLong ? 1 : -1) * (price - root.contracts.back()) * worth;
+        const double result = (root.side == Side::buy ? 1 : -1) * (price - root.contracts.back()) * worth;
         root.contracts.pop_back();
-        root.realized += result;
-        root.trip.result += result;
-        root.trip.exits.push_back(price);
-        results += result;
+        for (double* sum : {&root.realized, &root.trip.pnl, &cash}) *sum += result;
+        root.trip.exit += price;
+        ++root.exits;
     }
 };
 
@@ -115,8 +92,10 @@ class Stream {
 
  private:
     int pick(int n) { return static_cast<int>(random_() % static_cast<std::uint64_t>(n)); }
-    double near(double price, int ticks) { return price + tick() * (pick(2 * ticks + 1) - ticks); }
-    double tick() const { return engine_.specs().find(root_)->tick; }
+    // Of `root_`: a price of so many ticks and half ticks, as a feed prints it.
+    double priced(double ticks) const { return ticks / std::round(1 / engine_.specs().find(root_)->tick); }
+    double ticksOf(double price) const { return std::round(2 * price / engine_.specs().find(root_)->tick) / 2; }
+    double near(double price, int ticks) { return priced(ticksOf(price) + pick(2 * ticks + 1) - ticks); }
     const Uuid anyOrder() {
         const auto& orders = engine_.orders();
         return orders.empty() ? Uuid{} : orders[random_() % orders.size()].id;
@@ -126,8 +105,8 @@ class Stream {
         time_.advance(pick(600));
         root_ = std::array{"NQ", "NQ", "NQ", "ES", "GC"}[static_cast<std::size_t>(pick(5))];
         before_ = engine_.orders();
-        const Uuid newestFill = engine_.fills().empty() ? Uuid{} : engine_.fills().front().id;
-        const Uuid newestTrade = engine_.trades().empty() ? Uuid{} : engine_.trades().front().id;
+        const auto newest = [](const auto& rows) { return rows.empty() ? Uuid{} : rows.front().id; };
+        const Uuid newestFill = newest(engine_.fills()), newestTrade = newest(engine_.trades());
         const int kind = pick(100);
         const bool market = kind < 50;
         if (market)
@@ -139,7 +118,7 @@ class Stream {
         follow(newestFill, newestTrade);
         if (market) checkMatch();
         for (const auto& [sym, position] : engine_.positions()) checkRoot(sym, position);
-        EXPECT_NEAR(engine_.balance(), ledger_.cash(), 1e-6);
+        EXPECT_NEAR(engine_.balance(), ledger_.cash, 1e-6);
     }
 
     void tickOnce(bool trade) {
@@ -147,7 +126,7 @@ class Stream {
         center = std::max(near(center, pick(7) == 0 ? 40 : 2), 50.0);
         if (trade) return engine_.onTrade(root_, center);
         const double bid = near(center, 2);
-        engine_.onQuote(root_, bid, bid + tick() * pick(6));
+        engine_.onQuote(root_, bid, priced(ticksOf(bid) + pick(6)));
     }
 
     void enter() {
@@ -157,11 +136,9 @@ class Stream {
         const auto ticks = [&] { return maybe(std::int64_t{pick(12)}); };
         const auto bracket = maybe(sim::BracketSpec{ticks(), ticks()});
         const bool open = session_.marketOpen(static_cast<std::int64_t>(time_.now()), false);
-        const Side side = pick(2) == 0 ? Side::buy : Side::sell;
-        const int qty = 1 + pick(4);
-        const double limit = near(center, 16);
-        const double stop = near(center, 16);
-        const auto order = engine_.place(root_, side, type, qty, limit, stop, bracket);
+        const double limit = near(center, 16), stop = near(center, 16);
+        const auto order =
+            engine_.place(root_, pick(2) == 0 ? Side::buy : Side::sell, type, 1 + pick(4), limit, stop, bracket);
         EXPECT_FALSE(order && !open);
         counts_["refused, closed"] += open ? 0 : 1;
     }
@@ -169,25 +146,20 @@ class Stream {
     void operate(int kind) {
         const double price = near(centers_.try_emplace(root_, 100.0).first->second, 15) + 0.07;
         const auto leg = pick(2) == 0 ? sim::slTag : sim::tpTag;
-        if (kind < 25)
-            engine_.cancel(anyOrder());
-        else if (kind < 45)
-            engine_.modify(anyOrder(), price);
-        else if (kind < 60)
-            engine_.modifyProjectedLeg(anyOrder(), leg, price);
-        else if (kind < 85)
-            engine_.setProtective(root_, leg, price);
-        else if (kind < 92)
-            engine_.flatten(root_);
-        else if (kind < 94)
-            engine_.cancelAll(root_);
-        else if (kind < 96)
-            engine_.commission = pick(5) * 0.37;
-        else if (kind < 99)
-            engine_.seedLast(root_, price);
-        else if (pick(10) == 0) {
+        if (kind < 25) return void(engine_.cancel(anyOrder()));
+        if (kind < 45) return void(engine_.modify(anyOrder(), price));
+        if (kind < 60) return void(engine_.modifyProjectedLeg(anyOrder(), leg, price));
+        if (kind < 85) return void(engine_.setProtective(root_, leg, price));
+        if (kind < 91) return void(engine_.flatten(root_));
+        if (kind < 92) return engine_.watch(this, root_, pick(2) == 0 ? "U6" : "Z6");
+        if (kind < 94) return engine_.cancelAll(root_);
+        if (kind < 96) return void(engine_.commission = pick(5) * 0.37);
+        if (kind < 99) return engine_.seedLast(root_, price);
+        if (pick(10) == 0) {
             engine_.resetAccount(1000 * pick(50));
-            ledger_.reset(engine_.startBalance());
+            ledger_.roots.clear();
+            ledger_.finished.clear();
+            ledger_.cash = engine_.startBalance();
             tradesSeen_ = 0;
         }
     }
@@ -213,24 +185,16 @@ class Stream {
         counts_["trades"] += made.size();
     }
 
-    static void checkTrade(const sim::Trade& trade, const PlainLedger::Trip& trip) {
-        const double exits = std::accumulate(trip.exits.begin(), trip.exits.end(), 0.0);
-        EXPECT_EQ(trade.side, trip.isLong ? Side::buy : Side::sell);
-        EXPECT_EQ(trade.qty, static_cast<std::int64_t>(trip.most));
-        EXPECT_NEAR(trade.entry, trip.entry, 1e-6);
-        EXPECT_NEAR(trade.exit, exits / static_cast<double>(trip.exits.size()), 1e-6);
-        EXPECT_NEAR(trade.pnl, trip.result, 1e-6);
-        // a trade that a reversal opened has no fee of its opening
-        EXPECT_NEAR(trade.fees, trip.fees, 1e-6);
-        EXPECT_EQ(trade.exitTag, trip.endedBy);
+    static void checkTrade(const sim::Trade& trade, const sim::Trade& plain) {
+        EXPECT_EQ(std::tie(trade.side, trade.qty, trade.exitTag), std::tie(plain.side, plain.qty, plain.exitTag));
+        for (const auto field : {&sim::Trade::entry, &sim::Trade::exit, &sim::Trade::pnl, &sim::Trade::fees})
+            EXPECT_NEAR(trade.*field, plain.*field, 1e-6);
     }
 
     void checkRoot(const std::string& sym, const sim::Position& position) {
-        const auto found = ledger_.roots.find(sym);
-        ASSERT_TRUE(found != ledger_.roots.end());
-        const PlainLedger::Root& plain = found->second;
+        const PlainLedger::Root& plain = ledger_.roots.at(sym);
         const auto size = static_cast<std::int64_t>(plain.contracts.size());
-        EXPECT_EQ(position.qty, plain.isLong ? size : -size);
+        EXPECT_EQ(position.qty, plain.side == Side::buy ? size : -size);
         EXPECT_NEAR(position.avg, size == 0 ? 0 : plain.contracts.front(), 1e-6);
         EXPECT_NEAR(position.realized, plain.realized, 1e-6);
         EXPECT_EQ(engine_.openTrades().contains(sym), position.qty != 0);
@@ -251,9 +215,8 @@ class Stream {
         const double* last = engine_.lasts().find(order.sym);
         if (!last) return std::nullopt;
         const sim::Quote* quote = engine_.quotes().find(order.sym);
-        const double half = engine_.specs().find(order.sym)->tick * 0.5;
         const bool buys = order.side == Side::buy;
-        const double touch = quote ? (buys ? quote->ask : quote->bid) : (buys ? *last + half : *last - half);
+        const double touch = quote ? (buys ? quote->ask : quote->bid) : priced(ticksOf(*last) + (buys ? 0.5 : -0.5));
         const double sign = buys ? 1 : -1;
         const bool stopHit = order.stopPrice && (*last - *order.stopPrice) * sign >= 0;
         const bool limitHit =
@@ -265,9 +228,8 @@ class Stream {
     }
 
     void checkMatch() {
-        bool explained = fills_.size() != 1;
-        bool gap = false;
-        bool stopBefore = false, targetBefore = false, legKept = false, newLeg = false;
+        const bool one = fills_.size() == 1;
+        bool explained = !one, gap = false, stopBefore = false, targetBefore = false, legKept = false, newLeg = false;
         for (const Order& order : before_) {
             const auto after = std::ranges::find(engine_.orders(), order.id, &Order::id);
             const bool gone = after == engine_.orders().end();
@@ -275,14 +237,13 @@ class Stream {
                 EXPECT_TRUE(!gone && *after == order) << "another root's order";
                 continue;
             }
-            legKept = legKept || (order.isLeg() && !gone);
-            stopBefore = stopBefore || order.tag == sim::slTag;
-            targetBefore = targetBefore || order.tag == sim::tpTag;
+            legKept |= order.isLeg() && !gone;
+            stopBefore |= order.tag == sim::slTag;
+            targetBefore |= order.tag == sim::tpTag;
             const auto price = fillOf(order);
-            if (gone && price && fills_.size() == 1 && fills_[0].side == order.side && fills_[0].tag == order.tag &&
-                fills_[0].price == *price) {
+            if (one && gone && fills_[0].side == order.side && fills_[0].tag == order.tag && fills_[0].price == price) {
                 explained = true;
-                gap = gap || (order.type == OrderType::stop && *price != *order.stopPrice);
+                gap |= order.type == OrderType::stop && price != order.stopPrice;
             }
             if (order.type == OrderType::stopLimit && (gone ? price.has_value() : after->type == OrderType::limit))
                 ++counts_["stop-limits converted"];
@@ -290,23 +251,21 @@ class Stream {
         EXPECT_TRUE(explained) << "a fill at a price that no order gives";
         for (const Order& order : engine_.orders()) {
             const bool known = std::ranges::find(before_, order.id, &Order::id) != before_.end();
-            newLeg = newLeg || (!known && order.isLeg() && order.sym == root_);
+            newLeg |= !known && order.isLeg() && order.sym == root_;
             if (order.sym != root_ || !fillOf(order)) continue;
             EXPECT_FALSE(fills_.empty()) << "an order that should have filled";
             ++counts_["passed over"];
         }
         counts_["stop gaps"] += gap ? 1 : 0;
         counts_["brackets rebuilt"] += newLeg && !legKept && (stopBefore || targetBefore) ? 1 : 0;
-        counts_["pairs"] += stopBefore && targetBefore && fills_.size() == 1 && !fills_[0].tag.empty() ? 1 : 0;
+        counts_["pairs"] += stopBefore && targetBefore && one && !fills_[0].tag.empty() ? 1 : 0;
     }
 
     void checkReload() {
         const sim::Snapshot account = engine_.snapshot();
         const auto written = sim::accountText(account);
-        ASSERT_TRUE(written);
-        const auto read = sim::readAccount(*written);
-        ASSERT_TRUE(read);
-        EXPECT_TRUE(*read == account);
+        const auto read = sim::readAccount(written.value_or(""));
+        ASSERT_TRUE(read == account);
         EXPECT_EQ(sim::accountText(*read), written);
         ++counts_["reloads"];
     }

@@ -78,7 +78,7 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
         for (const auto& draw : frame.draws) kinds |= 1 << static_cast<int>(draw.pipeline);
         ASSERT_EQ(kinds, everything ? 0b1111 : 0b1011) << "flat, ribbon, marker and text";
         const double meanError = everything ? 0.4 : 0.25;
-        expectSame(chartPicture(), rasterise(frame, expected.atlas.image()), meanError);
+        expectSame(chartPicture(), frame, expected.atlas.image(), meanError);
 
         // in the middle of a fast pan labels, bars and candles are those of one frame
         for (const double bars : {-3.37, 5.81}) {
@@ -91,7 +91,7 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
             const QImage picture = chartPicture();
             const RecordedFrame panned = expected.frame(chart->size(), ratio());
             ASSERT_EQ(renderer.camera().viewport(), viewport());
-            expectSame(picture, rasterise(panned, expected.atlas.image()), meanError);
+            expectSame(picture, panned, expected.atlas.image(), meanError);
         }
     }
 }
@@ -128,7 +128,7 @@ TEST_F(ChartPixels, ClearsAndClipsTouchTheirPixelsOnly) {
         chart->renderer().redraw();
         const QImage picture = chartPicture();
         const RecordedFrame frame = expected.frame(chart->size(), ratio());
-        expectSame(picture, rasterise(frame, expected.atlas.image()), 0.4);
+        expectSame(picture, frame, expected.atlas.image(), 0.4);
     }
     ui.reset();
 }
@@ -241,6 +241,8 @@ TEST_F(ChartPixels, SurvivesLosingItsGpuSideAndItsSize) {
     ui->view.session.set(fields);
     runFor(100);
     EXPECT_EQ(ui->chartItem(), nullptr);
+    ui->window->setMinimumSize({1, 1});  // newer Qt grows a window to the form's least size
+    ui->window->resize(size);
     fields.entered = true;
     ui->view.session.set(fields);
     ASSERT_TRUE(ui->settle());

@@ -15,7 +15,10 @@ struct CpuChart {
 
     /// The frame in which everything has come to rest.
     RecordedFrame frame(QSizeF size, double ratio) {
-        while (view.record(size.width(), size.height(), ratio, now)) now += 0.1;
+        for (bool again = true; again; now += 0.1) {
+            const unsigned glyphs = atlas.generation();
+            again = view.record(size.width(), size.height(), ratio, now) || atlas.generation() != glyphs;
+        }
         RecordedFrame out;
         gpu.swapFrame(out);
         return out;

@@ -41,34 +41,5 @@ TEST(GlyphAtlas, GrowsThenStartsOverWithANewGeneration) {
     EXPECT_EQ(atlas.glyph(U'W', FontFace::regular, 300, 1).width, 0) << "what no atlas holds is a blank";
 }
 
-// Each node of a window keeps a copy of the one atlas, and takes what it lacks when it is drawn.
-TEST(GlyphAtlas, EveryCopyGetsAllOfItWheneverItAsks) {
-    GlyphAtlas atlas(family, 64, 128);
-    struct Copy {
-        GlyphAtlas::Seen seen;
-        QImage image;
-        void update(const GlyphAtlas& from) {
-            const auto change = from.changeSince(seen);
-            if (!change) return;
-            if (image.size() != from.size()) image = QImage(from.size(), QImage::Format_Grayscale8);
-            for (int y = 0; y < change->pixels.height(); ++y)
-                std::copy_n(change->pixels.constScanLine(y), change->pixels.width(),
-                            image.scanLine(change->at.y() + y) + change->at.x());
-        }
-    };
-    Copy often, seldom;
-    for (int i = 0; i < 200; ++i) {
-        atlas.glyph(static_cast<char32_t>(33 + i % 94), FontFace::regular, 16, 1);
-        often.update(atlas);
-        EXPECT_EQ(often.image, atlas.image());
-        EXPECT_FALSE(atlas.changeSince(often.seen)) << "nothing new";
-        if (i % 7 != 0) continue;
-        seldom.update(atlas);
-        EXPECT_EQ(seldom.image, atlas.image());
-    }
-    often.seen = {};  // its texture was lost
-    EXPECT_EQ(atlas.changeSince(often.seen)->pixels, atlas.image());
-}
-
 }  // namespace
 }  // namespace vmr::test

@@ -98,11 +98,57 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
     ASSERT_TRUE(ui.settle());
     EXPECT_NEAR(textOf("crosshairPrice").remove(',').toDouble(), priceAt(411, 21300), 0.005);
 
+    // a tag hides whole labels: every other one is in full view
+    const auto hides = [&](std::string tag, const char* place, const char* size, const QList<qreal>& labels) {
+        const auto reach = [&](const std::string& name) {
+            const QQuickItem& item = *ui.item(name.c_str());
+            const double from = item.property(place).toDouble();
+            return std::pair(from, from + item.property(size).toDouble());
+        };
+        const auto [from, to] = reach(tag);
+        const auto [first, last] = reach(tag + "Ground");
+        int hidden = 0;
+        for (qsizetype i = 0; i < labels.size(); i += 2) {
+            if (labels[i] >= to || labels[i + 1] <= from) continue;
+            EXPECT_TRUE(first <= labels[i] && labels[i + 1] <= last) << tag;
+            ++hidden;
+        }
+        return hidden;
+    };
+    int prices = 0, times = 0;
+    for (int i = 0; i < 9; ++i) {
+        hover(200 + 8 * i, 300 + 6 * i);
+        prices += hides("crosshairPrice", "y", "height", chart->crosshair()->priceLabels());
+        times += hides("crosshairTime", "x", "width", chart->crosshair()->timeLabels());
+    }
+    EXPECT_TRUE(prices > 0 && times > 0);
+
     hover(chart->width() - 10, 300);
     EXPECT_FALSE(shows("crosshairPrice")) << "over the price axis";
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(ui.window, &leave);
     EXPECT_FALSE(shows("crosshairVertical")) << "outside of the window";
+}
+
+TEST_F(ChartItemInput, AMenuAndADragEndWithTheirChart) {
+    ui.source.simRoot = "NQ";
+    ui.showBars();
+    ASSERT_TRUE(ui.settle());
+    ui.openMenu(inWindow(300, 200));
+    ASSERT_TRUE(runUntil([&] { return ui.menuShown(); }));
+    ui.source.openChart(syntheticBars(900));
+    chart->chooseOrder(0);  // before any frame, and though the other chart trades the same root
+    EXPECT_TRUE(ui.account.asked.empty());
+    EXPECT_TRUE(runUntil([&] { return !ui.menuShown(); }));
+    EXPECT_TRUE(chart->orderMenu().isEmpty());
+    ASSERT_TRUE(ui.settle());
+    QTest::mousePress(ui.window, Qt::LeftButton, {}, inWindow(300, 100));
+    QTest::mouseMove(ui.window, inWindow(320, 100));
+    ui.source.openChart(syntheticBars(800));
+    for (const int x : {340, 400}) QTest::mouseMove(ui.window, inWindow(x, 150));
+    QTest::mouseRelease(ui.window, Qt::LeftButton, {}, inWindow(400, 150));
+    ASSERT_TRUE(ui.settle());
+    EXPECT_TRUE(camera().followLive && camera().autoY);
 }
 
 TEST_F(ChartItemInput, TakingThePointerAwayEndsADrag) {

@@ -1,7 +1,12 @@
 // From a pane's model to its views: what comes there, when, and what does not.
 #include <gtest/gtest.h>
 
+#include <QMouseEvent>
+
+#include "market/ClockSetting.h"
+#include "model/SimTrading.h"
 #include "support/pane/TestPane.h"
+#include "ui/chart/ChartItem.h"
 #include "ui/pane/PaneBinding.h"
 
 namespace vmr::test {
@@ -43,16 +48,15 @@ class PaneBindingTest : public PaneFixture {
     std::uint64_t flushed = 0;
 };
 
-void PrintTo(const auto& news, std::ostream* out) requires requires { news.flushes; }
-{
-    *out << news.flushes << " flushes; session " << news.session << ", toolbar " << news.toolbar << ", toast "
-         << news.toast << ", empty " << news.empty;
-}
-
 TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_EQ(view.toolbar.symbol(), "NQ");
     EXPECT_TRUE(view.session.connected());
     EXPECT_FALSE(view.chart.empty());
+
+    model->notices.accountProblem = "not saved";
+    time.runUntilIdle();
+    EXPECT_EQ(view.chart.accountProblem(), "not saved");
+    news();
 
     model->notices.flashToast("One");
     model->notices.flashToast("Two", "more");
@@ -84,6 +88,35 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     binding.reset();
     time.runUntilIdle();
     EXPECT_EQ(view.toast.notice(), "Two") << "a flush under way ends with the binding";
+}
+
+// Each answers by whoever asked first on that day, which in the night was by summer's time: it is 18:30 there.
+TEST_F(PaneBindingTest, ChartPaneAndAccountAgreeOnTheSundayOfAClockChange) {
+    SimEngine account({time, TestPane::session, UuidSource(5)});
+    SimTrading trading(account);
+    time.setNow(*parseMoment("2026-11-01T00:30-04:00"));
+    model->rollForwardBarIfNeeded();
+    time.setNow(*parseMoment("2026-11-01T17:30-05:00"));
+    struct Chart : ChartItem {
+        void recordNow() { record(gpu(), {900, 600}, 1, 0); }
+    } chart;
+    PaneViewModel::Surroundings at;
+    at.clock = &time;
+    at.session = &model->sessionTime();
+    at.main = &main;
+    at.trading = &trading;
+    view.setSurroundings(at);
+    chart.setPane(&view);
+    chart.recordNow();
+    chart.renderer().mirrorView(0, 10);
+    chart.renderer().mirrorPrice(90, 110);
+    QMouseEvent press(QEvent::MouseButtonPress, {300, 500}, {300, 500}, Qt::RightButton, Qt::RightButton, {});
+    QCoreApplication::sendEvent(&chart, &press);
+    chart.chooseOrder(0);
+    EXPECT_FALSE(model->notices.marketClosedNotice) << "the chart's clock";
+    EXPECT_EQ(account.orders().size(), 1u) << "the account's";
+    model->rollForwardBarIfNeeded();
+    EXPECT_EQ(model->bars.candles.back().time, time.now()) << "the pane's";
 }
 
 }  // namespace

@@ -38,6 +38,7 @@ class SceneSource final : public ChartSource {
     ChartContent chartContent() const override {
         ChartContent out = scene ? scene->content() : ChartContent{};
         out.chart = chart_;
+        if (!scene) out.simRoot = simRoot;
         out.candles = bars;
         out.look = scene ? &scene->config : &look;
         const auto r = revision_;
@@ -50,6 +51,7 @@ class SceneSource final : public ChartSource {
     std::vector<Candle> bars;
     RenderConfig look;                 ///< without a scene
     const SceneData* scene = nullptr;  ///< everything beside the bars; must outlive what is shown
+    std::string_view simRoot;          ///< without a scene
     int dragsEnded = 0;
 
  private:

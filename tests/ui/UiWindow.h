@@ -9,6 +9,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QScreen>
+#include <QTest>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -100,6 +101,11 @@ class UiWindow {
     void showScene(const SceneData& data) {
         source.scene = &data;
         showBars();
+    }
+    /// Right-clicks into the window.
+    void openMenu(QPoint at) { QTest::mouseClick(window, Qt::RightButton, {}, at); }
+    bool menuShown() const {
+        return window->findChild<QObject*>(QStringLiteral("orderMenu"))->property("opened").toBool();
     }
     bool settle() { return comesToRest(swaps); }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <random>
 
@@ -26,7 +25,6 @@ constexpr bool sanitized = false;
 // What the process holds now.
 struct Holdings {
     std::ptrdiff_t threads = 0, files = 0;
-    double residentMB = 0;
     double liveMB = 0;  // allocated and not freed; 0 where the system cannot tell
 
     static std::ptrdiff_t entries(const char* folder) {
@@ -34,15 +32,12 @@ struct Holdings {
         return std::distance(std::filesystem::directory_iterator(folder, ignored), {});
     }
     static Holdings now() {
-        Holdings out{entries("/proc/self/task"), entries("/proc/self/fd"), 0, 0};
+        Holdings out{entries("/proc/self/task"), entries("/proc/self/fd"), 0};
 #ifdef __GLIBC__
         malloc_trim(0);
         const auto heap = mallinfo2();
         out.liveMB = static_cast<double>(heap.uordblks + heap.hblkhd) / 1e6;
 #endif
-        std::ifstream pages("/proc/self/statm");
-        double whole = 0, resident = 0;
-        if (pages >> whole >> resident) out.residentMB = resident * 4096 / 1e6;
         return out;
     }
 };
@@ -93,7 +88,6 @@ TEST_F(PaneHostLife, FourPanesComeAndGoTenTimesAndLeaveNothingBehind) {
     for (int warmUp = 0; warmUp < 3; ++warmUp) openAndCloseFour();
     ASSERT_TRUE(noSocketIsLeft());
     const Holdings before = Holdings::now();
-    std::vector<double> resident{before.residentMB};
     Holdings after;
     for (int round = 0; round < 10; ++round) {
         SCOPED_TRACE(round);
@@ -107,17 +101,9 @@ TEST_F(PaneHostLife, FourPanesComeAndGoTenTimesAndLeaveNothingBehind) {
             },
             20));
         EXPECT_LE(after.threads, before.threads);
-        resident.push_back(after.residentMB);
     }
-    std::printf(
-        "threads %td to %td, files %td to %td, live MB %.1f to %.1f, resident MB %.0f to %.0f, longest close %.1f ms\n",
-        before.threads, after.threads, before.files, after.files, before.liveMB, after.liveMB, before.residentMB,
-        after.residentMB, longestClose * 1000);
-    if (sanitized) return;
-    // how well the freed memory hangs together differs by up to 30 MB from round to round; what is live tells a leak
-    const auto least = [&](auto from, auto to) { return *std::min_element(from, to); };
-    EXPECT_LT(least(resident.end() - 5, resident.end()), least(resident.begin(), resident.end() - 5) + 40);
-    EXPECT_LT(longestClose, 0.2) << "seconds that the main loop stood still";
+    std::printf("live MB %.1f to %.1f, longest close %.1f ms\n", before.liveMB, after.liveMB, longestClose * 1000);
+    EXPECT_TRUE(sanitized || longestClose < 0.2) << "seconds that the main loop stood still";
 }
 
 TEST_F(PaneHostLife, AClockThatIsSetBackOpensEveryChartAnew) {

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/Json.h"
+#include "base/Log.h"
 #include "base/NumberText.h"
 #include "services/net/Url.h"
 
@@ -36,7 +37,7 @@ Failure checkHTTP(const HttpResponse& response) {
     std::string message = "request failed";
     if (const auto body = Json::parse(response.body)) {
         const JsonView told = (*body)["error"]["message"];
-        if (told.isString()) message = told.string();
+        if (told.isString()) message = harmlessText(told.string());
     }
     return AuthError{AuthError::Kind::http, response.status, std::move(message)};
 }
@@ -77,6 +78,12 @@ Failure readGrant(const HttpResponse& response, const GrantKeys& keys, Granted& 
 
 constexpr double expiryMargin = 60;
 
+std::string signInEndpoints(const Endpoints& endpoints) {
+    return endpoints.identityUrl + " " + endpoints.secureTokenUrl;
+}
+
+AuthError notSent(const std::string& problem) { return {AuthError::Kind::transport, 0, problem}; }
+
 }  // namespace
 
 std::string AuthError::text() const {
@@ -99,18 +106,25 @@ FirebaseRESTAuth::FirebaseRESTAuth(Endpoints endpoints, HttpClient& http, Prefer
       preferences_(preferences),
       clock_(clock),
       session_(std::make_shared<int>(0)) {
-    auto stored = preferences_.get(refreshTokenKey);
+    const std::string own = signInEndpoints(endpoints_);
+    // sessions from before the endpoints were stored with them belong to the public ones
+    const std::string owner = preferences_.get(endpointsKey).value_or(signInEndpoints(Endpoints()));
+    const std::string beside = "@" + own;
+    if (preferences_.get(refreshTokenKey + beside) || (preferences_.get(refreshTokenKey) && owner != own))
+        slot_ = beside;
+    auto stored = preferences_.get(key(refreshTokenKey));
     if (!stored || stored->empty()) return;
     refreshToken = std::move(stored);
-    localId = preferences_.get(uidKey);
-    email = preferences_.get(emailKey);
+    localId = preferences_.get(key(uidKey));
+    email = preferences_.get(key(emailKey));
 }
 
 void FirebaseRESTAuth::signIn(const std::string& address, const std::string& password,
                               std::function<void(std::optional<AuthError>)> done) {
+    if (setupProblem) return done(notSent(*setupProblem));
     std::string problem;
     auto body = encoded({{"email", address}, {"password", password}, {"returnSecureToken", true}}, problem);
-    if (!body) return done(AuthError{AuthError::Kind::transport, 0, problem});
+    if (!body) return done(notSent(problem));
     auto request =
         jsonPost(withKey(endpoints_.identityUrl, "/v1/accounts:signInWithPassword", endpoints_), std::move(*body));
     http_.send(std::move(request), [this, session = std::weak_ptr(session_), address,
@@ -130,11 +144,11 @@ void FirebaseRESTAuth::signIn(const std::string& address, const std::string& pas
 
 void FirebaseRESTAuth::refresh(std::function<void(std::variant<std::string, AuthError>)> done) {
     if (!refreshToken) return done(AuthError{AuthError::Kind::notSignedIn, 0, {}});
-    // The token goes out unescaped: the endpoint takes it byte for byte.
+    if (setupProblem) return done(notSent(*setupProblem));
     HttpRequest request{"POST",
                         withKey(endpoints_.secureTokenUrl, "/v1/token", endpoints_),
                         {{"Content-Type", "application/x-www-form-urlencoded"}},
-                        "grant_type=refresh_token&refresh_token=" + *refreshToken,
+                        "grant_type=refresh_token&refresh_token=" + percentEncoded(*refreshToken, queryValueCharacters),
                         60};
     http_.send(std::move(request),
                [this, session = std::weak_ptr(session_), done = std::move(done)](const HttpResponse& response) {
@@ -157,19 +171,29 @@ void FirebaseRESTAuth::signOut() {
     localId.reset();
     email.reset();
     expiresAt = distantPast;
-    for (const char* key : {refreshTokenKey, uidKey, emailKey}) preferences_.remove(key);
+    preferences_.removeSetAside();
+    for (const char* name : {refreshTokenKey, uidKey, emailKey, endpointsKey}) preferences_.remove(key(name));
+}
+
+void FirebaseRESTAuth::refused(const std::string& token) {
+    if (idToken == token) expiresAt = distantPast;
+}
+
+void FirebaseRESTAuth::forgetStored(Preferences& preferences) {
+    for (const char* name : {refreshTokenKey, uidKey, emailKey, endpointsKey}) preferences.remove(name);
 }
 
 void FirebaseRESTAuth::persist() {
-    const auto keep = [this](const char* key, const std::optional<std::string>& value) {
+    const auto keep = [this](const char* name, const std::optional<std::string>& value) {
         if (persistSession && value)
-            preferences_.set(key, *value);
+            preferences_.set(key(name), *value);
         else
-            preferences_.remove(key);
+            preferences_.remove(key(name));
     };
     keep(refreshTokenKey, refreshToken);
     keep(uidKey, localId);
     keep(emailKey, email);
+    keep(endpointsKey, signInEndpoints(endpoints_));
 }
 
 void AccountService::sendPasswordReset(HttpClient& http, const Endpoints& endpoints, const std::string& email,

@@ -27,14 +27,17 @@ struct AuthError {
     std::string text() const;
 };
 
-/// The session of the process. Main thread; callbacks come on the HTTP client's queue, which is the main loop, or
-/// within the call when nothing is sent. Fields change only once a whole response has been checked; concurrent
-/// refreshes are not merged. After `signOut` or destruction a call under way ends with `notSignedIn`.
+/// The session of the process. A stored session belongs to the sign-in endpoints that granted it: with others it is
+/// neither read nor touched, and a session of theirs is stored beside it. Main thread; callbacks come on the HTTP
+/// client's queue, which is the main loop, or within the call when nothing is sent. Fields change only once a whole
+/// response has been checked; concurrent refreshes are not merged. After `signOut` or destruction a call under way ends
+/// with `notSignedIn`.
 class FirebaseRESTAuth {
  public:
     static constexpr double distantPast = -std::numeric_limits<double>::infinity();
 
-    /// Restores a stored session; it has a refresh token but no identity token, so `refresh` comes first.
+    /// Restores the stored session of these endpoints, if any; it has a refresh token but no identity token, so
+    /// `refresh` comes first.
     FirebaseRESTAuth(Endpoints endpoints, HttpClient& http, Preferences& preferences, const Clock& clock);
 
     /// Nothing on success.
@@ -44,9 +47,15 @@ class FirebaseRESTAuth {
     /// Gives the new identity token, or the error.
     void refresh(std::function<void(std::variant<std::string, AuthError>)> done);
 
-    /// Forgets the session in memory and in the preferences; no network call. A call still under way changes nothing
-    /// any more.
+    /// Forgets the session in memory and in the preferences, copies set aside included; no network call. A call still
+    /// under way changes nothing any more.
     void signOut();
+
+    /// The relay refused this token: if it is the current one, it counts as expired.
+    void refused(const std::string& token);
+
+    /// Removes the stored session from preferences that belong to endpoints which exist no more.
+    static void forgetStored(Preferences& preferences);
 
     /// Writes or, with `persistSession` off, removes the three stored keys.
     void persist();
@@ -60,6 +69,9 @@ class FirebaseRESTAuth {
     std::optional<std::string> email;
     double expiresAt = distantPast;  ///< monotonic seconds; token life is real time, whatever the market clock does
     bool persistSession = true;
+    /// Why nothing may be sent (addresses missing or refused), for the person. While it is set, `signIn` and `refresh`
+    /// fail with this text within the call.
+    std::optional<std::string> setupProblem;
 
     const Endpoints& endpoints() const { return endpoints_; }
     HttpClient& http() { return http_; }
@@ -67,12 +79,16 @@ class FirebaseRESTAuth {
     static constexpr const char* refreshTokenKey = "vmr.auth.refreshToken";
     static constexpr const char* uidKey = "vmr.auth.uid";
     static constexpr const char* emailKey = "vmr.auth.email";
+    static constexpr const char* endpointsKey = "vmr.auth.endpoints";  ///< to which the session above belongs
 
  private:
+    std::string key(const char* name) const { return name + slot_; }
+
     Endpoints endpoints_;
     HttpClient& http_;
     Preferences& preferences_;
     const Clock& clock_;
+    std::string slot_;              // ending of the keys; empty unless the plain ones are other endpoints'
     std::shared_ptr<int> session_;  // replaced by signOut; a late answer holds a weak pointer and finds it expired
 };
 

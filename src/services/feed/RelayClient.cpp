@@ -8,6 +8,7 @@
 #include <set>
 
 #include "base/CheckedInt.h"
+#include "base/Log.h"
 #include "services/net/Endpoints.h"
 #include "services/net/Url.h"
 
@@ -91,6 +92,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
     void connect(TokenProvider provider) {
         tokenProvider_ = std::move(provider);
         manualClose_ = false;
+        tokenWasRefused_ = false;
         open();
     }
 
@@ -129,6 +131,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
     }
 
     void log(std::string text) {
+        text = harmlessText(text);  // it may quote the server
         if (print_) print_("[relay] " + text);
         onMain([text = std::move(text)](const Callbacks& callbacks) {
             if (callbacks.onLog) callbacks.onLog(text);
@@ -169,6 +172,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         }
         const std::string url = urlString_ + "?token=" + percentEncoded(result.token, queryCharacters);
         if (result.token.empty() || !isAllowedUrl(url)) return scheduleReconnect();
+        token_ = result.token;
         openSocket(url);
     }
 
@@ -186,6 +190,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         WebSocket::Events events;
         events.onOpen = live([](Core& core) { core.socketOpened(); });
         events.onFrame = live([](Core& core, const std::string& bytes, bool) { core.messageCame(bytes); });
+        events.onRefused = live([](Core& core, int status) { core.upgradeRefused(status); });
         events.onClosed = live([](Core& core, int code) { core.socketClosed(code); });
         events.onFailed = live([](Core& core, const std::string& error) { core.receiveFailed(error); });
         events.onSendFailed = live([](Core& core, const std::string& error) { core.log("send failed: " + error); });
@@ -197,6 +202,15 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         stopTimer(connectTimer_);
         log("socket opened, awaiting hello…");
         lastPong_ = clock_.monotonic();
+    }
+
+    // The owner may get a fresh token, once until the next greeting: a server that refuses those too is only retried.
+    void upgradeRefused(int status) {
+        if ((status == 401 || status == 403) && !std::exchange(tokenWasRefused_, true))
+            onMain([token = token_](const Callbacks& callbacks) {
+                if (callbacks.onTokenRefused) callbacks.onTokenRefused(token);
+            });
+        receiveFailed("HTTP " + std::to_string(status));
     }
 
     void socketClosed(int code) {
@@ -265,6 +279,7 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
         helloReceived_ = true;
         connected_ = true;
         reconnectAttempt_ = 0;
+        tokenWasRefused_ = false;
         lastPong_ = clock_.monotonic();
         log("hello: " + textOr(email, "?"));
         if (!subscribedChannels_.empty())
@@ -328,6 +343,8 @@ class RelayClient::Core : public std::enable_shared_from_this<Core> {
     TokenProvider tokenProvider_;
     std::set<std::string> subscribedChannels_;
     std::uint64_t attempt_ = 0;  ///< raised whenever answers still under way become stale
+    std::string token_;          ///< of the attempt
+    bool tokenWasRefused_ = false;
     bool helloReceived_ = false;
     bool connected_ = false;
     bool manualClose_ = false;

@@ -36,10 +36,13 @@ struct ChannelMessage {
 class RelayClient {
  public:
     struct Callbacks {
-        std::function<void(const std::string& text)> onLog;
+        std::function<void(const std::string& text)> onLog;  ///< one line, without control characters
         std::function<void()> onConnected;
         std::function<void()> onConnectionLimit;
         std::function<void()> onDisconnected;
+        /// The relay refused this token before a socket stood (HTTP 401 or 403), for the first time since the last
+        /// greeting or `connect`. The next attempt asks the provider as always.
+        std::function<void(const std::string& token)> onTokenRefused;
         /// `type` is "snapshot", "event" or "batch"; a batch calls once for each element, back to back.
         std::function<void(const ChannelMessage& message, const std::string& type)> onChannelMessage;
         /// Runs on the relay's queue right after decoding, for "snapshot" and "event": work that the main thread should
@@ -61,7 +64,8 @@ class RelayClient {
     /// Gets each log line, "[relay] " and the text, beside `onLog`. On the relay's queue; empty for none.
     using Printer = std::function<void(const std::string& line)>;
 
-    /// Nothing connects yet. `queue` and `main`, the main loop, must outlive the client's last queued work.
+    /// Nothing connects yet. `queue` and `main`, the main loop, must outlive the client's last queued work. Pings carry
+    /// `clock`'s market time, so it must be the machine's own clock but where the relay shares another one.
     RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main, const Clock& clock,
                 Printer printer = {});
     RelayClient(std::string urlString, WebSocketFactory sockets, SerialQueue& queue, MainLoop& main, const Clock& clock,

@@ -14,7 +14,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "services/net/Url.h"
+#include "services/net/NetworkRules.h"
+#include "services/net/ProxyTunnel.h"
 
 namespace vmr {
 
@@ -33,6 +34,15 @@ constexpr double nextAddressSeconds = 10;
 constexpr std::size_t keptBuffer = 1024 * 1024;
 constexpr int plainDrop = 1006;  // a close frame must not carry it
 
+// Without authorities every certificate is refused, and that error is reported; so failures here need no word.
+void trust(SSL_CTX* context, const TrustStore& store) {
+    const auto orNull = [](const std::string& text) { return text.empty() ? nullptr : text.c_str(); };
+    if (!store.system.empty()) SSL_CTX_load_verify_store(context, store.system.c_str());
+    if (!store.file.empty() || !store.folder.empty())
+        SSL_CTX_load_verify_locations(context, orNull(store.file), orNull(store.folder));
+    if (store.system.empty() && store.file.empty() && store.folder.empty()) SSL_CTX_set_default_verify_paths(context);
+}
+
 /// The authorities are read with the first `wss:` connection.
 class TlsContext {
  public:
@@ -40,8 +50,7 @@ class TlsContext {
         if (!context_) {
             context_.emplace(asio::ssl::context::tls_client);
             SSL_CTX_set_min_proto_version(context_->native_handle(), TLS1_2_VERSION);
-            error_code ignored;  // without authorities every certificate is refused, and that error is reported
-            context_->set_default_verify_paths(ignored);
+            trust(context_->native_handle(), TrustStore::find(environment));
             context_->set_verify_mode(asio::ssl::verify_peer);
         }
         return *context_;
@@ -87,19 +96,22 @@ class Conversation final : public Link, public std::enable_shared_from_this<Conv
 
  public:
     template <class... More>
-    Conversation(AsioLoop& loop, Url url, std::size_t maxMessageBytes, WebSocket::Events events, More&... more)
+    Conversation(AsioLoop& loop, Url url, std::optional<Proxy> proxy, std::size_t maxMessageBytes,
+                 WebSocket::Events events, More&... more)
         : loop_(loop),
           url_(std::move(url)),
+          proxy_(std::move(proxy)),
           events_(std::make_shared<const WebSocket::Events>(std::move(events))),
           resolver_(loop.context()),
           ws_(loop.context(), more...) {
         ws_.read_message_max(maxMessageBytes);
+        ws_.auto_fragment(false);  // the relay takes single frames
         ws_.set_option(
             websocket::stream_base::timeout{websocket::stream_base::none(), websocket::stream_base::none(), false});
     }
 
     void start() override {
-        resolver_.async_resolve(url_.host, url_.port,
+        resolver_.async_resolve(proxy_ ? proxy_->host : url_.host, proxy_ ? proxy_->port : url_.port,
                                 [self = this->shared_from_this()](error_code error, const auto& found) {
                                     if (!self->failedWith(error)) self->connectTo(found);
                                 });
@@ -184,6 +196,17 @@ class Conversation final : public Link, public std::enable_shared_from_this<Conv
         }
         if (failedWith(error)) return;
         socket().set_option(tcp::no_delay(true), ignored);
+        if (proxy_)
+            openTunnel(
+                socket(), *proxy_, url_.hostAndPort(), [self = this->shared_from_this()](const std::string& problem) {
+                    if (!self->failedWith(problem.empty() ? error_code() : asio::error::connection_refused, problem))
+                        self->startTalking();
+                });
+        else
+            startTalking();
+    }
+
+    void startTalking() {
         if constexpr (secure)
             secureLine();
         else
@@ -207,9 +230,8 @@ class Conversation final : public Link, public std::enable_shared_from_this<Conv
     }
 
     void handsShaken(error_code error) {
-        std::string shown;
-        if (error == websocket::error::upgrade_declined) shown = "HTTP " + std::to_string(answer_.result_int());
-        if (failedWith(error, shown)) return;
+        if (error == websocket::error::upgrade_declined) return refused();
+        if (failedWith(error)) return;
         open_ = true;
         // Beast's read reports a close frame only once the peer has ended the connection, which may never happen.
         ws_.control_callback([this](websocket::frame_type kind, beast::string_view) {
@@ -220,6 +242,13 @@ class Conversation final : public Link, public std::enable_shared_from_this<Conv
         read();
         if (!outgoing_.empty()) write();
         if (const auto events = events_; events->onOpen) events->onOpen();
+    }
+
+    void refused() {
+        const auto events = std::exchange(events_, nullptr);
+        if (!events) return;
+        shut();
+        if (events->onRefused) events->onRefused(static_cast<int>(answer_.result_int()));
     }
 
     void read() {
@@ -254,6 +283,7 @@ class Conversation final : public Link, public std::enable_shared_from_this<Conv
 
     AsioLoop& loop_;
     const Url url_;
+    const std::optional<Proxy> proxy_;
     std::shared_ptr<const WebSocket::Events> events_;  // empty once the connection is over
     std::deque<tcp::endpoint> addresses_;
     tcp::resolver resolver_;
@@ -272,16 +302,7 @@ class BeastWebSocket final : public WebSocket {
     }
 
     void open(const std::string& address, std::size_t maxMessageBytes, Events events) override {
-        auto url = parseUrl(address);
-        if (!url || (url->scheme != "wss" && (url->scheme != "ws" || !url->loopback)))
-            link_ = std::make_shared<RefusedLink>(
-                loop_, url ? "only wss: is allowed, or ws: to this machine" : "not an address", std::move(events));
-        else if (url->secure)
-            link_ = std::make_shared<Conversation<SecureStream>>(loop_, std::move(*url), maxMessageBytes,
-                                                                 std::move(events), tls_->get());
-        else
-            link_ =
-                std::make_shared<Conversation<PlainStream>>(loop_, std::move(*url), maxMessageBytes, std::move(events));
+        link_ = linkTo(parseUrl(address), maxMessageBytes, std::move(events));
         link_->start();
     }
 
@@ -294,6 +315,23 @@ class BeastWebSocket final : public WebSocket {
     }
 
  private:
+    std::shared_ptr<Link> linkTo(std::optional<Url> url, std::size_t maxMessageBytes, Events events) {
+        const auto refuse = [&](std::string reason) {
+            return std::make_shared<RefusedLink>(loop_, std::move(reason), std::move(events));
+        };
+        if (!url) return refuse("not an address");
+        if (url->scheme != "wss" && (url->scheme != "ws" || !url->loopback))
+            return refuse("only wss: is allowed, or ws: to this machine");
+        auto proxy = proxyFor(*url, environment);
+        if (proxy && !proxy->problem.empty()) return refuse(proxy->problem);
+        if (proxy && proxy->scheme != "http") return refuse("only an http: proxy leads to the relay");
+        if (url->secure)
+            return std::make_shared<Conversation<SecureStream>>(loop_, std::move(*url), std::move(proxy),
+                                                                maxMessageBytes, std::move(events), tls_->get());
+        return std::make_shared<Conversation<PlainStream>>(loop_, std::move(*url), std::nullopt, maxMessageBytes,
+                                                           std::move(events));
+    }
+
     AsioLoop& loop_;
     const std::shared_ptr<TlsContext> tls_;
     std::shared_ptr<Link> link_;

@@ -3,12 +3,15 @@
 #include <curl/curl.h>
 
 #include <algorithm>
-#include <map>
+#include <chrono>
+#include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <thread>
+#include <vector>
 
 #include "base/Fatal.h"
-#include "services/net/Url.h"
+#include "services/net/NetworkRules.h"
 
 namespace vmr {
 
@@ -16,12 +19,14 @@ namespace {
 
 constexpr std::size_t largestAnswer = 64u * 1024 * 1024;
 constexpr int idlePollMilliseconds = 60000;
+constexpr int endPollMilliseconds = 20;
 
 struct Transfer {
+    std::uint64_t id = 0;
     HttpRequest request;
-    HttpClient::Done done;  // main thread only
     HttpResponse response;
-    bool loopback = false;
+    TrustStore trust;
+    std::string proxy, proxyUser, proxyPassword;
     CURL* easy = nullptr;
     curl_slist* headers = nullptr;
     char errorText[CURL_ERROR_SIZE] = {};
@@ -68,17 +73,43 @@ void setHeaders(Transfer& transfer) {
     curl_easy_setopt(transfer.easy, CURLOPT_HTTPHEADER, transfer.headers);
 }
 
+// A redirect repeats what was sent, to whomever the answer names: none is followed where that could be a secret.
+bool mayBeRedirected(const HttpRequest& request) {
+    return request.body.empty() && request.headers.empty() && (request.method == "GET" || request.method == "HEAD");
+}
+
+void setTrust(Transfer& transfer) {
+    const auto orNull = [](const std::string& text) { return text.empty() ? nullptr : text.c_str(); };
+    const TrustStore& trust = transfer.trust;
+    if (!trust.file.empty() || !trust.folder.empty()) {
+        curl_easy_setopt(transfer.easy, CURLOPT_CAINFO, orNull(trust.file));
+        curl_easy_setopt(transfer.easy, CURLOPT_CAPATH, orNull(trust.folder));
+    }
+    if (!trust.system.empty())
+        curl_easy_setopt(transfer.easy, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_NATIVE_CA));
+}
+
+// An empty text turns libcurl's own reading of the environment off.
+void setProxy(Transfer& transfer) {
+    curl_easy_setopt(transfer.easy, CURLOPT_PROXY, transfer.proxy.c_str());
+    curl_easy_setopt(transfer.easy, CURLOPT_NOPROXY, "");
+    if (transfer.proxyUser.empty()) return;
+    curl_easy_setopt(transfer.easy, CURLOPT_PROXYUSERNAME, transfer.proxyUser.c_str());
+    curl_easy_setopt(transfer.easy, CURLOPT_PROXYPASSWORD, transfer.proxyPassword.c_str());
+}
+
 bool prepare(Transfer& transfer) {
     transfer.easy = curl_easy_init();
     if (!transfer.easy) return false;
     const auto set = [easy = transfer.easy](CURLoption option, auto value) { curl_easy_setopt(easy, option, value); };
     set(CURLOPT_PRIVATE, static_cast<void*>(&transfer));
     set(CURLOPT_ERRORBUFFER, transfer.errorText);
-    set(CURLOPT_NOSIGNAL, 1L);  // signals would reach other threads
+    set(CURLOPT_NOSIGNAL, 1L);    // signals would reach other threads
+    set(CURLOPT_QUICK_EXIT, 1L);  // dropping a transfer does not wait for the system's resolver
     set(CURLOPT_URL, transfer.request.url.c_str());
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
-    set(CURLOPT_FOLLOWLOCATION, 1L);
+    set(CURLOPT_FOLLOWLOCATION, mayBeRedirected(transfer.request) ? 1L : 0L);
     set(CURLOPT_MAXREDIRS, 5L);
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
@@ -87,7 +118,8 @@ bool prepare(Transfer& transfer) {
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(std::clamp(transfer.request.timeoutSeconds, 0.001, 86400.0) * 1000));
     set(CURLOPT_WRITEFUNCTION, takeBody);
     set(CURLOPT_WRITEDATA, static_cast<void*>(&transfer));
-    if (transfer.loopback) set(CURLOPT_PROXY, "");  // a proxy cannot reach this machine's own servers
+    setTrust(transfer);
+    setProxy(transfer);
     setMethod(transfer);
     setHeaders(transfer);
     return true;
@@ -110,116 +142,151 @@ std::optional<std::string> refusal(const HttpRequest& request, const std::option
 
 }  // namespace
 
+/// The transfers and the thread that carries them. The thread owns it too, so that an end need not wait for it.
 class CurlHttpClient::Worker {
  public:
-    explicit Worker(MainLoop& main) : main_(main), multi_(curl_multi_init()) {
+    /// Hands an answer to the client; runs on the main loop.
+    using Answer = std::function<void(std::uint64_t id, HttpResponse response)>;
+
+    static std::shared_ptr<Worker> start(MainLoop& main, Answer answer) {
+        auto worker = std::make_shared<Worker>(main, std::move(answer));
+        worker->thread_ = std::thread([worker] { worker->run(); });
+        return worker;
+    }
+
+    Worker(MainLoop& main, Answer answer) : main_(&main), answer_(std::move(answer)), multi_(curl_multi_init()) {
         if (!multi_) fatal("libcurl gives no multi handle");
-        thread_ = std::thread([this] { run(); });
     }
 
-    ~Worker() {
-        {
-            std::lock_guard lock(mutex_);
-            ending_ = true;
-        }
+    void add(std::unique_ptr<Transfer> transfer) {
+        std::lock_guard lock(mutex_);
+        waiting_.push_back(std::move(transfer));
         curl_multi_wakeup(multi_);
-        thread_.join();
-        for (auto& [easy, transfer] : running_) curl_multi_remove_handle(multi_, easy);
-        running_.clear();
-        curl_multi_cleanup(multi_);
     }
 
-    void send(HttpRequest request, Done done) {
-        auto transfer = std::make_shared<Transfer>();
-        transfer->done = std::move(done);
-        const auto url = parseUrl(request.url);
-        transfer->loopback = url && url->loopback;
-        if (auto reason = refusal(request, url)) {
-            transfer->response.transportError = std::move(reason);
-            return answer(std::move(transfer));
-        }
-        transfer->request = std::move(request);
-        {
-            std::lock_guard lock(mutex_);
-            waiting_.push_back(std::move(transfer));
-        }
-        curl_multi_wakeup(multi_);
+    /// Once, on the main thread: no answer comes any more. Waits a moment for the last words, and leaves a thread
+    /// behind that is held up for longer.
+    void end() {
+        std::unique_lock lock(mutex_);
+        main_ = nullptr;
+        endBy_ = std::chrono::steady_clock::now() + lastWordPatience;
+        curl_multi_wakeup(multi_);  // before the lock goes: the handle ends with the thread
+        const bool ended = changed_.wait_until(lock, *endBy_ + threadPatience, [this] { return ended_; });
+        lock.unlock();
+        ended ? thread_.join() : thread_.detach();
+    }
+
+    /// The answer of a request that is not sent.
+    void refuse(std::uint64_t id, std::string reason) {
+        HttpResponse response;
+        response.transportError = std::move(reason);
+        answer(id, std::move(response));
     }
 
  private:
-    using Shared = std::shared_ptr<Transfer>;
+    static constexpr std::chrono::milliseconds lastWordPatience{400}, threadPatience{100};
 
     void run() {
-        while (takeWaiting()) {
+        while (goesOn()) {
             int active = 0;
             curl_multi_perform(multi_, &active);
             int left = 0;
             while (const CURLMsg* message = curl_multi_info_read(multi_, &left))
                 if (message->msg == CURLMSG_DONE) finish(message->easy_handle, message->data.result);
-            curl_multi_poll(multi_, nullptr, 0, idlePollMilliseconds, nullptr);
+            curl_multi_poll(multi_, nullptr, 0, ending_ ? endPollMilliseconds : idlePollMilliseconds, nullptr);
         }
+        for (const auto& transfer : running_) curl_multi_remove_handle(multi_, transfer->easy);
+        running_.clear();
+        curl_multi_cleanup(multi_);
+        std::lock_guard lock(mutex_);
+        ended_ = true;
+        changed_.notify_all();
     }
 
-    bool takeWaiting() {
-        std::vector<Shared> taken;
+    // Takes what waits; false once it is time to end.
+    bool goesOn() {
+        std::vector<std::unique_ptr<Transfer>> taken;
+        std::chrono::steady_clock::time_point endBy;
         {
             std::lock_guard lock(mutex_);
-            if (ending_) return false;
+            ending_ = endBy_.has_value();
+            endBy = endBy_.value_or(endBy);
             taken.swap(waiting_);
         }
-        for (Shared& transfer : taken) {
-            if (prepare(*transfer) && curl_multi_add_handle(multi_, transfer->easy) == CURLM_OK) {
-                running_.emplace(transfer->easy, std::move(transfer));
-            } else {
-                transfer->response.transportError = "libcurl could not take the request";
-                answer(std::move(transfer));
-            }
+        for (auto& transfer : taken) {
+            if (prepare(*transfer) && curl_multi_add_handle(multi_, transfer->easy) == CURLM_OK)
+                running_.push_back(std::move(transfer));
+            else
+                refuse(transfer->id, "libcurl could not take the request");
         }
-        return true;
+        return !ending_ || (lastWordsLeft() && std::chrono::steady_clock::now() < endBy);
+    }
+
+    bool lastWordsLeft() const {
+        return std::any_of(running_.begin(), running_.end(), [](const auto& one) { return one->request.lastWord; });
     }
 
     void finish(CURL* easy, CURLcode result) {
-        auto node = running_.extract(easy);
-        Shared transfer = std::move(node.mapped());
+        const auto found =
+            std::find_if(running_.begin(), running_.end(), [easy](const auto& one) { return one->easy == easy; });
+        const std::unique_ptr<Transfer> transfer = std::move(*found);
+        running_.erase(found);
         curl_multi_remove_handle(multi_, easy);
-        if (result == CURLE_OK) {
-            long status = 0;
-            curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
-            transfer->response.status = static_cast<int>(status);
-        } else {
-            transfer->response.body.clear();
-            transfer->response.transportError = *transfer->errorText ? transfer->errorText : curl_easy_strerror(result);
-        }
-        transfer->release();
-        answer(std::move(transfer));
+        if (result != CURLE_OK)
+            return refuse(transfer->id, *transfer->errorText ? transfer->errorText : curl_easy_strerror(result));
+        long status = 0;
+        curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
+        transfer->response.status = static_cast<int>(status);
+        answer(transfer->id, std::move(transfer->response));
     }
 
-    void answer(Shared transfer) {
-        main_.post([alive = std::weak_ptr(alive_), transfer = std::move(transfer)] {
-            // moved out of the request first: what the callback captures must be destroyed on the main thread
-            const Done done = std::move(transfer->done);
-            if (!alive.expired() && done) done(std::move(transfer->response));
-        });
+    void answer(std::uint64_t id, HttpResponse response) {
+        std::lock_guard lock(mutex_);
+        if (main_) main_->post([answer = answer_, id, response = std::move(response)] { answer(id, response); });
     }
 
-    MainLoop& main_;
+    std::mutex mutex_;  // guards the next four
+    MainLoop* main_;    // null once the end has begun
+    std::optional<std::chrono::steady_clock::time_point> endBy_;
+    std::vector<std::unique_ptr<Transfer>> waiting_;
+    bool ended_ = false;
+    std::condition_variable changed_;
+    const Answer answer_;
     CURLM* const multi_;
-    const std::shared_ptr<int> alive_ = std::make_shared<int>(0);
-    std::mutex mutex_;  // guards the two below
-    std::vector<Shared> waiting_;
+    std::vector<std::unique_ptr<Transfer>> running_;  // the thread's own, as is the next
     bool ending_ = false;
-    std::map<CURL*, Shared> running_;  // the thread's own
     std::thread thread_;
 };
 
 CurlHttpClient::CurlHttpClient(MainLoop& main) {
     static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
     if (ready != CURLE_OK) fatal("libcurl does not start");
-    worker_ = std::make_unique<Worker>(main);
+    worker_ = Worker::start(main, weak_([this](std::uint64_t id, const HttpResponse& response) {
+                                // out of the list first: what it calls may send again or end the client
+                                const auto waiting = waiting_.extract(id);
+                                if (!waiting.empty() && waiting.mapped()) waiting.mapped()(response);
+                            }));
 }
 
-CurlHttpClient::~CurlHttpClient() = default;
+CurlHttpClient::~CurlHttpClient() { worker_->end(); }
 
-void CurlHttpClient::send(HttpRequest request, Done done) { worker_->send(std::move(request), std::move(done)); }
+void CurlHttpClient::send(HttpRequest request, Done done) {
+    const std::uint64_t id = ++lastId_;
+    waiting_.emplace(id, std::move(done));
+    const auto url = parseUrl(request.url);
+    if (auto reason = refusal(request, url)) return worker_->refuse(id, std::move(*reason));
+    const auto proxy = proxyFor(*url, environment);
+    if (proxy && !proxy->problem.empty()) return worker_->refuse(id, proxy->problem);
+    auto transfer = std::make_unique<Transfer>();
+    transfer->id = id;
+    transfer->request = std::move(request);
+    transfer->trust = TrustStore::find(environment);
+    if (proxy) {
+        transfer->proxy = proxy->address();
+        transfer->proxyUser = proxy->user;
+        transfer->proxyPassword = proxy->password;
+    }
+    worker_->add(std::move(transfer));
+}
 
 }  // namespace vmr

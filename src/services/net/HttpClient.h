@@ -15,6 +15,7 @@ struct HttpRequest {
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body;
     double timeoutSeconds = 60;
+    bool lastWord = false;  ///< still gets a moment when the client ends, without an answer then
 };
 
 /// Either a status and a body, or the transport's error text.

@@ -13,20 +13,14 @@ namespace {
 
 struct Part {
     char* text = nullptr;
-    Part(CURLU* url, CURLUPart part) {
-        if (curl_url_get(url, part, &text, 0) != CURLUE_OK) text = nullptr;
+    Part(CURLU* url, CURLUPart part, unsigned flags = 0) {
+        if (curl_url_get(url, part, &text, flags) != CURLUE_OK) text = nullptr;
     }
     ~Part() { curl_free(text); }
     Part(const Part&) = delete;
     Part& operator=(const Part&) = delete;
     std::string str() const { return text ? text : ""; }
 };
-
-std::string lowered(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return text;
-}
 
 // four decimal numbers of which the first is 127; "127.0.0.1.example.org" is a name
 bool isIpv4Loopback(std::string_view host) {
@@ -48,9 +42,14 @@ std::string ownPort(bool secure) { return secure ? "443" : "80"; }
 
 }  // namespace
 
+std::string Url::hostAndPort() const {
+    return (host.find(':') == std::string::npos ? host : "[" + host + "]") + ":" + port;
+}
+
 std::string Url::authority() const {
-    const std::string shown = host.find(':') == std::string::npos ? host : "[" + host + "]";
-    return port == ownPort(secure) ? shown : shown + ":" + port;
+    std::string shown = hostAndPort();
+    if (port == ownPort(secure)) shown.resize(shown.size() - port.size() - 1);
+    return shown;
 }
 
 std::optional<Url> parseUrl(const std::string& text) {
@@ -59,19 +58,29 @@ std::optional<Url> parseUrl(const std::string& text) {
     if (!parsed || curl_url_set(parsed.get(), CURLUPART_URL, text.c_str(), CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK)
         return std::nullopt;
     Url url;
-    url.scheme = lowered(Part(parsed.get(), CURLUPART_SCHEME).str());
+    url.scheme = lowerCase(Part(parsed.get(), CURLUPART_SCHEME).str());
     url.host = Part(parsed.get(), CURLUPART_HOST).str();
     if (url.scheme.empty() || url.host.empty()) return std::nullopt;
     if (url.host.front() == '[') url.host = url.host.substr(1, url.host.size() - 2);
     url.secure = url.scheme == "wss" || url.scheme == "https";
-    url.loopback = lowered(url.host) == "localhost" || url.host == "::1" || isIpv4Loopback(url.host);
+    url.loopback = lowerCase(url.host) == "localhost" || url.host == "::1" || isIpv4Loopback(url.host);
     url.port = Part(parsed.get(), CURLUPART_PORT).str();
-    if (url.port.empty()) url.port = ownPort(url.secure);
+    url.namesPort = !url.port.empty();
+    if (!url.namesPort) url.port = ownPort(url.secure);
+    url.user = Part(parsed.get(), CURLUPART_USER, CURLU_URLDECODE).str();
+    url.password = Part(parsed.get(), CURLUPART_PASSWORD, CURLU_URLDECODE).str();
     url.target = Part(parsed.get(), CURLUPART_PATH).str();
     if (url.target.empty()) url.target = "/";
     const Part query(parsed.get(), CURLUPART_QUERY);
     if (query.text) url.target += "?" + query.str();
     return url;
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return lower;
 }
 
 std::string percentEncoded(std::string_view text, std::string_view kept) {

@@ -14,34 +14,37 @@ ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make
     setAcceptedMouseButtons(Qt::LeftButton | Qt::RightButton);
     setAcceptHoverEvents(true);
     setActiveFocusOnTab(true);
+    connect(this, &FrameItem::problemChanged, this, &ChartItem::endInput);
     makeView();
 }
 
 ChartItem::~ChartItem() { leavePane(); }
 
-// Clock, loop, account and probe are the pane's. The panes of one program share theirs, and then the view stays what it
-// is, its size and its camera's followers included.
+// Clocks, loop, account and probe are the pane's. The panes of one program share theirs, and then the view stays what
+// it is, its size and its camera's followers included.
 void ChartItem::makeView() {
     const PaneViewModel::Surroundings none;
     const auto& at = pane_ ? pane_->surroundings() : none;
     Drawing& own = *drawing_;
     MainLoop& main = at.main ? *at.main : own.loop;
     const Clock& clock = at.clock ? *at.clock : own.clock;
+    SessionTime& session = at.session ? *at.session : own.session;
     own.drive.reset();
     own.camera.end();
-    const Drawing::Given given{&clock, &main, at.trading, at.perf};
+    const Drawing::Given given{&clock, &session, &main, at.trading, at.perf};
     if (!own.view || own.given != given) {
         setLive(false);  // of the view before
         own.view.reset();
         own.view = std::make_unique<ChartView>(
-            ChartView::Surroundings{gpu(), glyphs(), own.session, clock, main, at.perf, at.trading});
+            ChartView::Surroundings{gpu(), glyphs(), session, clock, main, at.perf, at.trading});
         own.given = given;
         watchView();
     }
     setPerf(at.perf, at.bench.input);
     if (at.bench.baseline) own.camera = own.view->viewportState()->changed.connect([this] { pane_->notifyAll(); });
     if (at.bench.drives() && at.perf && at.print)
-        own.drive = std::make_unique<PerfDrive>(renderer(), input(), main, *at.perf, at.bench, at.print, at.quit);
+        own.drive =
+            std::make_unique<PerfDrive>(renderer(), own.view->input(), main, *at.perf, at.bench, at.print, at.quit);
 }
 
 void ChartItem::watchView() {
@@ -54,9 +57,10 @@ void ChartItem::watchView() {
             requestFrame();
     };
     view.onMoved = [this] { updateCrosshair(); };  // with the frame, not after it
+    view.onStartOver = [this] { endOrderMenu(); };
     view.onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
-    input().onMouseMove = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
-    input().onCursor = [this](ChartCursor cursor) { showCursor(cursor); };
+    view.input().pointer.onReport = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
+    view.input().onCursor = [this](ChartCursor cursor) { showCursor(cursor); };
 }
 
 void ChartItem::setLiveRefresh(bool on) {
@@ -98,7 +102,10 @@ void ChartItem::readPane() {
 
 ChartRenderer& ChartItem::renderer() { return drawing_->view->renderer(); }
 
-ChartInput& ChartItem::input() { return drawing_->view->input(); }
+ChartInput& ChartItem::input() {
+    drawing_->view->catchUp();
+    return drawing_->view->input();
+}
 
 const std::shared_ptr<ViewportState>& ChartItem::viewportState() const { return drawing_->view->viewportState(); }
 

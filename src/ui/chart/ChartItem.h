@@ -50,6 +50,8 @@ class ChartItem : public FrameItem {
  signals:
     void paneChanged();
     void orderMenuRequested(qreal x, qreal y);
+    /// The chart that the menu was opened on is gone.
+    void orderMenuEnded();
 
  protected:
     bool event(QEvent* event) override;
@@ -80,12 +82,13 @@ class ChartItem : public FrameItem {
     void showCursor(ChartCursor cursor);
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
+    void endOrderMenu();
+    void endInput();
 
     std::unique_ptr<Drawing> drawing_;
     QPointer<PaneViewModel> pane_;
-    ChartPoint lastPress_;  ///< where a drag has come to
-    std::vector<OrderMenuItem> orderMenu_;
-    std::string orderMenuRoot_;  ///< what it trades
+    ChartPoint lastPress_;                  ///< where a drag has come to
+    std::vector<OrderMenuItem> orderMenu_;  ///< empty once its chart is gone
 };
 
 }  // namespace vmr

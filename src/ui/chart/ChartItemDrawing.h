@@ -17,15 +17,17 @@ struct ChartItem::Drawing {
     /// What of the pane's surroundings the view was made with.
     struct Given {
         const Clock* clock = nullptr;
+        SessionTime* session = nullptr;
         MainLoop* main = nullptr;
         ChartTrading* trading = nullptr;
         Perf* perf = nullptr;
         bool operator==(const Given&) const = default;
     };
 
+    // for a chart whose pane names none
     SystemClock clock;
     SessionTime session;
-    QtLoop loop;  // for a chart whose pane names none
+    QtLoop loop;
     CrosshairState crosshair;
     Given given;
     std::unique_ptr<ChartView> view;  // never null

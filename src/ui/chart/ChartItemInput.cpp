@@ -47,7 +47,8 @@ void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
 void ChartItem::updateCrosshair() {
     const ChartRenderer& shown = renderer();
     const auto bars = shown.camera().settled() ? shown.candles() : std::span<const Candle>();
-    drawing_->crosshair.update(shown.camera().viewport(), bars, width(), height(), drawing_->session);
+    drawing_->crosshair.update(shown.camera().viewport(), bars, width(), height(), *drawing_->given.session,
+                               drawing_->view->axes().labels());
     if (shown.perf && drawing_->crosshair.shown()) shown.perf->bump("CrosshairHud");
 }
 
@@ -57,7 +58,6 @@ void ChartItem::mousePressEvent(QMouseEvent* event) {
     lastPress_ = at;
     if (event->button() == Qt::LeftButton) return input().mouseDown(at);
     orderMenu_ = input().orderMenu(at);
-    orderMenuRoot_ = input().simRoot;
     if (!orderMenu_.empty()) emit orderMenuRequested(at.x, at.y);
 }
 
@@ -100,7 +100,12 @@ void ChartItem::hoverMoveEvent(QHoverEvent* event) { input().mouseMoved(pointOf(
 
 void ChartItem::hoverLeaveEvent(QHoverEvent*) { input().mouseExited(); }
 
+// Nobody can aim at a chart that is not drawn.
 bool ChartItem::event(QEvent* event) {
+    if (!problem().isEmpty() && event->isInputEvent()) {
+        event->ignore();
+        return false;
+    }
     if (event->type() == QEvent::NativeGesture) {
         const auto* gesture = static_cast<QNativeGestureEvent*>(event);
         if (gesture->gestureType() == Qt::ZoomNativeGesture) {
@@ -141,14 +146,27 @@ QVariantList ChartItem::orderMenu() const {
     QVariantList list;
     for (const OrderMenuItem& item : orderMenu_)
         list.push_back(QVariantMap{{QStringLiteral("text"), QString::fromStdString(item.text)},
+                                   {QStringLiteral("note"), item.action == OrderMenuItem::Action::note},
                                    {QStringLiteral("separator"), item.action == OrderMenuItem::Action::separator}});
     return list;
 }
 
 void ChartItem::chooseOrder(int index) {
+    ChartInput& now = input();  // which ends the menu when another chart is open
     if (index < 0 || static_cast<std::size_t>(index) >= orderMenu_.size()) return;
-    if (orderMenuRoot_ != input().simRoot) return;  // its prices are those of another chart
-    input().choose(orderMenu_[static_cast<std::size_t>(index)]);
+    now.choose(orderMenu_[static_cast<std::size_t>(index)]);
+}
+
+void ChartItem::endOrderMenu() {
+    orderMenu_.clear();
+    emit orderMenuEnded();
+}
+
+void ChartItem::endInput() {
+    if (problem().isEmpty()) return;
+    drawing_->view->input().letGo();
+    pointerMoved(std::nullopt);
+    endOrderMenu();
 }
 
 }  // namespace vmr

@@ -10,6 +10,22 @@ Item {
     readonly property real timeAxis: cross.timeAxisHeight
     readonly property bool inPlot: cross.shown && cross.x < width - priceAxis && cross.y < height - timeAxis
 
+    // From where to where a tag hides an axis, so that every label it touches is hidden whole. `labels` holds where each
+    // begins and ends.
+    function hidden(from, to, labels) {
+        let begin = from, end = to;
+        for (let i = 0; i < labels.length; i += 2) {
+            if (labels[i] >= to || labels[i + 1] <= from)
+                continue;
+            begin = Math.min(begin, labels[i]);
+            end = Math.max(end, labels[i + 1]);
+        }
+        return Qt.point(begin, end);
+    }
+
+    component Ground: Rectangle {
+        color: Theme.background
+    }
     component Tag: Rectangle {
         property alias text: label.text
         width: Math.ceil(label.implicitWidth) + 8
@@ -40,14 +56,34 @@ Item {
         height: 1
         color: "#40ffffff"
     }
+    Ground {
+        readonly property point span: view.hidden(priceTag.y, priceTag.y + priceTag.height, view.cross.priceLabels)
+        objectName: "crosshairPriceGround"
+        visible: view.inPlot
+        x: view.width - view.priceAxis + 1
+        y: span.x
+        width: view.priceAxis - 1
+        height: Math.min(span.y, view.height - view.timeAxis) - y
+    }
     Tag {
+        id: priceTag
         objectName: "crosshairPrice"
         visible: view.inPlot
         x: view.width - width - 1
         y: Math.max(0, Math.min(Math.round(view.cross.y - height / 2), view.height - view.timeAxis - height))
         text: view.cross.priceText
     }
+    Ground {
+        readonly property point span: view.hidden(timeTag.x, timeTag.x + timeTag.width, view.cross.timeLabels)
+        objectName: "crosshairTimeGround"
+        visible: timeTag.visible
+        x: span.x
+        y: view.height - view.timeAxis + 1
+        width: Math.min(span.y, view.width - view.priceAxis) - x
+        height: view.timeAxis - 1
+    }
     Tag {
+        id: timeTag
         objectName: "crosshairTime"
         visible: view.inPlot && view.cross.timeText !== ""
         x: Math.max(0, Math.min(Math.round(view.cross.x - width / 2), view.width - view.priceAxis - width))

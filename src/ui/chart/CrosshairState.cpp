@@ -11,10 +11,15 @@ QString text(const AxisScale::Label& label) {
     const std::string_view chars = label.text();
     return QString::fromUtf8(chars.data(), static_cast<qsizetype>(chars.size()));
 }
+
+void copyTo(QList<qreal>& list, const std::vector<AxisLayer::Extent>& labels) {
+    list.clear();
+    for (const auto& [from, to] : labels) list << from << to;
+}
 }  // namespace
 
 void CrosshairState::update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,
-                            SessionTime& session) {
+                            SessionTime& session, const AxisLayer::Labels& labels) {
     const bool wasShown = std::exchange(shown_, mousePoint_.has_value() && !candles.empty());
     if (!shown_) {
         if (wasShown) emit changed();
@@ -28,6 +33,8 @@ void CrosshairState::update(const Viewport& viewport, std::span<const Candle> ca
         timeText_ = text(AxisScale::fmtTime(session, time, true)) + QStringLiteral("  ") +
                     text(AxisScale::fmtTime(session, time, false));
     }
+    copyTo(priceLabels_, labels.prices);
+    copyTo(timeLabels_, labels.times);
     emit changed();
 }
 

@@ -1,12 +1,14 @@
 // Where the pointer is over a chart, and what lies there.
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QQmlEngine>
 #include <QString>
 #include <optional>
 #include <span>
 
+#include "chart/AxisLayer.h"
 #include "chart/ChartInput.h"
 #include "gpu/PlotArea.h"
 #include "market/Records.h"
@@ -25,6 +27,8 @@ class CrosshairState : public QObject {
     Q_PROPERTY(qreal y READ y NOTIFY changed)
     Q_PROPERTY(QString priceText READ priceText NOTIFY changed)
     Q_PROPERTY(QString timeText READ timeText NOTIFY changed)
+    Q_PROPERTY(QList<qreal> priceLabels READ priceLabels NOTIFY changed)
+    Q_PROPERTY(QList<qreal> timeLabels READ timeLabels NOTIFY changed)
     Q_PROPERTY(qreal priceAxisWidth READ priceAxisWidth CONSTANT)
     Q_PROPERTY(qreal timeAxisHeight READ timeAxisHeight CONSTANT)
 
@@ -36,13 +40,16 @@ class CrosshairState : public QObject {
 
     /// Works out the tags anew: after the pointer, the camera or the bars have moved. `width` and `height` in points.
     void update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,
-                SessionTime& session);
+                SessionTime& session, const AxisLayer::Labels& labels);
 
     bool shown() const { return shown_; }
     qreal x() const { return mousePoint_ ? mousePoint_->x : 0; }
     qreal y() const { return mousePoint_ ? mousePoint_->y : 0; }
     QString priceText() const { return priceText_; }
     QString timeText() const { return timeText_; }  ///< of the bar under the pointer; empty beyond the bars
+    // Of the axes' labels where each begins and ends, one after the other: the tags cover whole ones only.
+    const QList<qreal>& priceLabels() const { return priceLabels_; }
+    const QList<qreal>& timeLabels() const { return timeLabels_; }
     qreal priceAxisWidth() const { return PlotArea::priceAxisWidth; }
     qreal timeAxisHeight() const { return PlotArea::timeAxisHeight; }
 
@@ -53,6 +60,7 @@ class CrosshairState : public QObject {
     std::optional<ChartPoint> mousePoint_;
     bool shown_ = false;
     QString priceText_, timeText_;
+    QList<qreal> priceLabels_, timeLabels_;
 };
 
 }  // namespace vmr

@@ -1,4 +1,4 @@
-// The menu of a right click on the chart. `rows` holds { text, separator }.
+// The menu of a right click on the chart. `rows` holds { text, note, separator }; a note is only to be read.
 import QtQuick
 import QtQuick.Templates as T
 
@@ -10,6 +10,9 @@ T.Popup {
     property point at
     signal chosen(int index)
 
+    function canTake(index) {
+        return !rows[index].separator && !rows[index].note;
+    }
     function openAt(px, py) {
         marked = -1;
         at = Qt.point(px, py);
@@ -17,7 +20,7 @@ T.Popup {
     }
     function step(by) {
         for (let i = marked + by; i >= 0 && i < rows.length; i += by) {
-            if (!rows[i].separator) {
+            if (canTake(i)) {
                 marked = i;
                 return;
             }
@@ -25,7 +28,7 @@ T.Popup {
     }
     function take(index) {
         close();
-        if (index >= 0 && !rows[index].separator)
+        if (index >= 0 && canTake(index))
             chosen(index);
     }
 
@@ -76,11 +79,12 @@ T.Popup {
                         x: 10
                         visible: !row.modelData.separator
                         anchors.verticalCenter: parent.verticalCenter
+                        color: row.modelData.note ? Theme.warning : Theme.text
                         text: row.modelData.text
                     }
                     MouseArea {
                         anchors.fill: parent
-                        enabled: !row.modelData.separator
+                        enabled: menu.canTake(row.index)
                         hoverEnabled: true
                         onEntered: menu.marked = row.index
                         onClicked: menu.take(row.index)

@@ -123,7 +123,6 @@ void FrameItem::updateOnScreen() {
 
 bool FrameItem::recordOnce() {
     const bool moves = record(gpu_, size(), window()->effectiveDevicePixelRatio(), clock_.monotonic());
-    follower_->recorded(showsInput());
     recordedGlyphs_ = glyphs_.generation();
     return moves;
 }
@@ -134,9 +133,13 @@ void FrameItem::updatePolish() {
     const unsigned glyphsBefore = glyphs_.generation();
     calm_.stop();
     processorAt_ = processorSeconds();
-    bool moves = recordOnce();
+    bool moves = recordOnce(), input = showsInput();
     const bool moved = glyphs_.generation() != glyphsBefore;
-    if (moved) moves = recordOnce();  // what was drawn before the atlas moved its glyphs is stale
+    if (moved) {  // what was drawn before the atlas moved its glyphs is stale
+        moves = recordOnce();
+        input = input || showsInput();
+    }
+    follower_->recorded(input);
     recordedAt_ = clock_.monotonic();
     pace_.begun(recordedAt_);
     const bool calm = moves && calmWait() > 0;

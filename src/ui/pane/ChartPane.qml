@@ -27,6 +27,7 @@ FocusScope {
             orderMenu.rows = chart.orderMenu;
             orderMenu.openAt(x, y);
         }
+        onOrderMenuEnded: orderMenu.close()
 
         PinchHandler {
             property real lastScale: 1
@@ -66,13 +67,30 @@ FocusScope {
         color: chart.problem !== "" ? Theme.error : Theme.textFaint
         text: chart.problem !== "" ? chart.problem : paneView.pane.chart.empty ? qsTr("Waiting for bars…") : ""
     }
-    Notice {
-        objectName: "limitNotice"
+    Column {
         anchors.top: toolbar.bottom
         anchors.topMargin: 12
         anchors.horizontalCenter: parent.horizontalCenter
         width: Math.min(560, parent.width - 48)
-        visible: paneView.pane.session.connLimited
-        text: qsTr("Connection limit reached (4 per user, windows + dual panes). Close one to open another.")
+        spacing: 8
+
+        Notice {
+            objectName: "setupNotice"
+            width: parent.width
+            visible: text !== ""
+            text: paneView.pane.session.setupProblem
+        }
+        Notice {
+            objectName: "limitNotice"
+            width: parent.width
+            visible: paneView.pane.session.connLimited
+            text: qsTr("Connection limit reached (4 per user, windows + dual panes). Close one to open another.")
+        }
+        Notice {
+            objectName: "accountNotice"
+            width: parent.width
+            visible: text !== ""
+            text: paneView.pane.chart.accountProblem
+        }
     }
 }

@@ -3,6 +3,7 @@
 
 #include <QObject>
 #include <QQmlEngine>
+#include <QString>
 #include <functional>
 #include <utility>
 
@@ -18,6 +19,7 @@ class ChartViewModel : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("belongs to a pane")
     Q_PROPERTY(bool empty READ empty NOTIFY emptyChanged)
+    Q_PROPERTY(QString accountProblem READ accountProblem NOTIFY accountProblemChanged)
 
  public:
     /// Gets the chart that shows the pane; null when that is gone.
@@ -42,6 +44,11 @@ class ChartViewModel : public QObject {
     void setEmpty(bool empty) {
         if (std::exchange(empty_, empty) != empty) emit emptyChanged();
     }
+    /// What is wrong with the paper account for as long as it lasts; empty for nothing.
+    QString accountProblem() const { return accountProblem_; }
+    void setAccountProblem(const QString& problem) {
+        if (std::exchange(accountProblem_, problem) != problem) emit accountProblemChanged();
+    }
     /// Tells that the paper account's lines are not what they were.
     void tellAccountChanged() { emit accountChanged(); }
 
@@ -49,11 +56,13 @@ class ChartViewModel : public QObject {
     void sourceChanged();
     void emptyChanged();
     void accountChanged();
+    void accountProblemChanged();
 
  private:
     ChartSource* source_ = nullptr;
     SetPort setPort_;
     bool empty_ = true;
+    QString accountProblem_;
 };
 
 }  // namespace vmr

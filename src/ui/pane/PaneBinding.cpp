@@ -19,7 +19,9 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, c
     setActions();
     watch();
     if (sim)
-        connections_.push_back(sim->changed.connect([this](SimEngine::Field) { view_.chart.tellAccountChanged(); }));
+        connections_.push_back(sim->changed.connect([this](SimEngine::Field field) {
+            if (field != SimEngine::Field::keeping) view_.chart.tellAccountChanged();
+        }));
     view_.chart.setSource(&model_, [this](ChartPort* port) { model_.setChartPort(port); });
     marked_ = sessionConcern | toolbarConcern | toastConcern | chartConcern;
     flush();
@@ -55,16 +57,14 @@ void PaneBinding::watch() {
           model_.session.userEmail, model_.session.connected, model_.session.connLimited, model_.session.status);
     watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.catalog.catFutures, model_.catalog.catStocks);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
-    watch(chartConcern, model_.bars.displayCandles);
+    watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
 }
 
 void PaneBinding::mark(Concern concern) {
     const bool first = marked_ == 0;
     marked_ |= concern;
     if (!first) return;
-    main_.post([this, alive = std::weak_ptr<int>(alive_)] {
-        if (!alive.expired()) flush();
-    });
+    main_.post(whileThere_([this] { flush(); }));
 }
 
 void PaneBinding::flush() {
@@ -72,7 +72,10 @@ void PaneBinding::flush() {
     const unsigned concerns = std::exchange(marked_, 0);  // what the views do in turn belongs to the next flush
     if (concerns & toolbarConcern) view_.toolbar.set(toolbarState());
     if (concerns & toastConcern) view_.toast.set(toastState());
-    if (concerns & chartConcern) view_.chart.setEmpty(model_.bars.displayCandles->empty());
+    if (concerns & chartConcern) {
+        view_.chart.setEmpty(model_.bars.displayCandles->empty());
+        view_.chart.setAccountProblem(text(model_.notices.accountProblem->value_or("")));
+    }
     if (concerns & sessionConcern) view_.session.set(sessionState());
 }
 

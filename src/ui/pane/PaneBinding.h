@@ -2,12 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "base/SerialQueue.h"
 #include "base/Signal.h"
+#include "base/WeakTask.h"
 #include "ui/pane/PaneViewModel.h"
 
 namespace vmr {
@@ -52,7 +52,7 @@ class PaneBinding {
     unsigned marked_ = 0;  ///< concerns that the next flush copies
     std::uint64_t flushes_ = 0;
     std::vector<Connection> connections_;
-    std::shared_ptr<int> alive_ = std::make_shared<int>();  ///< a posted flush holds it weakly
+    WeakTask whileThere_;
 };
 
 }  // namespace vmr

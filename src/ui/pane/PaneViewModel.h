@@ -9,6 +9,7 @@
 
 #include "base/Clock.h"
 #include "base/SerialQueue.h"
+#include "market/SessionTime.h"
 #include "perf/BenchSettings.h"
 #include "ui/pane/ChartViewModel.h"
 #include "ui/pane/SessionViewModel.h"
@@ -36,6 +37,8 @@ class PaneViewModel : public QObject {
     /// What the chart's input reaches beside the pane; null and empty where there is none. All outlive the views.
     struct Surroundings {
         const Clock* clock = nullptr;  ///< market time
+        /// The pane's and the account's: on the day of a clock change two of them may answer differently.
+        SessionTime* session = nullptr;
         MainLoop* main = nullptr;
         ChartTrading* trading = nullptr;
         Perf* perf = nullptr;

@@ -27,6 +27,7 @@ class FakeWebSockets {
 
         void accept() { fire(&WebSocket::Events::onOpen); }
         void frame(std::string bytes, bool binary = false) { fire(&WebSocket::Events::onFrame, bytes, binary); }
+        void refuse(int status) { fire(&WebSocket::Events::onRefused, status); }
         void close(int code) { fire(&WebSocket::Events::onClosed, code); }
         void fail(std::string error) { fire(&WebSocket::Events::onFailed, error); }
         void failSend(std::string error) { fire(&WebSocket::Events::onSendFailed, error); }

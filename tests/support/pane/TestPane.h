@@ -54,7 +54,8 @@ class TestPane {
                 .hfScales = hfScales,
                 .makeRelay = relay,
                 .print = [this](const std::string& line) { printed.push_back(line); },
-                .sim = sim};
+                .sim = sim,
+                .strictFeed = strictFeed};
     }
     template <class... Restore>
     AppModel& make(const Restore&... restore) {
@@ -123,6 +124,7 @@ class TestPane {
     std::vector<std::string> printed;
     int tokens = 0;
     SimEngine* sim = nullptr;  ///< to be set before the pane is made
+    bool strictFeed = false;   ///< likewise
     std::unique_ptr<AppModel> model;
 };
 
