@@ -109,8 +109,9 @@ ShellSurroundings Program::shell(std::function<void()> quit) {
     ShellSurroundings at{
         *panes_, *sim_, print_, std::move(quit), [this](const std::string& file) { return writeState(file); }, {}, {}};
     at.bench = [&main = main_](double seconds) {
-        Perf::shared().benchBegin();
+        if (!Perf::shared().benchBegin()) return false;
         main.after(seconds, [] { Perf::shared().benchEnd(); });
+        return true;
     };
     if (relay::PracticeRelay* relay = start_.practice()) {
         at.practiceRelay = [relay](const std::string& line) { return relay->command(line); };

@@ -109,11 +109,13 @@ class ChartView final : public ChartPort {
     /// What of the content on show the next one is compared with.
     struct Shown {
         std::uint64_t chart = 0;
+        double timeframe = 1;
         ChartContent::Revisions revisions;
         OverlayStyle style;
     };
     void askForFrame();
     void readSource();
+    bool onlyDataDiffers(const ChartContent& content) const;
     void startOver();
     void setRoot(std::string_view root);
     void makeRibbons(const ChartContent& content);
@@ -131,9 +133,11 @@ class ChartView final : public ChartPort {
     ChartSource* source_ = nullptr;
     std::optional<Shown> shown_;  ///< nothing: all of the next content is new
     bool contentDirty_ = false;   ///< the source said that its content changed
+    bool readPosted_ = false;     ///< the end of this turn reads it
     bool ribbonsDue_ = false;     ///< of the source's newest content, before the next frame
     bool onlyData_ = false;       ///< what changes is new data of the chart on show
     bool frameAwaited_ = false;   ///< a frame is asked for and will read the content
+    bool calmFrameAwaited_ = false;
     bool recording_ = false;
     bool barsMoved_ = false;  ///< bars came or went since the last frame
 };

@@ -98,8 +98,7 @@ void ShellCommands::addProcessCommands() {
 CommandAnswer ShellCommands::bench(CommandWords& words) {
     const auto seconds = parseDouble(words.next());
     if (!seconds || !(*seconds > 0) || !std::isfinite(*seconds) || !at_.bench) return std::nullopt;
-    at_.bench(*seconds);
-    return "ok bench";
+    return at_.bench(*seconds) ? "ok bench" : "error: a benchmark is running";
 }
 
 CommandAnswer ShellCommands::signIn(CommandWords& words) {

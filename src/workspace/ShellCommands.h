@@ -20,7 +20,7 @@ struct ShellSurroundings {
     std::function<void()> quit;
     std::function<std::optional<std::string>(const std::string& file)> writeState;  ///< the text of what failed
     std::function<std::string(const std::string& line)> practiceRelay;  ///< its console; empty where there is none
-    std::function<void(double seconds)> bench;  ///< measures the frames of that long and prints the report
+    std::function<bool(double seconds)> bench;  ///< measures the frames of that long and reports; false: one is running
     SteerableClock* clock = nullptr;            ///< null where the market's time is not ours to set
 };
 
