@@ -68,7 +68,7 @@ bool AxisLayer::drawAbove(ScreenFrame& frame) {
         addPriceLabels(frame, box);
         addTimeLabels(frame);
         if (box.shown) {
-            labels_.prices.push_back({box.top, box.bottom});
+            labels_.lastPrice = {std::floor(box.top), std::ceil(box.bottom)};
             addPrice(frame, frame.candles.back().close, FontFace::semibold, (box.top + box.bottom) * 0.5, tagTextColor);
         }
     });

@@ -28,12 +28,14 @@ class AxisLayer final : public ScreenLayer {
     struct Extent {
         double from = 0, to = 0;
     };
-    /// Of the labels in the last frame, the last price in its box among them.
+    /// Of the labels in the last frame.
     struct Labels {
         std::vector<Extent> prices, times;
+        Extent lastPrice;  ///< its box, in whole pixels; empty where it is not shown
         void clear() {
             prices.clear();
             times.clear();
+            lastPrice = {};
         }
     };
     const Labels& labels() const { return labels_; }

@@ -165,8 +165,8 @@ TEST(ProgramSetup, WithoutARelayTheStoredSessionWaitsUnused) {
     Home home;
     const SilentServer signIn;
     const std::string url = signIn.url("http").substr(0, signIn.url("http").size() - 1);
-    fs::create_directories(Paths::user().config);
-    const fs::path file = Paths::user().config / "preferences.json";
+    fs::create_directories(Paths::user()->config);
+    const fs::path file = Paths::user()->config / "preferences.json";
     const std::string stored = R"({"vmr.auth.endpoints":")" + url + " " + url + R"(","vmr.auth.refreshToken":"mine"})";
     std::ofstream(file) << stored;
     for (const char* name : {"VMR_IDENTITY_URL", "VMR_SECURETOKEN_URL"}) ::setenv(name, url.c_str(), 1);

@@ -37,7 +37,7 @@ class RunningProgram {
         std::vector<char*> argv;
         for (auto& word : words) argv.push_back(word.data());
         argv.push_back(nullptr);
-        auto environment = environmentOf(home);
+        auto environment = environmentOf(home, variables);
         std::vector<char*> envp;
         for (auto& setting : environment) envp.push_back(setting.data());
         envp.push_back(nullptr);
@@ -98,9 +98,12 @@ class RunningProgram {
     }
 
  private:
-    /// This process's environment without settings of the program, at another home.
-    static std::vector<std::string> environmentOf(const std::filesystem::path& home) {
+    /// This process's environment at another home, with these settings of the program in place of its own.
+    static std::vector<std::string> environmentOf(const std::filesystem::path& home,
+                                                  const std::vector<std::pair<std::string, std::string>>& variables) {
         std::vector<std::string> settings{"HOME=" + home.string()};
+        // of a name that is given twice the last one counts, and a program finds the first
+        for (auto at = variables.rbegin(); at != variables.rend(); ++at) settings.push_back(at->first + "=" + at->second);
         for (char** at = environ; *at; ++at) {
             const std::string_view setting = *at;
             if (!setting.starts_with("XDG_") && !setting.starts_with("VMR_") && !setting.starts_with("HOME="))

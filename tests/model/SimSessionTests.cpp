@@ -137,7 +137,8 @@ TEST_F(SimPane, WithoutTheContractsTheBuiltInOneCountsAfterTwoSeconds) {
 }
 
 TEST_F(SimPane, ThePaneShowsTheAccountsProblemForAsLongAsItLasts) {
-    const auto file = std::filesystem::temp_directory_path() / ("sim-session-" + UuidSource().next().text());
+    const auto folder = std::filesystem::temp_directory_path() / ("sim-session-" + UuidSource().next().text());
+    const auto file = folder / "account.json";
     auto other = std::make_unique<SimStore>(file, time);
     SimEngine kept({time, account, UuidSource(6), std::make_shared<SimStore>(file, time), &main, &queue, {}, {}});
     sim = &kept;
@@ -149,6 +150,7 @@ TEST_F(SimPane, ThePaneShowsTheAccountsProblemForAsLongAsItLasts) {
     time.advance(2);
     EXPECT_FALSE(model->notices.accountProblem.get().has_value());
     model.reset();
+    std::filesystem::remove_all(folder);
 }
 
 /// Two trades of one second, 30 points apart.

@@ -115,13 +115,18 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
         }
         return hidden;
     };
-    int prices = 0, times = 0;
-    for (int i = 0; i < 9; ++i) {
-        hover(200 + 8 * i, 300 + 6 * i);
+    int prices = 0, times = 0, aside = 0;
+    const CrosshairState& cross = *chart->crosshair();
+    const double lastPrice = (cross.lastPriceFrom() + cross.lastPriceTo()) / 2;
+    for (int i = 0; i < 18; ++i) {
+        hover(200 + 8 * i, i < 9 ? 300 + 6 * i : lastPrice - 24 + 6 * (i - 9));
+        const QQuickItem& tag = *ui.item("crosshairPrice");
+        EXPECT_TRUE(tag.y() >= cross.lastPriceTo() || tag.y() + tag.height() <= cross.lastPriceFrom());
+        aside += std::abs(tag.y() + tag.height() / 2 - cross.y()) > 1 ? 1 : 0;
         prices += hides("crosshairPrice", "y", "height", chart->crosshair()->priceLabels());
         times += hides("crosshairTime", "x", "width", chart->crosshair()->timeLabels());
     }
-    EXPECT_TRUE(prices > 0 && times > 0);
+    EXPECT_TRUE(prices > 0 && times > 0 && aside > 2 && aside < 9) << aside;
 
     hover(chart->width() - 10, 300);
     EXPECT_FALSE(shows("crosshairPrice")) << "over the price axis";

@@ -20,7 +20,18 @@ Item {
             begin = Math.min(begin, labels[i]);
             end = Math.max(end, labels[i + 1]);
         }
-        return Qt.point(begin, end);
+        return Qt.point(Math.floor(begin), Math.ceil(end));
+    }
+    // Where a tag of this height lies on the price axis: at the pointer, but beside the last price's box, on the side
+    // that the pointer is on while there is room.
+    function besideLastPrice(tagHeight) {
+        const most = height - timeAxis - tagHeight;
+        const y = Math.max(0, Math.min(Math.round(cross.y - tagHeight / 2), most));
+        const from = cross.lastPriceFrom, to = cross.lastPriceTo;
+        if (from >= to || y >= to || y + tagHeight <= from)
+            return y;
+        const above = from - tagHeight;
+        return above >= 0 && (cross.y < (from + to) / 2 || to > most) ? above : to;
     }
 
     component Ground: Rectangle {
@@ -57,7 +68,11 @@ Item {
         color: "#40ffffff"
     }
     Ground {
-        readonly property point span: view.hidden(priceTag.y, priceTag.y + priceTag.height, view.cross.priceLabels)
+        // not over the last price, which a label beside it may reach into while it fades
+        readonly property point reach: view.hidden(priceTag.y, priceTag.y + priceTag.height, view.cross.priceLabels)
+        readonly property point span: priceTag.y + priceTag.height <= view.cross.lastPriceFrom
+                                      ? Qt.point(reach.x, Math.min(reach.y, view.cross.lastPriceFrom))
+                                      : Qt.point(priceTag.y >= view.cross.lastPriceTo ? Math.max(reach.x, view.cross.lastPriceTo) : reach.x, reach.y)
         objectName: "crosshairPriceGround"
         visible: view.inPlot
         x: view.width - view.priceAxis + 1
@@ -70,7 +85,7 @@ Item {
         objectName: "crosshairPrice"
         visible: view.inPlot
         x: view.width - width - 1
-        y: Math.max(0, Math.min(Math.round(view.cross.y - height / 2), view.height - view.timeAxis - height))
+        y: view.besideLastPrice(height)
         text: view.cross.priceText
     }
     Ground {

@@ -35,6 +35,7 @@ void CrosshairState::update(const Viewport& viewport, std::span<const Candle> ca
     }
     copyTo(priceLabels_, labels.prices);
     copyTo(timeLabels_, labels.times);
+    lastPrice_ = labels.lastPrice;
     emit changed();
 }
 

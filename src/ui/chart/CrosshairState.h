@@ -29,6 +29,8 @@ class CrosshairState : public QObject {
     Q_PROPERTY(QString timeText READ timeText NOTIFY changed)
     Q_PROPERTY(QList<qreal> priceLabels READ priceLabels NOTIFY changed)
     Q_PROPERTY(QList<qreal> timeLabels READ timeLabels NOTIFY changed)
+    Q_PROPERTY(qreal lastPriceFrom READ lastPriceFrom NOTIFY changed)
+    Q_PROPERTY(qreal lastPriceTo READ lastPriceTo NOTIFY changed)
     Q_PROPERTY(qreal priceAxisWidth READ priceAxisWidth CONSTANT)
     Q_PROPERTY(qreal timeAxisHeight READ timeAxisHeight CONSTANT)
 
@@ -47,9 +49,12 @@ class CrosshairState : public QObject {
     qreal y() const { return mousePoint_ ? mousePoint_->y : 0; }
     QString priceText() const { return priceText_; }
     QString timeText() const { return timeText_; }  ///< of the bar under the pointer; empty beyond the bars
-    // Of the axes' labels where each begins and ends, one after the other: the tags cover whole ones only.
+    // Of the axes' labels where each begins and ends, one after the other: the tags cover whole ones only. The last
+    // price's box is covered by none, and its ends are alike where it is not shown.
     const QList<qreal>& priceLabels() const { return priceLabels_; }
     const QList<qreal>& timeLabels() const { return timeLabels_; }
+    qreal lastPriceFrom() const { return lastPrice_.from; }
+    qreal lastPriceTo() const { return lastPrice_.to; }
     qreal priceAxisWidth() const { return PlotArea::priceAxisWidth; }
     qreal timeAxisHeight() const { return PlotArea::timeAxisHeight; }
 
@@ -61,6 +66,7 @@ class CrosshairState : public QObject {
     bool shown_ = false;
     QString priceText_, timeText_;
     QList<qreal> priceLabels_, timeLabels_;
+    AxisLayer::Extent lastPrice_;
 };
 
 }  // namespace vmr
