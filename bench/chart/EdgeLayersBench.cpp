@@ -55,7 +55,15 @@ struct Edges {
                           arena);
         benchmark::DoNotOptimize(made);
     }
-    std::size_t bytes() const { return (made.waveFill->count + made.edgeTris->count) * sizeof(ChartVertex); }
+    std::size_t bytes() const {
+        std::size_t sum = made.bars->count * sizeof(BoxVertex);
+        for (const EdgeFrame::Wave& wave : made.waves) {
+            if (!wave.fill) continue;
+            sum += wave.fill->count * sizeof(ChartVertex) + wave.stroke->count * sizeof(LineVertex) +
+                   wave.dots->count * sizeof(MarkerVertex);
+        }
+        return sum;
+    }
 };
 
 /// Into three buffers in turn, as the frames write.

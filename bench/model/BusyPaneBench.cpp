@@ -33,7 +33,7 @@ struct BusyPane : bench::HandPane {
         bench::fillMarket(m, minute);
         // the second source's bars are drawn too
         strikesChanged = m.options.strikes.changed.connect([&m] { m.options.secStrikes = m.options.strikes.get(); });
-        view.onNeedsFrame = [this] { due = true; };
+        view.onNeedsFrame = [this](ChartView::Need) { due = true; };
         view.setSource(&m);
         m.setChartPort(&view);
         receive(bench::derivedFrame(250, 15, 0));

@@ -126,7 +126,7 @@ void overlayGeometry(benchmark::State& state) {
     const OverlaySet& s = pane.builder.series();
     const auto levels = SessionLines::build(pane.bars, pane.levels, pane.settings.sessionHHMM);
     std::vector<LineVertex> lines, borders, levelLines;
-    std::vector<ChartVertex> bodies;
+    std::vector<BoxVertex> bodies;
     const Rgba color{1, 1, 1, 1};
     const DataOrigin origin{4900, 21000};
     const SystemClock clock;

@@ -107,7 +107,12 @@ std::optional<std::string> Program::writeState(const std::string& file) const {
 
 ShellSurroundings Program::shell(std::function<void()> quit) {
     ShellSurroundings at{
-        *panes_, *sim_, print_, std::move(quit), [this](const std::string& file) { return writeState(file); }, {}};
+        *panes_, *sim_, print_, std::move(quit), [this](const std::string& file) { return writeState(file); }, {}, {}};
+    at.bench = [&main = main_](double seconds) {
+        if (!Perf::shared().benchBegin()) return false;
+        main.after(seconds, [] { Perf::shared().benchEnd(); });
+        return true;
+    };
     if (relay::PracticeRelay* relay = start_.practice()) {
         at.practiceRelay = [relay](const std::string& line) { return relay->command(line); };
         at.clock = &start_.steering();

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <ctime>
 #ifdef __linux__
 #include <time.h>
 #include <unistd.h>
@@ -52,6 +53,8 @@ double processStart() {
 
 const double startOfProcess = processStart();
 }  // namespace
+
+double processorSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 
 double secondsSinceProcessStart() { return machineMonotonic() - startOfProcess; }
 

@@ -73,4 +73,8 @@ class SystemClock final : public Clock {
 /// Real seconds since the process began; where the system cannot tell, since this program's own code ran first.
 double secondsSinceProcessStart();
 
+/// Seconds of processor time that the process has taken, all threads together; where the system does not tell
+/// (Windows), real seconds since its start.
+double processorSeconds();
+
 }  // namespace vmr

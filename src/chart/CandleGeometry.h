@@ -11,9 +11,9 @@ namespace vmr::CandleGeometry {
 
 inline constexpr double halfBody = 0.32;  ///< bars
 inline constexpr double halfWick = 0.06;  ///< bars
-inline constexpr std::size_t bodyVertices = 6;
-inline constexpr std::size_t wickVertices = 12;
-inline constexpr std::size_t outlineVertices = 24;
+inline constexpr std::size_t bodyVertices = boxVertices;
+inline constexpr std::size_t wickVertices = 2 * boxVertices;
+inline constexpr std::size_t outlineVertices = 4 * segmentVertices;
 
 /// The colours of a candle; `outlined` when its body has a border of one pixel.
 struct Look {
@@ -29,10 +29,10 @@ inline bool isUp(double open, double close) { return open <= close; }
 
 // Each writes its fixed number of vertices at `out` and returns the place after them.
 
-/// A body of two triangles.
-ChartVertex* writeBody(ChartVertex* out, double x, double top, double bot, const Rgba& color);
+/// A body.
+BoxVertex* writeBody(BoxVertex* out, double x, double top, double bot, const Rgba& color);
 /// The wick above and the wick below a body, both always.
-ChartVertex* writeWicks(ChartVertex* out, double x, double high, double top, double bot, double low, const Rgba& color);
+BoxVertex* writeWicks(BoxVertex* out, double x, double high, double top, double bot, double low, const Rgba& color);
 /// Four ribbons, one pixel wide at any zoom, around a body; corners overlap.
 LineVertex* appendBodyOutline(LineVertex* out, double x, double halfWidth, double top, double bot, const Rgba& color);
 

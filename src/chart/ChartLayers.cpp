@@ -8,30 +8,43 @@ void ChartRenderer::drawDyn(Primitive primitive, const std::optional<DynUpload>&
     if (list) gpu_.draw(primitive, list->buffer, list->offset, list->count);
 }
 
-void ChartRenderer::encodeEdges(const EdgeFrame& edges) {
-    if (!edges.waveFill && !edges.edgeTris && !edges.waveStroke) return;
-    setFlat(gpu_, {});
-    drawDyn(Primitive::triangles, edges.waveFill);
-    drawDyn(Primitive::triangles, edges.edgeTris);
-    drawDyn(Primitive::lines, edges.waveStroke);
+void ChartRenderer::encodeEdges(const EdgeFrame& edges, double width, double height) {
+    LineUniforms view = lineUniforms({}, width, height);
+    view.pad0 = view.pad1 = 1;  // of markers
+    for (const EdgeFrame::Wave& wave : edges.waves) {
+        if (!wave.fill) continue;
+        setFlat(gpu_, {});
+        drawDyn(Primitive::triangles, wave.fill);
+        setWithView(gpu_, Pipeline::ribbon, view);
+        drawDyn(Primitive::quads, wave.stroke);
+        setWithView(gpu_, Pipeline::marker, view);
+        drawDyn(Primitive::quads, wave.dots);
+    }
+    if (!edges.bars) return;
+    setWithView(gpu_, Pipeline::box, view);
+    drawDyn(Primitive::quads, edges.bars);
 }
 
 void ChartRenderer::encodeLayers(const Geometry& geometry, double width, double height) {
-    const Uniforms& camera = geometry.candleUniforms;
+    const LineUniforms camera = lineUniforms(geometry.candleUniforms, width, height);
     markers_.draw(camera_, origin_, width, height);
-    encodeEdges(geometry.edges);
-    setFlat(gpu_, camera);
+    encodeEdges(geometry.edges, width, height);
+    setWithView(gpu_, Pipeline::ribbon, camera);
     walls_.draw();
-    drawDyn(Primitive::lines, geometry.forming.priceLine);
-    if (overlays_.draw(camera_, width, height)) setFlat(gpu_, camera);
+    if (geometry.forming.priceLine) {
+        setFlat(gpu_, geometry.candleUniforms);
+        drawDyn(Primitive::lines, geometry.forming.priceLine);
+    }
+    overlays_.draw(camera_, width, height);
+    setWithView(gpu_, Pipeline::box, camera);
     bars_.bodies.drawInView(camera_, origin_);
-    drawDyn(Primitive::triangles, geometry.forming.body);
+    drawDyn(Primitive::quads, geometry.forming.body);
     bars_.wicks.drawInView(camera_, origin_);
-    drawDyn(Primitive::triangles, geometry.forming.wicks);
+    drawDyn(Primitive::quads, geometry.forming.wicks);
     if (bars_.borders.size() == 0 && !geometry.forming.border) return;
-    setWithView(gpu_, Pipeline::ribbon, lineUniforms(camera, width, height));
+    setWithView(gpu_, Pipeline::ribbon, camera);
     bars_.borders.drawInView(camera_, origin_);
-    drawDyn(Primitive::triangles, geometry.forming.border);
+    drawDyn(Primitive::quads, geometry.forming.border);
 }
 
 }  // namespace vmr

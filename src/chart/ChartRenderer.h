@@ -164,7 +164,7 @@ class ChartRenderer {
 
     // The layers in their order (ChartLayers.cpp)
     void encodeLayers(const Geometry& geometry, double width, double height);
-    void encodeEdges(const EdgeFrame& edges);
+    void encodeEdges(const EdgeFrame& edges, double width, double height);
     void drawDyn(Primitive primitive, const std::optional<DynUpload>& list);
 
     Gpu& gpu_;

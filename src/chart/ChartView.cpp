@@ -37,8 +37,8 @@ ChartView::~ChartView() { viewport_->publish(std::nullopt); }
 
 void ChartView::askForFrame() {
     if (recording_) return;
-    frameAwaited_ = true;
-    if (onNeedsFrame) onNeedsFrame();
+    (onlyData_ ? calmFrameAwaited_ : frameAwaited_) = true;
+    if (onNeedsFrame) onNeedsFrame(onlyData_ ? Need::calm : Need::now);
 }
 
 void ChartView::setSource(ChartSource* source) {
@@ -54,10 +54,21 @@ void ChartView::setSource(ChartSource* source) {
 }
 
 // Much of what a pane tells changes nothing on the chart. So the changes of a turn are read after it, once, and the
-// renderer finds whether they are worth a frame; when one is awaited anyway, that reads them.
+// renderer finds whether they are worth a frame; when one is awaited anyway, that reads them. A calm frame may be some
+// time off, so it is left only what may wait as long.
 void ChartView::contentChanged() {
-    if (std::exchange(contentDirty_, true) || frameAwaited_) return;
-    main_.post(whileThere_([this] { readSource(); }));
+    contentDirty_ = true;
+    if (frameAwaited_ || std::exchange(readPosted_, true)) return;
+    main_.post(whileThere_([this] {
+        readPosted_ = false;
+        if (calmFrameAwaited_ && source_ && onlyDataDiffers(source_->chartContent())) return;
+        readSource();
+    }));
+}
+
+bool ChartView::onlyDataDiffers(const ChartContent& content) const {
+    return shown_ && shown_->chart == content.chart && shown_->timeframe == content.timeframe &&
+           shown_->revisions.look == content.revisions.look && !renderer_.candles().empty() && !content.candles.empty();
 }
 
 void ChartView::readSource() {
@@ -84,6 +95,7 @@ void ChartView::setRoot(std::string_view root) {
 void ChartView::setContent(const ChartContent& content) {
     using Revisions = ChartContent::Revisions;
     const bool hadBars = !renderer_.candles().empty();
+    onlyData_ = onlyDataDiffers(content);
     if (shown_ && shown_->chart != content.chart) startOver();
     const auto differs = [&](std::uint64_t Revisions::*part) {
         return !shown_ || shown_->revisions.*part != content.revisions.*part;
@@ -105,7 +117,8 @@ void ChartView::setContent(const ChartContent& content) {
             makeRibbons(content);
     }
     if (differs(&Revisions::candles)) setBars(content.candles);
-    shown_ = {content.chart, content.revisions, content.overlayStyle};
+    shown_ = {content.chart, content.timeframe, content.revisions, content.overlayStyle};
+    onlyData_ = false;
     if (hadBars && renderer_.candles().empty()) askForFrame();
 }
 
@@ -132,7 +145,7 @@ void ChartView::setBars(std::span<const Candle> candles) {
 
 bool ChartView::record(double width, double height, double pixelRatio, double nowMonotonic) {
     recording_ = true;
-    frameAwaited_ = false;
+    frameAwaited_ = calmFrameAwaited_ = false;
     readSource();
     if (ribbonsDue_ && source_) makeRibbons(source_->chartContent());
     input_.setSize(width, height);

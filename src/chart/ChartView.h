@@ -48,9 +48,13 @@ class ChartView final : public ChartPort {
     ChartView(const ChartView&) = delete;
     ChartView& operator=(const ChartView&) = delete;
 
+    enum class Need : unsigned char {
+        now,
+        calm,  ///< only new data of the chart on show: it may wait a moment where drawing is dear
+    };
     /// Something that is shown is not what it was, or moves. Never called from within `record`; may come many times
     /// before a frame does.
-    std::function<void()> onNeedsFrame;
+    std::function<void(Need)> onNeedsFrame;
     /// Bars came or went, or the camera moved, so that other things lie under the pointer. From within `record`.
     std::function<void()> onMoved;
     /// The chart on show is another one: what the hand began on the one before is over, a drag and an open menu too.
@@ -87,6 +91,8 @@ class ChartView final : public ChartPort {
 
     /// The account's lines are not what they were, or anything else that this chart cannot see.
     void redraw() { askForFrame(); }
+    /// Whether a drag or another gesture is under way or was a moment ago.
+    bool handsOn() const { return renderer_.interacting() || input_.liveRefresh(); }
 
     ChartRenderer& renderer() { return renderer_; }
     ChartInput& input() { return input_; }
@@ -103,11 +109,13 @@ class ChartView final : public ChartPort {
     /// What of the content on show the next one is compared with.
     struct Shown {
         std::uint64_t chart = 0;
+        double timeframe = 1;
         ChartContent::Revisions revisions;
         OverlayStyle style;
     };
     void askForFrame();
     void readSource();
+    bool onlyDataDiffers(const ChartContent& content) const;
     void startOver();
     void setRoot(std::string_view root);
     void makeRibbons(const ChartContent& content);
@@ -125,8 +133,11 @@ class ChartView final : public ChartPort {
     ChartSource* source_ = nullptr;
     std::optional<Shown> shown_;  ///< nothing: all of the next content is new
     bool contentDirty_ = false;   ///< the source said that its content changed
+    bool readPosted_ = false;     ///< the end of this turn reads it
     bool ribbonsDue_ = false;     ///< of the source's newest content, before the next frame
+    bool onlyData_ = false;       ///< what changes is new data of the chart on show
     bool frameAwaited_ = false;   ///< a frame is asked for and will read the content
+    bool calmFrameAwaited_ = false;
     bool recording_ = false;
     bool barsMoved_ = false;  ///< bars came or went since the last frame
 };

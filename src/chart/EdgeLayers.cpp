@@ -35,7 +35,6 @@ WaveLook waveLook(const Rgba& color, float opacity) {
 
 }  // namespace
 
-/// One step goes through all displays first, so that the arena's room is known before anything is written.
 struct EdgeLayers::Impl {
     EdgeDisplays shown;
     std::vector<PlacedRow> placed, secPlaced;
@@ -46,7 +45,9 @@ struct EdgeLayers::Impl {
     bool stepOI(const EdgeInput& input, const EdgeStage& stage);
     WaveLook netLook(const RenderConfig& config, double maxHf) const;
     std::optional<DynUpload> writeAllBars(const EdgeInput& input, const EdgeStage& stage, FrameArena& arena);
-    std::optional<DynUpload> writeAllWaves(const EdgeInput& input, const EdgeStage& stage, FrameArena& arena);
+    EdgeFrame::Wave writeOne(StrikeMap<WaveDisp>& wave, const WaveLook& look, const EdgeStage& stage, StrikeMetric net,
+                             FrameArena& arena);
+    void writeAllWaves(const EdgeInput& input, const EdgeStage& stage, FrameArena& arena, EdgeFrame& frame);
 };
 
 bool EdgeLayers::Impl::stepBars(const EdgeInput& input, const EdgeStage& stage) {
@@ -115,11 +116,11 @@ std::optional<DynUpload> EdgeLayers::Impl::writeAllBars(const EdgeInput& input, 
                       keyGammaStrike(input.strikes),
                       nearestStrike(input.strikes, input.flipStrike)};
 
-    ChartVertex* const begin = arena.reserve<ChartVertex>(bars * barVertices).data();
-    ChartVertex* end = writeBars(shown.secDisp, sec, stage, begin, labels);
+    BoxVertex* const begin = arena.reserve<BoxVertex>(bars * barVertices).data();
+    BoxVertex* end = writeBars(shown.secDisp, sec, stage, begin, labels);
     end = writeBars(shown.gexDisp, gex, stage, end, labels);
     end = writeBars(shown.dexDisp, dex, stage, end, labels);
-    return arena.commit<ChartVertex>(static_cast<std::size_t>(end - begin));
+    return arena.commit<BoxVertex>(static_cast<std::size_t>(end - begin));
 }
 
 WaveLook EdgeLayers::Impl::netLook(const RenderConfig& config, double maxHf) const {
@@ -134,25 +135,35 @@ WaveLook EdgeLayers::Impl::netLook(const RenderConfig& config, double maxHf) con
     return {both(opacity * 0.3F)[sum >= 0 ? 0 : 1], both(opacity * 0.75F), both(opacity * 0.9F)};
 }
 
-std::optional<DynUpload> EdgeLayers::Impl::writeAllWaves(const EdgeInput& input, const EdgeStage& stage,
-                                                         FrameArena& arena) {
-    std::size_t most = 0;
-    for (const auto* wave : {&shown.hfCallDisp, &shown.hfPutDisp, &shown.oiCallDisp, &shown.oiPutDisp})
-        most += waveVertices(wave->size());
-    if (most == 0) return std::nullopt;
+EdgeFrame::Wave EdgeLayers::Impl::writeOne(StrikeMap<WaveDisp>& wave, const WaveLook& look, const EdgeStage& stage,
+                                           StrikeMetric net, FrameArena& arena) {
+    EdgeFrame::Wave out;
+    if (wave.size() < 2) return out;
+    ChartVertex* const fill = arena.reserve<ChartVertex>(fillVertices(wave.size())).data();
+    out.fill = arena.commit<ChartVertex>(static_cast<std::size_t>(writeFill(wave, look, stage, fill) - fill));
+    LineVertex* const stroke = arena.reserve<LineVertex>(strokeVertices(wave.size())).data();
+    out.stroke = arena.commit<LineVertex>(
+        static_cast<std::size_t>(writeStroke(wave, look, stage, placed, net, stroke) - stroke));
+    MarkerVertex* const dots = arena.reserve<MarkerVertex>(wave.size() * markerVertices).data();
+    out.dots =
+        arena.commit<MarkerVertex>(static_cast<std::size_t>(writeDots(wave, look, stage, placed, net, dots) - dots));
+    return out;
+}
+
+void EdgeLayers::Impl::writeAllWaves(const EdgeInput& input, const EdgeStage& stage, FrameArena& arena,
+                                     EdgeFrame& frame) {
     const RenderConfig& config = input.config;
-    ChartVertex* const begin = arena.reserve<ChartVertex>(most).data();
-    ChartVertex* end = begin;
+    const auto write = [&](StrikeMap<WaveDisp>& wave, const WaveLook& look, StrikeMetric net = nullptr) {
+        return writeOne(wave, look, stage, net, arena);
+    };
     if (config.waveMode == "net") {
-        const WaveLook look = netLook(config, greatest(input.strikes, netHf));
-        end = writeWave(shown.hfCallDisp, look, stage, placed, netHf, end);
+        frame.waves[0] = write(shown.hfCallDisp, netLook(config, greatest(input.strikes, netHf)), netHf);
     } else {
-        end = writeWave(shown.hfCallDisp, waveLook(config.hfCall, config.waveOpacity), stage, {}, nullptr, end);
-        end = writeWave(shown.hfPutDisp, waveLook(config.hfPut, config.waveOpacity), stage, {}, nullptr, end);
+        frame.waves[0] = write(shown.hfCallDisp, waveLook(config.hfCall, config.waveOpacity));
+        frame.waves[1] = write(shown.hfPutDisp, waveLook(config.hfPut, config.waveOpacity));
     }
-    end = writeWave(shown.oiCallDisp, waveLook(positiveColor, config.oiOpacity), stage, {}, nullptr, end);
-    end = writeWave(shown.oiPutDisp, waveLook(negativeColor, config.oiOpacity), stage, {}, nullptr, end);
-    return arena.commit<ChartVertex>(static_cast<std::size_t>(end - begin));
+    frame.waves[2] = write(shown.oiCallDisp, waveLook(positiveColor, config.oiOpacity));
+    frame.waves[3] = write(shown.oiPutDisp, waveLook(negativeColor, config.oiOpacity));
 }
 
 EdgeLayers::EdgeLayers() : impl_(std::make_unique<Impl>()) {}
@@ -167,8 +178,8 @@ EdgeFrame EdgeLayers::step(const EdgeInput& input, FrameArena& arena) {
     frame.animating |= impl_->stepBars(input, stage);
     frame.animating |= impl_->steppedWaves(input, stage);
     frame.animating |= impl_->stepOI(input, stage);
-    frame.waveFill = impl_->writeAllWaves(input, stage, arena);
-    frame.edgeTris = impl_->writeAllBars(input, stage, arena);
+    impl_->writeAllWaves(input, stage, arena, frame);
+    frame.bars = impl_->writeAllBars(input, stage, arena);
     return frame;
 }
 

@@ -1,6 +1,7 @@
 // The per-strike picture at the edges of the chart: GEX, DEX and second-source bars, flow and open-interest waves.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <span>
@@ -28,8 +29,14 @@ struct EdgeInput {
 
 /// What the edge layers of a frame came to, all in clip space, drawn with identity uniforms, in this order.
 struct EdgeFrame {
-    std::optional<DynUpload> waveFill, edgeTris, waveStroke;
-    bool animating = false;  ///< a place or width has not arrived yet
+    struct Wave {
+        std::optional<DynUpload> fill;    ///< triangles
+        std::optional<DynUpload> stroke;  ///< ribbons
+        std::optional<DynUpload> dots;    ///< markers
+    };
+    std::array<Wave, 4> waves;      ///< flow of calls or net, flow of puts, open interest of calls and puts
+    std::optional<DynUpload> bars;  ///< boxes
+    bool animating = false;         ///< a place or width has not arrived yet
 };
 
 struct EdgeDisplays;

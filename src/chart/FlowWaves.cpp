@@ -1,6 +1,7 @@
 #include "chart/FlowWaves.h"
 
 #include <cmath>
+#include <utility>
 
 namespace vmr {
 
@@ -8,10 +9,9 @@ namespace {
 
 using WaveEntry = StrikeMap<WaveDisp>::Entry;
 
-constexpr std::size_t pairVertices = 12;
-constexpr std::size_t dotVertices = 24;
-constexpr double strokeHalf = 0.7;  // points
-constexpr double dotRadius = 2.5;   // points
+constexpr std::size_t pairVertices = 6;
+constexpr float strokeHalf = 0.7F;  // points
+constexpr float dotRadius = 2.5F;   // points
 constexpr double axisFade = 0.1;    // of the fill's alpha, at the axis
 
 /// A point in clip space.
@@ -19,8 +19,8 @@ struct Place {
     float x, y;
 };
 
-ChartVertex* write(ChartVertex* out, const Place& at, const Rgba& color) {
-    *out = {{at.x, at.y, 0.0F, 1.0F}, color};
+ChartVertex* write(ChartVertex* out, const Place& at, const Rgba8& color) {
+    *out = {{at.x, at.y}, color};
     return out + 1;
 }
 
@@ -57,31 +57,6 @@ std::size_t signOf(double strike, std::span<const PlacedRow> placed, StrikeMetri
     return found != placed.end() && found->strike == strike && net(*found->row) < 0 ? 1 : 0;
 }
 
-/// A dot of eight triangles around points; its rim is the same for all of them.
-class DotBrush {
- public:
-    explicit DotBrush(const EdgeStage& stage) {
-        constexpr double diagonal = 0.70710678118654752440;
-        constexpr double rim[8][2] = {{1, 0},  {diagonal, diagonal},   {0, 1},  {-diagonal, diagonal},
-                                      {-1, 0}, {-diagonal, -diagonal}, {0, -1}, {diagonal, -diagonal}};
-        for (std::size_t k = 0; k < offsets_.size(); ++k) {
-            offsets_[k] = {static_cast<float>(rim[k % 8][0] * 2.0 * dotRadius / stage.viewW),
-                           static_cast<float>(rim[k % 8][1] * 2.0 * dotRadius / stage.viewH)};
-        }
-    }
-    ChartVertex* write(ChartVertex* out, const Place& center, const Rgba& color) const {
-        for (std::size_t k = 0; k < 8; ++k) {
-            out = vmr::write(out, center, color);
-            out = vmr::write(out, {center.x + offsets_[k].x, center.y + offsets_[k].y}, color);
-            out = vmr::write(out, {center.x + offsets_[k + 1].x, center.y + offsets_[k + 1].y}, color);
-        }
-        return out;
-    }
-
- private:
-    std::array<Place, 9> offsets_{};
-};
-
 /// Writes the quads between two successive points.
 class PairBrush {
  public:
@@ -89,7 +64,7 @@ class PairBrush {
         : stage_(stage), fill_(fill), anchor_(stage.axisX()), maxW_(stage.maxW()), axisX_(stage.clipX(anchor_)) {}
 
     ChartVertex* writeFill(ChartVertex* out, const WaveDisp& a, const WaveDisp& b) const {
-        const Rgba axis = faded(axisFade), colorA = faded(fadeAt(a.x)), colorB = faded(fadeAt(b.x));
+        const Rgba8 axis = faded(axisFade), colorA = faded(fadeAt(a.x)), colorB = faded(fadeAt(b.x));
         const Place axisA{axisX_, stage_.clipY(a.py)}, axisB{axisX_, stage_.clipY(b.py)};
         const Place pointA{stage_.clipX(a.x), axisA.y}, pointB{stage_.clipX(b.x), axisB.y};
         out = write(out, axisA, axis);
@@ -98,18 +73,6 @@ class PairBrush {
         out = write(out, axisA, axis);
         out = write(out, pointB, colorB);
         return write(out, axisB, axis);
-    }
-
-    ChartVertex* writeStroke(ChartVertex* out, const WaveDisp& a, const WaveDisp& b, const Rgba& color) const {
-        const double dx = b.x - a.x, dy = b.py - a.py;
-        const double length = std::max(std::sqrt(dx * dx + dy * dy), 1e-6);
-        const double nx = -dy / length * strokeHalf, ny = dx / length * strokeHalf;
-        const Place a0{stage_.clipX(a.x + nx), stage_.clipY(a.py + ny)};
-        const Place a1{stage_.clipX(a.x - nx), stage_.clipY(a.py - ny)};
-        const Place b0{stage_.clipX(b.x + nx), stage_.clipY(b.py + ny)};
-        const Place b1{stage_.clipX(b.x - nx), stage_.clipY(b.py - ny)};
-        for (const Place* corner : {&a0, &a1, &b0, &a1, &b1, &b0}) out = write(out, *corner, color);
-        return out;
     }
 
  private:
@@ -137,24 +100,38 @@ bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> pla
     return stepPoints(display, placed, metric, maxHf, stage, false);
 }
 
-std::size_t waveVertices(std::size_t points) {
-    return points < 2 ? 0 : (points - 1) * pairVertices + points * dotVertices;
+std::size_t fillVertices(std::size_t points) { return points < 2 ? 0 : (points - 1) * pairVertices; }
+std::size_t strokeVertices(std::size_t points) { return points < 2 ? 0 : (points - 1) * segmentVertices; }
+
+ChartVertex* writeFill(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage, ChartVertex* out) {
+    const std::span<const WaveEntry> points = display.byRow();
+    const PairBrush pair(stage, look.fill);
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) out = pair.writeFill(out, points[i].disp, points[i + 1].disp);
+    return out;
 }
 
-ChartVertex* writeWave(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
-                       std::span<const PlacedRow> placed, StrikeMetric net, ChartVertex* out) {
+LineVertex* writeStroke(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                        std::span<const PlacedRow> placed, StrikeMetric net, LineVertex* out) {
     const std::span<const WaveEntry> points = display.byRow();
-    if (points.size() < 2) return out;
-    const PairBrush pair(stage, look.fill);
+    LineVertex* before = nullptr;
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
         const WaveDisp &a = points[i].disp, &b = points[i + 1].disp;
-        out = pair.writeFill(out, a, b);
-        out = pair.writeStroke(out, a, b, look.stroke[signOf(points[i].strike, placed, net)]);
+        LineVertex* const end =
+            writeSegment(out, stage.clipX(a.x), stage.clipY(a.py), stage.clipX(b.x), stage.clipY(b.py), strokeHalf,
+                         look.stroke[signOf(points[i].strike, placed, net)]);
+        if (before) joinSegments(before, out);
+        before = std::exchange(out, end);
     }
-    const DotBrush dot(stage);
+    return out;
+}
+
+MarkerVertex* writeDots(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                        std::span<const PlacedRow> placed, StrikeMetric net, MarkerVertex* out) {
+    const std::span<const WaveEntry> points = display.byRow();
+    if (points.size() < 2) return out;
     for (const WaveEntry& point : points) {
-        out = dot.write(out, {stage.clipX(point.disp.x), stage.clipY(point.disp.py)},
-                        look.dot[signOf(point.strike, placed, net)]);
+        out = writeMarker(out, stage.clipX(point.disp.x), stage.clipY(point.disp.py), dotRadius, MarkerShape::disc,
+                          look.dot[signOf(point.strike, placed, net)]);
     }
     return out;
 }

@@ -24,12 +24,20 @@ bool steppedWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed
 bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed, StrikeMetric metric, double maxHf,
                     const EdgeStage& stage);
 
-/// Vertices that a wave of so many points takes: none under two points.
-std::size_t waveVertices(std::size_t points);
+/// Vertices that fill and stroke of a wave of so many points take: none under two points.
+std::size_t fillVertices(std::size_t points);
+std::size_t strokeVertices(std::size_t points);
 
-/// Writes fill, stroke and dots, all as triangles, and returns the place after them. With `net`, a point is painted by
+/// Writes the area between the points and the axis as triangles and returns the place after them.
+ChartVertex* writeFill(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage, ChartVertex* out);
+
+/// Writes the line through the points as ribbons and returns the place after them. With `net`, a point is painted by
 /// the sign of its row in `placed`; without, or without a row, as 0 and above.
-ChartVertex* writeWave(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
-                       std::span<const PlacedRow> placed, StrikeMetric net, ChartVertex* out);
+LineVertex* writeStroke(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                        std::span<const PlacedRow> placed, StrikeMetric net, LineVertex* out);
+
+/// Writes a dot on each point of a wave of two or more, `markerVertices` each, to be drawn over it.
+MarkerVertex* writeDots(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
+                        std::span<const PlacedRow> placed, StrikeMetric net, MarkerVertex* out);
 
 }  // namespace vmr

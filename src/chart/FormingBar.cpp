@@ -48,10 +48,10 @@ void FormingBar::writeCandle(std::span<const Candle> candles, std::string_view t
     top -= origin.price;
     bot -= origin.price;
 
-    std::array<ChartVertex, bodyVertices> body;
+    std::array<BoxVertex, bodyVertices> body;
     writeBody(body.data(), x, top, bot, style.body);
     lists.body = arena.uploadDyn(body);
-    std::array<ChartVertex, wickVertices> wicks;
+    std::array<BoxVertex, wickVertices> wicks;
     writeWicks(wicks.data(), x, wickHi, top, bot, wickLo, style.wick);
     lists.wicks = arena.uploadDyn(wicks);
     if (!style.outlined) return;
@@ -66,9 +66,7 @@ std::optional<DynUpload> FormingBar::writePriceLine(const Camera& camera, const 
     const double perPixel = camera.visibleCount / viewW;
     const double end = camera.firstVisible + camera.visibleCount;
     const auto y = static_cast<float>(close_ - origin.price);
-    const auto vertex = [&](double x) {
-        dashes_.push_back({{static_cast<float>(x - origin.bar), y, 0.0F, 1.0F}, priceLineColor});
-    };
+    const auto vertex = [&](double x) { dashes_.push_back({{static_cast<float>(x - origin.bar), y}, priceLineColor}); };
     dashes_.clear();
     for (std::size_t i = 0; i < maxDashes; ++i) {
         const double x = camera.firstVisible + static_cast<double>(i) * 8.0 * perPixel;

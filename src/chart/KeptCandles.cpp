@@ -10,9 +10,9 @@ void KeptCandles::make(std::span<const Candle> candles, std::string_view theme, 
     using namespace CandleGeometry;
     dirty = false;
     const std::size_t n = candles.size() - 1;
-    flat_.resize(n * bodyVertices);
+    boxes_.resize(n * bodyVertices);
     ribbons_.clear();
-    ChartVertex* body = flat_.data();
+    BoxVertex* body = boxes_.data();
     const auto each = [&](auto&& write) {
         for (std::size_t i = 0; i < n; ++i) {
             const Candle& c = candles[i];
@@ -28,15 +28,15 @@ void KeptCandles::make(std::span<const Candle> candles, std::string_view theme, 
         ribbons_.resize(ribbons_.size() + outlineVertices);
         appendBodyOutline(&*(ribbons_.end() - outlineVertices), x, halfBody, top, bot, style.border);
     });
-    bodies.keep(flat_);
+    bodies.keep(boxes_);
     borders.keep(ribbons_);
 
-    flat_.resize(n * wickVertices);
-    ChartVertex* wick = flat_.data();
+    boxes_.resize(n * wickVertices);
+    BoxVertex* wick = boxes_.data();
     each([&](const Candle& c, double x, double top, double bot, const Look& style) {
         wick = writeWicks(wick, x, c.high - origin.price, top, bot, c.low - origin.price, style.wick);
     });
-    wicks.keep(flat_);
+    wicks.keep(boxes_);
 }
 
 }  // namespace vmr

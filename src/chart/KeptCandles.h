@@ -24,7 +24,7 @@ class KeptCandles {
     bool dirty = true;
 
  private:
-    std::vector<ChartVertex> flat_;
+    std::vector<BoxVertex> boxes_;
     std::vector<LineVertex> ribbons_;
 };
 

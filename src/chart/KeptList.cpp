@@ -1,6 +1,7 @@
 #include "chart/KeptList.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 
 #include "gpu/Vertices.h"
@@ -11,9 +12,9 @@ namespace {
 struct Place {
     float bar, points;
 };
-Place placeOf(const ChartVertex& vertex) { return {vertex.position[0], 0}; }
-Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], vertex.pos[3]}; }
-Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.off[2]}; }
+Place placeOf(const BoxVertex& vertex) { return {vertex.corner[0], 0}; }
+Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], std::abs(vertex.beside)}; }
+Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.radius}; }
 }  // namespace
 
 KeptList::~KeptList() {
@@ -48,19 +49,19 @@ bool KeptList::replace(const std::vector<Vertex>& list) {
     return true;
 }
 
-template void KeptList::keep(const std::vector<ChartVertex>&);
+template void KeptList::keep(const std::vector<BoxVertex>&);
 template void KeptList::keep(const std::vector<LineVertex>&);
 template void KeptList::keep(const std::vector<MarkerVertex>&);
-template bool KeptList::replace(const std::vector<ChartVertex>&);
+template bool KeptList::replace(const std::vector<BoxVertex>&);
 template bool KeptList::replace(const std::vector<LineVertex>&);
 
-void KeptList::draw(Primitive primitive) const {
-    if (count_ > 0) gpu_.draw(primitive, buffer_, 0, count_);
+void KeptList::draw() const {
+    if (count_ > 0) gpu_.draw(Primitive::quads, buffer_, 0, count_);
 }
 
 // Runs of blocks in view are drawn at once.
 void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const {
-    if (blocks_.empty()) return draw(Primitive::triangles);
+    if (blocks_.empty()) return draw();
     const double first = camera.firstVisible - origin.bar, last = first + camera.visibleCount;
     const double barsPerPoint = camera.visibleCount / std::max(camera.lastViewW, 1.0);
     const auto isOut = [&](const Reach& reach) {
@@ -73,7 +74,7 @@ void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const 
         if (isOut(blocks_[begin])) continue;
         while (end < blocks && !isOut(blocks_[end])) ++end;
         const std::size_t from = begin * blockVertices, to = std::min(end * blockVertices, count_);
-        gpu_.draw(Primitive::triangles, buffer_, from * stride_, to - from);
+        gpu_.draw(Primitive::quads, buffer_, from * stride_, to - from);
     }
 }
 

@@ -10,7 +10,7 @@
 namespace vmr {
 
 /// Copied to the GPU when it is given, and drawn in every frame until another one is. Of a long list only the blocks in
-/// view are drawn, so that a pan costs the same over any history. Vertices are `ChartVertex`, `LineVertex` or
+/// view are drawn, so that a pan costs the same over any history. Vertices are `BoxVertex`, `LineVertex` or
 /// `MarkerVertex`, in data space. Main thread.
 class KeptList {
  public:
@@ -30,8 +30,8 @@ class KeptList {
     std::size_t size() const { return count_; }
 
     // Nothing for an empty list.
-    void draw(Primitive primitive) const;
-    /// Triangles, relative to `origin`.
+    void draw() const;
+    /// The part in view of a list relative to `origin`.
     void drawInView(const Camera& camera, const DataOrigin& origin) const;
 
  private:
@@ -39,7 +39,7 @@ class KeptList {
     struct Reach {
         float low = 0, high = 0, points = 0;
     };
-    static constexpr std::size_t blockVertices = 1152;  ///< whole shapes of 3, 6, 12, 24 and 36 vertices
+    static constexpr std::size_t blockVertices = 1152;  ///< whole quads
 
     Gpu& gpu_;
     GpuBuffer buffer_ = 0;

@@ -35,18 +35,16 @@ void KeptOverlays::follow(std::span<const Candle> candles) {
     if (const auto bar = findBar(candles, originTime_)) origin_.bar = static_cast<double>(*bar);
 }
 
-bool KeptOverlays::draw(const Camera& camera, double width, double height) const {
-    if (lineVertices() + second_.size() + secondBorders_.size() == 0) return false;
-    const Uniforms place = camera.uniforms(origin_);
-    const LineUniforms ribbons = lineUniforms(place, width, height);
-    if (lineVertices() > 0) setWithView(gpu_, Pipeline::ribbon, ribbons);
+void KeptOverlays::draw(const Camera& camera, double width, double height) const {
+    if (lineVertices() + second_.size() + secondBorders_.size() == 0) return;
+    const LineUniforms place = lineUniforms(camera.uniforms(origin_), width, height);
+    if (lineVertices() > 0) setWithView(gpu_, Pipeline::ribbon, place);
     lines_.drawInView(camera, origin_);
     (showsDashes(camera, width) ? sessionLines_ : sessionFar_).drawInView(camera, origin_);
-    if (second_.size() > 0) setFlat(gpu_, place);
+    if (second_.size() > 0) setWithView(gpu_, Pipeline::box, place);
     second_.drawInView(camera, origin_);
-    if (secondBorders_.size() > 0) setWithView(gpu_, Pipeline::ribbon, ribbons);
+    if (secondBorders_.size() > 0) setWithView(gpu_, Pipeline::ribbon, place);
     secondBorders_.drawInView(camera, origin_);
-    return true;
 }
 
 }  // namespace vmr

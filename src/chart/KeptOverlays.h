@@ -25,8 +25,8 @@ class KeptOverlays {
     /// them.
     void follow(std::span<const Candle> candles);
 
-    /// Ribbons, then the paired instrument's candles and their outlines. Tells whether it set a pipeline of its own.
-    bool draw(const Camera& camera, double width, double height) const;
+    /// Ribbons, then the paired instrument's candles and their outlines.
+    void draw(const Camera& camera, double width, double height) const;
 
     std::size_t lineVertices() const { return lines_.size() + sessionLines_.size(); }
     std::size_t secondVertices() const { return second_.size(); }

@@ -26,8 +26,8 @@ void KeptWalls::make(bool shown, std::size_t firstBar, std::size_t lastBar, cons
         for (const PriceLevel& level : levels_) {
             if (!std::isfinite(level.price)) continue;
             const auto y = static_cast<float>(level.price - origin.price);
-            vertices_.push_back({{start, y, 0.0F, 1.0F}, wallColor});
-            vertices_.push_back({{end, y, 0.0F, 1.0F}, wallColor});
+            vertices_.resize(vertices_.size() + segmentVertices);
+            writeSegment(&*(vertices_.end() - segmentVertices), start, y, end, y, 0.5F, wallColor);
         }
     }
     list_.keep(vertices_);

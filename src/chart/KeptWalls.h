@@ -10,8 +10,8 @@
 
 namespace vmr {
 
-/// Lines from the session's start to a little past the last bar. Made anew when the levels or the bars changed, or when
-/// they are switched on or off. Main thread.
+/// Ribbons from the session's start to a little past the last bar. Made anew when the levels or the bars changed, or
+/// when they are switched on or off. Main thread.
 class KeptWalls {
  public:
     explicit KeptWalls(Gpu& gpu) : list_(gpu) {}
@@ -20,14 +20,14 @@ class KeptWalls {
     bool set(std::span<const PriceLevel> levels);
     /// For bars `firstBar` to `lastBar`; empty unless they are `shown`. A level without a finite price is left out.
     void make(bool shown, std::size_t firstBar, std::size_t lastBar, const DataOrigin& origin);
-    void draw() const { list_.draw(Primitive::lines); }
+    void draw() const { list_.draw(); }
 
     bool dirty = true;
 
  private:
     std::vector<PriceLevel> levels_;
     KeptList list_;
-    std::vector<ChartVertex> vertices_;
+    std::vector<LineVertex> vertices_;
 };
 
 }  // namespace vmr

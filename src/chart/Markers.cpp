@@ -1,33 +1,15 @@
 #include "chart/Markers.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
-#include <numbers>
 
 namespace vmr::Markers {
 
 namespace {
 
-constexpr int rimSteps = 12;
 constexpr double leastRadius = 2.0;   // pixels
 constexpr double radiusRange = 18.0;  // pixels from the least radius to where transparency ends growing
-
-using Offset = std::array<float, 2>;
-
-const std::array<Offset, rimSteps + 1>& rim() {
-    static const auto points = [] {
-        std::array<Offset, rimSteps + 1> out;
-        for (int k = 0; k <= rimSteps; ++k) {
-            const double angle = k * 2.0 * std::numbers::pi / rimSteps;
-            out[static_cast<std::size_t>(k)] = {static_cast<float>(std::cos(angle)),
-                                                static_cast<float>(std::sin(angle))};
-        }
-        return out;
-    }();
-    return points;
-}
 
 /// The bar that a time falls into. Times that ascend are found by a step or two.
 class BarSearch {
@@ -78,11 +60,7 @@ class Writer {
         const float r = std::max(static_cast<float>(leastRadius), static_cast<float>(point.dom * 20.0));
         const Rgba color = faded(point.pos ? config.bubblePos : config.bubbleNeg,
                                  config.bubbleOpacity * rankShare(point.rank) * baseAlpha(r));
-        for (std::size_t k = 0; k < rimSteps; ++k) {
-            put(0.0F, 0.0F, 0.0F, color);
-            put(rim()[k][0], rim()[k][1], r, color);
-            put(rim()[k + 1][0], rim()[k + 1][1], r, color);
-        }
+        put(r, MarkerShape::disc, color);
     }
 
     void triangle(const TrianglePt& point) {
@@ -91,11 +69,8 @@ class Writer {
         const double share = std::min(std::abs(point.net) / point.minuteMax, 1.0);
         const auto r = static_cast<float>(share * radiusRange + leastRadius);
         const bool up = point.net >= 0;
-        const float tip = up ? 1.0F : -1.0F;
         const Rgba color = faded(up ? config.hfCall : config.hfPut, config.triangleOpacity * baseAlpha(r));
-        put(0.0F, tip, r, color);
-        put(-1.0F, -tip, r, color);
-        put(1.0F, -tip, r, color);
+        put(r, up ? MarkerShape::up : MarkerShape::down, color);
     }
 
  private:
@@ -107,8 +82,8 @@ class Writer {
         return true;
     }
 
-    void put(float x, float y, float radius, const Rgba& color) {
-        *out_++ = {{x_, y_, 0.0F, 1.0F}, {x, y, radius, 0.0F}, color};
+    void put(float radius, MarkerShape shape, const Rgba& color) {
+        out_ = writeMarker(out_, x_, y_, radius, shape, color);
     }
 
     MarkerVertex* out_;
@@ -126,7 +101,7 @@ void build(std::vector<MarkerVertex>& out, const Input& input) {
     }
     const std::size_t bubbles = input.config.bubblesEnabled ? input.bubbles.size() : 0;
     const std::size_t triangles = input.config.trianglesEnabled ? input.triangles.size() : 0;
-    out.resize(bubbles * bubbleVertices + triangles * triangleVertices);
+    out.resize((bubbles + triangles) * markerVertices);
     Writer writer(out.data(), input);
     for (const BubblePt& point : input.bubbles.first(bubbles)) writer.bubble(point);
     for (const TrianglePt& point : input.triangles.first(triangles)) writer.triangle(point);

@@ -11,9 +11,6 @@
 
 namespace vmr::Markers {
 
-inline constexpr std::size_t bubbleVertices = 36;  ///< a fan of 12 triangles
-inline constexpr std::size_t triangleVertices = 3;
-
 /// What the markers of a chart are made of.
 struct Input {
     std::span<const BubblePt> bubbles;

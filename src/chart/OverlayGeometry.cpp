@@ -10,7 +10,6 @@ namespace vmr::OverlayGeometry {
 
 namespace {
 constexpr double longestStep = 1.5;  // bars; beyond it a series has a gap
-constexpr std::size_t quadVertices = 6;
 
 struct Spot {
     double x, y;
@@ -22,23 +21,27 @@ class Ribbon {
     Ribbon(std::vector<LineVertex>& verts, double halfWidth, const DataOrigin& origin)
         : verts_(verts), halfWidth_(static_cast<float>(halfWidth)), origin_(origin) {}
 
-    void quad(const Spot& a, const Spot& b, const Rgba& color) {
-        const float ax = static_cast<float>(a.x - origin_.bar), ay = static_cast<float>(a.y - origin_.price);
-        const float bx = static_cast<float>(b.x - origin_.bar), by = static_cast<float>(b.y - origin_.price);
-        const float dx = static_cast<float>(b.x - a.x), dy = static_cast<float>(b.y - a.y);
-        const auto vertex = [&](float x, float y, float side) {
-            return LineVertex{{x, y, side, halfWidth_}, {dx, dy, 0.0F, 0.0F}, color};
-        };
-        const LineVertex vertices[quadVertices] = {vertex(ax, ay, 1.0F), vertex(ax, ay, -1.0F), vertex(bx, by, -1.0F),
-                                                   vertex(ax, ay, 1.0F), vertex(bx, by, -1.0F), vertex(bx, by, 1.0F)};
-        verts_.insert(verts_.end(), std::begin(vertices), std::end(vertices));
+    void segment(const Spot& a, const Spot& b, const Rgba8& color) {
+        verts_.resize(verts_.size() + segmentVertices);
+        writeSegment(&*(verts_.end() - segmentVertices), static_cast<float>(a.x - origin_.bar),
+                     static_cast<float>(a.y - origin_.price), static_cast<float>(b.x - origin_.bar),
+                     static_cast<float>(b.y - origin_.price), halfWidth_, color);
+    }
+
+    // Joins the one before if that ends where this one begins.
+    void line(const Spot& a, const Spot& b, const Rgba8& color) {
+        const bool joins = end_.x == a.x && end_.y == a.y;
+        segment(a, b, color);
+        if (joins) joinSegments(&*(verts_.end() - 2 * segmentVertices), &*(verts_.end() - segmentVertices));
+        end_ = b;
     }
 
     // From `a` over `dx` bars; `dx` above 0.
-    void dashes(const Spot& a, double dx, double dy, const Dash& dash, const Rgba& color) {
+    void dashes(const Spot& a, double dx, double dy, const Dash& dash, const Rgba8& color) {
+        end_ = {NAN, NAN};
         for (double d = 0; d < dx; d += dash.period()) {
             const double e = std::min(dx, d + dash.on);
-            quad({a.x + d, a.y + dy * d / dx}, {a.x + e, a.y + dy * e / dx}, color);
+            segment({a.x + d, a.y + dy * d / dx}, {a.x + e, a.y + dy * e / dx}, color);
         }
     }
 
@@ -46,6 +49,7 @@ class Ribbon {
     std::vector<LineVertex>& verts_;
     float halfWidth_;
     DataOrigin origin_;
+    Spot end_{NAN, NAN};  // of the last line
 };
 
 // The last bar at or before `t`; the first one for an earlier `t`.
@@ -53,12 +57,6 @@ std::size_t barAt(std::span<const Candle> candles, std::int64_t t) {
     const auto after = std::upper_bound(candles.begin(), candles.end(), t,
                                         [](std::int64_t at, const Candle& bar) { return at < bar.time; });
     return after == candles.begin() ? 0 : static_cast<std::size_t>(after - candles.begin()) - 1;
-}
-
-void appendBox(std::vector<ChartVertex>& verts, float x0, float x1, float top, float bot, const Rgba& color) {
-    const auto at = [&color](float x, float y) { return ChartVertex{{x, y, 0.0F, 1.0F}, color}; };
-    const ChartVertex box[] = {at(x0, top), at(x0, bot), at(x1, bot), at(x0, top), at(x1, bot), at(x1, top)};
-    verts.insert(verts.end(), std::begin(box), std::end(box));
 }
 }  // namespace
 
@@ -74,7 +72,7 @@ void polyline(std::vector<LineVertex>& verts, std::span<const OvPoint> points, d
         if (dashed)
             ribbon.dashes({a.idx, a.v}, dx, b.v - a.v, *dash, color);
         else
-            ribbon.quad({a.idx, a.v}, {b.idx, b.v}, color);
+            ribbon.line({a.idx, a.v}, {b.idx, b.v}, color);
     }
 }
 
@@ -89,14 +87,14 @@ void hfPolyline(std::vector<LineVertex>& verts, std::span<const OvColorPoint> po
         if (dx > longestStep) continue;
         const Rgba& color = a.positive ? blue : red;
         if (a.positive == b.positive) {
-            ribbon.quad({a.idx, a.v}, {b.idx, b.v}, color);
+            ribbon.line({a.idx, a.v}, {b.idx, b.v}, color);
             continue;
         }
         const double rise = b.v - a.v;
         const double t = std::abs(rise) > level ? (a.base - a.v) / rise : 0.5;
         const Spot crossing{a.idx + dx * t, a.base};
-        ribbon.quad({a.idx, a.v}, crossing, color);
-        ribbon.quad(crossing, {b.idx, b.v}, b.positive ? blue : red);
+        ribbon.line({a.idx, a.v}, crossing, color);
+        ribbon.line(crossing, {b.idx, b.v}, b.positive ? blue : red);
     }
 }
 
@@ -119,23 +117,23 @@ void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines,
         }
         Rgba whole = color;
         if (line.dashed) whole[3] *= static_cast<float>(sessionDash.on / sessionDash.period());
-        ribbon.quad(start, {static_cast<double>(b), line.price}, whole);
+        ribbon.line(start, {static_cast<double>(b), line.price}, whole);
     }
 }
 
-void secondCandles(std::vector<ChartVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,
+void secondCandles(std::vector<BoxVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,
                    const DataOrigin& origin) {
     constexpr double halfBody = 0.3, halfWick = 0.05;  // bars
-    constexpr Rgba solid{1.0F, 0.478F, 0.0F, 1.0F}, rising{1.0F, 0.478F, 0.0F, 0.85F},
-        falling{1.0F, 0.478F, 0.0F, 0.4F};
+    constexpr Rgba solid{1.0F, 0.478F}, rising{1.0F, 0.478F, 0.0F, 0.85F}, falling{1.0F, 0.478F, 0.0F, 0.4F};
     for (const OvCandle& bar : candles) {
         const bool up = CandleGeometry::isUp(bar.o, bar.c);
         const double x = bar.idx - origin.bar;
         const double top = std::max(bar.o, bar.c) - origin.price, bot = std::min(bar.o, bar.c) - origin.price;
         const double high = bar.h - origin.price, low = bar.l - origin.price;
         const auto box = [&](double half, double y0, double y1, const Rgba& color) {
-            appendBox(verts, static_cast<float>(x - half), static_cast<float>(x + half), static_cast<float>(y0),
-                      static_cast<float>(y1), color);
+            verts.resize(verts.size() + boxVertices);
+            writeBox(&*(verts.end() - boxVertices), static_cast<float>(x - half), static_cast<float>(y0),
+                     static_cast<float>(x + half), static_cast<float>(y1), color);
         };
         if (top < high) box(halfWick, high, top, up ? rising : solid);
         if (low < bot) box(halfWick, bot, low, up ? rising : solid);

@@ -10,7 +10,7 @@
 #include "market/Records.h"
 
 /// Each function appends to the lists that it is given, in data space relative to `origin`, so that pan and zoom
-/// rebuild nothing. Ribbons have no joins: their quads overlap at the points. Pure; any thread.
+/// rebuild nothing. The segments of a line meet without gap or overlap. Pure; any thread.
 namespace vmr::OverlayGeometry {
 
 /// Dashes of `on` bars with gaps of `off` bars.
@@ -40,7 +40,7 @@ void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines,
              double opacity, const DataOrigin& origin, Gaps gaps = Gaps::drawn);
 
 /// The paired instrument's candles; the outlines of falling ones go to `borders`.
-void secondCandles(std::vector<ChartVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,
+void secondCandles(std::vector<BoxVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,
                    const DataOrigin& origin);
 
 }  // namespace vmr::OverlayGeometry

@@ -15,7 +15,7 @@ struct OverlayLists {
     std::vector<LineVertex> sessionLines;   ///< ribbons of the session and support/resistance lines, over those
     std::vector<LineVertex> sessionFar;     ///< the same without gaps, for when dashes are finer than pixels
     std::uint64_t sessionRevision = 0;      ///< raised when both were made anew
-    std::vector<ChartVertex> second;        ///< the paired instrument's candles
+    std::vector<BoxVertex> second;          ///< the paired instrument's candles
     std::vector<LineVertex> secondBorders;  ///< their outlines
     DataOrigin origin;
     std::int64_t originTime = 0;  ///< of the bar that the origin lies on

@@ -18,16 +18,6 @@ double thicknessOf(std::span<const BarEntry> bars, std::size_t i) {
     return std::clamp(gap * barFillFactor, barHMinPx, barHMaxPx);
 }
 
-ChartVertex* writeBar(ChartVertex* out, float left, float top, float right, float bottom, const Rgba& color) {
-    *out++ = {{left, top, 0.0F, 1.0F}, color};
-    *out++ = {{left, bottom, 0.0F, 1.0F}, color};
-    *out++ = {{right, bottom, 0.0F, 1.0F}, color};
-    *out++ = {{left, top, 0.0F, 1.0F}, color};
-    *out++ = {{right, bottom, 0.0F, 1.0F}, color};
-    *out++ = {{right, top, 0.0F, 1.0F}, color};
-    return out;
-}
-
 /// The strike and a trailing blank, which keeps the text off the bar.
 void nameStrike(std::string& text, double strike) {
     char digits[32];
@@ -137,8 +127,8 @@ bool steppedBars(StrikeMap<BarDisp>& display, std::span<const StrikeRow> rows, s
     return animating;
 }
 
-ChartVertex* writeBars(StrikeMap<BarDisp>& display, const BarLook& look, const EdgeStage& stage, ChartVertex* out,
-                       BarLabelList& labels) {
+BoxVertex* writeBars(StrikeMap<BarDisp>& display, const BarLook& look, const EdgeStage& stage, BoxVertex* out,
+                     BarLabelList& labels) {
     constexpr double thinnest = 0.5;  // a bar under this width is not drawn
     const std::span<const BarEntry> bars = display.byRow();
     const double axisX = stage.axisX();
@@ -149,7 +139,7 @@ ChartVertex* writeBars(StrikeMap<BarDisp>& display, const BarLook& look, const E
         const double left = look.fromRight ? axisX - bar.w : 0.0;
         const double right = look.fromRight ? axisX : bar.w;
         const double half = thickness * 0.5;
-        out = writeBar(out, stage.clipX(left), stage.clipY(bar.py - half), stage.clipX(right),
+        out = writeBox(out, stage.clipX(left), stage.clipY(bar.py - half), stage.clipX(right),
                        stage.clipY(bar.py + half), bar.net >= 0 ? look.pos : look.neg);
         if (look.showLabels && thickness >= barLabelMinHeightPx) addLabels(bars[i], thickness, look, stage, labels);
     }

@@ -13,7 +13,7 @@ inline constexpr double barHMaxPx = 20.0;            ///< largest bar thickness,
 inline constexpr double barHMinPx = 2.0;             ///< smallest
 inline constexpr double barFillFactor = 0.8;         ///< thickness as a share of the gap to the nearest strike
 inline constexpr double barLabelMinHeightPx = 10.0;  ///< thinnest bar that still gets a label
-inline constexpr std::size_t barVertices = 6;
+inline constexpr std::size_t barVertices = boxVertices;
 
 /// Labels of a frame; their texts' memory is used again.
 class BarLabelList {
@@ -49,7 +49,7 @@ bool steppedBars(StrikeMap<BarDisp>& display, std::span<const StrikeRow> rows, s
                  StrikeMetric metric, const EdgeStage& stage);
 
 /// Writes at most `barVertices` for each bar at `out` and returns the place after them; labels are added to `labels`.
-ChartVertex* writeBars(StrikeMap<BarDisp>& display, const BarLook& look, const EdgeStage& stage, ChartVertex* out,
-                       BarLabelList& labels);
+BoxVertex* writeBars(StrikeMap<BarDisp>& display, const BarLook& look, const EdgeStage& stage, BoxVertex* out,
+                     BarLabelList& labels);
 
 }  // namespace vmr

@@ -34,10 +34,17 @@ class FrameArena {
     std::optional<DynUpload> uploadDyn(std::span<const ChartVertex> list) {
         return copy(std::as_bytes(list), list.size());
     }
+    std::optional<DynUpload> uploadDyn(std::span<const BoxVertex> list) {
+        return copy(std::as_bytes(list), list.size());
+    }
     std::optional<DynUpload> uploadDyn(std::span<const LineVertex> list) {
         return copy(std::as_bytes(list), list.size());
     }
     std::optional<DynUpload> uploadDyn(std::span<const TextVertex> list) {
+        return copy(std::as_bytes(list), list.size());
+    }
+
+    std::optional<DynUpload> uploadDyn(std::span<const MarkerVertex> list) {
         return copy(std::as_bytes(list), list.size());
     }
 

@@ -12,7 +12,7 @@ namespace vmr {
 namespace {
 
 std::size_t uniformFloats(Pipeline pipeline) {
-    return pipeline == Pipeline::ribbon || pipeline == Pipeline::marker ? 8 : 4;
+    return pipeline == Pipeline::flat || pipeline == Pipeline::text ? 4 : 8;
 }
 
 std::size_t shapeVertices(Primitive primitive) {
@@ -82,7 +82,7 @@ void FrameRecorder::clear(const Rgba& color) {
     if (!inFrame_) fatal("chart: a clear outside a frame");
     constexpr std::array<std::array<float, 2>, 6> corners{{{-1, -1}, {1, -1}, {1, 1}, {-1, -1}, {1, 1}, {-1, 1}}};
     std::array<ChartVertex, corners.size()> quad;
-    for (std::size_t i = 0; i < quad.size(); ++i) quad[i] = {{corners[i][0], corners[i][1], 0, 1}, color};
+    for (std::size_t i = 0; i < quad.size(); ++i) quad[i] = {{corners[i][0], corners[i][1]}, color};
     RecordedFrame::Draw call;
     call.clip = clip_;
     call.opaque = true;  // its uniforms are the first ones, which change nothing
@@ -103,7 +103,7 @@ void FrameRecorder::setClip(const PointRect& clip) {
 }
 
 std::size_t FrameRecorder::streamed(std::span<const std::byte> bytes) {
-    const std::size_t offset = recording_.stream.size();  // strides are multiples of 16, so offsets stay aligned
+    const std::size_t offset = recording_.stream.size();  // strides are multiples of 4, so offsets stay aligned
     recording_.stream.insert(recording_.stream.end(), bytes.begin(), bytes.end());
     return offset;
 }

@@ -12,11 +12,11 @@ namespace vmr {
 
 /// The chart's shader programs. All blend source-alpha over one-minus-source-alpha at four samples a pixel.
 /// - flat: `ChartVertex` with 16 bytes of uniforms;
-/// - ribbon: `LineVertex` with 32 bytes; - marker: `MarkerVertex` with 32 bytes;
+/// - box: `BoxVertex`, - ribbon: `LineVertex`, - marker: `MarkerVertex`, as quads, with 32 bytes each;
 /// - text: `TextVertex` with 16 bytes, sampling the glyph atlas.
-enum class Pipeline : std::uint8_t { flat, ribbon, marker, text };
+enum class Pipeline : std::uint8_t { flat, box, ribbon, marker, text };
 
-/// Quads are four vertices each (top left, bottom left, bottom right, top right), for text.
+/// Quads are four vertices each (top left, bottom left, bottom right, top right), for all but flat shapes.
 enum class Primitive : std::uint8_t { triangles, lines, quads };
 
 /// Names a buffer; 0 is none.
@@ -57,7 +57,7 @@ class Gpu {
     virtual void resetClip() = 0;
     /// Uniforms have to be set after it, before the next draw.
     virtual void setPipeline(Pipeline pipeline) = 0;
-    /// 4 floats (flat, text) or 8 floats (ribbon, marker); copied.
+    /// 4 floats (flat, text) or 8 floats (box, ribbon, marker); copied.
     virtual void setUniforms(std::span<const float> values) = 0;
     /// Draws `vertexCount` vertices, whole shapes, that begin `byteOffset` bytes into `buffer`, with the pipeline and
     /// uniforms set last. Nothing for 0.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <numbers>
 #include <span>
 
 namespace vmr {
@@ -17,27 +16,38 @@ void Painter::begin(double pixelRatio) {
     pixelRatio_ = pixelRatio;
     texts_.begin(pixelRatio);
     shapes_.clear();
+    boxes_.clear();
+    segments_.clear();
     runs_.clear();
 }
 
 void Painter::record(PaintSurface& surface) {
+    const auto pixels = std::bit_cast<std::array<float, 4>>(pixelUniforms(surface.width, surface.height, pixelRatio_));
+    const auto points = std::bit_cast<std::array<float, 8>>(pointUniforms(surface.width, surface.height));
+    const auto draw = [&](Pipeline pipeline, auto& list, std::size_t count) {
+        const auto upload = surface.arena.uploadDyn(list.first(count));
+        list = list.subspan(count);
+        surface.gpu.setPipeline(pipeline);
+        if (pipeline == Pipeline::flat || pipeline == Pipeline::text)
+            surface.gpu.setUniforms(pixels);
+        else
+            surface.gpu.setUniforms(points);
+        surface.gpu.draw(pipeline == Pipeline::flat ? Primitive::triangles : Primitive::quads, upload->buffer,
+                         upload->offset, upload->count);
+    };
     std::span<const ChartVertex> shapes = shapes_;
+    std::span<const BoxVertex> boxes = boxes_;
+    std::span<const LineVertex> segments = segments_;
     std::span<const TextVertex> texts = texts_.vertices();
-    const auto uniforms =
-        std::bit_cast<std::array<float, 4>>(pixelUniforms(surface.width, surface.height, pixelRatio_));
     for (const Run& run : runs_) {
-        const bool isText = run.pipeline == Pipeline::text;
-        const auto upload =
-            isText ? surface.arena.uploadDyn(texts.first(run.count)) : surface.arena.uploadDyn(shapes.first(run.count));
-        if (isText) {
-            texts = texts.subspan(run.count);
-        } else {
-            shapes = shapes.subspan(run.count);
-        }
-        surface.gpu.setPipeline(run.pipeline);
-        surface.gpu.setUniforms(uniforms);
-        surface.gpu.draw(isText ? Primitive::quads : Primitive::triangles, upload->buffer, upload->offset,
-                         upload->count);
+        if (run.pipeline == Pipeline::text)
+            draw(run.pipeline, texts, run.count);
+        else if (run.pipeline == Pipeline::box)
+            draw(run.pipeline, boxes, run.count);
+        else if (run.pipeline == Pipeline::ribbon)
+            draw(run.pipeline, segments, run.count);
+        else
+            draw(run.pipeline, shapes, run.count);
     }
 }
 
@@ -49,44 +59,28 @@ void Painter::lengthen(Pipeline pipeline, std::size_t count) {
 
 double Painter::pixel(double points) const { return std::round(points * pixelRatio_); }
 
-void Painter::corner(double x, double y, const Rgba& color) {
-    shapes_.push_back({{static_cast<float>(x), static_cast<float>(y), 0.0F, 1.0F}, color});
+void Painter::corner(double x, double y, const Rgba8& color) {
+    shapes_.push_back({{static_cast<float>(x), static_cast<float>(y)}, color});
 }
 
 void Painter::rect(double x0, double y0, double x1, double y1, const Rgba& color) {
     const double left = pixel(x0), top = pixel(y0);
     const double right = std::max(pixel(x1), left + 1.0), bottom = std::max(pixel(y1), top + 1.0);
+    const Rgba8 paint = color;
     lengthen(Pipeline::flat, 6);
-    corner(left, top, color);
-    corner(left, bottom, color);
-    corner(right, bottom, color);
-    corner(left, top, color);
-    corner(right, bottom, color);
-    corner(right, top, color);
+    corner(left, top, paint);
+    corner(left, bottom, paint);
+    corner(right, bottom, paint);
+    corner(left, top, paint);
+    corner(right, bottom, paint);
+    corner(right, top, paint);
 }
 
 void Painter::roundedBox(double x0, double y0, double x1, double y1, double radius, const Rgba& color) {
-    constexpr int arcSteps = 6;
-    constexpr std::size_t rimSize = 4 * (arcSteps + 1);
-    const double left = pixel(x0), right = pixel(x1), top = pixel(y0), bottom = pixel(y1);
-    const double bend = radius * pixelRatio_;
-    std::array<Point, rimSize> rim;
-    for (int quarter = 0; quarter < 4; ++quarter) {
-        const double cx = quarter == 1 || quarter == 2 ? left + bend : right - bend;
-        const double cy = quarter < 2 ? top + bend : bottom - bend;
-        for (int i = 0; i <= arcSteps; ++i) {
-            const double angle = (quarter + static_cast<double>(i) / arcSteps) * std::numbers::pi / 2;
-            rim[static_cast<std::size_t>(quarter * (arcSteps + 1) + i)] = {cx + bend * std::cos(angle),
-                                                                           cy - bend * std::sin(angle)};
-        }
-    }
-    lengthen(Pipeline::flat, rimSize * 3);
-    for (std::size_t i = 0; i < rimSize; ++i) {
-        const Point &a = rim[i], &b = rim[(i + 1) % rimSize];
-        corner((left + right) * 0.5, (top + bottom) * 0.5, color);
-        corner(a[0], a[1], color);
-        corner(b[0], b[1], color);
-    }
+    const auto edge = [this](double points) { return static_cast<float>(pixel(points) / pixelRatio_); };
+    lengthen(Pipeline::box, boxVertices);
+    boxes_.resize(boxes_.size() + boxVertices);
+    writeBox(&*(boxes_.end() - boxVertices), edge(x0), edge(y0), edge(x1), edge(y1), color, static_cast<float>(radius));
 }
 
 void Painter::dashes(double x0, double x1, double y, double dash, double gap, const Rgba& color) {
@@ -96,18 +90,17 @@ void Painter::dashes(double x0, double x1, double y, double dash, double gap, co
 }
 
 void Painter::line(Point from, Point to, double width, const Rgba& color) {
-    const double dx = to[0] - from[0], dy = to[1] - from[1], length = std::hypot(dx, dy);
-    if (!(length > 0)) return;
-    const double ox = -dy / length * width / 2, oy = dx / length * width / 2;
-    const Point a{from[0] - ox, from[1] - oy}, b{from[0] + ox, from[1] + oy};
-    const Point c{to[0] + ox, to[1] + oy}, d{to[0] - ox, to[1] - oy};
-    triangle(a, b, c, color);
-    triangle(a, c, d, color);
+    if (!(std::hypot(to[0] - from[0], to[1] - from[1]) > 0)) return;
+    lengthen(Pipeline::ribbon, segmentVertices);
+    segments_.resize(segments_.size() + segmentVertices);
+    writeSegment(&*(segments_.end() - segmentVertices), static_cast<float>(from[0]), static_cast<float>(from[1]),
+                 static_cast<float>(to[0]), static_cast<float>(to[1]), static_cast<float>(width / 2), color);
 }
 
 void Painter::triangle(Point a, Point b, Point c, const Rgba& color) {
+    const Rgba8 paint = color;
     lengthen(Pipeline::flat, 3);
-    for (const Point& point : {a, b, c}) corner(point[0] * pixelRatio_, point[1] * pixelRatio_, color);
+    for (const Point& point : {a, b, c}) corner(point[0] * pixelRatio_, point[1] * pixelRatio_, paint);
 }
 
 void Painter::text(std::string_view text, const TextStyle& style, double x, double y, TextAlign align,

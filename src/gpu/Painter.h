@@ -24,7 +24,7 @@ struct PaintSurface {
     PlotArea plot() const { return {width, height}; }
 };
 
-/// What is painted first lies lowest, texts and shapes alike; a run of either kind is one draw. Places in points from
+/// What is painted first lies lowest, texts and shapes alike; a run of one kind is one draw. Places in points from
 /// the view's top left. Edges of rectangles and the places of texts are rounded to device pixels, so that they are
 /// crisp. Painting allocates nothing once its lists have grown. Main thread.
 class Painter {
@@ -75,12 +75,14 @@ class Painter {
     void begin(double pixelRatio);
     void record(PaintSurface& surface);
     void lengthen(Pipeline pipeline, std::size_t count);
-    void corner(double x, double y, const Rgba& color);  // device pixels
+    void corner(double x, double y, const Rgba8& color);  // device pixels
     double pixel(double points) const;
 
     TextRuns texts_;
     double pixelRatio_ = 1;
     std::vector<ChartVertex> shapes_;
+    std::vector<BoxVertex> boxes_;
+    std::vector<LineVertex> segments_;
     std::vector<Run> runs_;  // in the order of painting
 };
 

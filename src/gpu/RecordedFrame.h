@@ -59,6 +59,8 @@ struct RecordedFrame {
 /// Bytes from one vertex of a pipeline's format to the next.
 constexpr std::size_t vertexStride(Pipeline pipeline) {
     switch (pipeline) {
+        case Pipeline::box:
+            return sizeof(BoxVertex);
         case Pipeline::ribbon:
             return sizeof(LineVertex);
         case Pipeline::marker:

@@ -97,16 +97,17 @@ double TextRuns::lineHeight(const TextStyle& style) {
 std::size_t TextRuns::add(std::string_view text, const TextStyle& style, double x, double y, TextAlign align,
                           const Rgba& color) {
     const Run& laid = run(text, style);
+    const Rgba8 paint = color;
     const double share = align == TextAlign::left ? 0.0 : align == TextAlign::center ? 0.5 : 1.0;
     const auto left = static_cast<float>(std::round(x * pixelRatio_ - laid.width * share));
     const auto top = static_cast<float>(std::round(y * pixelRatio_ - laid.height * 0.5));
     for (const Quad& quad : laid.quads) {
         const float x0 = left + quad.x, y0 = top + quad.y;
         const float x1 = x0 + quad.width, y1 = y0 + quad.height;
-        vertices_.push_back({{x0, y0}, {quad.u0, quad.v0}, color});
-        vertices_.push_back({{x0, y1}, {quad.u0, quad.v1}, color});
-        vertices_.push_back({{x1, y1}, {quad.u1, quad.v1}, color});
-        vertices_.push_back({{x1, y0}, {quad.u1, quad.v0}, color});
+        vertices_.push_back({{x0, y0}, {quad.u0, quad.v0}, paint});
+        vertices_.push_back({{x0, y1}, {quad.u0, quad.v1}, paint});
+        vertices_.push_back({{x1, y1}, {quad.u1, quad.v1}, paint});
+        vertices_.push_back({{x1, y0}, {quad.u1, quad.v0}, paint});
     }
     return laid.quads.size() * 4;
 }

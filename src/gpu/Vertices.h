@@ -2,40 +2,122 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 
 namespace vmr {
 
 /// A colour: r, g, b, a, each 0 to 1, not premultiplied.
 using Rgba = std::array<float, 4>;
 
-/// Flat shapes. Position x, y, 0, 1.
+/// The same in bytes, as vertices carry it. Shares beyond 0 to 1 are cut to it; NaN is 0.
+struct Rgba8 {
+    std::uint8_t r = 0, g = 0, b = 0, a = 0;
+
+    constexpr Rgba8() = default;
+    constexpr Rgba8(const Rgba& color)  // meant to be implicit
+        : r(byteOf(color[0])), g(byteOf(color[1])), b(byteOf(color[2])), a(byteOf(color[3])) {}
+    bool operator==(const Rgba8&) const = default;
+    constexpr Rgba shares() const { return {r / 255.0F, g / 255.0F, b / 255.0F, a / 255.0F}; }
+
+ private:
+    static constexpr std::uint8_t byteOf(float share) {
+        return static_cast<std::uint8_t>((share > 0 ? share < 1 ? share : 1 : 0) * 255 + 0.5F);
+    }
+};
+
+/// Flat shapes. Position x, y.
 struct ChartVertex {
-    float position[4] = {0, 0, 0, 1};
-    Rgba color{};
+    float position[2] = {0, 0};
+    Rgba8 color;
     bool operator==(const ChartVertex&) const = default;
 };
 
-/// Ribbons of constant pixel width: x, y, side (+1 or -1), half-width in pixels; `dir` is the whole segment's dx, dy.
+/// Upright boxes, a quad each: a corner and the one opposite to it, the same colour and radius in all four.
+struct BoxVertex {
+    float corner[2] = {0, 0};
+    float opposite[2] = {0, 0};
+    float radius = 0;  ///< of round corners, points
+    Rgba8 color;
+    bool operator==(const BoxVertex&) const = default;
+};
+inline constexpr std::size_t boxVertices = 4;
+
+/// Writes the four corners of a box at `out` and returns the place after them.
+inline BoxVertex* writeBox(BoxVertex* out, float x0, float y0, float x1, float y1, const Rgba8& color,
+                           float radius = 0) {
+    *out++ = {{x0, y0}, {x1, y1}, radius, color};
+    *out++ = {{x0, y1}, {x1, y0}, radius, color};
+    *out++ = {{x1, y1}, {x0, y0}, radius, color};
+    *out++ = {{x1, y0}, {x0, y1}, radius, color};
+    return out;
+}
+
+/// Ribbons of constant width on the screen, a quad for each segment: an end of its middle line, the whole segment's dx
+/// and dy, those of the segment that it joins at this end (0 where it ends), and how far to the left of the middle line
+/// (above 0) or to the right the corner lies, in points.
 struct LineVertex {
-    float pos[4] = {0, 0, 0, 0};
-    float dir[4] = {0, 0, 0, 0};
-    Rgba color{};
+    float pos[2] = {0, 0};
+    float dir[2] = {0, 0};
+    float joined[2] = {0, 0};
+    float beside = 0;
+    Rgba8 color;
     bool operator==(const LineVertex&) const = default;
 };
+inline constexpr std::size_t segmentVertices = 4;
 
-/// Markers of constant pixel size: `off` is the unit offset x, y and the radius in pixels.
+/// Writes a segment from a to b that joins no other at `out` and returns the place after it.
+inline LineVertex* writeSegment(LineVertex* out, float ax, float ay, float bx, float by, float halfWidth,
+                                const Rgba8& color) {
+    const float dx = bx - ax, dy = by - ay;
+    *out++ = {{ax, ay}, {dx, dy}, {}, halfWidth, color};
+    *out++ = {{ax, ay}, {dx, dy}, {}, -halfWidth, color};
+    *out++ = {{bx, by}, {dx, dy}, {}, -halfWidth, color};
+    *out++ = {{bx, by}, {dx, dy}, {}, halfWidth, color};
+    return out;
+}
+
+/// Lets the segment at `first` run on into the one at `second`, which begins where it ends.
+inline void joinSegments(LineVertex* first, LineVertex* second) {
+    for (std::size_t i = 0; i < 2; ++i) {
+        first[2].joined[i] = first[3].joined[i] = second->dir[i];
+        second[0].joined[i] = second[1].joined[i] = first->dir[i];
+    }
+}
+
+/// What a marker looks like: a disc, or a triangle as high as wide with its tip up or down.
+enum class MarkerShape : std::uint8_t { disc, up, down };
+
+/// Markers of constant size on the screen, a quad each, whose outline the GPU finds for each pixel. The four corners
+/// differ in their code alone.
 struct MarkerVertex {
-    float center[4] = {0, 0, 0, 1};
-    float off[4] = {0, 0, 0, 0};
-    Rgba color{};
+    float center[2] = {0, 0};
+    float radius = 0;  ///< points, from the centre to the rim, or to the sides of a triangle's box
+    float alpha = 1;   ///< not in the colour, since deep stacks are made of very faint ones
+    Rgba8 color;  ///< in place of its alpha a code: four times the shape, and the corner: top left, bottom left, bottom
+                  ///< right, top right
     bool operator==(const MarkerVertex&) const = default;
+
+    MarkerShape shape() const { return static_cast<MarkerShape>(color.a / 4); }
 };
+inline constexpr std::size_t markerVertices = 4;
+
+/// Writes the four corners of a marker at `out` and returns the place after them.
+inline MarkerVertex* writeMarker(MarkerVertex* out, float x, float y, float radius, MarkerShape shape,
+                                 const Rgba& color) {
+    MarkerVertex vertex{{x, y}, radius, color[3], color};
+    for (unsigned corner = 0; corner < markerVertices; ++corner) {
+        vertex.color.a = static_cast<std::uint8_t>(static_cast<unsigned>(shape) * 4 + corner);
+        *out++ = vertex;
+    }
+    return out;
+}
 
 /// Glyph corners. Position in device pixels from the view's top left; `uv` into the glyph atlas.
 struct TextVertex {
     float position[2] = {0, 0};
     float uv[2] = {0, 0};
-    Rgba color{};
+    Rgba8 color;
     bool operator==(const TextVertex&) const = default;
 };
 
@@ -45,15 +127,23 @@ struct Uniforms {
     bool operator==(const Uniforms&) const = default;
 };
 
-/// The same for ribbons and markers, with the view in points. Markers: `pad0` fades alpha, `pad1` scales the radius.
+/// The same for boxes, ribbons and markers, with the view in points. Markers: `pad0` fades alpha, `pad1` scales the
+/// radius.
 struct LineUniforms {
     float xScale = 1, xOffset = 0, yScale = 1, yOffset = 0;
     float viewW = 0, viewH = 0, pad0 = 0, pad1 = 0;
     bool operator==(const LineUniforms&) const = default;
 };
 
-static_assert(sizeof(ChartVertex) == 32 && sizeof(LineVertex) == 48 && sizeof(MarkerVertex) == 48);
-static_assert(sizeof(TextVertex) == 32 && sizeof(Uniforms) == 16 && sizeof(LineUniforms) == 32);
+static_assert(sizeof(ChartVertex) == 12 && sizeof(BoxVertex) == 24 && sizeof(LineVertex) == 32 &&
+              sizeof(MarkerVertex) == 20);
+static_assert(sizeof(TextVertex) == 20 && sizeof(Uniforms) == 16 && sizeof(LineUniforms) == 32);
+
+/// Points from the top left to clip space, for boxes, ribbons and markers.
+inline LineUniforms pointUniforms(double width, double height) {
+    const auto w = static_cast<float>(width), h = static_cast<float>(height);
+    return {2 / w, -1, -2 / h, 1, w, h, 1, 1};
+}
 
 /// Device pixels from the top left to clip space, for the text pipeline and for flat shapes placed on pixels.
 inline Uniforms pixelUniforms(double width, double height, double pixelRatio) {

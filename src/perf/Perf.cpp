@@ -83,6 +83,11 @@ void Perf::turn(double ms) {
     if (ms > slowTurn) time("turn", ms);
 }
 
+void Perf::uploaded(double bytes) {
+    std::lock_guard guard(lock_);
+    if (benchActive_) benchUploaded_ += bytes;
+}
+
 void Perf::frame(double drawMs, const void* plot) {
     const double now = clock_.monotonic();
     std::string report;
@@ -137,6 +142,7 @@ bool Perf::benchBegin() {
         benchLags_.clear();
         benchTimings_.clear();
         benchFrames_ = 0;
+        benchUploaded_ = 0;
         benchStart_ = clock_.monotonic();
     }
     print_("[bench] window OPEN — collecting per-frame metrics…");
@@ -170,6 +176,9 @@ void Perf::benchEnd() {
             lines.push_back(fmt::format("[bench] {} ms : p50 {:.2f}  p95 {:.2f}  max {:.2f}", name,
                                         percentile(samples.list, 0.50), percentile(samples.list, 0.95),
                                         greatest(samples.list)));
+        if (benchUploaded_ > 0)
+            lines.push_back(
+                fmt::format("[bench] uploaded {:.0f} kB a frame", benchUploaded_ / 1000 / std::max(benchFrames_, 1)));
         lines.push_back(std::string("[bench] VERDICT: frameInterval p95 ") +
                         (percentile(intervals, 0.95) < frameBudget ? "PASS ✓ (<16ms)" : "FAIL ✗ (≥16ms)"));
     }

@@ -37,6 +37,8 @@ class Perf {
     /// The end of a frame of `plot` that took `drawMs` of CPU time to record. Every two seconds it prints the report.
     /// Plots are told apart by their addresses, and each has the intervals of its window.
     void frame(double drawMs, const void* plot);
+    /// Bytes given to the graphics card.
+    void uploaded(double bytes);
 
     /// The process has come to a stage of its start: "main", "window", "bars", "drawn" and the like; at "drawn" all are
     /// printed. Main thread.
@@ -94,6 +96,7 @@ class Perf {
     std::map<const void*, PlotFrames> benchPlots_;
     Timings benchTimings_;
     int benchFrames_ = 0;
+    double benchUploaded_ = 0;
     double benchStart_ = 0;
 };
 

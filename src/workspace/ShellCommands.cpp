@@ -1,5 +1,7 @@
 #include "workspace/ShellCommands.h"
 
+#include <cmath>
+
 #include <algorithm>
 
 #include "base/NumberText.h"
@@ -83,12 +85,20 @@ void ShellCommands::addProcessCommands() {
     commands_.add({"pane", "open|close N", 1, 2, [this](CommandWords& words) { return pane(words); }});
     commands_.add({"clock", "pause|resume|speed X|set MOMENT (practice)", 1, 2,
                    [this](CommandWords& words) { return clock(words); }});
+    commands_.add(
+        {"bench", "SECONDS (of frames to measure)", 1, 1, [this](CommandWords& words) { return bench(words); }});
     commands_.add({"quit", "", 0, 0, [this](CommandWords&) {
                        at_.quit();
                        return "ok quitting";
                    }});
     commands_.add({"help", "", 0, Command::restOfLine,
                    [this](CommandWords&) { return "ok " + commands_.help() + " | @N COMMAND (in pane N)"; }});
+}
+
+CommandAnswer ShellCommands::bench(CommandWords& words) {
+    const auto seconds = parseDouble(words.next());
+    if (!seconds || !(*seconds > 0) || !std::isfinite(*seconds) || !at_.bench) return std::nullopt;
+    return at_.bench(*seconds) ? "ok bench" : "error: a benchmark is running";
 }
 
 CommandAnswer ShellCommands::signIn(CommandWords& words) {

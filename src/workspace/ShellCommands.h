@@ -20,7 +20,8 @@ struct ShellSurroundings {
     std::function<void()> quit;
     std::function<std::optional<std::string>(const std::string& file)> writeState;  ///< the text of what failed
     std::function<std::string(const std::string& line)> practiceRelay;  ///< its console; empty where there is none
-    SteerableClock* clock = nullptr;  ///< null where the market's time is not ours to set
+    std::function<bool(double seconds)> bench;  ///< measures the frames of that long and reports; false: one is running
+    SteerableClock* clock = nullptr;            ///< null where the market's time is not ours to set
 };
 
 /// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.
@@ -48,6 +49,7 @@ class ShellCommands {
     CommandAnswer state(CommandWords& words);
     CommandAnswer pane(CommandWords& words);
     CommandAnswer clock(CommandWords& words);
+    CommandAnswer bench(CommandWords& words);
 
     void tell(const std::string& text) { at_.print("[cmd] " + text); }
 

@@ -54,7 +54,7 @@ struct ChartScene : testing::Test {
     }
 
     /// The frame's draw calls of one kind in their order, without the background.
-    std::vector<Draw> calls(Pipeline pipeline, bool retained, Primitive primitive = Primitive::triangles) const {
+    std::vector<Draw> calls(Pipeline pipeline, bool retained, Primitive primitive = Primitive::quads) const {
         std::vector<Draw> list;
         std::copy_if(recorded.draws.begin() + 1, recorded.draws.end(), std::back_inserter(list), [&](const Draw& call) {
             return call.pipeline == pipeline && call.retained == retained && call.primitive == primitive;
@@ -63,21 +63,29 @@ struct ChartScene : testing::Test {
     }
     Draw priceLine() const { return calls(Pipeline::flat, false, Primitive::lines).at(0); }
     // Of a frame without strikes, overlays and screen layers.
-    Draw bodies() const { return calls(Pipeline::flat, true).at(0); }
-    Draw wicks() const { return calls(Pipeline::flat, true).at(1); }
-    Draw forming() const { return calls(Pipeline::flat, false).at(0); }
-    Draw formingWicks() const { return calls(Pipeline::flat, false).at(1); }
+    Draw bodies() const { return calls(Pipeline::box, true).at(0); }
+    Draw wicks() const { return calls(Pipeline::box, true).at(1); }
+    Draw forming() const { return calls(Pipeline::box, false).at(0); }
+    Draw formingWicks() const { return calls(Pipeline::box, false).at(1); }
 
-    /// Top left and bottom right of a shape's box on the screen, from vertices 0 and 2.
+    /// A shape's top left and bottom right on the screen.
     struct Box {
         double left, top, right, bottom;
     };
-    /// `first` counts a retained list's vertices from its beginning, also when only a part of it is drawn.
+    /// Of the box whose first vertex is `first`, which counts a retained list's vertices from its beginning, also when
+    /// only a part of it is drawn.
     Box box(const Draw& call, std::size_t first = 0) const {
+        if (call.retained) first -= call.offset / sizeof(BoxVertex);
+        const BoxVertex vertex = recorded.vertices<BoxVertex>(call).at(first);
+        return between(call, vertex.corner, vertex.opposite);
+    }
+    /// From vertex `first` of a flat list to the second one after it.
+    Box flatBox(const Draw& call, std::size_t first) const {
         const auto list = recorded.vertices<ChartVertex>(call);
-        if (call.retained) first -= call.offset / sizeof(ChartVertex);
-        const auto a = recorded.screen(call, list.at(first).position[0], list.at(first).position[1]);
-        const auto c = recorded.screen(call, list.at(first + 2).position[0], list.at(first + 2).position[1]);
+        return between(call, list.at(first).position, list.at(first + 2).position);
+    }
+    Box between(const Draw& call, const float* from, const float* to) const {
+        const auto a = recorded.screen(call, from[0], from[1]), c = recorded.screen(call, to[0], to[1]);
         return {a[0], a[1], c[0], c[1]};
     }
 };

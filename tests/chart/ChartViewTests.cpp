@@ -19,10 +19,13 @@ struct ScenePane final : ChartSource {
     SceneData data;
     mutable int reads = 0;
     int dragsEnded = 0;
-    std::uint64_t chart = 1, seriesRevision = 1;
+    std::uint64_t chart = 1, seriesRevision = 1, lookRevision = 1;
+    double timeframe = 1;
     ChartContent chartContent() const override {
         ++reads;
         ChartContent content = data.content(chart);
+        content.timeframe = timeframe;
+        content.revisions.look = lookRevision;
         content.revisions.overlays = content.revisions.srLines =
             seriesRevision;  // a pane raises these for other points
         return content;
@@ -41,11 +44,14 @@ struct ChartViewTest : testing::Test {
     SceneData data{bars(300)};
     StillAccount account{data.candles.back().close};
     std::optional<ChartView> view;
-    int asked = 0;
+    int asked = 0, askedCalmly = 0;
 
     ChartViewTest() {
         view.emplace(ChartView::Surroundings{gpu, glyphs, session, time, queue, nullptr, &account});
-        view->onNeedsFrame = [this] { ++asked; };
+        view->onNeedsFrame = [this](ChartView::Need need) {
+            ++asked;
+            if (need == ChartView::Need::calm) ++askedCalmly;
+        };
     }
     bool record() {
         time.advance(1.0 / 60);
@@ -170,9 +176,12 @@ TEST_F(ChartViewTest, SeriesStayWithTheirBarsInTheSameFrame) {
         const auto found = std::ranges::find(bars, itsBar, &Candle::time);
         const double x = AxisScale::xForIndex(view->renderer().camera().viewport(), double(found - bars.begin()), 1400);
         const auto kept = [](const auto& call) { return call.pipeline == Pipeline::ribbon && call.retained; };
-        const auto line = std::ranges::find_if(recorded.draws, kept);
+        const auto& draws = recorded.draws;  // the walls lie under the price line, the series over it
+        const auto priceLine = std::ranges::find(draws, Primitive::lines, &RecordedFrames::DrawCall::primitive);
+        const auto line = std::find_if(priceLine, draws.end(), kept);
         ASSERT_NE(line, recorded.draws.end());
-        const auto end = recorded.vertices<LineVertex>(*line).at(250 * 6 - line->offset / sizeof(LineVertex));
+        const auto end =
+            recorded.vertices<LineVertex>(*line).at(250 * segmentVertices - line->offset / sizeof(LineVertex));
         EXPECT_NEAR(recorded.screen(*line, end.pos[0], end.pos[1])[0], x, 0.02);
     };
     expectInPlace();
@@ -205,9 +214,9 @@ TEST_F(ChartViewTest, ASourcesChangesOfATurnAreReadOnceAndAnAwaitedFrameReadsThe
     EXPECT_EQ(first.reads, 2);
     EXPECT_TRUE(change([&] { first.data.candles.back().close += 3; }));
     EXPECT_FALSE(change([] {}));
-    EXPECT_EQ(first.reads, 3);
+    EXPECT_EQ(first.reads, 4) << "for what may not wait for a calm frame";
     record();
-    EXPECT_EQ(first.reads, 4);
+    EXPECT_EQ(first.reads, 5);
     EXPECT_TRUE(change([&] { first.data.series.ema1.clear(), ++first.seriesRevision; }));
     const std::size_t before = recorded.draws.size();
     record();
@@ -226,6 +235,48 @@ TEST_F(ChartViewTest, ASourcesChangesOfATurnAreReadOnceAndAnAwaitedFrameReadsThe
     view.reset();
     time.runUntilIdle();
     EXPECT_EQ(second.reads, 1) << "its chart is gone";
+}
+
+TEST_F(ChartViewTest, OnlyNewDataOfTheChartOnShowIsAskedForCalmly) {
+    ScenePane pane(data);
+    view->setSource(&pane);
+    settle();
+    const auto tick = [&] {
+        if (!pane.data.candles.empty()) pane.data.candles.back().close += 0.25;
+    };
+    const struct {
+        const char* name;
+        std::function<void()> change;
+        bool calm = false;
+    } cases[] = {
+        {"tick", tick, true},
+        {"wall", [&] { pane.data.levels[0].price += 1; }, true},
+        {"strike row", [&] { pane.data.strikes[3].callGex += 1; }, true},
+        {"series", [&] { ++pane.seriesRevision, pane.data.series.ema1.back().v += 1; }, true},
+        {"settings", [&] { ++pane.lookRevision, pane.data.config.gexEnabled ^= true; }},
+        {"timeframe", [&] { pane.timeframe = 6 - pane.timeframe; }},
+        {"another chart", [&] { ++pane.chart; }},
+        {"input", [&] { view->renderer().pan(-1); }},
+        {"account", [&] { view->redraw(); }},
+        {"no more bars", [&] { pane.data.candles.clear(); }},
+        {"first bars", [&] { pane.data.candles = bars(300); }},
+    };
+    for (const bool awaited : {false, true}) {  // a calm frame, for a tick
+        for (const auto& [name, change, calm] : cases) {
+            SCOPED_TRACE(name);
+            const auto turn = [&](const std::function<void()>& what) {
+                asked = askedCalmly = 0;
+                what();
+                view->contentChanged();
+                time.runUntilIdle();
+            };
+            if (awaited) turn(tick);
+            turn(change);
+            EXPECT_EQ(asked > askedCalmly, !calm) << "at once";
+            EXPECT_EQ(askedCalmly > 0, calm && !awaited) << "what a calm frame will read is not read before";
+            settle();
+        }
+    }
 }
 
 TEST_F(ChartViewTest, FollowersHearOfTheCameraInTheFrameThatMovesIt) {

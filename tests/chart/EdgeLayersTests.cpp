@@ -52,22 +52,33 @@ struct EdgeLayersTest : testing::Test {
     const BarDisp* bar(double strike) const { return edges.displays().gexDisp.find(strike); }
     const WaveDisp* point(double strike) const { return edges.displays().hfCallDisp.find(strike); }
     std::size_t shown() const { return edges.displays().gexDisp.size() + edges.displays().hfCallDisp.size(); }
-    std::vector<ChartVertex> list(const std::optional<DynUpload>& upload) {
+    template <class Vertex>
+    std::vector<Vertex> list(const std::optional<DynUpload>& upload) {
         if (!upload) return {};
-        std::vector<ChartVertex> out(upload->count);
-        const auto bytes = gpu.arenaBytes(upload->buffer).subspan(upload->offset, out.size() * sizeof(ChartVertex));
+        std::vector<Vertex> out(upload->count);
+        const auto bytes = gpu.arenaBytes(upload->buffer).subspan(upload->offset, out.size() * sizeof(Vertex));
         std::memcpy(out.data(), bytes.data(), bytes.size());
         return out;
     }
-    static double x(const ChartVertex& v) { return (v.position[0] + 1.0) * 500; }
-    static double y(const ChartVertex& v) { return (1.0 - v.position[1]) * 400; }
+    std::vector<BoxVertex> bars(const EdgeFrame& frame) { return list<BoxVertex>(frame.bars); }
+    struct Wave {
+        std::vector<ChartVertex> fill;
+        std::vector<LineVertex> stroke;
+        std::vector<MarkerVertex> dots;
+        bool operator==(const Wave&) const = default;
+    };
+    Wave wave(const EdgeFrame::Wave& made) {
+        return {list<ChartVertex>(made.fill), list<LineVertex>(made.stroke), list<MarkerVertex>(made.dots)};
+    }
+    static double x(const float* place) { return (place[0] + 1.0) * 500; }
+    static double y(const float* place) { return (1.0 - place[1]) * 400; }
 };
 
 TEST_F(EdgeLayersTest, BarsOfAllSetsLieAtTheirEdgesInTheirOrder) {
     config.dexEnabled = true;
     strikes = {{.strike = 99, .callGex = 2, .putGex = 6, .callDex = 3, .putDex = -9}, gex(101, 1)};
     second = {gex(200, -5)};
-    const auto bars = list(step().edgeTris);
+    const auto drawn = bars(step());
     const struct {
         double places[4];  // left, right, top, bottom
         Rgba color;
@@ -75,12 +86,12 @@ TEST_F(EdgeLayersTest, BarsOfAllSetsLieAtTheirEdgesInTheirOrder) {
                     {{axisX - 32, axisX, 382, 398}, {0.149F, 0.651F, 0.604F, 0.62F}},
                     {{axisX - 128, axisX, 402, 418}, {0.937F, 0.325F, 0.314F, 0.62F}},
                     {{0, 128, 402, 418}, {0.937F, 0.325F, 0.314F, 0.62F}}};
-    ASSERT_EQ(bars.size(), std::size(expected) * barVertices) << "a bar without width is not drawn";
+    ASSERT_EQ(drawn.size(), std::size(expected) * barVertices) << "a bar without width is not drawn";
     for (std::size_t i = 0; i < std::size(expected); ++i) {
-        const ChartVertex &topLeft = bars[i * barVertices], &bottomRight = bars[i * barVertices + 2];
-        const double is[] = {x(topLeft), x(bottomRight), y(topLeft), y(bottomRight)};
+        const BoxVertex& box = drawn[i * barVertices];
+        const double is[] = {x(box.corner), x(box.opposite), y(box.corner), y(box.opposite)};
         EXPECT_THAT(is, testing::Pointwise(testing::DoubleNear(1e-3), expected[i].places));
-        EXPECT_EQ(topLeft.color, expected[i].color);
+        EXPECT_EQ(box.color, Rgba8(expected[i].color));
     }
 }
 
@@ -142,8 +153,8 @@ TEST_F(EdgeLayersTest, ThicknessFollowsTheNearerNeighbourAndGatesLabels) {
         SCOPED_TRACE(gap);
         pointsPerPrice = gap;
         strikes = {gex(90, 6), gex(99, -8), gex(100, 7)};
-        const auto bars = list(step(1, true).edgeTris);
-        EXPECT_NEAR(y(bars[7]) - y(bars[6]), thickness, 1e-3);
+        const BoxVertex box = bars(step(1, true)).at(barVertices);
+        EXPECT_NEAR(y(box.opposite) - y(box.corner), thickness, 1e-3);
         const auto labels = edges.labels();
         ASSERT_EQ(labels.size(), fontSize > 0 ? 4U : gap > 1 ? 1U : 0U) << "three strikes and KGS";
         EXPECT_EQ(fontSize > 0 ? labels[1].fontSize : 0, fontSize);
@@ -178,26 +189,40 @@ TEST_F(EdgeLayersTest, LabelsNameStrikesAndMarkKgsAndFlip) {
 TEST_F(EdgeLayersTest, WavesShareAScaleAndTheNetOneEasesThroughCameraMovesPaintedBySign) {
     config.waveEnabled = true;
     strikes = {flow(99, -8, 0), flow(101, 4, 16)};
-    const auto waves = list(step().waveFill);
-    ASSERT_EQ(waves.size(), 2 * (12U + 48)) << "calls, then puts";
-    for (const auto& [i, swing, row] : {std::tuple{1U, 32, 390}, {2U, 64, 410}, {61U, 128, 390}, {62U, 0, 410}}) {
-        EXPECT_NEAR(x(waves[i]), axisX - swing, 1e-3);
-        EXPECT_NEAR(y(waves[i]), row, 1e-3);
-        EXPECT_EQ(waves[i].color[0], (i < 60 ? config.hfCall : config.hfPut)[0]);
+    const EdgeFrame frame = step();
+    const struct {
+        Wave is;
+        double swings[2];
+        Rgba8 color;
+    } waves[] = {{wave(frame.waves[0]), {32, 64}, config.hfCall}, {wave(frame.waves[1]), {128, 0}, config.hfPut}};
+    for (const auto& [is, swings, color] : waves) {
+        ASSERT_TRUE(is.fill.size() == 6 && is.stroke.size() == segmentVertices && is.dots.size() == 2 * markerVertices);
+        for (std::size_t i = 0; i < 2; ++i) {
+            for (const float* at :
+                 {is.fill[1 + i].position, is.stroke[i * 2].pos, is.dots[i * markerVertices].center}) {
+                EXPECT_NEAR(x(at), axisX - swings[i], 1e-3);
+                EXPECT_NEAR(y(at), i == 0 ? 390 : 410, 1e-3);
+            }
+        }
+        EXPECT_TRUE(is.fill[1].color.r == color.r && is.stroke[0].color.r == color.r && is.dots[0].color.r == color.r);
     }
     config.waveMode = "net";
     strikes = {flow(99, 3, 5), flow(101, 2, -6), flow(103, 2, 0)};
-    const auto net = list(step(1, true).waveFill);
-    ASSERT_EQ(net.size(), 2U * 12 + 3 * 24);
+    const Wave net = wave(step(1, true).waves[0]);
+    ASSERT_TRUE(net.fill.size() == 2 * 6 && net.stroke.size() == 2 * segmentVertices &&
+                net.dots.size() == 3 * markerVertices);
     std::string colors;  // fill, segments by first point, dots
-    for (const std::size_t i : {0, 12, 6, 18, 24, 48, 72}) colors += net[i].color[0] == config.hfPut[0] ? 'p' : 'c';
+    for (const Rgba8& color : {net.fill[0].color, net.fill[6].color, net.stroke[0].color, net.stroke[4].color,
+                               net.dots[0].color, net.dots[4].color, net.dots[8].color})
+        colors += color.r == Rgba8(config.hfPut).r ? 'p' : 'c';
     EXPECT_EQ(colors, "cccpcpc");
+    EXPECT_EQ(net.stroke[3].joined[1], net.stroke[4].dir[1]) << "the stroke is one line";
     for (int i = 0; i < 60; ++i) step();
     pointsPerPrice = 20;
     EXPECT_TRUE(step(1, true).animating);
     EXPECT_NEAR(point(99)->py, 412, 1e-9);
     strikes.pop_back();
-    EXPECT_EQ(list(step(1, true).waveFill).size(), net.size())
+    EXPECT_EQ(wave(step(1, true).waves[0]).dots.size(), net.dots.size())
         << "what went away falls back to the axis also while the camera moves";
 }
 
@@ -206,14 +231,16 @@ TEST_F(EdgeLayersTest, BadRowsAreLeftOut) {
     const std::vector<StrikeRow> clean = {both(98, 6), both(99, 8), both(102, 4)};
     strikes = clean;
     const EdgeFrame first = step(1, true);
-    const auto wanted = list(first.edgeTris), wantedWave = list(first.waveFill);
+    const auto wanted = bars(first);
+    const Wave wantedWave = wave(first.waves[0]);
+    ASSERT_FALSE(wantedWave.fill.empty());
     for (const auto& rows : {std::vector{clean[2], clean[0], clean[1]},
                              {both(nan, 5), clean[0], both(inf, 8), clean[1], both(100, nan), clean[2], both(-inf, 2)},
                              {both(99, 1), both(102, 3), clean[1], clean[0], clean[2]}}) {
         strikes = rows;
         const EdgeFrame frame = step();
         EXPECT_FALSE(frame.animating);
-        EXPECT_TRUE(list(frame.edgeTris) == wanted && list(frame.waveFill) == wantedWave);
+        EXPECT_TRUE(bars(frame) == wanted && wave(frame.waves[0]) == wantedWave);
     }
 }
 

@@ -19,7 +19,15 @@ struct FullSceneTest : ChartScene {
         renderer.onNeedsDisplay = [this] { ++redraws; };
     }
     void show() { data.give(renderer); }
-    Draw walls() const { return calls(Pipeline::flat, true, Primitive::lines).at(0); }
+    /// The one kept list of ribbons that lies under the price line.
+    std::vector<Draw> walls() const {
+        std::vector<Draw> list;
+        for (const Draw& call : recorded.draws) {
+            if (call.primitive == Primitive::lines) break;
+            if (call.pipeline == Pipeline::ribbon && call.retained) list.push_back(call);
+        }
+        return list;
+    }
     Draw markers() const { return calls(Pipeline::marker, true).at(0); }
 };
 
@@ -40,34 +48,34 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
             continue;
         }
         std::string layer = call.retained ? "kept " : "made ";
-        layer += std::array{"flat", "ribbon", "marker", "text"}[static_cast<std::size_t>(call.pipeline)];
+        layer += std::array{"flat", "box", "ribbon", "marker", "text"}[static_cast<std::size_t>(call.pipeline)];
         if (call.primitive == Primitive::lines) layer += " lines";
         layer += camera == overlays ? " on overlays" : camera == ofBars ? " on bars" : " on the view";
         EXPECT_TRUE(!layer.ends_with("view") || camera == Uniforms{});
         if (call.withView()) {
-            EXPECT_THAT(std::span(u).subspan(4, 3),
-                        ElementsAre(1400.0F, 900.0F, call.pipeline == Pipeline::marker ? 1.0F : 0.0F));
+            EXPECT_THAT(
+                std::span(u).subspan(4, 3),
+                ElementsAre(1400.0F, 900.0F, call.pipeline == Pipeline::marker || camera == Uniforms{} ? 1.0F : 0.0F));
         }
         layers.push_back(layer);
     }
-    const std::vector<std::string> order{"opaque",
-                                         "kept marker on bars",  // ground, markers
-                                         "made flat on the view",
-                                         "made flat on the view",  // waves, strike bars
-                                         "kept flat lines on bars",
-                                         "made flat lines on bars",  // walls, price line
-                                         "kept ribbon on overlays",
-                                         "kept ribbon on overlays",  // series, session lines
-                                         "kept flat on overlays",
-                                         "kept ribbon on overlays",  // second candles, their borders
-                                         "kept flat on bars",
-                                         "made flat on bars",  // bodies, the forming one
-                                         "kept flat on bars",
-                                         "made flat on bars",  // wicks, the forming ones
-                                         "kept ribbon on bars",
-                                         "made ribbon on bars"};  // borders, the forming one
+    std::vector<std::string> order{"opaque", "kept marker on bars"};  // ground, markers
+    for (int wave = 0; wave < 4; ++wave)  // fill, stroke and dots of flow and open interest, of calls and puts
+        order.insert(order.end(), {"made flat on the view", "made ribbon on the view", "made marker on the view"});
+    order.insert(order.end(), {"made box on the view",  // strike bars
+                               "kept ribbon on bars",
+                               "made flat lines on bars",  // walls, price line
+                               "kept ribbon on overlays",
+                               "kept ribbon on overlays",  // series, session lines
+                               "kept box on overlays",
+                               "kept ribbon on overlays",  // second candles, their borders
+                               "kept box on bars",
+                               "made box on bars",  // bodies, the forming one
+                               "kept box on bars",
+                               "made box on bars",                              // wicks, the forming ones
+                               "kept ribbon on bars", "made ribbon on bars"});  // borders, the forming one
     EXPECT_EQ(layers, order);
-    EXPECT_EQ(recorded.draws.at(10).count, 299U * 6U);
+    EXPECT_EQ(calls(Pipeline::box, true).at(1).count, 299U * boxVertices);
 }
 
 TEST_F(FullSceneTest, WallsAndMarkersLieWhereTheirBarsAndPricesAre) {
@@ -77,16 +85,16 @@ TEST_F(FullSceneTest, WallsAndMarkersLieWhereTheirBarsAndPricesAre) {
         renderer.mirrorView(0.37, 700);
         frame();
         const Viewport view = renderer.camera().viewport();
-        const auto wall = recorded.vertices<ChartVertex>(walls());
-        ASSERT_EQ(wall.size(), 4U) << "a level without a price is none";
+        const auto wall = recorded.vertices<LineVertex>(walls().at(0));
+        ASSERT_EQ(wall.size(), 2 * segmentVertices) << "a level without a price is none";
         const double start = 600 - static_cast<double>(dropped);
-        for (std::size_t i = 0; i < 4; ++i) {
-            const auto at = recorded.screen(walls(), wall[i].position[0], wall[i].position[1]);
-            EXPECT_NEAR(at[0], AxisScale::xForIndex(view, i % 2 == 0 ? start : 801, width), 0.02);
-            EXPECT_NEAR(at[1], AxisScale::yFor(view, data.levels[i / 2 * 2].price, height), 0.02);
+        for (std::size_t i = 0; i < wall.size(); ++i) {
+            const auto at = recorded.screen(walls()[0], wall[i].pos[0], wall[i].pos[1]);
+            EXPECT_NEAR(at[0], AxisScale::xForIndex(view, i % 4 < 2 ? start : 801, width), 0.02);
+            EXPECT_NEAR(at[1], AxisScale::yFor(view, data.levels[i / 4 * 2].price, height), 0.02);
         }
         const BubblePt& bubble = data.bubbles[40];
-        const MarkerVertex marker = recorded.vertices<MarkerVertex>(markers()).at(40 * 36);
+        const MarkerVertex marker = recorded.vertices<MarkerVertex>(markers()).at(40 * markerVertices);
         const auto at = recorded.screen(markers(), marker.center[0], marker.center[1]);
         const auto bar = static_cast<double>((bubble.minuteTs - data.candles.front().time) / 60);
         EXPECT_NEAR(at[0], AxisScale::xForIndex(view, bar, width), 0.02);
@@ -117,6 +125,7 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
     };
     show();
     settle();
+    for (int i = 0; i < 3; ++i) frame();  // until each arena is there
     for (const auto& [name, change, buffersMade, asksForAFrame] : cases) {
         SCOPED_TRACE(name);
         const auto made = gpu.buffersMade();
@@ -129,7 +138,7 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
         const auto kept = std::ranges::count(recorded.draws, true, &Draw::retained);
         EXPECT_EQ(gpu.buffersHeld(), 4 + static_cast<std::size_t>(kept))
             << "three arenas, the session lines without gaps, and nothing of the past";
-        EXPECT_EQ(calls(Pipeline::flat, true, Primitive::lines).size(), data.config.wallsEnabled ? 1U : 0U);
+        EXPECT_EQ(walls().size(), data.config.wallsEnabled ? 1U : 0U);
     }
 }
 
@@ -156,7 +165,8 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
         frame();
         EXPECT_EQ(recorded.draws.size(), layers);
         EXPECT_NE(markers().uniforms, old);
-        EXPECT_NEAR(box(recorded.draws[2]).left, (PlotArea{width, height}.right()), 0.01) << "waves hang on the axis";
+        EXPECT_NEAR(flatBox(recorded.draws[2], 0).left, (PlotArea{width, height}.right()), 0.01)
+            << "waves hang on the axis";
     }
     EXPECT_EQ(gpu.buffersMade(), made);
     EXPECT_EQ(markers().uniforms[4], 911.0F);
@@ -169,17 +179,18 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
     show();
     const auto sessionLines = [&] {
         const auto all = calls(Pipeline::ribbon, true);
-        const auto gray = [&](const Draw& call) { return recorded.vertices<LineVertex>(call)[0].color[0] == 0.667F; };
-        const auto line = std::ranges::find_if(all, gray);
-        return std::pair(line->count, recorded.vertices<LineVertex>(*line)[0].color[3]);
+        const auto gray = [&](const Draw& call) { return recorded.vertices<LineVertex>(call)[0].color.r == 170; };
+        const auto line = std::find_if(all.begin() + std::ssize(walls()), all.end(), gray);
+        return std::pair(line->count, recorded.vertices<LineVertex>(*line)[0].color.a);
     };
     renderer.mirrorView(3000, 200);
     frame();
-    EXPECT_GT(sessionLines().first, 200U * 6) << "dashes of the bars in view";
-    EXPECT_FLOAT_EQ(sessionLines().second, 0.8F);
+    EXPECT_GT(sessionLines().first, 200U * segmentVertices) << "dashes of the bars in view";
+    EXPECT_EQ(sessionLines().second, 204);
     renderer.mirrorView(0, 1600);
     frame();
-    EXPECT_EQ(sessionLines(), std::pair(std::size_t{6}, 0.4F)) << "from afar one line, as faint as its dashes";
+    EXPECT_EQ(sessionLines(), std::pair(segmentVertices, std::uint8_t{102}))
+        << "from afar one line, as faint as its dashes";
     EXPECT_NEAR(markers().uniforms[6], 0.0625, 1e-6);
     EXPECT_NEAR(markers().uniforms[7], 0.5, 1e-6);
 }

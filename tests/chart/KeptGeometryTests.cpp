@@ -16,41 +16,46 @@ using testing::ElementsAre;
 constexpr Rgba red{1, 0, 0, 1}, blue{0, 0, 1, 1};
 constexpr DataOrigin none;
 
-// Checks the make of every quad and gives their ends.
+// Checks the make of every quad and gives their ends, with "on" where a quad joins the next.
 std::vector<std::string> pieces(const std::vector<LineVertex>& verts, float halfWidth) {
-    constexpr float sides[] = {1, -1, -1, 1, -1, 1};
+    constexpr float sides[segmentVertices] = {1, -1, -1, 1};
+    constexpr float nothing[2] = {0, 0};
+    const auto joins = [](const LineVertex& vertex) { return vertex.joined[0] != 0 || vertex.joined[1] != 0; };
     std::vector<std::string> found;
-    EXPECT_EQ(verts.size() % 6, 0U);
-    for (std::size_t q = 0; q + 6 <= verts.size(); q += 6) {
+    EXPECT_EQ(verts.size() % segmentVertices, 0U);
+    for (std::size_t q = 0; q + segmentVertices <= verts.size(); q += segmentVertices) {
         const LineVertex &a = verts[q], &b = verts[q + 2];
-        for (std::size_t i = 0; i < 6; ++i) {
-            const auto& end = i == 2 || i > 3 ? b.pos : a.pos;
-            const LineVertex expected{{end[0], end[1], sides[i], halfWidth}, {a.dir[0], a.dir[1], 0, 0}, a.color};
+        const bool on = joins(b), follows = q > 0 && joins(verts[q - 1]);
+        for (std::size_t i = 0; i < segmentVertices; ++i) {
+            const auto& end = i < 2 ? a.pos : b.pos;
+            const auto& other = i < 2 ? (follows ? verts[q - 1].dir : nothing) : on ? verts.at(q + 4).dir : nothing;
+            const LineVertex expected{
+                {end[0], end[1]}, {a.dir[0], a.dir[1]}, {other[0], other[1]}, sides[i] * halfWidth, a.color};
             EXPECT_EQ(verts[q + i], expected);
         }
         EXPECT_NEAR(a.dir[0], b.pos[0] - a.pos[0], 1e-4);
         EXPECT_NEAR(a.dir[1], b.pos[1] - a.pos[1], 1e-4);
         std::ostringstream text;
         text << (a.color == red ? "red " : a.color == blue ? "blue " : "");
-        text << a.pos[0] << " " << a.pos[1] << " to " << b.pos[0] << " " << b.pos[1];
+        text << a.pos[0] << " " << a.pos[1] << " to " << b.pos[0] << " " << b.pos[1] << (on ? " on" : "");
         found.push_back(text.str());
     }
     return found;
 }
 
-TEST(OverlayGeometry, LinesBreakAtGapsMayBeDashedAndChangeColourAtTheirBase) {
+TEST(OverlayGeometry, LinesJoinBreakAtGapsMayBeDashedAndChangeColourAtTheirBase) {
     std::vector<LineVertex> line, dashed, flow;
     const std::vector<OvPoint> gaps{{0, 1}, {1, 2}, {2.5, 3}, {4.5, 4}, {4.5, 5}, {4, 6}, {5, 7}};
     OverlayGeometry::polyline(line, gaps, 2, red, {}, none);
-    EXPECT_THAT(pieces(line, 1), ElementsAre("red 0 1 to 1 2", "red 1 2 to 2.5 3", "red 4 6 to 5 7"));
+    EXPECT_THAT(pieces(line, 1), ElementsAre("red 0 1 to 1 2 on", "red 1 2 to 2.5 3", "red 4 6 to 5 7"));
     const std::vector<OvPoint> close{{0, 10}, {1, 20}, {1.2, 30}};  // dashes begin anew at each point
     OverlayGeometry::polyline(dashed, close, 2, red, OverlayGeometry::Dash{0.5, 0.4}, none);
     EXPECT_THAT(pieces(dashed, 1), ElementsAre("red 0 10 to 0.5 15", "red 0.9 19 to 1 20", "red 1 20 to 1.2 30"));
     const auto at = [](double idx, double v) { return OvColorPoint{idx, v, v >= 100, 100, v - 100}; };
     const std::vector<OvColorPoint> crossing{at(0, 101), at(1, 103), at(2, 97), at(3, 99), at(5, 101)};
     OverlayGeometry::hfPolyline(flow, crossing, 2, blue, red, none);
-    EXPECT_THAT(pieces(flow, 1),
-                ElementsAre("blue 0 101 to 1 103", "blue 1 103 to 1.5 100", "red 1.5 100 to 2 97", "red 2 97 to 3 99"));
+    EXPECT_THAT(pieces(flow, 1), ElementsAre("blue 0 101 to 1 103 on", "blue 1 103 to 1.5 100 on",
+                                             "red 1.5 100 to 2 97 on", "red 2 97 to 3 99"));
 }
 
 TEST(OverlayGeometry, LevelsSpanTheirBars) {
@@ -62,12 +67,13 @@ TEST(OverlayGeometry, LevelsSpanTheirBars) {
                                  {7, 150, {}, "", false},  // nothing after the last bar
                                  {7, 0, 100, "", false},   // ends at the first bar
                                  {std::nan(""), 0, {}, "", false},
-                                 {8, 110, 130, "", true}};
+                                 {8, 110, 130, "", true},
+                                 {7, 140, {}, "", false}};  // where one ended before the dashes
     std::vector<LineVertex> verts;
     OverlayGeometry::srLines(verts, lines, list, 0.25, none);
     EXPECT_THAT(pieces(verts, 0.5), ElementsAre("0 7 to 5 7", "1 7 to 5 7", "2 7 to 4 7", "1 8 to 1.46 8",
-                                                "1.92 8 to 2.38 8", "2.84 8 to 3 8"));
-    EXPECT_EQ(verts[0].color[3], 0.25F);
+                                                "1.92 8 to 2.38 8", "2.84 8 to 3 8", "4 7 to 5 7"));
+    EXPECT_EQ(verts[0].color.a, 64);
 }
 
 TEST(Markers, EachMinuteFindsItsBarInAnyOrderAndWhatHasNoPlaceIsLeftOut) {
@@ -84,11 +90,11 @@ TEST(Markers, EachMinuteFindsItsBarInAnyOrderAndWhatHasNoPlaceIsLeftOut) {
         const BubblePt nowhere{firstBarTime, std::nan(""), 1, true, 0};
         std::vector<MarkerVertex> out;
         Markers::build(out, {{&nowhere, 1}, triangles, candles, 41.0, {}, {399, 21000}});
-        ASSERT_EQ(out.size(), 3000U * 3);
+        ASSERT_EQ(out.size(), 3000U * markerVertices);
         for (std::size_t i = 0; i < 3000; ++i) {
             std::size_t bar = 0;
             while (bar + 1 < candles.size() && candles[bar + 1].time <= triangles[i].minuteTs) ++bar;
-            ASSERT_EQ(out[i * 3].center[0], static_cast<float>(bar) - 399.0F) << triangles[i].minuteTs;
+            ASSERT_EQ(out[i * markerVertices].center[0], static_cast<float>(bar) - 399.0F) << triangles[i].minuteTs;
         }
     }
 }

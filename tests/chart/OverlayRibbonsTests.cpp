@@ -23,7 +23,7 @@ struct OverlayRibbonsTest : testing::Test {
     std::vector<double> linePrices() {
         std::vector<double> prices;
         const OverlayLists& lists = make();
-        for (std::size_t i = 0; i < lists.sessionLines.size(); i += 6)
+        for (std::size_t i = 0; i < lists.sessionLines.size(); i += segmentVertices)
             prices.push_back(lists.sessionLines[i].pos[1] + lists.origin.price);
         return prices;
     }
@@ -46,16 +46,16 @@ TEST_F(OverlayRibbonsTest, EachSeriesHasItsLookAndPlace) {
                  {1.5F, {0, 1, 0, 1}},             //
                  {2, {0, 0.588F, 1, 0.4F}},        // flow above its base and below
                  {2, {1, 0.314F, 0.314F, 0.4F}}};
-    ASSERT_EQ(lists.lines.size(), std::size(quads) * 6);
+    ASSERT_EQ(lists.lines.size(), std::size(quads) * segmentVertices);
     for (std::size_t i = 0; i < std::size(quads); ++i) {
-        EXPECT_EQ(lists.lines[i * 6].pos[3], quads[i].width / 2) << i;
-        EXPECT_EQ(lists.lines[i * 6].color, quads[i].color) << i;
+        EXPECT_EQ(lists.lines[i * segmentVertices].beside, quads[i].width / 2) << i;
+        EXPECT_EQ(lists.lines[i * segmentVertices].color, Rgba8(quads[i].color)) << i;
     }
     EXPECT_EQ(lists.origin, (DataOrigin{9, candles.back().close}));
     EXPECT_EQ(lists.lines[0].pos[0], 3.0F - 9.0F);
     EXPECT_TRUE(!lists.second.empty() && !lists.secondBorders.empty());
     ASSERT_FALSE(lists.sessionLines.empty());
-    EXPECT_EQ(lists.sessionLines[0].color[3], 0.5F);
+    EXPECT_EQ(lists.sessionLines[0].color.a, 128);
 }
 
 TEST_F(OverlayRibbonsTest, TheLabelOfASessionLineTellsWhatShowsIt) {

@@ -35,7 +35,7 @@ struct AxisLayerTest : ChartScene {
             for (std::size_t i = 0; i < vertices.size(); i += 4) {
                 const auto &a = vertices[i].position, &c = vertices[i + 2].position;
                 const Drawn glyph{a[0] / pixelRatio, a[1] / pixelRatio, c[0] / pixelRatio, c[1] / pixelRatio,
-                                  vertices[i].color[3]};
+                                  vertices[i].color.shares()[3]};
                 const double step = glyph.left - std::exchange(previous, glyph.left);
                 const bool near = (step > 4 && step < 8) || (step > 11.5 && step < 14);
                 if (near && !list.empty() && list.back().top == glyph.top)
@@ -132,13 +132,13 @@ TEST(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
         for (std::size_t i = 0; i < corners.size(); i += 4) {
             const auto &a = corners[i], &c = corners[i + 2];
             for (const float place : a.position) ASSERT_EQ(place, std::round(place)) << "between two pixels";
-            if (a.color[2] != 0.5F) continue;  // a shadow
+            if (a.color.b != 128) continue;  // a shadow
             ++seen;
             ASSERT_TRUE(a.position[0] >= -ratio && c.position[0] <= (600 - 74 + 1) * ratio) << round;
             ASSERT_TRUE(a.position[1] >= 0 && c.position[1] <= (400 - 22) * ratio) << round;
             for (std::size_t j = 0; j < corners.size(); j += 4) {
                 const auto &b = corners[j], &d = corners[j + 2];
-                if (b.color[2] != 0.5F || b.color[0] == a.color[0]) continue;
+                if (b.color.b != 128 || b.color.r == a.color.r) continue;
                 const bool besides = a.position[0] >= d.position[0] || b.position[0] >= c.position[0];
                 ASSERT_TRUE(besides || a.position[1] >= d.position[1] || b.position[1] >= c.position[1]) << round;
             }

@@ -17,7 +17,7 @@ constexpr std::array<float, 8> uniforms{1, 2, 3, 4, 5, 6, 7, 8};
 
 TEST(FrameRecorder, AFrameHoldsWhatItDrawsFrom) {
     FrameRecorder gpu;
-    const ChartVertex kept[3] = {{{1, 0, 0, 1}, {}}};
+    const ChartVertex kept[3] = {{{1, 0}, {}}};
     const GpuBuffer retained = gpu.makeBuffer(std::as_bytes(std::span(kept)));
     GpuBuffer arena = gpu.makeArena(256);
     const auto write = [&](float x) { std::memcpy(gpu.arenaBytes(arena).data(), &x, sizeof x); };

@@ -35,7 +35,8 @@ class FollowerItem final : public FrameItem {
             arena_.beginFrame();
             const double bar = std::ceil((shows_->first + shows_->count / 2) / 5) * 5;
             const auto x = static_cast<float>(2 * (bar - shows_->first) / shows_->count - 1);
-            const std::array<ChartVertex, 2> line{{{{x, -1, 0, 1}, {1, 1, 1, 1}}, {{x, 1, 0, 1}, {1, 1, 1, 1}}}};
+            constexpr Rgba white{1, 1, 1, 1};
+            const std::array<ChartVertex, 2> line{{{{x, -1}, white}, {{x, 1}, white}}};
             const auto list = arena_.uploadDyn(std::span<const ChartVertex>(line));
             gpu.setPipeline(Pipeline::flat);
             gpu.setUniforms(std::array{1.0F, 0.0F, 1.0F, 0.0F});

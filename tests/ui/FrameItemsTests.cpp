@@ -122,6 +122,34 @@ TEST_F(FrameItems, AtlasFullIsDrawnAnewInEveryItem) {
     EXPECT_EQ(picture(), before);
 }
 
+// The displays of the tests have no graphics card behind them.
+TEST_F(FrameItems, WithoutAGraphicsCardCalmFramesArePacedAndUrgentOnesAreNot) {
+    constexpr int most = 8;
+    constexpr qint64 leastInterval = 50;  // milliseconds
+    QElapsedTimer clock;
+    int frames = 0;
+    std::uint64_t seen = drawn();
+    ASSERT_TRUE(runUntil([&] {
+        if (std::exchange(seen, drawn()) != drawn() && frames++ == 0) clock.start();
+        chart->requestCalmFrame();
+        return frames == most;
+    }));
+    EXPECT_GE(clock.elapsed(), (most - 1) * leastInterval);
+    ASSERT_TRUE(runUntil([&] { return chart->pump().state() == FramePump::State::idle; }));
+    chart->requestCalmFrame();
+    EXPECT_EQ(chart->pump().state(), FramePump::State::idle) << "waits";
+    chart->requestFrame();
+    EXPECT_EQ(chart->pump().state(), FramePump::State::asked);
+    expectAtRest("after the calm frames");
+    QTest::mousePress(ui.window, Qt::LeftButton, {}, chart->mapToScene(QPointF(400, 300)).toPoint());
+    QTest::mouseMove(ui.window, chart->mapToScene(QPointF(440, 300)).toPoint());
+    ASSERT_TRUE(runUntil([&] { return chart->pump().state() == FramePump::State::idle; }));
+    chart->requestCalmFrame();
+    EXPECT_EQ(chart->pump().state(), FramePump::State::asked) << "a hand is on the chart";
+    QTest::mouseRelease(ui.window, Qt::LeftButton, {}, chart->mapToScene(QPointF(440, 300)).toPoint());
+    expectAtRest("after the drag");
+}
+
 // What comes while a person reads the list.
 TEST(ChoiceRows, StayWhatTheyAreWhileTheListIsOpen) {
     UiWindow ui(QSize(900, 600), UiWindow::entered(), syntheticBars(40));

@@ -17,6 +17,37 @@ struct Corner {
     double u = 0, v = 0;
 };
 
+/// The outline within a quad whose inside the GPU finds for each pixel; everything of the quad without one.
+struct Outline {
+    enum class Kind : std::uint8_t { none, box, disc, up, down } kind = Kind::none;
+    double x = 0, y = 0;                   // its middle, device pixels
+    double halfWidth = 0, halfHeight = 0;  // of a box
+    double radius = 0;
+
+    // How much of the pixel with its middle at px, py counts.
+    double covers(double px, double py) const {
+        const auto share = [](double inside) { return std::clamp(inside + 0.5, 0.0, 1.0); };
+        const double dx = std::abs(px - x), dy = py - y;
+        switch (kind) {
+            case Kind::box: {
+                const double qx = dx - halfWidth + radius, qy = std::abs(dy) - halfHeight + radius;
+                return share(radius - std::hypot(std::max(qx, 0.0), std::max(qy, 0.0)) -
+                             std::min(std::max(qx, qy), 0.0));
+            }
+            case Kind::disc:
+                return share(radius - std::hypot(dx, dy));
+            case Kind::up:
+            case Kind::down: {
+                const double above = kind == Kind::up ? -dy : dy;  // towards the tip
+                return share((radius - above - 2 * dx) / std::sqrt(5.0)) * share(above + radius);
+            }
+            case Kind::none:
+                break;
+        }
+        return 1;
+    }
+};
+
 class Canvas {
  public:
     Canvas(const RecordedFrame& frame, const QImage& atlas, int side) : frame_(frame), atlas_(atlas), grid_(side) {
@@ -43,34 +74,93 @@ class Canvas {
             if (shape >= 3) triangle(c[0], c[1], c[2], text);
             if (shape == 4) triangle(c[0], c[2], c[3], text);
             c.clear();
+            outline_ = {};
         }
     }
 
  private:
-    Corner corner(const RecordedFrame::Draw& call, const std::byte* bytes) const {
+    template <class Vertex>
+    static Vertex read(const std::byte* bytes) {
+        Vertex vertex;
+        std::memcpy(&vertex, bytes, sizeof vertex);
+        return vertex;
+    }
+
+    Corner corner(const RecordedFrame::Draw& call, const std::byte* bytes) {
         const auto& u = frame_.uniforms[call.uniforms];
-        float f[12] = {};
-        std::memcpy(f, bytes, vertexStride(call.pipeline));
-        const bool wide = call.pipeline == Pipeline::ribbon || call.pipeline == Pipeline::marker;
-        double x = f[0] * u[0] + u[1], y = f[1] * u[2] + u[3];
-        Corner out;
-        std::copy_n(wide ? f + 8 : f + 4, 4, out.color.begin());
-        if (call.pipeline == Pipeline::ribbon) {
-            const double dx = f[4] * u[0] * u[4] * 0.5, dy = f[5] * u[2] * u[5] * 0.5;
-            const double len = std::max(std::hypot(dx, dy), 1e-6);
-            x += -dy / len * f[3] * f[2] * 2 / u[4];
-            y += dx / len * f[3] * f[2] * 2 / u[5];
-        } else if (call.pipeline == Pipeline::marker) {
-            x += f[4] * f[6] * u[7] * 2 / u[4];
-            y += f[5] * f[6] * u[7] * 2 / u[5];
-            out.color[3] *= u[6];
-        } else if (call.pipeline == Pipeline::text) {
-            out.u = f[2] * atlas_.width();
-            out.v = f[3] * atlas_.height();
+        const auto at = [&](const float* place, const Rgba8& color) {
+            return Corner{(place[0] * u[0] + u[1] + 1) * 0.5 * frame_.width * frame_.pixelRatio,
+                          (1 - place[1] * u[2] - u[3]) * 0.5 * frame_.height * frame_.pixelRatio, color.shares()};
+        };
+        switch (call.pipeline) {
+            case Pipeline::box: {
+                const auto vertex = read<BoxVertex>(bytes);
+                return boxCorner(at(vertex.corner, vertex.color), at(vertex.opposite, {}), vertex.radius);
+            }
+            case Pipeline::ribbon: {
+                const auto vertex = read<LineVertex>(bytes);
+                return ribbonCorner(at(vertex.pos, vertex.color), vertex, u);
+            }
+            case Pipeline::marker: {
+                const auto vertex = read<MarkerVertex>(bytes);
+                return markerCorner(at(vertex.center, vertex.color), vertex, u);
+            }
+            case Pipeline::text: {
+                const auto vertex = read<TextVertex>(bytes);
+                Corner out = at(vertex.position, vertex.color);
+                out.u = vertex.uv[0] * atlas_.width();
+                out.v = vertex.uv[1] * atlas_.height();
+                return out;
+            }
+            case Pipeline::flat:
+                break;
         }
-        out.x = (x + 1) * 0.5 * frame_.width * frame_.pixelRatio;
-        out.y = (1 - y) * 0.5 * frame_.height * frame_.pixelRatio;
-        return out;
+        const auto vertex = read<ChartVertex>(bytes);
+        return at(vertex.position, vertex.color);
+    }
+
+    Corner boxCorner(Corner corner, const Corner& opposite, float radius) {
+        if (!(radius > 0)) return corner;
+        outline_ = {Outline::Kind::box,
+                    (corner.x + opposite.x) / 2,
+                    (corner.y + opposite.y) / 2,
+                    std::abs(corner.x - opposite.x) / 2,
+                    std::abs(corner.y - opposite.y) / 2,
+                    radius * frame_.pixelRatio};
+        corner.x += std::copysign(0.5, corner.x - opposite.x);  // the pixels that the edge covers in part
+        corner.y += std::copysign(0.5, corner.y - opposite.y);
+        return corner;
+    }
+
+    // Two segments meet on the line that halves their turn, unless it is sharp or one is shorter than wide.
+    Corner ribbonCorner(Corner corner, const LineVertex& vertex, const std::array<float, 8>& u) const {
+        struct Way {
+            double x, y, length, leftX, leftY;
+        };
+        const auto wayOf = [&](const float* d) {
+            const double x = d[0] * u[0] * u[4] * 0.5 * frame_.pixelRatio;
+            const double y = d[1] * u[2] * u[5] * 0.5 * frame_.pixelRatio;
+            const double length = std::hypot(x, y), divisor = std::max(length, 1e-6);
+            return Way{x, y, length, -y / divisor, x / divisor};
+        };
+        const Way own = wayOf(vertex.dir), other = wayOf(vertex.joined);
+        const double reach = std::abs(vertex.beside) * frame_.pixelRatio, side = vertex.beside < 0 ? -reach : reach;
+        const double mx = own.leftX + other.leftX, my = own.leftY + other.leftY, turn = mx * mx + my * my;
+        const bool meet = std::min(own.length, other.length) > reach && turn > 1;
+        corner.x += (meet ? mx * 2 / turn : own.leftX) * side;
+        corner.y -= (meet ? my * 2 / turn : own.leftY) * side;
+        return corner;
+    }
+
+    Corner markerCorner(Corner center, const MarkerVertex& vertex, const std::array<float, 8>& u) {
+        constexpr Outline::Kind kinds[] = {Outline::Kind::disc, Outline::Kind::up, Outline::Kind::down};
+        const unsigned which = vertex.color.a % 4;
+        const double radius = vertex.radius * u[7] * frame_.pixelRatio;
+        outline_ = {kinds[static_cast<std::size_t>(vertex.shape())], center.x, center.y, 0, 0, radius};
+        center.x += (radius + 0.5) * (which >= 2 ? 1 : -1);
+        center.y += (radius + 0.5) * (which == 1 || which == 2 ? 1 : -1);
+        center.color[3] = vertex.alpha * u[6];
+        return center;
     }
 
     // One pixel wide.
@@ -108,6 +198,7 @@ class Canvas {
                 if (!covers(wa, b, c) || !covers(wb, c, a) || !covers(wc, a, b)) continue;
                 const auto mix = [&](double p, double q, double r) { return (p * wa + q * wb + r * wc) / area; };
                 double alpha = mix(a.color[3], b.color[3], c.color[3]);
+                alpha *= outline_.covers(sx / grid_ + 0.5, sy / grid_ + 0.5);  // one value for all samples of a pixel
                 if (text) {
                     const int u = std::clamp(static_cast<int>(mix(a.u, b.u, c.u)), 0, atlas_.width() - 1);
                     const int v = std::clamp(static_cast<int>(mix(a.v, b.v, c.v)), 0, atlas_.height() - 1);
@@ -127,6 +218,7 @@ class Canvas {
     const int grid_;
     PixelRect clip_;
     bool opaque_ = false;
+    Outline outline_;  // of the quad being drawn
 };
 
 Raster rasterise(const RecordedFrame& frame, const QImage& atlas, int side) {

@@ -57,10 +57,11 @@ inline std::vector<Candle> syntheticBars(int count) {
 
 /// Waits until a first frame has come and then none for a while; `swaps` counts them.
 inline bool comesToRest(const int& swaps) {
+    constexpr int longestInterval = 400;  // milliseconds, of calm frames that are drawn slowly
     int last = -1;
     return runUntil([&] {
         const bool rests = std::exchange(last, swaps) == swaps && swaps > 0;
-        if (!rests) runFor(300);
+        if (!rests) runFor(longestInterval);
         return rests;
     });
 }

@@ -20,6 +20,7 @@ class Shell : public LivePanes {
                 [](const std::string& file) {
                     return file == "full disk" ? std::optional<std::string>("no room") : std::nullopt;
                 },
+                {},
                 {}};
     }
     /// The answer without its mark.
@@ -122,6 +123,7 @@ TEST_F(Shell, SteersTheClockWhereItIsOurs) {
     EXPECT_EQ(say("clock pause"), "error: the clock is the machine's own; start with --practice");
     ShellSurroundings at = surroundings();
     at.clock = &clock;
+    at.bench = [](double seconds) { return seconds < 60; };
     ShellCommands practice(at);
     for (const auto& [line, answer] : {std::pair("clock", "error: wrong arguments for clock; see help"),
                                        {"clock stop", "error: wrong arguments for clock; see help"},
@@ -129,6 +131,9 @@ TEST_F(Shell, SteersTheClockWhereItIsOurs) {
                                        {"clock speed 0", "error: the speed is a number above 0, at most 10000"},
                                        {"clock speed 2.5", "ok clock speed 2.5"},
                                        {"clock set yesterday", "error: set needs a moment such as 2026-06-10T10:00:00"},
+                                       {"bench 0", "error: wrong arguments for bench; see help"},
+                                       {"bench 2.5", "ok bench"},
+                                       {"bench 60", "error: a benchmark is running"},
                                        {"clock pause", "ok clock paused"},
                                        {"clock set 2026-06-09T10:00:00", "ok clock set 2026-06-09T10:00:00"}}) {
         answers.clear();

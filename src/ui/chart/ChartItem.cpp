@@ -50,7 +50,12 @@ void ChartItem::makeView() {
 void ChartItem::watchView() {
     ChartView& view = *drawing_->view;
     view.setSize(width(), height());
-    view.onNeedsFrame = [this] { requestFrame(); };
+    view.onNeedsFrame = [this](ChartView::Need need) {
+        if (need == ChartView::Need::calm)
+            requestCalmFrame();
+        else
+            requestFrame();
+    };
     view.onMoved = [this] { updateCrosshair(); };  // with the frame, not after it
     view.onStartOver = [this] { endOrderMenu(); };
     view.onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
@@ -114,6 +119,8 @@ void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
 bool ChartItem::record(Gpu&, QSizeF size, double pixelRatio, double now) {
     return drawing_->view->record(size.width(), size.height(), pixelRatio, now);
 }
+
+bool ChartItem::interacting() const { return drawing_->view->handsOn(); }
 
 bool ChartItem::showsInput() const { return drawing_->view->inputLagMs().has_value(); }
 

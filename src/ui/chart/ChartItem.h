@@ -67,6 +67,7 @@ class ChartItem : public FrameItem {
     void keyPressEvent(QKeyEvent* event) override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
     bool record(Gpu& gpu, QSizeF size, double pixelRatio, double now) override;
+    bool interacting() const override;
     bool showsInput() const override;
     void frameShown() override;
 

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QQuickWindow>
 #include <QTimerEvent>
+#include <cmath>
 #include <functional>
 #include <utility>
 
@@ -63,7 +64,22 @@ void FrameItem::follow(FramePump::Order order) {
     update();
 }
 
+double FrameItem::calmWait() const { return *software_ && !interacting() ? pace_.wait(clock_.monotonic()) : 0; }
+
+void FrameItem::requestCalmFrame() {
+    if (calm_.isActive()) return;
+    const double wait = calmWait();
+    if (wait > 0)
+        calm_.start(static_cast<int>(std::ceil(wait * 1000)), this);
+    else
+        requestFrame();
+}
+
 void FrameItem::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == calm_.timerId()) {
+        calm_.stop();
+        return requestFrame();
+    }
     if (event->timerId() != late_.timerId()) return QQuickItem::timerEvent(event);
     late_.stop();
     follow(pump_.late());
@@ -115,6 +131,8 @@ void FrameItem::updatePolish() {
     pump_.beginRecord();
     if (!window_ || width() <= 0 || height() <= 0) return pump_.notRecorded();
     const unsigned glyphsBefore = glyphs_.generation();
+    calm_.stop();
+    processorAt_ = processorSeconds();
     bool moves = recordOnce(), input = showsInput();
     const bool moved = glyphs_.generation() != glyphsBefore;
     if (moved) {  // what was drawn before the atlas moved its glyphs is stale
@@ -122,8 +140,11 @@ void FrameItem::updatePolish() {
         input = input || showsInput();
     }
     follower_->recorded(input);
-    pump_.recorded(moves);
     recordedAt_ = clock_.monotonic();
+    pace_.begun(recordedAt_);
+    const bool calm = moves && calmWait() > 0;
+    pump_.recorded(moves && !calm);
+    if (calm) requestCalmFrame();
     if (moved) window_->glyphsMoved();  // in the other items as well
 }
 
@@ -157,6 +178,7 @@ QSGNode* FrameItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node = new FrameNode(*window());
         node->onProblem = report;
         node->sampleCount = sampleCount_;
+        node->software = software_;
         node->uploadedBytes = uploadedBytes_;
     }
     node->setItemSize(size());
@@ -184,8 +206,12 @@ void FrameItem::timeGate() {
 void FrameItem::swapped() {
     const bool awaited = pump_.state() == FramePump::State::onItsWay;
     const auto order = pump_.shown(follower_->shownFrame());
+    const std::uint64_t uploaded = *uploadedBytes_;
+    if (perf_ && uploaded > countedBytes_) perf_->uploaded(static_cast<double>(uploaded - countedBytes_));
+    countedBytes_ = uploaded;
     if (awaited && pump_.state() != FramePump::State::onItsWay) {
         late_.stop();
+        pace_.shown(processorSeconds() - processorAt_);
         frameShown();
     }
     follow(order);

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "base/Clock.h"
+#include "gpu/CalmPace.h"
 #include "gpu/FramePump.h"
 #include "gpu/FrameRecorder.h"
 #include "ui/gpu/FrameFollower.h"
@@ -35,6 +36,8 @@ class FrameItem : public QQuickItem {
 
     /// What the plot shows has changed. May be called as often as one likes, and does nothing within `record`.
     void requestFrame() { follow(pump_.ask()); }
+    /// The same for what nobody waits for, such as a tick. Without a graphics card such frames are paced (`CalmPace`).
+    void requestCalmFrame();
     /// The same, for the very frame that the window is making, even while the last one is not on the screen yet: for a
     /// plot that follows another one, called while that records.
     void joinFrame() { follow(pump_.join()); }
@@ -65,6 +68,8 @@ class FrameItem : public QQuickItem {
     virtual bool record(Gpu& gpu, QSizeF size, double pixelRatio, double now) = 0;
     /// Whether the frame just recorded shows input that `noteInput` told of.
     virtual bool showsInput() const { return true; }
+    /// Whether someone has a hand on the plot, so that what moves is drawn as often as the screen shows it.
+    virtual bool interacting() const { return false; }
     /// A frame came to the screen.
     virtual void frameShown() {}
 
@@ -93,6 +98,7 @@ class FrameItem : public QQuickItem {
     void enterWindow(QQuickWindow* window);
     void updateOnScreen();
     bool recordOnce();
+    double calmWait() const;
     void swapped();
     void timeGate();
     void setProblem(const QString& problem);
@@ -104,15 +110,19 @@ class FrameItem : public QQuickItem {
     WindowFrames* window_ = nullptr;  ///< of the window that the item is in
     std::shared_ptr<FrameFollower> follower_ = std::make_shared<FrameFollower>();  ///< shared with the render thread
     QMetaObject::Connection following_, swaps_;
-    QBasicTimer late_;
+    QBasicTimer late_, calm_;
+    CalmPace pace_;
     Perf* perf_ = nullptr;
     QString problem_;
     bool onScreen_ = false;
     unsigned recordedGlyphs_ = 0;  ///< generation that the last frame was drawn with
     int joinedForGlyphs_ = 0;      ///< times since the last hand-over
     double recordedAt_ = 0;        ///< seconds, monotonic
+    double processorAt_ = 0;       ///< seconds of processor time when the last frame was begun
+    std::shared_ptr<std::atomic<bool>> software_ = std::make_shared<std::atomic<bool>>(false);
     std::shared_ptr<std::atomic<int>> sampleCount_ = std::make_shared<std::atomic<int>>(0);
     std::shared_ptr<std::atomic<std::uint64_t>> uploadedBytes_ = std::make_shared<std::atomic<std::uint64_t>>(0);
+    std::uint64_t countedBytes_ = 0;  ///< of those, told to `perf_`
 };
 
 }  // namespace vmr

@@ -37,6 +37,7 @@ void FrameNode::prepare() {
     if (!target.complete()) return;
     placement_ = placementIn(*target.target);
     if (sampleCount) *sampleCount = target.target->sampleCount();
+    if (software && std::exchange(known_, target.rhi) != target.rhi) *software = isSoftware(*target.rhi);
     replay_.prepare(target, placement_);
     if (uploadedBytes) *uploadedBytes = replay_.uploadedBytes();
     if (replay_.problem() != reported_) {

@@ -34,6 +34,9 @@ class FrameNode final : public QSGRenderNode {
     /// Gets what the node has uploaded so far. Render thread.
     std::shared_ptr<std::atomic<std::uint64_t>> uploadedBytes;
 
+    /// Gets whether the processor draws in place of a graphics card. Render thread.
+    std::shared_ptr<std::atomic<bool>> software;
+
     void prepare() override;
     void render(const RenderState* state) override;
     void releaseResources() override;
@@ -49,6 +52,7 @@ class FrameNode final : public QSGRenderNode {
     RhiReplay replay_;
     RhiPlacement placement_;
     GlyphAtlas::Seen seenGlyphs_;
+    const QRhi* known_ = nullptr;  ///< that `software` was told of
     std::string reported_;
 };
 

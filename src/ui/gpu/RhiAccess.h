@@ -25,6 +25,9 @@ struct RhiTarget {
 /// The target of `node` inside its `prepare` and `render`. Render thread.
 RhiTarget rhiTargetOf(QSGRenderNode& node, QQuickWindow& window);
 
+/// Whether the processor draws in place of a graphics card.
+bool isSoftware(const QRhi& rhi);
+
 /// The window's QRhi; null before the scene graph is up and with the software renderer. Render thread, or the main
 /// thread while the render thread is blocked.
 QRhi* rhiOf(QQuickWindow& window);

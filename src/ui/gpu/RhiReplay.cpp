@@ -13,7 +13,7 @@ namespace vmr {
 
 namespace {
 
-constexpr int blockBytes = 96;                // mat4 place, vec4 map, vec4 view
+constexpr int blockBytes = 112;               // mat4 place, vec4 map, vec4 view, vec4 device
 constexpr std::size_t quadsPerBatch = 16384;  // what 16-bit indices reach
 constexpr int placeFloats = 16;
 
@@ -32,22 +32,39 @@ QShader loadShader(const char* name) {
 Attributes attributesOf(Pipeline pipeline) {
     using A = QRhiVertexInputAttribute;
     switch (pipeline) {
+        case Pipeline::box:
+            return {"box.vert.qsb",
+                    "box.frag.qsb",
+                    {A(0, 0, A::Float4, offsetof(BoxVertex, corner)), A(0, 1, A::Float, offsetof(BoxVertex, radius)),
+                     A(0, 2, A::UNormByte4, offsetof(BoxVertex, color))},
+                    sizeof(BoxVertex)};
         case Pipeline::ribbon:
+            return {
+                "ribbon.vert.qsb",
+                "ribbon.frag.qsb",
+                {A(0, 0, A::Float4, offsetof(LineVertex, pos)), A(0, 1, A::Float2, offsetof(LineVertex, joined)),
+                 A(0, 2, A::Float, offsetof(LineVertex, beside)), A(0, 3, A::UNormByte4, offsetof(LineVertex, color))},
+                sizeof(LineVertex)};
         case Pipeline::marker:
-            return {pipeline == Pipeline::ribbon ? "ribbon.vert.qsb" : "marker.vert.qsb",
-                    "color.frag.qsb",
-                    {A(0, 0, A::Float4, 0), A(0, 1, A::Float4, 16), A(0, 2, A::Float4, 32)},
-                    48};
+            return {
+                "marker.vert.qsb",
+                "marker.frag.qsb",
+                {A(0, 0, A::Float2, offsetof(MarkerVertex, center)), A(0, 1, A::Float2, offsetof(MarkerVertex, radius)),
+                 A(0, 2, A::UNormByte4, offsetof(MarkerVertex, color))},
+                sizeof(MarkerVertex)};
         case Pipeline::text:
             return {"text.vert.qsb",
                     "text.frag.qsb",
                     {A(0, 0, A::Float2, offsetof(TextVertex, position)), A(0, 1, A::Float2, offsetof(TextVertex, uv)),
-                     A(0, 2, A::Float4, offsetof(TextVertex, color))},
+                     A(0, 2, A::UNormByte4, offsetof(TextVertex, color))},
                     sizeof(TextVertex)};
         case Pipeline::flat:
             break;
     }
-    return {"flat.vert.qsb", "color.frag.qsb", {A(0, 0, A::Float4, 0), A(0, 1, A::Float4, 16)}, 32};
+    return {"flat.vert.qsb",
+            "color.frag.qsb",
+            {A(0, 0, A::Float2, offsetof(ChartVertex, position)), A(0, 1, A::UNormByte4, offsetof(ChartVertex, color))},
+            sizeof(ChartVertex)};
 }
 
 /// From device pixels of the frame to those of the target, whose origin is the bottom left.
@@ -167,7 +184,7 @@ bool RhiReplay::makePipelines(QRhiRenderTarget& target) {
 }
 
 std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int samples) {
-    constexpr std::array<Pipeline, kinds> programs{Pipeline::flat,   Pipeline::flat,   Pipeline::flat,
+    constexpr std::array<Pipeline, kinds> programs{Pipeline::flat,   Pipeline::flat,   Pipeline::flat, Pipeline::box,
                                                    Pipeline::ribbon, Pipeline::marker, Pipeline::text};
     const auto attributes = attributesOf(programs[kind]);
     std::unique_ptr<QRhiGraphicsPipeline> out(rhi_->newGraphicsPipeline());
@@ -276,9 +293,11 @@ bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
     place.scale(placement.scaleX, placement.scaleY);
     char* to = uniforms_->beginFullDynamicBufferUpdateForCurrentFrame();
     if (!to) return fail("the graphics card gave the chart no memory to write to");
+    const std::array<float, 4> device{static_cast<float>(frame_.pixelRatio), samples_ > 1 ? 0.0F : 1.0F, 0, 0};
     for (const auto& values : frame_.uniforms) {
         std::memcpy(to, place.constData(), placeFloats * sizeof(float));
         std::memcpy(to + placeFloats * sizeof(float), values.data(), sizeof values);
+        std::memcpy(to + blockBytes - sizeof device, device.data(), sizeof device);
         to += uniformStride_;
     }
     uniforms_->endFullDynamicBufferUpdateForCurrentFrame();
@@ -289,6 +308,8 @@ bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
 RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
     if (draw.opaque) return opaqueKind;
     switch (draw.pipeline) {
+        case Pipeline::box:
+            return boxKind;
         case Pipeline::ribbon:
             return ribbonKind;
         case Pipeline::marker:

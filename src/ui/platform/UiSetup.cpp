@@ -24,7 +24,8 @@ void prepareGraphics() {
     // With four samples Qt leaves small rounded corners to them; its own smoothing is finer.
     if (!qEnvironmentVariableIsSet("QSG_ANTIALIASING_METHOD")) qputenv("QSG_ANTIALIASING_METHOD", "vertex");
     QSurfaceFormat format = QSurfaceFormat::defaultFormat();
-    format.setSamples(4);
+    const QByteArray samples = qgetenv("VMR_SAMPLES");
+    format.setSamples(samples == "1" ? 1 : 4);
     format.setAlphaBufferSize(0);  // the chart's blending leaves alpha below one
     QSurfaceFormat::setDefaultFormat(format);
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);

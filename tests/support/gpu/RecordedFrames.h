@@ -22,7 +22,7 @@ class RecordedFrames {
         std::array<float, 8> uniforms{};
         bool retained = false, opaque = false;
         PixelRect clip;
-        bool withView() const { return pipeline == Pipeline::ribbon || pipeline == Pipeline::marker; }
+        bool withView() const { return pipeline != Pipeline::flat && pipeline != Pipeline::text; }
     };
 
     /// False, with nothing changed, when no frame was recorded since the last call.

@@ -1,6 +1,6 @@
 #version 440
 
-layout(location = 0) in vec4 position;
+layout(location = 0) in vec2 position;
 layout(location = 1) in vec4 color;
 layout(location = 0) out vec4 vColor;
 
