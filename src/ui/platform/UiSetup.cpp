@@ -7,6 +7,8 @@
 #include <QScreen>
 #include <QSurfaceFormat>
 
+#include "base/RenderDevice.h"
+
 void qml_register_types_Velmora();
 
 // Resources of a static library are dropped by the linker unless something asks for them; the macro must stand outside
@@ -20,12 +22,20 @@ static void keepResources() {
 
 namespace vmr {
 
+namespace {
+// Four samples cost a rasteriser on the processor four to five times one, and there the shaders smooth edges instead.
+int samplesAPixel() {
+    const QByteArray wanted = qgetenv("VMR_SAMPLES");
+    if (wanted == "1" || wanted == "4") return wanted.toInt();
+    return hasRenderDevice() ? 4 : 1;
+}
+}  // namespace
+
 void prepareGraphics() {
     // With four samples Qt leaves small rounded corners to them; its own smoothing is finer.
     if (!qEnvironmentVariableIsSet("QSG_ANTIALIASING_METHOD")) qputenv("QSG_ANTIALIASING_METHOD", "vertex");
     QSurfaceFormat format = QSurfaceFormat::defaultFormat();
-    const QByteArray samples = qgetenv("VMR_SAMPLES");
-    format.setSamples(samples == "1" ? 1 : 4);
+    format.setSamples(samplesAPixel());
     format.setAlphaBufferSize(0);  // the chart's blending leaves alpha below one
     QSurfaceFormat::setDefaultFormat(format);
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);

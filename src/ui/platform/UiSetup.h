@@ -5,7 +5,8 @@ class QQmlEngine;
 
 namespace vmr {
 
-/// Asks for four samples a pixel, an opaque surface and native text. Before the application object is made.
+/// Asks for four samples a pixel, or for one where the processor draws (`VMR_SAMPLES` overrules), for an opaque surface
+/// and native text. Before the application object is made.
 void prepareGraphics();
 
 /// Qt waits 5 ms from the wish for a frame to the frame, to hear the input that came meanwhile first. Charts ask for
