@@ -78,7 +78,8 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
         for (const auto& draw : frame.draws) kinds |= 1 << static_cast<int>(draw.pipeline);
         ASSERT_EQ(kinds, everything ? 0b11111 : 0b10111) << "flat, box, ribbon, marker and text";
         const double meanError = everything ? 0.4 : 0.25;
-        expectSame(chartPicture(), frame, expected.atlas.image(), meanError);
+        const int seams = chart->sampleCount() > 1 ? 0 : 300;  // of 1.5 million
+        expectSame(chartPicture(), frame, expected.atlas.image(), meanError, seams);
 
         // in the middle of a fast pan labels, bars and candles are those of one frame
         for (const double bars : {-3.37, 5.81}) {
@@ -91,7 +92,7 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
             const QImage picture = chartPicture();
             const RecordedFrame panned = expected.frame(chart->size(), ratio());
             ASSERT_EQ(renderer.camera().viewport(), viewport());
-            expectSame(picture, panned, expected.atlas.image(), meanError);
+            expectSame(picture, panned, expected.atlas.image(), meanError, seams);
         }
     }
 }
