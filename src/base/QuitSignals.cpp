@@ -34,7 +34,11 @@ Slot& slot() {
 }
 
 #ifndef _WIN32
-int quitPipe[2] = {-1, -1};
+// Set up before the program runs, as a signal's handler needs it: nothing is made at the first call.
+int* quitPipe() {
+    static constinit int ends[2] = {-1, -1};
+    return ends;
+}
 
 // Some senders ask twice at once: the process, and the group it is in. That is one request.
 extern "C" void noteQuit(int signal) {
@@ -47,7 +51,7 @@ extern "C" void noteQuit(int signal) {
         return;
     }
     const char byte = 'q';
-    [[maybe_unused]] const auto written = ::write(quitPipe[1], &byte, 1);
+    [[maybe_unused]] const auto written = ::write(quitPipe()[1], &byte, 1);
 }
 #else
 extern "C" void noteQuit(int signal) {
@@ -62,10 +66,10 @@ void onQuitRequest(std::function<void()> handler) {
     static bool listening = false;
     if (std::exchange(listening, true)) return;
 #ifndef _WIN32
-    if (::pipe(quitPipe) != 0) return;
+    if (::pipe(quitPipe()) != 0) return;
     std::thread([] {
         char byte = 0;
-        if (::read(quitPipe[0], &byte, 1) == 1) slot().call();
+        if (::read(quitPipe()[0], &byte, 1) == 1) slot().call();
     }).detach();
     std::signal(SIGHUP, noteQuit);
     std::signal(SIGPIPE, SIG_IGN);  // who reads the output may leave first

@@ -9,7 +9,11 @@
 namespace vmr {
 
 namespace {
-std::atomic<bool> reaperIsGone{false};  // outlives the reaper, for what is dropped by a later static destructor
+// Outlives the reaper, for what is dropped by a later static destructor.
+std::atomic<bool>& reaperIsGone() {
+    static std::atomic<bool> gone{false};
+    return gone;
+}
 
 class Reaper {
  public:
@@ -22,7 +26,7 @@ class Reaper {
         }
         wake_.notify_one();
         thread_.join();
-        reaperIsGone = true;
+        reaperIsGone() = true;
     }
 
     void add(std::function<void()> release) {
@@ -58,7 +62,7 @@ class Reaper {
 }  // namespace
 
 void freeLater(std::function<void()> release) {
-    if (reaperIsGone) return release();
+    if (reaperIsGone()) return release();
     static Reaper reaper;
     reaper.add(std::move(release));
 }
