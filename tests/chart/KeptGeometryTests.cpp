@@ -99,5 +99,16 @@ TEST(Markers, EachMinuteFindsItsBarInAnyOrderAndWhatHasNoPlaceIsLeftOut) {
     }
 }
 
+TEST(Markers, BubblesFadeByTheirRank) {
+    const std::vector<Candle> candles = bars(2);
+    const std::vector<BubblePt> bubbles{
+        {firstBarTime, 512, 0.5, true, 0}, {firstBarTime, 513, 0.5, true, 1}, {firstBarTime, 514, 0.5, true, 2}};
+    std::vector<MarkerVertex> out;
+    Markers::build(out, {bubbles, {}, candles, 41.0, {}, {}});
+    ASSERT_EQ(out.size(), 3 * markerVertices);
+    EXPECT_NEAR(out[4].alpha / out[0].alpha, 0.7, 1e-6);
+    EXPECT_NEAR(out[8].alpha / out[0].alpha, 0.5, 1e-6);
+}
+
 }  // namespace
 }  // namespace vmr::test

@@ -208,6 +208,8 @@ TEST(SimStats, FiguresOfATable) {
     EXPECT_TRUE(std::isinf(SimEngine::stats(wins).profitFactor));
     EXPECT_THAT(SimEngine::stats(wins).curve, testing::ElementsAre(4, 10)) << "equal times stay as given";
     EXPECT_EQ(SimEngine::stats({}), sim::Stats{});
+    const sim::Trade loss[] = {trade(-5, 0, 0, 1, "")};
+    EXPECT_EQ(SimEngine::stats(loss).maxDrawdown, 5) << "from the balance before the first trade";
 }
 
 }  // namespace
