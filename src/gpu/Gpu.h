@@ -10,7 +10,8 @@
 
 namespace vmr {
 
-/// The chart's shader programs. All blend source-alpha over one-minus-source-alpha at four samples a pixel.
+/// The chart's shader programs. All blend source-alpha over one-minus-source-alpha. With one sample a pixel those of
+/// boxes, ribbons and markers smooth edges by themselves; with more, the samples do, but for what is round.
 /// - flat: `ChartVertex` with 16 bytes of uniforms;
 /// - box: `BoxVertex`, - ribbon: `LineVertex`, - marker: `MarkerVertex`, as quads, with 32 bytes each;
 /// - text: `TextVertex` with 16 bytes, sampling the glyph atlas.
