@@ -1,0 +1,8 @@
+#include "base/Version.h"
+
+namespace vmr {
+
+const std::string_view versionText = VELMORA_VERSION;
+const std::int64_t buildNumber = VELMORA_BUILD;
+
+}  // namespace vmr
