@@ -75,8 +75,23 @@ FaultConsole::FaultConsole(Parts parts)
         [this](const std::string& bytes, const std::string& channel) { return big(bytes, channel, true); });
     two("contract", "ROOT CONTRACT|auto",
         [this](const std::string& root, const std::string& name) { return contract(root, name); });
+    addCloud();
     none("status", [this] { return status(); });
     none("help", [this] { return "ok " + commands_.help(); });
+}
+
+// What the service tells its users, and what they report to it.
+void FaultConsole::addCloud() {
+    CloudDesk& cloud = parts_.cloud;
+    commands_.add({"presence", "", 0, 0, [&cloud](CommandWords&) { return cloud.presence(); }});
+    commands_.add({"notice", "ID TITLE | MESSAGE, or off", 1, Command::restOfLine,
+                   [&cloud](CommandWords& words) { return cloud.notice(words.rest()); }});
+    commands_.add({"maintenance", "[TEXT|off]", 0, Command::restOfLine,
+                   [&cloud](CommandWords& words) { return cloud.maintenance(words.rest()); }});
+    commands_.add({"release", "BUILD VERSION URL", 3, 3, [&cloud](CommandWords& words) {
+                       const std::string build = words.next(), version = words.next();
+                       return cloud.release(build, version, words.next());
+                   }});
 }
 
 std::string FaultConsole::run(std::string_view line) {

@@ -7,6 +7,7 @@
 #include "base/Clock.h"
 #include "base/CommandTable.h"
 #include "relay/Accounts.h"
+#include "relay/CloudDesk.h"
 #include "relay/Faults.h"
 #include "relay/MarketPublisher.h"
 #include "relay/MetaPublisher.h"
@@ -25,6 +26,7 @@ class FaultConsole {
         MarketPublisher& market;
         MetaPublisher& meta;
         SocketServer& sockets;
+        CloudDesk& cloud;
     };
     explicit FaultConsole(Parts parts);
     FaultConsole(const FaultConsole&) = delete;
@@ -42,6 +44,7 @@ class FaultConsole {
     std::string big(const std::string& bytes, const std::string& channel, bool derived);
     std::string contract(const std::string& root, const std::string& contract);
     std::string status() const;
+    void addCloud();
 
     Parts parts_;
     CommandTable commands_;

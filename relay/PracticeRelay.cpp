@@ -66,7 +66,7 @@ struct Engine {
                 recording->write(nowMs, channel, frame);
             });
         }
-        console.emplace(FaultConsole::Parts{clock, faults, accounts, hub, *market, *meta, sockets});
+        console.emplace(FaultConsole::Parts{clock, faults, accounts, hub, *market, *meta, sockets, api.cloud()});
     }
 
     void addDerived() {

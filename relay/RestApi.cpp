@@ -10,13 +10,18 @@
 
 namespace vmr::relay {
 
-namespace {
 RestReply fault(int status, const std::string& message) {
     const nlohmann::json cause{{"message", message}, {"domain", "global"}, {"reason", "invalid"}};
-    const char* const name = status == 403 ? "PERMISSION_DENIED" : status == 404 ? "NOT_FOUND" : "INVALID_ARGUMENT";
+    const char* const name = status == 401   ? "UNAUTHENTICATED"
+                             : status == 403 ? "PERMISSION_DENIED"
+                             : status == 404 ? "NOT_FOUND"
+                             : status == 429 ? "RESOURCE_EXHAUSTED"
+                                             : "INVALID_ARGUMENT";
     const nlohmann::json error{{"code", status}, {"message", message}, {"errors", {cause}}, {"status", name}};
     return {status, nlohmann::json{{"error", error}}.dump()};
 }
+
+namespace {
 
 std::string lower(std::string_view text) {
     std::string out(text);
@@ -48,6 +53,7 @@ RestReply RestApi::answer(const RestRequest& request) {
     };
     const std::string_view target = request.target;
     const std::string path = percentDecoded(target.substr(0, target.find('?')));
+    if (auto desk = cloud_.answer(request, path)) return *desk;
     const auto* route =
         std::find_if(std::begin(routes), std::end(routes), [&](const Route& one) { return one.path == path; });
     if (route == std::end(routes)) return fault(404, "Not found");

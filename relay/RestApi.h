@@ -1,27 +1,22 @@
-// The sign-in endpoints: requests in, answers out.
+// The REST endpoints: requests in, answers out.
 #pragma once
 
 #include <string>
 
 #include "relay/Accounts.h"
+#include "relay/CloudDesk.h"
 #include "relay/Faults.h"
+#include "relay/RestMessages.h"
 
 namespace vmr::relay {
 
-struct RestRequest {
-    std::string method, target, body;
-};
-
-struct RestReply {
-    int status = 200;
-    std::string body;  ///< JSON
-};
-
-/// Serves /v1/accounts:signInWithPassword, /v1/token and /v1/accounts:sendOobCode for the practice account. One thread.
+/// Serves /v1/accounts:signInWithPassword, /v1/token and /v1/accounts:sendOobCode for the practice account, and what
+/// the `CloudDesk` serves. One thread.
 class RestApi {
  public:
     RestApi(Accounts& accounts, const Faults& faults) : accounts_(accounts), faults_(faults) {}
     RestReply answer(const RestRequest& request);
+    CloudDesk& cloud() { return cloud_; }
 
  private:
     RestReply signIn(const std::string& body);
@@ -30,6 +25,7 @@ class RestApi {
 
     Accounts& accounts_;
     const Faults& faults_;
+    CloudDesk cloud_{accounts_};
 };
 
 }  // namespace vmr::relay

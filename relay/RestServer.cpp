@@ -33,7 +33,8 @@ class RestConnection : public std::enable_shared_from_this<RestConnection> {
  private:
     void answer() {
         const auto text = [](auto view) { return std::string(view.data(), view.size()); };
-        const RestReply reply = api_.answer({text(request_.method_string()), text(request_.target()), request_.body()});
+        const RestReply reply = api_.answer({text(request_.method_string()), text(request_.target()), request_.body(),
+                                             text(request_[http::field::authorization])});
         response_ = {static_cast<http::status>(reply.status), request_.version()};
         response_.set(http::field::content_type, "application/json; charset=UTF-8");
         response_.set(http::field::cache_control, "no-store");

@@ -88,5 +88,40 @@ TEST_F(RestApiTest, ManyWrongSignInsInARowLockTheAccountForAWhile) {
     EXPECT_EQ(tried("practice"), "in");
 }
 
+TEST_F(RestApiTest, ServesPresenceNoticesAndTheRelease) {
+    const std::string token = "Bearer " + accounts.issue().idToken;
+    const std::string alerts = "/v1/projects/velmora-cloud-1a000/databases/(default)/documents/system_alerts/";
+    const auto asked = [&](const char* method, const std::string& path, const std::string& body = {}) {
+        EXPECT_EQ(api.answer({method, path, body}).status, path.starts_with("/downloads") ? 200 : 401);
+        const RestReply reply = api.answer({method, path, body, token});
+        return std::to_string(reply.status) + " " + json::parse(reply.body).value("fields", json()).dump();
+    };
+    const std::string report = R"({"symbol":"NQ","gexSource":"ETF","action":"online","tabId":"t","page":"mac"})";
+    EXPECT_EQ(asked("POST", "/updatePresence", report), "200 null");
+    EXPECT_EQ(asked("POST", "/updatePresence", R"({"action":"gone","tabId":"t"})"), "400 null");
+    EXPECT_EQ(api.cloud().presence(), "ok 1 pane; t online NQ ETF mac (1)");
+
+    EXPECT_EQ(asked("GET", alerts + "default"), "404 null");
+    for (const auto& [text, answer] :
+         {std::pair("n1 Title only", "error: it is notice ID TITLE | MESSAGE, or notice off"),
+          {"n1 A title | and text", "ok notice n1"}})
+        EXPECT_EQ(api.cloud().notice(text), answer);
+    EXPECT_EQ(asked("GET", alerts + "default"),
+              R"(200 {"active":{"booleanValue":true},"id":{"stringValue":"n1"},"message":{"stringValue":"and text"},)"
+              R"("title":{"stringValue":"A title"}})");
+    api.cloud().notice("off");
+    EXPECT_EQ(asked("GET", alerts + "default"), "404 null");
+    EXPECT_EQ(api.cloud().maintenance(""), "ok maintenance");
+    EXPECT_EQ(asked("GET", alerts + "maintenance"),
+              R"(200 {"active":{"booleanValue":true},"message":{"stringValue":""}})");
+    EXPECT_EQ(api.cloud().maintenance("off"), "ok off");
+
+    EXPECT_EQ(api.answer({"GET", "/downloads/version.json", ""}).status, 404);
+    EXPECT_EQ(api.cloud().release("x", "1", "u"), "error: x is no build number");
+    EXPECT_EQ(api.cloud().release("12", "1.2", "https://v"), "ok build 12 is 1.2");
+    EXPECT_EQ(json::parse(api.answer({"GET", "/downloads/version.json", ""}).body),
+              json({{"build", 12}, {"version", "1.2"}, {"url", "https://v"}}));
+}
+
 }  // namespace
 }  // namespace vmr::relay
