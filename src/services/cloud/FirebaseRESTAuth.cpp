@@ -164,6 +164,14 @@ void FirebaseRESTAuth::refresh(std::function<void(std::variant<std::string, Auth
                });
 }
 
+void FirebaseRESTAuth::token(std::function<void(std::optional<std::string>)> done) {
+    if (tokenIsLive()) return done(idToken);
+    refresh([done = std::move(done)](const std::variant<std::string, AuthError>& result) {
+        const std::string* token = std::get_if<std::string>(&result);
+        done(token ? std::optional(*token) : std::nullopt);
+    });
+}
+
 void FirebaseRESTAuth::signOut() {
     session_ = std::make_shared<int>(0);
     idToken.reset();

@@ -11,9 +11,9 @@ namespace vmr {
 
 struct HttpRequest {
     std::string method = "GET";
-    std::string url;
-    std::vector<std::pair<std::string, std::string>> headers;
-    std::string body;
+    std::string url{};
+    std::vector<std::pair<std::string, std::string>> headers{};
+    std::string body{};
     double timeoutSeconds = 60;
     bool lastWord = false;  ///< still gets a moment when the client ends, without an answer then
 };
