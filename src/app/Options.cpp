@@ -94,6 +94,8 @@ std::variant<Options, std::string> parseOptions(const std::vector<std::string>& 
             out.bench.bench = true;
         } else if (name == "--help" || name == "-h") {
             out.help = true;
+        } else if (name == "--version") {
+            out.version = true;
         } else {
             std::optional<std::string> value;
             if (const auto equals = name.find('='); name.starts_with("--") && equals != std::string::npos) {
@@ -120,6 +122,7 @@ std::string usageText() {
            "  velmora                the window, connected to the relay of VMR_RELAY_URL\n"
            "  velmora --practice     the window with a practice market of its own: nothing to set up\n"
            "\n"
+           "  --version              the version and the build number\n"
            "  --headless             no window: log lines out, commands in (one a line; \"help\" lists them)\n"
            "  --seconds N            end after N seconds\n"
            "  --state FILE           write the state document at the end\n"

@@ -17,6 +17,7 @@ struct Options {
     bool practice = false;
     bool headless = false;
     bool help = false;
+    bool version = false;
     double seconds = 0;          ///< real seconds until the program ends by itself; 0 for never
     std::string stateFile;       ///< state document written at the end
     std::string screenshotFile;  ///< picture of the window, saved at the end

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/BenchConfig.h"
+#include "base/Version.h"
 #include "model/StateDocument.h"
 #include "perf/Perf.h"
 #include "services/net/BeastWebSocket.h"
@@ -26,11 +27,16 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
       print_([&log](const std::string& line) { log.line(line); }),
       preferences_(start.paths().config / "preferences.json", files_.loop()),
       http_(main),
-      auth_(start.endpoints(), http_, withUsableSession(preferences_, start), start.clock()) {
+      auth_(start.endpoints(), http_, withUsableSession(preferences_, start), start.clock()),
+      announcements_(auth_, preferences_, main),
+      updates_(http_, start.endpoints().downloadsUrl, buildNumber, main) {
     auth_.setupProblem = start.setupProblem();
     openAccount();
     openPanes();
     for (const std::string& line : std::exchange(accountNotices_, {})) tellOfAccount(line);
+    if (start.setupProblem()) return;
+    announcements_.start();
+    updates_.start();
 }
 
 // One account for the process. What was traded is on the disk before the process ends.
@@ -97,7 +103,7 @@ void Program::signInToPractice() {
 
 std::optional<std::string> Program::writeState(const std::string& file) const {
     // a report for the person, not a stored record: it gets the permissions that the person's files get
-    const std::string text = stateDocument(start_.clock(), panes_->models(), sim_.get());
+    const std::string text = stateDocument({start_.clock(), panes_->models(), sim_.get(), &announcements_, &updates_});
     std::FILE* out = std::fopen(file.c_str(), "wb");
     if (!out) return "cannot write " + file;
     const bool written = std::fwrite(text.data(), 1, text.size(), out) == text.size();

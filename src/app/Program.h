@@ -13,7 +13,9 @@
 #include "base/SerialQueue.h"
 #include "base/Uuid.h"
 #include "market/SessionTime.h"
+#include "services/cloud/Announcements.h"
 #include "services/cloud/FirebaseRESTAuth.h"
+#include "services/cloud/UpdateChecker.h"
 #include "services/net/CurlHttpClient.h"
 #include "sim/SimEngine.h"
 #include "workspace/PaneHost.h"
@@ -30,6 +32,8 @@ class Program {
 
     PaneHost& panes() { return *panes_; }
     SimEngine& sim() { return *sim_; }
+    Announcements& announcements() { return announcements_; }
+    UpdateChecker& updates() { return updates_; }
     ProgramStart& start() { return start_; }
     MainLoop& main() { return main_; }
 
@@ -54,6 +58,8 @@ class Program {
     FilePreferences preferences_;
     CurlHttpClient http_;
     FirebaseRESTAuth auth_;
+    Announcements announcements_;
+    UpdateChecker updates_;
     SessionTime session_;
     UuidSource ids_;
     HfScales hfScales_;  // of all panes

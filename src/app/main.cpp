@@ -8,6 +8,7 @@
 #include "app/ProgramStart.h"
 #include "base/Environment.h"
 #include "base/Log.h"
+#include "base/Version.h"
 #include "model/BarRollSelfTest.h"
 #include "perf/Perf.h"
 #ifdef VMR_WITH_QT
@@ -37,6 +38,11 @@ int main(int argc, char** argv) {
     const auto& options = std::get<vmr::Options>(parsed);
     if (options.help) {
         vmr::Log::standardOutput().lines(vmr::usageText());
+        return 0;
+    }
+    if (options.version) {
+        vmr::Log::standardOutput().lines("Velmora " + std::string(vmr::versionText) + " (build " +
+                                         std::to_string(vmr::buildNumber) + ")");
         return 0;
     }
     vmr::Perf::shared().startUp("main");

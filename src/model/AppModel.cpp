@@ -16,6 +16,10 @@ std::optional<int> usableTimeframe(std::int64_t minutes) {
     return minutes > 0 && minutes <= INT32_MAX ? std::optional(static_cast<int>(minutes)) : std::nullopt;
 }
 
+std::optional<std::string> wordOf(std::string text) {
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
+}
+
 GexConfig firstConfig(const PaneSurroundings& at) { return at.config ? *at.config : ConfigIO::load(at.preferences); }
 }  // namespace
 
@@ -24,6 +28,9 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
       work_(at_.main),
       config(&gate_, firstConfig(at_)),
       session(at_.auth, work_, at_.makeRelay(), &gate_),
+      presence(
+          at_.auth, at_.main, at_.ids.next().text(), [this] { return wordOf(currentSymbol()); },
+          [this] { return wordOf(channels->source()); }),
       log(at_.clock, at_.ids, at_.print, &gate_),
       feedRepairs(at_.clock, log, at_.strictFeed),
       notices(work_, &gate_),
@@ -78,6 +85,7 @@ void AppModel::signOut() {
 void AppModel::shutdown() {
     ended_ = true;
     work_.end();
+    presence.stop();
     session.shutdown();
     barRollTimer_.cancel();
     hfpTimer_.cancel();
@@ -86,6 +94,7 @@ void AppModel::shutdown() {
 
 void AppModel::onConnected() {
     work_.after(SimFeed::contractsWait, [this] { sim_.contractsKnown(); });
+    if (channels->isOpen()) presence.start();  // a sign-out has stopped it
     if (channels->isOpen())
         log.append("→ reconnected — subscriptions re-flushed, snapshots merge in place");
     else

@@ -28,10 +28,12 @@
 #include "model/PaneSurroundings.h"
 #include "model/PaneWork.h"
 #include "model/PanelsOpen.h"
+#include "model/Prepared.h"
 #include "model/RenderLook.h"
 #include "model/SessionLevels.h"
 #include "model/SimFeed.h"
 #include "model/Surface3D.h"
+#include "services/cloud/PresenceReporter.h"
 #include "store/PaneState.h"
 
 namespace vmr {
@@ -57,6 +59,7 @@ class AppModel final : public ChartSource {
     // Parts -----------------------------------------------------------------------------------------------------------
     Observable<GexConfig> config;  ///< changed by `setConfig` alone
     PaneSession session;
+    PresenceReporter presence;  ///< runs from the first chart on, while the session stands
     PaneLog log;
     FeedRepairs feedRepairs;  ///< of all charts of the pane
     Notices notices;
@@ -170,9 +173,7 @@ class AppModel final : public ChartSource {
     std::vector<Connection> contentLinks_;
     std::optional<PaneState> restorePane_;
     bool ended_ = false;  // by `shutdown`
-    Json batch_;          // the batch under way
-    double cameAt_ = 0;   // the clock when it came, or when the message did that is no part of one
-    std::int64_t cameMinute_ = 0;
+    Arrival arrival_;     // of the message that is being routed
     MarketTimer barRollTimer_{at_.clock, at_.main}, hfpTimer_{at_.clock, at_.main};
 };
 

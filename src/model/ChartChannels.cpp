@@ -10,14 +10,8 @@ namespace {
 constexpr std::string_view stockPrefix = "stocks:";
 constexpr std::string_view derivedPrefix = "derived:";
 
-std::string sourceOf(std::string levels) {
-    for (auto at = levels.find(derivedPrefix); at != std::string::npos; at = levels.find(derivedPrefix))
-        levels.erase(at, derivedPrefix.size());
-    return levels;
-}
-
 void addSource(ChartChannels& out, const std::string& root, const HfScales& scales) {
-    const std::string source = sourceOf(out.levelsChannel);
+    const std::string source = out.source();
     out.bubblesChannel = "derived:gexBubbles:" + source;
     out.trianglesChannel = "derived:hfTriangles:" + source;
     out.oscChannel = "derived:osc:" + source;
@@ -40,6 +34,13 @@ void addPair(ChartChannels& out, const std::string& symbol, const std::string& c
 
 std::string ChartChannels::currentSymbol() const {
     return isStock() ? chartChannel.substr(stockPrefix.size()) : futuresRoot(chartChannel);
+}
+
+std::string ChartChannels::source() const {
+    std::string out = levelsChannel;
+    for (auto at = out.find(derivedPrefix); at != std::string::npos; at = out.find(derivedPrefix))
+        out.erase(at, derivedPrefix.size());
+    return out;
 }
 
 std::string vixBaseChannel(std::string_view vixMode) { return vixMode == "1d" ? "indices:I:VIX1D" : "indices:I:VIX"; }

@@ -42,6 +42,10 @@ void AppModel::openChart(std::string_view candlesArgument, std::string_view leve
         barRollTimer_.every(
             1, [this] { rollForwardBarIfNeeded(); }, fastestRoll);
     session.relay().subscribe(channels->subscribedChans);
+    if (presence.started())
+        presence.send("heartbeat");
+    else if (!ended_)
+        presence.start();
     std::string line = "→ chart: " + candles;
     if (!derived.empty()) line += " + " + derived;
     if (!channels->srChannel.empty()) line += " + " + channels->srChannel;

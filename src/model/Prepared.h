@@ -1,4 +1,4 @@
-// What the relay's queue makes of a message before the main thread sees it. Private to this folder.
+// How a message comes to the main thread, and what the relay's queue makes of it before. Private to this folder.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Json.h"
 #include "market/Records.h"
 
 namespace vmr {
@@ -17,6 +18,13 @@ struct Prepared {
     std::shared_ptr<std::vector<StrikeRow>> rows;  ///< of a long `gexByStrike`; may be moved out once
     std::string brief;                             ///< the brief form of a long payload
     std::uint64_t repaired = 0;                    ///< elements that the bars lack
+};
+
+/// When the message that is being routed came. The elements of one batch share a document, and came together.
+struct Arrival {
+    Json batch;  ///< the batch under way
+    double at = 0;
+    std::int64_t minute = 0;  ///< the start of the minute that holds `at`
 };
 
 }  // namespace vmr

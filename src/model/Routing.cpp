@@ -75,12 +75,12 @@ std::any AppModel::prepare(const std::string& channel, JsonView payload, bool st
 void AppModel::onChannelMessage(const ChannelMessage& message, const std::string& type) {
     if (ended_) return;
     const bool inBatch = type == "batch";
-    if (!inBatch || !message.payload.sharesDocument(batch_)) {
-        batch_ = inBatch ? message.payload : Json();
-        cameAt_ = at_.clock.now();
-        cameMinute_ = LiveBars::minuteOf(cameAt_);
+    if (!inBatch || !message.payload.sharesDocument(arrival_.batch)) {
+        arrival_.batch = inBatch ? message.payload : Json();
+        arrival_.at = at_.clock.now();
+        arrival_.minute = LiveBars::minuteOf(arrival_.at);
     }
-    if (!bars.reach(cameMinute_)) rollForwardBar(cameAt_);
+    if (!bars.reach(arrival_.minute)) rollForwardBar(arrival_.at);
     if (route(message)) return;
     const auto* prepared = preparedOf(message);
     const bool briefIsMade = prepared && !prepared->brief.empty();
@@ -119,7 +119,7 @@ bool AppModel::routeHot(const ChannelMessage& message, RepairTally& tally) {
     if (names.isOpen() && channel == names.tradesName) {
         if (const auto trade = readTrade(message.payload, at_.clock, tally)) {
             // what is too old for the bars is no price of now, and fills nothing either
-            if (applyTrade(trade->price, trade->tsMs) != TradeEffect::tooOld) sim_.onTrade(trade->price, cameAt_);
+            if (applyTrade(trade->price, trade->tsMs) != TradeEffect::tooOld) sim_.onTrade(trade->price, arrival_.at);
         }
         return true;
     }
@@ -135,7 +135,7 @@ bool AppModel::routeHot(const ChannelMessage& message, RepairTally& tally) {
     if (names.isOpen() && channel == names.quoteName) {
         const auto bid = coerce::dbl(message.payload["bid"]);
         const auto ask = coerce::dbl(message.payload["ask"]);
-        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(*bid, *ask, cameAt_);
+        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(*bid, *ask, arrival_.at);
         return true;
     }
     if (!names.secondaryChannel.empty() && channel == names.secondaryTradesName) {

@@ -36,9 +36,7 @@ std::size_t SimTrading::workingCount(const std::string& root) const {
                                                   [&](const sim::Order& order) { return order.sym == root; }));
 }
 
-std::optional<double> SimTrading::last(const std::string& root) const {
-    return engine_.last(root);
-}
+std::optional<double> SimTrading::last(const std::string& root) const { return engine_.last(root); }
 
 void SimTrading::place(const std::string& root, std::string_view side, std::string_view type, double price) {
     const auto wantedSide = sim::sideNamed(side);

@@ -101,6 +101,20 @@ void addCatalog(json& out, const AppModel& pane) {
     out["contractOverrides"] = pane.catalog.contractOverrides.get();
 }
 
+void addNotices(json& out, const Announcements& notices) {
+    out["announcement"] = nullptr;
+    if (const auto& alert = notices.announcement.get())
+        out["announcement"] = {{"id", alert->id}, {"title", alert->title}, {"message", alert->message}};
+    out["maintenance"] = text(notices.maintenance);
+}
+
+void addUpdate(json& out, const UpdateChecker& updates) {
+    out["update"] = nullptr;
+    if (const auto& info = updates.available.get())
+        out["update"] = {
+            {"version", info->version}, {"build", info->build}, {"url", info->url}, {"notes", info->notes}};
+}
+
 json paneDocument(const AppModel& pane) {
     json out;
     addSession(out, pane);
@@ -121,12 +135,14 @@ json paneDocument(const AppModel& pane) {
 }
 }  // namespace
 
-std::string stateDocument(const Clock& clock, const std::vector<const AppModel*>& panes, const SimEngine* sim) {
+std::string stateDocument(const StateSources& sources) {
     json out;
-    out["clock"] = clock.now();
+    out["clock"] = sources.clock.now();
     out["panes"] = json::array();
-    for (const AppModel* pane : panes) out["panes"].push_back(paneDocument(*pane));
-    if (sim) out["sim"] = record(*sim);
+    for (const AppModel* pane : sources.panes) out["panes"].push_back(paneDocument(*pane));
+    if (sources.sim) out["sim"] = record(*sources.sim);
+    if (sources.notices) addNotices(out, *sources.notices);
+    if (sources.updates) addUpdate(out, *sources.updates);
     return out.dump(1, ' ', false, json::error_handler_t::replace) + "\n";
 }
 

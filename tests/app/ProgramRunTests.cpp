@@ -60,6 +60,31 @@ TEST(ProgramRun, ReceivesAMarketAndEndsAfterItsTime) {
     EXPECT_FALSE(program.file("end.json")["panes"][0]["candles"].empty());
 }
 
+TEST(ProgramRun, ReportsItsPaneAndHearsTheServicesNotices) {
+    SystemClock clock;
+    relay::PracticeRelay relay(clock, {});
+    ASSERT_EQ(relay.start(), std::nullopt);
+    relay.command("notice n1 Hello | All is well");
+    relay.command("maintenance Soon");
+    relay.command("release 99 9.9 https://v.test/get");
+    RunningProgram program({"--headless", "--state", "end.json"}, relay.variables());
+    program.say("sign-in " + relay.email() + " " + relay.password());
+    const auto reports = [&](const std::string& what) {
+        for (const double end = clock.monotonic() + 20; clock.monotonic() < end; ::usleep(20000))
+            if (relay.command("presence").find(what) != std::string::npos) return true;
+        return false;
+    };
+    EXPECT_TRUE(reports(" online NQ QQQ mac (")) << relay.command("presence");
+    program.say("symbol ES");
+    EXPECT_TRUE(reports(" heartbeat ES SPY mac (")) << relay.command("presence");
+    EXPECT_EQ(program.end(SIGTERM), 0);
+    EXPECT_TRUE(reports(" offline unknown unknown mac (")) << relay.command("presence");
+    const auto state = program.file("end.json");
+    EXPECT_EQ(state["announcement"], nlohmann::json({{"id", "n1"}, {"title", "Hello"}, {"message", "All is well"}}));
+    EXPECT_EQ(state["maintenance"], "Soon");
+    EXPECT_EQ(state["update"]["url"], "https://v.test/get");
+}
+
 TEST(ProgramRun, EndsInTimeThoughNobodyAnswers) {
     SystemClock clock;
     relay::PracticeRelay relay(clock, {});

@@ -36,7 +36,7 @@ void take(std::string_view text) {
             const auto unordered = std::ranges::adjacent_find(*series, std::greater_equal(), &Candle::time);
             require(series->size() <= 5000 && unordered == series->end());
         }
-        require(Json::parse(stateDocument(pane->time, {pane->model.get()})).has_value());
+        require(Json::parse(stateDocument({pane->time, {pane->model.get()}})).has_value());
         require(pane->model->log.logLines.size() <= PaneLog::maxLogLines);
     });
     // a fresh one now and then, so that what one frame left behind does not pile up

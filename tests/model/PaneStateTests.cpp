@@ -71,7 +71,7 @@ TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
     model->log.append("quote \" and \xff and \n");
     model->bars.candles = {{minute, std::nan(""), HUGE_VAL, -HUGE_VAL, 0.1, 1e-310}, {INT64_MAX, 1, 2, 3, 4, 5}};
     AppModel other(surroundings());
-    const auto document = Json::parse(stateDocument(time, {model.get(), &other}));
+    const auto document = Json::parse(stateDocument({time, {model.get(), &other}}));
     EXPECT_EQ((*document)["clock"].number(), wednesdayAt10);
     ASSERT_EQ((*document)["panes"].size(), 2u);
     const JsonView pane = *(*document)["panes"].items().begin();

@@ -58,7 +58,7 @@ std::pair<std::vector<std::string>, std::string> trade(const std::vector<relay::
         note();
     }
     playTo(start + 1320);
-    const std::string document = stateDocument(pane.time, {}, &engine);
+    const std::string document = stateDocument({pane.time, {}, &engine});
     pane.model.reset();
     return {told, document};
 }
@@ -145,7 +145,7 @@ TEST_F(SimPane, ThePaneShowsTheAccountsProblemForAsLongAsItLasts) {
     make();
     time.advance(30);
     EXPECT_THAT(model->notices.accountProblem.get().value_or(""), testing::HasSubstr("another Velmora has it"));
-    EXPECT_THAT(stateDocument(time, {}, &kept), testing::HasSubstr("\"keepsAccount\": false"));
+    EXPECT_THAT(stateDocument({time, {}, &kept}), testing::HasSubstr("\"keepsAccount\": false"));
     other.reset();
     time.advance(2);
     EXPECT_FALSE(model->notices.accountProblem.get().has_value());

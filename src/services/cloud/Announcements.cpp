@@ -37,6 +37,7 @@ void Announcements::start() {
     if (timer_ != SerialQueue::noTimer || auth_.endpoints().firestoreUrl.empty()) return;
     main_.post(whileThere_([this] { poll(); }));
     timer_ = main_.every(period, period, [this] { poll(); });
+    signedIn_ = auth_.signedIn.connect([this] { poll(); });
 }
 
 void Announcements::poll() {

@@ -35,7 +35,8 @@ class Announcements {
     Observable<std::optional<Alert>> announcement;       ///< the alert that is active and was not dismissed
     Observable<std::optional<std::string>> maintenance;  ///< its text, while there is one
 
-    /// Polls now and each `period`. Nothing when it runs already, or where there is no server for it.
+    /// Polls now, after each sign-in and each `period`. Nothing when it runs already, or where there is no server for
+    /// it.
     void start();
     void poll();
     /// Hides the present alert, in later runs too; one with another id is shown again.
@@ -61,6 +62,7 @@ class Announcements {
     Preferences& preferences_;
     MainLoop& main_;
     SerialQueue::TimerId timer_ = SerialQueue::noTimer;
+    Connection signedIn_;
     WeakTask whileThere_;
 };
 

@@ -139,6 +139,7 @@ void FirebaseRESTAuth::signIn(const std::string& address, const std::string& pas
         expiresAt = clock_.monotonic() + granted.lifetime - expiryMargin;
         persist();
         done(std::nullopt);
+        signedIn();
     });
 }
 
@@ -173,6 +174,7 @@ void FirebaseRESTAuth::token(std::function<void(std::optional<std::string>)> don
 }
 
 void FirebaseRESTAuth::signOut() {
+    sessionEnds();
     session_ = std::make_shared<int>(0);
     idToken.reset();
     refreshToken.reset();

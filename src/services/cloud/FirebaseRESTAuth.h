@@ -10,6 +10,7 @@
 
 #include "base/Clock.h"
 #include "base/Preferences.h"
+#include "base/Signal.h"
 #include "services/net/Endpoints.h"
 #include "services/net/HttpClient.h"
 
@@ -66,6 +67,9 @@ class FirebaseRESTAuth {
 
     /// Whether `idToken` may be used now.
     bool tokenIsLive() const { return idToken && clock_.monotonic() < expiresAt; }
+
+    Signal<> signedIn;     ///< after each successful `signIn`
+    Signal<> sessionEnds;  ///< in `signOut`, while the tokens still stand
 
     std::optional<std::string> idToken;
     std::optional<std::string> refreshToken;

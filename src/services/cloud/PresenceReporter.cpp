@@ -11,7 +11,8 @@ PresenceReporter::PresenceReporter(FirebaseRESTAuth& auth, MainLoop& main, std::
       main_(main),
       tabId_(std::move(tabId)),
       currentSymbol_(std::move(currentSymbol)),
-      currentSource_(std::move(currentSource)) {}
+      currentSource_(std::move(currentSource)),
+      sessionEnds_(auth.sessionEnds.connect([this] { stop(); })) {}
 
 void PresenceReporter::start() {
     if (started_ || auth_.endpoints().functionsUrl.empty()) return;

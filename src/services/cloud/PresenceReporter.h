@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/SerialQueue.h"
-#include "base/WeakTask.h"
+#include "base/Signal.h"
 #include "services/cloud/FirebaseRESTAuth.h"
 
 namespace vmr {
@@ -28,8 +28,7 @@ class PresenceReporter {
 
     /// "online" now and a "heartbeat" each `period`; nothing when it runs already, or where no server takes reports.
     void start();
-    /// "offline", also while the process ends; to be called while the session still has its token. Nothing unless it
-    /// runs.
+    /// "offline", also while the process ends. Nothing unless it runs. A sign-out stops it by itself.
     void stop();
     /// `action` is "online", "heartbeat" or "offline"; the last one says "unknown" for symbol and source.
     void send(const std::string& action);
@@ -48,6 +47,7 @@ class PresenceReporter {
     Word currentSymbol_, currentSource_;
     bool started_ = false;
     SerialQueue::TimerId timer_ = SerialQueue::noTimer;
+    Connection sessionEnds_;
 };
 
 }  // namespace vmr

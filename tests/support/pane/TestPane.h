@@ -106,7 +106,7 @@ class TestPane {
     /// The pane's state but for its log.
     std::string documentWithoutLog() {
         auto lines = std::exchange(model->log.logLines, {});
-        auto text = stateDocument(time, {model.get()});
+        auto text = stateDocument({time, {model.get()}});
         model->log.logLines = std::move(lines);
         return text;
     }
