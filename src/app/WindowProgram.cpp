@@ -32,7 +32,8 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
         program = std::make_unique<Program>(start, main);
         PaneHost& panes = program->panes();
         panes.setShown(panes.activeNumber(), true);
-        return WindowPane{*panes.active(), program->sim(), start.clock(), options.bench};
+        return WindowPane{*panes.active(),    program->sim(), program->announcements(),
+                          program->updates(), start.clock(),  options.bench};
     };
     hooks.started = [&](std::function<void(int)> quit) {
         onQuitRequest([&main = program->main(), quit] { main.post([quit] { quit(0); }); });

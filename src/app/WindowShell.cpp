@@ -1,6 +1,7 @@
 #include "app/WindowShell.h"
 
 #include <QAbstractEventDispatcher>
+#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QImage>
 #include <QQmlApplicationEngine>
@@ -23,6 +24,7 @@
 #include "ui/platform/QtLoop.h"
 #include "ui/platform/UiSetup.h"
 #include "ui/platform/WindowPicture.h"
+#include "ui/shell/ServiceViewModel.h"
 
 namespace vmr {
 
@@ -100,9 +102,12 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     view.setSurroundings({&pane.clock, &pane.model.sessionTime(), &loop, &trading, &perf, pane.bench, print,
                           [&loop] { loop.post([] { QCoreApplication::exit(0); }); }});
     const PaneBinding binding(pane.model, view, loop, options.setupProblem, options.signInHint, &pane.sim);
+    ServiceViewModel service;
+    service.follow(pane.announcements, pane.updates, [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
     QQmlApplicationEngine engine;
     registerQml(engine);
-    engine.setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});
+    engine.setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)},
+                                 {QStringLiteral("service"), QVariant::fromValue(&service)}});
     engine.load(QUrl(QStringLiteral("qrc:/Velmora/Main.qml")));
     auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
     if (!window) {

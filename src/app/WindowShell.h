@@ -11,12 +11,16 @@
 namespace vmr {
 
 class AppModel;
+class Announcements;
 class SimEngine;
+class UpdateChecker;
 
 /// What a window shows and works on.
 struct WindowPane {
     AppModel& model;
     SimEngine& sim;
+    Announcements& announcements;
+    UpdateChecker& updates;
     const Clock& clock;
     BenchSettings bench;
 };

@@ -5,6 +5,10 @@
 #include <QTime>
 #include <QWheelEvent>
 
+#include "services/cloud/Announcements.h"
+#include "services/cloud/UpdateChecker.h"
+#include "support/pane/FakeHttpClient.h"
+#include "support/time/TestTime.h"
 #include "ui/UiWindow.h"
 
 namespace vmr::test {
@@ -167,6 +171,50 @@ TEST_F(ChartItemInput, TakingThePointerAwayEndsADrag) {
     EXPECT_NEAR(camera().yMinManual, 21400 + 80 / chart->height() * 200, 1e-9) << "nothing of the drag is lost";
     QTest::mouseRelease(ui.window, Qt::LeftButton, {}, inWindow(300, 300));
     EXPECT_EQ(ended, 1);
+}
+
+TEST(Views, BannersComeAndAreDismissedByKeyboard) {
+    UiWindow ui(QSize(720, 480), UiWindow::entered(), syntheticBars(200));
+    ASSERT_NE(ui.window, nullptr);
+    TestTime time;
+    TestQueue main(time);
+    FakeHttpClient http(main);
+    MemoryPreferences preferences;
+    FirebaseRESTAuth auth({}, http, preferences, time);
+    Announcements announcements(auth, preferences, main);
+    UpdateChecker updates(http, "https://d.test", 1, main);
+    QStringList opened;
+    ui.service.follow(announcements, updates, [&opened](const QString& url) { opened << url; });
+    const auto shown = [&ui](const char* name) { return ui.item(name)->isVisible(); };
+    const auto button = [&ui](const char* banner, const char* name) {
+        return ui.item(banner)->findChild<QQuickItem*>(QLatin1String(name));
+    };
+    const auto press = [&](const char* banner, const char* name, Qt::Key key) {
+        button(banner, name)->forceActiveFocus(Qt::TabFocusReason);
+        QTest::keyClick(ui.window, key);
+    };
+    EXPECT_FALSE(shown("alertBanner") || shown("maintenanceBanner") || shown("updateBanner"));
+
+    announcements.announcement = Announcements::Alert{"n1", "Title", std::string(400, 'm')};
+    announcements.maintenance = "Soon";
+    updates.available = UpdateChecker::Info{"9.9", 9, "http://d.test/get", ""};
+    ui.settle();
+    EXPECT_TRUE(shown("alertBanner") && shown("maintenanceBanner") && shown("updateBanner"));
+    EXPECT_FALSE(button("updateBanner", "bannerAction")->isVisible()) << "no address but https: is opened";
+    EXPECT_GE(ui.item("alertBanner")->y(), ui.item("maintenanceBanner")->y() + ui.item("maintenanceBanner")->height());
+    updates.available = UpdateChecker::Info{"9.9", 9, "https://d.test/get", ""};
+    press("updateBanner", "bannerAction", Qt::Key_Space);
+    EXPECT_EQ(opened, QStringList{"https://d.test/get"});
+
+    press("alertBanner", "bannerClose", Qt::Key_Return);
+    press("maintenanceBanner", "bannerClose", Qt::Key_Space);
+    press("updateBanner", "bannerClose", Qt::Key_Enter);
+    EXPECT_FALSE(shown("alertBanner") || shown("maintenanceBanner") || shown("updateBanner"));
+    EXPECT_EQ(preferences.get("dismissed_alert_n1"), "true");
+    announcements.maintenance = "Now";
+    EXPECT_TRUE(shown("maintenanceBanner")) << "another text";
+    updates.available = UpdateChecker::Info{"9.9", 10, "https://d.test/get", ""};
+    EXPECT_FALSE(shown("updateBanner")) << "the same text";
 }
 
 TEST(Views, SignInByKeyboardAlone) {

@@ -19,6 +19,7 @@
 #include "ui/chart/ChartItem.h"
 #include "ui/pane/PaneViewModel.h"
 #include "ui/platform/UiSetup.h"
+#include "ui/shell/ServiceViewModel.h"
 #include "ui/platform/WindowPicture.h"
 
 namespace vmr::test {
@@ -78,7 +79,8 @@ class UiWindow {
         source.feed(view);
         engine_ = std::make_unique<QQmlApplicationEngine>();
         registerQml(*engine_);
-        engine_->setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)}});
+        engine_->setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)},
+                                       {QStringLiteral("service"), QVariant::fromValue(&service)}});
         engine_->load(QUrl(QStringLiteral("qrc:/Velmora/Main.qml")));
         if (engine_->rootObjects().isEmpty()) return;
         window = qobject_cast<QQuickWindow*>(engine_->rootObjects().first());
@@ -113,6 +115,7 @@ class UiWindow {
     StillAccount account;  ///< its lines are shown with a scene
     SceneSource source;
     PaneViewModel view;
+    ServiceViewModel service;  // with nothing to say
     QQuickWindow* window = nullptr;
     int swaps = 0;
 

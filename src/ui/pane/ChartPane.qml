@@ -6,6 +6,7 @@ FocusScope {
     id: paneView
 
     required property PaneViewModel pane
+    required property ServiceViewModel service
 
     Toolbar {
         id: toolbar
@@ -91,6 +92,10 @@ FocusScope {
             width: parent.width
             visible: text !== ""
             text: paneView.pane.chart.accountProblem
+        }
+        ServiceBanners {
+            width: parent.width
+            service: paneView.service
         }
     }
 }

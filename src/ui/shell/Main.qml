@@ -7,6 +7,7 @@ Window {
     id: window
 
     required property PaneViewModel pane
+    required property ServiceViewModel service
 
     title: "Velmora"
     color: Theme.background
@@ -32,6 +33,7 @@ Window {
         ChartPane {
             objectName: "chartPane"
             pane: window.pane
+            service: window.service
         }
     }
 }
