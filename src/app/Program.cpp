@@ -29,7 +29,8 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
       http_(main),
       auth_(start.endpoints(), http_, withUsableSession(preferences_, start), start.clock()),
       announcements_(auth_, preferences_, main),
-      updates_(http_, start.endpoints().downloadsUrl, buildNumber, main) {
+      updates_(http_, start.endpoints().downloadsUrl, buildNumber, main),
+      workspace_(preferences_, main) {
     auth_.setupProblem = start.setupProblem();
     openAccount();
     openPanes();

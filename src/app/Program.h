@@ -20,6 +20,7 @@
 #include "sim/SimEngine.h"
 #include "workspace/PaneHost.h"
 #include "workspace/ShellCommands.h"
+#include "workspace/WorkspaceStore.h"
 
 namespace vmr {
 
@@ -34,6 +35,8 @@ class Program {
     SimEngine& sim() { return *sim_; }
     Announcements& announcements() { return announcements_; }
     UpdateChecker& updates() { return updates_; }
+    WorkspaceStore& workspace() { return workspace_; }
+    UuidSource& ids() { return ids_; }
     ProgramStart& start() { return start_; }
     MainLoop& main() { return main_; }
 
@@ -60,6 +63,7 @@ class Program {
     FirebaseRESTAuth auth_;
     Announcements announcements_;
     UpdateChecker updates_;
+    WorkspaceStore workspace_;
     SessionTime session_;
     UuidSource ids_;
     HfScales hfScales_;  // of all panes

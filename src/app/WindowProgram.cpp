@@ -32,8 +32,9 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
         program = std::make_unique<Program>(start, main);
         PaneHost& panes = program->panes();
         panes.setShown(panes.activeNumber(), true);
-        return WindowPane{*panes.active(),    program->sim(), program->announcements(),
-                          program->updates(), start.clock(),  options.bench};
+        return WindowPane{
+            *panes.active(), program->sim(), program->announcements(),   program->updates(), program->workspace(),
+            start.clock(),   options.bench,  !options.tapeSymbol.empty()};
     };
     hooks.started = [&](std::function<void(int)> quit) {
         onQuitRequest([&main = program->main(), quit] { main.post([quit] { quit(0); }); });

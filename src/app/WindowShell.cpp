@@ -25,35 +25,71 @@
 #include "ui/platform/UiSetup.h"
 #include "ui/platform/WindowPicture.h"
 #include "ui/shell/ServiceViewModel.h"
+#include "workspace/WindowPlacing.h"
+#include "workspace/WorkspaceStore.h"
 
 namespace vmr {
 
 namespace {
 
-constexpr QSize loginSize(1000, 580);
+ScreenRect rectOf(const QRect& rect) {
+    return {double(rect.x()), double(rect.y()), double(rect.width()), double(rect.height())};
+}
 
-/// Sizes the window for its stage: the login frame in the middle of the screen, and all of the screen once entered.
+/// Places the window for its stage, and remembers where it stands.
 class WindowStage {
  public:
-    WindowStage(QQuickWindow& window, QSize enteredSize) : window_(window), enteredSize_(enteredSize) {}
+    /// `size` is one that the person asked for, empty for none. All that it is given outlives it.
+    WindowStage(QQuickWindow& window, const AppModel& pane, WorkspaceStore& store, QSize size)
+        : window_(window), store_(store), box_(std::make_shared<WorkspaceWindowBox>()) {
+        if (!size.isEmpty()) wanted_ = rectOf(QRect(QPoint(), size));
+        box_->id = UuidSource().next();
+        box_->primary = [&pane] { return std::optional(paneFacts(pane)); };
+        box_->frame = [this] { return std::optional(frame()); };
+        box_->claimed = true;
+        box_->rec = store_.claimNext();
+        store_.registerBox(box_);
+    }
+    ~WindowStage() { store_.remove(box_->id); }
+    WindowStage(const WindowStage&) = delete;
+    WindowStage& operator=(const WindowStage&) = delete;
+
+    const std::optional<WindowRecord>& record() const { return box_->rec; }
 
     void apply(bool entered) {
-        const QScreen* screen = window_.screen() ? window_.screen() : QGuiApplication::primaryScreen();
-        if (!screen) return;
-        const QRect free = screen->availableGeometry();
-        if (entered && enteredSize_.isEmpty()) {
-            window_.setGeometry(free);
-            return;
-        }
-        const QSize size = entered ? enteredSize_ : loginSize;
-        const QPoint corner(free.x() + (free.width() - size.width()) / 2,
-                            free.y() + (free.height() - size.height()) / 2);
-        window_.setGeometry(QRect(QPoint(qMax(corner.x(), free.x()), qMax(corner.y(), free.y())), size));
+        const auto screens = screensNow();
+        if (!screens) return;
+        std::optional<std::vector<double>> saved;
+        if (entered && box_->rec && !std::exchange(restored_, true)) saved = box_->rec->frame;
+        const ScreenRect place = entered ? enteredPlace(*screens, saved, wanted_) : signInPlace(*screens);
+        window_.setGeometry(qRound(place.x), qRound(place.y), qRound(place.width), qRound(place.height));
     }
 
  private:
+    // A size that was asked for holds for one run: it does not take the remembered frame's place.
+    std::array<double, 4> frame() const {
+        if (wanted_ && box_->rec && box_->rec->frame.size() == 4) {
+            const auto& kept = box_->rec->frame;
+            return {kept[0], kept[1], kept[2], kept[3]};
+        }
+        const QScreen* first = QGuiApplication::primaryScreen();
+        return storedFrame(rectOf(window_.geometry()), first ? rectOf(first->geometry()) : ScreenRect());
+    }
+    std::optional<Screens> screensNow() const {
+        const QScreen* first = QGuiApplication::primaryScreen();
+        const QScreen* own = window_.screen() ? window_.screen() : first;
+        if (!first || !own) return std::nullopt;
+        Screens screens{rectOf(first->geometry()), rectOf(own->availableGeometry()), {}};
+        for (const QScreen* screen : QGuiApplication::screens())
+            screens.free.push_back(rectOf(screen->availableGeometry()));
+        return screens;
+    }
+
     QQuickWindow& window_;
-    QSize enteredSize_;
+    WorkspaceStore& store_;
+    std::shared_ptr<WorkspaceWindowBox> box_;
+    std::optional<ScreenRect> wanted_;
+    bool restored_ = false;
 };
 
 bool savePicture(QQuickWindow& window, const std::string& file) {
@@ -114,7 +150,8 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
         std::fprintf(stderr, "velmora: the window cannot be made\n");
         return 1;
     }
-    WindowStage stage(*window, QSize(options.width, options.height));
+    WindowStage stage(*window, pane.model, pane.workspace, QSize(options.width, options.height));
+    if (stage.record() && !pane.hasFirstSymbol) pane.model.applyRestore(stage.record()->primary);
     QObject::connect(&view.session, &SessionViewModel::enteredChanged, window, [&] {
         Perf::shared().startUp("entered");
         stage.apply(view.session.entered());
@@ -126,6 +163,7 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
     if (hooks.started) hooks.started([&loop](int status) { loop.post([status] { QCoreApplication::exit(status); }); });
     if (options.seconds > 0) loop.after(options.seconds, [] { QCoreApplication::exit(0); });
     const int status = app.exec();
+    pane.workspace.saveAtEnd();
     if (!options.screenshot.empty() && !savePicture(*window, options.screenshot) && status == 0) return 1;
     return status;
 }

@@ -14,6 +14,7 @@ class AppModel;
 class Announcements;
 class SimEngine;
 class UpdateChecker;
+class WorkspaceStore;
 
 /// What a window shows and works on.
 struct WindowPane {
@@ -21,8 +22,10 @@ struct WindowPane {
     SimEngine& sim;
     Announcements& announcements;
     UpdateChecker& updates;
+    WorkspaceStore& workspace;
     const Clock& clock;
     BenchSettings bench;
+    bool hasFirstSymbol = false;  ///< the pane has been told what to show first
 };
 
 struct WindowShellOptions {

@@ -48,7 +48,13 @@ class WindowRun {
         WindowShellHooks hooks;
         hooks.makePane = [this](MainLoop& main) {
             program = std::make_unique<Program>(*start, main);
-            return WindowPane{pane(), program->sim(), program->announcements(), program->updates(), start->clock(), {}};
+            return WindowPane{pane(),
+                              program->sim(),
+                              program->announcements(),
+                              program->updates(),
+                              program->workspace(),
+                              start->clock(),
+                              {}};
         };
         hooks.started = [&](std::function<void(int)> quit) {
             shown();

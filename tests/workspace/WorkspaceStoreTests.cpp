@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "support/time/TestTime.h"
+#include "workspace/WindowPlacing.h"
 
 namespace vmr::test {
 namespace {
@@ -103,6 +104,37 @@ TEST_F(Workspace, EachWindowClaimsARecordOfTheLastRun) {
     const int before = preferences.writes;
     next.saveAtEnd();
     EXPECT_EQ(preferences.writes, before + 1) << "what was read is written once";
+}
+
+TEST(WindowPlacing, FramesAreStoredFromTheBottomLeftOfTheFirstScreen) {
+    // a panel of 40 on top of the first screen; a second one to the left and further up
+    const ScreenRect first{0, 0, 1920, 1080}, left{-1280, -200, 1280, 1024};
+    const Screens screens{first, {0, 40, 1920, 1040}, {{0, 40, 1920, 1040}, left}};
+    const struct {
+        ScreenRect window;
+        std::array<double, 4> stored;
+    } frames[] = {{{0, 0, 1920, 1080}, {0, 0, 1920, 1080}},
+                  {{100, 50, 800, 600}, {100, 430, 800, 600}},
+                  {{-1200, -150, 700, 500}, {-1200, 730, 700, 500}}};
+    for (const auto& [window, stored] : frames) {
+        EXPECT_EQ(storedFrame(window, first), stored);
+        EXPECT_EQ(screenFrame(stored, first), window);
+        EXPECT_EQ(enteredPlace(screens, std::vector(stored.begin(), stored.end()), {}), window);
+    }
+    const ScreenRect moved{10, 20, 1000, 800};
+    EXPECT_EQ(screenFrame(storedFrame({15, 25, 30, 40}, moved), moved), (ScreenRect{15, 25, 30, 40}));
+
+    EXPECT_EQ(signInPlace(screens), (ScreenRect{460, 270, 1000, 580}));
+    EXPECT_EQ(signInPlace({first, {5, 6, 800, 500}, {}}), (ScreenRect{5, 6, 1000, 580})) << "its corner is seen";
+    const auto all = screens.own;
+    EXPECT_EQ(enteredPlace(screens, {}, {}), all);
+    EXPECT_EQ(enteredPlace(screens, std::vector<double>{1, 2, 3}, {}), all);
+    EXPECT_EQ(enteredPlace(screens, std::vector<double>{5000, 0, 800, 600}, {}), all) << "its screen is gone";
+    EXPECT_EQ(enteredPlace(screens, std::vector<double>{1920, 0, 800, 600}, {}), all) << "beside the screen";
+    EXPECT_EQ(enteredPlace(screens, std::vector<double>{1919, 0, 800, 600}, {}), (ScreenRect{1919, 480, 800, 600}))
+        << "it barely touches one";
+    EXPECT_EQ(enteredPlace(screens, std::vector<double>{1, 2, 3, 4}, ScreenRect{0, 0, 1400, 900}),
+              (ScreenRect{260, 110, 1400, 900}));
 }
 
 TEST(WorkspaceText, OneBadRecordRejectsAll) {
