@@ -218,6 +218,7 @@ TEST_F(InputTest, MenuOffersWhatThePriceAllows) {
     };
     EXPECT_THAT(texts(20950.3), ElementsAre("Buy 2 Limit @ 20950.25", "", "Sell 2 Stop @ 20950.25"));
     EXPECT_THAT(texts(21050), ElementsAre("Sell 2 Limit @ 21050", "", "Buy 2 Stop @ 21050"));
+    EXPECT_EQ(texts(21000).size(), 5U) << "at the last price everything can be ordered";
     trading.lastPrice.reset();
     trading.shown = {PositionLine{-3, 21000}, {{id(1), 21040, true, 1, "LMT"}}, {}};
     EXPECT_THAT(texts(21050),
@@ -238,6 +239,22 @@ TEST_F(InputTest, MenuOffersWhatThePriceAllows) {
     EXPECT_TRUE(input.orderMenu(at(width - 74, 21050)).empty());
     input.simRoot.clear();
     EXPECT_TRUE(input.orderMenu({400, 400}).empty());
+}
+
+TEST_F(InputTest, TheMenuTellsPricesToTheLastDigitOfTheirTick) {
+    trading.lastPrice = 500;
+    for (const auto& [tick, price, text] : {std::tuple(0.25, 100.0, "100"),
+                                            {0.25, 99.0, "99.00"},
+                                            {0.25, 110.5, "110.50"},
+                                            {0.005, 32.0, "32.00"},
+                                            {0.005, 32.005, "32.005"},
+                                            {1.0 / 32, 110.5, "110.50"},
+                                            {1.0 / 32, 110.03125, "110.03125"},
+                                            {1.0 / 3, 100 + 2.0 / 3, "100.67"}}) {
+        trading.tick = tick;
+        renderer.mirrorPrice(price - tick, price + tick);
+        EXPECT_EQ(input.orderMenu(at(400, price)).at(0).text, std::string("Buy 2 Limit @ ") + text);
+    }
 }
 
 TEST_F(InputTest, AClosedMarketTakesNoOrders) {
