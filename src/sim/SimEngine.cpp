@@ -58,6 +58,13 @@ void SimEngine::roll(const std::string& root, const std::string& contract) {
     if (watches_.roll(root, contract)) forget({root});
 }
 
+void SimEngine::forgetPrices() {
+    std::vector<std::string> roots;
+    for (const auto& last : lasts()) roots.push_back(last.root);
+    for (const auto& quote : quotes()) roots.push_back(quote.root);
+    forget(roots);
+}
+
 void SimEngine::forget(const std::vector<std::string>& roots) {
     for (const std::string& root : roots) prices_.forget(root);
 }

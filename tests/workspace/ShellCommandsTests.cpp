@@ -34,7 +34,6 @@ class Shell : public LivePanes {
 
     std::vector<std::string> answers;
     bool quitting = false;
-    SimEngine sim{SimSetup{clock, session, UuidSource(2), nullptr, nullptr, nullptr, {}, {}}};
     ShellCommands commands{surroundings()};
 };
 
