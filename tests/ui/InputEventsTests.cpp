@@ -207,5 +207,20 @@ TEST(Views, SignInByKeyboardAlone) {
     EXPECT_EQ(calls.size(), 2) << "ready for another try";
 }
 
+TEST(Views, ARefusedConfigurationIsShownInBothStages) {
+    UiWindow ui(QSize(1000, 580), {.setupProblem = "The relay's address is refused."});
+    for (const bool entered : {false, true}) {
+        auto fields = ui.view.session.state();
+        fields.entered = entered;
+        ui.view.session.set(fields);
+        const char* const stage = entered ? "chartPane" : "signInForm";
+        ASSERT_TRUE(runUntil([&] { return ui.item(stage) != nullptr; }));
+        const auto* notice = ui.item(stage)->findChild<QQuickItem*>("setupNotice");
+        ASSERT_NE(notice, nullptr) << stage;
+        EXPECT_TRUE(notice->isVisible()) << stage;
+        EXPECT_EQ(notice->property("text").toString(), fields.setupProblem) << stage;
+    }
+}
+
 }  // namespace
 }  // namespace vmr::test
