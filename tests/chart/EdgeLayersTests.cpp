@@ -93,6 +93,8 @@ TEST_F(EdgeLayersTest, BarsOfAllSetsLieAtTheirEdgesInTheirOrder) {
         EXPECT_THAT(is, testing::Pointwise(testing::DoubleNear(1e-3), expected[i].places));
         EXPECT_EQ(box.color, Rgba8(expected[i].color));
     }
+    strikes[1] = gex(101, 0);
+    EXPECT_EQ(bars(step())[barVertices].color, Rgba8(expected[1].color)) << "a net of 0 shrinks as a positive one";
 }
 
 TEST_F(EdgeLayersTest, EasingTakesTheSameTimeAtEveryRateAndEnds) {

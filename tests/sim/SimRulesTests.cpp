@@ -49,6 +49,9 @@ TEST(SimMatching, EachTypeFillsWhereItsRuleSays) {
          "0@0 | works sell 1 limit 106 | fills buy 1 100.125, sell 1 105"},
         {"entry is refused in a closed market, fills are not", "trade 101; buy 1 limit=100; closed; buy 1; trade 99",
          "1@100 | fills buy 1 100 | refuses buy"},
+        {"a stop-limit rests as a plain limit once its stop is reached",
+         "trade 100; buy 1 stop=101 limit=100.5; sell 2 stop=99 limit=99.5; trade 101; trade 99",
+         "1@100.5 | works sell 2 limit 99.5 | fills buy 1 100.5"},
         {"bad orders", "trade 100; buy 0; buy -3; buy 1 limit=nan; sell 1 stop=inf; root ZZ; trade 1; buy 1",
          "none | refuses buy buy buy sell buy"},
         {"what is not a market is ignored as a whole",
@@ -167,8 +170,8 @@ TEST(SimBrackets, LegsFollowThePosition) {
         {"cancelAll is for one root", "trade 100; buy 1 limit=90; root ES; trade 9; buy 1 limit=8; cancelAll",
          "none | works buy 1 limit 90"},
         {"a planned leg is whole ticks away, at least 1, on its own side",
-         "trade 101; buy 1 limit=100 tp=8; leg 0 SL 103.1; leg 0 TP 100; sell 1 stop=90 sl=4; leg 1 SL 95",
-         "none | works buy 1 limit 100 [12/1], sell 1 stop 90 [20/-]"},
+         "trade 101; buy 1 limit=100 tp=8; leg 0 SL 103.1; leg 0 TP 100; sell 1 stop=90 sl=4 tp=2; leg 1 SL 95",
+         "none | works buy 1 limit 100 [97/100.25], sell 1 stop 90 [95/89.5]"},
     };
     for (const Rule& rule : rules) check(rule);
 }
