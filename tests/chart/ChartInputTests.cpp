@@ -92,6 +92,9 @@ TEST_F(InputTest, DragDecidesBetweenRulerAndChartAtEachStep) {
     EXPECT_NEAR(camera().yMinManual - low, 9 / height * whole * 0.66, 1e-6);
     input.mouseUp({width - 110, 309});
     EXPECT_FALSE(camera().autoY);
+    const double count = camera().visibleCount;
+    input.scrollWheel(3, 3, true, false);
+    EXPECT_EQ(camera().visibleCount, count) << "as far sideways as up is sideways";
     input.mouseDown({400, 400});
     input.doubleClick();
     EXPECT_TRUE(camera().autoY);
@@ -145,7 +148,7 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
     const double edge = LineMarks::closeMarkEdge(width);
     trading.shown = {PositionLine{-1, 21000},
                      {{id(1), 21040, true, 1, "LMT"}, {id(2), 21040, true, 1, "STP"}},
-                     {{id(1), "SL", 20980}, {id(1), "TP", 20980}}};
+                     {{id(1), "SL", 20980}, {id(1), "TP", 20980}, {id(2), "TP", 21080}}};
     const auto press = [&](ChartPoint from, double toPrice) {
         input.mouseDown(from);
         input.doubleClick();  // is nothing more on a line
@@ -159,6 +162,7 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
     const double first = camera().firstVisible, low = camera().yMinManual;
     EXPECT_THAT(press(below(21040, 6), 21060), ElementsAre("modify 1 21060", "modify 1 21061"));
     EXPECT_THAT(press(below(20980, -6), 20970), ElementsAre("leg 1 SL 20970", "leg 1 SL 20971"));
+    EXPECT_THAT(press(below(21080, 0), 21070), ElementsAre("leg 2 TP 21070", "leg 2 TP 21071"));
     input.mouseDown(below(21040, 1));
     input.mouseDragged(below(21040, -1));
     input.mouseUp(below(21040, -1));
