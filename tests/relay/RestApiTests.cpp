@@ -85,7 +85,8 @@ TEST_F(RestApiTest, ManyWrongSignInsInARowLockTheAccountForAWhile) {
     for (int i = 0; i < Accounts::mostFailures; ++i) EXPECT_EQ(tried("x"), "INVALID_L");
     EXPECT_EQ(tried("practice"), "TOO_MANY_");
     clock.advance(Accounts::lockSeconds);
-    EXPECT_EQ(tried("practice"), "in");
+    EXPECT_EQ(tried("x"), "INVALID_L");
+    EXPECT_EQ(tried("practice"), "in") << "after the lock, too, the count begins anew";
 }
 
 }  // namespace
