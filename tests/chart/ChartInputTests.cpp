@@ -9,7 +9,7 @@
 #include "chart/TradingLinesLayer.h"
 #include "tests/chart/ChartScene.h"
 #include "tests/chart/FakeGlyphs.h"
-#include "tests/chart/PlayedTrading.h"
+#include "tests/support/PlayedTrading.h"
 
 namespace vmr::test {
 namespace {

@@ -1,6 +1,7 @@
 // A paper account that shows what a test gives it and notes what is asked of it.
 #pragma once
 
+#include <cmath>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -10,7 +11,7 @@
 
 namespace vmr::test {
 
-struct PlayedTrading final : ChartTrading {
+struct PlayedTrading : ChartTrading {
     TradingLines shown;
     std::optional<double> lastPrice = 21000.0;
     std::optional<double> staleAge;

@@ -143,7 +143,7 @@ TEST_F(ChartItemInput, AMenuAndADragEndWithTheirChart) {
     ASSERT_TRUE(runUntil([&] { return ui.menuShown(); }));
     ui.source.openChart(syntheticBars(900));
     chart->chooseOrder(0);  // before any frame, and though the other chart trades the same root
-    EXPECT_TRUE(ui.account.asked.empty());
+    EXPECT_TRUE(ui.account.done.empty());
     EXPECT_TRUE(runUntil([&] { return !ui.menuShown(); }));
     EXPECT_TRUE(chart->orderMenu().isEmpty());
     ASSERT_TRUE(ui.settle());
