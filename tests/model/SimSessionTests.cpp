@@ -110,16 +110,16 @@ TEST_F(SimPane, AnOldContractsPricesReachNoOrder) {
     showOld();
     EXPECT_EQ(fills(), 1u) << "which contract is the front one is not known yet";
     event("meta:contracts", R"({"map":{"NQ":"NQU6","ES":"ESU6"}})");
-    EXPECT_EQ(engine.lasts().find("ES"), nullptr) << "a root that no pane shows rolls, too";
+    EXPECT_EQ(engine.last("ES"), std::nullopt) << "a root that no pane shows rolls, too";
     showOld();
     snapshot("futures:NQU6", flatBars(minute - 120, 3, 101));
     event("futures:NQU6:quote", R"({"bid":101,"ask":101.25})");
     EXPECT_EQ(fills(), 1u);
-    EXPECT_EQ(*engine.lasts().find("NQ"), 101);
+    EXPECT_EQ(engine.last("NQ"), 101);
     trade("NQU6", "94", 200);
     EXPECT_EQ(fills(), 1u) << "a trade that the bars refuse as too old";
     model->openChart("futures:NQZ6", "");
-    EXPECT_EQ(engine.lasts().find("NQ"), nullptr);
+    EXPECT_EQ(engine.last("NQ"), std::nullopt);
     trade("NQZ6", "94");
     EXPECT_EQ(fills(), 2u);
     EXPECT_EQ(engine.openTrades().size(), 0u);
@@ -138,10 +138,10 @@ TEST_F(SimPane, WithoutTheContractsTheBuiltInOneCountsAfterTwoSeconds) {
     for (const double price : {90, 91}) snapshot("futures:NQM6", flatBars(minute - 120, 3, price));
     for (const bool known : {false, true}) {
         time.advance(known ? 0.2 : 1.9);
-        EXPECT_EQ(engine.lasts().find("NQ") != nullptr, known);
+        EXPECT_EQ(engine.last("NQ").has_value(), known);
     }
-    EXPECT_EQ(*engine.lasts().find("NQ"), 90) << "a seed is the first price";
-    EXPECT_EQ(engine.lasts().find("ES"), nullptr) << "of a chart that has gone";
+    EXPECT_EQ(engine.last("NQ"), 90) << "a seed is the first price";
+    EXPECT_EQ(engine.last("ES"), std::nullopt) << "of a chart that has gone";
     time.advance(15.1);
     EXPECT_TRUE(engine.stalePrice("NQ")) << "though the bar lasts longer";
 }

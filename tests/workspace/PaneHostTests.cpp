@@ -126,7 +126,7 @@ TEST_F(PaneHostLife, AClockThatIsSetBackOpensEveryChartAnew) {
     }
     sim.onTrade("GC", 4100);  // roots that no pane shows
     sim.onQuote("CL", 60, 60.01);
-    const auto pricesKept = [&] { return sim.lasts().find("GC") || sim.quotes().find("CL"); };
+    const auto pricesKept = [&] { return sim.last("GC") || sim.quote("CL"); };
     clock.setNow(clock.now() + 30);
     runUntil([] { return false; }, 0.1);
     EXPECT_TRUE(marked(1) && marked(2) && pricesKept());
