@@ -118,14 +118,13 @@ TEST(OptionChain, ExpirationsEndAtFourAlsoAcrossAClockChange) {
         const MarketSession& session = *bench.market.session(source.instrument(), now / 1000, now);
         const OptionChain& chain = bench.chains.chain(source, session);
         ASSERT_EQ(chain.expirations().at(1), monday);
-        std::vector<std::int64_t> gamma;
-        for (const char* time : {"T15:30", "T15:41", "T16:00"}) {
+        const auto gammaAt = [&](const char* time) {
             ChainState state;
             chain.state(session.open, ms(monday + time), {}, state);
-            gamma.push_back(totalOf(state.byExpiration[1]).callGex);
-        }
-        EXPECT_NE(gamma[0], gamma[1]) << monday;
-        EXPECT_EQ(gamma[1], gamma[2]) << monday;
+            return totalOf(state.byExpiration[1]).callGex;
+        };
+        EXPECT_NE(gammaAt("T15:30"), gammaAt("T15:41")) << monday;
+        EXPECT_EQ(gammaAt("T15:41"), gammaAt("T16:00")) << monday;
     }
 }
 

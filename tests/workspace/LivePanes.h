@@ -30,20 +30,13 @@ class LivePanes : public testing::Test {
         endpoints.apiKey = relay.apiKey();
         endpoints.identityUrl = endpoints.secureTokenUrl = relay.restUrl();
         auth = std::make_unique<FirebaseRESTAuth>(endpoints, http, preferences, clock);
-        host = std::make_unique<PaneHost>(PaneSurroundings{.clock = clock,
-                                                           .main = loop,
-                                                           .preferences = preferences,
-                                                           .auth = *auth,
-                                                           .session = session,
-                                                           .ids = ids,
-                                                           .hfScales = scales,
-                                                           .makeRelay = {},
-                                                           .print = [](const std::string&) {},
-                                                           .sim = &sim},
-                                          [this](AsioLoop& queue) {
-                                              return std::make_unique<RelayClient>(
-                                                  endpoints.relayUrl, makeBeastWebSockets(queue), queue, loop, clock);
-                                          });
+        host = std::make_unique<PaneHost>(
+            PaneSurroundings{
+                clock, loop, preferences, *auth, session, ids, scales, {}, [](const std::string&) {}, {}, &sim},
+            [this](AsioLoop& queue) {
+                return std::make_unique<RelayClient>(endpoints.relayUrl, makeBeastWebSockets(queue), queue, loop,
+                                                     clock);
+            });
     }
 
     /// Looks every 5 ms of real time; whether the condition came to hold within `limit` seconds.
