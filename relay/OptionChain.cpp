@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "market/SessionTime.h"
 #include "relay/ExchangeHolidays.h"
 #include "relay/RandomStream.h"
 
@@ -136,8 +137,8 @@ void OptionChain::listExpirations() {
 
 OptionChain::Expiration OptionChain::list(std::int64_t date, int ahead) const {
     Expiration one;
-    // 16:00 on its date. A session begins at 18:00 on the eve of its date, 22 hours before.
-    one.expiry = session_.start + ahead * std::int64_t{86400} + 22 * 3600;
+    // 16:00 on its date, which a clock change moves: late in the evening UTC that was the last one
+    one.expiry = SessionTime::calendarSessionOpenSec(date * 86400 + 23 * std::int64_t{3600}, 1600);
     one.share = (isWeekly(date) ? 1.5 : 1.0) / (1.0 + 1.6 * ahead);
     // Weeklies list every strike; other dates list those within a few standard deviations of the price.
     const double width =

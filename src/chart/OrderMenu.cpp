@@ -1,7 +1,9 @@
 // The menu of a right click on the chart: which orders can be entered at a price, and what choosing one does.
+#include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 
+#include "base/NumberText.h"
 #include "chart/ChartInput.h"
 
 namespace vmr {
@@ -9,10 +11,22 @@ namespace vmr {
 namespace {
 using Action = OrderMenuItem::Action;
 
+std::string fixedText(double price, int decimals) {
+    std::array<char, 400> text;  // the longest double has 309 digits before the point
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), price, std::chars_format::fixed, decimals);
+    return {text.data(), end.ptr};
+}
+
+// Whole from 100 on, else with two decimals, or with as many as a finer tick needs: an order must not stand at another
+// price than the menu says. A price off every grid, which no account takes, gets two.
 std::string priceText(double price) {
-    char text[64];
-    std::snprintf(text, sizeof text, std::trunc(price) == price && price >= 100 ? "%.0f" : "%.2f", price);
-    return text;
+    constexpr int usual = 2, most = 6;
+    if (std::trunc(price) == price && price >= 100) return fixedText(price, 0);
+    for (int decimals = usual; decimals <= most; ++decimals) {
+        std::string text = fixedText(price, decimals);
+        if (parseDouble(text) == price) return text;
+    }
+    return fixedText(price, usual);
 }
 
 std::string ageText(double seconds) {

@@ -60,6 +60,12 @@ void SimEngine::roll(const std::string& root, const std::string& contract) {
     if (watches_.roll(root, contract)) forget({root});
 }
 
+void SimEngine::forgetPrices() {
+    std::vector<std::string> roots;
+    for (const auto& market : prices_.all()) roots.push_back(market.root);
+    forget(roots);
+}
+
 void SimEngine::forget(const std::vector<std::string>& roots) {
     for (const std::string& root : roots) prices_.forget(root);
 }

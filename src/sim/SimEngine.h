@@ -113,6 +113,8 @@ class SimEngine {
     void setConnected(const void* viewer, bool connected) { watches_.setConnected(viewer, connected); }
     /// The server names the contract of a root; those that somebody shows change when it is opened.
     void roll(const std::string& root, const std::string& contract);
+    /// Market time was set back: prices from what is the future now are no market, of whatever root.
+    void forgetPrices();
     const sim::SimWatches& watches() const { return watches_; }
 
     /// Sets these roots; others keep theirs. A tick of 0 makes later results infinite, and the account unsaveable.

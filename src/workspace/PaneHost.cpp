@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "sim/SimEngine.h"
+
 namespace vmr {
 
 namespace {
@@ -13,6 +15,7 @@ PaneHost::PaneHost(PaneSurroundings surroundings, Connect connect)
     : surroundings_(std::move(surroundings)), connect_(std::move(connect)) {
     steered_ = surroundings_.clock.onSteered(surroundings_.main, [this](const ClockSteering& steering) {
         if (!steering.wentBack()) return;
+        if (surroundings_.sim) surroundings_.sim->forgetPrices();
         for (Pane& pane : panes_) pane.model->reloadChart();
     });
 }

@@ -9,6 +9,7 @@
 
 #include "app/Program.h"
 #include "base/AsioLoop.h"
+#include "base/FileReplace.h"
 #include "tests/app/SilentServer.h"
 
 namespace vmr {
@@ -154,8 +155,7 @@ TEST(PracticeSession, LeavesTheUsersOwnProfileAlone) {
              {all.identityUrl, all.secureTokenUrl, all.functionsUrl, all.firestoreUrl, all.downloadsUrl})
             EXPECT_EQ(url, session.relay().restUrl()) << "nothing goes to a public host";
     }
-    std::ifstream kept(user.config / "preferences.json");
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), "{\"vmr.auth.refreshToken\": \"mine\"}");
+    EXPECT_EQ(readFile(user.config / "preferences.json"), "{\"vmr.auth.refreshToken\": \"mine\"}");
     const auto practiceFile = Paths::practice()->config / "preferences.json";
     EXPECT_TRUE(fs::exists(practiceFile));
     EXPECT_EQ(fs::status(practiceFile).permissions() & fs::perms::all, fs::perms::owner_read | fs::perms::owner_write);
@@ -184,8 +184,7 @@ TEST(ProgramSetup, WithoutARelayTheStoredSessionWaitsUnused) {
         EXPECT_FALSE(signIn.isCalled(0)) << "no token was sent";
         EXPECT_NEAR(start.relayClock().now(), SystemClock().now(), 1) << "another relay is told this machine's time";
     }
-    std::ifstream kept(file);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), stored);
+    EXPECT_EQ(readFile(file), stored);
     for (const char* name : {"VMR_IDENTITY_URL", "VMR_SECURETOKEN_URL"}) ::unsetenv(name);
 }
 

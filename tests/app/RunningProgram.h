@@ -91,6 +91,13 @@ class RunningProgram {
             text_.append(buffer, static_cast<std::size_t>(count));
         }
     }
+    /// Says it, and waits for a line that begins with "[cmd] "; nothing when none comes for `seconds`.
+    std::optional<std::string> ask(const std::string& command, double seconds = 20) {
+        say(command);
+        auto answer = line(seconds);
+        while (answer && !answer->starts_with("[cmd] ")) answer = line(seconds);
+        return answer;
+    }
     /// A file below its home as JSON.
     nlohmann::json file(const std::string& name) const {
         std::ifstream in(home / name);
@@ -103,7 +110,8 @@ class RunningProgram {
                                                   const std::vector<std::pair<std::string, std::string>>& variables) {
         std::vector<std::string> settings{"HOME=" + home.string()};
         // of a name that is given twice the last one counts, and a program finds the first
-        for (auto at = variables.rbegin(); at != variables.rend(); ++at) settings.push_back(at->first + "=" + at->second);
+        for (auto at = variables.rbegin(); at != variables.rend(); ++at)
+            settings.push_back(at->first + "=" + at->second);
         for (char** at = environ; *at; ++at) {
             const std::string_view setting = *at;
             if (!setting.starts_with("XDG_") && !setting.starts_with("VMR_") && !setting.starts_with("HOME="))

@@ -17,10 +17,7 @@ std::vector<Told> tradeAndKill(RunningProgram& process, double seconds, double& 
     std::vector<Told> told;
     double end = clock.monotonic() + 30;
     while (clock.monotonic() < end) {
-        process.say(told.size() % 2 ? "order NQ sell market 1" : "order NQ buy market 1");
-        std::optional<std::string> answer;
-        while ((answer = process.line(5)) && !answer->starts_with("[cmd] ")) {
-        }
+        const auto answer = process.ask(told.size() % 2 ? "order NQ sell market 1" : "order NQ buy market 1", 5);
         if (!answer) return {};
         if (const auto at = answer->find("balance "); at != std::string::npos) {
             if (told.empty()) end = clock.monotonic() + seconds;

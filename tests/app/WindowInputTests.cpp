@@ -106,9 +106,7 @@ class WindowInput : public testing::Test {
 
     // The state document as of now.
     const json& look() {
-        program_->say("state state.json");
-        while (const auto line = program_->line(30))
-            if (line->starts_with("[cmd] ok state")) break;
+        program_->ask("state state.json", 30);
         state_ = program_->file("state.json");
         EXPECT_TRUE(state_.is_object());
         return state_;

@@ -74,6 +74,7 @@ TEST_F(Watched, EverybodyHearsOfEachSteeringInOrderUntilTheyLetGo) {
 }
 
 TEST_F(Watched, WaitsForAMomentOnce) {
+    timer.after(3, note());  // replaced by the next
     timer.at(noon + 8, note());
     EXPECT_THAT(during(7), IsEmpty());
     time.setSpeed(0.25);

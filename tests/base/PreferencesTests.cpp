@@ -75,6 +75,7 @@ TEST_F(Stored, TwoOnOneFileLoseNothingButARaceForOneKey) {
     EXPECT_EQ(one.get("b"), std::nullopt) << "seen after the next write";
     one.flush();
     EXPECT_EQ(one.get("b"), "quote \" and é and \n");
+    EXPECT_EQ(one.get("a"), std::nullopt) << "removed by the other";
     for (const auto& [key, value] :
          {std::pair("a", std::optional<std::string>()), {"both", "two"}, {"c", ""}, {"text", "kept"}})
         EXPECT_EQ(later(key), value) << key;

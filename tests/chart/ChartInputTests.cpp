@@ -9,7 +9,7 @@
 #include "chart/TradingLinesLayer.h"
 #include "tests/chart/ChartScene.h"
 #include "tests/chart/FakeGlyphs.h"
-#include "tests/chart/PlayedTrading.h"
+#include "tests/support/PlayedTrading.h"
 
 namespace vmr::test {
 namespace {
@@ -92,6 +92,9 @@ TEST_F(InputTest, DragDecidesBetweenRulerAndChartAtEachStep) {
     EXPECT_NEAR(camera().yMinManual - low, 9 / height * whole * 0.66, 1e-6);
     input.mouseUp({width - 110, 309});
     EXPECT_FALSE(camera().autoY);
+    const double count = camera().visibleCount;
+    input.scrollWheel(3, 3, true, false);
+    EXPECT_EQ(camera().visibleCount, count) << "as far sideways as up is sideways";
     input.mouseDown({400, 400});
     input.doubleClick();
     EXPECT_TRUE(camera().autoY);
@@ -145,7 +148,7 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
     const double edge = LineMarks::closeMarkEdge(width);
     trading.shown = {PositionLine{-1, 21000},
                      {{id(1), 21040, true, 1, "LMT"}, {id(2), 21040, true, 1, "STP"}},
-                     {{id(1), "SL", 20980}, {id(1), "TP", 20980}}};
+                     {{id(1), "SL", 20980}, {id(1), "TP", 20980}, {id(2), "TP", 21080}}};
     const auto press = [&](ChartPoint from, double toPrice) {
         input.mouseDown(from);
         input.doubleClick();  // is nothing more on a line
@@ -159,6 +162,7 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
     const double first = camera().firstVisible, low = camera().yMinManual;
     EXPECT_THAT(press(below(21040, 6), 21060), ElementsAre("modify 1 21060", "modify 1 21061"));
     EXPECT_THAT(press(below(20980, -6), 20970), ElementsAre("leg 1 SL 20970", "leg 1 SL 20971"));
+    EXPECT_THAT(press(below(21080, 0), 21070), ElementsAre("leg 2 TP 21070", "leg 2 TP 21071"));
     input.mouseDown(below(21040, 1));
     input.mouseDragged(below(21040, -1));
     input.mouseUp(below(21040, -1));
@@ -218,6 +222,7 @@ TEST_F(InputTest, MenuOffersWhatThePriceAllows) {
     };
     EXPECT_THAT(texts(20950.3), ElementsAre("Buy 2 Limit @ 20950.25", "", "Sell 2 Stop @ 20950.25"));
     EXPECT_THAT(texts(21050), ElementsAre("Sell 2 Limit @ 21050", "", "Buy 2 Stop @ 21050"));
+    EXPECT_EQ(texts(21000).size(), 5U) << "at the last price everything can be ordered";
     trading.lastPrice.reset();
     trading.shown = {PositionLine{-3, 21000}, {{id(1), 21040, true, 1, "LMT"}}, {}};
     EXPECT_THAT(texts(21050),
@@ -238,6 +243,22 @@ TEST_F(InputTest, MenuOffersWhatThePriceAllows) {
     EXPECT_TRUE(input.orderMenu(at(width - 74, 21050)).empty());
     input.simRoot.clear();
     EXPECT_TRUE(input.orderMenu({400, 400}).empty());
+}
+
+TEST_F(InputTest, TheMenuTellsPricesToTheLastDigitOfTheirTick) {
+    trading.lastPrice = 500;
+    for (const auto& [tick, price, text] : {std::tuple(0.25, 100.0, "100"),
+                                            {0.25, 99.0, "99.00"},
+                                            {0.25, 110.5, "110.50"},
+                                            {0.005, 32.0, "32.00"},
+                                            {0.005, 32.005, "32.005"},
+                                            {1.0 / 32, 110.5, "110.50"},
+                                            {1.0 / 32, 110.03125, "110.03125"},
+                                            {1.0 / 3, 100 + 2.0 / 3, "100.67"}}) {
+        trading.tick = tick;
+        renderer.mirrorPrice(price - tick, price + tick);
+        EXPECT_EQ(input.orderMenu(at(400, price)).at(0).text, std::string("Buy 2 Limit @ ") + text);
+    }
 }
 
 TEST_F(InputTest, AClosedMarketTakesNoOrders) {

@@ -93,6 +93,8 @@ TEST_F(EdgeLayersTest, BarsOfAllSetsLieAtTheirEdgesInTheirOrder) {
         EXPECT_THAT(is, testing::Pointwise(testing::DoubleNear(1e-3), expected[i].places));
         EXPECT_EQ(box.color, Rgba8(expected[i].color));
     }
+    strikes[1] = gex(101, 0);
+    EXPECT_EQ(bars(step())[barVertices].color, Rgba8(expected[1].color)) << "a net of 0 shrinks as a positive one";
 }
 
 TEST_F(EdgeLayersTest, EasingTakesTheSameTimeAtEveryRateAndEnds) {
@@ -180,7 +182,8 @@ TEST_F(EdgeLayersTest, LabelsNameStrikesAndMarkKgsAndFlip) {
     };
     const auto top = "100.5  at 795 390, worth -10", kgs = "KGS at 795 378", below = "98  at 859 440, worth 5",
                dex = "98  at 131 440, from the left, worth 4";
-    EXPECT_THAT(labels(7), ElementsAre(top, kgs, below, "Gamma Flip at 859 428", dex));
+    for (const double flipAt : {7.0, 98.5})  // of equally near strikes the first
+        EXPECT_THAT(labels(flipAt), ElementsAre(top, kgs, below, "Gamma Flip at 859 428", dex));
     EXPECT_THAT(labels(1e5), ElementsAre(top, kgs, "Gamma Flip at 795 364", below, dex));
     EXPECT_THAT(labels(99.2), ElementsAre(top, kgs, below, dex)) << "the flip's strike has no bar";
     EXPECT_EQ(keyGammaStrike(std::vector{gex(1, 0, 3), gex(2, 3), gex(nan, 9)}), 1) << "the first of equals";

@@ -99,13 +99,16 @@ TEST(Markers, EachMinuteFindsItsBarInAnyOrderAndWhatHasNoPlaceIsLeftOut) {
     }
 }
 
-TEST(Markers, BubblesFadeByTheirRank) {
+TEST(Markers, BubblesFadeByTheirRankAndTrianglesGrowByTheirSize) {
     const std::vector<Candle> candles = bars(2);
     const std::vector<BubblePt> bubbles{
         {firstBarTime, 512, 0.5, true, 0}, {firstBarTime, 513, 0.5, true, 1}, {firstBarTime, 514, 0.5, true, 2}};
     std::vector<MarkerVertex> out;
-    Markers::build(out, {bubbles, {}, candles, 41.0, {}, {}});
-    ASSERT_EQ(out.size(), 3 * markerVertices);
+    const TrianglePt falling{firstBarTime, 512, -5, 10};
+    Markers::build(out, {bubbles, {&falling, 1}, candles, 41.0, {}, {}});
+    ASSERT_EQ(out.size(), 4 * markerVertices);
+    EXPECT_EQ(out[12].radius, 2 + 18 / 2);
+    EXPECT_EQ(out[12].shape(), MarkerShape::down);
     EXPECT_NEAR(out[4].alpha / out[0].alpha, 0.7, 1e-6);
     EXPECT_NEAR(out[8].alpha / out[0].alpha, 0.5, 1e-6);
 }

@@ -10,7 +10,7 @@
 #include "gpu/FrameRecorder.h"
 #include "support/gpu/RecordedFrames.h"
 #include "tests/chart/FakeGlyphs.h"
-#include "tests/chart/PlayedTrading.h"
+#include "tests/support/PlayedTrading.h"
 
 namespace vmr::test {
 namespace {

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "chart/CandleGeometry.h"
 #include "tests/chart/ChartScene.h"
 
 namespace vmr::test {
@@ -33,7 +34,7 @@ TEST_F(OverlayRibbonsTest, EachSeriesHasItsLookAndPlace) {
     const std::vector<OvPoint> points{{3, 21000}, {4, 21001}};
     series.vwapMain = series.vwapNY = series.vixLine = series.ema1 = series.ema2 = points;
     series.hfLine = {{3, 21000, true, 20990, 1}, {4, 20980, false, 20990, -1}};
-    series.secondCandles = {{3, 20999, 21003, 20990, 20995, 7000}};
+    series.secondCandles = {{3, 20999, 21003, 20990, 20995, 7000}, {4, 20995, 21003, 20990, 20999, 7000}};
     const OverlayLists& lists = make();
     const struct {
         float width;
@@ -53,7 +54,8 @@ TEST_F(OverlayRibbonsTest, EachSeriesHasItsLookAndPlace) {
     }
     EXPECT_EQ(lists.origin, (DataOrigin{9, candles.back().close}));
     EXPECT_EQ(lists.lines[0].pos[0], 3.0F - 9.0F);
-    EXPECT_TRUE(!lists.second.empty() && !lists.secondBorders.empty());
+    EXPECT_EQ(lists.second.size(), 2 * 3 * boxVertices) << "body and wicks of each";
+    EXPECT_EQ(lists.secondBorders.size(), CandleGeometry::outlineVertices) << "only falling ones are outlined";
     ASSERT_FALSE(lists.sessionLines.empty());
     EXPECT_EQ(lists.sessionLines[0].color.a, 128);
 }

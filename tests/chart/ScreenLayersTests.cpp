@@ -105,6 +105,11 @@ TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
     EXPECT_GT(seen, 15000U);
 }
 
+TEST(AxisScale, PriceStepsAreOneTwoOrFiveOfAPowerOfTen) {
+    for (const auto& [range, step] : {std::pair(14.0, 1.0), {15, 2}, {30, 5}, {69, 5}, {70, 10}})
+        EXPECT_EQ(AxisScale::priceTicks({0, 1, 100, 100 + range}, 500).step, step) << range;
+}
+
 TEST(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
     FrameRecorder gpu;
     RecordedFrames recorded;

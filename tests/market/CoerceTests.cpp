@@ -42,8 +42,7 @@ TEST(Coerce, ReadsEveryKindOfValue) {
         EXPECT_EQ(coerce::intv(*json, tally), row.intv) << row.json;
         EXPECT_EQ(tally.count(), row.repairs) << row.json;
     }
-    RepairTally tally, strict(true);
-    EXPECT_DEATH(coerce::intv(*Json::parse("-1e300"), strict), "velmora: fatal");
+    RepairTally tally;
     EXPECT_EQ(coerce::minuteInt(*Json::parse(R"("60.9")"), tally), 60) << "a marker's minute is cut from any number";
     EXPECT_EQ(coerce::minuteInt(*Json::parse(R"("nan")"), tally), nothing);
     EXPECT_EQ(tally.count(), 1u);

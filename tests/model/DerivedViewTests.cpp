@@ -43,9 +43,9 @@ TEST(HfpSample, TakesTheStrikesAroundTheSpotAndLastsHalfAnHour) {
     }
 
     std::deque<HfpSample> samples;
-    for (const double t : {0.0, 100.0, 50.0, 1900.0}) samples.push_back({t, 0, 0, {}, {}});
+    for (const double t : {0.0, 100.0, 50.0, 90.0, 1900.0}) samples.push_back({t, 0, 0, {}, {}});
     Hfp::trim(samples, 1890);
-    EXPECT_EQ(samples.size(), 2U);
+    EXPECT_EQ(samples.size(), 3U);
 }
 
 // June 2026: the 15th is a Monday.

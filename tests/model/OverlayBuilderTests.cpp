@@ -69,7 +69,7 @@ class Stream {
         ++sideRevision;
     }
     void addSides(const Candle& bar) {
-        if (pick(8) != 0) second.push_back({bar.time, bar.open / 4, bar.high / 4, bar.low / 4, bar.close / 4, 0});
+        if (pick(3) != 0) second.push_back({bar.time, bar.open / 4, bar.high / 4, bar.low / 4, bar.close / 4, 0});
         if (pick(8) != 0) vix.push_back({bar.time, pick(7) ? 18 + step() / 50 : 0, 0, 0, 18 + step() / 50, 0});
         if (pick(3) != 0) hf[bar.time].c = step() * 1e7;
     }

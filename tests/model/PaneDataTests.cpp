@@ -79,6 +79,14 @@ TEST_F(PaneData, ABurstCostsOneRebuildAndADragNone) {
     event("derived:srlevels:NQ", R"({"sessionOpenTs":1781042400,"up":[{"price":101}]})");
     time.advance(1);
     EXPECT_GT(lines(), before) << "new levels";
+    snapshot(pane.channels->secondaryChannel, flatBars(minute, 1));
+    time.advance(1);
+    rebuilds[1] = 0;
+    for (const std::int64_t t : {minute + 60, minute + 60, minute}) {  // opens a bar, changes it, is too old
+        pane.applySecondaryTrade(101, static_cast<double>(t) * 1000);
+        time.advance(1);
+    }
+    EXPECT_EQ(rebuilds[1], 2u);
     chart.dragged = true;
     EXPECT_THAT(rebuildsOf(50, minute + 120), ElementsAre(1, 0, 0));
     chart.dragged = false;
@@ -123,8 +131,16 @@ TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSe
     EXPECT_TRUE(pane.hfp.samples.empty());
 }
 
-TEST_F(PaneData, ALaterFlipStrikeReachesTheChartByItself) {
+TEST_F(PaneData, ALaterVolatilityBarOrFlipStrikeReachesTheChartByItself) {
     AppModel& pane = openSymbol("NQ");
+    snapshot("futures:NQM6", flatBars(minute - 60, 2, 24600));
+    snapshot("indices:I:VIX", flatBars(minute - 60, 2, 17));
+    time.advance(1);
+    const std::vector<OvPoint> first = pane.chartContent().overlays->vixLine;
+    EXPECT_EQ(first.size(), 2u);
+    event("indices:I:VIX:1m", flatBars(minute, 1, 18));
+    time.advance(1);
+    EXPECT_NE(pane.chartContent().overlays->vixLine, first);
     event("derived:QQQ", R"({"gammaFlipStrike":600,"gexByStrike":[{"strike":600}]})");
     StillChart chart;
     pane.setChartPort(&chart);

@@ -75,6 +75,23 @@ TEST_F(PaneSessions, ARefusedTokenEndsItsOwnSessionAlone) {
     }
 }
 
+// Two panes have one sign-in.
+TEST_F(PaneSessions, ATokenThatTheRelayRefusesIsRefreshedOnceForAllPanes) {
+    openSymbol("NQ");
+    AppModel other(surroundings());
+    other.startStoredSession();
+    time.runUntilIdle();
+    const auto requests = http.requests.size();
+    for (const std::size_t i : {0, 1}) {
+        sockets.at(i).refuse(i == 0 ? 401 : 403);
+        time.advance(1.1);
+        ASSERT_EQ(sockets.count(), i + 3);
+        EXPECT_THAT(sockets.at(i).url, testing::EndsWith("token=id1"));
+        EXPECT_THAT(sockets.last().url, testing::EndsWith("token=id2"));
+        EXPECT_EQ(http.requests.size(), requests + 1);
+    }
+}
+
 TEST_F(PaneSessions, AShutDownPaneStaysDownAndHearsNothing) {
     openSymbol("NQ");
     snapshot("futures:NQM6", flatBars(minute, 1));

@@ -15,15 +15,16 @@ using PaneStates = PaneFixture;
 TEST_F(PaneStates, TheCatalogReplacesTheBuiltInTables) {
     openSymbol("NQ");
     event("meta:instruments", R"({"catalog":{"futures":[
-        {"sym":"SI","sources":["SLV","XAG"],"defaultSource":"XAG","pair":"GC","tick":"0.005","tickValue":25,"hfScale":3},
+        {"sym":"SI","sources":["SLV","SIX","XAG"],"defaultSource":"XAG","pair":"GC","tick":"0.005","tickValue":25,"hfScale":3},
         {"sym":"NQ","sources":["QQQ"]}, {"sym":"ES","pair":7,"tick":"x","sources":"SPY"}, {"sym":5}, 7],
         "stocks":[{"sym":"NFLX","hfScale":"0.5"},{"sym":"A\u001bMD"},{"sym":""},"IBM"]}})");
     event("meta:instruments", R"({"catalog":{"futures":[{"sym":1}],"stocks":[]}})");  // empty lists change nothing
     EXPECT_THAT(model->catalog.catFutures.get(),
-                ElementsAre(CatalogFut{"SI", {"SLV", "XAG"}, "XAG", "GC", 0.005, 25, 3},
+                ElementsAre(CatalogFut{"SI", {"SLV", "SIX", "XAG"}, "XAG", "GC", 0.005, 25, 3},
                             CatalogFut{"NQ", {"QQQ"}, "QQQ", std::nullopt, 0.25, 5, 1},
                             CatalogFut{"ES", {}, "ES", std::nullopt, 0.25, 5, 1}));
     EXPECT_EQ(model->catalog.stockList().at(1), "A\\x1bMD") << "menus show no control characters";
+    EXPECT_EQ(model->catalog.indexSourceFor("SI"), "SIX") << "the second of its sources";
     EXPECT_EQ(model->catalog.pairFor("NQ"), std::nullopt) << "the catalog's entry has no pair";
     const std::pair<const char*, const char*> charts[] = {{"SI", "futures:SI derived:XAG"},
                                                           {"AAPL", "futures:SI derived:XAG"},  // no stock any more

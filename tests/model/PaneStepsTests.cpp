@@ -200,6 +200,9 @@ TEST_F(PaneSteps, RollsToItsContract) {
         "hfp=1 records; oscLines=1 minutes; gex3D=surface; vwapMain=2 records; vixLine=2 records; "
         "hfLine=1 records; secondCandles=2 records"))
         << "the rest stands there from the contract before";
+    model->openChart("futures:NQZ6", "");
+    event("meta:contracts", R"({"map":)" + map + "}");
+    EXPECT_EQ(model->channels->chartChannel, "futures:NQZ6") << "nothing rolls where the map says the same again";
 }
 
 TEST_F(PaneSteps, FollowsTheExpirationThatIsPicked) {
@@ -334,6 +337,7 @@ TEST_F(PaneSteps, EveryChartHasItsChannels) {
     } cases[] = {
         {"NQ", "ETF", "NQ_QQQ", 2e-7, chart("futures:NQM6", "QQQ") + es + sr + "NQ"},
         {"CL", "ETF", "CL_USO", 5e-6, chart("futures:CLN6", "USO") + sr + "CL"},
+        {"YM", "ETF", "YM_DIA", 1e-4, chart("futures:YMM6", "DIA") + sr + "YM"},
         {"META", "ETF", "META", 2e-7, chart("stocks:META", "META")},
         {"ES", "INDEX", "ES_SPX", 2.5e-7, chart("futures:ESM6", "SPX") + nq + sr + "ES"},
         {"RTY", "INDEX", "RTY_RUT", 5e-7, chart("futures:RTYM6", "RUT") + sr + "RTY"},

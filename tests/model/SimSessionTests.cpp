@@ -98,6 +98,9 @@ class SimPane : public PaneFixture {
 };
 
 TEST_F(SimPane, AnOldContractsPricesReachNoOrder) {
+    engine.watch(this, "ES", "ESM6");
+    engine.onTrade("ES", 50);
+    engine.watch(this, "", "");
     openSymbol("NQ");
     const auto showOld = [&] {
         snapshot("futures:NQM6", flatBars(minute - 120, 3, 90));
@@ -107,6 +110,7 @@ TEST_F(SimPane, AnOldContractsPricesReachNoOrder) {
     showOld();
     EXPECT_EQ(fills(), 1u) << "which contract is the front one is not known yet";
     event("meta:contracts", R"({"map":{"NQ":"NQU6","ES":"ESU6"}})");
+    EXPECT_EQ(engine.last("ES"), std::nullopt) << "a root that no pane shows rolls, too";
     showOld();
     snapshot("futures:NQU6", flatBars(minute - 120, 3, 101));
     event("futures:NQU6:quote", R"({"bid":101,"ask":101.25})");
@@ -128,12 +132,18 @@ TEST_F(SimPane, AnOldContractsPricesReachNoOrder) {
 }
 
 TEST_F(SimPane, WithoutTheContractsTheBuiltInOneCountsAfterTwoSeconds) {
-    openSymbol("NQ");
-    snapshot("futures:NQM6", flatBars(minute - 120, 3, 90));
+    openSymbol("ES");
+    snapshot("futures:ESM6", flatBars(minute - 120, 3, 50));
+    model->switchSymbol("NQ");
+    for (const double price : {90, 91}) snapshot("futures:NQM6", flatBars(minute - 120, 3, price));
     for (const bool known : {false, true}) {
         time.advance(known ? 0.2 : 1.9);
         EXPECT_EQ(engine.last("NQ").has_value(), known);
     }
+    EXPECT_EQ(engine.last("NQ"), 90) << "a seed is the first price";
+    EXPECT_EQ(engine.last("ES"), std::nullopt) << "of a chart that has gone";
+    time.advance(15.1);
+    EXPECT_TRUE(engine.stalePrice("NQ")) << "though the bar lasts longer";
 }
 
 TEST_F(SimPane, ThePaneShowsTheAccountsProblemForAsLongAsItLasts) {

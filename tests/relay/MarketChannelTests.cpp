@@ -67,6 +67,8 @@ TEST(MarketChannel, EveryContractAndSymbolGetsItsTradesQuotesAndBars) {
                                                                            to)[0]["ts"];  // who joins at a trade has it
     bench.hub.subscribe(one, {"futures:ESM6:trades", "futures:ESM6:quote"}, from);
     bench.hub.subscribe(two, {"futures:ESZ6:trades", "stocks:TSLA:trades", "stocks:TSLA:1m"}, from);
+    bench.hub.subscribe(two, {"futures:ESM6:trades"}, from);
+    bench.hub.unsubscribe(two, {"futures:ESM6:trades"});  // the other goes on
     for (std::int64_t now = from; now <= to; now += 700) {
         bench.hub.tick(now);
         bench.hub.tick(now);
@@ -86,6 +88,17 @@ TEST(MarketChannel, EveryContractAndSymbolGetsItsTradesQuotesAndBars) {
     const Candle& closed = ledger[ledger.size() - 2];
     EXPECT_EQ(bars[1]["payload"]["ts"], closed.time * 1000);
     EXPECT_EQ(bars[1]["payload"]["v"], closed.volume);
+}
+
+TEST(ChannelHub, ASubscriberHoldsSoManyChannelsAndOneAgainIsNoMore) {
+    MarketBench bench;
+    Inbox inbox;
+    Names names;
+    for (std::size_t i = 0; i <= ChannelHub::mostChannels; ++i)
+        names.push_back("futures:NQM" + std::to_string(2000 + i) + ":quote");
+    const std::int64_t now = ms("2026-06-10T10:00");
+    EXPECT_EQ(bench.hub.subscribe(inbox, Names(names.begin(), names.end() - 2), now), Names{});
+    EXPECT_EQ(bench.hub.subscribe(inbox, names, now), Names{names.back()});
 }
 
 TEST(FrontMonth, RollsOnItsDay) {

@@ -106,6 +106,28 @@ TEST(OptionChain, ExposuresAreThoseOfOneModel) {
     EXPECT_NEAR(static_cast<double>(total.putHf), flow.put, 2000);
 }
 
+// In its last 20 minutes an option's gamma changes no more.
+TEST(OptionChain, ExpirationsEndAtFourAlsoAcrossAClockChange) {
+    DerivedBench bench;
+    const OptionSource& source = *findOptionSource("SPX");
+    const auto ms = [](const std::string& moment) { return static_cast<std::int64_t>(*parseMoment(moment)) * 1000; };
+    for (const auto& [friday, monday] : {std::pair<std::string, std::string>("2026-06-05", "2026-06-08"),
+                                         {"2026-10-30", "2026-11-02"},
+                                         {"2026-03-06", "2026-03-09"}}) {
+        const std::int64_t now = ms(friday + "T10:00");
+        const MarketSession& session = *bench.market.session(source.instrument(), now / 1000, now);
+        const OptionChain& chain = bench.chains.chain(source, session);
+        ASSERT_EQ(chain.expirations().at(1), monday);
+        const auto gammaAt = [&](const char* time) {
+            ChainState state;
+            chain.state(session.open, ms(monday + time), {}, state);
+            return totalOf(state.byExpiration[1]).callGex;
+        };
+        EXPECT_NE(gammaAt("T15:30"), gammaAt("T15:41")) << monday;
+        EXPECT_EQ(gammaAt("T15:41"), gammaAt("T16:00")) << monday;
+    }
+}
+
 TEST(OptionChain, ExpirationsKeepTheExchangesHolidays) {
     DerivedBench bench;
     const std::tuple<const char*, const char*, std::vector<std::string>> cases[] = {

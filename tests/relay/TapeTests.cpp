@@ -26,6 +26,7 @@ const char* const sample =
     "2013-10-07T12:00:00.250Z,1313.7,2,usa\r\n"
     "2013-10-07T12:00:00.250Z,1313.5,1,usa\r\n"
     "2013-10-07T12:00:59.999Z,1313.9,0,usa\r\n"
+    "2013-10-07T12:00:59.999Z,1313.9,1,usa\r\n"
     "\r\n"
     "2013-10-07T12:01:00.000Z,,4,usa\r\n";
 
@@ -41,10 +42,11 @@ TEST(Tape, ItsBarsAreThoseOfItsTradesInOrderPlainAndPacked) {
         ASSERT_TRUE(tape) << error;
         std::vector<Trade> trades;
         tape->minuteTrades(noon, trades);
-        ASSERT_EQ(trades.size(), 3u);
+        ASSERT_EQ(trades.size(), 4u);
         EXPECT_EQ(trades[1].bid, 1313.5);
         EXPECT_EQ(trades[2].ask, 1313.9);
-        const std::vector<Candle> bars{{noon, 1313.7, 1313.9, 1313.5, 1313.9, 3},
+        EXPECT_EQ(trades[3].ask, 1313.9) << "at the same price on the same side";
+        const std::vector<Candle> bars{{noon, 1313.7, 1313.9, 1313.5, 1313.9, 4},
                                        {noon + 180, 1314.05, 1314.05, 1314.05, 1314.05, 5}};
         EXPECT_EQ(BarBook(*tape).upTo((noon + 3600) * 1000), bars);
         EXPECT_EQ(BarBook(*tape).upTo(noon * 1000 + 250).back(), (Candle{noon, 1313.7, 1313.7, 1313.5, 1313.5, 3}));

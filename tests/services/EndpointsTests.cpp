@@ -34,7 +34,12 @@ TEST(Endpoints, TheEnvironmentComesOverTheBuiltInValues) {
     EXPECT_EQ(all("http://127.0.0.1:4001//").identityUrl, "http://127.0.0.1:4001");
     EXPECT_EQ(all("").identityUrl, Endpoints().identityUrl);
     EXPECT_EQ(all("").problem(), std::nullopt);
-    EXPECT_THAT(all("ws://relay.test/").problem().value_or(""), testing::StartsWith("VMR_RELAY_URL"));
+    for (const std::string name : {"VMR_RELAY_URL", "VMR_IDENTITY_URL", "VMR_SECURETOKEN_URL", "VMR_FUNCTIONS_URL",
+                                   "VMR_FIRESTORE_URL", "VMR_DOWNLOADS_URL"}) {
+        const auto one = Endpoints::fromEnvironment(
+            [&](const char* asked) { return asked == name ? std::optional("ws://relay.test/") : std::nullopt; });
+        EXPECT_THAT(one.problem().value_or(""), testing::StartsWith(name));
+    }
     EXPECT_THAT(all("wss://relay.test/").problem().value_or(""), testing::StartsWith("VMR_IDENTITY_URL"));
 }
 

@@ -160,6 +160,9 @@ TEST_F(RelayConnection, OnlyAConnectThatHangsIsLeftAndNotAServerThatNeverGreets)
     sockets.last().accept();
     time.advance(7200);
     EXPECT_FALSE(sockets.last().gone());
+    frame(R"({"type":"hello"})");
+    time.advance(10);
+    EXPECT_FALSE(sockets.last().gone()) << "silence counts from the greeting";
 }
 
 TEST_F(RelayConnection, LateEventsOfAReplacedOrDroppedSocketChangeNothing) {

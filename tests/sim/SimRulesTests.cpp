@@ -49,6 +49,9 @@ TEST(SimMatching, EachTypeFillsWhereItsRuleSays) {
          "0@0 | works sell 1 limit 106 | fills buy 1 100.125, sell 1 105"},
         {"entry is refused in a closed market, fills are not", "trade 101; buy 1 limit=100; closed; buy 1; trade 99",
          "1@100 | fills buy 1 100 | refuses buy"},
+        {"a stop-limit rests as a plain limit once its stop is reached",
+         "trade 100; buy 1 stop=101 limit=100.5; sell 2 stop=99 limit=99.5; trade 101; trade 99",
+         "1@100.5 | works sell 2 limit 99.5 | fills buy 1 100.5"},
         {"bad orders", "trade 100; buy 0; buy -3; buy 1 limit=nan; sell 1 stop=inf; root ZZ; trade 1; buy 1",
          "none | refuses buy buy buy sell buy"},
         {"what is not a market is ignored as a whole",
@@ -87,6 +90,8 @@ TEST(SimContracts, PricesGoWithTheirContract) {
          "1@100.125 | fills buy 1 100.125"},
         {"the contract that is left counts", "open 1 NQM6; open 2 NQU6; trade 100; leave 2; buy 1",
          "none | refuses buy"},
+        {"a pane that leaves takes no price of another root with it",
+         "root ES; open 1 ESM6; root NQ; open 2 NQM6; trade 100; leave 2; buy 1", "1@100.125 | fills buy 1 100.125"},
         {"a root that is shown rolls with its chart, any other at once",
          "open 1 NQM6; trade 100; roll NQU6; buy 1; leave 1; roll NQM6; buy 1; roll NQU6; buy 1",
          "2@100.125 | fills buy 1 100.125, buy 1 100.125 | refuses buy"},
@@ -103,6 +108,7 @@ TEST(SimContracts, OldPricesAreSaid) {
                                       {"open 1 NQM6; trade 100; wait 3; offline 1", 3},
                                       {"open 1 NQM6; trade 100; open 2 NQM6; offline 1", -1},
                                       {"open 1 NQM6; trade 100; wait 3; leave 1", 3},
+                                      {"open 1 NQM6; open 2 NQU6; trade 100; wait 3; offline 2", 3},
                                       {"open 1 NQM6; trade 100; closed", -1},
                                       {"open 1 NQM6; trade 100; wait 16; open 1 NQU6", -1}}) {
         Account account;
@@ -148,9 +154,10 @@ TEST(SimBrackets, LegsFollowThePosition) {
          "2@102.5 | works sell 2 stop 95 SL >1, sell 2 limit 125 TP >0 | fills buy 1 100, buy 1 105"},
         {"protect links both ways, on the grid", "quote 99.75 100; buy 2; protect TP 104.1; protect SL 95.2",
          "2@100 | works sell 2 limit 104 TP >1, sell 2 stop 95.25 SL >0 | fills buy 2 100"},
-        {"protect leaves another root's orders",
-         "quote 99.75 100; buy 1 sl=4; root ES; quote 49.75 50; buy 1; protect SL 45",
-         "1@50 | works sell 1 stop 99 SL, sell 1 stop 45 SL | fills buy 1 100, buy 1 50"},
+        {"protect and a later fill leave another root's legs",
+         "quote 99.75 100; buy 1 sl=4; root ES; quote 49.75 50; buy 1; protect SL 45; protect TP 55; buy 2",
+         "3@50 | works sell 1 stop 99 SL, sell 3 stop 45 SL >2, sell 3 limit 55 TP >1 | fills buy 1 100, buy 1 50, "
+         "buy 2 50"},
         {"a leg of no ticks is none", "quote 99.75 100; buy 1 sl=0 tp=0", "1@100 | fills buy 1 100"},
         {"protect refuses", "trade 100; protect SL 90; buy 1; protect XX 90; protect SL 0; protect SL nan",
          "1@100.125 | fills buy 1 100.125 | refuses protect protect protect protect"},
@@ -167,8 +174,8 @@ TEST(SimBrackets, LegsFollowThePosition) {
         {"cancelAll is for one root", "trade 100; buy 1 limit=90; root ES; trade 9; buy 1 limit=8; cancelAll",
          "none | works buy 1 limit 90"},
         {"a planned leg is whole ticks away, at least 1, on its own side",
-         "trade 101; buy 1 limit=100 tp=8; leg 0 SL 103.1; leg 0 TP 100; sell 1 stop=90 sl=4; leg 1 SL 95",
-         "none | works buy 1 limit 100 [12/1], sell 1 stop 90 [20/-]"},
+         "trade 101; buy 1 limit=100 tp=8; leg 0 SL 103.1; leg 0 TP 100; sell 1 stop=90 sl=4 tp=2; leg 1 SL 95",
+         "none | works buy 1 limit 100 [97/100.25], sell 1 stop 90 [95/89.5]"},
     };
     for (const Rule& rule : rules) check(rule);
 }
@@ -184,6 +191,13 @@ TEST(SimAccounting, OpenResultsAndTheDay) {
     EXPECT_EQ(at.engine.dayPnL(), 40 - 5);
     at.time.advance(2 * 86400);
     EXPECT_EQ(at.engine.dayPnL(), 40) << "a trade of another day";
+    for (std::size_t i = 0; i <= SimEngine::maxTrades; ++i) at.script.run("buy 1; sell 1");
+    EXPECT_EQ(at.engine.fills().size(), SimEngine::maxFills);
+    EXPECT_EQ(at.engine.trades().size(), SimEngine::maxTrades);
+    int told = 0;
+    const auto link = at.engine.changed.connect([&](SimEngine::Field) { ++told; });
+    at.script.run("reset 7");
+    EXPECT_EQ(told, 6) << "balances, positions, orders, fills and trades";
 }
 
 TEST(SimAccounting, TheDayIsTheMachinesOwn) {

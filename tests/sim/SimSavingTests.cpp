@@ -159,8 +159,10 @@ TEST_F(SimSaving, AnUndecodableFileIsKeptAndTheAccountStartsAnew) {
         time.advance(5);
         EXPECT_EQ(readFile(file()), bad) << "nothing is touched before there is something to save";
         const std::string kept = file().string() + ".bad-" + std::to_string(static_cast<long>(time.now()) + 1);
+        ASSERT_EQ(replaceFile(kept, "earlier"), std::nullopt);
         run(*sim, "reset 7; wait 1");
-        EXPECT_EQ(readFile(kept), bad);
+        EXPECT_EQ(readFile(kept), "earlier");
+        EXPECT_EQ(readFile(kept + "-2"), bad);
         EXPECT_EQ(saved().balance, 7);
         EXPECT_FALSE(sim->problem()) << "it is over";
     }

@@ -36,6 +36,7 @@ class SimScript {
         }
         return *this;
     }
+    /// A working entry's planned legs are given by their prices, [SL/TP].
     /// "POSITION", and " | works ORDERS", " | fills FILLS" (oldest first), " | refuses COMMANDS" where there are any.
     std::string outcome() const {
         const auto found = engine.positions().find(root);
@@ -47,8 +48,10 @@ class SimScript {
             if (order.stopPrice) works += " stop " + doubleText(*order.stopPrice);
             if (order.limitPrice) works += " limit " + doubleText(*order.limitPrice);
             if (!order.tag.empty()) works += " " + order.tag;
-            if (order.bracket)
-                works += " [" + ticks(order.bracket->slTicks) + "/" + ticks(order.bracket->tpTicks) + "]";
+            if (order.bracket) {
+                const auto legs = engine.projectedBracket(order);
+                works += " [" + priceText(legs.sl) + "/" + priceText(legs.tp) + "]";
+            }
             if (order.ocoId) works += " >" + place(*order.ocoId);
         }
         for (auto fill = engine.fills().rbegin(); fill != engine.fills().rend(); ++fill)
@@ -61,7 +64,7 @@ class SimScript {
     static std::string word(sim::Side side, std::int64_t qty) {
         return (side == sim::Side::buy ? "buy " : "sell ") + std::to_string(qty);
     }
-    static std::string ticks(std::optional<std::int64_t> count) { return count ? std::to_string(*count) : "-"; }
+    static std::string priceText(std::optional<double> price) { return price ? doubleText(*price) : "-"; }
     std::string place(const Uuid& id) const {
         for (std::size_t i = 0; i < engine.orders().size(); ++i)
             if (engine.orders()[i].id == id) return std::to_string(i);

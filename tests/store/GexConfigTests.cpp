@@ -98,7 +98,7 @@ TEST(GexConfig, LimitsFourFieldsAndNoOthers) {
         return std::array{config.simBalance, config.simCommission, config.oscHeight};
     };
     EXPECT_EQ(limited("5", "-1", "50"), (std::array{1000.0, 0.0, 100.0}));
-    EXPECT_EQ(limited("20000000", "100", "1000"), (std::array{20000000.0, 50.0, 400.0}));
+    EXPECT_EQ(limited("20000000", "50.05", "400.5"), (std::array{20000000.0, 50.0, 400.0}));
     EXPECT_EQ(read(R"({"lineOpacity":-1000})").lineOpacity, -1000);
     EXPECT_TRUE(read(R"({"hfScaleBySymbol":{"NQ":1,"ES":"x"}})").hfScaleBySymbol.empty());
     GexConfig odd;  // one field each, which the decoder itself would fail the record for

@@ -147,7 +147,7 @@ TEST_F(ChartItemInput, AMenuAndADragEndWithTheirChart) {
     ASSERT_TRUE(runUntil([&] { return ui.menuShown(); }));
     ui.source.openChart(syntheticBars(900));
     chart->chooseOrder(0);  // before any frame, and though the other chart trades the same root
-    EXPECT_TRUE(ui.account.asked.empty());
+    EXPECT_TRUE(ui.account.done.empty());
     EXPECT_TRUE(runUntil([&] { return !ui.menuShown(); }));
     EXPECT_TRUE(chart->orderMenu().isEmpty());
     ASSERT_TRUE(ui.settle());
@@ -253,6 +253,21 @@ TEST(Views, SignInByKeyboardAlone) {
     EXPECT_EQ(ui.item("error")->property("text").toString(), fields.authError);
     press(Qt::Key_Enter);
     EXPECT_EQ(calls.size(), 2) << "ready for another try";
+}
+
+TEST(Views, ARefusedConfigurationIsShownInBothStages) {
+    UiWindow ui(QSize(1000, 580), {.setupProblem = "The relay's address is refused."});
+    for (const bool entered : {false, true}) {
+        auto fields = ui.view.session.state();
+        fields.entered = entered;
+        ui.view.session.set(fields);
+        const char* const stage = entered ? "chartPane" : "signInForm";
+        ASSERT_TRUE(runUntil([&] { return ui.item(stage) != nullptr; }));
+        const auto* notice = ui.item(stage)->findChild<QQuickItem*>("setupNotice");
+        ASSERT_NE(notice, nullptr) << stage;
+        EXPECT_TRUE(notice->isVisible()) << stage;
+        EXPECT_EQ(notice->property("text").toString(), fields.setupProblem) << stage;
+    }
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ class PaneBindingTest : public PaneFixture {
     void SetUp() override {
         openSymbol("NQ");
         snapshot(model->channels->chartChannel, flatBars(minute - 600, 11));
-        binding = std::make_unique<PaneBinding>(*model, view, main, "", "");
+        binding = std::make_unique<PaneBinding>(*model, view, main, "no relay", "");
         count(session, &view.session, &SessionViewModel::enteredChanged, &SessionViewModel::signInChanged,
               &SessionViewModel::setupChanged, &SessionViewModel::userEmailChanged,
               &SessionViewModel::connectionChanged, &SessionViewModel::statusChanged);
@@ -51,6 +51,7 @@ class PaneBindingTest : public PaneFixture {
 TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_EQ(view.toolbar.symbol(), "NQ");
     EXPECT_TRUE(view.session.connected());
+    EXPECT_TRUE(view.session.entered() && view.session.setupProblem() == "no relay");
     EXPECT_FALSE(view.chart.empty());
 
     model->notices.accountProblem = "not saved";

@@ -16,6 +16,7 @@
 #include "services/cloud/FirebaseRESTAuth.h"
 #include "services/net/BeastWebSocket.h"
 #include "services/net/CurlHttpClient.h"
+#include "sim/SimEngine.h"
 #include "workspace/PaneHost.h"
 
 namespace vmr::test {
@@ -30,7 +31,8 @@ class LivePanes : public testing::Test {
         endpoints.identityUrl = endpoints.secureTokenUrl = relay.restUrl();
         auth = std::make_unique<FirebaseRESTAuth>(endpoints, http, preferences, clock);
         host = std::make_unique<PaneHost>(
-            PaneSurroundings{clock, loop, preferences, *auth, session, ids, scales, {}, [](const std::string&) {}, {}},
+            PaneSurroundings{
+                clock, loop, preferences, *auth, session, ids, scales, {}, [](const std::string&) {}, {}, &sim},
             [this](AsioLoop& queue) {
                 return std::make_unique<RelayClient>(endpoints.relayUrl, makeBeastWebSockets(queue), queue, loop,
                                                      clock);
@@ -72,6 +74,7 @@ class LivePanes : public testing::Test {
     UuidSource ids{1};
     HfScales scales;
     std::unique_ptr<FirebaseRESTAuth> auth;
+    SimEngine sim{SimSetup{clock, session, UuidSource(2), nullptr, nullptr, nullptr, {}, {}}};
     std::unique_ptr<PaneHost> host;
 };
 

@@ -124,11 +124,15 @@ TEST_F(PaneHostLife, AClockThatIsSetBackOpensEveryChartAnew) {
         bars(pane).erase(bars(pane).begin(), bars(pane).begin() + 100);  // the oldest give way to new ones
         bars(pane).insert(bars(pane).begin(), mark);
     }
+    sim.onTrade("GC", 4100);  // roots that no pane shows
+    sim.onQuote("CL", 60, 60.01);
+    const auto pricesKept = [&] { return sim.last("GC") || sim.quote("CL"); };
     clock.setNow(clock.now() + 30);
     runUntil([] { return false; }, 0.1);
-    EXPECT_TRUE(marked(1) && marked(2));
+    EXPECT_TRUE(marked(1) && marked(2) && pricesKept());
     clock.setNow(clock.now() - 7200);
     EXPECT_TRUE(runUntil([&] { return streaming(1) && streaming(2) && !marked(1) && !marked(2); }));
+    EXPECT_FALSE(pricesKept()) << "they are the future's";
 }
 
 TEST_F(PaneHostLife, PanesShareTheSessionAndTheShownOneStays) {

@@ -34,7 +34,6 @@ class Shell : public LivePanes {
 
     std::vector<std::string> answers;
     bool quitting = false;
-    SimEngine sim{SimSetup{clock, session, UuidSource(2), nullptr, nullptr, nullptr, {}, {}}};
     ShellCommands commands{surroundings()};
 };
 
@@ -92,6 +91,8 @@ TEST_F(Shell, TellsWhyAnOrderIsRefusedAndOnWhatPriceItFilled) {
     EXPECT_EQ(sim.orders().size(), 2u);
     sim.watch(this, "NQ", "NQM6");
     EXPECT_TRUE(say("sim").ends_with("SL"));
+    const std::string first = sim.orders().front().id.text();
+    EXPECT_EQ(say("cancel " + first), "ok gone " + first);
 }
 
 TEST_F(Shell, SpeaksToEveryPane) {

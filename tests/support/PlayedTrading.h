@@ -1,6 +1,7 @@
 // A paper account that shows what a test gives it and notes what is asked of it.
 #pragma once
 
+#include <cmath>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -10,10 +11,11 @@
 
 namespace vmr::test {
 
-struct PlayedTrading final : ChartTrading {
+struct PlayedTrading : ChartTrading {
     TradingLines shown;
     std::optional<double> lastPrice = 21000.0;
     std::optional<double> staleAge;
+    double tick = 0.25;
     std::vector<std::string> done;
 
     template <class... Parts>
@@ -28,7 +30,7 @@ struct PlayedTrading final : ChartTrading {
     std::optional<double> last(const std::string&) const override { return lastPrice; }
     std::optional<double> stalePrice(const std::string&) const override { return staleAge; }
     std::int64_t ticketQty() const override { return 2; }
-    double roundTick(const std::string&, double price) const override { return std::round(price * 4) / 4; }
+    double roundTick(const std::string&, double price) const override { return std::round(price / tick) * tick; }
     void place(const std::string& root, std::string_view side, std::string_view type, double price) override {
         note("place", root, side, type, price);
     }
