@@ -157,6 +157,12 @@ void FrameItem::glyphsMoved() {
     joinFrame();
 }
 
+std::optional<Rgba8> FrameItem::groundUnder() const {
+    const QColor color = window()->color();
+    if (!onBareWindow_ || color.alpha() != 255) return std::nullopt;
+    return Rgba8(Rgba{color.redF(), color.greenF(), color.blueF(), 1.0F});
+}
+
 // On the render thread with the main thread blocked, or on the main thread.
 QSGNode* FrameItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     const auto report = [self = QPointer<FrameItem>(this)](const QString& problem) {
@@ -182,6 +188,7 @@ QSGNode* FrameItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node->uploadedBytes = uploadedBytes_;
     }
     node->setItemSize(size());
+    node->replay().setGround(groundUnder());
     const bool given = pump_.handOver() && node->replay().takeFrame(gpu_);
     if (given) {
         follower_->handedOver(pump_.frame());

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "base/Clock.h"
 #include "gpu/CalmPace.h"
@@ -24,11 +25,15 @@ class WindowFrames;
 /// main thread while the window polishes its items, and shown through a render node; `FramePump` paces it. Main thread
 /// but where noted.
 ///
+/// `onBareWindow` says that nothing lies between the plot and the window's own colour, so that a plot of the same
+/// colour need not paint it again.
+///
 /// A subclass records, and asks for a frame when what it shows has changed; the rest is done here, a hidden window, a
 /// lost graphics device and another size included.
 class FrameItem : public QQuickItem {
     Q_OBJECT
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
+    Q_PROPERTY(bool onBareWindow MEMBER onBareWindow_)
 
  public:
     explicit FrameItem(QQuickItem* parent = nullptr);
@@ -98,6 +103,7 @@ class FrameItem : public QQuickItem {
     void enterWindow(QQuickWindow* window);
     void updateOnScreen();
     bool recordOnce();
+    std::optional<Rgba8> groundUnder() const;
     double calmWait() const;
     void swapped();
     void timeGate();
@@ -115,6 +121,7 @@ class FrameItem : public QQuickItem {
     Perf* perf_ = nullptr;
     QString problem_;
     bool onScreen_ = false;
+    bool onBareWindow_ = false;
     unsigned recordedGlyphs_ = 0;  ///< generation that the last frame was drawn with
     int joinedForGlyphs_ = 0;      ///< times since the last hand-over
     double recordedAt_ = 0;        ///< seconds, monotonic
