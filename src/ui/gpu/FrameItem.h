@@ -13,6 +13,7 @@
 #include "gpu/CalmPace.h"
 #include "gpu/FramePump.h"
 #include "gpu/FrameRecorder.h"
+#include "gpu/ScreenPace.h"
 #include "ui/gpu/FrameFollower.h"
 #include "ui/gpu/SharedGlyphs.h"
 
@@ -45,7 +46,7 @@ class FrameItem : public QQuickItem {
     void requestCalmFrame();
     /// The same, for the very frame that the window is making, even while the last one is not on the screen yet: for a
     /// plot that follows another one, called while that records.
-    void joinFrame() { follow(pump_.join()); }
+    void joinFrame() { follow(pump_.join(), Start::atOnce); }
 
     /// Why the plot cannot be shown, for the person; empty while it can.
     QString problem() const { return problem_; }
@@ -75,6 +76,9 @@ class FrameItem : public QQuickItem {
     virtual bool showsInput() const { return true; }
     /// Whether someone has a hand on the plot, so that what moves is drawn as often as the screen shows it.
     virtual bool interacting() const { return false; }
+    /// Whether the frame that is being recorded is one of those that come seldom, since nobody has a hand on the plot
+    /// and the processor draws it (`CalmPace`).
+    bool isCalmFrame() const { return calmFrame_; }
     /// A frame came to the screen.
     virtual void frameShown() {}
 
@@ -99,7 +103,12 @@ class FrameItem : public QQuickItem {
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData*) final;
 
  private:
-    void follow(FramePump::Order order);
+    enum class Start : unsigned char {
+        paced,   ///< where the processor draws, no sooner than the screen has use for it (`ScreenPace`)
+        atOnce,  ///< for the very frame that the window is making
+    };
+    void follow(FramePump::Order order, Start start = Start::paced);
+    void schedule();
     void enterWindow(QQuickWindow* window);
     void updateOnScreen();
     bool recordOnce();
@@ -116,12 +125,14 @@ class FrameItem : public QQuickItem {
     WindowFrames* window_ = nullptr;  ///< of the window that the item is in
     std::shared_ptr<FrameFollower> follower_ = std::make_shared<FrameFollower>();  ///< shared with the render thread
     QMetaObject::Connection following_, swaps_;
-    QBasicTimer late_, calm_;
+    QBasicTimer late_, calm_, hold_;
     CalmPace pace_;
+    ScreenPace screenPace_;
     Perf* perf_ = nullptr;
     QString problem_;
     bool onScreen_ = false;
     bool onBareWindow_ = false;
+    bool calmFrame_ = false;
     unsigned recordedGlyphs_ = 0;  ///< generation that the last frame was drawn with
     int joinedForGlyphs_ = 0;      ///< times since the last hand-over
     double recordedAt_ = 0;        ///< seconds, monotonic
