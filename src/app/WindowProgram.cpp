@@ -17,6 +17,7 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
     shell.screenshot = options.screenshotFile;
     shell.width = options.width;
     shell.height = options.height;
+    shell.data = start.paths().data;
     shell.setupProblem = start.setupProblem().value_or("");
 
     if (const relay::PracticeRelay* relay = start.practice())

@@ -157,6 +157,7 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
         stage.apply(view.session.entered());
     });
     stage.apply(view.session.entered());
+    rememberRasteriser(*window, rasteriserRecord(options.data));
     window->show();
     Perf::shared().startUp("window");
     // `exit` has no effect before the loop runs, so it is posted.
@@ -171,7 +172,7 @@ int runViews(TimedApplication& app, QtLoop& loop, const WindowPane& pane, const 
 }  // namespace
 
 int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowShellHooks hooks) {
-    prepareGraphics();
+    prepareGraphics(rasteriserRecord(options.data));
     TimedApplication app(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // the application object takes the environment's
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));

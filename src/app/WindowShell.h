@@ -1,6 +1,7 @@
 // The program's window: Qt's application object, the QML engine and the window's stages.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -33,8 +34,9 @@ struct WindowShellOptions {
     std::string screenshot;  ///< file for the window's picture at the end, an opaque PNG; empty for none
     int width = 0;           ///< size of the entered window in points; 0 for the screen's free area
     int height = 0;
-    std::string setupProblem;  ///< what the person must set up before a sign-in can work; shown in the form
-    std::string signInHint;    ///< who can sign in here, when that is no secret; shown in the form
+    std::filesystem::path data;  ///< folder of this machine's own files, which need not exist yet
+    std::string setupProblem;    ///< what the person must set up before a sign-in can work; shown in the form
+    std::string signInHint;      ///< who can sign in here, when that is no secret; shown in the form
 };
 
 struct WindowShellHooks {

@@ -20,13 +20,13 @@ void ChartRenderer::InputLag::endAt(double now) {
     if (at) lagMs = (now - *std::exchange(at, std::nullopt)) * 1000.0;
 }
 
-bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, double nowMonotonic) {
+bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, double nowMonotonic, bool whole) {
     const double start = clock_.monotonic();
     input_.endAt(nowMonotonic);
     if (perf && input_.lagMs) perf->time("inputLag", *input_.lagMs);
     movedTo_.reset();
     arena_.beginFrame();
-    easing_.step(nowMonotonic);
+    easing_.step(nowMonotonic, whole);
 
     gpu_.beginFrame(width, height, pixelRatio);
     gpu_.clear(clearColor);
@@ -51,7 +51,7 @@ bool ChartRenderer::drawChart(double width, double height, double pixelRatio) {
                       CandleGeometry::isUp(last.open, close),    edges_.labels()};
     for (ScreenLayer* layer : screenLayers_) layer->drawBelow(frame);
     encodeLayers(geometry, width, height);
-    bool animating = geometry.animating;
+    bool animating = geometry.animating && easing_.alphaClose < 1;
     for (ScreenLayer* layer : screenLayers_) animating |= layer->drawAbove(frame);
     return animating;
 }

@@ -85,7 +85,7 @@ class ChartRenderer {
 
     /// Records one frame for a view in points. `nowMonotonic` in seconds. True while something is still moving, so that
     /// another frame is needed. Without bars, or in a view without area, the frame only clears.
-    bool drawFrame(double width, double height, double pixelRatio, double nowMonotonic);
+    bool drawFrame(double width, double height, double pixelRatio, double nowMonotonic, bool whole = false);
 
     // Input. Nothing happens without bars, nor to the price before a frame has shown them; arguments that are not
     // finite are ignored.

@@ -143,13 +143,13 @@ void ChartView::setBars(std::span<const Candle> candles) {
     if (renderer_.perf && !renderer_.candles().empty()) renderer_.perf->startUp("bars");
 }
 
-bool ChartView::record(double width, double height, double pixelRatio, double nowMonotonic) {
+bool ChartView::record(double width, double height, double pixelRatio, double nowMonotonic, bool whole) {
     recording_ = true;
     frameAwaited_ = calmFrameAwaited_ = false;
     readSource();
     if (ribbonsDue_ && source_) makeRibbons(source_->chartContent());
     input_.setSize(width, height);
-    const bool animating = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic);
+    const bool animating = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic, whole);
     const std::optional<Viewport> moved = renderer_.movedTo();
     if (moved) viewport_->publish(moved);
     if ((std::exchange(barsMoved_, false) || moved) && onMoved) onMoved();

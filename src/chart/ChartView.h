@@ -79,8 +79,8 @@ class ChartView final : public ChartPort {
     /// Records one frame for a view in points, with `nowMonotonic` in seconds, and reads the source before it if that
     /// said so. True while something moves, so that another frame is needed. Without bars or area it only clears. When
     /// `glyphs` is of another generation after it, the host records again: what was drawn before the glyphs moved is
-    /// stale.
-    bool record(double width, double height, double pixelRatio, double nowMonotonic);
+    /// stale. With `whole` what eases goes all of its way at once, for frames that come too seldom to show a motion.
+    bool record(double width, double height, double pixelRatio, double nowMonotonic, bool whole = false);
 
     /// Milliseconds from the oldest input that the last frame shows to that frame; nothing when it shows none.
     std::optional<double> inputLagMs() const { return renderer_.inputLagMs(); }

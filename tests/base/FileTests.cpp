@@ -10,6 +10,7 @@
 #include "base/FileLock.h"
 #include "base/FileReplace.h"
 #include "base/PrivateFile.h"
+#include "base/RenderDevice.h"
 #include "base/Uuid.h"
 
 namespace vmr {
@@ -104,6 +105,35 @@ TEST_F(Files, AnotherUserReadsNothingAndPlantsNothing) {
                                         {folder / "link" / "file", "is a link of another user"}})
         EXPECT_THAT(replaceFile(path, "x").value_or(""), testing::HasSubstr(problem));
     EXPECT_EQ(readFile(own / "file"), "secret");
+}
+
+// The second interface, the card beside which the processor draws, the answer that was wrong.
+TEST_F(Files, SamplesGoByWhatDrewTheLastWindow) {
+    const auto card = Rasteriser::card, processor = Rasteriser::processor;
+    const struct {
+        const char* wanted;
+        std::optional<Rasteriser> found;
+        bool device;
+        int samples;
+    } cases[] = {{"", {}, true, 4},    {"", {}, false, 1},         {"", processor, true, 1},
+                 {"", card, false, 4}, {"4", processor, false, 4}, {"1", card, true, 1},
+                 {"2", {}, true, 4},   {"14", processor, true, 1}};
+    for (const auto& [wanted, found, device, samples] : cases)
+        EXPECT_EQ(samplesAPixel(wanted, found, device), samples) << wanted << device;
+
+    const fs::path file = folder / "rasteriser";
+    const RasteriserRecord first(file, "default"), vulkan(file, "vulkan"), odd(file, "no word\n");
+    EXPECT_EQ(first.found(), std::nullopt);
+    first.keep(processor);
+    vulkan.keep(card);
+    odd.keep(card);
+    EXPECT_EQ(first.found(), processor) << "beside the second";
+    EXPECT_EQ(vulkan.found(), card);
+    first.keep(card);
+    EXPECT_EQ(readFile(file), "default card\nvulkan card\n");
+    ASSERT_EQ(replaceFile(file, "default gone\nvulkan processor"), std::nullopt);
+    EXPECT_EQ(first.found(), std::nullopt);
+    EXPECT_EQ(vulkan.found(), processor);
 }
 
 }  // namespace

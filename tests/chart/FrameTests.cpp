@@ -88,6 +88,10 @@ TEST_F(FrameTest, EasingIsTheSameAtAnyRate) {
     EXPECT_NEAR(renderer.dispClose(), from + 3.0, 1e-6);
     while (draw(1.0 / 60)) ASSERT_LT(now, 1010);
     EXPECT_EQ(renderer.dispClose(), from + 10);
+    list.back().close = from - 10;
+    renderer.setCandles(list);
+    EXPECT_FALSE(renderer.drawFrame(1400, 900, 1, now += 0.001, true)) << "none has to follow";
+    EXPECT_EQ(renderer.dispClose(), from - 10);
 }
 
 TEST_F(FrameTest, TheFormingBarTurnsWhenItsEasedCloseCrossesTheOpen) {

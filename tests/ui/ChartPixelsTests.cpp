@@ -197,7 +197,19 @@ TEST_F(ChartPixels, ItemsAboveCoverTheChartAndItemsBelowDoNotShow) {
     QPainter(&expected).fillRect(covered, QColor(0x20, 0x40, 0x60));
     EXPECT_EQ(chartPicture(), expected);
     cover->setZ(-1);
-    EXPECT_EQ(chartPicture(), before);
+    const QColor own = ui->window->color();
+    const struct {
+        bool bare;  // nothing is said to lie below, and the window's colour is the ground
+        QColor window;
+        bool shows;
+    } below[] = {{true, own, true}, {false, own, false}, {true, Qt::darkGreen, false}, {true, Qt::transparent, false}};
+    for (const auto& [bare, window, shows] : below) {
+        ui->window->setColor(window);
+        chart->setProperty("onBareWindow", bare);
+        chart->requestFrame();
+        ASSERT_TRUE(ui->settle());
+        EXPECT_EQ(chartPicture() != before, shows) << bare << window.name().toStdString();
+    }
     cover->setParentItem(nullptr);
 }
 

@@ -141,6 +141,15 @@ TEST_F(FrameItems, WithoutAGraphicsCardCalmFramesArePacedAndUrgentOnesAreNot) {
     chart->requestFrame();
     EXPECT_EQ(chart->pump().state(), FramePump::State::asked);
     expectAtRest("after the calm frames");
+    for (const double moved : {3.0, -8.0}) {  // at rest, then while the next frame waits
+        const auto before = drawn();
+        clock.start();
+        ui.source.trade(ui.bars().back().close + moved);
+        ASSERT_TRUE(runUntil([&] { return drawn() > before && chart->pump().state() == FramePump::State::idle; }));
+        EXPECT_LE(clock.elapsed(), 250) << "that a trade may take to the screen";
+        EXPECT_EQ(chart->renderer().dispClose(), ui.bars().back().close) << "which has no time for easing";
+        EXPECT_EQ(drawn(), before + 1);
+    }
     QTest::mousePress(ui.window, Qt::LeftButton, {}, chart->mapToScene(QPointF(400, 300)).toPoint());
     QTest::mouseMove(ui.window, chart->mapToScene(QPointF(440, 300)).toPoint());
     ASSERT_TRUE(runUntil([&] { return chart->pump().state() == FramePump::State::idle; }));

@@ -8,7 +8,7 @@
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (GTEST_FLAG_GET(list_tests)) return RUN_ALL_TESTS();  // listing needs no display
-    vmr::prepareGraphics();
+    vmr::prepareGraphics(vmr::rasteriserRecord({}));
     QGuiApplication app(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     vmr::registerFonts();

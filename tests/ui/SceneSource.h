@@ -27,6 +27,12 @@ class SceneSource final : public ChartSource {
         view_->chart.setEmpty(bars.empty());
         if (port_) port_->contentChanged();
     }
+    /// A trade: of the last bar alone.
+    void trade(double close) {
+        bars.back().close = close;
+        ++trades_;
+        port_->contentChanged();
+    }
     /// Another instrument's.
     void openChart(std::vector<Candle> list) {
         ++chart_;
@@ -43,6 +49,7 @@ class SceneSource final : public ChartSource {
         out.look = scene ? &scene->config : &look;
         const auto r = revision_;
         out.revisions = {r, r, r, r, r, r, r, r};
+        out.revisions.candles += trades_;
         return out;
     }
     void interactionEnded() override { ++dragsEnded; }
@@ -57,7 +64,7 @@ class SceneSource final : public ChartSource {
  private:
     PaneViewModel* view_ = nullptr;
     ChartPort* port_ = nullptr;
-    std::uint64_t chart_ = 1, revision_ = 0;
+    std::uint64_t chart_ = 1, revision_ = 0, trades_ = 0;
 };
 
 }  // namespace vmr::test

@@ -117,7 +117,7 @@ void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
 }
 
 bool ChartItem::record(Gpu&, QSizeF size, double pixelRatio, double now) {
-    return drawing_->view->record(size.width(), size.height(), pixelRatio, now);
+    return drawing_->view->record(size.width(), size.height(), pixelRatio, now, isCalmFrame());
 }
 
 bool ChartItem::interacting() const { return drawing_->view->handsOn(); }

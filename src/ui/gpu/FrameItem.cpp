@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QPointer>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QTimerEvent>
 #include <cmath>
 #include <functional>
@@ -56,12 +57,19 @@ void FrameItem::setProblem(const QString& problem) {
 }
 
 // `polish` and `update` go together: one alone gives a frame that is recorded and not shown, or shown and not recorded.
-void FrameItem::follow(FramePump::Order order) {
+void FrameItem::schedule() {
+    hold_.stop();
+    polish();
+    update();
+}
+
+void FrameItem::follow(FramePump::Order order, Start start) {
     if (order == FramePump::Order::nothing) return;
     if (order == FramePump::Order::watch) return late_.start(static_cast<int>(FramePump::longestWait * 1000), this);
     late_.stop();
-    polish();
-    update();
+    const double wait = *software_ && start == Start::paced ? screenPace_.wait(clock_.monotonic()) : 0;
+    if (wait <= 0) return schedule();
+    if (!hold_.isActive()) hold_.start(static_cast<int>(std::lround(wait * 1000)), Qt::PreciseTimer, this);
 }
 
 double FrameItem::calmWait() const { return *software_ && !interacting() ? pace_.wait(clock_.monotonic()) : 0; }
@@ -69,17 +77,18 @@ double FrameItem::calmWait() const { return *software_ && !interacting() ? pace_
 void FrameItem::requestCalmFrame() {
     if (calm_.isActive()) return;
     const double wait = calmWait();
-    if (wait > 0)
-        calm_.start(static_cast<int>(std::ceil(wait * 1000)), this);
-    else
-        requestFrame();
+    if (wait > 0) return calm_.start(static_cast<int>(std::ceil(wait * 1000)), this);
+    calmFrame_ = *software_ && !interacting();
+    requestFrame();
 }
 
 void FrameItem::timerEvent(QTimerEvent* event) {
     if (event->timerId() == calm_.timerId()) {
         calm_.stop();
+        calmFrame_ = !interacting();
         return requestFrame();
     }
+    if (event->timerId() == hold_.timerId()) return schedule();
     if (event->timerId() != late_.timerId()) return QQuickItem::timerEvent(event);
     late_.stop();
     follow(pump_.late());
@@ -92,7 +101,7 @@ void FrameItem::componentComplete() {
 
 void FrameItem::geometryChange(const QRectF& now, const QRectF& before) {
     QQuickItem::geometryChange(now, before);
-    if (now.size() != before.size()) follow(pump_.resized());
+    if (now.size() != before.size()) follow(pump_.resized(), Start::atOnce);
 }
 
 void FrameItem::itemChange(ItemChange change, const ItemChangeData& data) {
@@ -105,7 +114,7 @@ void FrameItem::itemChange(ItemChange change, const ItemChangeData& data) {
         updateOnScreen();
         if (window() && isVisible()) follow(pump_.visible());  // a window that is not shown may be drawn into a picture
     }
-    if (change == ItemDevicePixelRatioHasChanged) follow(pump_.resized());
+    if (change == ItemDevicePixelRatioHasChanged) follow(pump_.resized(), Start::atOnce);
 }
 
 // A window that is hidden, minimised or on another desktop is not exposed. Its state does not tell: some window
@@ -132,6 +141,7 @@ void FrameItem::updatePolish() {
     if (!window_ || width() <= 0 || height() <= 0) return pump_.notRecorded();
     const unsigned glyphsBefore = glyphs_.generation();
     calm_.stop();
+    hold_.stop();
     processorAt_ = processorSeconds();
     bool moves = recordOnce(), input = showsInput();
     const bool moved = glyphs_.generation() != glyphsBefore;
@@ -142,6 +152,9 @@ void FrameItem::updatePolish() {
     follower_->recorded(input);
     recordedAt_ = clock_.monotonic();
     pace_.begun(recordedAt_);
+    const QScreen* screen = window()->screen();
+    screenPace_.begun(recordedAt_, screen ? screen->refreshRate() : 0);
+    calmFrame_ = false;
     const bool calm = moves && calmWait() > 0;
     pump_.recorded(moves && !calm);
     if (calm) requestCalmFrame();
@@ -155,6 +168,12 @@ void FrameItem::glyphsMoved() {
     if (framesDrawn() == 0 || recordedGlyphs_ == glyphs_.generation() || joinedForGlyphs_ >= most) return;
     ++joinedForGlyphs_;
     joinFrame();
+}
+
+std::optional<Rgba8> FrameItem::groundUnder() const {
+    const QColor color = window()->color();
+    if (!onBareWindow_ || color.alpha() != 255) return std::nullopt;
+    return Rgba8(Rgba{color.redF(), color.greenF(), color.blueF(), 1.0F});
 }
 
 // On the render thread with the main thread blocked, or on the main thread.
@@ -182,6 +201,7 @@ QSGNode* FrameItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         node->uploadedBytes = uploadedBytes_;
     }
     node->setItemSize(size());
+    node->replay().setGround(groundUnder());
     const bool given = pump_.handOver() && node->replay().takeFrame(gpu_);
     if (given) {
         follower_->handedOver(pump_.frame());

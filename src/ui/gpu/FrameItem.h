@@ -7,11 +7,13 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "base/Clock.h"
 #include "gpu/CalmPace.h"
 #include "gpu/FramePump.h"
 #include "gpu/FrameRecorder.h"
+#include "gpu/ScreenPace.h"
 #include "ui/gpu/FrameFollower.h"
 #include "ui/gpu/SharedGlyphs.h"
 
@@ -24,11 +26,15 @@ class WindowFrames;
 /// main thread while the window polishes its items, and shown through a render node; `FramePump` paces it. Main thread
 /// but where noted.
 ///
+/// `onBareWindow` says that nothing lies between the plot and the window's own colour, so that a plot of the same
+/// colour need not paint it again.
+///
 /// A subclass records, and asks for a frame when what it shows has changed; the rest is done here, a hidden window, a
 /// lost graphics device and another size included.
 class FrameItem : public QQuickItem {
     Q_OBJECT
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
+    Q_PROPERTY(bool onBareWindow MEMBER onBareWindow_)
 
  public:
     explicit FrameItem(QQuickItem* parent = nullptr);
@@ -40,7 +46,7 @@ class FrameItem : public QQuickItem {
     void requestCalmFrame();
     /// The same, for the very frame that the window is making, even while the last one is not on the screen yet: for a
     /// plot that follows another one, called while that records.
-    void joinFrame() { follow(pump_.join()); }
+    void joinFrame() { follow(pump_.join(), Start::atOnce); }
 
     /// Why the plot cannot be shown, for the person; empty while it can.
     QString problem() const { return problem_; }
@@ -70,6 +76,9 @@ class FrameItem : public QQuickItem {
     virtual bool showsInput() const { return true; }
     /// Whether someone has a hand on the plot, so that what moves is drawn as often as the screen shows it.
     virtual bool interacting() const { return false; }
+    /// Whether the frame that is being recorded is one of those that come seldom, since nobody has a hand on the plot
+    /// and the processor draws it (`CalmPace`).
+    bool isCalmFrame() const { return calmFrame_; }
     /// A frame came to the screen.
     virtual void frameShown() {}
 
@@ -94,10 +103,16 @@ class FrameItem : public QQuickItem {
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData*) final;
 
  private:
-    void follow(FramePump::Order order);
+    enum class Start : unsigned char {
+        paced,   ///< where the processor draws, no sooner than the screen has use for it (`ScreenPace`)
+        atOnce,  ///< for the very frame that the window is making
+    };
+    void follow(FramePump::Order order, Start start = Start::paced);
+    void schedule();
     void enterWindow(QQuickWindow* window);
     void updateOnScreen();
     bool recordOnce();
+    std::optional<Rgba8> groundUnder() const;
     double calmWait() const;
     void swapped();
     void timeGate();
@@ -110,11 +125,14 @@ class FrameItem : public QQuickItem {
     WindowFrames* window_ = nullptr;  ///< of the window that the item is in
     std::shared_ptr<FrameFollower> follower_ = std::make_shared<FrameFollower>();  ///< shared with the render thread
     QMetaObject::Connection following_, swaps_;
-    QBasicTimer late_, calm_;
+    QBasicTimer late_, calm_, hold_;
     CalmPace pace_;
+    ScreenPace screenPace_;
     Perf* perf_ = nullptr;
     QString problem_;
     bool onScreen_ = false;
+    bool onBareWindow_ = false;
+    bool calmFrame_ = false;
     unsigned recordedGlyphs_ = 0;  ///< generation that the last frame was drawn with
     int joinedForGlyphs_ = 0;      ///< times since the last hand-over
     double recordedAt_ = 0;        ///< seconds, monotonic

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <utility>
 
 #include "gpu/Vertices.h"
@@ -322,12 +323,20 @@ RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
     return draw.primitive == Primitive::lines ? flatLines : flatTriangles;
 }
 
+bool RhiReplay::clearsToGround() const {
+    const auto& first = frame_.draws.front();
+    if (!ground_ || !first.opaque || first.clip != 0) return false;
+    ChartVertex corner;
+    std::memcpy(&corner, frame_.stream.data() + first.byteOffset, sizeof corner);
+    return corner.color == *ground_;
+}
+
 void RhiReplay::draw(QRhiCommandBuffer& commands, const RhiPlacement& placement) {
     if (!prepared_) return;
     const auto& view = placement.viewport;
     QRhiGraphicsPipeline* bound = nullptr;
     std::uint32_t clipped = 0;
-    for (const auto& call : frame_.draws) {
+    for (const auto& call : std::span(frame_.draws).subspan(clearsToGround() ? 1 : 0)) {
         const QRect clip = scissorOf(frame_.clips[call.clip], placement);
         if (clip.isEmpty()) continue;
         const Kind kind = kindOf(call);

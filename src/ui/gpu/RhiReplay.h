@@ -8,11 +8,13 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "gpu/FrameRecorder.h"
 #include "gpu/RecordedFrame.h"
+#include "gpu/Vertices.h"
 #include "ui/gpu/RhiAccess.h"
 
 namespace vmr {
@@ -40,6 +42,9 @@ class RhiReplay {
     /// Takes the recorder's newest frame and gives it the memory of the one before; false when there is none. While the
     /// main thread is blocked.
     bool takeFrame(FrameRecorder& recorder);
+    /// The colour that already lies under the whole frame, if one does: a frame that begins by clearing to it leaves
+    /// that out, which costs a software rasteriser a pass over every pixel.
+    void setGround(std::optional<Rgba8> color) { ground_ = color; }
     /// Queues a change of the atlas for the next `prepare`.
     void changeAtlas(AtlasChange change) { atlasChanges_.push_back(std::move(change)); }
 
@@ -78,11 +83,13 @@ class RhiReplay {
     bool uploadUniforms(const RhiPlacement& placement);
     bool growDynamic(std::unique_ptr<QRhiBuffer>& buffer, int usage, std::size_t size);
     void drawOne(QRhiCommandBuffer& commands, const RecordedFrame::Draw& draw);
+    bool clearsToGround() const;
     QRhiBuffer* retainedBuffer(GpuBuffer id) const;
     bool fail(const char* what);
 
     RecordedFrame frame_;
     std::vector<AtlasChange> atlasChanges_;
+    std::optional<Rgba8> ground_;
     std::string problem_;
     bool prepared_ = false;
 

@@ -23,6 +23,7 @@ FocusScope {
         anchors.bottom: parent.bottom
         width: parent.width
         focus: true
+        onBareWindow: true
         pane: paneView.pane
         onOrderMenuRequested: (x, y) => {
             orderMenu.rows = chart.orderMenu;

@@ -22,6 +22,12 @@ void main()
     vec2 side = vec2(corner > 1.5 ? 1.0 : -1.0, corner < 0.5 || corner > 2.5 ? 1.0 : -1.0);
     float r = size.x * u.view.w * u.device.x;
     vAt = side * (r + 0.5);  // pixels that the rim covers in part
+    if (shape > 0.5) {
+        // A triangle fills half of its box: two corners meet beyond the tip, and the others at the base, each so far
+        // out that a pixel that an edge covers in part lies within.
+        float up = shape < 1.5 ? 1.0 : -1.0;
+        vAt = side.y * up > 0.0 ? vec2(0.0, up * (r + 2.3)) : vec2(side.x * (r + 1.4), -up * (r + 0.5));
+    }
     vShape = vec2(r, shape);
     vColor = vec4(color.rgb, size.y * u.view.z);
     vec2 p = vec2(center.x * u.map.x + u.map.y, center.y * u.map.z + u.map.w);
