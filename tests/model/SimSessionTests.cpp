@@ -132,18 +132,18 @@ TEST_F(SimPane, AnOldContractsPricesReachNoOrder) {
 }
 
 TEST_F(SimPane, WithoutTheContractsTheBuiltInOneCountsAfterTwoSeconds) {
-    openSymbol("ES");
-    snapshot("futures:ESM6", flatBars(minute - 120, 3, 50));
-    model->switchSymbol("NQ");
-    for (const double price : {90, 91}) snapshot("futures:NQM6", flatBars(minute - 120, 3, price));
+    openSymbol("NQ");
+    snapshot("futures:NQM6", flatBars(minute - 120, 3, 90));
+    model->switchSymbol("ES");
+    for (const double price : {50, 51}) snapshot("futures:ESM6", flatBars(minute - 120, 3, price));
     for (const bool known : {false, true}) {
         time.advance(known ? 0.2 : 1.9);
-        EXPECT_EQ(engine.last("NQ").has_value(), known);
+        EXPECT_EQ(engine.last("ES").has_value(), known);
     }
-    EXPECT_EQ(engine.last("NQ"), 90) << "a seed is the first price";
-    EXPECT_EQ(engine.last("ES"), std::nullopt) << "of a chart that has gone";
+    EXPECT_EQ(engine.last("ES"), 50) << "a seed is the first price";
+    EXPECT_EQ(engine.last("NQ"), std::nullopt) << "of a chart that has gone";
     time.advance(15.1);
-    EXPECT_TRUE(engine.stalePrice("NQ")) << "though the bar lasts longer";
+    EXPECT_TRUE(engine.stalePrice("ES")) << "though the bar lasts longer";
 }
 
 TEST_F(SimPane, ThePaneShowsTheAccountsProblemForAsLongAsItLasts) {
