@@ -196,8 +196,8 @@ class Canvas {
         const Way own = wayOf(vertex.dir), other = wayOf(vertex.joined);
         const double half = vertex.halfWidth() * frame_.pixelRatio, side = vertex.beside < 0 ? -half : half;
         const double mx = own.leftX + other.leftX, my = own.leftY + other.leftY, turn = mx * mx + my * my;
-        const double needed = (half + 0.5) * std::sqrt(std::max(4 / std::max(turn, 1e-6) - 1, 0.0));
-        const bool meet = turn > 1 && needed < std::min(own.length, other.length);
+        const double needed = (half + 0.75) * std::sqrt(std::max(4 / std::max(turn, 1e-6) - 1, 0.0));
+        const bool meet = turn > 1 && needed < std::min(own.length, other.length) / 2;
         corner.x += (meet ? mx * 2 / turn : own.leftX) * side;
         corner.y -= (meet ? my * 2 / turn : own.leftY) * side;
         return corner;
@@ -248,7 +248,10 @@ class Canvas {
         const auto [y0, y1] = range(a.y, b.y, c.y, clip_.top * grid_, std::min(clip_.bottom * grid_, picture.height));
         for (int sy = y0; sy < y1; ++sy) {
             for (int sx = x0; sx < x1; ++sx) {
-                const double x = (sx + 0.5) / grid_, y = (sy + 0.5) / grid_;  // from the canvas's top
+                // from the canvas's top; of exact ones no two of a pixel share a row or a column
+                const double skewX = exact_ ? (sy % grid_ + 0.5) / grid_ : 0.5;
+                const double skewY = exact_ ? (sx % grid_ + 0.5) / grid_ : 0.5;
+                const double x = (sx + skewX) / grid_, y = (sy + skewY) / grid_;
                 const double wa = cross(b, c, x, y), wb = cross(c, a, x, y), wc = cross(a, b, x, y);
                 if (!covers(wa, b, c) || !covers(wb, c, a) || !covers(wc, a, b)) continue;
                 const auto mix = [&](double p, double q, double r) { return (p * wa + q * wb + r * wc) / area; };

@@ -16,7 +16,7 @@ layout(std140, binding = 0) uniform Block {
 } u;
 
 const float segmentEnd = 256.0;
-const float roomToJoin = 0.5;  // pixels beyond the sides
+const float roomToJoin = 0.75;  // pixels beyond the sides
 
 vec2 leftOf(vec2 way)
 {
@@ -41,7 +41,7 @@ void main()
     // in one line would let the ground through.
     float turn = dot(m, m), shortest = min(len, length(other));
     float needed = (halfWidth + roomToJoin) * sqrt(max(4.0 / max(turn, 1e-6) - 1.0, 0.0));
-    bool meet = turn > 1.0 && needed < shortest;
+    bool meet = turn > 1.0 && needed < shortest * 0.5;
     if (meet) off = m * (2.0 / turn) * (halfWidth + beyond);
     off *= sign(beside);
     bool ends = shortest == 0.0 || (!meet && turn < 3.0);
