@@ -215,11 +215,11 @@ TEST_F(ChartEdges, CoverPixelsAsMuchAsTheirShapesDo) {
                  {"waves", waves, 0.12, 0.015},
                  {"markers", markers, 0.12, 0.015},
                  {"strike bars", strikeBars, 0.12, 0.015},
-                 {"rectangles", rectangles, 0.02, 0.002}};
+                 {"rectangles", rectangles, 0.03, 0.002}};
     data.srLines[0].price -= 30;  // shares no pixel with a wall
     const std::vector<OvPoint> dashed = data.series.vwapNY;
     for (const double pixelsABar : {1.3, 2.0, 3.7, 12.0}) {
-        data.series.vwapNY = pixelsABar > 3 ? dashed : std::vector<OvPoint>();  // else gaps are finer than pixels
+        data.series.vwapNY = pixelsABar > 4 ? dashed : std::vector<OvPoint>();  // else its pieces are finer than pixels
         for (const auto& [theme, phase] : {std::pair("mono", 0.0), {"mono", 0.25}, {"mono", 0.64}, {"classic", 0.4}}) {
             data.config.candleTheme = theme;
             cpu.view.setContent(data.content());
