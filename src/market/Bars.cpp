@@ -5,9 +5,7 @@
 
 namespace vmr {
 
-std::optional<std::int64_t> tradeMinute(double tsMs, RepairTally& tally) {
-    constexpr double farFuture = 1e15;  // up to here a plain cut is the same, at a third of the cost
-    if (tsMs >= 0 && tsMs < farFuture) return static_cast<std::int64_t>(tsMs / 60000) * 60;
+std::optional<std::int64_t> oddTradeMinute(double tsMs, RepairTally& tally) {
     return tally.integer(std::floor(tsMs / 60000) * 60, "the time of a trade");
 }
 

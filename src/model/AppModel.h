@@ -169,9 +169,10 @@ class AppModel final : public ChartSource {
     ChartPort* port_ = nullptr;
     std::vector<Connection> contentLinks_;
     std::optional<PaneState> restorePane_;
-    bool ended_ = false;   // by `shutdown`
-    Json batch_;           // the batch under way
-    double batchNow_ = 0;  // the clock when it came
+    bool ended_ = false;  // by `shutdown`
+    Json batch_;          // the batch under way
+    double cameAt_ = 0;   // the clock when it came, or when the message did that is no part of one
+    std::int64_t cameMinute_ = 0;
     MarketTimer barRollTimer_{at_.clock, at_.main}, hfpTimer_{at_.clock, at_.main};
 };
 

@@ -7,9 +7,8 @@
 
 namespace vmr {
 
-void FeedRepairs::add(std::string_view channel, std::uint64_t elements) {
+void FeedRepairs::note(std::string_view channel, std::uint64_t elements) {
     constexpr double pace = 60;  // seconds
-    if (elements == 0) return;
     auto found = byChannel_.find(channel);
     if (found == byChannel_.end()) {
         if (byChannel_.size() >= mostChannels) channel = others;

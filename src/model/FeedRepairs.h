@@ -29,7 +29,9 @@ class FeedRepairs {
 
     bool strict() const { return strict_; }
     /// For one message. Allocates nothing but at a channel's first repair and for its lines.
-    void add(std::string_view channel, std::uint64_t elements);
+    void add(std::string_view channel, std::uint64_t elements) {
+        if (elements > 0) note(channel, elements);
+    }
 
     struct Count {
         std::uint64_t elements = 0;
@@ -39,6 +41,8 @@ class FeedRepairs {
     const std::map<std::string, Count, std::less<>>& byChannel() const { return byChannel_; }
 
  private:
+    void note(std::string_view channel, std::uint64_t elements);
+
     const Clock& clock_;
     PaneLog& log_;
     bool strict_;

@@ -8,7 +8,9 @@ namespace vmr {
 
 namespace {
 constexpr double displayPace = 1.0 / 120;  // seconds; a burst of trades costs one rebuild
-}
+
+std::int64_t wholeSecond(double now) { return static_cast<std::int64_t>(std::floor(now)); }
+}  // namespace
 
 LiveBars::LiveBars(PaneWork& work, SessionTime& session, NoticeGate* gate)
     : BarsOfChart(gate),
@@ -33,14 +35,12 @@ TradeEffect LiveBars::applyTrade(double price, double tsMs) {
     return effect;
 }
 
-bool LiveBars::rollForward(double exactNow, bool isStock) {
-    if (candles.empty()) return false;
-    auto now = static_cast<std::int64_t>(exactNow);
-    if (static_cast<double>(now) > exactNow) --now;
-    const std::int64_t minute = wholeMinute(now);
-    const Candle& last = candles.back();
-    if (last.time >= minute || !session_.marketOpen(now, isStock)) return false;
-    const double close = last.close;
+std::int64_t LiveBars::minuteOf(double now) { return wholeMinute(wholeSecond(now)); }
+
+bool LiveBars::rollForward(double now, bool isStock) {
+    const std::int64_t minute = minuteOf(now);
+    if (candles.empty() || reach(minute) || !session_.marketOpen(wholeSecond(now), isStock)) return false;
+    const double close = candles.back().close;
     appendCapped(candles, {minute, close, close, close, close, 0});
     return true;
 }

@@ -46,6 +46,10 @@ class LiveBars : public BarsOfChart {
     /// A trade of the chart; `tsMs` in milliseconds since 1970 (`fatal` outside 64 bits). Unless the series is empty,
     /// the display is rebuilt soon, at most once each 1/120 s.
     TradeEffect applyTrade(double price, double tsMs);
+    /// The start of the minute that holds market time `now`, both in seconds.
+    static std::int64_t minuteOf(double now);
+    /// Whether there is a bar of this minute or of a later one.
+    bool reach(std::int64_t minute) const { return !candles.empty() && candles.back().time >= minute; }
     /// Appends a flat bar when a new open minute has begun at market time `now`, and tells whether. The display is not
     /// rebuilt.
     bool rollForward(double now, bool isStock);

@@ -20,10 +20,14 @@ bool carriesBars(std::string_view channel) {
     return channel.starts_with("futures:") || channel.starts_with("stocks:") || channel.starts_with("indices:");
 }
 
+// What the relay's queue made of the message. Trades and quotes have nothing, and are spared the comparison of types.
+const Prepared* preparedOf(const ChannelMessage& message) {
+    return message.prepared.has_value() ? std::any_cast<Prepared>(&message.prepared) : nullptr;
+}
+
 // The message's bars; `parsed` holds them if nobody has parsed them yet.
 const std::vector<Candle>& barsOf(const ChannelMessage& message, std::vector<Candle>& parsed, RepairTally& tally) {
-    if (const auto* prepared = std::any_cast<Prepared>(&message.prepared); prepared && prepared->bars)
-        return *prepared->bars;
+    if (const auto* prepared = preparedOf(message); prepared && prepared->bars) return *prepared->bars;
     return parsed = CandleParser::parse(message.payload, tally);
 }
 
@@ -70,17 +74,15 @@ std::any AppModel::prepare(const std::string& channel, JsonView payload, bool st
 
 void AppModel::onChannelMessage(const ChannelMessage& message, const std::string& type) {
     if (ended_) return;
-    if (type != "batch") {
-        rollForwardBarIfNeeded();
-    } else {
-        if (!message.payload.sharesDocument(batch_)) {
-            batch_ = message.payload;
-            batchNow_ = at_.clock.now();
-        }
-        rollForwardBar(batchNow_);
+    const bool inBatch = type == "batch";
+    if (!inBatch || !message.payload.sharesDocument(batch_)) {
+        batch_ = inBatch ? message.payload : Json();
+        cameAt_ = at_.clock.now();
+        cameMinute_ = LiveBars::minuteOf(cameAt_);
     }
+    if (!bars.reach(cameMinute_)) rollForwardBar(cameAt_);
     if (route(message)) return;
-    const auto* prepared = std::any_cast<Prepared>(&message.prepared);
+    const auto* prepared = preparedOf(message);
     const bool briefIsMade = prepared && !prepared->brief.empty();
     const std::string line =
         message.channel + " [" + type + "] → " + (briefIsMade ? prepared->brief : briefForm(message.payload));
@@ -92,7 +94,7 @@ void AppModel::onChannelMessage(const ChannelMessage& message, const std::string
 bool AppModel::route(const ChannelMessage& message) {
     RepairTally tally(feedRepairs.strict());
     const bool done = routeHot(message, tally) || routeSeries(message, tally) || routeDerived(message, tally);
-    const auto* prepared = std::any_cast<Prepared>(&message.prepared);
+    const auto* prepared = preparedOf(message);
     feedRepairs.add(message.channel, tally.count() + (prepared ? prepared->repaired : 0));
     return done;
 }
@@ -117,7 +119,7 @@ bool AppModel::routeHot(const ChannelMessage& message, RepairTally& tally) {
     if (names.isOpen() && channel == names.tradesName) {
         if (const auto trade = readTrade(message.payload, at_.clock, tally)) {
             // what is too old for the bars is no price of now, and fills nothing either
-            if (applyTrade(trade->price, trade->tsMs) != TradeEffect::tooOld) sim_.onTrade(trade->price);
+            if (applyTrade(trade->price, trade->tsMs) != TradeEffect::tooOld) sim_.onTrade(trade->price, cameAt_);
         }
         return true;
     }
@@ -133,7 +135,7 @@ bool AppModel::routeHot(const ChannelMessage& message, RepairTally& tally) {
     if (names.isOpen() && channel == names.quoteName) {
         const auto bid = coerce::dbl(message.payload["bid"]);
         const auto ask = coerce::dbl(message.payload["ask"]);
-        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(*bid, *ask);
+        if (bid && ask && std::isfinite(*bid) && std::isfinite(*ask)) sim_.onQuote(*bid, *ask, cameAt_);
         return true;
     }
     if (!names.secondaryChannel.empty() && channel == names.secondaryTradesName) {
@@ -226,7 +228,7 @@ bool AppModel::routeDerived(const ChannelMessage& message, RepairTally& tally) {
     }
     if (isObject && !names.levelsChannel.empty() && channel == names.levelsChannel) {
         const NoticeGate::Hold hold(gate_);
-        const auto* prepared = std::any_cast<Prepared>(&message.prepared);
+        const auto* prepared = preparedOf(message);
         options.takeDerived(message.payload, prepared ? prepared->rows : nullptr, at_.clock.now());
         rebuildSurface(false);
     }

@@ -43,12 +43,12 @@ void SimFeed::end() {
 
 bool SimFeed::feeds() const { return sim_ && known_ && !root_.empty() && sim_->watches().follows(this); }
 
-void SimFeed::onTrade(double price) const {
-    if (feeds()) sim_->onTrade(root_, price);
+void SimFeed::onTrade(double price, double at) const {
+    if (feeds()) sim_->onTrade(root_, price, at);
 }
 
-void SimFeed::onQuote(double bid, double ask) const {
-    if (feeds()) sim_->onQuote(root_, bid, ask);
+void SimFeed::onQuote(double bid, double ask, double at) const {
+    if (feeds()) sim_->onQuote(root_, bid, ask, at);
 }
 
 void SimFeed::seedLast(double price, std::int64_t bar) {

@@ -38,8 +38,9 @@ class SimFeed {
     /// Passes nothing on any more.
     void end();
 
-    void onTrade(double price) const;
-    void onQuote(double bid, double ask) const;
+    // `at` is the market time.
+    void onTrade(double price, double at) const;
+    void onQuote(double bid, double ask, double at) const;
     /// The close of the newest bar, which began at `bar`, seconds since 1970.
     void seedLast(double price, std::int64_t bar);
     void updateSpecs(const std::vector<CatalogFut>& futures) const;

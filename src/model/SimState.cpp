@@ -108,11 +108,11 @@ json record(const SimEngine& engine) {
     for (const sim::Order& order : engine.orders())
         orders.push_back(record(order, engine.watches().watched(order.sym)));
     for (const auto& [root, trade] : engine.openTrades()) open[root] = record(trade);
-    for (const auto& [root, quote] : engine.quotes())
-        quotes[root] = {{"bid", number(quote.bid)}, {"ask", number(quote.ask)}};
     for (const auto& [root, contract] : engine.watches().contracts()) contracts[root] = contract;
-    for (const auto& [root, last] : engine.lasts()) {
-        lasts[root] = number(last);
+    for (const auto& [root, market] : engine.prices().all()) {
+        if (market.quote) quotes[root] = {{"bid", number(market.quote->bid)}, {"ask", number(market.quote->ask)}};
+        if (!market.last) continue;
+        lasts[root] = number(*market.last);
         if (const auto age = engine.stalePrice(root)) stale[root] = number(*age);
     }
     return {{"balance", number(engine.balance())},   {"startBalance", number(engine.startBalance())},

@@ -37,8 +37,7 @@ std::size_t SimTrading::workingCount(const std::string& root) const {
 }
 
 std::optional<double> SimTrading::last(const std::string& root) const {
-    const double* price = engine_.lasts().find(root);
-    return price ? std::optional(*price) : std::nullopt;
+    return engine_.last(root);
 }
 
 void SimTrading::place(const std::string& root, std::string_view side, std::string_view type, double price) {

@@ -113,7 +113,7 @@ double SimEngine::unrealized(std::string_view sym) const {
     const auto found = account_.positions.find(sym);
     if (found == account_.positions.end() || found->second.qty == 0) return 0;
     const Position& position = found->second;
-    const double* last = lasts().find(sym);
+    const std::optional<double>& last = this->last(sym);
     const Spec* spec = specs_.find(sym);
     if (!last || !spec) return 0;
     return moneyPerPoint(*spec) * ((*last - position.avg) * static_cast<double>(position.qty));

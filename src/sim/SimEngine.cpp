@@ -27,12 +27,14 @@ SimEngine::~SimEngine() {
 
 sim::Date SimEngine::now() const { return sim::dateFrom1970(setup_.clock.now()); }
 
-void SimEngine::onTrade(std::string_view sym, double price) {
-    if (prices_.trade(sym, price, setup_.clock.now()) && !account_.orders.empty()) match(sym);
+void SimEngine::onTrade(std::string_view sym, double price, double at) {
+    const sim::SimPrices::Market* market = prices_.trade(sym, price, at);
+    if (market && !account_.orders.empty()) match(sym, *market);
 }
 
-void SimEngine::onQuote(std::string_view sym, double bid, double ask) {
-    if (prices_.quote(sym, bid, ask, setup_.clock.now()) && !account_.orders.empty()) match(sym);
+void SimEngine::onQuote(std::string_view sym, double bid, double ask, double at) {
+    const sim::SimPrices::Market* market = prices_.quote(sym, bid, ask, at);
+    if (market && !account_.orders.empty()) match(sym, *market);
 }
 
 void SimEngine::seedLast(std::string_view sym, double price, std::optional<double> when) {
@@ -45,7 +47,7 @@ bool SimEngine::marketOpen() const {
 }
 
 std::optional<double> SimEngine::stalePrice(std::string_view sym) const {
-    const auto age = prices_.age(sym, setup_.clock.now());
+    const auto age = prices_.of(sym).age(setup_.clock.now());
     if (!age || !marketOpen()) return std::nullopt;
     return *age > freshFor || !watches_.connected(sym) ? age : std::nullopt;
 }

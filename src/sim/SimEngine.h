@@ -82,18 +82,22 @@ class SimEngine {
     std::optional<BracketSpec> ticketBracket = BracketSpec{40, 80};
 
     // The market; prices change without a notice ----------------------------------------------------------------------
-    /// A trade print: the last price, and whatever it fills. A price that is not above 0 is ignored.
-    void onTrade(std::string_view sym, double price);
+    /// A trade print: the last price, and whatever it fills. A price that is not above 0 is ignored. `at` is market
+    /// time in seconds since 1970, for a caller who has just read the clock; now without.
+    void onTrade(std::string_view sym, double price, double at);
+    void onTrade(std::string_view sym, double price) { onTrade(sym, price, setup_.clock.now()); }
     /// A top of book, and whatever it fills. It stands until the next one, however old. One with a side that is not
     /// above 0, or with the bid above the ask, is not a market and is ignored as a whole.
-    void onQuote(std::string_view sym, double bid, double ask);
+    void onQuote(std::string_view sym, double bid, double ask, double at);
+    void onQuote(std::string_view sym, double bid, double ask) { onQuote(sym, bid, ask, setup_.clock.now()); }
     /// A last price out of history, used only while there is none, if above 0 and finite. Fills nothing. `when` it was
     /// one, in seconds since 1970; now without.
     void seedLast(std::string_view sym, double price, std::optional<double> when = {});
-    const sim::RootMap<Quote>& quotes() const { return prices_.quotes(); }
-    const sim::RootMap<double>& lasts() const { return prices_.lasts(); }
+    const std::optional<double>& last(std::string_view sym) const { return prices_.of(sym).last; }
+    const std::optional<Quote>& quote(std::string_view sym) const { return prices_.of(sym).quote; }
+    const sim::SimPrices& prices() const { return prices_; }
     /// The touch: the quote, or half a tick around the last price; nothing before both.
-    std::optional<Quote> book(std::string_view sym) const { return prices_.book(sym, specs_.find(sym)); }
+    std::optional<Quote> book(std::string_view sym) const { return prices_.of(sym).book(specs_.find(sym)); }
     /// The age in seconds of the price that an order would fill at, where a person must be told of it: in an open
     /// market, when it is above `freshFor`, or when the root's contract comes over no connection.
     std::optional<double> stalePrice(std::string_view sym) const;
@@ -189,7 +193,7 @@ class SimEngine {
 
     sim::Date now() const;
     void forget(const std::vector<std::string>& roots);
-    void match(std::string_view sym);
+    void match(std::string_view sym, const sim::SimPrices::Market& market);
     bool fill(Order& order, double price);
     std::optional<Booking> bookFill(const Order& order, double price, const Spec& spec);
     void rollUp(const Order& order, double price, const Booking& booking);

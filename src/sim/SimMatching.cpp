@@ -47,16 +47,15 @@ void toLimit(Order& order) {
 
 // A fill may remove orders before `i`, and then one is passed over until the next event; orders that it appends are
 // reached in the same pass.
-void SimEngine::match(std::string_view sym) {
-    const double* known = lasts().find(sym);
-    if (!known) return;
-    const double last = *known;
-    const auto top = book(sym);
+void SimEngine::match(std::string_view sym, const sim::SimPrices::Market& market) {
+    if (!market.last) return;
+    const double last = *market.last;
+    const auto top = market.quote ? market.quote : market.book(specs_.find(sym));
     auto& orders = account_.orders;
     bool matched = false;
     for (std::size_t i = 0; i < orders.size();) {
         Order& order = orders[i];
-        if (order.sym != sym || order.state != OrderState::working) {
+        if (!sim::sameRoot(order.sym, sym) || order.state != OrderState::working) {
             ++i;
         } else if (const auto price = fillPriceOf(order, last, top)) {
             Order taken = takeOrder(i);

@@ -13,30 +13,33 @@ namespace vmr::sim {
 /// is allocated for a root that is known.
 class SimPrices {
  public:
-    // Each tells whether it was a price that somebody could have traded at; anything else changes nothing.
-    bool trade(std::string_view sym, double price, double now);
-    bool quote(std::string_view sym, double bid, double ask, double now);
+    struct Market {
+        std::optional<double> last;
+        std::optional<Quote> quote;
+        double lastAt = 0;   ///< when `last` was traded
+        double quoteAt = 0;  ///< when `quote` came, or was last seen to be good
+
+        /// The touch: the quote, or half a tick around the last price; nothing before both.
+        std::optional<Quote> book(const Spec* spec) const;
+        /// The age in seconds of what `book` is made of. Nothing where there is no price.
+        std::optional<double> age(double now) const;
+    };
+
+    // Each gives the root's market as it is now; null, and nothing changes, when nobody could have traded at the price.
+    /// A trade within the quote shows that the quote is still good.
+    const Market* trade(std::string_view sym, double price, double now);
+    const Market* quote(std::string_view sym, double bid, double ask, double now);
     /// Only while there is no last price; `when` it was one.
-    bool seed(std::string_view sym, double price, double when);
+    void seed(std::string_view sym, double price, double when);
     /// They were those of another contract.
     void forget(std::string_view sym);
 
-    const RootMap<Quote>& quotes() const { return quotes_; }
-    const RootMap<double>& lasts() const { return lasts_; }
-
-    /// The touch: the quote, or half a tick around the last price; nothing before both.
-    std::optional<Quote> book(std::string_view sym, const Spec* spec) const;
-    /// The age in seconds of what `book` is made of. A trade within the quote shows that it is still good. Nothing
-    /// where there is no price.
-    std::optional<double> age(std::string_view sym, double now) const;
+    /// Empty for a root that was never seen, as for one that was forgotten.
+    const Market& of(std::string_view sym) const;
+    const RootMap<Market>& all() const { return markets_; }
 
  private:
-    struct Times {
-        double last = 0, quote = 0;
-    };
-    RootMap<Quote> quotes_;
-    RootMap<double> lasts_;
-    RootMap<Times> times_;
+    RootMap<Market> markets_;
 };
 
 }  // namespace vmr::sim

@@ -26,6 +26,8 @@ bool SimWatches::follow(const std::string& root, const std::string& contract) {
     std::string& followed = contracts_[root];
     const bool changes = !followed.empty() && followed != contract;
     followed = contract;
+    for (Watch& watch : watches_)
+        if (watch.root == root) watch.followed = watch.contract == contract;
     return changes;
 }
 
@@ -40,7 +42,7 @@ void SimWatches::setConnected(const void* viewer, bool connected) {
 
 bool SimWatches::follows(const void* viewer) const {
     for (const Watch& watch : watches_)
-        if (watch.viewer == viewer) return isFollowed(watch);
+        if (watch.viewer == viewer) return watch.followed;
     return false;
 }
 
@@ -50,7 +52,7 @@ bool SimWatches::watched(std::string_view root) const {
 
 bool SimWatches::connected(std::string_view root) const {
     return std::any_of(watches_.begin(), watches_.end(),
-                       [&](const Watch& watch) { return watch.root == root && watch.connected && isFollowed(watch); });
+                       [&](const Watch& watch) { return watch.root == root && watch.connected && watch.followed; });
 }
 
 std::string_view SimWatches::contract(std::string_view root) const {

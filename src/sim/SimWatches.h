@@ -35,8 +35,8 @@ class SimWatches {
         const void* viewer;
         std::string root, contract;
         bool connected;
+        bool followed = false;  // the account follows this contract of the root; asked with every price
     };
-    bool isFollowed(const Watch& watch) const { return contract(watch.root) == watch.contract; }
     bool follow(const std::string& root, const std::string& contract);
 
     std::vector<Watch> watches_;  // the one that was opened last is the last one

@@ -111,11 +111,11 @@ TEST_F(SimPane, AnOldContractsPricesReachNoOrder) {
     snapshot("futures:NQU6", flatBars(minute - 120, 3, 101));
     event("futures:NQU6:quote", R"({"bid":101,"ask":101.25})");
     EXPECT_EQ(fills(), 1u);
-    EXPECT_EQ(*engine.lasts().find("NQ"), 101);
+    EXPECT_EQ(engine.last("NQ"), 101);
     trade("NQU6", "94", 200);
     EXPECT_EQ(fills(), 1u) << "a trade that the bars refuse as too old";
     model->openChart("futures:NQZ6", "");
-    EXPECT_EQ(engine.lasts().find("NQ"), nullptr);
+    EXPECT_EQ(engine.last("NQ"), std::nullopt);
     trade("NQZ6", "94");
     EXPECT_EQ(fills(), 2u);
     EXPECT_EQ(engine.openTrades().size(), 0u);
@@ -132,7 +132,7 @@ TEST_F(SimPane, WithoutTheContractsTheBuiltInOneCountsAfterTwoSeconds) {
     snapshot("futures:NQM6", flatBars(minute - 120, 3, 90));
     for (const bool known : {false, true}) {
         time.advance(known ? 0.2 : 1.9);
-        EXPECT_EQ(engine.lasts().find("NQ") != nullptr, known);
+        EXPECT_EQ(engine.last("NQ").has_value(), known);
     }
 }
 

@@ -212,9 +212,9 @@ class Stream {
 
     // Whether the tape as it stands fills the order, and where.
     std::optional<double> fillOf(const Order& order) const {
-        const double* last = engine_.lasts().find(order.sym);
+        const auto last = engine_.last(order.sym);
         if (!last) return std::nullopt;
-        const sim::Quote* quote = engine_.quotes().find(order.sym);
+        const auto quote = engine_.quote(order.sym);
         const bool buys = order.side == Side::buy;
         const double touch = quote ? (buys ? quote->ask : quote->bid) : priced(ticksOf(*last) + (buys ? 0.5 : -0.5));
         const double sign = buys ? 1 : -1;
