@@ -1,16 +1,14 @@
 #include "chart/CandleGeometry.h"
 
+#include <algorithm>
+
 namespace vmr::CandleGeometry {
 
 namespace {
 
-constexpr Rgba classicUp{0.149F, 0.651F, 0.604F, 1.0F};
-constexpr Rgba classicDown{0.937F, 0.325F, 0.314F, 1.0F};
 constexpr Rgba white{1.0F, 1.0F, 1.0F, 1.0F};
-constexpr Rgba monoDownFill{1.0F, 1.0F, 1.0F, 0.4F};
-constexpr Look classicLooks[2] = {{classicDown, classicDown, classicDown, false},
-                                  {classicUp, classicUp, classicUp, false}};
-constexpr Look monoLooks[2] = {{monoDownFill, white, white, true}, {white, white, white, false}};
+constexpr Look classicLooks[2] = {{{0.937F, 0.325F, 0.314F, 1.0F}}, {{0.149F, 0.651F, 0.604F, 1.0F}}};
+constexpr Look monoLooks[2] = {{white, true}, {white}};
 
 }  // namespace
 
@@ -18,30 +16,31 @@ const Look& look(std::string_view theme, bool up) {
     return (theme == "classic" ? classicLooks : monoLooks)[up ? 1 : 0];
 }
 
-BoxVertex* writeBody(BoxVertex* out, double x, double top, double bot, const Rgba& color) {
-    return writeBox(out, static_cast<float>(x - halfBody), static_cast<float>(top), static_cast<float>(x + halfBody),
-                    static_cast<float>(bot), color);
-}
-
-BoxVertex* writeWicks(BoxVertex* out, double x, double high, double top, double bot, double low, const Rgba& color) {
-    const auto w0 = static_cast<float>(x - halfWick);
-    const auto w1 = static_cast<float>(x + halfWick);
-    const Rgba8 paint = color;
-    out = writeBox(out, w0, static_cast<float>(high), w1, static_cast<float>(top), paint);
-    return writeBox(out, w0, static_cast<float>(bot), w1, static_cast<float>(low), paint);
-}
-
-LineVertex* appendBodyOutline(LineVertex* out, double x, double halfWidth, double top, double bot, const Rgba& color) {
-    constexpr float half = 0.5F;  // points
-    const auto x0 = static_cast<float>(x - halfWidth);
-    const auto x1 = static_cast<float>(x + halfWidth);
-    const auto t = static_cast<float>(top);
-    const auto b = static_cast<float>(bot);
-    const Rgba8 paint = color;
-    out = writeSegment(out, x0, t, x1, t, half, paint);
-    out = writeSegment(out, x0, b, x1, b, half, paint);
-    out = writeSegment(out, x0, b, x0, t, half, paint);
-    return writeSegment(out, x1, b, x1, t, half, paint);
+CandleVertex* write(CandleVertex* out, const Place& place, const Look& look, const Before& before) {
+    const auto halfStroke = [](const Look& of) { return of.outlined ? 0.5F : 0.0F; };  // points
+    CandleVertex vertex;
+    vertex.body[0] = static_cast<float>(place.top);
+    vertex.body[1] = static_cast<float>(place.bot);
+    vertex.wick = static_cast<float>(place.halfWick / place.halfBody);
+    vertex.halfStroke = halfStroke(look);
+    vertex.fill = look.fill;
+    vertex.color = look.color;
+    if (before.look != nullptr) {
+        vertex.before[0] = static_cast<float>(before.top);
+        vertex.before[1] = static_cast<float>(before.bot);
+        vertex.before[2] = halfStroke(*before.look);
+        vertex.before[3] = before.look->color[3];
+    }
+    eachCorner(static_cast<float>(place.x - place.halfBody), static_cast<float>(std::max(place.high, place.top)),
+               static_cast<float>(place.x + place.halfBody), static_cast<float>(std::min(place.low, place.bot)),
+               [&](float x, float y, float otherX, float otherY) {
+                   vertex.corner[0] = x;
+                   vertex.corner[1] = y;
+                   vertex.opposite[0] = otherX;
+                   vertex.opposite[1] = otherY;
+                   *out++ = vertex;
+               });
+    return out;
 }
 
 }  // namespace vmr::CandleGeometry

@@ -1,4 +1,4 @@
-// The shapes of one candle as vertices. All places are in data space relative to the caller's origin.
+// Candles as vertices. All places are in data space relative to the caller's origin.
 #pragma once
 
 #include <cstddef>
@@ -11,14 +11,14 @@ namespace vmr::CandleGeometry {
 
 inline constexpr double halfBody = 0.32;  ///< bars
 inline constexpr double halfWick = 0.06;  ///< bars
-inline constexpr std::size_t bodyVertices = boxVertices;
-inline constexpr std::size_t wickVertices = 2 * boxVertices;
-inline constexpr std::size_t outlineVertices = 4 * segmentVertices;
+inline constexpr std::size_t candleVertices = 4;
 
-/// The colours of a candle; `outlined` when its body has a border of one pixel.
+/// What a candle is painted with. The body of an outlined one has a border of one point at any zoom and is filled with
+/// a share of its colour.
 struct Look {
-    Rgba body, wick, border;
+    Rgba color;
     bool outlined = false;
+    float fill = 0.4F;  ///< of any candle next to an outlined one
 };
 
 /// `theme` "classic", or anything else for mono.
@@ -27,13 +27,22 @@ const Look& look(std::string_view theme, bool up);
 /// A bar that closes where it opened counts as up.
 inline bool isUp(double open, double close) { return open <= close; }
 
-// Each writes its fixed number of vertices at `out` and returns the place after them.
+/// Where a candle lies.
+struct Place {
+    double x, high, top, bot, low;
+    double halfBody = CandleGeometry::halfBody, halfWick = CandleGeometry::halfWick;
+};
 
-/// A body.
-BoxVertex* writeBody(BoxVertex* out, double x, double top, double bot, const Rgba& color);
-/// The wick above and the wick below a body, both always.
-BoxVertex* writeWicks(BoxVertex* out, double x, double high, double top, double bot, double low, const Rgba& color);
-/// Four ribbons, one pixel wide at any zoom, around a body; corners overlap.
-LineVertex* appendBodyOutline(LineVertex* out, double x, double halfWidth, double top, double bot, const Rgba& color);
+/// The candle one bar before another; none without a look.
+struct Before {
+    double top = 0, bot = 0;
+    const Look* look = nullptr;
+};
+
+/// Writes `candleVertices` vertices at `out` and returns the place after them.
+CandleVertex* write(CandleVertex* out, const Place& place, const Look& look, const Before& before);
+
+/// Whether candles at this distance, in points, may share pixels.
+constexpr bool areDense(double pointsABar) { return pointsABar < 4; }
 
 }  // namespace vmr::CandleGeometry

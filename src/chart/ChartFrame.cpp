@@ -42,7 +42,7 @@ bool ChartRenderer::drawFrame(double width, double height, double pixelRatio, do
 bool ChartRenderer::drawChart(double width, double height, double pixelRatio) {
     rebuildKept();
     Geometry geometry;
-    if (!buildGeometry(width, height, geometry)) return false;
+    if (!buildGeometry(width, height, pixelRatio, geometry)) return false;
     if (perf) perf->bump("ChartOverlay");  // the axes and every text are made anew in each frame
 
     const Candle& last = candles_.back();
@@ -66,18 +66,18 @@ void ChartRenderer::rebuildKept() {
     if (perf) perf->time("markers", (clock_.monotonic() - start) * 1000.0);
 }
 
-bool ChartRenderer::buildGeometry(double viewW, double viewH, Geometry& geometry) {
+bool ChartRenderer::buildGeometry(double viewW, double viewH, double pixelRatio, Geometry& geometry) {
     if (!camera_.settle(candles_)) return false;
     if (camera_.snapLerps) movedTo_ = camera_.viewport();
     geometry.candleUniforms = camera_.uniforms(origin_);
     geometry.animating = forming_.ease(candles_.back().close, easing_.alphaClose);
     geometry.forming = forming_.write(candles_, renderCfg_.candleTheme, camera_, origin_, viewW, viewH, arena_);
-    geometry.edges = stepEdges(viewW, viewH);
+    geometry.edges = stepEdges(viewW, viewH, pixelRatio);
     geometry.animating |= geometry.edges.animating;
     return true;
 }
 
-EdgeFrame ChartRenderer::stepEdges(double viewW, double viewH) {
+EdgeFrame ChartRenderer::stepEdges(double viewW, double viewH, double pixelRatio) {
     return edges_.step({.strikes = strikes_.rows,
                         .etfRatio = strikes_.etfRatio,
                         .flipStrike = strikes_.flip,
@@ -90,7 +90,8 @@ EdgeFrame ChartRenderer::stepEdges(double viewW, double viewH) {
                         .yOffset = camera_.yOffset(),
                         .snapLerps = camera_.snapLerps,
                         .alphaX = easing_.alphaX,
-                        .alphaY = easing_.alphaY},
+                        .alphaY = easing_.alphaY,
+                        .pixelRatio = pixelRatio},
                        arena_);
 }
 

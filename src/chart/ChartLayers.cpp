@@ -1,4 +1,5 @@
 // The layers of a frame, back to front.
+#include "chart/CandleGeometry.h"
 #include "chart/ChartRenderer.h"
 #include "chart/PipelineState.h"
 
@@ -14,7 +15,7 @@ void ChartRenderer::encodeEdges(const EdgeFrame& edges, double width, double hei
     for (const EdgeFrame::Wave& wave : edges.waves) {
         if (!wave.fill) continue;
         setFlat(gpu_, {});
-        drawDyn(Primitive::triangles, wave.fill);
+        drawDyn(Primitive::quads, wave.fill);
         setWithView(gpu_, Pipeline::ribbon, view);
         drawDyn(Primitive::quads, wave.stroke);
         setWithView(gpu_, Pipeline::marker, view);
@@ -36,15 +37,10 @@ void ChartRenderer::encodeLayers(const Geometry& geometry, double width, double 
         drawDyn(Primitive::lines, geometry.forming.priceLine);
     }
     overlays_.draw(camera_, width, height);
-    setWithView(gpu_, Pipeline::box, camera);
-    bars_.bodies.drawInView(camera_, origin_);
-    drawDyn(Primitive::quads, geometry.forming.body);
-    bars_.wicks.drawInView(camera_, origin_);
-    drawDyn(Primitive::quads, geometry.forming.wicks);
-    if (bars_.borders.size() == 0 && !geometry.forming.border) return;
-    setWithView(gpu_, Pipeline::ribbon, camera);
-    bars_.borders.drawInView(camera_, origin_);
-    drawDyn(Primitive::quads, geometry.forming.border);
+    const bool dense = CandleGeometry::areDense(width / camera_.visibleCount);
+    setWithView(gpu_, dense ? Pipeline::dense : Pipeline::candle, camera);
+    bars_.list.drawInView(camera_, origin_);
+    drawDyn(Primitive::quads, geometry.forming.candle);
 }
 
 }  // namespace vmr

@@ -159,8 +159,8 @@ class ChartRenderer {
     // The frame (ChartFrame.cpp)
     bool drawChart(double width, double height, double pixelRatio);
     void rebuildKept();
-    bool buildGeometry(double viewW, double viewH, Geometry& geometry);
-    EdgeFrame stepEdges(double viewW, double viewH);
+    bool buildGeometry(double viewW, double viewH, double pixelRatio, Geometry& geometry);
+    EdgeFrame stepEdges(double viewW, double viewH, double pixelRatio);
 
     // The layers in their order (ChartLayers.cpp)
     void encodeLayers(const Geometry& geometry, double width, double height);

@@ -172,7 +172,7 @@ EdgeLayers::~EdgeLayers() = default;
 EdgeFrame EdgeLayers::step(const EdgeInput& input, FrameArena& arena) {
     impl_->labels.clear();
     if (!positive(input.viewW) || !positive(input.viewH) || !positive(input.etfRatio)) return {};
-    const EdgeStage stage{input.viewW, input.viewH, input.snapLerps, input.alphaX, input.alphaY};
+    const EdgeStage stage{input.viewW, input.viewH, input.snapLerps, input.alphaX, input.alphaY, input.pixelRatio};
     placeRows(input.strikes, input.etfRatio, input.yScale, input.yOffset, input.viewH, impl_->placed);
     EdgeFrame frame;
     frame.animating |= impl_->stepBars(input, stage);

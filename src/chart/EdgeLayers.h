@@ -25,12 +25,13 @@ struct EdgeInput {
     double yScale = 1, yOffset = 0;  ///< price to clip space
     bool snapLerps = false;          ///< the camera moved in this frame: places jump, so that nothing trails behind
     double alphaX = 1, alphaY = 1;   ///< shares of the way that this frame eases
+    double pixelRatio = 1;
 };
 
 /// What the edge layers of a frame came to, all in clip space, drawn with identity uniforms, in this order.
 struct EdgeFrame {
     struct Wave {
-        std::optional<DynUpload> fill;    ///< triangles
+        std::optional<DynUpload> fill;    ///< flat quads
         std::optional<DynUpload> stroke;  ///< ribbons
         std::optional<DynUpload> dots;    ///< markers
     };

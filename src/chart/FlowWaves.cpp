@@ -9,20 +9,10 @@ namespace {
 
 using WaveEntry = StrikeMap<WaveDisp>::Entry;
 
-constexpr std::size_t pairVertices = 6;
+constexpr std::size_t quadVertices = 4;
 constexpr float strokeHalf = 0.7F;  // points
 constexpr float dotRadius = 2.5F;   // points
 constexpr double axisFade = 0.1;    // of the fill's alpha, at the axis
-
-/// A point in clip space.
-struct Place {
-    float x, y;
-};
-
-ChartVertex* write(ChartVertex* out, const Place& at, const Rgba8& color) {
-    *out = {{at.x, at.y}, color};
-    return out + 1;
-}
 
 bool stepPoints(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> placed, StrikeMetric metric, double maxHf,
                 const EdgeStage& stage, bool snap) {
@@ -57,22 +47,25 @@ std::size_t signOf(double strike, std::span<const PlacedRow> placed, StrikeMetri
     return found != placed.end() && found->strike == strike && net(*found->row) < 0 ? 1 : 0;
 }
 
-/// Writes the quads between two successive points.
-class PairBrush {
+/// Writes quads of a wave's area, from the axis to the points.
+class AreaBrush {
  public:
-    PairBrush(const EdgeStage& stage, const Rgba& fill)
+    AreaBrush(const EdgeStage& stage, const Rgba& fill)
         : stage_(stage), fill_(fill), anchor_(stage.axisX()), maxW_(stage.maxW()), axisX_(stage.clipX(anchor_)) {}
 
-    ChartVertex* writeFill(ChartVertex* out, const WaveDisp& a, const WaveDisp& b) const {
-        const Rgba8 axis = faded(axisFade), colorA = faded(fadeAt(a.x)), colorB = faded(fadeAt(b.x));
-        const Place axisA{axisX_, stage_.clipY(a.py)}, axisB{axisX_, stage_.clipY(b.py)};
-        const Place pointA{stage_.clipX(a.x), axisA.y}, pointB{stage_.clipX(b.x), axisB.y};
-        out = write(out, axisA, axis);
-        out = write(out, pointA, colorA);
-        out = write(out, pointB, colorB);
-        out = write(out, axisA, axis);
-        out = write(out, pointB, colorB);
-        return write(out, axisB, axis);
+    /// A level cut through the area: where it lies, and how opaque the area is there.
+    struct Cut {
+        double x, py;  // of its end at the wave
+        double opacity = 1;
+    };
+
+    ChartVertex* write(ChartVertex* out, const Cut& a, const Cut& b) const {
+        const float yA = stage_.clipY(a.py), yB = stage_.clipY(b.py);
+        *out++ = {{axisX_, yA}, faded(axisFade * a.opacity)};
+        *out++ = {{stage_.clipX(a.x), yA}, faded(fadeAt(a.x) * a.opacity)};
+        *out++ = {{stage_.clipX(b.x), yB}, faded(fadeAt(b.x) * b.opacity)};
+        *out++ = {{axisX_, yB}, faded(axisFade * b.opacity)};
+        return out;
     }
 
  private:
@@ -100,14 +93,24 @@ bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> pla
     return stepPoints(display, placed, metric, maxHf, stage, false);
 }
 
-std::size_t fillVertices(std::size_t points) { return points < 2 ? 0 : (points - 1) * pairVertices; }
+std::size_t fillVertices(std::size_t points) { return points < 2 ? 0 : (points + 1) * quadVertices; }
 std::size_t strokeVertices(std::size_t points) { return points < 2 ? 0 : (points - 1) * segmentVertices; }
 
 ChartVertex* writeFill(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage, ChartVertex* out) {
     const std::span<const WaveEntry> points = display.byRow();
-    const PairBrush pair(stage, look.fill);
-    for (std::size_t i = 0; i + 1 < points.size(); ++i) out = pair.writeFill(out, points[i].disp, points[i + 1].disp);
-    return out;
+    if (points.size() < 2) return out;
+    const AreaBrush brush(stage, look.fill);
+    const WaveDisp &first = points.front().disp, &last = points.back().disp;
+    const double edge = std::min(0.5 / stage.pixelRatio, (last.py - first.py) / 4);  // half a device pixel
+    AreaBrush::Cut above{first.x, first.py + edge};
+    out = brush.write(out, {first.x, first.py - edge, 0}, above);
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const WaveDisp& point = points[i].disp;
+        const AreaBrush::Cut below{point.x, std::clamp(point.py, first.py + edge, last.py - edge)};
+        out = brush.write(out, above, below);
+        above = below;
+    }
+    return brush.write(out, above, {last.x, last.py + edge, 0});
 }
 
 LineVertex* writeStroke(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,

@@ -28,7 +28,9 @@ bool steppedNetWave(StrikeMap<WaveDisp>& display, std::span<const PlacedRow> pla
 std::size_t fillVertices(std::size_t points);
 std::size_t strokeVertices(std::size_t points);
 
-/// Writes the area between the points and the axis as triangles and returns the place after them.
+/// Writes the area between the points and the axis as quads and returns the place after them. Its first and its last
+/// quad fade in and out over the device pixel of the outermost points, so that the level edges there are smooth; the
+/// slanted one lies under the stroke.
 ChartVertex* writeFill(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage, ChartVertex* out);
 
 /// Writes the line through the points as ribbons and returns the place after them. With `net`, a point is painted by

@@ -23,13 +23,13 @@ FormingBar::Lists FormingBar::write(std::span<const Candle> candles, std::string
                                     const DataOrigin& origin, double viewW, double viewH, FrameArena& arena) {
     const double minBody = (camera.yMaxManual - camera.yMinManual) / std::max(viewH, 1.0) * 1.5;
     Lists lists;
-    writeCandle(candles, theme, minBody, origin, arena, lists);
+    lists.candle = writeCandle(candles, theme, minBody, origin, arena);
     lists.priceLine = writePriceLine(camera, origin, viewW, arena);
     return lists;
 }
 
-void FormingBar::writeCandle(std::span<const Candle> candles, std::string_view theme, double minBody,
-                             const DataOrigin& origin, FrameArena& arena, Lists& lists) const {
+std::optional<DynUpload> FormingBar::writeCandle(std::span<const Candle> candles, std::string_view theme,
+                                                 double minBody, const DataOrigin& origin, FrameArena& arena) const {
     using namespace CandleGeometry;
     const Candle& last = candles.back();
     const double open = last.open;
@@ -45,19 +45,15 @@ void FormingBar::writeCandle(std::span<const Candle> candles, std::string_view t
     }
     const double wickHi = std::max({last.high, close_, open}) - origin.price;
     const double wickLo = std::min({last.low, close_, open}) - origin.price;
-    top -= origin.price;
-    bot -= origin.price;
-
-    std::array<BoxVertex, bodyVertices> body;
-    writeBody(body.data(), x, top, bot, style.body);
-    lists.body = arena.uploadDyn(body);
-    std::array<BoxVertex, wickVertices> wicks;
-    writeWicks(wicks.data(), x, wickHi, top, bot, wickLo, style.wick);
-    lists.wicks = arena.uploadDyn(wicks);
-    if (!style.outlined) return;
-    std::array<LineVertex, outlineVertices> outline;
-    appendBodyOutline(outline.data(), x, halfBody, top, bot, style.border);
-    lists.border = arena.uploadDyn(outline);
+    std::array<CandleVertex, candleVertices> vertices;
+    Before before;
+    if (candles.size() > 1) {
+        const Candle& c = candles[candles.size() - 2];
+        before = {std::max(c.open, c.close) - origin.price, std::min(c.open, c.close) - origin.price,
+                  &look(theme, isUp(c.open, c.close))};
+    }
+    CandleGeometry::write(vertices.data(), {x, wickHi, top - origin.price, bot - origin.price, wickLo}, style, before);
+    return arena.uploadDyn(vertices);
 }
 
 std::optional<DynUpload> FormingBar::writePriceLine(const Camera& camera, const DataOrigin& origin, double viewW,

@@ -21,7 +21,7 @@ class FormingBar {
 
     /// What a frame draws.
     struct Lists {
-        std::optional<DynUpload> body, border, wicks, priceLine;
+        std::optional<DynUpload> candle, priceLine;
     };
 
     /// The close as it is shown; NaN before the first bar.
@@ -36,8 +36,8 @@ class FormingBar {
                 double viewW, double viewH, FrameArena& arena);
 
  private:
-    void writeCandle(std::span<const Candle> candles, std::string_view theme, double minBody, const DataOrigin& origin,
-                     FrameArena& arena, Lists& lists) const;
+    std::optional<DynUpload> writeCandle(std::span<const Candle> candles, std::string_view theme, double minBody,
+                                         const DataOrigin& origin, FrameArena& arena) const;
     std::optional<DynUpload> writePriceLine(const Camera& camera, const DataOrigin& origin, double viewW,
                                             FrameArena& arena);
 

@@ -1,4 +1,4 @@
-// The closed bars on the GPU: bodies, wicks and outlines.
+// The closed bars on the GPU.
 #pragma once
 
 #include <span>
@@ -14,18 +14,16 @@ namespace vmr {
 /// Made anew when bars came or went, one that was closed changed, or the theme. Main thread.
 class KeptCandles {
  public:
-    explicit KeptCandles(Gpu& gpu) : bodies(gpu), wicks(gpu), borders(gpu) {}
+    explicit KeptCandles(Gpu& gpu) : list(gpu) {}
 
     /// All but the last of `candles`, which are not empty and which `FormingBar` draws, relative to `origin`.
     void make(std::span<const Candle> candles, std::string_view theme, const DataOrigin& origin);
 
-    KeptList bodies, wicks;
-    KeptList borders;  ///< ribbons
+    KeptList list;
     bool dirty = true;
 
  private:
-    std::vector<BoxVertex> boxes_;
-    std::vector<LineVertex> ribbons_;
+    std::vector<CandleVertex> vertices_;
 };
 
 }  // namespace vmr

@@ -13,7 +13,8 @@ struct Place {
     float bar, points;
 };
 Place placeOf(const BoxVertex& vertex) { return {vertex.corner[0], 0}; }
-Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], std::abs(vertex.beside)}; }
+Place placeOf(const CandleVertex& vertex) { return {vertex.corner[0], vertex.halfStroke}; }
+Place placeOf(const LineVertex& vertex) { return {vertex.pos[0], vertex.halfWidth()}; }
 Place placeOf(const MarkerVertex& vertex) { return {vertex.center[0], vertex.radius}; }
 }  // namespace
 
@@ -50,9 +51,11 @@ bool KeptList::replace(const std::vector<Vertex>& list) {
 }
 
 template void KeptList::keep(const std::vector<BoxVertex>&);
+template void KeptList::keep(const std::vector<CandleVertex>&);
 template void KeptList::keep(const std::vector<LineVertex>&);
 template void KeptList::keep(const std::vector<MarkerVertex>&);
 template bool KeptList::replace(const std::vector<BoxVertex>&);
+template bool KeptList::replace(const std::vector<CandleVertex>&);
 template bool KeptList::replace(const std::vector<LineVertex>&);
 
 void KeptList::draw() const {

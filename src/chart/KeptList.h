@@ -10,8 +10,8 @@
 namespace vmr {
 
 /// Copied to the GPU when it is given, and drawn in every frame until another one is. Of a long list only the blocks in
-/// view are drawn, so that a pan costs the same over any history. Vertices are `BoxVertex`, `LineVertex` or
-/// `MarkerVertex`, in data space. Main thread.
+/// view are drawn, so that a pan costs the same over any history. Vertices are those of shapes in
+/// data space: all but `ChartVertex` and `TextVertex`. Main thread.
 class KeptList {
  public:
     /// `gpu` must outlive it.

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "chart/CandleGeometry.h"
 #include "chart/OverlayGeometry.h"
 #include "chart/PipelineState.h"
 #include "market/Bars.h"
@@ -27,7 +28,6 @@ bool KeptOverlays::set(const OverlayLists& lists) {
         changed |= sessionFar_.replace(lists.sessionFar);
     }
     changed |= second_.replace(lists.second);
-    changed |= secondBorders_.replace(lists.secondBorders);
     return changed;
 }
 
@@ -36,15 +36,14 @@ void KeptOverlays::follow(std::span<const Candle> candles) {
 }
 
 void KeptOverlays::draw(const Camera& camera, double width, double height) const {
-    if (lineVertices() + second_.size() + secondBorders_.size() == 0) return;
+    if (lineVertices() + second_.size() == 0) return;
     const LineUniforms place = lineUniforms(camera.uniforms(origin_), width, height);
     if (lineVertices() > 0) setWithView(gpu_, Pipeline::ribbon, place);
     lines_.drawInView(camera, origin_);
     (showsDashes(camera, width) ? sessionLines_ : sessionFar_).drawInView(camera, origin_);
-    if (second_.size() > 0) setWithView(gpu_, Pipeline::box, place);
+    const bool dense = CandleGeometry::areDense(width / camera.visibleCount);
+    if (second_.size() > 0) setWithView(gpu_, dense ? Pipeline::dense : Pipeline::candle, place);
     second_.drawInView(camera, origin_);
-    if (secondBorders_.size() > 0) setWithView(gpu_, Pipeline::ribbon, place);
-    secondBorders_.drawInView(camera, origin_);
 }
 
 }  // namespace vmr

@@ -14,8 +14,7 @@ namespace vmr {
 /// Main thread.
 class KeptOverlays {
  public:
-    explicit KeptOverlays(Gpu& gpu)
-        : gpu_(gpu), lines_(gpu), sessionLines_(gpu), sessionFar_(gpu), second_(gpu), secondBorders_(gpu) {}
+    explicit KeptOverlays(Gpu& gpu) : gpu_(gpu), lines_(gpu), sessionLines_(gpu), sessionFar_(gpu), second_(gpu) {}
 
     /// Copies what differs to the GPU, and tells whether anything did. Session lines are looked at when their revision
     /// is another.
@@ -25,7 +24,7 @@ class KeptOverlays {
     /// them.
     void follow(std::span<const Candle> candles);
 
-    /// Ribbons, then the paired instrument's candles and their outlines.
+    /// Ribbons, then the paired instrument's candles.
     void draw(const Camera& camera, double width, double height) const;
 
     std::size_t lineVertices() const { return lines_.size() + sessionLines_.size(); }
@@ -33,7 +32,7 @@ class KeptOverlays {
 
  private:
     Gpu& gpu_;
-    KeptList lines_, sessionLines_, sessionFar_, second_, secondBorders_;
+    KeptList lines_, sessionLines_, sessionFar_, second_;
     std::uint64_t sessionRevision_ = 0;
     DataOrigin origin_;            ///< of all of them
     std::int64_t originTime_ = 0;  ///< of the bar there

@@ -38,11 +38,9 @@ class Ribbon {
 
     // From `a` over `dx` bars; `dx` above 0.
     void dashes(const Spot& a, double dx, double dy, const Dash& dash, const Rgba8& color) {
-        end_ = {NAN, NAN};
-        for (double d = 0; d < dx; d += dash.period()) {
-            const double e = std::min(dx, d + dash.on);
-            segment({a.x + d, a.y + dy * d / dx}, {a.x + e, a.y + dy * e / dx}, color);
-        }
+        const auto at = [&](double d) { return d < dx ? Spot{a.x + d, a.y + dy * d / dx} : Spot{a.x + dx, a.y + dy}; };
+        for (double d = 0; d < dx; d += dash.period()) line(at(d), at(d + dash.on), color);
+        if (end_.x != a.x + dx) end_ = {NAN, NAN};
     }
 
  private:
@@ -121,27 +119,25 @@ void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines,
     }
 }
 
-void secondCandles(std::vector<BoxVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,
-                   const DataOrigin& origin) {
-    constexpr double halfBody = 0.3, halfWick = 0.05;  // bars
-    constexpr Rgba solid{1.0F, 0.478F}, rising{1.0F, 0.478F, 0.0F, 0.85F}, falling{1.0F, 0.478F, 0.0F, 0.4F};
+void secondCandles(std::vector<CandleVertex>& verts, std::span<const OvCandle> candles, const DataOrigin& origin) {
+    using namespace CandleGeometry;
+    static constexpr Look falling{{1.0F, 0.478F, 0.0F, 1.0F}, true}, rising{{1.0F, 0.478F, 0.0F, 0.85F}};
+    verts.resize(candles.size() * candleVertices);
+    CandleVertex* out = verts.data();
+    Before before;
+    double next = NAN;  // the bar that joins the one before
     for (const OvCandle& bar : candles) {
-        const bool up = CandleGeometry::isUp(bar.o, bar.c);
-        const double x = bar.idx - origin.bar;
-        const double top = std::max(bar.o, bar.c) - origin.price, bot = std::min(bar.o, bar.c) - origin.price;
-        const double high = bar.h - origin.price, low = bar.l - origin.price;
-        const auto box = [&](double half, double y0, double y1, const Rgba& color) {
-            verts.resize(verts.size() + boxVertices);
-            writeBox(&*(verts.end() - boxVertices), static_cast<float>(x - half), static_cast<float>(y0),
-                     static_cast<float>(x + half), static_cast<float>(y1), color);
-        };
-        if (top < high) box(halfWick, high, top, up ? rising : solid);
-        if (low < bot) box(halfWick, bot, low, up ? rising : solid);
-        box(halfBody, top, bot, up ? rising : falling);
-        if (up) continue;
-        borders.resize(borders.size() + CandleGeometry::outlineVertices);
-        CandleGeometry::appendBodyOutline(&borders[borders.size() - CandleGeometry::outlineVertices], x, halfBody, top,
-                                          bot, solid);
+        const Place place{.x = bar.idx - origin.bar,
+                          .high = bar.h - origin.price,
+                          .top = std::max(bar.o, bar.c) - origin.price,
+                          .bot = std::min(bar.o, bar.c) - origin.price,
+                          .low = bar.l - origin.price,
+                          .halfBody = 0.3,
+                          .halfWick = 0.05};
+        const Look& style = isUp(bar.o, bar.c) ? rising : falling;
+        out = write(out, place, style, bar.idx == next ? before : Before{});
+        before = {place.top, place.bot, &style};
+        next = bar.idx + 1;
     }
 }
 

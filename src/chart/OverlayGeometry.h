@@ -39,8 +39,7 @@ enum class Gaps : unsigned char { drawn, blended };
 void srLines(std::vector<LineVertex>& verts, std::span<const OverlayLine> lines, std::span<const Candle> candles,
              double opacity, const DataOrigin& origin, Gaps gaps = Gaps::drawn);
 
-/// The paired instrument's candles; the outlines of falling ones go to `borders`.
-void secondCandles(std::vector<BoxVertex>& verts, std::vector<LineVertex>& borders, std::span<const OvCandle> candles,
-                   const DataOrigin& origin);
+/// The paired instrument's candles.
+void secondCandles(std::vector<CandleVertex>& verts, std::span<const OvCandle> candles, const DataOrigin& origin);
 
 }  // namespace vmr::OverlayGeometry

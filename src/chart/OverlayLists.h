@@ -11,12 +11,11 @@ namespace vmr {
 
 /// Vertices in data space relative to `origin`.
 struct OverlayLists {
-    std::vector<LineVertex> lines;          ///< ribbons of the series
-    std::vector<LineVertex> sessionLines;   ///< ribbons of the session and support/resistance lines, over those
-    std::vector<LineVertex> sessionFar;     ///< the same without gaps, for when dashes are finer than pixels
-    std::uint64_t sessionRevision = 0;      ///< raised when both were made anew
-    std::vector<BoxVertex> second;          ///< the paired instrument's candles
-    std::vector<LineVertex> secondBorders;  ///< their outlines
+    std::vector<LineVertex> lines;         ///< ribbons of the series
+    std::vector<LineVertex> sessionLines;  ///< ribbons of the session and support/resistance lines, over those
+    std::vector<LineVertex> sessionFar;    ///< the same without gaps, for when dashes are finer than pixels
+    std::uint64_t sessionRevision = 0;     ///< raised when both were made anew
+    std::vector<CandleVertex> second;      ///< the paired instrument's candles
     DataOrigin origin;
     std::int64_t originTime = 0;  ///< of the bar that the origin lies on
 };

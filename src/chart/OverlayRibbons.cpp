@@ -29,7 +29,7 @@ void drawSeries(const OverlaySet& series, const OverlayStyle& style, const DataO
     polyline(out.lines, series.ema2, 1.5, style.ema2Color, std::nullopt, origin);
     const auto flow = static_cast<float>(style.hfLineOpacity);
     hfPolyline(out.lines, series.hfLine, 2.0, {0.0F, 0.588F, 1.0F, flow}, {1.0F, 0.314F, 0.314F, flow}, origin);
-    secondCandles(out.second, out.secondBorders, series.secondCandles, origin);
+    secondCandles(out.second, series.secondCandles, origin);
 }
 
 }  // namespace
@@ -41,7 +41,6 @@ const OverlayLists& OverlayRibbons::make(const Input& input) {
     }
     lists_.lines.clear();
     lists_.second.clear();
-    lists_.secondBorders.clear();
     makeSessionLines(input);
     if (input.series)
         drawSeries(*input.series, input.style, originFor(*input.series, input.candles, lists_.origin), lists_);
@@ -51,7 +50,6 @@ const OverlayLists& OverlayRibbons::make(const Input& input) {
 void OverlayRibbons::clear() {
     lists_.lines.clear();
     lists_.second.clear();
-    lists_.secondBorders.clear();
     clearSessionLines();
 }
 

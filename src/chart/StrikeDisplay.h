@@ -34,6 +34,7 @@ struct EdgeStage {
     double viewW = 0, viewH = 0;
     bool snapLerps = false;
     double alphaX = 1, alphaY = 1;
+    double pixelRatio = 1;
 
     double axisX() const { return PlotArea{viewW, viewH}.right(); }
     /// The widest bar and the widest swing of a wave.

@@ -37,6 +37,12 @@ class FrameArena {
     std::optional<DynUpload> uploadDyn(std::span<const BoxVertex> list) {
         return copy(std::as_bytes(list), list.size());
     }
+    std::optional<DynUpload> uploadDyn(std::span<const RoundVertex> list) {
+        return copy(std::as_bytes(list), list.size());
+    }
+    std::optional<DynUpload> uploadDyn(std::span<const CandleVertex> list) {
+        return copy(std::as_bytes(list), list.size());
+    }
     std::optional<DynUpload> uploadDyn(std::span<const LineVertex> list) {
         return copy(std::as_bytes(list), list.size());
     }

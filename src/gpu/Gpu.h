@@ -10,14 +10,18 @@
 
 namespace vmr {
 
-/// The chart's shader programs. All blend source-alpha over one-minus-source-alpha. With one sample a pixel those of
-/// boxes, ribbons and markers smooth edges by themselves; with more, the samples do, but for what is round.
+/// The chart's shader programs. All blend source-alpha over one-minus-source-alpha. Rounded boxes, candles and markers
+/// smooth their edges by themselves; boxes and ribbons do where a pixel has one sample, and leave it to the samples
+/// elsewhere. Flat shapes have no smooth edges with one sample.
 /// - flat: `ChartVertex` with 16 bytes of uniforms;
-/// - box: `BoxVertex`, - ribbon: `LineVertex`, - marker: `MarkerVertex`, as quads, with 32 bytes each;
+/// - box: `BoxVertex`, - rounded: `RoundVertex`, - candle, dense: `CandleVertex`, - ribbon: `LineVertex`,
+///   - marker: `MarkerVertex`, as quads, with 32 bytes each; dense is for candles that may share pixels: it leaves out
+///   what the one before covers;
 /// - text: `TextVertex` with 16 bytes, sampling the glyph atlas.
-enum class Pipeline : std::uint8_t { flat, box, ribbon, marker, text };
+enum class Pipeline : std::uint8_t { flat, box, rounded, candle, dense, ribbon, marker, text };
+inline constexpr std::size_t pipelineCount = 8;
 
-/// Quads are four vertices each (top left, bottom left, bottom right, top right), for all but flat shapes.
+/// Quads are four vertices each (top left, bottom left, bottom right, top right).
 enum class Primitive : std::uint8_t { triangles, lines, quads };
 
 /// Names a buffer; 0 is none.
@@ -58,7 +62,7 @@ class Gpu {
     virtual void resetClip() = 0;
     /// Uniforms have to be set after it, before the next draw.
     virtual void setPipeline(Pipeline pipeline) = 0;
-    /// 4 floats (flat, text) or 8 floats (box, ribbon, marker); copied.
+    /// 4 floats (flat, text) or 8 floats (all others); copied.
     virtual void setUniforms(std::span<const float> values) = 0;
     /// Draws `vertexCount` vertices, whole shapes, that begin `byteOffset` bytes into `buffer`, with the pipeline and
     /// uniforms set last. Nothing for 0.

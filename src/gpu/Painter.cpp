@@ -36,13 +36,13 @@ void Painter::record(PaintSurface& surface) {
                          upload->offset, upload->count);
     };
     std::span<const ChartVertex> shapes = shapes_;
-    std::span<const BoxVertex> boxes = boxes_;
+    std::span<const RoundVertex> boxes = boxes_;
     std::span<const LineVertex> segments = segments_;
     std::span<const TextVertex> texts = texts_.vertices();
     for (const Run& run : runs_) {
         if (run.pipeline == Pipeline::text)
             draw(run.pipeline, texts, run.count);
-        else if (run.pipeline == Pipeline::box)
+        else if (run.pipeline == Pipeline::rounded)
             draw(run.pipeline, boxes, run.count);
         else if (run.pipeline == Pipeline::ribbon)
             draw(run.pipeline, segments, run.count);
@@ -78,9 +78,11 @@ void Painter::rect(double x0, double y0, double x1, double y1, const Rgba& color
 
 void Painter::roundedBox(double x0, double y0, double x1, double y1, double radius, const Rgba& color) {
     const auto edge = [this](double points) { return static_cast<float>(pixel(points) / pixelRatio_); };
-    lengthen(Pipeline::box, boxVertices);
-    boxes_.resize(boxes_.size() + boxVertices);
-    writeBox(&*(boxes_.end() - boxVertices), edge(x0), edge(y0), edge(x1), edge(y1), color, static_cast<float>(radius));
+    const Rgba8 paint = color;
+    lengthen(Pipeline::rounded, boxVertices);
+    eachCorner(edge(x0), edge(y0), edge(x1), edge(y1), [&](float x, float y, float ox, float oy) {
+        boxes_.push_back({{x, y}, {ox, oy}, static_cast<float>(radius), paint});
+    });
 }
 
 void Painter::dashes(double x0, double x1, double y, double dash, double gap, const Rgba& color) {

@@ -81,7 +81,7 @@ class Painter {
     TextRuns texts_;
     double pixelRatio_ = 1;
     std::vector<ChartVertex> shapes_;
-    std::vector<BoxVertex> boxes_;
+    std::vector<RoundVertex> boxes_;
     std::vector<LineVertex> segments_;
     std::vector<Run> runs_;  // in the order of painting
 };

@@ -61,6 +61,11 @@ constexpr std::size_t vertexStride(Pipeline pipeline) {
     switch (pipeline) {
         case Pipeline::box:
             return sizeof(BoxVertex);
+        case Pipeline::rounded:
+            return sizeof(RoundVertex);
+        case Pipeline::candle:
+        case Pipeline::dense:
+            return sizeof(CandleVertex);
         case Pipeline::ribbon:
             return sizeof(LineVertex);
         case Pipeline::marker:

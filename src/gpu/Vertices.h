@@ -33,29 +33,59 @@ struct ChartVertex {
     bool operator==(const ChartVertex&) const = default;
 };
 
-/// Upright boxes, a quad each: a corner and the one opposite to it, the same colour and radius in all four.
+/// Upright boxes, a quad each: a corner and the one opposite to it, the same colour in all four.
 struct BoxVertex {
     float corner[2] = {0, 0};
     float opposite[2] = {0, 0};
-    float radius = 0;  ///< of round corners, points
     Rgba8 color;
     bool operator==(const BoxVertex&) const = default;
 };
 inline constexpr std::size_t boxVertices = 4;
 
+/// The same with round corners.
+struct RoundVertex {
+    float corner[2] = {0, 0};
+    float opposite[2] = {0, 0};
+    float radius = 0;  ///< points
+    Rgba8 color;
+    bool operator==(const RoundVertex&) const = default;
+};
+
+/// Candles, a quad each: a body with a wick through it in one colour, or an outline around a body that is filled less
+/// densely, with a wick above and one below.
+struct CandleVertex {
+    float corner[2] = {0, 0};        ///< a side of the body and an end of the wick
+    float opposite[2] = {0, 0};      ///< the others
+    float body[2] = {0, 0};          ///< where the body begins and ends in y
+    float wick = 0;                  ///< its width as a share of the body's
+    float halfStroke = 0;            ///< points of the outline to either side of the body's edges; 0 for none
+    float fill = 1;                  ///< opacity within an outline
+    float before[4] = {0, 0, 0, 0};  ///< body, half stroke and opacity of the candle one bar to the left; 0 for none
+    Rgba8 color;
+    bool operator==(const CandleVertex&) const = default;
+};
+
+/// Calls `write` with each corner of a box and the one opposite to it, in the order of a quad.
+template <class Write>
+void eachCorner(float x0, float y0, float x1, float y1, Write&& write) {
+    write(x0, y0, x1, y1);
+    write(x0, y1, x1, y0);
+    write(x1, y1, x0, y0);
+    write(x1, y0, x0, y1);
+}
+
 /// Writes the four corners of a box at `out` and returns the place after them.
-inline BoxVertex* writeBox(BoxVertex* out, float x0, float y0, float x1, float y1, const Rgba8& color,
-                           float radius = 0) {
-    *out++ = {{x0, y0}, {x1, y1}, radius, color};
-    *out++ = {{x0, y1}, {x1, y0}, radius, color};
-    *out++ = {{x1, y1}, {x0, y0}, radius, color};
-    *out++ = {{x1, y0}, {x0, y1}, radius, color};
+inline BoxVertex* writeBox(BoxVertex* out, float x0, float y0, float x1, float y1, const Rgba8& color) {
+    eachCorner(x0, y0, x1, y1, [&](float x, float y, float ox, float oy) { *out++ = {{x, y}, {ox, oy}, color}; });
     return out;
 }
 
+/// Added to how far a corner lies beside a ribbon's middle line, at the end of a segment.
+inline constexpr float segmentEnd = 256;
+
 /// Ribbons of constant width on the screen, a quad for each segment: an end of its middle line, the whole segment's dx
 /// and dy, those of the segment that it joins at this end (0 where it ends), and how far to the left of the middle line
-/// (above 0) or to the right the corner lies, in points.
+/// (above 0) or to the right the corner lies, in points, and `segmentEnd` farther where the segment ends.
 struct LineVertex {
     float pos[2] = {0, 0};
     float dir[2] = {0, 0};
@@ -63,6 +93,9 @@ struct LineVertex {
     float beside = 0;
     Rgba8 color;
     bool operator==(const LineVertex&) const = default;
+
+    bool atEnd() const { return beside >= segmentEnd || beside <= -segmentEnd; }
+    float halfWidth() const { return (beside < 0 ? -beside : beside) - (atEnd() ? segmentEnd : 0); }
 };
 inline constexpr std::size_t segmentVertices = 4;
 
@@ -72,8 +105,8 @@ inline LineVertex* writeSegment(LineVertex* out, float ax, float ay, float bx, f
     const float dx = bx - ax, dy = by - ay;
     *out++ = {{ax, ay}, {dx, dy}, {}, halfWidth, color};
     *out++ = {{ax, ay}, {dx, dy}, {}, -halfWidth, color};
-    *out++ = {{bx, by}, {dx, dy}, {}, -halfWidth, color};
-    *out++ = {{bx, by}, {dx, dy}, {}, halfWidth, color};
+    *out++ = {{bx, by}, {dx, dy}, {}, -halfWidth - segmentEnd, color};
+    *out++ = {{bx, by}, {dx, dy}, {}, halfWidth + segmentEnd, color};
     return out;
 }
 
@@ -127,7 +160,7 @@ struct Uniforms {
     bool operator==(const Uniforms&) const = default;
 };
 
-/// The same for boxes, ribbons and markers, with the view in points. Markers: `pad0` fades alpha, `pad1` scales the
+/// The same for the others, with the view in points. Markers: `pad0` fades alpha, `pad1` scales the
 /// radius.
 struct LineUniforms {
     float xScale = 1, xOffset = 0, yScale = 1, yOffset = 0;
@@ -135,11 +168,11 @@ struct LineUniforms {
     bool operator==(const LineUniforms&) const = default;
 };
 
-static_assert(sizeof(ChartVertex) == 12 && sizeof(BoxVertex) == 24 && sizeof(LineVertex) == 32 &&
-              sizeof(MarkerVertex) == 20);
+static_assert(sizeof(ChartVertex) == 12 && sizeof(BoxVertex) == 20 && sizeof(RoundVertex) == 24 &&
+              sizeof(CandleVertex) == 56 && sizeof(LineVertex) == 32 && sizeof(MarkerVertex) == 20);
 static_assert(sizeof(TextVertex) == 20 && sizeof(Uniforms) == 16 && sizeof(LineUniforms) == 32);
 
-/// Points from the top left to clip space, for boxes, ribbons and markers.
+/// Points from the top left to clip space, for all but flat shapes and texts.
 inline LineUniforms pointUniforms(double width, double height) {
     const auto w = static_cast<float>(width), h = static_cast<float>(height);
     return {2 / w, -1, -2 / h, 1, w, h, 1, 1};

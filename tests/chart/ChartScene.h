@@ -9,12 +9,15 @@
 #include <iterator>
 #include <vector>
 
+#include "chart/CandleGeometry.h"
 #include "chart/ChartRenderer.h"
 #include "gpu/FrameRecorder.h"
 #include "support/gpu/RecordedFrames.h"
 #include "support/time/TestTime.h"
 
 namespace vmr::test {
+
+using CandleGeometry::candleVertices;
 
 inline constexpr std::int64_t firstBarTime = 1781092800;  // 2026-06-10 08:00 New York
 
@@ -62,22 +65,34 @@ struct ChartScene : testing::Test {
         return list;
     }
     Draw priceLine() const { return calls(Pipeline::flat, false, Primitive::lines).at(0); }
-    // Of a frame without strikes, overlays and screen layers.
-    Draw bodies() const { return calls(Pipeline::box, true).at(0); }
-    Draw wicks() const { return calls(Pipeline::box, true).at(1); }
-    Draw forming() const { return calls(Pipeline::box, false).at(0); }
-    Draw formingWicks() const { return calls(Pipeline::box, false).at(1); }
+    // Of a frame without overlays: the closed bars, and the forming one.
+    Draw candles() const { return candles(true); }
+    Draw forming() const { return candles(false); }
+    Draw candles(bool retained) const {
+        const bool dense = calls(Pipeline::candle, retained).empty();
+        return calls(dense ? Pipeline::dense : Pipeline::candle, retained).at(0);
+    }
 
     /// A shape's top left and bottom right on the screen.
     struct Box {
         double left, top, right, bottom;
     };
-    /// Of the box whose first vertex is `first`, which counts a retained list's vertices from its beginning, also when
-    /// only a part of it is drawn.
-    Box box(const Draw& call, std::size_t first = 0) const {
-        if (call.retained) first -= call.offset / sizeof(BoxVertex);
-        const BoxVertex vertex = recorded.vertices<BoxVertex>(call).at(first);
-        return between(call, vertex.corner, vertex.opposite);
+    /// The body of a candle, counted from the beginning of its list, also when only a part of that is drawn.
+    Box body(const Draw& call, std::size_t candle = 0) const {
+        const CandleVertex vertex = vertexOf(call, candle);
+        const float from[2] = {vertex.corner[0], vertex.body[0]}, to[2] = {vertex.opposite[0], vertex.body[1]};
+        return between(call, from, to);
+    }
+    /// The same of its wick.
+    Box wick(const Draw& call, std::size_t candle = 0) const {
+        const CandleVertex vertex = vertexOf(call, candle);
+        const Box around = between(call, vertex.corner, vertex.opposite);
+        const double margin = (around.right - around.left) * (1 - vertex.wick) / 2;
+        return {around.left + margin, around.top, around.right - margin, around.bottom};
+    }
+    CandleVertex vertexOf(const Draw& call, std::size_t candle) const {
+        const std::size_t first = candle * candleVertices - (call.retained ? call.offset / sizeof(CandleVertex) : 0);
+        return recorded.vertices<CandleVertex>(call).at(first);
     }
     /// From vertex `first` of a flat list to the second one after it.
     Box flatBox(const Draw& call, std::size_t first) const {

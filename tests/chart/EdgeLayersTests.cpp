@@ -199,20 +199,27 @@ TEST_F(EdgeLayersTest, WavesShareAScaleAndTheNetOneEasesThroughCameraMovesPainte
         Rgba8 color;
     } waves[] = {{wave(frame.waves[0]), {32, 64}, config.hfCall}, {wave(frame.waves[1]), {128, 0}, config.hfPut}};
     for (const auto& [is, swings, color] : waves) {
-        ASSERT_TRUE(is.fill.size() == 6 && is.stroke.size() == segmentVertices && is.dots.size() == 2 * markerVertices);
+        ASSERT_TRUE(is.fill.size() == 3 * 4 && is.stroke.size() == segmentVertices &&
+                    is.dots.size() == 2 * markerVertices);
         for (std::size_t i = 0; i < 2; ++i) {
-            for (const float* at :
-                 {is.fill[1 + i].position, is.stroke[i * 2].pos, is.dots[i * markerVertices].center}) {
+            for (const float* at : {is.stroke[i * 2].pos, is.dots[i * markerVertices].center}) {
                 EXPECT_NEAR(x(at), axisX - swings[i], 1e-3);
                 EXPECT_NEAR(y(at), i == 0 ? 390 : 410, 1e-3);
             }
+        }
+        // the area fades in over the pixel around its first row, and out over that around its last
+        for (const auto& [vertex, place, swing] :
+             {std::tuple(1, 389.5, swings[0]), {2, 390.5, swings[0]}, {6, 409.5, swings[1]}, {10, 410.5, swings[1]}}) {
+            EXPECT_NEAR(x(is.fill[vertex].position), axisX - swing, 1e-3);
+            EXPECT_NEAR(y(is.fill[vertex].position), place, 1e-3);
+            EXPECT_EQ(is.fill[vertex].color.a == 0, vertex == 1 || vertex == 10) << vertex;
         }
         EXPECT_TRUE(is.fill[1].color.r == color.r && is.stroke[0].color.r == color.r && is.dots[0].color.r == color.r);
     }
     config.waveMode = "net";
     strikes = {flow(99, 3, 5), flow(101, 2, -6), flow(103, 2, 0)};
     const Wave net = wave(step(1, true).waves[0]);
-    ASSERT_TRUE(net.fill.size() == 2 * 6 && net.stroke.size() == 2 * segmentVertices &&
+    ASSERT_TRUE(net.fill.size() == 4 * 4 && net.stroke.size() == 2 * segmentVertices &&
                 net.dots.size() == 3 * markerVertices);
     std::string colors;  // fill, segments by first point, dots
     for (const Rgba8& color : {net.fill[0].color, net.fill[6].color, net.stroke[0].color, net.stroke[4].color,

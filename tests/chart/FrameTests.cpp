@@ -38,11 +38,11 @@ TEST_F(FrameTest, CandlesLieWhereTheirPricesAreAlsoFarFromZero) {
     const struct {
         Box is;
         double bar, halfWidth, top, bottom;
-    } boxes[] = {{box(bodies(), 4997 * boxVertices), 4997, 0.32, 103, 100},
-                 {box(bodies(), 4998 * boxVertices), 4998, 0.32, 103, 102},
-                 {box(forming()), 4999, 0.32, 102, 101},
-                 {box(wicks(), 4997 * 2 * boxVertices), 4997, 0.06, 104, 103},
-                 {box(formingWicks(), boxVertices), 4999, 0.06, 101, 99}};
+    } boxes[] = {{body(candles(), 4997), 4997, 0.32, 103, 100},
+                 {body(candles(), 4998), 4998, 0.32, 103, 102},
+                 {body(forming()), 4999, 0.32, 102, 101},
+                 {wick(candles(), 4997), 4997, 0.06, 104, 98},
+                 {wick(forming()), 4999, 0.06, 103, 99}};
     for (const auto& [is, bar, halfWidth, top, bottom] : boxes) {
         EXPECT_NEAR(is.left, (bar - halfWidth - first) * perBar, 0.02);
         EXPECT_NEAR(is.right, (bar + halfWidth - first) * perBar, 0.02);
@@ -57,8 +57,8 @@ TEST_F(FrameTest, AnArenaThatGrowsKeepsWhatTheFrameHas) {
     for (const double w : {1400.0, 60000.0, 60000.0, 60000.0, 1400.0}) {
         width = w;
         frame();
-        const Box body = box(forming()), dash = flatBox(priceLine(), 16 * 2 + 1);
-        EXPECT_NEAR(body.right - body.left, w * 0.64 / renderer.camera().visibleCount, w * 1e-5);
+        const Box eased = body(forming()), dash = flatBox(priceLine(), 16 * 2 + 1);
+        EXPECT_NEAR(eased.right - eased.left, w * 0.64 / renderer.camera().visibleCount, w * 1e-5);
         EXPECT_NEAR(dash.left, 16 * 8 + 2, w * 2e-5) << "the ends of two dashes";
         EXPECT_NEAR(dash.right, 17 * 8 + 2, w * 2e-5);
         EXPECT_EQ(priceLine().count, std::min(w / 8, 6000.0) * 2);
@@ -105,8 +105,7 @@ TEST_F(FrameTest, TheFormingBarTurnsWhenItsEasedCloseCrossesTheOpen) {
     while (frame()) {
         const bool down = renderer.dispClose() < 21000;
         ++frames[down];
-        EXPECT_EQ(calls(Pipeline::ribbon, false).size(), down ? 1U : 0U);
-        EXPECT_EQ(recorded.vertices<BoxVertex>(forming())[0].color, Rgba8({1, 1, 1, down ? 0.4F : 1.0F}));
+        EXPECT_EQ(vertexOf(forming(), 0).halfStroke, down ? 0.5F : 0.0F);
     }
     EXPECT_TRUE(frames[false] > 0 && frames[true] > 0);
 }
@@ -124,9 +123,9 @@ TEST_F(FrameTest, ANewBarJumpsToItsCloseAndJoinsTheOthers) {
         renderer.setCandles(next);
         EXPECT_EQ(renderer.dispClose(), next.back().close);
         EXPECT_FALSE(frame()) << "nothing eases from the bar before";
-        EXPECT_EQ(bodies().count, (next.size() - 1) * boxVertices);
+        EXPECT_EQ(candles().count, (next.size() - 1) * candleVertices);
         EXPECT_NEAR(renderer.camera().firstVisible, renderer.rightEdgeFirst(), 1e-9);
-        EXPECT_NEAR(box(forming()).left - box(bodies(), (next.size() - 2) * boxVertices).left,
+        EXPECT_NEAR(body(forming()).left - body(candles(), next.size() - 2).left,
                     width / renderer.camera().visibleCount, 0.02);
     }
 }
@@ -147,10 +146,10 @@ TEST_F(FrameTest, BarsThatComeOrGoBeforeThoseInViewDoNotMoveThePicture) {
         frame();
         const std::size_t looked = old.size() > 10 ? 200 : 5;
         const auto shift = std::ranges::find(next, old[looked].time, &Candle::time) - next.begin();
-        const Box before = box(bodies(), looked * boxVertices);
+        const Box before = body(candles(), looked);
         renderer.setCandles(next);
         frame();
-        const Box after = box(bodies(), static_cast<std::size_t>(shift) * boxVertices);
+        const Box after = body(candles(), static_cast<std::size_t>(shift));
         EXPECT_NEAR(before.left, after.left, 0.02);
         EXPECT_NEAR(before.top, after.top, 0.02);
     }
@@ -170,8 +169,8 @@ TEST_F(FrameTest, OfALongHistoryOnlyWhatIsInViewIsDrawn) {
     renderer.setCandles(bars(5000));
     renderer.mirrorView(1234.5, 300);
     frame();
-    const auto from = static_cast<double>(bodies().offset / sizeof(BoxVertex) / boxVertices);
-    const auto count = static_cast<double>(bodies().count / boxVertices);
+    const auto from = static_cast<double>(candles().offset / sizeof(CandleVertex) / candleVertices);
+    const auto count = static_cast<double>(candles().count / candleVertices);
     EXPECT_TRUE(from <= 1234 && from + count >= 1535 && count <= 300 + 2 * 288) << from << " and " << count;
 }
 

@@ -48,7 +48,10 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
             continue;
         }
         std::string layer = call.retained ? "kept " : "made ";
-        layer += std::array{"flat", "box", "ribbon", "marker", "text"}[static_cast<std::size_t>(call.pipeline)];
+        layer +=
+            std::array{
+                "flat", "box", "rounded", "candle", "dense", "ribbon", "marker", "text"}[static_cast<std::size_t>(
+                call.pipeline)];
         if (call.primitive == Primitive::lines) layer += " lines";
         layer += camera == overlays ? " on overlays" : camera == ofBars ? " on bars" : " on the view";
         EXPECT_TRUE(!layer.ends_with("view") || camera == Uniforms{});
@@ -66,16 +69,11 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
                                "kept ribbon on bars",
                                "made flat lines on bars",  // walls, price line
                                "kept ribbon on overlays",
-                               "kept ribbon on overlays",  // series, session lines
-                               "kept box on overlays",
-                               "kept ribbon on overlays",  // second candles, their borders
-                               "kept box on bars",
-                               "made box on bars",  // bodies, the forming one
-                               "kept box on bars",
-                               "made box on bars",                              // wicks, the forming ones
-                               "kept ribbon on bars", "made ribbon on bars"});  // borders, the forming one
+                               "kept ribbon on overlays",                       // series, session lines
+                               "kept candle on overlays",                       // the paired instrument's
+                               "kept candle on bars", "made candle on bars"});  // closed bars, the forming one
     EXPECT_EQ(layers, order);
-    EXPECT_EQ(calls(Pipeline::box, true).at(1).count, 299U * boxVertices);
+    EXPECT_EQ(calls(Pipeline::candle, true).at(1).count, 299U * candleVertices);
 }
 
 TEST_F(FullSceneTest, WallsAndMarkersLieWhereTheirBarsAndPricesAre) {
@@ -111,8 +109,8 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
     } cases[] = {
         {"nothing", [] {}, 0, false},
         {"tick", [&] { data.candles.back().close += 0.25; }, 0},
-        {"new bar: bodies, wicks, borders, walls and markers", [&] { data.candles = bars(301); }, 5},
-        {"theme: bodies and wicks, no borders", [&] { data.config.candleTheme = "classic"; }, 2},
+        {"new bar: candles, walls and markers", [&] { data.candles = bars(301); }, 3},
+        {"theme: candles", [&] { data.config.candleTheme = "classic"; }, 1},
         {"wall moved", [&] { data.levels[0].price += 1; }, 1},
         {"strike row", [&] { data.strikes[3].callGex += 1; }, 0},
         {"ratio: markers", [&] { data.ratio = 41.5; }, 1},

@@ -18,7 +18,7 @@ constexpr DataOrigin none;
 
 // Checks the make of every quad and gives their ends, with "on" where a quad joins the next.
 std::vector<std::string> pieces(const std::vector<LineVertex>& verts, float halfWidth) {
-    constexpr float sides[segmentVertices] = {1, -1, -1, 1};
+    constexpr float sides[segmentVertices] = {1, -1, -1, 1}, ends[segmentVertices] = {0, 0, -1, 1};
     constexpr float nothing[2] = {0, 0};
     const auto joins = [](const LineVertex& vertex) { return vertex.joined[0] != 0 || vertex.joined[1] != 0; };
     std::vector<std::string> found;
@@ -29,8 +29,11 @@ std::vector<std::string> pieces(const std::vector<LineVertex>& verts, float half
         for (std::size_t i = 0; i < segmentVertices; ++i) {
             const auto& end = i < 2 ? a.pos : b.pos;
             const auto& other = i < 2 ? (follows ? verts[q - 1].dir : nothing) : on ? verts.at(q + 4).dir : nothing;
-            const LineVertex expected{
-                {end[0], end[1]}, {a.dir[0], a.dir[1]}, {other[0], other[1]}, sides[i] * halfWidth, a.color};
+            const LineVertex expected{{end[0], end[1]},
+                                      {a.dir[0], a.dir[1]},
+                                      {other[0], other[1]},
+                                      sides[i] * halfWidth + ends[i] * segmentEnd,
+                                      a.color};
             EXPECT_EQ(verts[q + i], expected);
         }
         EXPECT_NEAR(a.dir[0], b.pos[0] - a.pos[0], 1e-4);
@@ -48,9 +51,9 @@ TEST(OverlayGeometry, LinesJoinBreakAtGapsMayBeDashedAndChangeColourAtTheirBase)
     const std::vector<OvPoint> gaps{{0, 1}, {1, 2}, {2.5, 3}, {4.5, 4}, {4.5, 5}, {4, 6}, {5, 7}};
     OverlayGeometry::polyline(line, gaps, 2, red, {}, none);
     EXPECT_THAT(pieces(line, 1), ElementsAre("red 0 1 to 1 2 on", "red 1 2 to 2.5 3", "red 4 6 to 5 7"));
-    const std::vector<OvPoint> close{{0, 10}, {1, 20}, {1.2, 30}};  // dashes begin anew at each point
+    const std::vector<OvPoint> close{{0, 10}, {1, 20}, {1.2, 30}};  // dashes begin anew at each point, and join
     OverlayGeometry::polyline(dashed, close, 2, red, OverlayGeometry::Dash{0.5, 0.4}, none);
-    EXPECT_THAT(pieces(dashed, 1), ElementsAre("red 0 10 to 0.5 15", "red 0.9 19 to 1 20", "red 1 20 to 1.2 30"));
+    EXPECT_THAT(pieces(dashed, 1), ElementsAre("red 0 10 to 0.5 15", "red 0.9 19 to 1 20 on", "red 1 20 to 1.2 30"));
     const auto at = [](double idx, double v) { return OvColorPoint{idx, v, v >= 100, 100, v - 100}; };
     const std::vector<OvColorPoint> crossing{at(0, 101), at(1, 103), at(2, 97), at(3, 99), at(5, 101)};
     OverlayGeometry::hfPolyline(flow, crossing, 2, blue, red, none);

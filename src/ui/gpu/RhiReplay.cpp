@@ -34,11 +34,27 @@ Attributes attributesOf(Pipeline pipeline) {
     using A = QRhiVertexInputAttribute;
     switch (pipeline) {
         case Pipeline::box:
-            return {"box.vert.qsb",
-                    "box.frag.qsb",
-                    {A(0, 0, A::Float4, offsetof(BoxVertex, corner)), A(0, 1, A::Float, offsetof(BoxVertex, radius)),
-                     A(0, 2, A::UNormByte4, offsetof(BoxVertex, color))},
-                    sizeof(BoxVertex)};
+            return {
+                "box.vert.qsb",
+                "box.frag.qsb",
+                {A(0, 0, A::Float4, offsetof(BoxVertex, corner)), A(0, 1, A::UNormByte4, offsetof(BoxVertex, color))},
+                sizeof(BoxVertex)};
+        case Pipeline::rounded:
+            return {
+                "rounded.vert.qsb",
+                "rounded.frag.qsb",
+                {A(0, 0, A::Float4, offsetof(RoundVertex, corner)), A(0, 1, A::Float, offsetof(RoundVertex, radius)),
+                 A(0, 2, A::UNormByte4, offsetof(RoundVertex, color))},
+                sizeof(RoundVertex)};
+        case Pipeline::candle:
+        case Pipeline::dense:
+            return {
+                "candle.vert.qsb",
+                pipeline == Pipeline::dense ? "dense.frag.qsb" : "candle.frag.qsb",
+                {A(0, 0, A::Float4, offsetof(CandleVertex, corner)), A(0, 1, A::Float4, offsetof(CandleVertex, body)),
+                 A(0, 2, A::Float, offsetof(CandleVertex, fill)), A(0, 3, A::Float4, offsetof(CandleVertex, before)),
+                 A(0, 4, A::UNormByte4, offsetof(CandleVertex, color))},
+                sizeof(CandleVertex)};
         case Pipeline::ribbon:
             return {
                 "ribbon.vert.qsb",
@@ -185,8 +201,9 @@ bool RhiReplay::makePipelines(QRhiRenderTarget& target) {
 }
 
 std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int samples) {
-    constexpr std::array<Pipeline, kinds> programs{Pipeline::flat,   Pipeline::flat,   Pipeline::flat, Pipeline::box,
-                                                   Pipeline::ribbon, Pipeline::marker, Pipeline::text};
+    constexpr std::array<Pipeline, kinds> programs{
+        Pipeline::flat,   Pipeline::flat,  Pipeline::flat,   Pipeline::box,    Pipeline::rounded,
+        Pipeline::candle, Pipeline::dense, Pipeline::ribbon, Pipeline::marker, Pipeline::text};
     const auto attributes = attributesOf(programs[kind]);
     std::unique_ptr<QRhiGraphicsPipeline> out(rhi_->newGraphicsPipeline());
     out->setTopology(kind == flatLines ? QRhiGraphicsPipeline::Lines : QRhiGraphicsPipeline::Triangles);
@@ -311,6 +328,12 @@ RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
     switch (draw.pipeline) {
         case Pipeline::box:
             return boxKind;
+        case Pipeline::rounded:
+            return roundedKind;
+        case Pipeline::dense:
+            return denseKind;
+        case Pipeline::candle:
+            return candleKind;
         case Pipeline::ribbon:
             return ribbonKind;
         case Pipeline::marker:

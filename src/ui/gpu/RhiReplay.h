@@ -64,7 +64,19 @@ class RhiReplay {
     const std::string& problem() const { return problem_; }
 
  private:
-    enum Kind { opaqueKind, flatTriangles, flatLines, boxKind, ribbonKind, markerKind, textKind, kinds };
+    enum Kind {
+        opaqueKind,
+        flatTriangles,
+        flatLines,
+        boxKind,
+        roundedKind,
+        candleKind,
+        denseKind,
+        ribbonKind,
+        markerKind,
+        textKind,
+        kinds
+    };
     struct RetainedCopy {
         std::weak_ptr<const RetainedBytes> bytes;
         GpuBuffer id = 0;

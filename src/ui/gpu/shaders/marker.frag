@@ -19,8 +19,9 @@ void main()
         coverage = covered(r - length(vAt));
     } else {
         float y = vShape.y < 1.5 ? vAt.y : -vAt.y;
-        float slant = (r - y - 2.0 * abs(vAt.x)) * 0.4472136;  // both sides rise by 2 in 1
-        coverage = covered(slant) * covered(y + r);
+        vec2 width = max(r - y + vec2(0.25, -0.25), vec2(0.0));  // in two rows of the pixel: the sides rise by 2 in 1
+        vec2 rows = clamp(width * 0.5 + 0.5 - abs(vAt.x), vec2(0.0), min(width, vec2(1.0)));
+        coverage = (rows.x + rows.y) * 0.5 * covered(y + r);
     }
     fragColor = vec4(vColor.rgb, vColor.a * coverage);
 }

@@ -2,10 +2,11 @@
 
 layout(location = 0) in vec4 segment;  // data space: an end of the middle line, and the whole segment
 layout(location = 1) in vec2 joined;   // the segment that it joins at this end; 0 where it ends
-layout(location = 2) in float beside;  // points to the left of the middle line, below 0 to the right
+layout(location = 2) in float beside;  // points to the left of the middle line, below 0 to the right; 256 more at the end
 layout(location = 3) in vec4 color;
 layout(location = 0) out vec4 vColor;
-layout(location = 1) out vec3 vAcross;  // device pixels from the middle line, half the width, whether edges are smoothed
+layout(location = 1) out vec3 vAt;     // pixels across from the middle line; from either end and half a pixel more
+layout(location = 2) out vec2 vShape;  // pixels across to half a pixel beyond the sides, and how far rows lean
 
 layout(std140, binding = 0) uniform Block {
     mat4 place;
@@ -13,6 +14,9 @@ layout(std140, binding = 0) uniform Block {
     vec4 view;    // width, height of the view
     vec4 device;  // pixels a point; 1 where edges are to be smoothed, 0 where samples do it
 } u;
+
+const float segmentEnd = 256.0;
+const float roomToJoin = 0.75;  // pixels beyond the sides
 
 vec2 leftOf(vec2 way)
 {
@@ -23,18 +27,34 @@ void main()
 {
     vec2 size = u.view.xy * u.device.x;
     vec2 toPixels = u.map.xz * size * 0.5;
-    float halfWidth = abs(beside) * u.device.x;
-    float reach = halfWidth + 0.5 * u.device.y;  // with the pixels that an edge covers in part
-    vec2 n = leftOf(segment.zw * toPixels);
-    vec2 off = n * reach;
-    vec2 other = joined * toPixels;
-    float shortest = min(length(other), length(segment.zw * toPixels));
-    vec2 m = n + leftOf(other);
-    // The edges of both segments meet on the line that halves the turn. After a sharp turn, and where a segment is
-    // shorter than the ribbon is wide, both end square and overlap instead.
-    if (shortest > reach && dot(m, m) > 1.0) off = m * (2.0 / dot(m, m)) * reach;
+    float atEnd = step(segmentEnd, abs(beside));
+    float halfWidth = (abs(beside) - segmentEnd * atEnd) * u.device.x;
+    vec2 way = segment.zw * toPixels, other = joined * toPixels;
+    float len = length(way);
+    vec2 n = leftOf(way), m = n + leftOf(other);
+    vec2 ahead = vec2(n.y, -n.x);
+    float steep = max(abs(n.x), abs(n.y)), lean = min(abs(n.x), abs(n.y));
+    float beyond = 0.5 * (steep + lean) * u.device.y;  // as far as pixels reach that an edge covers in part
+    vec2 off = n * (halfWidth + beyond);
+    // The edges of both segments meet on the line that halves the turn. After a sharp turn both end square and overlap
+    // instead, and so they do where one is too short; then only ends after much of a turn are smooth, since two that lie
+    // in one line would let the ground through.
+    float turn = dot(m, m), shortest = min(len, length(other));
+    float needed = (halfWidth + roomToJoin) * sqrt(max(4.0 / max(turn, 1e-6) - 1.0, 0.0));
+    bool meet = turn > 1.0 && needed < shortest * 0.5;
+    if (meet) off = m * (2.0 / turn) * (halfWidth + beyond);
     off *= sign(beside);
-    vAcross = vec3(dot(off, n), halfWidth, u.device.y);
+    bool ends = shortest == 0.0 || (!meet && turn < 3.0);
+    if (ends) off += ahead * (atEnd * 2.0 - 1.0) * beyond;
+    float along = dot(off, ahead);
+    float fromOther = max(len + along * (atEnd * 2.0 - 1.0), 0.5);
+    float fromOwn = ends ? -beyond : len + 1.0;
+    vAt = vec3(dot(off, n) / steep, mix(vec2(fromOwn, fromOther), vec2(fromOther, fromOwn), atEnd) + 0.5);
+    vShape = vec2(halfWidth / steep + 0.5, lean / steep * 0.25);
+    if (u.device.y == 0.0) {
+        vAt = vec3(0.0, 1.0, 1.0);
+        vShape = vec2(1.0, 0.0);
+    }
     vColor = color;
     vec2 p = vec2(segment.x * u.map.x + u.map.y, segment.y * u.map.z + u.map.w);
     gl_Position = u.place * vec4(p + off * 2.0 / size, 0.0, 1.0);
