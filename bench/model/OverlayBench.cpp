@@ -125,8 +125,8 @@ void overlayGeometry(benchmark::State& state) {
     pane.builder.update(pane.input());
     const OverlaySet& s = pane.builder.series();
     const auto levels = SessionLines::build(pane.bars, pane.levels, pane.settings.sessionHHMM);
-    std::vector<LineVertex> lines, borders, levelLines;
-    std::vector<BoxVertex> bodies;
+    std::vector<LineVertex> lines, levelLines;
+    std::vector<CandleVertex> second;
     const Rgba color{1, 1, 1, 1};
     const DataOrigin origin{4900, 21000};
     const SystemClock clock;
@@ -135,13 +135,11 @@ void overlayGeometry(benchmark::State& state) {
         state, pane, [] {},
         [&] {
             lines.clear();
-            borders.clear();
-            bodies.clear();
             for (const auto* series : {&s.vwapMain, &s.vixLine, &s.ema1, &s.ema2})
                 OverlayGeometry::polyline(lines, *series, 2, color, {}, origin);
             OverlayGeometry::polyline(lines, s.vwapNY, 1, color, {{0.5, 0.4}}, origin);
             OverlayGeometry::hfPolyline(lines, s.hfLine, 2, color, color, origin);
-            OverlayGeometry::secondCandles(bodies, borders, s.secondCandles, origin);
+            OverlayGeometry::secondCandles(second, s.secondCandles, origin);
             const double t0 = clock.monotonic();
             levelLines.clear();
             OverlayGeometry::srLines(levelLines, levels, pane.bars, 0.5, origin);
