@@ -42,7 +42,7 @@ void main()
     float turn = dot(m, m), shortest = min(len, length(other));
     float needed = (halfWidth + roomToJoin) * sqrt(max(4.0 / max(turn, 1e-6) - 1.0, 0.0));
     bool meet = turn > 1.0 && needed < shortest * 0.5;
-    if (meet) off = m * (2.0 / turn) * (halfWidth + beyond);
+    if (meet) off = m * (2.0 / turn) * (halfWidth + roomToJoin * u.device.y);  // the same corners for both, so no cracks
     off *= sign(beside);
     bool ends = shortest == 0.0 || (!meet && turn < 3.0);
     if (ends) off += ahead * (atEnd * 2.0 - 1.0) * beyond;
