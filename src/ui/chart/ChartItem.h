@@ -70,6 +70,7 @@ class ChartItem : public FrameItem {
     bool interacting() const override;
     bool showsInput() const override;
     void frameShown() override;
+    void frameBegins() override;
 
  private:
     struct Drawing;
@@ -87,8 +88,9 @@ class ChartItem : public FrameItem {
 
     std::unique_ptr<Drawing> drawing_;
     QPointer<PaneViewModel> pane_;
-    ChartPoint lastPress_;                  ///< where a drag has come to
-    std::vector<OrderMenuItem> orderMenu_;  ///< empty once its chart is gone
+    std::optional<ChartPoint> pointerComes_;  ///< where the crosshair goes with the next frame
+    ChartPoint lastPress_;                    ///< where a drag has come to
+    std::vector<OrderMenuItem> orderMenu_;    ///< empty once its chart is gone
 };
 
 }  // namespace vmr

@@ -39,7 +39,15 @@ CrosshairState* ChartItem::crosshair() { return &drawing_->crosshair; }
 
 // Where it is again told while the chart moves below it; what it is over then changes with the frame.
 void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
-    if (point && drawing_->crosshair.mousePoint() == point) return;
+    pointerComes_ = point;
+    if (point) return joinNextFrame();
+    drawing_->crosshair.setMousePoint(point);
+    updateCrosshair();
+}
+
+void ChartItem::frameBegins() {
+    const auto point = std::exchange(pointerComes_, std::nullopt);
+    if (!point || drawing_->crosshair.mousePoint() == point) return;
     drawing_->crosshair.setMousePoint(point);
     updateCrosshair();
 }

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QQuickWindow>
 #include <QScreen>
+#include <QThread>
 #include <QTimerEvent>
 #include <cmath>
 #include <functional>
@@ -59,6 +60,7 @@ void FrameItem::setProblem(const QString& problem) {
 // `polish` and `update` go together: one alone gives a frame that is recorded and not shown, or shown and not recorded.
 void FrameItem::schedule() {
     hold_.stop();
+    frameBegins();
     polish();
     update();
 }
@@ -67,9 +69,13 @@ void FrameItem::follow(FramePump::Order order, Start start) {
     if (order == FramePump::Order::nothing) return;
     if (order == FramePump::Order::watch) return late_.start(static_cast<int>(FramePump::longestWait * 1000), this);
     late_.stop();
-    const double wait = *software_ && start == Start::paced ? screenPace_.wait(clock_.monotonic()) : 0;
+    const double wait = *software_ && threaded_ && start == Start::paced ? screenPace_.wait(clock_.monotonic()) : 0;
     if (wait <= 0) return schedule();
     if (!hold_.isActive()) hold_.start(static_cast<int>(std::lround(wait * 1000)), Qt::PreciseTimer, this);
+}
+
+void FrameItem::joinNextFrame() {
+    if (!hold_.isActive()) frameBegins();
 }
 
 double FrameItem::calmWait() const { return *software_ && !interacting() ? pace_.wait(clock_.monotonic()) : 0; }
@@ -141,6 +147,7 @@ void FrameItem::updatePolish() {
     if (!window_ || width() <= 0 || height() <= 0) return pump_.notRecorded();
     const unsigned glyphsBefore = glyphs_.generation();
     calm_.stop();
+    if (hold_.isActive()) frameBegins();
     hold_.stop();
     processorAt_ = processorSeconds();
     bool moves = recordOnce(), input = showsInput();
@@ -187,6 +194,7 @@ QSGNode* FrameItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
             Qt::QueuedConnection);
     };
     joinedForGlyphs_ = 0;
+    threaded_ = QThread::currentThread() != thread();
     if (!rhiOf(*window())) {
         report(tr("The chart needs OpenGL, Vulkan, Metal or Direct3D, and this window has only software drawing."));
         delete old;

@@ -81,6 +81,11 @@ class FrameItem : public QQuickItem {
     bool isCalmFrame() const { return calmFrame_; }
     /// A frame came to the screen.
     virtual void frameShown() {}
+    /// Something beside the plot has moved, such as the crosshair, which costs the window a frame of its own. Calls
+    /// `frameBegins` now, or when the plot's next frame begins if that is held back.
+    void joinNextFrame();
+    /// The window makes a frame: what waited for it can change now.
+    virtual void frameBegins() {}
 
     /// What `record` is given; buffers may be made before the first frame.
     FrameRecorder& gpu() { return gpu_; }
@@ -104,7 +109,7 @@ class FrameItem : public QQuickItem {
 
  private:
     enum class Start : unsigned char {
-        paced,   ///< where the processor draws, no sooner than the screen has use for it (`ScreenPace`)
+        paced,   ///< where the processor draws on a thread of its own, no sooner than the screen has use for it
         atOnce,  ///< for the very frame that the window is making
     };
     void follow(FramePump::Order order, Start start = Start::paced);
@@ -131,6 +136,7 @@ class FrameItem : public QQuickItem {
     Perf* perf_ = nullptr;
     QString problem_;
     bool onScreen_ = false;
+    bool threaded_ = false;  ///< the scene graph draws on a thread of its own
     bool onBareWindow_ = false;
     bool calmFrame_ = false;
     unsigned recordedGlyphs_ = 0;  ///< generation that the last frame was drawn with
