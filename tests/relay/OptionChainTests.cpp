@@ -118,9 +118,9 @@ TEST(OptionChain, ExpirationsEndAtFourAlsoAcrossAClockChange) {
         const MarketSession& session = *bench.market.session(source.instrument(), now / 1000, now);
         const OptionChain& chain = bench.chains.chain(source, session);
         ASSERT_EQ(chain.expirations().at(1), monday);
-        const auto gammaAt = [&](const char* time) {
+        const auto gammaAt = [&, day = monday](const char* time) {
             ChainState state;
-            chain.state(session.open, ms(monday + time), {}, state);
+            chain.state(session.open, ms(day + time), {}, state);
             return totalOf(state.byExpiration[1]).callGex;
         };
         EXPECT_NE(gammaAt("T15:30"), gammaAt("T15:41")) << monday;
