@@ -36,7 +36,6 @@ class Program {
     Announcements& announcements() { return announcements_; }
     UpdateChecker& updates() { return updates_; }
     WorkspaceStore& workspace() { return workspace_; }
-    UuidSource& ids() { return ids_; }
     ProgramStart& start() { return start_; }
     MainLoop& main() { return main_; }
 

@@ -60,7 +60,6 @@ class WorkspaceStore {
     void registerBox(std::shared_ptr<WorkspaceWindowBox> box);
     /// The window has closed.
     void remove(const Uuid& id);
-    bool hasWindows() const { return !boxes_.empty(); }
 
     /// Looks at the windows that are signed in and show a chart of a known instrument, left-most first, and stores them
     /// if anything has changed. With none such, the last picture stays: signing out does not wipe the workspace.

@@ -137,7 +137,7 @@ TEST_F(Notices, ShowWhatTheTwoDocumentsSay) {
     const HttpResponse full{
         200,
         alert(
-            R"(,"id":{"stringValue":"n1"},"title":{"stringValue":"Ti\u0007tle"},"message":{"stringValue":"M"},"n":{"integerValue":"3"},"x":{"mapValue":{}})"),
+            R"(,"id":{"stringValue":"n1"},"title":{"stringValue":"Ti\u0007tle"},"message":{"stringValue":"M\nN"},"n":{"integerValue":"3"},"x":{"mapValue":{}})"),
         {}};
     const HttpResponse bare{200, alert(R"(,"message":{"stringValue":""})"), {}};
     const HttpResponse quiet{200, R"({"fields":{"active":{"booleanValue":false},"message":{"stringValue":"M"}}})", {}};
@@ -145,10 +145,10 @@ TEST_F(Notices, ShowWhatTheTwoDocumentsSay) {
         HttpResponse first, second;
         const char* shown;
     } polls[] = {
-        {full, bare, "n1|Ti\\x07tle|M Scheduled maintenance in progress."},
-        {down, broken, "n1|Ti\\x07tle|M Scheduled maintenance in progress."},
-        {odd, quiet, "n1|Ti\\x07tle|M -"},
-        {missing, full, "- M"},
+        {full, bare, "n1|Ti\\x07tle|M N Scheduled maintenance in progress."},
+        {down, broken, "n1|Ti\\x07tle|M N Scheduled maintenance in progress."},
+        {odd, quiet, "n1|Ti\\x07tle|M N -"},
+        {missing, full, "- M N"},
         {bare, missing, "default|Notice| -"},
         {quiet, missing, "- -"},
     };

@@ -9,6 +9,14 @@
 namespace vmr {
 
 namespace {
+// As a banner shows it, which breaks lines by itself.
+std::string shownText(std::string_view text) {
+    std::string line(text);
+    for (char& c : line)
+        if (c == '\n' || c == '\r' || c == '\t') c = ' ';
+    return harmlessText(line);
+}
+
 constexpr const char* documents = "/v1/projects/velmora-cloud-1a000/databases/(default)/documents/system_alerts/";
 
 template <class Fields>
@@ -74,7 +82,7 @@ std::optional<Announcements::Document> Announcements::read(const std::string& bo
         if (const JsonView flag = value["booleanValue"]; flag.kind() == JsonView::Kind::boolean)
             document.fields[name] = flag.boolean();
         else if (const JsonView text = value["stringValue"]; text.isString())
-            document.fields[name] = harmlessText(text.string());
+            document.fields[name] = shownText(text.string());
         else if (const JsonView whole = value["integerValue"]; whole.isString() || whole.isNumber()) {
             // the service writes its integers as texts
             const auto number = whole.isString() ? parseInt(std::string(whole.string())) : whole.integer();

@@ -11,8 +11,8 @@ Window {
 
     title: "Velmora"
     color: Theme.background
-    minimumWidth: pane.session.entered ? 800 : 1000
-    minimumHeight: pane.session.entered ? 500 : 580
+    minimumWidth: pane.session.entered ? 720 : 1000
+    minimumHeight: pane.session.entered ? 480 : 580
 
     Loader {
         objectName: "stage"
