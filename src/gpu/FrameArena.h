@@ -30,28 +30,11 @@ class FrameArena {
 
     void beginFrame();
 
-    /// Copies a list. Nothing for an empty one.
-    std::optional<DynUpload> uploadDyn(std::span<const ChartVertex> list) {
-        return copy(std::as_bytes(list), list.size());
-    }
-    std::optional<DynUpload> uploadDyn(std::span<const BoxVertex> list) {
-        return copy(std::as_bytes(list), list.size());
-    }
-    std::optional<DynUpload> uploadDyn(std::span<const RoundVertex> list) {
-        return copy(std::as_bytes(list), list.size());
-    }
-    std::optional<DynUpload> uploadDyn(std::span<const CandleVertex> list) {
-        return copy(std::as_bytes(list), list.size());
-    }
-    std::optional<DynUpload> uploadDyn(std::span<const LineVertex> list) {
-        return copy(std::as_bytes(list), list.size());
-    }
-    std::optional<DynUpload> uploadDyn(std::span<const TextVertex> list) {
-        return copy(std::as_bytes(list), list.size());
-    }
-
-    std::optional<DynUpload> uploadDyn(std::span<const MarkerVertex> list) {
-        return copy(std::as_bytes(list), list.size());
+    /// Copies a list of vertices. Nothing for an empty one.
+    template <class Vertices>
+    std::optional<DynUpload> uploadDyn(const Vertices& list) {
+        const std::span all(list);
+        return copy(std::as_bytes(all), all.size());
     }
 
     /// Room for up to `most` vertices, to be written in place and then kept by `commit`. Only the newest room may be

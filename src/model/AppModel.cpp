@@ -16,10 +16,6 @@ std::optional<int> usableTimeframe(std::int64_t minutes) {
     return minutes > 0 && minutes <= INT32_MAX ? std::optional(static_cast<int>(minutes)) : std::nullopt;
 }
 
-std::optional<std::string> wordOf(std::string text) {
-    return text.empty() ? std::nullopt : std::optional(std::move(text));
-}
-
 GexConfig firstConfig(const PaneSurroundings& at) { return at.config ? *at.config : ConfigIO::load(at.preferences); }
 }  // namespace
 
@@ -29,8 +25,8 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
       config(&gate_, firstConfig(at_)),
       session(at_.auth, work_, at_.makeRelay(), &gate_),
       presence(
-          at_.auth, at_.main, at_.ids.next().text(), [this] { return wordOf(currentSymbol()); },
-          [this] { return wordOf(channels->source()); }),
+          at_.auth, at_.main, at_.ids.next().text(), [this] { return currentSymbol(); },
+          [this] { return channels->source(); }),
       log(at_.clock, at_.ids, at_.print, &gate_),
       feedRepairs(at_.clock, log, at_.strictFeed),
       notices(work_, &gate_),

@@ -44,7 +44,7 @@ void AppModel::openChart(std::string_view candlesArgument, std::string_view leve
     session.relay().subscribe(channels->subscribedChans);
     if (presence.started())
         presence.send("heartbeat");
-    else if (!ended_)
+    else if (!ended_ && session.isSignedIn)
         presence.start();
     std::string line = "→ chart: " + candles;
     if (!derived.empty()) line += " + " + derived;

@@ -64,8 +64,7 @@ void PaneSession::connectRelay() {
 TokenProvider PaneSession::tokenProvider() {
     // called on the relay's queue: the session lives on the main loop
     return [&main = work_.main(), ask = work_.whileThere([this](const std::function<void(TokenResult)>& give) {
-        if (auth_.tokenIsLive()) return give({*auth_.idToken, std::nullopt});
-        auth_.refresh([give](const std::variant<std::string, AuthError>& result) {
+        auth_.token([give](const std::variant<std::string, AuthError>& result) {
             if (const auto* token = std::get_if<std::string>(&result))
                 give({*token, std::nullopt});
             else

@@ -48,9 +48,8 @@ class Cloud : public testing::Test {
 };
 
 struct Presence : Cloud {
-    PresenceReporter reporter{auth, main, "tab1", [this] { return symbol; },
-                              [] { return std::optional<std::string>("ETF"); }};
-    std::optional<std::string> symbol = "NQ";
+    PresenceReporter reporter{auth, main, "tab1", [this] { return symbol; }, [] { return std::string("ETF"); }};
+    std::string symbol = "NQ";
 };
 
 TEST_F(Presence, ReportsEachMinuteAndAtTheEnds) {
@@ -65,7 +64,7 @@ TEST_F(Presence, ReportsEachMinuteAndAtTheEnds) {
     EXPECT_THAT(taken(), ElementsAre(path + "online" + token));
     time.advance(59.8);
     EXPECT_THAT(taken(), IsEmpty());
-    symbol.reset();
+    symbol.clear();
     time.advance(60.2);
     EXPECT_EQ(json::parse(http.requests.at(0).body)["symbol"], "unknown");
     EXPECT_THAT(taken(), ElementsAre(path + "heartbeat" + token, path + "heartbeat" + token));

@@ -49,7 +49,8 @@ void Announcements::start() {
 }
 
 void Announcements::poll() {
-    auth_.token(whileThere_([this](const std::optional<std::string>& token) {
+    auth_.token(whileThere_([this](const std::variant<std::string, AuthError>& result) {
+        const auto* token = std::get_if<std::string>(&result);
         if (!token) return;
         fetchDoc("default", *token, [this, token = *token](const std::optional<Document>& document) {
             if (document) showAlert(*document);

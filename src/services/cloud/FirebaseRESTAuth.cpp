@@ -165,12 +165,9 @@ void FirebaseRESTAuth::refresh(std::function<void(std::variant<std::string, Auth
                });
 }
 
-void FirebaseRESTAuth::token(std::function<void(std::optional<std::string>)> done) {
-    if (tokenIsLive()) return done(idToken);
-    refresh([done = std::move(done)](const std::variant<std::string, AuthError>& result) {
-        const std::string* token = std::get_if<std::string>(&result);
-        done(token ? std::optional(*token) : std::nullopt);
-    });
+void FirebaseRESTAuth::token(std::function<void(std::variant<std::string, AuthError>)> done) {
+    if (tokenIsLive()) return done(*idToken);
+    refresh(std::move(done));
 }
 
 void FirebaseRESTAuth::signOut() {

@@ -48,9 +48,8 @@ class FirebaseRESTAuth {
     /// Gives the new identity token, or the error.
     void refresh(std::function<void(std::variant<std::string, AuthError>)> done);
 
-    /// Gives an identity token that may be used now, within the call if there is one, else through one refresh; nothing
-    /// when there is none to be had.
-    void token(std::function<void(std::optional<std::string>)> done);
+    /// Gives an identity token that may be used now, within the call if there is one, else what `refresh` gives.
+    void token(std::function<void(std::variant<std::string, AuthError>)> done);
 
     /// Forgets the session in memory and in the preferences, copies set aside included; no network call. A call still
     /// under way changes nothing any more.

@@ -34,7 +34,10 @@ void PresenceReporter::setPageKind(const std::string& kind) {
 
 void PresenceReporter::send(const std::string& action) {
     const bool leaving = action == "offline";
-    const auto word = [leaving](const Word& ask) { return (leaving ? std::nullopt : ask()).value_or("unknown"); };
+    const auto word = [leaving](const Word& ask) {
+        const std::string known = leaving ? std::string() : ask();
+        return known.empty() ? std::string("unknown") : known;
+    };
     const nlohmann::json body{{"symbol", word(currentSymbol_)},
                               {"gexSource", word(currentSource_)},
                               {"action", action},
@@ -42,7 +45,8 @@ void PresenceReporter::send(const std::string& action) {
                               {"page", pageKind_}};
     // what is sent no longer needs the reporter: the last word comes after it
     auth_.token([&auth = auth_, leaving, text = body.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)](
-                    const std::optional<std::string>& token) {
+                    const std::variant<std::string, AuthError>& result) {
+        const auto* token = std::get_if<std::string>(&result);
         if (!token) return;
         HttpRequest request{"POST",
                             auth.endpoints().functionsUrl + "/updatePresence",

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "base/SerialQueue.h"
@@ -18,7 +17,8 @@ class PresenceReporter {
     static constexpr const char* single = "mac";
     static constexpr const char* dual = "mac-dual";  ///< of both panes, while their window shows two
 
-    using Word = std::function<std::optional<std::string>()>;
+    /// Empty where there is nothing to name.
+    using Word = std::function<std::string()>;
 
     /// `auth` and `main` outlive it. `tabId` is the pane's, unique among all that the account has open.
     PresenceReporter(FirebaseRESTAuth& auth, MainLoop& main, std::string tabId, Word currentSymbol, Word currentSource);

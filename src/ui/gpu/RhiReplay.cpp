@@ -22,7 +22,6 @@ struct Attributes {
     const char* vertexShader;
     const char* fragmentShader;
     std::vector<QRhiVertexInputAttribute> inputs;
-    quint32 stride;
 };
 
 QShader loadShader(const char* name) {
@@ -37,15 +36,13 @@ Attributes attributesOf(Pipeline pipeline) {
             return {
                 "box.vert.qsb",
                 "box.frag.qsb",
-                {A(0, 0, A::Float4, offsetof(BoxVertex, corner)), A(0, 1, A::UNormByte4, offsetof(BoxVertex, color))},
-                sizeof(BoxVertex)};
+                {A(0, 0, A::Float4, offsetof(BoxVertex, corner)), A(0, 1, A::UNormByte4, offsetof(BoxVertex, color))}};
         case Pipeline::rounded:
             return {
                 "rounded.vert.qsb",
                 "rounded.frag.qsb",
                 {A(0, 0, A::Float4, offsetof(RoundVertex, corner)), A(0, 1, A::Float, offsetof(RoundVertex, radius)),
-                 A(0, 2, A::UNormByte4, offsetof(RoundVertex, color))},
-                sizeof(RoundVertex)};
+                 A(0, 2, A::UNormByte4, offsetof(RoundVertex, color))}};
         case Pipeline::candle:
         case Pipeline::dense:
             return {
@@ -53,35 +50,31 @@ Attributes attributesOf(Pipeline pipeline) {
                 pipeline == Pipeline::dense ? "dense.frag.qsb" : "candle.frag.qsb",
                 {A(0, 0, A::Float4, offsetof(CandleVertex, corner)), A(0, 1, A::Float4, offsetof(CandleVertex, body)),
                  A(0, 2, A::Float, offsetof(CandleVertex, fill)), A(0, 3, A::Float4, offsetof(CandleVertex, before)),
-                 A(0, 4, A::UNormByte4, offsetof(CandleVertex, color))},
-                sizeof(CandleVertex)};
+                 A(0, 4, A::UNormByte4, offsetof(CandleVertex, color))}};
         case Pipeline::ribbon:
             return {
                 "ribbon.vert.qsb",
                 "ribbon.frag.qsb",
                 {A(0, 0, A::Float4, offsetof(LineVertex, pos)), A(0, 1, A::Float2, offsetof(LineVertex, joined)),
-                 A(0, 2, A::Float, offsetof(LineVertex, beside)), A(0, 3, A::UNormByte4, offsetof(LineVertex, color))},
-                sizeof(LineVertex)};
+                 A(0, 2, A::Float, offsetof(LineVertex, beside)), A(0, 3, A::UNormByte4, offsetof(LineVertex, color))}};
         case Pipeline::marker:
             return {
                 "marker.vert.qsb",
                 "marker.frag.qsb",
                 {A(0, 0, A::Float2, offsetof(MarkerVertex, center)), A(0, 1, A::Float2, offsetof(MarkerVertex, radius)),
-                 A(0, 2, A::UNormByte4, offsetof(MarkerVertex, color))},
-                sizeof(MarkerVertex)};
+                 A(0, 2, A::UNormByte4, offsetof(MarkerVertex, color))}};
         case Pipeline::text:
             return {"text.vert.qsb",
                     "text.frag.qsb",
                     {A(0, 0, A::Float2, offsetof(TextVertex, position)), A(0, 1, A::Float2, offsetof(TextVertex, uv)),
-                     A(0, 2, A::UNormByte4, offsetof(TextVertex, color))},
-                    sizeof(TextVertex)};
+                     A(0, 2, A::UNormByte4, offsetof(TextVertex, color))}};
         case Pipeline::flat:
             break;
     }
-    return {"flat.vert.qsb",
-            "color.frag.qsb",
-            {A(0, 0, A::Float2, offsetof(ChartVertex, position)), A(0, 1, A::UNormByte4, offsetof(ChartVertex, color))},
-            sizeof(ChartVertex)};
+    return {
+        "flat.vert.qsb",
+        "color.frag.qsb",
+        {A(0, 0, A::Float2, offsetof(ChartVertex, position)), A(0, 1, A::UNormByte4, offsetof(ChartVertex, color))}};
 }
 
 /// From device pixels of the frame to those of the target, whose origin is the bottom left.
@@ -210,7 +203,7 @@ std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int sam
     out->setShaderStages({{QRhiShaderStage::Vertex, loadShader(attributes.vertexShader)},
                           {QRhiShaderStage::Fragment, loadShader(attributes.fragmentShader)}});
     QRhiVertexInputLayout layout;
-    layout.setBindings({QRhiVertexInputBinding(attributes.stride)});
+    layout.setBindings({QRhiVertexInputBinding(static_cast<quint32>(vertexStride(programs[kind])))});
     layout.setAttributes(attributes.inputs.begin(), attributes.inputs.end());
     out->setVertexInputLayout(layout);
     QRhiGraphicsPipeline::TargetBlend blend;
