@@ -60,15 +60,19 @@ TEST(ProgramRun, ReportsItsPaneAndHearsTheServicesNotices) {
     relay.command("maintenance Soon");
     relay.command("release 99 9.9 https://v.test/get");
     RunningProgram program({"--headless", "--state", "end.json"}, relay.variables());
-    program.say("sign-in " + relay.email() + " " + relay.password());
+    program.ask("sign-in " + relay.email() + " " + relay.password());
     const auto reports = [&](const std::string& what) {
         for (const double end = clock.monotonic() + 20; clock.monotonic() < end; ::usleep(20000))
             if (relay.command("presence").find(what) != std::string::npos) return true;
         return false;
     };
     EXPECT_TRUE(reports(" NQ QQQ mac (")) << relay.command("presence");  // a roll of the contract may follow "online"
-    program.say("symbol ES");
+    program.ask("symbol ES");
     EXPECT_TRUE(reports(" heartbeat ES SPY mac (")) << relay.command("presence");
+    for (const double end = clock.monotonic() + 20; clock.monotonic() < end; ::usleep(20000)) {
+        program.ask("state now.json");
+        if (program.file("now.json")["maintenance"] == "Soon") break;
+    }
     EXPECT_EQ(program.end(SIGTERM), 0);
     EXPECT_TRUE(reports(" offline unknown unknown mac (")) << relay.command("presence");
     const auto state = program.file("end.json");
