@@ -38,7 +38,7 @@ class SimFeed {
     /// Passes nothing on any more.
     void end();
 
-    // `at` is the market time.
+    // `at` is market time in seconds since 1970.
     void onTrade(double price, double at) const;
     void onQuote(double bid, double ask, double at) const;
     /// The close of the newest bar, which began at `bar`, seconds since 1970.

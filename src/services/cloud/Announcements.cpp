@@ -4,7 +4,6 @@
 
 #include "base/Json.h"
 #include "base/Log.h"
-#include "base/NumberText.h"
 
 namespace vmr {
 
@@ -18,20 +17,6 @@ std::string shownText(std::string_view text) {
 }
 
 constexpr const char* documents = "/v1/projects/velmora-cloud-1a000/databases/(default)/documents/system_alerts/";
-
-template <class Fields>
-bool isActive(const Fields& fields) {
-    const auto active = fields.find("active");
-    const bool* value = active == fields.end() ? nullptr : std::get_if<bool>(&active->second);
-    return value && *value;
-}
-
-template <class Fields>
-std::optional<std::string> textOf(const Fields& fields, const char* name) {
-    const auto found = fields.find(name);
-    const std::string* value = found == fields.end() ? nullptr : std::get_if<std::string>(&found->second);
-    return value ? std::optional(*value) : std::nullopt;
-}
 }  // namespace
 
 Announcements::Announcements(FirebaseRESTAuth& auth, Preferences& preferences, MainLoop& main)
@@ -61,58 +46,56 @@ void Announcements::poll() {
     }));
 }
 
-void Announcements::fetchDoc(const std::string& name, const std::string& token, GotDocument done) {
+void Announcements::fetchDoc(const std::string& name, const std::string& token,
+                             std::function<void(const std::optional<Document>&)> done) {
     HttpRequest request{
         "GET", auth_.endpoints().firestoreUrl + documents + name, {{"Authorization", "Bearer " + token}}};
     auth_.http().send(std::move(request), whileThere_([done = std::move(done)](const HttpResponse& response) {
                           constexpr int missing = 404;
-                          if (!response.transportError && response.status == missing) return done(Document());
-                          if (response.transportError || response.status < 200 || response.status > 299)
-                              return done(std::nullopt);
-                          done(read(response.body));
+                          if (response.transportError) return done(std::nullopt);
+                          if (response.status == missing) return done(Document());
+                          done(response.status >= 200 && response.status <= 299 ? read(response.body) : std::nullopt);
                       }));
 }
 
-// Of the service's typed values those that are used here.
+// The service tells the type of each value; those of other types are not used here.
 std::optional<Announcements::Document> Announcements::read(const std::string& body) {
     const auto json = Json::parse(body);
     if (!json || !json->isObject()) return std::nullopt;
-    Document document{true, {}};
+    Document document;
     for (const auto& [key, value] : (*json)["fields"].members()) {
-        const std::string name(key);
         if (const JsonView flag = value["booleanValue"]; flag.kind() == JsonView::Kind::boolean)
-            document.fields[name] = flag.boolean();
-        else if (const JsonView text = value["stringValue"]; text.isString())
-            document.fields[name] = shownText(text.string());
-        else if (const JsonView whole = value["integerValue"]; whole.isString() || whole.isNumber()) {
-            // the service writes its integers as texts
-            const auto number = whole.isString() ? parseInt(std::string(whole.string())) : whole.integer();
-            if (number) document.fields[name] = *number;
-        }
+            document.flags[std::string(key)] = flag.boolean();
+        if (const JsonView text = value["stringValue"]; text.isString())
+            document.texts[std::string(key)] = shownText(text.string());
     }
     return document;
 }
 
+bool Announcements::Document::isActive() const {
+    const auto active = flags.find("active");
+    return active != flags.end() && active->second;
+}
+
+std::optional<std::string> Announcements::Document::text(const char* name) const {
+    const auto found = texts.find(name);
+    return found == texts.end() ? std::nullopt : std::optional(found->second);
+}
+
 void Announcements::showAlert(const Document& document) {
-    if (!isActive(document.fields)) {
-        announcement = std::nullopt;
-        return;
-    }
-    const std::string id = textOf(document.fields, "id").value_or("default");
-    if (preferences_.get(dismissalKey(id)) == "true")
-        announcement = std::nullopt;
+    const std::string id = document.text("id").value_or("default");
+    if (document.isActive() && preferences_.get(dismissalKey(id)) != "true")
+        announcement = Alert{id, document.text("title").value_or("Notice"), document.text("message").value_or("")};
     else
-        announcement = Alert{id, textOf(document.fields, "title").value_or("Notice"),
-                             textOf(document.fields, "message").value_or("")};
+        announcement = std::nullopt;
 }
 
 void Announcements::showMaintenance(const Document& document) {
-    if (!isActive(document.fields)) {
+    const std::string message = document.text("message").value_or("");
+    if (document.isActive())
+        maintenance = message.empty() ? "Scheduled maintenance in progress." : message;
+    else
         maintenance = std::nullopt;
-        return;
-    }
-    const std::string message = textOf(document.fields, "message").value_or("");
-    maintenance = message.empty() ? "Scheduled maintenance in progress." : message;
 }
 
 void Announcements::dismiss() {

@@ -5,7 +5,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <variant>
 
 #include "base/Preferences.h"
 #include "base/SerialQueue.h"
@@ -46,14 +45,16 @@ class Announcements {
     static std::string dismissalKey(const std::string& id) { return "dismissed_alert_" + id; }
 
  private:
-    using Fields = std::map<std::string, std::variant<bool, std::string, std::int64_t>>;
+    /// What a document says, by the field's name; empty where the server says that there is no such document.
     struct Document {
-        bool found = false;  // false: the server says that there is none
-        Fields fields;
+        std::map<std::string, bool> flags;
+        std::map<std::string, std::string> texts;
+        bool isActive() const;
+        std::optional<std::string> text(const char* name) const;
     };
-    /// Nothing when it cannot be known whether there is such a document.
-    using GotDocument = std::function<void(std::optional<Document>)>;
-    void fetchDoc(const std::string& name, const std::string& token, GotDocument done);
+    /// Gives nothing when it cannot be known what the document says, or whether there is one.
+    void fetchDoc(const std::string& name, const std::string& token,
+                  std::function<void(const std::optional<Document>&)> done);
     static std::optional<Document> read(const std::string& body);
     void showAlert(const Document& document);
     void showMaintenance(const Document& document);
