@@ -1,4 +1,4 @@
-// A renderer over a recorder of frames, in virtual time, and bars to show.
+// A renderer or a whole chart over a recorder of frames, in virtual time, and bars to show.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -36,18 +36,20 @@ inline std::vector<Candle> bars(std::size_t n, std::size_t from = 0) {
     return list;
 }
 
-struct ChartScene : testing::Test {
-    using Draw = RecordedFrames::DrawCall;
+/// What draws frames, in virtual time.
+struct RecordedScene : testing::Test {
     TestTime time;
     TestQueue queue{time};
     FrameRecorder gpu;
     RecordedFrames recorded;  // the newest frame
-    ChartRenderer renderer{gpu, time};
     double width = 1400, height = 900, pixelRatio = 1;
+
+    /// Whether it still moves.
+    virtual bool draw() = 0;
 
     bool frame(double seconds = 1.0 / 60.0) {
         time.advance(seconds);
-        const bool animating = renderer.drawFrame(width, height, pixelRatio, time.monotonic());
+        const bool animating = draw();
         recorded.take(gpu);
         return animating;
     }
@@ -55,6 +57,13 @@ struct ChartScene : testing::Test {
     void settle() {
         for (int i = 0; frame(); ++i) ASSERT_LT(i, 200) << "never settles";
     }
+};
+
+struct ChartScene : RecordedScene {
+    using Draw = RecordedFrames::DrawCall;
+    ChartRenderer renderer{gpu, time};
+
+    bool draw() override { return renderer.drawFrame(width, height, pixelRatio, time.monotonic()); }
 
     /// The frame's draw calls of one kind in their order, without the background.
     std::vector<Draw> calls(Pipeline pipeline, bool retained, Primitive primitive = Primitive::quads) const {
@@ -65,10 +74,9 @@ struct ChartScene : testing::Test {
         return list;
     }
     Draw priceLine() const { return calls(Pipeline::flat, false, Primitive::lines).at(0); }
-    // Of a frame without overlays: the closed bars, and the forming one.
-    Draw candles() const { return candles(true); }
+    // Of a frame without overlays: the forming bar, and the closed ones.
     Draw forming() const { return candles(false); }
-    Draw candles(bool retained) const {
+    Draw candles(bool retained = true) const {
         const bool dense = calls(Pipeline::candle, retained).empty();
         return calls(dense ? Pipeline::dense : Pipeline::candle, retained).at(0);
     }

@@ -34,11 +34,7 @@ struct ScenePane final : ChartSource {
     void marketClosedOrder() override {}
 };
 
-struct ChartViewTest : testing::Test {
-    TestTime time;
-    TestQueue queue{time};
-    FrameRecorder gpu;
-    RecordedFrames recorded;  // the newest frame
+struct ChartViewTest : RecordedScene {
     FakeGlyphs glyphs;
     SessionTime session;
     SceneData data{bars(300)};
@@ -53,15 +49,7 @@ struct ChartViewTest : testing::Test {
             if (need == ChartView::Need::calm) ++askedCalmly;
         };
     }
-    bool record() {
-        time.advance(1.0 / 60);
-        const bool another = view->record(1400, 900, 1, time.monotonic());
-        recorded.take(gpu);
-        return another;
-    }
-    void settle() {
-        for (int i = 0; record(); ++i) ASSERT_LT(i, 200) << "never settles";
-    }
+    bool draw() override { return view->record(width, height, pixelRatio, time.monotonic()); }
     bool shows(const ChartContent& content) {
         asked = 0;
         view->setContent(content);
@@ -131,7 +119,7 @@ TEST_F(ChartViewTest, AnotherChartStartsOver) {
         view->input().mouseDown(hand);
         view->input().mouseDragged({900, 895});
         EXPECT_TRUE(view->interacting());
-        record();
+        frame();
         begun = 0;
         SceneData other(bars(300));
         other.revision = data.revision;
@@ -149,10 +137,10 @@ TEST_F(ChartViewTest, AnotherChartStartsOver) {
         EXPECT_EQ(view->renderer().camera().autoY, another);
         EXPECT_EQ(view->viewport().has_value(), !another);
         time.advance(0.5);  // the wheel's live refresh ends
-        record();
+        frame();
         EXPECT_EQ(view->viewport(), view->renderer().camera().viewport());
         EXPECT_EQ(view->renderer().dispClose() == other.candles.back().close, another);
-        EXPECT_EQ(record(), !another) << "nothing eases over from another chart";
+        EXPECT_EQ(frame(), !another) << "nothing eases over from another chart";
         view->input().mouseUp(hand);
         view->setContent(data.content(another ? 1 : 2));
         settle();
@@ -171,7 +159,7 @@ TEST_F(ChartViewTest, SeriesStayWithTheirBarsInTheSameFrame) {
     view->renderer().setInteracting(true);
     view->renderer().pan(-90);
     const auto expectInPlace = [&] {
-        record();
+        frame();
         const auto& bars = pane.data.candles;
         const auto found = std::ranges::find(bars, itsBar, &Candle::time);
         const double x = AxisScale::xForIndex(view->renderer().camera().viewport(), double(found - bars.begin()), 1400);
@@ -215,21 +203,21 @@ TEST_F(ChartViewTest, ASourcesChangesOfATurnAreReadOnceAndAnAwaitedFrameReadsThe
     EXPECT_TRUE(change([&] { first.data.candles.back().close += 3; }));
     EXPECT_FALSE(change([] {}));
     EXPECT_EQ(first.reads, 4) << "for what may not wait for a calm frame";
-    record();
+    frame();
     EXPECT_EQ(first.reads, 5);
     EXPECT_TRUE(change([&] { first.data.series.ema1.clear(), ++first.seriesRevision; }));
     const std::size_t before = recorded.draws.size();
-    record();
+    frame();
     EXPECT_EQ(recorded.draws.size(), before) << "the other ribbons are still there";
 
     // another pane with the same chart number, in the middle of a drag
     view->renderer().setInteracting(true);
     view->renderer().pan(-50);
-    record();
+    frame();
     view->setSource(&second);
     EXPECT_EQ(first.dragsEnded, 1);
     EXPECT_FALSE(view->interacting() || view->viewport());
-    record();
+    frame();
     EXPECT_TRUE(view->renderer().camera().followLive);
     view->contentChanged();
     view.reset();
@@ -284,17 +272,17 @@ TEST_F(ChartViewTest, FollowersHearOfTheCameraInTheFrameThatMovesIt) {
     std::vector<double> heard;
     const auto following =
         state->changed.connect([&] { heard.push_back(state->get() ? std::round(state->get()->first) : -1); });
-    record();  // without bars there is no camera
+    frame();  // without bars there is no camera
     view->setContent(data.content());
     view->renderer().mirrorView(40, 150);
     EXPECT_TRUE(heard.empty());
-    record();
-    record();  // nothing moved
+    frame();
+    frame();  // nothing moved
     EXPECT_THAT(heard, ElementsAre(40));
     view->renderer().pan(7);
     view->record(0, 900, 1, time.monotonic());  // no frame of bars
     EXPECT_EQ(heard.size(), 1U);
-    record();
+    frame();
     view.reset();
     EXPECT_THAT(heard, ElementsAre(40, 47, -1));
 }

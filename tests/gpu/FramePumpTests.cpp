@@ -67,7 +67,6 @@ const std::string ask = "ask=asked-SCHEDULE ", handOver = "record=recorded handO
 
 TEST(FramePump, GoesOnWhateverHappensToItsFrames) {
     const std::pair<const char*, std::string> cases[] = {
-        {"one change is one frame", underWay + show + repaint},
         {"asks of one turn are one frame", ask + "ask=asked-SCHEDULE " + handOver + show + repaint},
         {"an ask within the recording is covered by it", ask + "askWithin=asked "},
         {"a change after the recording replaces it", ask + "record=recorded " + underWay + show + repaint},
