@@ -117,10 +117,11 @@ TEST_F(SimSaving, ChangesOfASecondAreOneWriteAndTheAccountGoesOnAfterARestart) {
 
 TEST_F(SimSaving, EveryOperationThatChangesSomethingIsSaved) {
     const auto sim = engine();
-    run(*sim, "quote 100 100");
+    run(*sim, "open 1 NQM6; quote 100 100");
     for (const char* operation :
          {"buy 1", "protect SL 90", "modify 0 91", "cancel 0", "buy 1 limit=99 stop=101 sl=4 tp=40", "leg 0 SL 80",
-          "trade 101", /* turns it into a limit */ "trade 98", "cancelAll", "flatten", "reset 1"}) {
+          "trade 101", /* turns it into a limit */ "trade 98", "trade 80" /* the stop */, "sell 3 tp=40", "buy 1",
+          "cancelAll", "flatten", "reset 1"}) {
         SCOPED_TRACE(operation);
         const int before = writes;
         run(*sim, operation + std::string("; wait 1"));

@@ -10,7 +10,6 @@
 #include <tuple>
 #include <utility>
 
-#include "sim/SimAccountText.h"
 #include "sim/SimEngine.h"
 #include "support/time/TestTime.h"
 
@@ -84,7 +83,6 @@ class Stream {
         for (int i = 0; i < steps && !testing::Test::HasFailure(); ++i) {
             SCOPED_TRACE("step " + std::to_string(i));
             step();
-            if (i % 400 == 0) checkReload();
         }
         counts_["partial closes"] += ledger_.partialCloses;
         counts_["reversals"] += ledger_.reversals;
@@ -259,15 +257,6 @@ class Stream {
         counts_["stop gaps"] += gap ? 1 : 0;
         counts_["brackets rebuilt"] += newLeg && !legKept && (stopBefore || targetBefore) ? 1 : 0;
         counts_["pairs"] += stopBefore && targetBefore && one && !fills_[0].tag.empty() ? 1 : 0;
-    }
-
-    void checkReload() {
-        const sim::Snapshot account = engine_.snapshot();
-        const auto written = sim::accountText(account);
-        const auto read = sim::readAccount(written.value_or(""));
-        ASSERT_TRUE(read == account);
-        EXPECT_EQ(sim::accountText(*read), written);
-        ++counts_["reloads"];
     }
 
     std::mt19937_64 random_;
