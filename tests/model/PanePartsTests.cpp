@@ -20,9 +20,7 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr std::int64_t minute = 1781100000;  // Wednesday 2026-06-10 10:00 New York
-
-class PaneParts : public testing::Test {
+class PaneParts : public PaneFixture {
  protected:
     static Json json(const std::string& text) { return Json::parse(text).value(); }
 
@@ -39,12 +37,7 @@ class PaneParts : public testing::Test {
         return {bars, none, none, overlays.hfByMin, noSessions, overlays.sideRevision(), settings};
     }
 
-    TestTime time{static_cast<double>(minute)};
-    TestQueue main{time};
     PaneWork work{main};
-    SessionTime session;
-    UuidSource ids{1};
-    std::vector<std::string> printed;
     PaneLog log{time, ids, [this](const std::string& line) { printed.push_back(line); }};
     RepairTally tally;
 
@@ -138,7 +131,6 @@ TEST_F(PaneParts, ChannelsNameNothingOfASourceThatIsNotThere) {
     };
     EXPECT_EQ(of("derived:QQQ").hfScale, 3) << "the one named";
     EXPECT_EQ(of("").hfScale, 7) << "the former chart's";
-    EXPECT_EQ(of("").vixChannel, "indices:I:VIX1D:1m");
     EXPECT_EQ(of("").secondaryGexChannel + of("").oscChannel, "");
 }
 

@@ -1,6 +1,10 @@
 #include "model/PlainOverlays.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -28,8 +32,6 @@ std::map<std::int64_t, double> plainOpens(const Bars& bars, int hhmm) {
     return byOpen;
 }
 
-}  // namespace
-
 std::vector<OvPoint> plainVwap(const Bars& bars, int hhmm) {
     const std::int64_t open = openOf(bars.back().time, hhmm);
     std::vector<OvPoint> points;
@@ -45,6 +47,7 @@ std::vector<OvPoint> plainVwap(const Bars& bars, int hhmm) {
     return points;
 }
 
+// The VWAP since 09:30, shown while stocks trade.
 std::vector<OvPoint> plainNyVwap(const Bars& bars, int hhmm) {
     if (hhmm == 930 || !stocksOpen(bars.back().time)) return {};
     return plainVwap(bars, 930);
@@ -75,34 +78,6 @@ std::vector<OvCandle> plainSecond(const Bars& primary, const Bars& sec, int hhmm
         if (bar.time >= open && place.contains(bar.time))
             points.push_back({place.at(bar.time), bar.open * ratio, bar.high * ratio, bar.low * ratio,
                               bar.close * ratio, bar.close});
-    return points;
-}
-
-std::vector<OvColorPoint> plainHf(const Bars& bars, const HfByMin& flow, int tf, int hhmm, double fallback,
-                                  const SRSessions& levels) {
-    std::map<std::int64_t, double> value;
-    for (const auto& [t, minute] : flow)
-        if (newYorkSecondsOfDay(t) < 16 * 3600 + 16 * 60) value[t / (tf * 60) * (tf * 60)] = minute.c ? *minute.c : 0;
-    const auto place = positions(bars);
-    const auto sessionOpen = plainOpens(bars, hhmm);
-    std::vector<OvColorPoint> points;
-    for (const auto& [bar, hf] : value) {
-        const std::int64_t open = openOf(bar, hhmm);
-        if (!place.contains(bar) || !sessionOpen.contains(open)) continue;
-        const double base = sessionOpen.at(open);
-        double up = fallback, down = fallback;
-        if (levels.contains(open)) {
-            const SRSession& session = levels.at(open);
-            const double from = session.openPrice == 0 ? base : session.openPrice;
-            std::map<std::int64_t, double> ups, downs;
-            for (const SRLevel& level : session.up) ups.try_emplace(level.i, level.price);
-            for (const SRLevel& level : session.dn) downs.try_emplace(level.i, level.price);
-            if (!ups.empty() && from < ups.begin()->second) up = (ups.begin()->second - from) / 1e8;
-            if (!downs.empty() && downs.begin()->second < from) down = (from - downs.begin()->second) / 1e8;
-        }
-        const double v = base + hf * (hf < 0 ? down : up);
-        if (std::isfinite(v)) points.push_back({place.at(bar), v, hf >= 0, base, hf});
-    }
     return points;
 }
 
@@ -140,6 +115,69 @@ std::vector<OvPoint> plainVix(const Bars& bars, const Bars& vix, int tf, int hhm
     for (const auto& [bar, v] : value)
         if (place.contains(bar)) points.push_back({place.at(bar), v});
     return points;
+}
+
+std::array<double, 6> numbers(const OvPoint& p) { return {p.idx, p.v}; }
+std::array<double, 6> numbers(const OvColorPoint& p) { return {p.idx, p.v, p.positive ? 1.0 : 0, p.base, p.hf}; }
+std::array<double, 6> numbers(const OvCandle& p) { return {p.idx, p.o, p.h, p.l, p.c, p.realC}; }
+
+// Sums made in another order differ by some 1e-13 of the value; a tick more or less in one bar of a session's VWAP, the
+// least that an error makes, is above 1e-9.
+template <class Point>
+void expectNear(const std::vector<Point>& got, const std::vector<Point>& expected, const std::string& what) {
+    ASSERT_EQ(got.size(), expected.size()) << what;
+    for (std::size_t i = 0; i < got.size(); ++i)
+        for (std::size_t k = 0; k < 6; ++k) {
+            const double value = numbers(expected[i])[k];
+            ASSERT_NEAR(numbers(got[i])[k], value, 1e-10 * std::abs(value)) << what << " at " << i << ", number " << k;
+        }
+}
+
+}  // namespace
+
+std::vector<OvColorPoint> plainHf(const Bars& bars, const HfByMin& flow, int tf, int hhmm, double fallback,
+                                  const SRSessions& levels) {
+    std::map<std::int64_t, double> value;
+    for (const auto& [t, minute] : flow)
+        if (newYorkSecondsOfDay(t) < 16 * 3600 + 16 * 60) value[t / (tf * 60) * (tf * 60)] = minute.c ? *minute.c : 0;
+    const auto place = positions(bars);
+    const auto sessionOpen = plainOpens(bars, hhmm);
+    std::vector<OvColorPoint> points;
+    for (const auto& [bar, hf] : value) {
+        const std::int64_t open = openOf(bar, hhmm);
+        if (!place.contains(bar) || !sessionOpen.contains(open)) continue;
+        const double base = sessionOpen.at(open);
+        double up = fallback, down = fallback;
+        if (levels.contains(open)) {
+            const SRSession& session = levels.at(open);
+            const double from = session.openPrice == 0 ? base : session.openPrice;
+            std::map<std::int64_t, double> ups, downs;
+            for (const SRLevel& level : session.up) ups.try_emplace(level.i, level.price);
+            for (const SRLevel& level : session.dn) downs.try_emplace(level.i, level.price);
+            if (!ups.empty() && from < ups.begin()->second) up = (ups.begin()->second - from) / 1e8;
+            if (!downs.empty() && downs.begin()->second < from) down = (from - downs.begin()->second) / 1e8;
+        }
+        const double v = base + hf * (hf < 0 ? down : up);
+        if (std::isfinite(v)) points.push_back({place.at(bar), v, hf >= 0, base, hf});
+    }
+    return points;
+}
+
+void expectPlain(const OverlaySet& got, const OverlayInput& in, const std::string& what,
+                 std::map<std::string, std::size_t>& compared) {
+    const OverlaySettings& on = in.settings;
+    const int tf = on.timeframe, hhmm = on.sessionHHMM, smooth = static_cast<int>(on.vixSmooth);
+    const auto expect = [&](const std::string& series, const auto& points, bool shown, auto expected) {
+        compared[series] += points.size();
+        expectNear(points, shown ? expected : decltype(expected)(), what + " " + series);
+    };
+    expect("VWAP", got.vwapMain, on.vwapEnabled, plainVwap(in.bars, hhmm));
+    expect("New York VWAP", got.vwapNY, on.vwapNyEnabled, plainNyVwap(in.bars, hhmm));
+    expect("EMA 9", got.ema1, on.ema1Enabled, plainEma(in.bars, 9));
+    expect("EMA 200", got.ema2, true, plainEma(in.bars, 200));
+    expect("second", got.secondCandles, true, plainSecond(in.bars, plainAggregate(in.secondaryRaw, tf), hhmm));
+    expect("HF", got.hfLine, on.hfEnabled, plainHf(in.bars, in.hfByMin, tf, hhmm, on.hfFallbackScale, in.srSessions));
+    expect("VIX", got.vixLine, on.vixEnabled, plainVix(in.bars, in.vix, tf, hhmm, on.vixScale, smooth));
 }
 
 }  // namespace vmr::test

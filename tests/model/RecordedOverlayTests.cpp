@@ -53,40 +53,30 @@ class Player {
         if (gap > 600) pane_.time.setNow(t);
         if (gap > 0 && gap <= 600) pane_.time.advance(gap / speed);
     }
-    template <class Points>
-    void expectSame(const Points& got, const Points& expected, const std::string& series) {
-        points[series] += got.size();
-        expectNear(got, expected, what_ + series);
-    }
-
     void check() {
         pane_.time.advance(0.02);  // the throttled rebuilds
         plain_.chart.roll(pane_.time.now());
         const int tf = model().bars.timeframe, hhmm = static_cast<int>(model().config->sessionStart);
-        what_ = std::to_string(pane_.time.now()) + " tf " + std::to_string(tf) + " start " + std::to_string(hhmm) + " ";
-        const Bars raw = plain_.chart.bars(), vix = plain_.vix.bars(), bars = plainAggregate(raw, tf);
-        ASSERT_EQ(model().bars.displayCandles.get(), bars) << what_;
+        const std::string what =
+            std::to_string(pane_.time.now()) + " tf " + std::to_string(tf) + " start " + std::to_string(hhmm);
+        const Bars raw = plain_.chart.bars(), second = plain_.second.bars(), vix = plain_.vix.bars();
+        const Bars bars = plainAggregate(raw, tf);
+        ASSERT_EQ(model().bars.displayCandles.get(), bars) << what;
         const OverlaySet& got = model().overlays.series();
-        expectSame(got.vwapMain, plainVwap(bars, hhmm), "VWAP");
-        expectSame(got.vwapNY, plainNyVwap(bars, hhmm), "New York VWAP");
-        expectSame(got.ema1, plainEma(bars, 9), "EMA 9");
-        expectSame(got.ema2, plainEma(bars, 200), "EMA 200");
-        expectSame(got.secondCandles, plainSecond(bars, plainAggregate(plain_.second.bars(), tf), hhmm), "second");
         const double scale = 7.0 / 5.0 * 2e-7;  // the user's over the standard one for NQ, times that of QQQ's flow
-        expectSame(got.hfLine, plainHf(bars, plain_.flow, tf, hhmm, scale, plain_.levels), "HF");
+        const OverlaySettings all{tf, hhmm, true, true, true, true, true, true, true, 9, 200, scale, 0.08, 5};
+        expectPlain(got, {bars, second, vix, plain_.flow, plain_.levels, 0, all}, what, points);
         const auto unscaled = plainHf(bars, plain_.flow, tf, hhmm, scale, {});
         for (std::size_t i = 0; i < unscaled.size(); ++i) byLevels += unscaled[i].v != got.hfLine.at(i).v;
-        expectSame(got.vixLine, plainVix(bars, vix, tf, hhmm, 0.08, 5), "VIX");
-        EXPECT_EQ(got.vixSpot, vix.back().close) << what_;
+        EXPECT_EQ(got.vixSpot, vix.back().close) << what;
         const auto& lines = model().sessionLevels.srLines.get();
         points["lines"] += lines.size();
-        EXPECT_EQ(lines, plainLines(raw, plain_.levels, hhmm)) << what_;
+        EXPECT_EQ(lines, plainLines(raw, plain_.levels, hhmm)) << what;
     }
 
     TestPane pane_;
     PlainSeries plain_;
     std::size_t shown_ = 0;
-    std::string what_;
 };
 
 void playAndCompare(const char* month, const std::vector<LiveStretch>& season) {
