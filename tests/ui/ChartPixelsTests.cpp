@@ -45,12 +45,11 @@ class ChartPixels : public testing::Test {
         return whole.copy(part.intersected(whole.rect()));
     }
     Viewport viewport() { return chart->renderer().camera().viewport(); }
-    ChartContent barsAlone() {
-        ChartContent content;
-        content.chart = 1;
-        content.look = &ui->source.look;
-        content.candles = ui->bars();
-        return content;
+    /// Everything around the window's bars.
+    SceneData scene() const {
+        SceneData data(ui->bars(), {.strikes = 30, .minutes = 30, .bubbles = 2, .triangles = 2, .ratio = 10.0});
+        data.config.initialCandles = ui->source.look.initialCandles;
+        return data;
     }
 
     QSize windowSize{901, 601};
@@ -60,8 +59,7 @@ class ChartPixels : public testing::Test {
 
 TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
     ASSERT_EQ(ratio(), std::getenv("QT_SCALE_FACTOR") ? std::atof(std::getenv("QT_SCALE_FACTOR")) : 1.0);
-    SceneData data(ui->bars(), {.strikes = 30, .minutes = 30, .bubbles = 2, .triangles = 2, .ratio = 10.0});
-    data.config.initialCandles = ui->source.look.initialCandles;
+    const SceneData data = scene();
     CpuChart expected(&ui->account);
     ChartRenderer& renderer = expected.view.renderer();
     for (const bool everything : {false, true}) {
@@ -69,10 +67,8 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
         if (everything) {
             ui->showScene(data);
             ASSERT_TRUE(ui->settle());
-            expected.view.setContent(data.content());
-        } else {
-            expected.view.setContent(barsAlone());
         }
+        expected.view.setContent(ui->source.chartContent());
         const RecordedFrame frame = expected.frame(chart->size(), ratio());
         ASSERT_EQ(renderer.camera().viewport(), viewport());
         int kinds = 0;
@@ -106,36 +102,11 @@ struct ShapesLayer final : ScreenLayer {
         frame.gpu.clear({0.04F, 0.04F, 0.04F, 1});  // as a chart does
         for (std::size_t i = 1; i < shapes.draws.size(); ++i) {
             const RecordedFrame::Draw& draw = shapes.draws[i];
-            const auto& bytes =
-                draw.source < 0 ? shapes.stream : shapes.retained[static_cast<std::size_t>(draw.source)]->bytes;
-            const auto copy = [&]<class Vertex>(Vertex) {
-                const auto* first = reinterpret_cast<const Vertex*>(bytes.data() + draw.byteOffset);
-                return frame.arena.uploadDyn(std::span(first, draw.vertexCount));
-            };
-            const auto upload = [&] {
-                switch (draw.pipeline) {
-                    case Pipeline::flat:
-                        return copy(ChartVertex{});
-                    case Pipeline::box:
-                        return copy(BoxVertex{});
-                    case Pipeline::rounded:
-                        return copy(RoundVertex{});
-                    case Pipeline::candle:
-                    case Pipeline::dense:
-                        return copy(CandleVertex{});
-                    case Pipeline::ribbon:
-                        return copy(LineVertex{});
-                    case Pipeline::marker:
-                        return copy(MarkerVertex{});
-                    case Pipeline::text:
-                        break;
-                }
-                return copy(TextVertex{});
-            }();
+            const auto upload = frame.arena.uploadDyn(bytesOf(shapes, draw));
             frame.gpu.setPipeline(draw.pipeline);
             const bool small = draw.pipeline == Pipeline::flat || draw.pipeline == Pipeline::text;
             frame.gpu.setUniforms(std::span(shapes.uniforms[draw.uniforms]).first(small ? 4 : 8));
-            frame.gpu.draw(draw.primitive, upload->buffer, upload->offset, upload->count);
+            frame.gpu.draw(draw.primitive, upload->buffer, upload->offset, draw.vertexCount);
         }
         return false;
     }
@@ -205,18 +176,8 @@ TEST_F(ChartEdges, CoverPixelsAsMuchAsTheirShapesDo) {
     CpuChart cpu;
     ASSERT_TRUE(ui->settle());
     chart->renderer().addScreenLayer(layer);
-    const struct {
-        const char* name;
-        Kind kind;
-        double most, mean;
-    } kinds[] = {{"candles", candles, 0.12, 0.015},
-                 {"paired candles", pairedCandles, 0.12, 0.015},
-                 {"lines", lines, 0.12, 0.015},
-                 {"levels", levels, 0.12, 0.015},
-                 {"waves", waves, 0.12, 0.015},
-                 {"markers", markers, 0.12, 0.015},
-                 {"strike bars", strikeBars, 0.12, 0.015},
-                 {"rectangles", rectangles, 0.03, 0.002}};
+    const char* const names[] = {"candles", "paired candles", "lines",       "levels",
+                                 "waves",   "markers",        "strike bars", "rectangles"};
     data.srLines[0].price -= 30;  // shares no pixel with a wall
     const std::vector<OvPoint> dashed = data.series.vwapNY;
     for (const double pixelsABar : {1.3, 2.0, 3.7, 12.0}) {
@@ -226,13 +187,14 @@ TEST_F(ChartEdges, CoverPixelsAsMuchAsTheirShapesDo) {
             data.config.candleTheme = theme;
             cpu.view.setContent(data.content());
             cpu.view.renderer().mirrorView(100 + phase / pixelsABar, chart->width() * ratio() / pixelsABar);
-            for (const auto& [name, kind, most, mean] : kinds) {
+            for (const Kind kind : {candles, pairedCandles, lines, levels, waves, markers, strikeBars, rectangles}) {
                 if (kind != candles && phase != 0.25) continue;
+                const auto [most, mean] = kind == rectangles ? std::pair(0.03, 0.002) : std::pair(0.12, 0.015);
                 const Deviation is = deviation(cpu, kind);
-                EXPECT_GT(is.pixels, 200) << name;
+                EXPECT_GT(is.pixels, 200) << names[kind];
                 EXPECT_TRUE(is.most < most && is.mean < mean)
-                    << theme << " " << name << " at " << pixelsABar << " pixels a bar, " << phase << " on: " << is.most
-                    << " at " << is.x << ", " << is.y << ", mean " << is.mean;
+                    << theme << " " << names[kind] << " at " << pixelsABar << " pixels a bar, " << phase
+                    << " on: " << is.most << " at " << is.x << ", " << is.y << ", mean " << is.mean;
             }
         }
     }
@@ -266,7 +228,7 @@ TEST_F(ChartPixels, ClearsAndClipsTouchTheirPixelsOnly) {
     {
         CpuChart expected;
         for (ChartRenderer* renderer : {&expected.view.renderer(), &chart->renderer()}) renderer->addScreenLayer(layer);
-        expected.view.setContent(barsAlone());
+        expected.view.setContent(ui->source.chartContent());
         chart->renderer().redraw();
         const QImage picture = chartPicture();
         const RecordedFrame frame = expected.frame(chart->size(), ratio());
@@ -297,28 +259,6 @@ TEST_F(ChartPixels, AStillChartAsksForNoFrames) {
     EXPECT_EQ(chart->uploadedBytes(), uploaded);
     EXPECT_EQ(chart->framesDrawn(), drawn);
     EXPECT_EQ(chartPicture(), before);
-
-    // walls and markers that change in one turn cost one frame together
-    SceneData data(ui->bars(), {.strikes = 30, .minutes = 30, .ratio = 10.0});
-    data.config.initialCandles = 20;
-    ui->showScene(data);
-    ASSERT_TRUE(ui->settle());
-    const auto quiet = chart->framesDrawn();
-    data.levels[0].price += 1;
-    ui->showBars();
-    data.bubbles.pop_back();
-    ui->showBars();
-    ASSERT_TRUE(ui->settle());
-    EXPECT_EQ(chart->framesDrawn(), quiet + 1);
-
-    // a change wakes it, easing keeps it awake, and it falls asleep again
-    ui->bars().back().close += 4;
-    ui->showBars();
-    ASSERT_TRUE(ui->settle());
-    EXPECT_GT(chart->framesDrawn(), drawn + 3);
-    const auto eased = chart->framesDrawn();
-    runFor(300);
-    EXPECT_EQ(chart->framesDrawn(), eased);
 }
 
 TEST_F(ChartPixels, ItemsAboveCoverTheChartAndItemsBelowDoNotShow) {
@@ -356,7 +296,7 @@ TEST_F(ChartPixels, ItemsAboveCoverTheChartAndItemsBelowDoNotShow) {
 
 // Blending leaves alpha below one in the buffer; a window that has an alpha channel would let the desktop through.
 TEST_F(ChartPixels, TheWindowIsOpaque) {
-    SceneData data(ui->bars(), {.strikes = 30, .minutes = 30, .bubbles = 2, .triangles = 2, .ratio = 10.0});
+    const SceneData data = scene();
     ui->showScene(data);
     ASSERT_TRUE(ui->settle());
     EXPECT_LE(ui->window->format().alphaBufferSize(), 0);

@@ -69,32 +69,36 @@ struct Outline {
     }
 };
 
+/// A picture of `grid` by `grid` samples a pixel.
 class Canvas {
  public:
     // Of the rows of pixels from `top` on. `exact`: each sample finds out by itself what covers it.
     Canvas(const RecordedFrame& frame, const QImage& atlas, int side, int top, int rows, bool exact)
-        : frame_(frame), atlas_(atlas), grid_(side), top_(top), exact_(exact) {
-        picture.side = side;
-        picture.width = static_cast<int>(std::ceil(frame.width * frame.pixelRatio)) * grid_;
-        picture.height = rows * grid_;
-        picture.samples.resize(static_cast<std::size_t>(picture.width * picture.height));
-    }
-    Raster picture;
+        : grid(side),
+          width(static_cast<int>(std::ceil(frame.width * frame.pixelRatio)) * side),
+          height(rows * side),
+          frame_(frame),
+          atlas_(atlas),
+          top_(top),
+          exact_(exact),
+          samples_(static_cast<std::size_t>(width * height)) {}
+
+    const int grid, width, height;  // the last two in samples
+    std::array<float, 3>& valueAt(int x, int y) { return samples_[static_cast<std::size_t>(y * width + x)]; }  // 0 to 1
 
     void draw(const RecordedFrame::Draw& call) {
         clip_ = frame_.clips.at(call.clip);
         clip_.top = std::max(clip_.top, top_) - top_;
-        clip_.bottom = std::min(clip_.bottom - top_, picture.height / grid_);
+        clip_.bottom = std::min(clip_.bottom - top_, height / grid);
         if (clip_.empty()) return;
         opaque_ = call.opaque;
         const auto stride = vertexStride(call.pipeline);
-        const auto& bytes =
-            call.source < 0 ? frame_.stream : frame_.retained[static_cast<std::size_t>(call.source)]->bytes;
+        const auto bytes = bytesOf(frame_, call);
         const bool text = call.pipeline == Pipeline::text;
         const std::size_t shape = call.primitive == Primitive::lines ? 2 : call.primitive == Primitive::quads ? 4 : 3;
         std::vector<Corner> c;
         for (std::size_t i = 0; i < call.vertexCount; ++i) {
-            c.push_back(corner(call, bytes.data() + call.byteOffset + i * stride));
+            c.push_back(corner(call, bytes.data() + i * stride));
             if (c.size() < shape) continue;
             if (shape == 2) line(c[0], c[1]);
             if (shape >= 3) triangle(c[0], c[1], c[2], text);
@@ -134,20 +138,16 @@ class Canvas {
                 const auto vertex = read<CandleVertex>(bytes);
                 const auto rowOf = [&](float price) { return at(std::array{0.0F, price}.data(), {}).y; };
                 const double top = rowOf(vertex.body[0]), bottom = rowOf(vertex.body[1]);
-                Corner corner = at(vertex.corner, vertex.color), opposite = at(vertex.opposite, {});
+                const Corner corner = at(vertex.corner, vertex.color), opposite = at(vertex.opposite, {});
                 outline_.kind = Outline::Kind::candle;
                 outline_.fill = vertex.halfStroke > 0 ? vertex.fill : 1;
                 outline_.stroke = vertex.halfStroke * frame_.pixelRatio;
                 std::tie(outline_.wickTop, outline_.wickBottom) = std::minmax({corner.y, opposite.y});
-                outline_.x = (corner.x + opposite.x) / 2;
-                outline_.y = (top + bottom) / 2;
-                outline_.halfWidth = std::abs(corner.x - opposite.x) / 2;
+                const Corner out = grown(corner, opposite, outline_.stroke + 1);
+                outline_.y = (top + bottom) / 2;  // of the body alone
                 outline_.halfHeight = std::abs(top - bottom) / 2;
                 outline_.wickHalf = outline_.halfWidth * vertex.wick;
-                const double beyond = outline_.stroke + 1;
-                corner.y += corner.y < opposite.y ? -beyond : beyond;
-                corner.x += corner.x < opposite.x ? -beyond : beyond;
-                return corner;
+                return out;
             }
             case Pipeline::ribbon: {
                 const auto vertex = read<LineVertex>(bytes);
@@ -241,30 +241,30 @@ class Canvas {
         };
         const auto range = [this](double p, double q, double r, int from, int to) {
             const auto [lo, hi] = std::minmax({p, q, r});
-            return std::pair(std::max(static_cast<int>(std::floor(std::clamp(lo * grid_, -1e6, 1e6))), from),
-                             std::min(static_cast<int>(std::ceil(std::clamp(hi * grid_, -1e6, 1e6))) + 1, to));
+            return std::pair(std::max(static_cast<int>(std::floor(std::clamp(lo * grid, -1e6, 1e6))), from),
+                             std::min(static_cast<int>(std::ceil(std::clamp(hi * grid, -1e6, 1e6))) + 1, to));
         };
-        const auto [x0, x1] = range(a.x, b.x, c.x, clip_.left * grid_, std::min(clip_.right * grid_, picture.width));
-        const auto [y0, y1] = range(a.y, b.y, c.y, clip_.top * grid_, std::min(clip_.bottom * grid_, picture.height));
+        const auto [x0, x1] = range(a.x, b.x, c.x, clip_.left * grid, std::min(clip_.right * grid, width));
+        const auto [y0, y1] = range(a.y, b.y, c.y, clip_.top * grid, std::min(clip_.bottom * grid, height));
         for (int sy = y0; sy < y1; ++sy) {
             for (int sx = x0; sx < x1; ++sx) {
                 // from the canvas's top; of exact ones no two of a pixel share a row or a column
-                const double skewX = exact_ ? (sy % grid_ + 0.5) / grid_ : 0.5;
-                const double skewY = exact_ ? (sx % grid_ + 0.5) / grid_ : 0.5;
-                const double x = (sx + skewX) / grid_, y = (sy + skewY) / grid_;
+                const double skewX = exact_ ? (sy % grid + 0.5) / grid : 0.5;
+                const double skewY = exact_ ? (sx % grid + 0.5) / grid : 0.5;
+                const double x = (sx + skewX) / grid, y = (sy + skewY) / grid;
                 const double wa = cross(b, c, x, y), wb = cross(c, a, x, y), wc = cross(a, b, x, y);
                 if (!covers(wa, b, c) || !covers(wb, c, a) || !covers(wc, a, b)) continue;
                 const auto mix = [&](double p, double q, double r) { return (p * wa + q * wb + r * wc) / area; };
                 double alpha = mix(a.color[3], b.color[3], c.color[3]);
                 alpha *= exact_ ? outline_.covers(x, y + top_, 0)  // else one value for all samples of a pixel
-                                : outline_.covers(sx / grid_ + 0.5, sy / grid_ + top_ + 0.5, 1);
+                                : outline_.covers(sx / grid + 0.5, sy / grid + top_ + 0.5, 1);
                 if (text) {
                     const int u = std::clamp(static_cast<int>(mix(a.u, b.u, c.u)), 0, atlas_.width() - 1);
                     const int v = std::clamp(static_cast<int>(mix(a.v, b.v, c.v)), 0, atlas_.height() - 1);
                     alpha *= atlas_.constScanLine(v)[u] / 255.0;
                 }
                 for (std::size_t i = 0; i < 3; ++i) {
-                    float& sample = picture.at(sx, sy)[i];
+                    float& sample = valueAt(sx, sy)[i];
                     const double color = mix(a.color[i], b.color[i], c.color[i]);
                     sample = static_cast<float>(opaque_ ? color : color * alpha + sample * (1 - alpha));
                 }
@@ -274,17 +274,18 @@ class Canvas {
 
     const RecordedFrame& frame_;
     const QImage& atlas_;
-    const int grid_, top_;
+    const int top_;
     const bool exact_;
+    std::vector<std::array<float, 3>> samples_;
     PixelRect clip_;  // from the canvas's top
     bool opaque_ = false;
     Outline outline_;  // of the quad being drawn
 };
 
-Raster rasterise(const RecordedFrame& frame, const QImage& atlas, int side) {
+Canvas rasterise(const RecordedFrame& frame, const QImage& atlas, int side) {
     Canvas canvas(frame, atlas, side, 0, static_cast<int>(std::ceil(frame.height * frame.pixelRatio)), false);
     for (const auto& call : frame.draws) canvas.draw(call);
-    return canvas.picture;
+    return canvas;
 }
 
 /// What differs: values that the raster does not allow, the first of them in words, and the mean error.
@@ -294,8 +295,8 @@ struct Difference {
     double mean = 0;
 };
 
-Difference difference(const QImage& image, Raster expected) {
-    const int grid = expected.side;
+Difference difference(const QImage& image, Canvas expected) {
+    const int grid = expected.grid;
     Difference out;
     double error = 0;
     for (int i = 0; i < image.width() * image.height() * 3; ++i) {
@@ -306,7 +307,7 @@ Difference difference(const QImage& image, Raster expected) {
         for (int sy = y * grid - 1; sy <= y * grid + grid; ++sy) {
             for (int sx = x * grid - 1; sx <= x * grid + grid; ++sx) {
                 const auto& sample =
-                    expected.at(std::clamp(sx, 0, expected.width - 1), std::clamp(sy, 0, expected.height - 1));
+                    expected.valueAt(std::clamp(sx, 0, expected.width - 1), std::clamp(sy, 0, expected.height - 1));
                 const float value = sample[static_cast<std::size_t>(channel)] * 255.0F;
                 low = std::min(low, value);
                 high = std::max(high, value);
@@ -325,6 +326,11 @@ Difference difference(const QImage& image, Raster expected) {
 }
 
 }  // namespace
+
+std::span<const std::byte> bytesOf(const RecordedFrame& frame, const RecordedFrame::Draw& draw) {
+    const auto& all = draw.source < 0 ? frame.stream : frame.retained[static_cast<std::size_t>(draw.source)]->bytes;
+    return std::span(all).subspan(draw.byteOffset, draw.vertexCount * vertexStride(draw.pipeline));
+}
 
 void expectSame(const QImage& image, const RecordedFrame& frame, const QImage& atlas, double meanError) {
     // at a fractional ratio the last pixel may lie beyond the window
@@ -351,9 +357,9 @@ Deviation deviationFromCoverage(const QImage& image, const RecordedFrame& frame,
     for (int top = 0; top < image.height(); top += rows) {
         Canvas canvas(frame, atlas, side, top, std::min(rows, image.height() - top), true);
         canvas.draw(frame.draws[first]);
-        const auto ground = canvas.picture.samples.front();
+        const auto ground = canvas.valueAt(0, 0);
         for (std::size_t i = first + 1; i < frame.draws.size(); ++i) canvas.draw(frame.draws[i]);
-        for (int i = 0; i < image.width() * (canvas.picture.height / side); ++i) {
+        for (int i = 0; i < image.width() * (canvas.height / side); ++i) {
             const int x = i % image.width(), y = i / image.width();
             const QRgb pixel = image.pixel(x, top + y);
             const int got[] = {qRed(pixel), qGreen(pixel), qBlue(pixel)};
@@ -361,7 +367,7 @@ Deviation deviationFromCoverage(const QImage& image, const RecordedFrame& frame,
             for (std::size_t channel = 0; channel < 3; ++channel) {
                 double mean = 0;
                 for (int s = 0; s < side * side; ++s)
-                    mean += canvas.picture.at(x * side + s % side, y * side + s / side)[channel];
+                    mean += canvas.valueAt(x * side + s % side, y * side + s / side)[channel];
                 mean /= side * side;
                 error = std::max(error, std::abs(got[channel] / 255.0 - mean));
                 shown = std::max(

@@ -2,20 +2,15 @@
 #pragma once
 
 #include <QImage>
-#include <array>
-#include <vector>
+#include <cstddef>
+#include <span>
 
 #include "gpu/RecordedFrame.h"
 
 namespace vmr::test {
 
-/// A picture of `side` by `side` samples a pixel.
-struct Raster {
-    int side = 1;
-    int width = 0, height = 0;                  ///< samples
-    std::vector<std::array<float, 3>> samples;  ///< 0 to 1
-    std::array<float, 3>& at(int x, int y) { return samples[static_cast<std::size_t>(y * width + x)]; }
-};
+/// The vertices that a draw of this frame draws.
+std::span<const std::byte> bytesOf(const RecordedFrame& frame, const RecordedFrame::Draw& draw);
 
 /// Expects that every pixel is one that the frame over black allows, with `atlas` for its glyphs: antialiasing places
 /// its samples as it likes, so a pixel on an edge may take any value between the samples around it. `meanError` grows

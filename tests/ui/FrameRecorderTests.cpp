@@ -1,29 +1,19 @@
 // Recording a frame for the render node.
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <utility>
-
-#include "chart/ChartView.h"
-#include "gpu/FrameRecorder.h"
-#include "support/time/TestTime.h"
 #include "tests/chart/AllocationCount.h"
+#include "ui/CpuChart.h"
 #include "ui/UiWindow.h"
-#include "ui/gpu/GlyphAtlas.h"
 
 namespace vmr::test {
 namespace {
 
 TEST(FrameRecorder, RecordingASteadyChartAsksForNoMemory) {
-    TestTime time;
-    TestQueue queue(time);
-    FrameRecorder gpu;
     RecordedFrame shown;
-    GlyphAtlas atlas(QStringLiteral("Saira"));
-    SessionTime session;
     SceneData data(syntheticBars(5000));
     StillAccount account(data.candles.back().close);
-    ChartView view({gpu, atlas, session, time, queue, nullptr, &account});
+    CpuChart cpu(&account);
+    ChartView& view = cpu.view;
     std::size_t published = 0, letters = 0;
     const auto following = view.viewportState()->changed.connect([&] { ++published; });
     ChartContent content = data.content();
@@ -38,7 +28,7 @@ TEST(FrameRecorder, RecordingASteadyChartAsksForNoMemory) {
             if (i % 3 > 0) view.renderer().pan(i % 40 < 20 ? -0.7 : 0.7);  // others ease
             if (i % 3 > 0) view.renderer().zoom(i % 2 == 0 ? 1.01 : 1 / 1.01);
             view.record(1400, 900, 1.5, 1000 + i / 120.0);
-            EXPECT_TRUE(gpu.swapFrame(shown));
+            EXPECT_TRUE(cpu.gpu.swapFrame(shown));
             for (const auto& draw : shown.draws)
                 if (draw.pipeline == Pipeline::text) letters += draw.vertexCount / 4;
         }

@@ -19,8 +19,8 @@
 #include "ui/chart/ChartItem.h"
 #include "ui/pane/PaneViewModel.h"
 #include "ui/platform/UiSetup.h"
-#include "ui/shell/ServiceViewModel.h"
 #include "ui/platform/WindowPicture.h"
+#include "ui/shell/ServiceViewModel.h"
 
 namespace vmr::test {
 
