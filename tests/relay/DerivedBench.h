@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/SteerableClock.h"
+#include "market/ClockSetting.h"
 #include "relay/ChainPublisher.h"
 #include "relay/LevelsPublisher.h"
 #include "relay/MinutePublisher.h"
@@ -18,6 +19,8 @@
 namespace vmr::relay::test {
 
 using nlohmann::json;
+
+inline std::int64_t msOf(const std::string& moment) { return static_cast<std::int64_t>(*parseMoment(moment) * 1000); }
 
 /// Keeps what it is sent and merges it as a chart does.
 class Listener final : public Subscriber {
@@ -78,10 +81,10 @@ class DerivedBench {
         return *made;
     }
 
-    /// A new listener's snapshot of one channel at a moment (seconds).
-    json snapshot(const std::string& channel, double now) {
+    /// A new listener's snapshot of one channel at a moment.
+    json snapshot(const std::string& channel, std::int64_t nowMs) {
         Listener one;
-        EXPECT_TRUE(hub.subscribe(one, {channel}, static_cast<std::int64_t>(now * 1000)).empty()) << channel;
+        EXPECT_TRUE(hub.subscribe(one, {channel}, nowMs).empty()) << channel;
         hub.leave(one);
         return one.state[channel];
     }

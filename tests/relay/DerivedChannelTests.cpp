@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 
 namespace vmr::relay {
@@ -13,11 +12,10 @@ namespace {
 using test::DerivedBench;
 using test::json;
 using test::Listener;
+using test::msOf;
 
 const std::vector<std::string> channels{"derived:QQQ",           "derived:gexBubbles:QQQ", "derived:hfTriangles:QQQ",
                                         "derived:hfHistory:QQQ", "derived:osc:QQQ",        "derived:srlevels:NQ"};
-
-std::int64_t ms(const char* moment) { return static_cast<std::int64_t>(*parseMoment(moment) * 1000); }
 
 /// A snapshot holds the newest minutes only, a listener all that it has heard.
 json newest(const json& all, const json& like) {
@@ -45,24 +43,24 @@ TEST(DerivedChannels, EventsOnTheSnapshotMakeTheLaterSnapshotWhoeverAsksAndWhen)
                             Case{"evening", 1, "2026-06-10T16:58:03", "2026-06-10T18:03:41", 4930},
                             Case{"fast", 60, "2026-06-10T09:00:00", "2026-06-10T11:00:07", 4800}}) {
         DerivedBench bench(one.speed), later(one.speed);
-        Listener early, late;
-        EXPECT_TRUE(bench.hub.subscribe(early, channels, ms(one.from)).empty());
-        for (std::int64_t now = ms(one.from); now < ms(one.to); now += one.tickMs) bench.hub.tick(now);
-        bench.hub.tick(ms(one.to));
-        EXPECT_TRUE(later.hub.subscribe(late, channels, ms(one.to)).empty());
-        for (const std::string& channel : channels)
-            EXPECT_EQ(newest(early.state[channel], late.state[channel]), late.state[channel]) << one.name << channel;
-        const auto seconds = static_cast<double>(ms(one.to) - ms(one.from)) / 1000;
+        Listener early;
+        EXPECT_TRUE(bench.hub.subscribe(early, channels, msOf(one.from)).empty());
+        for (std::int64_t now = msOf(one.from); now < msOf(one.to); now += one.tickMs) bench.hub.tick(now);
+        bench.hub.tick(msOf(one.to));
+        for (const std::string& channel : channels) {
+            const json late = later.snapshot(channel, msOf(one.to));
+            EXPECT_EQ(newest(early.state[channel], late), late) << one.name << channel;
+        }
+        const auto seconds = static_cast<double>(msOf(one.to) - msOf(one.from)) / 1000;
         EXPECT_LE(early.heard["derived:QQQ"], seconds / one.speed + 2) << "once a second of real time";
         EXPECT_GE(early.heard["derived:QQQ"], 50) << one.name;
         bench.hub.leave(early);
-        later.hub.leave(late);
     }
 }
 
 TEST(DerivedChannels, MinutesFollowFromTheChainAndTheFlow) {
     DerivedBench bench;
-    const double now = *parseMoment("2026-06-10T10:30:00");
+    const std::int64_t now = msOf("2026-06-10T10:30:00");
     const json triangles = bench.snapshot("derived:hfTriangles:SPY", now)["triangles"],
                candles = bench.snapshot("derived:hfHistory:SPY", now)["candles"];
     const Instrument& instrument = findOptionSource("SPY")->instrument();
@@ -102,17 +100,14 @@ TEST(DerivedChannels, AfterTheClockWasSetBackAllIsAsIfTheMarketHadOnlyJustCome) 
     const char* const start = "2026-06-10T09:34:33";
     DerivedBench bench;
     Listener early;
-    EXPECT_TRUE(bench.hub.subscribe(early, channels, ms(start)).empty());
+    EXPECT_TRUE(bench.hub.subscribe(early, channels, msOf(start)).empty());
     for (const char* back : {"2026-06-10T09:34:31", "2026-06-10T09:29:59", "2026-05-27T18:00:05"}) {
-        bench.hub.tick(ms(start));
+        bench.hub.tick(msOf(start));
         early.state.clear();
-        bench.hub.tick(ms(back));
+        bench.hub.tick(msOf(back));
         DerivedBench fresh;
-        Listener late;
-        EXPECT_TRUE(fresh.hub.subscribe(late, channels, ms(back)).empty());
         for (const std::string& channel : channels)
-            EXPECT_EQ(early.state[channel], late.state[channel]) << back << channel;
-        fresh.hub.leave(late);
+            EXPECT_EQ(early.state[channel], fresh.snapshot(channel, msOf(back))) << back << channel;
     }
     bench.hub.leave(early);
 }

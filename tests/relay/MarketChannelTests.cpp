@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 #include "relay/FrontMonth.h"
 #include "relay/MarketPublisher.h"
@@ -11,9 +10,8 @@ namespace {
 
 using test::Inbox;
 using test::json;
+using test::msOf;
 using Names = std::vector<std::string>;
-
-std::int64_t ms(const std::string& moment) { return static_cast<std::int64_t>(*parseMoment(moment) * 1000); }
 
 TEST(MarketChannel, IsNamedAfterAnInstrumentAndWhatItOffers) {
     for (const auto& [name, base] : {std::pair("futures:RTYF2026:1m", "futures:RTYF2026"),
@@ -63,8 +61,9 @@ struct MarketBench {
 TEST(MarketChannel, EveryContractAndSymbolGetsItsTradesQuotesAndBars) {
     MarketBench bench;
     Inbox one, two;
-    const std::int64_t to = ms("2026-06-10T10:02:05"), from = bench.trades("ES", ms("2026-06-10T10:00:20"),
-                                                                           to)[0]["ts"];  // who joins at a trade has it
+    const std::int64_t to = msOf("2026-06-10T10:02:05"),
+                       from = bench.trades("ES", msOf("2026-06-10T10:00:20"),
+                                           to)[0]["ts"];  // who joins at a trade has it
     bench.hub.subscribe(one, {"futures:ESM6:trades", "futures:ESM6:quote"}, from);
     bench.hub.subscribe(two, {"futures:ESZ6:trades", "stocks:TSLA:trades", "stocks:TSLA:1m"}, from);
     bench.hub.subscribe(two, {"futures:ESM6:trades"}, from);
@@ -96,7 +95,7 @@ TEST(ChannelHub, ASubscriberHoldsSoManyChannelsAndOneAgainIsNoMore) {
     Names names;
     for (std::size_t i = 0; i <= ChannelHub::mostChannels; ++i)
         names.push_back("futures:NQM" + std::to_string(2000 + i) + ":quote");
-    const std::int64_t now = ms("2026-06-10T10:00");
+    const std::int64_t now = msOf("2026-06-10T10:00");
     EXPECT_EQ(bench.hub.subscribe(inbox, Names(names.begin(), names.end() - 2), now), Names{});
     EXPECT_EQ(bench.hub.subscribe(inbox, names, now), Names{names.back()});
 }
@@ -107,7 +106,7 @@ TEST(FrontMonth, RollsOnItsDay) {
                                           {"2026-07-26", "NQU6 GCQ6 CLU6"},
                                           {"2026-07-27", "NQU6 GCV6 CLU6"},
                                           {"2029-12-27", "NQH0 GCG0 CLG0"}}) {
-        const auto day = SessionCalendar().date(ms(date) / 1000);
+        const auto day = SessionCalendar().date(msOf(date) / 1000);
         EXPECT_EQ(frontContract("NQ", day) + " " + frontContract("GC", day) + " " + frontContract("CL", day),
                   contracts);
     }
@@ -119,13 +118,13 @@ TEST(MetaChannels, ContractsAreSentAgainWhenOneChanges) {
     MetaPublisher& meta = *made;
     hub.add(std::move(made));
     Inbox inbox;
-    hub.subscribe(inbox, {"meta:contracts"}, ms("2026-06-10T23:59:59.9"));
+    hub.subscribe(inbox, {"meta:contracts"}, msOf("2026-06-10T23:59:59.9"));
     EXPECT_EQ(inbox.messages[0]["data"]["map"]["NQ"], "NQM6");
-    hub.tick(ms("2026-06-11T00:00"));
-    hub.tick(ms("2026-06-18T12:00"));
+    hub.tick(msOf("2026-06-11T00:00"));
+    hub.tick(msOf("2026-06-18T12:00"));
     meta.setContract("NQ", "NQH7");
     meta.setContract("NQ", "NQH7");
-    hub.tick(ms("2026-06-19T00:00"));
+    hub.tick(msOf("2026-06-19T00:00"));
     meta.setContract("NQ", "");
     std::vector<std::string> told;
     for (const json& one : inbox.of("meta:contracts", "event")) {

@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "market/ClockSetting.h"
 #include "relay/DerivedBench.h"
 
 namespace vmr::relay {
@@ -10,8 +9,9 @@ namespace {
 
 using test::DerivedBench;
 using test::json;
+using test::msOf;
 
-const double morning = *parseMoment("2026-06-10T10:00:20");  // a Wednesday
+const std::int64_t morning = msOf("2026-06-10T10:00:20");  // a Wednesday
 constexpr std::array sums{"callGex", "putGex", "callDex", "putDex", "callHf", "putHf", "callOI", "putOI"};
 
 /// Totals, walls and flip must follow from the rows beside them.
@@ -48,8 +48,7 @@ TEST(OptionChain, EverySourceAddsUp) {
         const std::string name(source.name);
         const json all = bench.snapshot("derived:" + name, morning);
         const double spot = all["spot"];
-        const double price =
-            bench.market.path(source.instrument()).at(static_cast<std::int64_t>(morning) * 1000)->price;
+        const double price = bench.market.path(source.instrument()).at(morning)->price;
         EXPECT_NEAR(spot * all["etfRatio"].get<double>(), price, price * 1e-5) << name;
         EXPECT_GE(all["gexByStrike"].size(), 60u) << name;
         EXPECT_LT(all["gexByStrike"].front()["strike"], spot * 0.95) << name;
@@ -72,16 +71,15 @@ TEST(OptionChain, EverySourceAddsUp) {
 TEST(OptionChain, ExposuresAreThoseOfOneModel) {
     DerivedBench bench;
     const OptionSource& source = *findOptionSource("SPX");
-    const auto now = static_cast<std::int64_t>(morning) * 1000;
-    const MarketSession& session = *bench.market.session(source.instrument(), now / 1000, now);
-    const double price = bench.market.path(source.instrument()).at(now)->price;
-    const OptionFlow flow = bench.market.flow(source, session, price, now);
+    const MarketSession& session = *bench.market.session(source.instrument(), morning / 1000, morning);
+    const double price = bench.market.path(source.instrument()).at(morning)->price;
+    const OptionFlow flow = bench.market.flow(source, session, price, morning);
     const OptionChain& chain = bench.chains.chain(source, session);
     EXPECT_EQ(chain.expirations().size(), 14u) << "of three weeks, with a holiday";
     ChainState here, above, below;
-    chain.state(price, now, flow, here);
-    chain.state(price * 1.0001, now, flow, above);
-    chain.state(price * 0.9999, now, flow, below);
+    chain.state(price, morning, flow, here);
+    chain.state(price * 1.0001, morning, flow, above);
+    chain.state(price * 0.9999, morning, flow, below);
     for (std::size_t e : {std::size_t{0}, here.byExpiration.size() - 1}) {
         double lastDelta = 1;
         for (std::size_t i = 0; i < here.byExpiration[e].rows.size(); ++i) {
@@ -110,17 +108,16 @@ TEST(OptionChain, ExposuresAreThoseOfOneModel) {
 TEST(OptionChain, ExpirationsEndAtFourAlsoAcrossAClockChange) {
     DerivedBench bench;
     const OptionSource& source = *findOptionSource("SPX");
-    const auto ms = [](const std::string& moment) { return static_cast<std::int64_t>(*parseMoment(moment)) * 1000; };
     for (const auto& [friday, monday] : {std::pair<std::string, std::string>("2026-06-05", "2026-06-08"),
                                          {"2026-10-30", "2026-11-02"},
                                          {"2026-03-06", "2026-03-09"}}) {
-        const std::int64_t now = ms(friday + "T10:00");
+        const std::int64_t now = msOf(friday + "T10:00");
         const MarketSession& session = *bench.market.session(source.instrument(), now / 1000, now);
         const OptionChain& chain = bench.chains.chain(source, session);
         ASSERT_EQ(chain.expirations().at(1), monday);
         const auto gammaAt = [&, day = monday](const char* time) {
             ChainState state;
-            chain.state(session.open, ms(day + time), {}, state);
+            chain.state(session.open, msOf(day + time), {}, state);
             return totalOf(state.byExpiration[1]).callGex;
         };
         EXPECT_NE(gammaAt("T15:30"), gammaAt("T15:41")) << monday;
@@ -139,7 +136,7 @@ TEST(OptionChain, ExpirationsKeepTheExchangesHolidays) {
         {"GLD", "2026-01-16", {"2026-01-16", "2026-01-20"}},                 // the third Monday
     };
     for (const auto& [source, day, dates] : cases) {
-        const json all = bench.snapshot(std::string("derived:") + source, *parseMoment(std::string(day) + "T10:00"));
+        const json all = bench.snapshot(std::string("derived:") + source, msOf(std::string(day) + "T10:00"));
         for (std::size_t i = 0; i < dates.size(); ++i) EXPECT_EQ(all["expirations"][i], dates[i]) << source << day;
     }
 }

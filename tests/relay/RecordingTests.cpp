@@ -70,7 +70,7 @@ TEST_F(RecordedSession, PlaysAgainForEarlyAndLateSubscribers) {
     std::vector<Candle> halfway;
     for (double now = begin; now < end; now += 10) {
         if (now == begin + 60) halfway = relay->ledger("futures:ESM6");
-        clock.set(std::min(now + 10, end));
+        clock.setNow(std::min(now + 10, end));
         relay->command("status");
         const int heard = first->listener.heard["derived:SPY"];
         first->readUntil([&] { return first->listener.heard["derived:SPY"] > heard; });
@@ -81,10 +81,10 @@ TEST_F(RecordedSession, PlaysAgainForEarlyAndLateSubscribers) {
     const int patches = first->listener.heard["derived:SPY"];
     relay.reset();
 
-    clock.set(begin);
+    clock.setNow(begin);
     start(replaying);
     Client early(*relay, token);
-    clock.set(end + 1);
+    clock.setNow(end + 1);
     early.readAll(patches);
     EXPECT_EQ(early.prices, first->prices);
     EXPECT_EQ(early.listener.state, first->listener.state);
@@ -94,20 +94,17 @@ TEST_F(RecordedSession, PlaysAgainForEarlyAndLateSubscribers) {
     EXPECT_EQ(relay->ledger("futures:ESM6"), ledger);
     EXPECT_EQ(late.listener.state, first->listener.state);
 
-    clock.set(begin + 60);
+    clock.setNow(begin + 60);
     EXPECT_EQ(relay->ledger("futures:ESM6"), halfway) << "set back";
     EXPECT_EQ(Client(*relay, token).snapshots["futures:ESM6"], halfway);
-    clock.set(end + 1);
+    clock.setNow(end + 1);
     EXPECT_EQ(relay->ledger("futures:ESM6"), ledger);
     EXPECT_EQ(Client(*relay, token).listener.state, first->listener.state);
 }
 
-struct RecordingFile : testing::Test {
-    std::string file = testing::TempDir() + "/relay_frames.vmr", error;
-};
-
-TEST_F(RecordingFile, ADamagedOneGivesTheFramesBeforeTheFault) {
-    const auto framesOf = [this](const std::string& text) {
+TEST(RecordingFile, ADamagedOneGivesTheFramesBeforeTheFault) {
+    const auto framesOf = [](const std::string& text) {
+        std::string file = testing::TempDir() + "/relay_frames.vmr", error;
         gzFile out = gzopen(file.c_str(), "wb");
         gzwrite(out, text.data(), static_cast<unsigned>(text.size()));
         gzclose(out);

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/beast/core/buffers_to_string.hpp>
@@ -24,32 +23,6 @@ namespace asio = boost::asio;
 namespace beast = boost::beast;
 using asio::ip::tcp;
 using nlohmann::json;
-
-/// A clock that stands where the test put it, and whose real time moves when the test says so. Any thread.
-class HandClock final : public Clock {
- public:
-    explicit HandClock(double now) : market_(real_, now, 1) { market_.pause(); }
-    double now() const override { return market_.now(); }
-    double monotonic() const override { return real_.monotonic(); }
-    double speed() const override { return market_.speed(); }
-    bool paused() const override { return market_.paused(); }
-    ClockWatch onSteered(SerialQueue& queue, std::function<void(const ClockSteering&)> changed) const override {
-        return market_.onSteered(queue, std::move(changed));
-    }
-    void set(double now) { market_.setNow(now); }
-    void advance(double seconds) { set(now() + seconds); }
-    void age(double realSeconds) { real_.seconds = real_.seconds + realSeconds; }
-
- private:
-    struct RealTime final : Clock {
-        std::atomic<double> seconds = 1000;
-        double now() const override { return seconds; }
-        double monotonic() const override { return seconds; }
-        double speed() const override { return 1; }
-    };
-    RealTime real_;
-    SteerableClock market_;
-};
 
 inline tcp::endpoint endpointOf(const std::string& url) {
     return {asio::ip::address_v4::loopback(), static_cast<unsigned short>(std::stoi(url.substr(url.rfind(':') + 1)))};
@@ -123,7 +96,12 @@ inline json signedIn(const PracticeRelay& relay) {
     return posted(relay, "/v1/accounts:signInWithPassword", body.dump());
 }
 
+/// Market time stands where the test has put it.
 struct RunningRelay : testing::Test {
+    RunningRelay() {
+        clock.pause();
+        clock.setNow(*parseMoment("2026-06-10T10:00:20"));
+    }
     void start(const PracticeRelayOptions& options = {}) {
         relay = std::make_unique<PracticeRelay>(clock, options);
         const auto wrong = relay->start();
@@ -136,7 +114,7 @@ struct RunningRelay : testing::Test {
         EXPECT_EQ(probe->next("hello")["email"], relay->email());
         return probe;
     }
-    HandClock clock{*parseMoment("2026-06-10T10:00:20")};
+    SteerableClock clock;
     std::unique_ptr<PracticeRelay> relay;
     std::string token;
 };
