@@ -104,9 +104,9 @@ struct Notices : Cloud {
     static std::string alert(const std::string& fields) {
         return R"({"fields":{"active":{"booleanValue":true})" + fields + "}}";
     }
-    /// One poll with these two answers.
-    void poll(HttpResponse first, HttpResponse second) {
-        time.advance(60);
+    /// The poll that comes within `wait` seconds, with these two answers.
+    void poll(HttpResponse first, HttpResponse second, double wait = 60) {
+        time.advance(wait);
         http.answer(std::move(first));
         time.runUntilIdle();
         http.answer(std::move(second));
@@ -126,13 +126,8 @@ struct Notices : Cloud {
 TEST_F(Notices, ShowWhatTheTwoDocumentsSay) {
     announcements.start();
     announcements.start();
-    time.advance(0.1);
-    http.answer(404, "{}");
-    time.runUntilIdle();
-    http.answer(404, "{}");
-    time.runUntilIdle();
-    taken();
     const HttpResponse missing{404, "{}", {}}, down{0, "", "no network"}, broken{500, "{}", {}}, odd{200, "[", {}};
+    poll(missing, missing, 0.1);
     const HttpResponse full{
         200,
         alert(

@@ -82,36 +82,28 @@ TEST_F(RelayConnection, EveryFailureBeforeTheSocketRetriesWithAFreshToken) {
     EXPECT_EQ(sockets.count(), 0u);
 }
 
-TEST_F(RelayConnection, BackOffDoublesToThirtySecondsAndStartsAnewAfterHello) {
+TEST_F(RelayConnection, BackOffDoublesToThirtySecondsAndIsFiveAfterTooManyConnections) {
     connect();
     int attempt = 0;
-    for (const int delay : {1, 2, 4, 8, 16, 30, 30}) {
+    // how each connection ends, 0 for a failure before the greeting, and the seconds until the next one
+    const std::pair<int, int> ends[] = {{0, 1},  {0, 2},  {0, 4},    {0, 8},    {0, 16},
+                                        {0, 30}, {0, 30}, {1011, 1}, {4006, 5}, {0, 2}};
+    for (const auto& [code, delay] : ends) {
+        if (code != 0) greet();
+        attempt = code != 0 ? 1 : attempt + 1;  // the forced delay counts as one
         story.clear();
         const auto before = sockets.count();
-        sockets.last().fail("broken");
-        EXPECT_THAT(takeStory(), ElementsAre("receive error: broken", "<disconnected>",
-                                             "reconnecting in " + std::to_string(delay) + "s (attempt " +
-                                                 std::to_string(++attempt) + ")"));
+        code != 0 ? sockets.last().close(code) : sockets.last().fail("broken");
+        std::vector<std::string> expected{"receive error: broken", "<disconnected>"};
+        if (code != 0) expected[0] = "socket closed (code " + std::to_string(code) + ")";
+        if (code == 4006) expected.push_back("<limit>");
+        expected.push_back("reconnecting in " + std::to_string(delay) + "s (attempt " + std::to_string(attempt) + ")");
+        EXPECT_EQ(takeStory(), expected);
         time.advance(delay - 0.001);
         EXPECT_EQ(sockets.count(), before);
         time.advance(0.002);
         ASSERT_EQ(sockets.count(), before + 1);
     }
-    greet();
-    sockets.last().close(1011);
-    EXPECT_EQ(takeStory().back(), "reconnecting in 1s (attempt 1)");
-}
-
-TEST_F(RelayConnection, TooManyConnectionsIsToldAndWaitsFiveSeconds) {
-    goLive().close(4006);
-    EXPECT_THAT(takeStory(), ElementsAre("socket closed (code 4006)", "<disconnected>", "<limit>",
-                                         "reconnecting in 5s (attempt 1)"));
-    time.advance(4.999);
-    EXPECT_EQ(sockets.count(), 1u);
-    time.advance(0.002);
-    ASSERT_EQ(sockets.count(), 2u);
-    sockets.last().fail("x");  // the forced delay counted as an attempt
-    EXPECT_EQ(takeStory().back(), "reconnecting in 2s (attempt 2)");
 }
 
 TEST_F(RelayConnection, ARefusedTokenIsToldOnceUntilTheNextGreeting) {
