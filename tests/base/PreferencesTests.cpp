@@ -139,22 +139,13 @@ TEST_F(Stored, WithoutAWritableFolderValuesHoldInMemory) {
         << "once writable, all is saved";
 }
 
-/// Runs `work` in a process of its own, which ends without the tests' ends. No threads there: the thread sanitizer
-/// allows none behind a fork.
-template <class Work>
-pid_t inAnotherProcess(Work work) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        work();
-        std::_Exit(0);
-    }
-    return child;
-}
-
 TEST_F(Stored, ThreeProcessesWithFourHundredChangesEachLoseNone) {
     std::vector<pid_t> children;
     for (int process = 0; process < 3; ++process) {
-        children.push_back(inAnotherProcess([&] {
+        children.push_back(::fork());
+        if (children.back() != 0) continue;
+        // no threads here: the thread sanitizer allows none behind a fork
+        {
             FilePreferences preferences(file, writer);
             for (int i = 0; i < 400; ++i) {
                 preferences.set(std::to_string(process) + "/" + std::to_string(i % 50), std::to_string(i));
@@ -162,7 +153,8 @@ TEST_F(Stored, ThreeProcessesWithFourHundredChangesEachLoseNone) {
                 if (i % 20 == 0) preferences.flush();
                 if (i % 20 == 10) time.advance(FilePreferences::pace);
             }
-        }));
+        }
+        std::_Exit(0);  // without the tests' ends
     }
     for (const pid_t child : children) {
         int status = -1;

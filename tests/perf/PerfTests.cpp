@@ -72,8 +72,7 @@ TEST_F(PerfTest, BenchmarkCountsItsOwnWindowAndJudgesByTheFrameIntervals) {
         perf.benchEnd();
         return std::exchange(lines, {});
     };
-    const auto slow = bench({15, 40, 40, 40});
-    EXPECT_EQ(slow.at(8), "[bench] VERDICT: frameInterval p95 FAIL ✗ (≥16ms)");
+    bench({15, 40, 40, 40});  // an earlier one counts no more
     const auto fast = bench({15, 15, 15, 15});
     const std::vector<std::string> figures(fast.begin() + 2, fast.end() - 1);  // between two rules
     const std::vector<std::string> expected{"[bench] DONE  0.1s  frames=5  effFPS=83.3",
