@@ -33,7 +33,6 @@ void check(const Rule& rule) {
 
 TEST(SimMatching, EachTypeFillsWhereItsRuleSays) {
     const Rule rules[] = {
-        {"a limit has no price improvement", "quote 99.5 99.75; buy 1 limit=100", "1@100 | fills buy 1 100"},
         {"the touch is half a tick off the last without a quote", "trade 100; buy 1; sell 3",
          "-2@99.875 | fills buy 1 100.125, sell 3 99.875"},
         {"a quote never goes stale", "quote 90 91; wait 9000; trade 100; buy 1", "1@91 | fills buy 1 91"},
