@@ -8,7 +8,6 @@
 #include "chart/AxisScale.h"
 #include "chart/TradingLinesLayer.h"
 #include "tests/chart/ChartScene.h"
-#include "tests/chart/FakeGlyphs.h"
 #include "tests/support/PlayedTrading.h"
 
 namespace vmr::test {
@@ -17,7 +16,6 @@ namespace {
 using testing::ElementsAre;
 
 struct InputTest : ChartScene {
-    SessionTime session;
     PlayedTrading trading;
     ChartInput input{renderer, session, time, queue, nullptr};
     std::vector<bool> live;
@@ -187,7 +185,6 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
 }
 
 TEST_F(InputTest, APressIsMeantForTheLinesOfTheLastFrame) {
-    FakeGlyphs glyphs;
     TradingLinesLayer layer{glyphs};
     layer.trading = &trading;
     layer.root = "NQ";

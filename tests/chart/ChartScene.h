@@ -12,8 +12,10 @@
 #include "chart/CandleGeometry.h"
 #include "chart/ChartRenderer.h"
 #include "gpu/FrameRecorder.h"
+#include "market/SessionTime.h"
 #include "support/gpu/RecordedFrames.h"
 #include "support/time/TestTime.h"
+#include "tests/chart/FakeGlyphs.h"
 
 namespace vmr::test {
 
@@ -42,6 +44,8 @@ struct RecordedScene : testing::Test {
     TestQueue queue{time};
     FrameRecorder gpu;
     RecordedFrames recorded;  // the newest frame
+    FakeGlyphs glyphs;
+    SessionTime session;
     double width = 1400, height = 900, pixelRatio = 1;
 
     /// Whether it still moves.

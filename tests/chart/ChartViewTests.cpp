@@ -6,7 +6,6 @@
 #include "chart/AxisScale.h"
 #include "support/StillAccount.h"
 #include "tests/chart/ChartScene.h"
-#include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/FullScene.h"
 
 namespace vmr::test {
@@ -35,8 +34,6 @@ struct ScenePane final : ChartSource {
 };
 
 struct ChartViewTest : RecordedScene {
-    FakeGlyphs glyphs;
-    SessionTime session;
     SceneData data{bars(300)};
     StillAccount account{data.candles.back().close};
     std::optional<ChartView> view;

@@ -7,9 +7,7 @@
 #include <random>
 
 #include "chart/TradingLinesLayer.h"
-#include "gpu/FrameRecorder.h"
-#include "support/gpu/RecordedFrames.h"
-#include "tests/chart/FakeGlyphs.h"
+#include "tests/chart/ChartScene.h"
 #include "tests/support/PlayedTrading.h"
 
 namespace vmr::test {
@@ -18,30 +16,27 @@ namespace {
 using testing::ElementsAre;
 
 /// A view in which a point of price is a point of height: the price 0 lies 855 points below the top.
-struct LineMarksTest : testing::Test {
-    static constexpr double width = 1200, height = 900;
+struct LineMarksTest : RecordedScene {
     static constexpr Viewport viewport{0, 100, 0, 810};
     static double priceAt(double y) { return 855 - y; }
     static Uuid id(std::size_t n) { return Uuid{{static_cast<std::uint8_t>(n)}}; }
 
     PlayedTrading trading;
-    FrameRecorder gpu;
     FrameArena arena{gpu};
-    FakeGlyphs glyphs;
     TradingLinesLayer layer{glyphs};
-    RecordedFrames recorded;
 
     LineMarksTest() {
+        width = 1200;
         layer.trading = &trading;
         layer.root = "NQ";
     }
-    void draw() {
+    bool draw() override {
         gpu.beginFrame(width, height, 1);
         arena.beginFrame();
         ScreenFrame frame{{gpu, arena, width, height, 1}, viewport, {}};
-        layer.drawAbove(frame);
+        const bool animating = layer.drawAbove(frame);
         gpu.endFrame();
-        recorded.take(gpu);
+        return animating;
     }
     /// The labels' boxes in the order of drawing. Each has a rim and, within it, its ground; the rims are as high as
     /// close marks.
@@ -64,7 +59,7 @@ TEST_F(LineMarksTest, LegsLieLowestThePositionHighestAndTheEarlierOverTheLater) 
     trading.shown = {PositionLine{-3, 400},
                      {{id(1), 500, true, 2, "LMT"}, {id(2), 847.5, false, 12, "STP LMT"}},
                      {{id(1), "SL", 480}, {id(1), "TP", 530}}};
-    draw();
+    frame();
     std::vector<std::string> found;
     for (const LineMark& mark : layer.marks().list()) {
         const bool marked = mark.closeMark.width > 0;
@@ -77,7 +72,7 @@ TEST_F(LineMarksTest, LegsLieLowestThePositionHighestAndTheEarlierOverTheLater) 
     const PointRect mark = layer.marks().list()[3].closeMark;
     EXPECT_EQ(mark, (PointRect{LineMarks::closeMarkEdge(width) - 16, 347, 18, 16}));
     layer.root.clear();
-    draw();
+    frame();
     EXPECT_TRUE(recorded.draws.empty() && layer.marks().list().empty());
 }
 
@@ -92,7 +87,7 @@ TEST_F(LineMarksTest, WhatAPressClosesIsWhatWasDrawnOnTop) {
         for (std::size_t i = below(4); i-- > 0;) trading.shown.orders.push_back({id(i), price(), i % 2 == 0, 1, "LMT"});
         for (std::size_t i = below(3); i-- > 0;) trading.shown.legs.push_back({id(i), i == 0 ? "SL" : "TP", price()});
         if (below(2) == 0) trading.shown.position = PositionLine{1, price()};
-        draw();
+        frame();
         const auto drawn = boxes();
         const auto list = layer.marks().list();
         ASSERT_EQ(drawn.size(), list.size());

@@ -7,14 +7,11 @@
 #include "chart/AxisScale.h"
 #include "chart/BarLabelLayer.h"
 #include "tests/chart/ChartScene.h"
-#include "tests/chart/FakeGlyphs.h"
 
 namespace vmr::test {
 namespace {
 
 struct AxisLayerTest : ChartScene {
-    FakeGlyphs glyphs;
-    SessionTime session;
     AxisLayer axes{glyphs, session};
     std::mt19937 random{7};
 
