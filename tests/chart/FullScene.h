@@ -61,25 +61,25 @@ struct SceneData {
     }
 
     /// Hands all to the renderer, in the order of a pane.
-    void give(ChartRenderer& renderer, bool withOverlays = true) const {
+    void give(ChartRenderer& renderer) const {
         renderer.setRenderConfig(config);
         renderer.setLevels(levels);
         renderer.setStrikes(strikes, ratio, flip);
         renderer.setSecStrikes(secStrikes, secRatio);
         renderer.setBubbles(bubbles, triangles);
-        if (withOverlays) renderer.setOverlayGeometry(overlays);
+        renderer.setOverlayGeometry(overlays);
         renderer.setCandles(candles);
     }
 
     /// The same as a pane gives it, with every part as if it had changed. Borrows from this.
-    ChartContent content(std::uint64_t chart = 1, std::string_view simRoot = "NQ") const {
+    ChartContent content(std::uint64_t chart = 1) const {
         ++revision;
         const ChartContent::Revisions changed{revision, revision, revision, revision,
                                               revision, revision, revision, revision};
         return {.chart = chart,
                 .timeframe = 1,
                 .sessionHHMM = 1800,
-                .simRoot = simRoot,
+                .simRoot = "NQ",
                 .look = &config,
                 .candles = candles,
                 .levels = levels,
