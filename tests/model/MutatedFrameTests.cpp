@@ -71,7 +71,6 @@ class MutatedFrames : public PaneFixture {
     }
 
     // A message as an event, a snapshot or a batch of one, and where its body is.
-    std::pair<json, json::json_pointer> envelope(const Kind& kind) { return envelope(kind, below(3)); }
     static std::pair<json, json::json_pointer> envelope(const Kind& kind, std::size_t type) {
         const json frames[] = {{{"type", "snapshot"}, {"channel", kind.channel}, {"data", kind.body}},
                                {{"type", "event"}, {"channel", kind.channel}, {"payload", kind.body}},
@@ -113,7 +112,7 @@ class MutatedFrames : public PaneFixture {
         return frame.dump();
     }
     std::string broken(const Kind& kind) {
-        const auto [frame, at] = envelope(kind);
+        const auto [frame, at] = envelope(kind, below(3));
         const std::size_t where = below(3);
         return where == 0 ? brokenText(frame.dump()) : where == 1 ? brokenEnvelope(frame) : brokenBody(kind, frame, at);
     }
@@ -139,7 +138,7 @@ TEST_F(MutatedFrames, ValidMessagesAreSeenInTheState) {
     for (const Kind& kind : kinds()) {
         openBoth();
         const auto before = documentWithoutLog();
-        const std::string text = envelope(kind).first.dump();
+        const std::string text = envelope(kind, below(3)).first.dump();
         frame(text);
         EXPECT_NE(documentWithoutLog(), before) << text;
     }

@@ -20,9 +20,14 @@ using sim::Order;
 using sim::OrderType;
 using sim::Side;
 
+/// How often each thing was seen, by its name.
+using Counts = std::map<std::string, std::size_t>;
+
 /// Follows an account through its fills alone, book-keeping the slow way: every contract is held at its price.
 class PlainLedger {
  public:
+    explicit PlainLedger(Counts& counts) : counts_(counts) {}
+
     struct Root {
         Side side = Side::buy;
         std::vector<double> contracts;  // what each one cost, after averaging
@@ -34,7 +39,6 @@ class PlainLedger {
     double cash = 50000;
     std::map<std::string, Root> roots;
     std::vector<sim::Trade> finished;  // oldest first
-    std::size_t partialCloses = 0, reversals = 0;
 
     /// `worth` is what a contract gains when its price rises by 1.
     void apply(const sim::Fill& fill, double worth) {
@@ -46,13 +50,13 @@ class PlainLedger {
         root.trip.fees += fill.commission;
         if (closes) {
             for (; left > 0 && !root.contracts.empty(); --left) closeOne(root, fill.price, worth);
-            if (!root.contracts.empty()) return static_cast<void>(++partialCloses);
+            if (!root.contracts.empty()) return static_cast<void>(++counts_["partial closes"]);
             root.trip.exit /= std::exchange(root.exits, 0);
             root.trip.exitTag = fill.tag;
             finished.push_back(std::exchange(root.trip, {}));
         }
         if (left == 0) return;
-        reversals += closes ? 1 : 0;
+        counts_["reversals"] += closes ? 1 : 0;
         root.side = root.trip.side = fill.side;
         root.contracts.insert(root.contracts.end(), static_cast<std::size_t>(left), fill.price);
         const auto size = static_cast<std::int64_t>(root.contracts.size());
@@ -70,10 +74,9 @@ class PlainLedger {
         root.trip.exit += price;
         ++root.exits;
     }
-};
 
-/// How often each thing was seen, by its name.
-using Counts = std::map<std::string, std::size_t>;
+    Counts& counts_;
+};
 
 class Stream {
  public:
@@ -84,8 +87,6 @@ class Stream {
             SCOPED_TRACE("step " + std::to_string(i));
             step();
         }
-        counts_["partial closes"] += ledger_.partialCloses;
-        counts_["reversals"] += ledger_.reversals;
     }
 
  private:
@@ -264,7 +265,7 @@ class Stream {
     TestTime time_;
     SessionTime session_;
     SimEngine engine_{{.clock = time_, .session = session_, .ids = UuidSource(7)}};
-    PlainLedger ledger_;
+    PlainLedger ledger_{counts_};
     std::map<std::string, double, std::less<>> centers_;
     std::string root_ = "NQ";
     std::vector<Order> before_;
