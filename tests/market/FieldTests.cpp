@@ -1,7 +1,11 @@
-// Strikes, walls, markers, the per-minute channels, the oscillator and the support/resistance sessions.
+// What a field means, whatever it was written as, and what is made of the derived ones: strikes, walls, markers, the
+// per-minute channels, the oscillator and the support/resistance sessions.
 #include <gmock/gmock.h>
 
+#include <cmath>
+
 #include "market/BubbleParser.h"
+#include "market/Coerce.h"
 #include "market/HfHistoryParser.h"
 #include "market/LevelsParser.h"
 #include "market/MinuteChannel.h"
@@ -15,6 +19,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+constexpr auto nothing = std::nullopt;
+
 Json json(const std::string& text) { return Json::parse(text).value(); }
 
 DerivedFields fieldsOf(const std::string& text) {
@@ -22,6 +28,44 @@ DerivedFields fieldsOf(const std::string& text) {
     const Json object = json(text);
     for (const auto& [key, value] : object.members()) fields[std::string(key)] = object.at(value);
     return fields;
+}
+
+TEST(Coerce, ReadsEveryKindOfValue) {
+    const struct {
+        const char* json;
+        std::optional<double> dbl;
+        std::optional<std::int64_t> intv;
+        std::uint64_t repairs = 0;
+    } rows[] = {
+        {"5", 5.0, 5},
+        {"-0.0", 0.0, 0},
+        {"-1.9", -1.9, -1},
+        {"9007199254740993", 9007199254740992.0, 9007199254740993},
+        {"-9223372036854775808.0", -9223372036854775808.0, INT64_MIN},
+        {"true", 1.0, 1},
+        {"null", nothing, nothing},
+        {"[1]", nothing, nothing},
+        {R"("1.5")", 1.5, nothing},
+        {R"("0x10")", 16.0, nothing},
+        {R"("+7")", 7.0, 7},
+        {R"(" 12")", nothing, nothing},
+        {R"("12\u0000")", nothing, nothing},
+        {R"("9223372036854775808")", 9223372036854775808.0, nothing},
+        {R"("inf")", HUGE_VAL, nothing},
+        {"9223372036854775808", 9223372036854775808.0, nothing, 1},
+        {"-1e300", -1e300, nothing, 1},
+    };
+    for (const auto& row : rows) {
+        const auto value = json(row.json);
+        RepairTally tally;
+        EXPECT_EQ(coerce::dbl(value), row.dbl) << row.json;
+        EXPECT_EQ(coerce::intv(value, tally), row.intv) << row.json;
+        EXPECT_EQ(tally.count(), row.repairs) << row.json;
+    }
+    RepairTally tally;
+    EXPECT_EQ(coerce::minuteInt(json(R"("60.9")"), tally), 60) << "a marker's minute is cut from any number";
+    EXPECT_EQ(coerce::minuteInt(json(R"("nan")"), tally), nothing);
+    EXPECT_EQ(tally.count(), 1u);
 }
 
 TEST(StrikesParser, SortsWhatCanBeRead) {
