@@ -31,7 +31,7 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         spacing: 4
 
-        ChoiceButton {
+        SairaMenu {
             objectName: "symbolChoice"
             text: bar.choices.symbol === "" ? qsTr("Symbol") : bar.choices.symbol
             rows: bar.symbolRows()
@@ -46,7 +46,7 @@ Rectangle {
             height: 18
             color: Theme.lineStrong
         }
-        ChoiceButton {
+        SairaMenu {
             objectName: "timeframeChoice"
             text: bar.choices.timeframe + "m"
             rows: [1, 2, 3, 5, 15, 30, 60].map(minutes => ({ label: minutes + "m", value: minutes }))
