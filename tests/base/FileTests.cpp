@@ -6,10 +6,12 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 #include "base/FileLock.h"
 #include "base/FileReplace.h"
 #include "base/PrivateFile.h"
+#include "base/ReducedMotion.h"
 #include "base/RenderDevice.h"
 #include "base/Uuid.h"
 
@@ -134,6 +136,32 @@ TEST_F(Files, SamplesGoByWhatDrewTheLastWindow) {
     ASSERT_EQ(replaceFile(file, "default gone\nvulkan processor"), std::nullopt);
     EXPECT_EQ(first.found(), std::nullopt);
     EXPECT_EQ(vulkan.found(), processor);
+}
+
+TEST_F(Files, WhetherThingsKeepStillIsTheVariablesAndThenTheDesktops) {
+    std::map<std::string, std::string> variables{{"HOME", folder / "home"}};
+    const auto still = [&] {
+        return wantsReducedMotion([&](const char* name) {
+            const auto found = variables.find(name);
+            return found == variables.end() ? std::nullopt : std::optional(found->second);
+        });
+    };
+    const auto write = [](const fs::path& file, const char* text) { EXPECT_EQ(replaceFile(file, text), std::nullopt); };
+    EXPECT_FALSE(still());
+    write(folder / "home/.config/gtk-3.0/settings.ini", "[Settings]\ngtk-enable-animations = false\r\n");
+    EXPECT_TRUE(still());
+    write(folder / "home/.config/gtk-4.0/settings.ini", "gtk-enable-animations=1");
+    EXPECT_FALSE(still()) << "the newer one";
+    write(folder / "home/.config/kdeglobals", "[KDE]\nAnimationDurationFactor=0.0\n");
+    EXPECT_TRUE(still());
+    variables["XDG_CONFIG_HOME"] = folder / "config";
+    EXPECT_FALSE(still());
+    write(folder / "config/kdeglobals", "AnimationDurationFactor=0.5\nAnimation=0");
+    EXPECT_FALSE(still());
+    for (const auto& [wanted, expected] : {std::pair("1", true), {"0", false}, {"", false}}) {
+        variables["VMR_REDUCED_MOTION"] = wanted;
+        EXPECT_EQ(still(), expected) << wanted;
+    }
 }
 
 }  // namespace
