@@ -143,6 +143,8 @@ class AppModel final : public ChartSource {
     static std::any prepare(const std::string& channel, JsonView payload, bool strict = false);
 
     const Clock& clock() const { return at_.clock; }
+    /// For what its views remember.
+    Preferences& preferences() const { return at_.preferences; }
     /// The session clock that it goes by, for the chart that shows it.
     SessionTime& sessionTime() const { return at_.session; }
 

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "services/cloud/AccountService.h"
+
 namespace vmr {
 
 PaneSession::PaneSession(FirebaseRESTAuth& auth, PaneWork& work, std::unique_ptr<RelayClient> relay, NoticeGate* gate)
@@ -78,20 +80,33 @@ void PaneSession::signIn(const std::string& email, const std::string& password, 
     signingIn = true;
     authError = std::nullopt;
     auth_.persistSession = remember;
-    auth_.signIn(email, password,
-                 work_.whileThere([this, email, done = std::move(done)](const std::optional<AuthError>& error) {
-                     if (error) {
-                         // a sign-out in between is no failure to tell
-                         if (error->kind != AuthError::Kind::notSignedIn) authError = error->text();
-                     } else {
-                         userEmail = email;
-                         isSignedIn = true;
-                         status = "Signed in, connecting…";
-                         connectRelay();
-                     }
-                     signingIn = false;
-                     if (done) done(!error);
-                 }));
+    const auto answered = [this, email, own = ++signIn_,
+                           done = std::move(done)](const std::optional<AuthError>& error) {
+        if (error) {
+            // a sign-out in between is no failure to tell
+            if (error->kind != AuthError::Kind::notSignedIn) authError = error->text();
+        } else {
+            userEmail = email;
+            isSignedIn = true;
+            status = "Signed in, connecting…";
+            connectRelay();
+        }
+        if (own == signIn_) signingIn = false;  // else a later one is under way
+        if (done) done(!error);
+    };
+    auth_.signIn(email, password, work_.whileThere(answered));
+}
+
+void PaneSession::cancelSignIn() {
+    if (!signingIn) return;
+    ++signIn_;
+    auth_.cancelSignIn();
+    signingIn = false;
+}
+
+void PaneSession::sendPasswordReset(std::function<void(std::optional<std::string>)> done) {
+    if (auth_.setupProblem) return done(auth_.setupProblem);
+    AccountService::sendPasswordReset(auth_.http(), auth_.endpoints(), userEmail, work_.whileThere(std::move(done)));
 }
 
 void PaneSession::signOut() {

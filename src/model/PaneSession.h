@@ -35,6 +35,10 @@ class PaneSession {
     /// Signs in and connects; `done` (may be empty) gets whether it worked, after the fields have changed.
     void signIn(const std::string& email, const std::string& password, bool remember,
                 std::function<void(bool)> done = {});
+    /// Gives up the sign-in under way, if any: it fails, and nothing is said of it.
+    void cancelSignIn();
+    /// Asks for a mail with which the person can set the password anew; `done` gets nothing on success, else why not.
+    void sendPasswordReset(std::function<void(std::optional<std::string>)> done);
     /// Disconnects and forgets the session.
     void signOut();
     /// Disconnects for good.
@@ -54,6 +58,7 @@ class PaneSession {
     std::unique_ptr<RelayClient> relay_;
     bool ended_ = false;  // by `shutdown`
     int session_ = 0;     // raised by each sign-out
+    int signIn_ = 0;      // raised by each sign-in, and by giving one up
 };
 
 }  // namespace vmr

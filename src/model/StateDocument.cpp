@@ -115,9 +115,21 @@ void addUpdate(json& out, const UpdateChecker& updates) {
             {"version", info->version}, {"build", info->build}, {"url", info->url}, {"notes", info->notes}};
 }
 
+// Which panels are open, and where those lie that are shown.
+void addPanels(json& out, const AppModel& pane) {
+    const PanelsOpen& panels = pane.panels;
+    out["panels"] = {{"open",
+                      {{"account", panels.accountPanelOpen.get()},
+                       {"config", panels.configPanelOpen.get()},
+                       {"sim", panels.simPanelOpen.get()},
+                       {"templates", panels.templatesPanelOpen.get()}}},
+                     {"frames", panels.frames}};
+}
+
 json paneDocument(const AppModel& pane) {
     json out;
     addSession(out, pane);
+    addPanels(out, pane);
     addChart(out, pane);
     addCatalog(out, pane);
     out["candles"] = bars(pane.bars.candles);

@@ -129,5 +129,26 @@ TEST_F(PaneSessions, DelayedWorkEndsSilentlyWithTheModel) {
     EXPECT_EQ(sockets.count(), 1u);
 }
 
+TEST_F(PaneSessions, ASignInThatWasGivenUpLeavesTheFormToTheNextOne) {
+    make();
+    http.responder = nullptr;
+    std::vector<bool> results;
+    const auto start = [&] { model->signIn("a@b.c", "p", true, [&](bool worked) { results.push_back(worked); }); };
+    model->session.cancelSignIn();  // without one under way
+    start();
+    model->session.cancelSignIn();
+    EXPECT_FALSE(model->session.signingIn);
+    start();
+    http.answer(grant());
+    time.runUntilIdle();
+    EXPECT_TRUE(model->session.signingIn) << "the late answer is the first one's";
+    EXPECT_FALSE(model->session.isSignedIn);
+    EXPECT_EQ(model->session.authError.get(), std::nullopt);
+    http.answer(grant());
+    time.runUntilIdle();
+    EXPECT_TRUE(model->session.isSignedIn && !model->session.signingIn);
+    EXPECT_EQ(results, (std::vector{false, true}));
+}
+
 }  // namespace
 }  // namespace vmr::test

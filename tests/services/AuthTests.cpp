@@ -1,6 +1,7 @@
 // The session of the process, and the account calls.
 #include <gmock/gmock.h>
 
+#include "services/cloud/AccountService.h"
 #include "services/cloud/FirebaseRESTAuth.h"
 #include "support/pane/FakeHttpClient.h"
 #include "support/time/TestTime.h"
@@ -155,6 +156,43 @@ TEST_F(Auth, WithASetupProblemNothingIsSentOrErased) {
     EXPECT_THAT(takeResults(), ElementsAre("no key", "no key"));
     EXPECT_EQ(http.requests.size(), 1u);
     EXPECT_EQ(preferences.values(), before);
+}
+
+TEST_F(Auth, ASignInThatWasGivenUpChangesNothingAndTheNextOneWorks) {
+    const auto start = [&](const char* who) {
+        auth.signIn(who, "p", [this](const std::optional<AuthError>& error) { note(error); });
+    };
+    start("first@x");
+    auth.cancelSignIn();
+    start("second@x");
+    http.answer(200, granted);
+    EXPECT_THAT(takeResults(), ElementsAre("Not signed in."));
+    EXPECT_EQ(shown(auth), "- - - -");
+    EXPECT_THAT(preferences.values(), IsEmpty());
+    http.answer(200, granted);
+    EXPECT_THAT(takeResults(), ElementsAre("done"));
+    EXPECT_EQ(shown(auth), "id1 re1 uid1 second@x");
+}
+
+TEST_F(Auth, AResetMailIsAskedForAndFailuresTellTheStatusAlone) {
+    const auto ask = [&](const std::string& email, const HttpResponse& answer) {
+        AccountService::sendPasswordReset(http, places, email, [this](const std::optional<std::string>& problem) {
+            results.push_back(problem.value_or("sent"));
+        });
+        if (results.empty()) http.answer(answer);
+        return takeResults();
+    };
+    EXPECT_THAT(ask("me@\"x", {200, "not read", {}}), ElementsAre("sent"));
+    const HttpRequest& request = http.requests.at(0);
+    EXPECT_EQ(request.method + " " + request.url, "POST https://id.test/v1/accounts:sendOobCode?key=key%201");
+    EXPECT_THAT(request.headers, ElementsAre(std::pair("Content-Type", "application/json")));
+    EXPECT_EQ(request.timeoutSeconds, 60);
+    EXPECT_EQ(request.body, R"({"email":"me@\"x","requestType":"PASSWORD_RESET"})");
+    EXPECT_THAT(ask("me@x", {299, "", {}}), ElementsAre("sent"));
+    EXPECT_THAT(ask("me@x", {400, R"({"error":{"message":"EMAIL_NOT_FOUND"}})", {}}), ElementsAre("HTTP 400"));
+    EXPECT_THAT(ask("me@x", {0, "", "Could not resolve host"}), ElementsAre("Could not resolve host"));
+    EXPECT_THAT(ask("\xff", {}), testing::SizeIs(1)) << "what is no text is not sent";
+    EXPECT_EQ(http.requests.size(), 4u);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "base/Json.h"
 #include "base/Log.h"
 #include "base/NumberText.h"
+#include "services/cloud/IdentityRequest.h"
 #include "services/net/Url.h"
 
 namespace vmr {
@@ -12,24 +13,6 @@ namespace vmr {
 namespace {
 
 using Failure = std::optional<AuthError>;
-
-std::string withKey(const std::string& host, const char* path, const Endpoints& endpoints) {
-    return host + path + "?key=" + percentEncoded(endpoints.apiKey, queryValueCharacters);
-}
-
-/// Nothing when the text cannot be JSON (bytes that are not UTF-8); `problem` then says why.
-std::optional<std::string> encoded(const nlohmann::json& body, std::string& problem) {
-    try {
-        return body.dump();
-    } catch (const nlohmann::json::exception& error) {
-        problem = error.what();
-        return std::nullopt;
-    }
-}
-
-HttpRequest jsonPost(std::string url, std::string body) {
-    return {"POST", std::move(url), {{"Content-Type", "application/json"}}, std::move(body), 60};
-}
 
 Failure checkHTTP(const HttpResponse& response) {
     if (response.transportError) return AuthError{AuthError::Kind::transport, 0, *response.transportError};
@@ -105,7 +88,8 @@ FirebaseRESTAuth::FirebaseRESTAuth(Endpoints endpoints, HttpClient& http, Prefer
       http_(http),
       preferences_(preferences),
       clock_(clock),
-      session_(std::make_shared<int>(0)) {
+      session_(std::make_shared<int>(0)),
+      signIns_(std::make_shared<int>(0)) {
     const std::string own = signInEndpoints(endpoints_);
     // sessions from before the endpoints were stored with them belong to the public ones
     const std::string owner = preferences_.get(endpointsKey).value_or(signInEndpoints(Endpoints()));
@@ -123,13 +107,12 @@ void FirebaseRESTAuth::signIn(const std::string& address, const std::string& pas
                               std::function<void(std::optional<AuthError>)> done) {
     if (setupProblem) return done(notSent(*setupProblem));
     std::string problem;
-    auto body = encoded({{"email", address}, {"password", password}, {"returnSecureToken", true}}, problem);
-    if (!body) return done(notSent(problem));
-    auto request =
-        jsonPost(withKey(endpoints_.identityUrl, "/v1/accounts:signInWithPassword", endpoints_), std::move(*body));
-    http_.send(std::move(request), [this, session = std::weak_ptr(session_), address,
-                                    done = std::move(done)](const HttpResponse& response) {
-        if (session.expired()) return done(AuthError{AuthError::Kind::notSignedIn, 0, {}});
+    auto request = jsonPost(withKey(endpoints_.identityUrl, "/v1/accounts:signInWithPassword", endpoints_),
+                            {{"email", address}, {"password", password}, {"returnSecureToken", true}}, problem);
+    if (!request) return done(notSent(problem));
+    http_.send(std::move(*request), [this, session = std::weak_ptr(session_), wanted = std::weak_ptr(signIns_), address,
+                                     done = std::move(done)](const HttpResponse& response) {
+        if (session.expired() || wanted.expired()) return done(AuthError{AuthError::Kind::notSignedIn, 0, {}});
         Granted granted;
         if (auto failed = readGrant(response, signInKeys, granted)) return done(std::move(failed));
         idToken = std::move(granted.idToken);
@@ -170,6 +153,8 @@ void FirebaseRESTAuth::token(std::function<void(std::variant<std::string, AuthEr
     refresh(std::move(done));
 }
 
+void FirebaseRESTAuth::cancelSignIn() { signIns_ = std::make_shared<int>(0); }
+
 void FirebaseRESTAuth::signOut() {
     sessionEnds();
     session_ = std::make_shared<int>(0);
@@ -201,20 +186,6 @@ void FirebaseRESTAuth::persist() {
     keep(uidKey, localId);
     keep(emailKey, email);
     keep(endpointsKey, signInEndpoints(endpoints_));
-}
-
-void AccountService::sendPasswordReset(HttpClient& http, const Endpoints& endpoints, const std::string& email,
-                                       std::function<void(std::optional<std::string>)> done) {
-    std::string problem;
-    auto body = encoded({{"requestType", "PASSWORD_RESET"}, {"email", email}}, problem);
-    if (!body) return done(problem);
-    http.send(jsonPost(withKey(endpoints.identityUrl, "/v1/accounts:sendOobCode", endpoints), std::move(*body)),
-              [done = std::move(done)](const HttpResponse& response) {
-                  if (response.transportError) return done(response.transportError);
-                  if (response.status < 200 || response.status > 299)
-                      return done("HTTP " + std::to_string(response.status));
-                  done(std::nullopt);
-              });
 }
 
 }  // namespace vmr

@@ -45,6 +45,9 @@ class FirebaseRESTAuth {
     void signIn(const std::string& email, const std::string& password,
                 std::function<void(std::optional<AuthError>)> done);
 
+    /// Gives up the sign-ins under way: they end with `notSignedIn`, whatever is answered to them.
+    void cancelSignIn();
+
     /// Gives the new identity token, or the error.
     void refresh(std::function<void(std::variant<std::string, AuthError>)> done);
 
@@ -97,13 +100,7 @@ class FirebaseRESTAuth {
     const Clock& clock_;
     std::string slot_;              // ending of the keys; empty unless the plain ones are other endpoints'
     std::shared_ptr<int> session_;  // replaced by signOut; a late answer holds a weak pointer and finds it expired
+    std::shared_ptr<int> signIns_;  // likewise, by cancelSignIn
 };
-
-/// The other calls on the user's account.
-namespace AccountService {
-/// Asks for a reset mail. Nothing on success, else "HTTP <status>" or the transport's text.
-void sendPasswordReset(HttpClient& http, const Endpoints& endpoints, const std::string& email,
-                       std::function<void(std::optional<std::string>)> done);
-}  // namespace AccountService
 
 }  // namespace vmr
