@@ -2,9 +2,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
 
-#include "tests/app/RunningProgram.h"
+#include "tests/app/DrivenWindow.h"
 
 namespace vmr {
 namespace {
@@ -49,42 +48,17 @@ struct View {
     }
 };
 
-class WindowInput : public testing::Test {
+class WindowInput : public DrivenWindow {
  protected:
     void SetUp() override {
-        if (std::system("command -v xdotool > /dev/null") != 0)
-            GTEST_SKIP() << "xdotool is not installed, so there is no pointer to drive the window with";
-        open();
-    }
-    void TearDown() override {
-        if (!program_) return;
-        program_->say("quit");
-        EXPECT_EQ(program_->end(), 0);
-    }
-
-    // Starts the window and waits until it shows a market.
-    void open() {
-        program_.emplace(std::vector<std::string>{"--practice", "--clock", "2026-06-10T10:00", "--window", "1200x800"});
-        ASSERT_TRUE(until([](const json& state) {
-            const json& pane = state["panes"][0];
-            return pane["displayCandles"].size() > 100 && pane["catFutures"].size() == 6 &&
-                   pane["viewport"].is_object() && state["sim"]["lasts"].contains("NQ");
-        })) << "the market did not come";
-        const std::string file = program_->home / "window";
-        ASSERT_EQ(std::system(("xdotool search --onlyvisible --name '^Velmora$' > '" + file + "'").c_str()), 0);
-        std::ifstream(file) >> window_;
+        DrivenWindow::SetUp();
+        if (IsSkipped()) return;
+        startMarket();
         settle();
     }
 
-    // Real events, one after the other; `move` is a place in the chart.
-    static std::string move(Point to) {
-        return " mousemove --window $W " + std::to_string(std::lround(to.x)) + " " +
-               std::to_string(std::lround(to.y + toolbarHeight)) + " sleep 0.03";
-    }
-    void act(const std::string& events) {
-        const std::string command = "W=" + window_ + "; xdotool" + events;
-        ASSERT_EQ(std::system(command.c_str()), 0) << command;
-    }
+    // To a place in the chart.
+    static std::string move(Point at) { return to(at.x, at.y + toolbarHeight); }
     void drag(Point from, const std::vector<Point>& over) {
         std::string events = move(from) + " mousedown 1";
         for (const Point& to : over) events += move(to);
@@ -99,22 +73,6 @@ class WindowInput : public testing::Test {
         act(move(at) + " click 3 sleep 0.4" + move({at.x + 30, at.y + 6 + 14}) + " click 1");
     }
 
-    // The state document as of now.
-    const json& look() {
-        program_->ask("state state.json", 30);
-        state_ = program_->file("state.json");
-        EXPECT_TRUE(state_.is_object());
-        return state_;
-    }
-    bool until(const std::function<bool(const json&)>& holds) {
-        const double end = clock_.monotonic() + 20;
-        while (clock_.monotonic() < end) {
-            if (holds(look())) return true;
-            program_->line(0.02);
-        }
-        return false;
-    }
-    const json& pane() { return state_["panes"][0]; }
     const json& account() { return state_["sim"]; }
 
     // The camera, its bars counted from one bar of the history whatever comes or goes at the ends.
@@ -161,10 +119,7 @@ class WindowInput : public testing::Test {
         return View(pane());
     }
 
-    SystemClock clock_;
-    std::optional<RunningProgram> program_;
-    std::string window_;
-    json state_, anchor_;
+    json anchor_;
 };
 
 TEST_F(WindowInput, ThePointerAndTheKeysMoveTheCamera) {

@@ -165,7 +165,7 @@ TEST(ChoiceRows, StayWhatTheyAreWhileTheListIsOpen) {
     QQuickItem* button = ui.item("symbolChoice");
     const auto* list = button->findChild<QObject*>("choices");
     ASSERT_NE(list, nullptr);
-    QSignalSpy rebuilt(button, SIGNAL(shownRowsChanged()));
+    QSignalSpy rebuilt(list, SIGNAL(shownRowsChanged()));
     const auto rows = [&] { return button->property("shownRows").toList().size(); };
     ui.view.toolbar.set({.futures = QStringList{"NQ", "ES", "YM"}});
     EXPECT_EQ(rebuilt.count(), 1);

@@ -91,6 +91,62 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_EQ(view.toast.notice(), "Two") << "a flush under way ends with the binding";
 }
 
+TEST_F(PaneBindingTest, PanelsAndTheAccountGoBothWays) {
+    view.panels.setAccountPanelOpen(true);
+    EXPECT_TRUE(model->panels.accountPanelOpen);
+    view.panelFrames.moved("account", {1, 2, 300, 200});
+    EXPECT_EQ(model->panels.frames.at("account"), (std::array<double, 4>{1, 2, 300, 200}));
+    view.panelFrames.closed("account");
+    EXPECT_TRUE(model->panels.frames.empty());
+    model->panels.accountPanelOpen = false;
+    time.runUntilIdle();
+    EXPECT_FALSE(view.panels.accountPanelOpen());
+    view.panelFrames.keep("account", {3, 4, 500, 400});
+    preferences.set("vmr.panel.other", R"({"x":9,"h":80})");
+    EXPECT_EQ(view.panelFrames.restored("account", {}), QRectF(3, 4, 500, 400));
+    EXPECT_EQ(view.panelFrames.restored("other", {1, 2, 3, 4}), QRectF(9, 2, 3, 80));
+
+    http.responder = nullptr;
+    const auto reset = [&] {
+        const AccountViewModel& account = view.account;
+        return std::string(account.resetting() ? "under way " : "") + (account.resetSent() ? "sent " : "") +
+               account.resetError().toStdString();
+    };
+    const std::size_t before = http.requests.size();
+    view.account.resetPassword();
+    view.account.resetPassword();
+    EXPECT_EQ(reset(), "under way ");
+    EXPECT_EQ(http.requests.size(), before + 1);
+    EXPECT_NE(http.requests.back().body.find("\"a@b.c\""), std::string::npos);
+    http.answer(500, "");
+    time.runUntilIdle();
+    EXPECT_EQ(reset(), "HTTP 500");
+    view.account.resetPassword();
+    view.account.startOver();
+    EXPECT_EQ(reset(), "");
+    view.account.resetPassword();
+    http.answer(500, "");  // the former's
+    time.runUntilIdle();
+    EXPECT_EQ(reset(), "under way ");
+    http.answer(200, "");
+    time.runUntilIdle();
+    EXPECT_EQ(reset(), "sent ");
+
+    int left = 0;
+    view.session.setOnSignOutAndClose([&] { ++left; });
+    view.session.signOutAndClose();
+    EXPECT_TRUE(model->session.isSignedIn && left == 1);
+    view.session.setOnSignOutAndClose({});
+    view.session.signOutAndClose();
+    EXPECT_FALSE(model->session.isSignedIn);
+
+    view.session.signIn("new@b.c", "p", true);
+    EXPECT_EQ(view.session.lastEmail(), "new@b.c");
+    EXPECT_EQ(preferences.get("vmr.lastEmail"), "new@b.c");
+    view.session.cancelSignIn();
+    EXPECT_FALSE(model->session.signingIn);
+}
+
 // Each answers by whoever asked first on that day, which in the night was by summer's time: it is 18:30 there.
 TEST_F(PaneBindingTest, ChartPaneAndAccountAgreeOnTheSundayOfAClockChange) {
     SimEngine account({time, TestPane::session, UuidSource(5)});

@@ -15,6 +15,7 @@ FocusScope {
         width: parent.width
         session: paneView.pane.session
         choices: paneView.pane.toolbar
+        panels: paneView.pane.panels
     }
     ChartItem {
         id: chart
@@ -31,6 +32,10 @@ FocusScope {
         }
         onOrderMenuEnded: orderMenu.close()
 
+        PointHandler {  // who points at the chart types for it, too
+            acceptedButtons: Qt.AllButtons
+            onActiveChanged: if (active) chart.forceActiveFocus(Qt.MouseFocusReason)
+        }
         PinchHandler {
             property real lastScale: 1
             target: null
@@ -99,4 +104,23 @@ FocusScope {
             service: paneView.service
         }
     }
+    PanelSpace {
+        id: panelSpace
+        objectName: "panelSpace"
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        onVacated: chart.forceActiveFocus()
+
+        AccountPanel {
+            objectName: "accountPanel"
+            frames: paneView.pane.panelFrames
+            session: paneView.pane.session
+            account: paneView.pane.account
+            defaultPos: Qt.point(panelSpace.width - defaultSize.width - 24, 16)
+            open: paneView.pane.panels.accountPanelOpen
+            onClose: paneView.pane.panels.accountPanelOpen = false
+        }
+    }
+    Keys.onEscapePressed: event => event.accepted = panelSpace.closeFront()
 }

@@ -11,6 +11,8 @@ namespace {
 
 QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
 
+constexpr const char* lastEmailKey = "vmr.lastEmail";
+
 }  // namespace
 
 PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, const std::string& setupProblem,
@@ -23,7 +25,7 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, c
             if (field != SimEngine::Field::keeping) view_.chart.tellAccountChanged();
         }));
     view_.chart.setSource(&model_, [this](ChartPort* port) { model_.setChartPort(port); });
-    marked_ = sessionConcern | toolbarConcern | toastConcern | chartConcern;
+    marked_ = everyConcern;
     flush();
 }
 
@@ -32,15 +34,39 @@ PaneBinding::~PaneBinding() {
     view_.chart.setSource(nullptr);
     view_.session.setActions({});
     view_.toolbar.setActions({});
+    view_.account.setSendReset({});
+    view_.panels.setFollower({});
+    view_.panelFrames.keepIn(nullptr);
 }
 
-void PaneBinding::setActions() {
+void PaneBinding::setSessionActions() {
     view_.session.setActions({
         [this](const QString& email, const QString& password, bool remember) {
+            model_.preferences().set(lastEmailKey, email.toStdString());
             model_.signIn(email.toStdString(), password.toStdString(), remember);
         },
         [this] { model_.signOut(); },
+        [this] { model_.session.cancelSignIn(); },
+        [this] { return text(model_.preferences().get(lastEmailKey).value_or("")); },
     });
+    view_.account.setSendReset([this](auto done) { model_.session.sendPasswordReset(std::move(done)); });
+}
+
+void PaneBinding::bindPanels() {
+    view_.panels.setFollower(
+        [this](const PanelsViewModel::State& state) { model_.panels.accountPanelOpen = state.accountPanelOpen; });
+    view_.panelFrames.keepIn(&model_.preferences(), [this](const QString& id, const std::optional<QRectF>& frame) {
+        auto& frames = model_.panels.frames;
+        if (frame)
+            frames[id.toStdString()] = {frame->x(), frame->y(), frame->width(), frame->height()};
+        else
+            frames.erase(id.toStdString());
+    });
+}
+
+void PaneBinding::setActions() {
+    setSessionActions();
+    bindPanels();
     view_.toolbar.setActions({
         [this](const QString& symbol) { model_.switchSymbol(symbol.toStdString()); },
         [this](int minutes) { model_.setTimeframe(minutes); },
@@ -58,6 +84,7 @@ void PaneBinding::watch() {
     watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.catalog.catFutures, model_.catalog.catStocks);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
+    watch(panelsConcern, model_.panels.accountPanelOpen);
 }
 
 void PaneBinding::mark(Concern concern) {
@@ -76,6 +103,7 @@ void PaneBinding::flush() {
         view_.chart.setEmpty(model_.bars.displayCandles->empty());
         view_.chart.setAccountProblem(text(model_.notices.accountProblem->value_or("")));
     }
+    if (concerns & panelsConcern) view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen});
     if (concerns & sessionConcern) view_.session.set(sessionState());
 }
 

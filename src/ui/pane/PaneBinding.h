@@ -33,9 +33,18 @@ class PaneBinding {
     std::uint64_t flushes() const { return flushes_; }
 
  private:
-    enum Concern : unsigned { sessionConcern = 1, toolbarConcern = 2, toastConcern = 4, chartConcern = 8 };
+    enum Concern : unsigned {
+        sessionConcern = 1,
+        toolbarConcern = 2,
+        toastConcern = 4,
+        chartConcern = 8,
+        panelsConcern = 16,
+        everyConcern = 31
+    };
 
     void setActions();
+    void setSessionActions();
+    void bindPanels();
     void watch();
     template <class... Fields>
     void watch(Concern concern, Fields&... fields);

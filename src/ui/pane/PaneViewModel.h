@@ -11,10 +11,13 @@
 #include "base/SerialQueue.h"
 #include "market/SessionTime.h"
 #include "perf/BenchSettings.h"
+#include "ui/pane/AccountViewModel.h"
 #include "ui/pane/ChartViewModel.h"
+#include "ui/pane/PanelsViewModel.h"
 #include "ui/pane/SessionViewModel.h"
 #include "ui/pane/ToastViewModel.h"
 #include "ui/pane/ToolbarViewModel.h"
+#include "ui/widgets/PanelFrames.h"
 
 namespace vmr {
 
@@ -32,6 +35,9 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::ToolbarViewModel* toolbar READ toolbarOf CONSTANT)
     Q_PROPERTY(vmr::ToastViewModel* toast READ toastOf CONSTANT)
     Q_PROPERTY(vmr::ChartViewModel* chart READ chartOf CONSTANT)
+    Q_PROPERTY(vmr::AccountViewModel* account READ accountOf CONSTANT)
+    Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
+    Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
     /// What the chart's input reaches beside the pane; null and empty where there is none. All outlive the views.
@@ -53,6 +59,9 @@ class PaneViewModel : public QObject {
     ToolbarViewModel toolbar;
     ToastViewModel toast;
     ChartViewModel chart;
+    AccountViewModel account;
+    PanelsViewModel panels;
+    PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
     void setSurroundings(Surroundings surroundings) { surroundings_ = std::move(surroundings); }
@@ -69,6 +78,9 @@ class PaneViewModel : public QObject {
     ToolbarViewModel* toolbarOf() { return &toolbar; }
     ToastViewModel* toastOf() { return &toast; }
     ChartViewModel* chartOf() { return &chart; }
+    AccountViewModel* accountOf() { return &account; }
+    PanelsViewModel* panelsOf() { return &panels; }
+    PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;
 };

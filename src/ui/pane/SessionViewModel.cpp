@@ -26,8 +26,26 @@ void SessionViewModel::signIn(const QString& email, const QString& password, boo
     if (actions_.signIn) actions_.signIn(email, password, remember);
 }
 
+void SessionViewModel::cancelSignIn() {
+    if (actions_.cancelSignIn) actions_.cancelSignIn();
+}
+
 void SessionViewModel::signOut() {
     if (actions_.signOut) actions_.signOut();
 }
+
+void SessionViewModel::signOutAndClose() { onSignOutAndClose_ ? onSignOutAndClose_() : signOut(); }
+
+void SessionViewModel::setOnPractice(std::function<void()> start) {
+    const bool could = canPractice();
+    onPractice_ = std::move(start);
+    if (could != canPractice()) emit canPracticeChanged();
+}
+
+void SessionViewModel::startPractice() {
+    if (onPractice_) onPractice_();
+}
+
+QString SessionViewModel::lastEmail() const { return actions_.lastEmail ? actions_.lastEmail() : QString(); }
 
 }  // namespace vmr

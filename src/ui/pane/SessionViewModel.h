@@ -23,6 +23,7 @@ class SessionViewModel : public QObject {
     Q_PROPERTY(bool connected READ connected NOTIFY connectionChanged)
     Q_PROPERTY(bool connLimited READ connLimited NOTIFY connectionChanged)
     Q_PROPERTY(QString status READ status NOTIFY statusChanged)
+    Q_PROPERTY(bool canPractice READ canPractice NOTIFY canPracticeChanged)
 
  public:
     struct State {
@@ -39,6 +40,8 @@ class SessionViewModel : public QObject {
     struct Actions {
         std::function<void(const QString& email, const QString& password, bool remember)> signIn;
         std::function<void()> signOut;
+        std::function<void()> cancelSignIn;
+        std::function<QString()> lastEmail;
     };
 
     using QObject::QObject;
@@ -59,8 +62,20 @@ class SessionViewModel : public QObject {
     bool connLimited() const { return state_.connLimited; }
     QString status() const { return state_.status; }
 
+    /// Starts the practice market; empty where there is none to be had.
+    void setOnPractice(std::function<void()> start);
+    /// What leaving the session means beside signing out; empty for nothing.
+    void setOnSignOutAndClose(std::function<void()> leave) { onSignOutAndClose_ = std::move(leave); }
+    bool canPractice() const { return static_cast<bool>(onPractice_); }
+
     Q_INVOKABLE void signIn(const QString& email, const QString& password, bool remember);
+    Q_INVOKABLE void cancelSignIn();
     Q_INVOKABLE void signOut();
+    /// Signs out, and does what else belongs to leaving.
+    Q_INVOKABLE void signOutAndClose();
+    Q_INVOKABLE void startPractice();
+    /// The address that signed in last on this machine, or tried to; empty for none.
+    Q_INVOKABLE QString lastEmail() const;
 
  signals:
     void enteredChanged();
@@ -69,10 +84,12 @@ class SessionViewModel : public QObject {
     void userEmailChanged();
     void connectionChanged();
     void statusChanged();
+    void canPracticeChanged();
 
  private:
     State state_;
     Actions actions_;
+    std::function<void()> onPractice_, onSignOutAndClose_;
 };
 
 }  // namespace vmr

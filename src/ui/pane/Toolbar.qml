@@ -7,6 +7,7 @@ Rectangle {
 
     required property SessionViewModel session
     required property ToolbarViewModel choices
+    required property PanelsViewModel panels
 
     function symbolRows() {
         const rows = [];
@@ -33,10 +34,10 @@ Rectangle {
 
         SairaMenu {
             objectName: "symbolChoice"
-            text: bar.choices.symbol === "" ? qsTr("Symbol") : bar.choices.symbol
-            rows: bar.symbolRows()
-            current: bar.choices.symbol
-            popupWidth: 148
+            placeholder: bar.choices.symbol === "" ? qsTr("Symbol") : bar.choices.symbol
+            options: bar.symbolRows()
+            selection: bar.choices.symbol
+            listWidth: 148
             Accessible.name: qsTr("Symbol")
             onChosen: value => bar.choices.switchSymbol(value)
         }
@@ -48,10 +49,10 @@ Rectangle {
         }
         SairaMenu {
             objectName: "timeframeChoice"
-            text: bar.choices.timeframe + "m"
-            rows: [1, 2, 3, 5, 15, 30, 60].map(minutes => ({ label: minutes + "m", value: minutes }))
-            current: bar.choices.timeframe
-            popupWidth: 96
+            options: [1, 2, 3, 5, 15, 30, 60].map(minutes => ({ label: minutes + "m", value: minutes }))
+            selection: bar.choices.timeframe
+            placeholder: bar.choices.timeframe + "m"
+            listWidth: 96
             font.weight: Font.Normal
             Accessible.name: qsTr("Timeframe")
             onChosen: value => bar.choices.setTimeframe(value)
@@ -86,10 +87,11 @@ Rectangle {
             height: 1
         }
         IconButton {
-            objectName: "signOut"
-            text: qsTr("Sign out")
-            icon24: "log-out"
-            onClicked: bar.session.signOut()
+            objectName: "accountButton"
+            text: qsTr("Account")
+            icon24: "circle-user"
+            active: bar.panels.accountPanelOpen
+            onClicked: bar.panels.accountPanelOpen = !bar.panels.accountPanelOpen
         }
     }
     Rectangle {

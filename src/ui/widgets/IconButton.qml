@@ -6,6 +6,7 @@ T.Button {
     id: control
 
     property string icon24
+    property bool active: false  // what it opens is there
 
     implicitWidth: 30
     implicitHeight: 30
@@ -17,7 +18,7 @@ T.Button {
         Icon {
             anchors.centerIn: parent
             name: control.icon24
-            color: control.hovered || control.down ? Theme.text : Theme.textSoft
+            color: control.active ? Theme.accent : control.hovered || control.down ? Theme.text : Theme.textSoft
         }
     }
     background: Rectangle {
