@@ -47,8 +47,7 @@ void PaneSession::startStoredSession() {
     // an answer that comes after a sign-out, perhaps into the session that followed it, is nobody's any more
     work_.main().post(work_.whileThere([this, session = session_] {
         if (session != session_) return;
-        if (auth_.tokenIsLive()) return connectRelay();
-        auth_.refresh(work_.whileThere([this, session](const std::variant<std::string, AuthError>& result) {
+        auth_.token(work_.whileThere([this, session](const std::variant<std::string, AuthError>& result) {
             if (session != session_) return;
             if (std::holds_alternative<std::string>(result)) return connectRelay();
             auth_.signOut();

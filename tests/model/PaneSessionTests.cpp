@@ -90,6 +90,21 @@ TEST_F(PaneSessions, ATokenThatTheRelayRefusesIsRefreshedOnceForAllPanes) {
         EXPECT_THAT(sockets.last().url, testing::EndsWith("token=id2"));
         EXPECT_EQ(http.requests.size(), requests + 1);
     }
+    // refused in the same instant, they wait for one answer
+    for (const std::size_t i : {2, 3}) {
+        sockets.at(i).accept();
+        sockets.at(i).frame(R"({"type":"hello"})");
+        sockets.at(i).close(1011);
+    }
+    time.advance(1.1);
+    http.responder = nullptr;
+    for (const std::size_t i : {4, 5}) sockets.at(i).refuse(401);
+    time.advance(2.1);
+    EXPECT_EQ(http.requests.size(), requests + 2);
+    http.answer(200, grant().body);
+    time.runUntilIdle();
+    ASSERT_EQ(sockets.count(), 8u);
+    for (const std::size_t i : {6, 7}) EXPECT_THAT(sockets.at(i).url, testing::EndsWith("token=id3"));
 }
 
 TEST_F(PaneSessions, AShutDownPaneStaysDownAndHearsNothing) {

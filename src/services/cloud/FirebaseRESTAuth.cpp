@@ -1,6 +1,7 @@
 #include "services/cloud/FirebaseRESTAuth.h"
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "base/Json.h"
 #include "base/Log.h"
@@ -89,7 +90,8 @@ FirebaseRESTAuth::FirebaseRESTAuth(Endpoints endpoints, HttpClient& http, Prefer
       preferences_(preferences),
       clock_(clock),
       session_(std::make_shared<int>(0)),
-      signIns_(std::make_shared<int>(0)) {
+      signIns_(std::make_shared<int>(0)),
+      tokenAskers_(std::make_shared<TokenAskers>()) {
     const std::string own = signInEndpoints(endpoints_);
     // sessions from before the endpoints were stored with them belong to the public ones
     const std::string owner = preferences_.get(endpointsKey).value_or(signInEndpoints(Endpoints()));
@@ -150,7 +152,11 @@ void FirebaseRESTAuth::refresh(std::function<void(std::variant<std::string, Auth
 
 void FirebaseRESTAuth::token(std::function<void(std::variant<std::string, AuthError>)> done) {
     if (tokenIsLive()) return done(*idToken);
-    refresh(std::move(done));
+    tokenAskers_->push_back(std::move(done));
+    if (tokenAskers_->size() > 1) return;
+    refresh([askers = tokenAskers_](const std::variant<std::string, AuthError>& result) {
+        for (const auto& asker : std::exchange(*askers, {})) asker(result);  // each may ask again
+    });
 }
 
 void FirebaseRESTAuth::cancelSignIn() { signIns_ = std::make_shared<int>(0); }
@@ -158,6 +164,7 @@ void FirebaseRESTAuth::cancelSignIn() { signIns_ = std::make_shared<int>(0); }
 void FirebaseRESTAuth::signOut() {
     sessionEnds();
     session_ = std::make_shared<int>(0);
+    tokenAskers_ = std::make_shared<TokenAskers>();
     idToken.reset();
     refreshToken.reset();
     localId.reset();

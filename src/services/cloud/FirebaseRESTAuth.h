@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "base/Clock.h"
 #include "base/Preferences.h"
@@ -31,8 +32,8 @@ struct AuthError {
 /// The session of the process. A stored session belongs to the sign-in endpoints that granted it: with others it is
 /// neither read nor touched, and a session of theirs is stored beside it. Main thread; callbacks come on the HTTP
 /// client's queue, which is the main loop, or within the call when nothing is sent. Fields change only once a whole
-/// response has been checked; concurrent refreshes are not merged. After `signOut` or destruction a call under way ends
-/// with `notSignedIn`.
+/// response has been checked. Those who ask for a `token` share one refresh; each call of `refresh` sends its own.
+/// After `signOut` or destruction a call under way ends with `notSignedIn`.
 class FirebaseRESTAuth {
  public:
     static constexpr double distantPast = -std::numeric_limits<double>::infinity();
@@ -51,7 +52,8 @@ class FirebaseRESTAuth {
     /// Gives the new identity token, or the error.
     void refresh(std::function<void(std::variant<std::string, AuthError>)> done);
 
-    /// Gives an identity token that may be used now, within the call if there is one, else what `refresh` gives.
+    /// Gives an identity token that may be used now, within the call if there is one, else what one `refresh`
+    /// gives to all who ask meanwhile.
     void token(std::function<void(std::variant<std::string, AuthError>)> done);
 
     /// Forgets the session in memory and in the preferences, copies set aside included; no network call. A call still
@@ -92,6 +94,8 @@ class FirebaseRESTAuth {
     static constexpr const char* endpointsKey = "vmr.auth.endpoints";  ///< to which the session above belongs
 
  private:
+    using TokenAskers = std::vector<std::function<void(std::variant<std::string, AuthError>)>>;
+
     std::string key(const char* name) const { return name + slot_; }
 
     Endpoints endpoints_;
@@ -101,6 +105,7 @@ class FirebaseRESTAuth {
     std::string slot_;              // ending of the keys; empty unless the plain ones are other endpoints'
     std::shared_ptr<int> session_;  // replaced by signOut; a late answer holds a weak pointer and finds it expired
     std::shared_ptr<int> signIns_;  // likewise, by cancelSignIn
+    std::shared_ptr<TokenAskers> tokenAskers_;  // of this session, while a refresh is under way; replaced by signOut
 };
 
 }  // namespace vmr
