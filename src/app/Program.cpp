@@ -26,7 +26,8 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
       main_(main),
       print_([&log](const std::string& line) { log.line(line); }),
       preferences_(start.paths().config / "preferences.json", files_.loop()),
-      http_(main),
+      proxies_(std::make_shared<ProxyFinder>(start.clock(), systemProxies())),
+      http_(main, proxies_),
       auth_(start.endpoints(), http_, withUsableSession(preferences_, start), start.clock()),
       announcements_(auth_, preferences_, main),
       updates_(http_, start.endpoints().downloadsUrl, buildNumber, main),
@@ -73,8 +74,8 @@ void Program::openPanes() {
         print_("[bench] config forced — all overlays + oscillator ON");
     }
     panes_ = std::make_unique<PaneHost>(std::move(surroundings), [this](AsioLoop& queue) {
-        return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(queue), queue, main_,
-                                             start_.relayClock(), print_);
+        return std::make_unique<RelayClient>(start_.endpoints().relayUrl, makeBeastWebSockets(queue, proxies_), queue,
+                                             main_, start_.relayClock(), print_);
     });
     panes_->open();
     if (!start_.options().tapeSymbol.empty()) panes_->active()->setFirstSymbol(start_.options().tapeSymbol);

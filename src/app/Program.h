@@ -58,6 +58,7 @@ class Program {
     const std::function<void(const std::string& line)> print_;
     AsioThread files_{"velmora.files"};  // writes the paper account and the settings
     FilePreferences preferences_;
+    const std::shared_ptr<ProxyFinder> proxies_;
     CurlHttpClient http_;
     FirebaseRESTAuth auth_;
     Announcements announcements_;

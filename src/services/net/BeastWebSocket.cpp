@@ -14,7 +14,6 @@
 #include <type_traits>
 #include <vector>
 
-#include "services/net/NetworkRules.h"
 #include "services/net/ProxyTunnel.h"
 
 namespace vmr {
@@ -33,6 +32,7 @@ constexpr double lingerSeconds = 5;
 constexpr double nextAddressSeconds = 10;
 constexpr std::size_t keptBuffer = 1024 * 1024;
 constexpr int plainDrop = 1006;  // a close frame must not carry it
+constexpr std::string_view proxySchemes[] = {"http"};
 
 // Without authorities every certificate is refused, and that error is reported; so failures here need no word.
 void trust(SSL_CTX* context, const TrustStore& store) {
@@ -296,51 +296,73 @@ class Conversation final : public Link, public std::enable_shared_from_this<Conv
 
 class BeastWebSocket final : public WebSocket {
  public:
-    BeastWebSocket(AsioLoop& loop, std::shared_ptr<TlsContext> tls) : loop_(loop), tls_(std::move(tls)) {}
+    BeastWebSocket(AsioLoop& loop, std::shared_ptr<TlsContext> tls, std::shared_ptr<ProxyFinder> proxies)
+        : loop_(loop), tls_(std::move(tls)), proxies_(std::move(proxies)) {}
     ~BeastWebSocket() override {
         if (link_) link_->cancel(plainDrop);
     }
 
     void open(const std::string& address, std::size_t maxMessageBytes, Events events) override {
-        link_ = linkTo(parseUrl(address), maxMessageBytes, std::move(events));
-        link_->start();
+        const auto url = parseUrl(address);
+        if (!url) return refuse("not an address", std::move(events));
+        if (url->scheme != "wss" && (url->scheme != "ws" || !url->loopback))
+            return refuse("only wss: is allowed, or ws: to this machine", std::move(events));
+        question_ = proxies_->find(*url, proxySchemes, loop_,
+                                   [this, url = *url, maxMessageBytes, events](const std::optional<Proxy>& proxy) {
+                                       converse(url, proxy, maxMessageBytes, events);
+                                   });
     }
 
     void sendText(std::string text) override {
-        if (link_) link_->sendText(std::move(text));
+        if (link_)
+            link_->sendText(std::move(text));
+        else if (question_)
+            early_.push_back(std::move(text));
     }
 
     void cancel(int code) override {
+        question_ = {};
         if (link_) link_->cancel(code);
     }
 
  private:
-    std::shared_ptr<Link> linkTo(std::optional<Url> url, std::size_t maxMessageBytes, Events events) {
-        const auto refuse = [&](std::string reason) {
-            return std::make_shared<RefusedLink>(loop_, std::move(reason), std::move(events));
-        };
-        if (!url) return refuse("not an address");
-        if (url->scheme != "wss" && (url->scheme != "ws" || !url->loopback))
-            return refuse("only wss: is allowed, or ws: to this machine");
-        auto proxy = proxyFor(*url, environment);
-        if (proxy && !proxy->problem.empty()) return refuse(proxy->problem);
-        if (proxy && proxy->scheme != "http") return refuse("only an http: proxy leads to the relay");
-        if (url->secure)
-            return std::make_shared<Conversation<SecureStream>>(loop_, std::move(*url), std::move(proxy),
-                                                                maxMessageBytes, std::move(events), tls_->get());
-        return std::make_shared<Conversation<PlainStream>>(loop_, std::move(*url), std::nullopt, maxMessageBytes,
-                                                           std::move(events));
+    void begin(std::shared_ptr<Link> link) {
+        link_ = std::move(link);
+        link_->start();
+        for (std::string& text : early_) link_->sendText(std::move(text));
+        early_.clear();
+    }
+
+    void refuse(std::string reason, Events events) {
+        begin(std::make_shared<RefusedLink>(loop_, std::move(reason), std::move(events)));
+    }
+
+    void converse(const Url& url, const std::optional<Proxy>& proxy, std::size_t maxMessageBytes, Events events) {
+        if (proxy && !proxy->problem.empty()) return refuse(proxy->problem, std::move(events));
+        if (proxy && proxy->scheme != proxySchemes[0])
+            return refuse("only an http: proxy leads to the relay", std::move(events));
+        if (url.secure)
+            begin(std::make_shared<Conversation<SecureStream>>(loop_, url, proxy, maxMessageBytes, std::move(events),
+                                                               tls_->get()));
+        else
+            begin(std::make_shared<Conversation<PlainStream>>(loop_, url, std::nullopt, maxMessageBytes,
+                                                              std::move(events)));
     }
 
     AsioLoop& loop_;
     const std::shared_ptr<TlsContext> tls_;
+    const std::shared_ptr<ProxyFinder> proxies_;
+    ProxyFinder::Question question_;
+    std::vector<std::string> early_;  // sent before the proxy is known
     std::shared_ptr<Link> link_;
 };
 
 }  // namespace
 
-WebSocketFactory makeBeastWebSockets(AsioLoop& loop) {
-    return [&loop, tls = std::make_shared<TlsContext>()] { return std::make_unique<BeastWebSocket>(loop, tls); };
+WebSocketFactory makeBeastWebSockets(AsioLoop& loop, std::shared_ptr<ProxyFinder> proxies) {
+    return [&loop, tls = std::make_shared<TlsContext>(), proxies = std::move(proxies)] {
+        return std::make_unique<BeastWebSocket>(loop, tls, proxies);
+    };
 }
 
 }  // namespace vmr

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
@@ -20,6 +21,7 @@ namespace {
 constexpr std::size_t largestAnswer = 64u * 1024 * 1024;
 constexpr int idlePollMilliseconds = 60000;
 constexpr int endPollMilliseconds = 20;
+constexpr std::string_view proxySchemes[] = {"http", "https", "socks4", "socks4a", "socks5", "socks5h"};
 
 struct Transfer {
     std::uint64_t id = 0;
@@ -27,6 +29,7 @@ struct Transfer {
     HttpResponse response;
     TrustStore trust;
     std::string proxy, proxyUser, proxyPassword;
+    std::chrono::steady_clock::time_point endsBy;
     CURL* easy = nullptr;
     curl_slist* headers = nullptr;
     char errorText[CURL_ERROR_SIZE] = {};
@@ -115,7 +118,8 @@ bool prepare(Transfer& transfer) {
     set(CURLOPT_SSL_VERIFYHOST, 2L);
     set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     set(CURLOPT_ACCEPT_ENCODING, "");  // every encoding that libcurl can unpack
-    set(CURLOPT_TIMEOUT_MS, static_cast<long>(std::clamp(transfer.request.timeoutSeconds, 0.001, 86400.0) * 1000));
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(transfer.endsBy - std::chrono::steady_clock::now());
+    set(CURLOPT_TIMEOUT_MS, std::max(1L, static_cast<long>(left.count())));
     set(CURLOPT_WRITEFUNCTION, takeBody);
     set(CURLOPT_WRITEDATA, static_cast<void*>(&transfer));
     setTrust(transfer);
@@ -158,7 +162,7 @@ class CurlHttpClient::Worker {
         if (!multi_) fatal("libcurl gives no multi handle");
     }
 
-    void add(std::unique_ptr<Transfer> transfer) {
+    void add(std::shared_ptr<Transfer> transfer) {
         std::lock_guard lock(mutex_);
         waiting_.push_back(std::move(transfer));
         curl_multi_wakeup(multi_);
@@ -205,7 +209,7 @@ class CurlHttpClient::Worker {
 
     // Takes what waits; false once it is time to end.
     bool goesOn() {
-        std::vector<std::unique_ptr<Transfer>> taken;
+        std::vector<std::shared_ptr<Transfer>> taken;
         std::chrono::steady_clock::time_point endBy;
         {
             std::lock_guard lock(mutex_);
@@ -229,7 +233,7 @@ class CurlHttpClient::Worker {
     void finish(CURL* easy, CURLcode result) {
         const auto found =
             std::find_if(running_.begin(), running_.end(), [easy](const auto& one) { return one->easy == easy; });
-        const std::unique_ptr<Transfer> transfer = std::move(*found);
+        const std::shared_ptr<Transfer> transfer = std::move(*found);
         running_.erase(found);
         curl_multi_remove_handle(multi_, easy);
         if (result != CURLE_OK)
@@ -248,17 +252,18 @@ class CurlHttpClient::Worker {
     std::mutex mutex_;  // guards the next four
     MainLoop* main_;    // null once the end has begun
     std::optional<std::chrono::steady_clock::time_point> endBy_;
-    std::vector<std::unique_ptr<Transfer>> waiting_;
+    std::vector<std::shared_ptr<Transfer>> waiting_;
     bool ended_ = false;
     std::condition_variable changed_;
     const Answer answer_;
     CURLM* const multi_;
-    std::vector<std::unique_ptr<Transfer>> running_;  // the thread's own, as is the next
+    std::vector<std::shared_ptr<Transfer>> running_;  // the thread's own, as is the next
     bool ending_ = false;
     std::thread thread_;
 };
 
-CurlHttpClient::CurlHttpClient(MainLoop& main) {
+CurlHttpClient::CurlHttpClient(MainLoop& main, std::shared_ptr<ProxyFinder> proxies)
+    : main_(main), proxies_(std::move(proxies)) {
     static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
     if (ready != CURLE_OK) fatal("libcurl does not start");
     worker_ = Worker::start(main, weak_([this](std::uint64_t id, const HttpResponse& response) {
@@ -275,18 +280,36 @@ void CurlHttpClient::send(HttpRequest request, Done done) {
     waiting_.emplace(id, std::move(done));
     const auto url = parseUrl(request.url);
     if (auto reason = refusal(request, url)) return worker_->refuse(id, std::move(*reason));
-    const auto proxy = proxyFor(*url, environment);
-    if (proxy && !proxy->problem.empty()) return worker_->refuse(id, proxy->problem);
-    auto transfer = std::make_unique<Transfer>();
+    auto transfer = std::make_shared<Transfer>();
     transfer->id = id;
     transfer->request = std::move(request);
     transfer->trust = TrustStore::find(environment);
-    if (proxy) {
-        transfer->proxy = proxy->address();
-        transfer->proxyUser = proxy->user;
-        transfer->proxyPassword = proxy->password;
-    }
-    worker_->add(std::move(transfer));
+    const double limit = std::clamp(transfer->request.timeoutSeconds, 0.001, 86400.0);
+    transfer->endsBy = std::chrono::steady_clock::now() + std::chrono::milliseconds(std::llround(limit * 1000));
+    // the thread takes the transfer over: it alone ends what libcurl knows of it
+    auto question =
+        proxies_->find(*url, proxySchemes, main_,
+                       [this, id, transfer = std::move(transfer)](const std::optional<Proxy>& proxy) mutable {
+                           endAsking(id);
+                           if (proxy && !proxy->problem.empty()) return worker_->refuse(id, proxy->problem);
+                           if (proxy) {
+                               transfer->proxy = proxy->address();
+                               transfer->proxyUser = proxy->user;
+                               transfer->proxyPassword = proxy->password;
+                           }
+                           worker_->add(std::move(transfer));
+                       });
+    if (!question) return;
+    const auto timer = main_.after(limit, weak_([this, id] {
+                                       endAsking(id);
+                                       worker_->refuse(id, "the system does not say in time which proxy to use");
+                                   }));
+    asking_.emplace(id, Asking{std::move(question), timer});
+}
+
+void CurlHttpClient::endAsking(std::uint64_t id) {
+    const auto asking = asking_.extract(id);
+    if (!asking.empty()) main_.cancel(asking.mapped().limit);
 }
 
 }  // namespace vmr

@@ -1,5 +1,6 @@
 #include "services/net/NetworkRules.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -41,6 +42,10 @@ bool exempt(const std::string& host, std::string_view list) {
     }
 }
 
+bool needsNone(const Url& target, const EnvironmentLookup& lookup) {
+    return target.loopback || exempt(lowerCase(target.host), firstSet(lookup, {"no_proxy", "NO_PROXY"}));
+}
+
 Proxy readProxy(std::string text) {
     if (text.find("://") == std::string::npos) text.insert(0, "http://");
     const auto url = parseUrl(text);
@@ -69,13 +74,34 @@ std::string Proxy::address() const {
 }
 
 std::optional<Proxy> proxyFor(const Url& target, const EnvironmentLookup& lookup) {
-    if (target.loopback) return std::nullopt;
-    if (exempt(lowerCase(target.host), firstSet(lookup, {"no_proxy", "NO_PROXY"}))) return std::nullopt;
+    if (needsNone(target, lookup)) return std::nullopt;
     std::string text =
         target.secure ? firstSet(lookup, {"https_proxy", "HTTPS_PROXY"}) : firstSet(lookup, {"http_proxy"});
     if (text.empty()) text = firstSet(lookup, {"all_proxy", "ALL_PROXY"});
     if (text.empty()) return std::nullopt;
     return readProxy(std::move(text));
+}
+
+bool systemDecides(const Url& target, const EnvironmentLookup& lookup) {
+    constexpr const char* names[] = {"https_proxy", "HTTPS_PROXY", "http_proxy",
+                                     "HTTP_PROXY",  "all_proxy",   "ALL_PROXY"};
+    return !needsNone(target, lookup) && std::none_of(std::begin(names), std::end(names), lookup);
+}
+
+std::string originOf(const Url& target) {
+    return (target.secure ? "https://" : "http://") + target.hostAndPort() + "/";
+}
+
+std::optional<Proxy> firstUsable(const std::vector<std::string>& answers, std::span<const std::string_view> schemes) {
+    std::optional<Proxy> unusable;
+    for (const std::string& answer : answers) {
+        if (lowerCase(answer).starts_with("direct:")) return std::nullopt;
+        Proxy proxy = readProxy(answer);
+        if (proxy.scheme == "socks") proxy.scheme = "socks5";  // the desktops' word
+        if (std::find(schemes.begin(), schemes.end(), proxy.scheme) != schemes.end()) return proxy;
+        if (!unusable) unusable = std::move(proxy);
+    }
+    return unusable;
 }
 
 }  // namespace vmr

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "base/Environment.h"
 #include "services/net/Url.h"
@@ -35,5 +38,17 @@ struct Proxy {
 /// for its subdomains too), else https_proxy or, for unencrypted connections, http_proxy, else all_proxy. Each may be
 /// written in capitals but http_proxy, which a web server could have set from a request's header.
 std::optional<Proxy> proxyFor(const Url& target, const EnvironmentLookup& lookup);
+
+/// Whether the system's settings say which proxy to use: for another machine that no_proxy does not name, where none of
+/// the variables for proxies is set. One that is set and empty means no proxy.
+bool systemDecides(const Url& target, const EnvironmentLookup& lookup);
+
+/// What the system's settings are asked about: the other machine and its port, as for HTTPS, and nothing of what is
+/// asked of it. A script that decides must not see a token.
+std::string originOf(const Url& target);
+
+/// The first of the system's answers whose scheme is among `schemes`; nothing where that means no proxy, or where there
+/// are no answers. Where all are of other schemes, the first one, which then fails: the system wants some proxy.
+std::optional<Proxy> firstUsable(const std::vector<std::string>& answers, std::span<const std::string_view> schemes);
 
 }  // namespace vmr
