@@ -55,10 +55,10 @@ void Camera::resize(double viewW, std::size_t n) {
     firstVisible = followLive ? right : std::min(firstVisible, right);
 }
 
-void Camera::place(double first, std::size_t n) {
+void Camera::place(double first, std::size_t n, double ridesWithin) {
     const double right = rightEdgeFirst(n);
     firstVisible = std::min(std::max(first, 0.0), right);
-    followLive = std::abs(firstVisible - right) < 0.5;
+    followLive = std::abs(firstVisible - right) < ridesWithin;
     touched = true;
 }
 
@@ -112,13 +112,13 @@ bool Camera::mirrorCount(double count, std::size_t n) {
 
 bool Camera::mirrorView(double first, double count, std::size_t n) {
     const bool counted = mirrorCount(count, n);
-    if (std::isfinite(first)) place(first, n);
+    if (std::isfinite(first)) place(first, n, mirroredRides_);
     return counted || std::isfinite(first);
 }
 
 bool Camera::mirrorViewRel(double gapRight, double count, std::size_t n) {
     const bool counted = mirrorCount(count, n);
-    if (std::isfinite(gapRight)) place(static_cast<double>(n) - gapRight - visibleCount, n);
+    if (std::isfinite(gapRight)) place(static_cast<double>(n) - gapRight - visibleCount, n, mirroredRides_);
     return counted || std::isfinite(gapRight);
 }
 

@@ -56,6 +56,8 @@ class Camera {
     bool zoom(double factor, std::size_t n);    ///< the right edge stays
     bool zoomPrice(double factor);              ///< nothing while the price is pinned
     bool panByPrice(double dyPixels, double viewHeight);
+    // A partner's view. It rides the right end only where it reaches it: half a bar off it, the next tick would move it
+    // and the partner move it back.
     bool mirrorView(double first, double count, std::size_t n);
     bool mirrorViewRel(double gapRight, double count, std::size_t n);
     bool mirrorPrice(double minP, double maxP);
@@ -76,9 +78,10 @@ class Camera {
 
  private:
     void settleRange(double lo, double hi, double lastClose);
-    void place(double first, std::size_t n);
+    void place(double first, std::size_t n, double ridesWithin = 0.5);
     bool mirrorCount(double count, std::size_t n);
 
+    static constexpr double mirroredRides_ = 0.01;  // bars
     static constexpr double nan_ = std::numeric_limits<double>::quiet_NaN();
     double lastFirst_ = nan_, lastCount_ = nan_, lastMin_ = nan_, lastMax_ = nan_;
 };

@@ -15,7 +15,7 @@ bool positive(double value) { return std::isfinite(value) && value > 0; }
 
 }  // namespace
 
-void ChartRenderer::InputLag::endAt(double now) {
+void ChartRenderer::InputTimes::endAt(double now) {
     lagMs.reset();
     if (at) lagMs = (now - *std::exchange(at, std::nullopt)) * 1000.0;
 }

@@ -7,6 +7,8 @@
 
 namespace vmr {
 
+class CameraPort;
+
 /// Main thread.
 class ChartPort {
  public:
@@ -18,6 +20,8 @@ class ChartPort {
     virtual bool interacting() const = 0;
     /// The camera of the last frame; nothing before the first one with bars.
     virtual std::optional<Viewport> viewport() const = 0;
+    /// For a linked pane; null where the chart cannot be followed.
+    virtual CameraPort* cameraPort() { return nullptr; }
 };
 
 }  // namespace vmr

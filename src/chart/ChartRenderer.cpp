@@ -22,7 +22,8 @@ void ChartRenderer::needsDisplay() {
 }
 
 void ChartRenderer::noteInput() {
-    if (!input_.at) input_.at = clock_.monotonic();
+    input_.lastAt = clock_.monotonic();
+    if (!input_.at) input_.at = input_.lastAt;
 }
 
 namespace {
@@ -170,6 +171,7 @@ void ChartRenderer::setPriceLineFrac(double frac) {
 }
 
 void ChartRenderer::setAutoY(bool on) {
+    input_.lastAt = clock_.monotonic();
     camera_.autoY = on;
     needsDisplay();
 }

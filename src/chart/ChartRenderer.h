@@ -117,6 +117,8 @@ class ChartRenderer {
     double alphaX() const { return easing_.alphaX; }
     double alphaY() const { return easing_.alphaY; }
     double alphaClose() const { return easing_.alphaClose; }
+    /// When input moved the camera last, monotonic seconds; below 0 for never.
+    double handAt() const { return input_.lastAt; }
     /// Milliseconds from the oldest input of the last frame to that frame; nothing when no input led to it.
     std::optional<double> inputLagMs() const { return input_.lagMs; }
     /// Where the last frame's camera is, if it moved in that frame.
@@ -138,10 +140,11 @@ class ChartRenderer {
         double etfRatio = 1, secRatio = 1;
         std::optional<double> flip;
     };
-    /// From the oldest input that no frame has shown yet to the frame that does.
-    struct InputLag {
+    /// From the oldest input that no frame has shown yet to the frame that does, and the newest input.
+    struct InputTimes {
         std::optional<double> at;  ///< monotonic
         std::optional<double> lagMs;
+        double lastAt = -1;  ///< monotonic
         void endAt(double now);
     };
     /// What a frame makes anew.
@@ -183,7 +186,7 @@ class ChartRenderer {
     FormingBar forming_;
     EdgeLayers edges_;
     Easing easing_;
-    InputLag input_;
+    InputTimes input_;
     std::optional<Viewport> movedTo_;
     bool interacting_ = false;
 };

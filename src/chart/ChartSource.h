@@ -1,7 +1,10 @@
 // What a chart reads of the pane that it shows.
 #pragma once
 
+#include <optional>
+
 #include "chart/ChartContent.h"
+#include "market/BarTimes.h"
 
 namespace vmr {
 
@@ -15,6 +18,8 @@ class ChartSource {
     virtual void interactionEnded() = 0;
     /// An order was chosen on the chart while the market is closed.
     virtual void marketClosedOrder() = 0;
+    /// The pointer is over this moment and price now, or over none. May come often, and alike.
+    virtual void pointerOver(const std::optional<ChartSpot>&) {}
 };
 
 }  // namespace vmr

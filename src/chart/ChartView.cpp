@@ -38,7 +38,7 @@ ChartView::~ChartView() { viewport_->publish(std::nullopt); }
 void ChartView::askForFrame() {
     if (recording_) return;
     (onlyData_ ? calmFrameAwaited_ : frameAwaited_) = true;
-    if (onNeedsFrame) onNeedsFrame(onlyData_ ? Need::calm : Need::now);
+    if (onNeedsFrame) onNeedsFrame(onlyData_ ? Need::calm : forPeer_ ? Need::join : Need::now);
 }
 
 void ChartView::setSource(ChartSource* source) {

@@ -11,6 +11,7 @@
 #include "base/WeakTask.h"
 #include "chart/AxisLayer.h"
 #include "chart/BarLabelLayer.h"
+#include "chart/CameraPort.h"
 #include "chart/ChartContent.h"
 #include "chart/ChartInput.h"
 #include "chart/ChartPort.h"
@@ -30,7 +31,7 @@ class Perf;
 /// Shows one `ChartContent` at a time, through the very objects that the window, the benchmarks and the tests use. It
 /// draws on demand: `onNeedsFrame` asks for a frame, the host calls `record`, which tells whether one more is needed.
 /// Main thread.
-class ChartView final : public ChartPort {
+class ChartView final : public ChartPort, public CameraPort {
  public:
     /// All outlive the chart.
     struct Surroundings {
@@ -51,6 +52,7 @@ class ChartView final : public ChartPort {
     enum class Need : unsigned char {
         now,
         calm,  ///< only new data of the chart on show: it may wait a moment where drawing is dear
+        join,  ///< a linked chart moved this one: it belongs into the frame that the window is making
     };
     /// Something that is shown is not what it was, or moves. Never called from within `record`; may come many times
     /// before a frame does.
@@ -59,6 +61,8 @@ class ChartView final : public ChartPort {
     std::function<void()> onMoved;
     /// The chart on show is another one: what the hand began on the one before is over, a drag and an open menu too.
     std::function<void()> onStartOver;
+    /// The linked chart's pointer is elsewhere.
+    std::function<void()> onPeerCrosshair;
     /// From true to false a frame is wanted at each refresh of the screen, as `record` tells, too.
     std::function<void(bool)> onLiveRefresh;
 
@@ -97,13 +101,28 @@ class ChartView final : public ChartPort {
     ChartRenderer& renderer() { return renderer_; }
     ChartInput& input() { return input_; }
     const AxisLayer& axes() const { return axes_; }
-    /// The camera, for whoever follows it.
-    const std::shared_ptr<ViewportState>& viewportState() const { return viewport_; }
+    /// Tells the source what the pointer is over, in a plot of this size; nothing for no pointer. Told again after the
+    /// camera has moved.
+    void pointerAt(const std::optional<ChartPoint>& point, double width, double height);
+    /// Where the linked chart's pointer is in this one, which may be out of view.
+    std::optional<ChartPoint> peerCrosshair(double width, double height) const;
 
     // ChartPort
     void contentChanged() override;
     bool interacting() const override { return renderer_.interacting(); }
     std::optional<Viewport> viewport() const override { return viewport_->get(); }
+    CameraPort* cameraPort() override { return this; }
+
+    // CameraPort
+    const std::shared_ptr<ViewportState>& viewportState() const override { return viewport_; }
+    std::optional<ChartCamera> camera() override;
+    double handAt() const override { return renderer_.handAt(); }
+    void mirrorView(double first, double count) override;
+    void mirrorViewRel(double gapRight, double count) override;
+    void mirrorPrice(double minP, double maxP) override;
+    double priceLineFrac() const override { return renderer_.priceLineFrac(); }
+    void setPriceLineFrac(double frac) override;
+    void showPeerCrosshair(const std::optional<ChartSpot>& spot) override;
 
  private:
     /// What of the content on show the next one is compared with.
@@ -120,6 +139,8 @@ class ChartView final : public ChartPort {
     void setRoot(std::string_view root);
     void makeRibbons(const ChartContent& content);
     void setBars(std::span<const Candle> candles);
+    template <class Move>
+    void moveForPeer(Move move);
 
     MainLoop& main_;
     ChartRenderer renderer_;
@@ -140,6 +161,8 @@ class ChartView final : public ChartPort {
     bool calmFrameAwaited_ = false;
     bool recording_ = false;
     bool barsMoved_ = false;  ///< bars came or went since the last frame
+    bool forPeer_ = false;    ///< what asks for a frame is a linked chart
+    std::optional<ChartSpot> peerSpot_;
 };
 
 }  // namespace vmr

@@ -41,6 +41,7 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
           {at_.clock, work_, at_.session, [this] { return overlayInput(); }, &gate_, at_.perf, at_.rebuildInDrags}),
       hfp(&gate_),
       surface(at_.clock, &gate_),
+      camera(at_.clock, work_),
       sim_(at_.sim),
       look_(&gate_, renderLook(config)),
       restorePane_(std::move(restore)) {
@@ -79,6 +80,7 @@ void AppModel::signOut() {
 }
 
 void AppModel::shutdown() {
+    if (!ended_) camera.end();
     ended_ = true;
     work_.end();
     presence.stop();

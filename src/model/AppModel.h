@@ -11,7 +11,6 @@
 
 #include "base/MarketTimer.h"
 #include "base/Signal.h"
-#include "chart/ChartPort.h"
 #include "chart/ChartSource.h"
 #include "model/Catalog.h"
 #include "model/ChartChannels.h"
@@ -23,6 +22,7 @@
 #include "model/OptionsData.h"
 #include "model/Oscillator.h"
 #include "model/Overlays.h"
+#include "model/PaneCamera.h"
 #include "model/PaneLog.h"
 #include "model/PaneSession.h"
 #include "model/PaneSurroundings.h"
@@ -74,6 +74,7 @@ class AppModel final : public ChartSource {
     Overlays overlays;
     HfpSampling hfp;
     Surface3D surface;
+    PaneCamera camera;
 
     // Session ---------------------------------------------------------------------------------------------------------
     /// Signs in and connects; `done` (may be empty) gets whether it worked, after the fields have changed.
@@ -128,10 +129,18 @@ class AppModel final : public ChartSource {
     /// The chart that shows the pane, which must outlive its being set here; null for none. It is told at once.
     void setChartPort(ChartPort* port);
     /// The chart's camera as of the last frame; nothing without a chart.
-    std::optional<Viewport> viewport() const { return port_ ? port_->viewport() : std::nullopt; }
+    std::optional<Viewport> viewport() const { return camera.port() ? camera.port()->viewport() : std::nullopt; }
     ChartContent chartContent() const override;
     void interactionEnded() override { overlays.interactionEnded(); }
     void marketClosedOrder() override { notices.flashMarketClosedNotice(); }
+    void pointerOver(const std::optional<ChartSpot>& spot) override { camera.pointer = spot; }
+
+    // A linked pane's camera: `DualLink` brings it into this pane's bars ----------------------------------------------
+    void applySyncTime(double first, double count) { camera.applySyncTime(first, count); }
+    void applySyncTimeRel(double gapRight, double count) { camera.applySyncTimeRel(gapRight, count); }
+    void applySyncPrice(double minP, double maxP) { camera.applySyncPrice(minP, maxP); }
+    void applySyncFrac(double frac) { camera.applySyncFrac(frac); }
+    void setPriceFracMode(bool on) { camera.setPriceFracMode(on); }
 
     // Messages --------------------------------------------------------------------------------------------------------
     /// Routes one channel message; called by the relay's callback and by tests. The elements of one "batch", which
@@ -171,7 +180,6 @@ class AppModel final : public ChartSource {
 
     SimFeed sim_;
     Observable<RenderLook> look_;
-    ChartPort* port_ = nullptr;
     std::vector<Connection> contentLinks_;
     std::optional<PaneState> restorePane_;
     bool ended_ = false;  // by `shutdown`

@@ -4,13 +4,13 @@
 namespace vmr {
 
 void AppModel::setChartPort(ChartPort* port) {
-    port_ = port;
     overlays.setChartPort(port);
+    camera.setPort(port);
     contentChanged();
 }
 
 void AppModel::contentChanged() {
-    if (port_) port_->contentChanged();
+    if (camera.port()) camera.port()->contentChanged();
 }
 
 void AppModel::watchContent() {
