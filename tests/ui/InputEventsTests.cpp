@@ -97,6 +97,9 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
     EXPECT_EQ(ui.item("crosshairVertical")->x(), 250);
     const auto bar = static_cast<int>(std::round(100 + 250 / chart->width() * 200));  // the first one is at 09:30
     EXPECT_EQ(textOf("crosshairTime"), "Jun 10  " + QTime(9, 30).addSecs(bar * 60).toString("HH:mm"));
+    ASSERT_TRUE(ui.source.pointer) << "what a linked pane shows";
+    EXPECT_NEAR(ui.source.pointer->price, priceAt(411, 21400), 1e-6);
+    EXPECT_NEAR(ui.source.pointer->time, 1781098200 + (100.5 + 250 / chart->width() * 200) * 60, 1e-3);
 
     chart->renderer().mirrorPrice(21300, 21500);  // the camera moves under a resting pointer
     ASSERT_TRUE(ui.settle());
@@ -134,9 +137,35 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
 
     hover(chart->width() - 10, 300);
     EXPECT_FALSE(shows("crosshairPrice")) << "over the price axis";
+    EXPECT_FALSE(ui.source.pointer);
+    hover(250, 411);
+    EXPECT_TRUE(ui.source.pointer);
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(ui.window, &leave);
-    EXPECT_FALSE(shows("crosshairVertical")) << "outside of the window";
+    EXPECT_FALSE(shows("crosshairVertical") || ui.source.pointer) << "outside of the window";
+
+    // the linked pane's
+    const auto show = [&](double index, double price) {
+        ui.source.camera().showPeerCrosshair(ChartSpot{1781098200 + (index + 0.5) * 60, price});
+        runFor(20);
+    };
+    EXPECT_FALSE(shows("peerCrosshairVertical") || shows("peerCrosshairHorizontal"));
+    const auto drawn = chart->framesDrawn();
+    show(160, 21350);
+    EXPECT_EQ(ui.item("peerCrosshairVertical")->x(), std::round(chart->width() * 60 / 200));
+    EXPECT_EQ(textOf("peerCrosshairPrice"), "21,350.00");
+    EXPECT_EQ(textOf("peerCrosshairTime"), "Jun 10  12:10");
+    show(160, 25000);
+    EXPECT_TRUE(shows("peerCrosshairVertical") && !shows("peerCrosshairPrice")) << "out of view in one direction";
+    show(20, 21350);
+    EXPECT_TRUE(shows("peerCrosshairHorizontal") && !shows("peerCrosshairTime"));
+    EXPECT_EQ(chart->framesDrawn(), drawn) << "it costs the chart no frame";
+    chart->renderer().mirrorView(0, 200);
+    ASSERT_TRUE(ui.settle());
+    EXPECT_TRUE(shows("peerCrosshairTime")) << "the camera moves";
+    EXPECT_FALSE(shows("crosshairVertical"));
+    ui.source.camera().showPeerCrosshair(std::nullopt);
+    EXPECT_FALSE(shows("peerCrosshairVertical") || shows("peerCrosshairHorizontal"));
 }
 
 TEST_F(ChartItemInput, AMenuEndsWithItsChart) {

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "chart/CameraPort.h"
 #include "chart/ChartSource.h"
 #include "tests/chart/FullScene.h"
 #include "ui/pane/PaneViewModel.h"
@@ -54,12 +55,15 @@ class SceneSource final : public ChartSource {
     }
     void interactionEnded() override { ++dragsEnded; }
     void marketClosedOrder() override {}
+    void pointerOver(const std::optional<ChartSpot>& spot) override { pointer = spot; }
+    CameraPort& camera() { return *port_->cameraPort(); }
 
     std::vector<Candle> bars;
     RenderConfig look;                 ///< without a scene
     const SceneData* scene = nullptr;  ///< everything beside the bars; must outlive what is shown
     std::string_view simRoot;          ///< without a scene
     int dragsEnded = 0;
+    std::optional<ChartSpot> pointer;
 
  private:
     PaneViewModel* view_ = nullptr;

@@ -53,10 +53,13 @@ void ChartItem::watchView() {
     view.onNeedsFrame = [this](ChartView::Need need) {
         if (need == ChartView::Need::calm)
             requestCalmFrame();
+        else if (need == ChartView::Need::join)
+            joinFrame();
         else
             requestFrame();
     };
     view.onMoved = [this] { updateCrosshair(); };  // with the frame, not after it
+    view.onPeerCrosshair = [this] { updatePeerCrosshair(); };
     view.onStartOver = [this] { endOrderMenu(); };
     view.onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
     view.input().pointer.onReport = [this](std::optional<ChartPoint> point) { pointerMoved(point); };

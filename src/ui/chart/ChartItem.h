@@ -24,6 +24,7 @@ class ChartItem : public FrameItem {
     QML_ELEMENT
     Q_PROPERTY(vmr::PaneViewModel* pane READ pane WRITE setPane NOTIFY paneChanged)
     Q_PROPERTY(vmr::CrosshairState* crosshair READ crosshair CONSTANT)
+    Q_PROPERTY(vmr::CrosshairState* peerCrosshair READ peerCrosshair CONSTANT)
     Q_PROPERTY(QVariantList orderMenu READ orderMenu NOTIFY orderMenuRequested)
 
  public:
@@ -34,6 +35,8 @@ class ChartItem : public FrameItem {
     void setPane(PaneViewModel* pane);
 
     CrosshairState* crosshair();
+    /// Where the linked pane's pointer is in this chart.
+    CrosshairState* peerCrosshair();
 
     /// The entries of the last right click: { text, separator }.
     QVariantList orderMenu() const;
@@ -83,6 +86,8 @@ class ChartItem : public FrameItem {
     void showCursor(ChartCursor cursor);
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
+    void updatePeerCrosshair();
+    void refresh(CrosshairState& crosshair);
     void endOrderMenu();
     void endInput();
 

@@ -28,7 +28,7 @@ struct ChartItem::Drawing {
     SystemClock clock;
     SessionTime session;
     QtLoop loop;
-    CrosshairState crosshair;
+    CrosshairState crosshair, peerCrosshair;
     Given given;
     std::unique_ptr<ChartView> view;  // never null
     std::unique_ptr<PerfDrive> drive;

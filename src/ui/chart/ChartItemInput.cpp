@@ -37,6 +37,8 @@ void ChartItem::showCursor(ChartCursor cursor) { setCursor(shapeOf(cursor)); }
 
 CrosshairState* ChartItem::crosshair() { return &drawing_->crosshair; }
 
+CrosshairState* ChartItem::peerCrosshair() { return &drawing_->peerCrosshair; }
+
 // Where it is again told while the chart moves below it; what it is over then changes with the frame.
 void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
     pointerComes_ = point;
@@ -52,12 +54,25 @@ void ChartItem::frameBegins() {
     updateCrosshair();
 }
 
-void ChartItem::updateCrosshair() {
+void ChartItem::refresh(CrosshairState& crosshair) {
     const ChartRenderer& shown = renderer();
     const auto bars = shown.camera().settled() ? shown.candles() : std::span<const Candle>();
-    drawing_->crosshair.update(shown.camera().viewport(), bars, width(), height(), *drawing_->given.session,
-                               drawing_->view->axes().labels());
-    if (shown.perf && drawing_->crosshair.shown()) shown.perf->bump("CrosshairHud");
+    crosshair.update(shown.camera().viewport(), bars, width(), height(), *drawing_->given.session,
+                     drawing_->view->axes().labels());
+}
+
+// The linked pane is told of the same place once more where the chart has moved below the pointer.
+void ChartItem::updateCrosshair() {
+    CrosshairState& own = drawing_->crosshair;
+    refresh(own);
+    if (Perf* perf = renderer().perf; perf && own.shown()) perf->bump("CrosshairHud");
+    drawing_->view->pointerAt(own.mousePoint(), width(), height());
+    updatePeerCrosshair();
+}
+
+void ChartItem::updatePeerCrosshair() {
+    drawing_->peerCrosshair.setMousePoint(drawing_->view->peerCrosshair(width(), height()));
+    refresh(drawing_->peerCrosshair);
 }
 
 void ChartItem::mousePressEvent(QMouseEvent* event) {

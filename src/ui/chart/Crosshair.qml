@@ -1,4 +1,5 @@
-// Lines through the pointer, with the price and the time there on the axes.
+// Lines through the pointer, with the price and the time there on the axes; or, fainter, through the place that the
+// pointer of a linked pane is over, which may be in view in one direction alone.
 import QtQuick
 import Velmora
 
@@ -8,7 +9,13 @@ Item {
     required property CrosshairState cross
     readonly property real priceAxis: cross.priceAxisWidth
     readonly property real timeAxis: cross.timeAxisHeight
-    readonly property bool inPlot: cross.shown && cross.x < width - priceAxis && cross.y < height - timeAxis
+    property bool ofPeer: false
+    readonly property bool inColumn: cross.shown && cross.x >= 0 && cross.x < width - priceAxis
+    readonly property bool inRow: cross.shown && cross.y >= 0 && cross.y < height - timeAxis
+    readonly property bool showsTime: inColumn && (inRow || ofPeer)
+    readonly property bool showsPrice: inRow && (inColumn || ofPeer)
+    readonly property color lineColor: ofPeer ? "#22ffffff" : "#40ffffff"
+    readonly property string name: ofPeer ? "peerCrosshair" : "crosshair"
 
     // From where to where a tag hides an axis, so that every label it touches is hidden whole. `labels` holds where each
     // begins and ends.
@@ -42,30 +49,30 @@ Item {
         width: Math.ceil(label.implicitWidth) + 8
         height: Math.ceil(label.implicitHeight) + 3
         radius: 3
-        color: Theme.pressed
+        color: view.ofPeer ? Theme.raised : Theme.pressed
         Label {
             id: label
             anchors.centerIn: parent
-            color: "white"
+            color: view.ofPeer ? Theme.textSoft : "white"
             font.pixelSize: 13
         }
     }
 
     Rectangle {
-        objectName: "crosshairVertical"
-        visible: view.inPlot
+        objectName: view.name + "Vertical"
+        visible: view.showsTime
         x: Math.round(view.cross.x)
         width: 1
         height: view.height - view.timeAxis
-        color: "#40ffffff"
+        color: view.lineColor
     }
     Rectangle {
-        objectName: "crosshairHorizontal"
-        visible: view.inPlot
+        objectName: view.name + "Horizontal"
+        visible: view.showsPrice
         y: Math.round(view.cross.y)
         width: view.width - view.priceAxis
         height: 1
-        color: "#40ffffff"
+        color: view.lineColor
     }
     Ground {
         // not over the last price, which a label beside it may reach into while it fades
@@ -73,8 +80,8 @@ Item {
         readonly property point span: priceTag.y + priceTag.height <= view.cross.lastPriceFrom
                                       ? Qt.point(reach.x, Math.min(reach.y, view.cross.lastPriceFrom))
                                       : Qt.point(priceTag.y >= view.cross.lastPriceTo ? Math.max(reach.x, view.cross.lastPriceTo) : reach.x, reach.y)
-        objectName: "crosshairPriceGround"
-        visible: view.inPlot
+        objectName: view.name + "PriceGround"
+        visible: view.showsPrice
         x: view.width - view.priceAxis + 1
         y: span.x
         width: view.priceAxis - 1
@@ -82,15 +89,15 @@ Item {
     }
     Tag {
         id: priceTag
-        objectName: "crosshairPrice"
-        visible: view.inPlot
+        objectName: view.name + "Price"
+        visible: view.showsPrice
         x: view.width - width - 1
         y: view.besideLastPrice(height)
         text: view.cross.priceText
     }
     Ground {
         readonly property point span: view.hidden(timeTag.x, timeTag.x + timeTag.width, view.cross.timeLabels)
-        objectName: "crosshairTimeGround"
+        objectName: view.name + "TimeGround"
         visible: timeTag.visible
         x: span.x
         y: view.height - view.timeAxis + 1
@@ -99,8 +106,8 @@ Item {
     }
     Tag {
         id: timeTag
-        objectName: "crosshairTime"
-        visible: view.inPlot && view.cross.timeText !== ""
+        objectName: view.name + "Time"
+        visible: view.showsTime && view.cross.timeText !== ""
         x: Math.max(0, Math.min(Math.round(view.cross.x - width / 2), view.width - view.priceAxis - width))
         y: view.height - view.timeAxis + Math.round((view.timeAxis - height) / 2)
         text: view.cross.timeText

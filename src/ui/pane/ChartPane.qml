@@ -50,6 +50,11 @@ FocusScope {
             anchors.fill: parent
             cross: chart.crosshair
         }
+        Crosshair {
+            anchors.fill: parent
+            cross: chart.peerCrosshair
+            ofPeer: true
+        }
         OrderMenu {
             id: orderMenu
             objectName: "orderMenu"
