@@ -91,6 +91,35 @@ TEST_F(TwoPanes, EachShowsItsOwnAndIsDrawnForItsOwnSake) {
     }
 }
 
+// As linked panes are moved: within the recording of the one that moves the other.
+TEST_F(TwoPanes, TheChartThatIsMovedByTheOtherShowsTheSameFrame) {
+    const auto shows = [](const Pane& pane) { return pane.item->viewportState()->get(); };
+    const auto follows = left_.item->viewportState()->changed.connect([&] {
+        right_.source.camera().mirrorView(shows(left_)->first, shows(left_)->count);
+        right_.source.camera().mirrorPrice(shows(left_)->minP, shows(left_)->maxP);
+    });
+    int frames = 0, apart = 0;
+    auto seen = left_.item->framesDrawn();
+    // while the main thread is still blocked
+    QObject::connect(
+        &window_, &QQuickWindow::afterSynchronizing, &window_,
+        [&] {
+            if (std::exchange(seen, left_.item->framesDrawn()) == left_.item->framesDrawn()) return;
+            ++frames;
+            if (shows(left_) != shows(right_)) ++apart;
+        },
+        Qt::DirectConnection);
+    left_.item->renderer().zoom(0.5);
+    for (int i = 0; frames < 25 && i < 1000; ++i) {
+        left_.item->renderer().pan(i % 2 ? 1.25 : -1.25);
+        if (i % 3 == 0) right_.item->renderer().redraw();  // a frame of its own may be on its way
+        runFor(9);
+    }
+    ASSERT_TRUE(settle());
+    EXPECT_GE(frames, 25);
+    EXPECT_EQ(apart, 0) << "of " << frames << " frames";
+}
+
 TEST_F(TwoPanes, OneTakesTheOthersPaneAndOneGoesAway) {
     right_.data.series = {};
     right_.data.srLines.clear();
