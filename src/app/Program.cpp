@@ -94,8 +94,14 @@ void Program::tellOfAccount(const std::string& line) {
 
 Program::~Program() {
     sim_->flushPendingSave();
+    windows_.reset();
     panes_.reset();
     sim_.reset();
+}
+
+ShellWindows& Program::windows() {
+    if (!windows_) windows_ = std::make_unique<ShellWindows>(*panes_, workspace_, preferences_, main_);
+    return *windows_;
 }
 
 void Program::signInToPractice() {
@@ -105,7 +111,9 @@ void Program::signInToPractice() {
 
 std::optional<std::string> Program::writeState(const std::string& file) const {
     // a report for the person, not a stored record: it gets the permissions that the person's files get
-    const std::string text = stateDocument({start_.clock(), panes_->models(), sim_.get(), &announcements_, &updates_});
+    StateSources sources{start_.clock(), panes_->models(), sim_.get(), &announcements_, &updates_};
+    if (windows_) sources.windows = windows_->facts();
+    const std::string text = stateDocument(sources);
     std::FILE* out = std::fopen(file.c_str(), "wb");
     if (!out) return "cannot write " + file;
     const bool written = std::fwrite(text.data(), 1, text.size(), out) == text.size();
@@ -125,6 +133,7 @@ ShellSurroundings Program::shell(std::function<void()> quit) {
         at.practiceRelay = [relay](const std::string& line) { return relay->command(line); };
         at.clock = &start_.steering();
     }
+    at.windows = windows_.get();
     return at;
 }
 

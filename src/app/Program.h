@@ -20,6 +20,7 @@
 #include "sim/SimEngine.h"
 #include "workspace/PaneHost.h"
 #include "workspace/ShellCommands.h"
+#include "workspace/ShellWindows.h"
 #include "workspace/WorkspaceStore.h"
 
 namespace vmr {
@@ -36,6 +37,8 @@ class Program {
     Announcements& announcements() { return announcements_; }
     UpdateChecker& updates() { return updates_; }
     WorkspaceStore& workspace() { return workspace_; }
+    /// Made when it is asked for first: a program without a display has none.
+    ShellWindows& windows();
     ProgramStart& start() { return start_; }
     MainLoop& main() { return main_; }
 
@@ -70,6 +73,7 @@ class Program {
     std::unique_ptr<SimEngine> sim_;
     std::vector<std::string> accountNotices_;  // that came before there was a pane
     std::unique_ptr<PaneHost> panes_;
+    std::unique_ptr<ShellWindows> windows_;
 };
 
 }  // namespace vmr

@@ -29,13 +29,9 @@ int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
     int status = 0;
 
     WindowShellHooks hooks;
-    hooks.makePane = [&](MainLoop& main) {
+    hooks.makeProgram = [&](MainLoop& main) -> Program& {
         program = std::make_unique<Program>(start, main);
-        PaneHost& panes = program->panes();
-        panes.setShown(panes.activeNumber(), true);
-        return WindowPane{
-            *panes.active(), program->sim(), program->announcements(),   program->updates(), program->workspace(),
-            start.clock(),   options.bench,  !options.tapeSymbol.empty()};
+        return *program;
     };
     hooks.started = [&](std::function<void(int)> quit) {
         onQuitRequest([&main = program->main(), quit] { main.post([quit] { quit(0); }); });

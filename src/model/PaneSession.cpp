@@ -117,6 +117,12 @@ void PaneSession::signOut() {
     status = "Not connected";
 }
 
+void PaneSession::flashConnLimited() {
+    if (connLimited) return;
+    connLimited = true;
+    work_.after(limitNoticeTime, [this] { connLimited = false; });
+}
+
 void PaneSession::shutdown() {
     ended_ = true;
     relay_->disconnect();

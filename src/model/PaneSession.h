@@ -25,7 +25,7 @@ class PaneSession {
     Observable<std::string> userEmail;
     Observable<bool> connected;  ///< the relay said "hello" and the socket stands
     Observable<std::string> status;
-    Observable<bool> connLimited;  ///< the relay refused this socket: too many connections
+    Observable<bool> connLimited;  ///< one connection too many: the relay refused this socket, or `flashConnLimited`
 
     /// Once, before anything else. Of `callbacks` it takes those of messages and log lines, the rest are its own;
     /// `onConnected` is called after the fields have changed. With a stored session it begins to connect.
@@ -43,6 +43,10 @@ class PaneSession {
     void signOut();
     /// Disconnects for good.
     void shutdown();
+
+    static constexpr double limitNoticeTime = 5;  ///< seconds
+    /// Another pane was asked for and there can be no more: says so for `limitNoticeTime`.
+    void flashConnLimited();
 
     /// Until `end`.
     RelayClient& relay() { return *relay_; }

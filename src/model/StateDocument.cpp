@@ -145,6 +145,13 @@ json paneDocument(const AppModel& pane) {
     for (const LogLine& line : pane.log.logLines) out["logLines"].push_back(line.text);
     return out;
 }
+json windowDocument(const WindowFacts& window) {
+    return {{"number", window.number}, {"frame", window.frame ? json(*window.frame) : json(nullptr)},
+            {"split", window.split},   {"panes", window.panes},
+            {"dual", window.dual},     {"sync", window.sync},
+            {"panels", window.panels}};
+}
+
 }  // namespace
 
 std::string stateDocument(const StateSources& sources) {
@@ -155,6 +162,10 @@ std::string stateDocument(const StateSources& sources) {
     if (sources.sim) out["sim"] = record(*sources.sim);
     if (sources.notices) addNotices(out, *sources.notices);
     if (sources.updates) addUpdate(out, *sources.updates);
+    if (sources.windows) {
+        out["windows"] = json::array();
+        for (const WindowFacts& window : *sources.windows) out["windows"].push_back(windowDocument(window));
+    }
     return out.dump(1, ' ', false, json::error_handler_t::replace) + "\n";
 }
 

@@ -1,6 +1,8 @@
 // The whole state of the panes as one JSON object, for tests, support and scripts.
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +12,16 @@
 
 namespace vmr {
 
+/// A window, as the document tells it.
+struct WindowFacts {
+    int number = 0;
+    std::optional<std::array<double, 4>> frame;  ///< as in `WindowRecord`
+    double split = 0.5;
+    std::vector<int> panes;  ///< their numbers, from left to right
+    bool dual = false, sync = false;
+    std::vector<std::string> panels;  ///< that are open in its panes
+};
+
 /// What the document is made from. What is null is missing from it.
 struct StateSources {
     const Clock& clock;
@@ -17,12 +29,13 @@ struct StateSources {
     const SimEngine* sim = nullptr;
     const Announcements* notices = nullptr;
     const UpdateChecker* updates = nullptr;
+    std::optional<std::vector<WindowFacts>> windows{};
 };
 
-/// {"clock": seconds, "panes": [...], "sim": {...}, "announcement": ..., "maintenance": ..., "update": ...}: every
-/// pane's fields under their own names. Bars are arrays [time, open, high, low, close, volume], other records objects;
-/// a missing optional or a non-finite number is null; doubles round-trip. Dates of the simulator are seconds since
-/// 2001.
+/// {"clock": seconds, "panes": [...], "sim": {...}, "announcement": ..., "maintenance": ..., "update": ..., "windows":
+/// [...]}: every pane's fields under their own names. Bars are arrays [time, open, high, low, close, volume], other
+/// records objects; a missing optional or a non-finite number is null; doubles round-trip. Dates of the simulator are
+/// seconds since 2001.
 std::string stateDocument(const StateSources& sources);
 
 }  // namespace vmr

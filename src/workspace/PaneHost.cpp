@@ -27,14 +27,17 @@ PaneHost::~PaneHost() {
     for (Pane& pane : panes_) pane.thread->finish();
 }
 
-std::optional<int> PaneHost::open() {
-    if (panes_.size() >= maxLive) return std::nullopt;
+std::optional<int> PaneHost::open(std::optional<PaneState> restore) {
+    return hasRoom() ? std::optional(openBeyondLimit(std::move(restore))) : std::nullopt;
+}
+
+int PaneHost::openBeyondLimit(std::optional<PaneState> restore) {
     Pane& pane = panes_.emplace_back();
     pane.number = ++lastNumber_;
     pane.thread = std::make_unique<AsioThread>("velmora.relay");
     PaneSurroundings surroundings = surroundings_;
     surroundings.makeRelay = [this, thread = pane.thread.get()] { return connect_(thread->loop()); };
-    pane.model = std::make_unique<AppModel>(std::move(surroundings));
+    pane.model = std::make_unique<AppModel>(std::move(surroundings), std::move(restore));
     pane.signedIn =
         pane.model->session.isSignedIn.changed.connect([this, number = pane.number, model = pane.model.get()] {
             // the pane is in the middle of its change
@@ -69,7 +72,7 @@ AppModel* PaneHost::find(int number) {
 std::optional<std::string> PaneHost::close(int number) {
     const auto pane = at(number);
     if (pane == panes_.end()) return "there is no pane " + std::to_string(number);
-    if (pane->shown) return "the window shows pane " + std::to_string(number);
+    if (pane->shown) return "a window shows pane " + std::to_string(number);
     pane->model.reset();
     endThread(std::move(pane->thread));
     panes_.erase(pane);

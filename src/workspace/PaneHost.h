@@ -33,9 +33,14 @@ class PaneHost {
     PaneHost(const PaneHost&) = delete;
     PaneHost& operator=(const PaneHost&) = delete;
 
-    /// Opens a pane and gives its number; nothing where `maxLive` are open. The first one becomes the active one.
-    /// Numbers count up from 1 and are never given again, so that nobody takes a later pane for an earlier one.
-    std::optional<int> open();
+    /// Opens a pane, which is to show `restore`, and gives its number; nothing where `maxLive` are open. The first one
+    /// becomes the active one. Numbers count up from 1 and are never given again, so that nobody takes a later pane for
+    /// an earlier one.
+    std::optional<int> open(std::optional<PaneState> restore = std::nullopt);
+    /// The same however many are open: it is the service then that refuses the pane, in the pane.
+    int openBeyondLimit(std::optional<PaneState> restore);
+    /// Whether `open` would give one.
+    bool hasRoom() const { return panes_.size() < maxLive; }
 
     /// Closes a pane: no callback of it comes afterwards; its socket says good-bye and its thread ends in the
     /// background, within `longestEnd` seconds where the network does not answer. If it was the active one, the first

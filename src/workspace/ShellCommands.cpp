@@ -7,6 +7,7 @@
 #include "base/NumberText.h"
 #include "market/ClockSetting.h"
 #include "workspace/SimCommands.h"
+#include "workspace/WindowCommands.h"
 
 namespace vmr {
 
@@ -26,14 +27,15 @@ void ShellCommands::run(const std::string& line) {
 }
 
 std::string ShellCommands::answer(CommandWords& words) {
-    pane_ = at_.panes.active();
+    number_ = at_.panes.activeNumber();
     if (words.rest().starts_with('@')) {
         const std::string name = words.next().substr(1);
         const auto number = parseInt(name);
-        pane_ = number && *number >= 1 && *number <= INT32_MAX ? at_.panes.find(static_cast<int>(*number)) : nullptr;
-        if (!pane_) return "error: there is no pane " + name;
+        number_ = number && *number >= 1 && *number <= INT32_MAX ? static_cast<int>(*number) : 0;
+        if (!at_.panes.find(number_)) return "error: there is no pane " + name;
         if (words.empty()) return "error: what is pane " + name + " to do? see help";
     }
+    pane_ = at_.panes.find(number_);
     return commands_.run(words.rest());
 }
 
@@ -83,6 +85,7 @@ void ShellCommands::addProcessCommands() {
                    }});
     addSimCommands(commands_, at_.sim);
     commands_.add({"pane", "open|close N", 1, 2, [this](CommandWords& words) { return pane(words); }});
+    addWindowCommands(commands_, at_.windows, [this] { return number_; });
     commands_.add({"clock", "pause|resume|speed X|set MOMENT (practice)", 1, 2,
                    [this](CommandWords& words) { return clock(words); }});
     commands_.add(

@@ -9,6 +9,7 @@
 #include "base/SteerableClock.h"
 #include "sim/SimEngine.h"
 #include "workspace/PaneHost.h"
+#include "workspace/ShellWindows.h"
 
 namespace vmr {
 
@@ -22,6 +23,7 @@ struct ShellSurroundings {
     std::function<std::string(const std::string& line)> practiceRelay;  ///< its console; empty where there is none
     std::function<bool(double seconds)> bench;  ///< measures the frames of that long and reports; false: one is running
     SteerableClock* clock = nullptr;            ///< null where the market's time is not ours to set
+    ShellWindows* windows = nullptr;            ///< null without a display
 };
 
 /// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.
@@ -56,6 +58,7 @@ class ShellCommands {
     ShellSurroundings at_;
     CommandTable commands_;
     AppModel* pane_ = nullptr;  // that the running command is for
+    int number_ = 0;            // that pane's
 };
 
 }  // namespace vmr

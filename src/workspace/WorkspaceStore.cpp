@@ -42,8 +42,20 @@ WorkspaceStore::~WorkspaceStore() {
     if (timer_ != SerialQueue::noTimer) main_.cancel(timer_);
 }
 
+std::optional<WindowRecord> WorkspaceStore::nextRecord() const {
+    return claimIdx_ < records_.size() ? std::optional(records_[claimIdx_]) : std::nullopt;
+}
+
 std::optional<WindowRecord> WorkspaceStore::claimNext() {
-    return claimIdx_ < records_.size() ? std::optional(records_[claimIdx_++]) : std::nullopt;
+    auto next = nextRecord();
+    if (next) ++claimIdx_;
+    return next;
+}
+
+void WorkspaceStore::startOver() {
+    records_ = current_;
+    claimIdx_ = 0;
+    didSpawn_ = false;
 }
 
 bool WorkspaceStore::takeSpawn() { return !std::exchange(didSpawn_, true); }

@@ -51,10 +51,12 @@ class WorkspaceStore {
 
     /// The next window of the last run that no window has claimed yet.
     std::optional<WindowRecord> claimNext();
-    /// How many are left to claim.
-    std::size_t unclaimed() const { return records_.size() - claimIdx_; }
+    /// The one that `claimNext` would give.
+    std::optional<WindowRecord> nextRecord() const;
     /// Once in a process: whether the windows that are left to claim have still to be opened.
     bool takeSpawn();
+    /// What is there now is to be claimed again, as at the start of a process: by the next session.
+    void startOver();
 
     /// The window is there; a box of the same identity goes. The first one starts the looks.
     void registerBox(std::shared_ptr<WorkspaceWindowBox> box);
@@ -67,7 +69,7 @@ class WorkspaceStore {
     /// At the end of the process.
     void saveAtEnd();
 
-    const std::vector<WindowRecord>& records() const { return records_; }  ///< of the last run
+    const std::vector<WindowRecord>& records() const { return records_; }  ///< of the last run or session
     const std::vector<WindowRecord>& current() const { return current_; }  ///< the latest picture
 
  private:

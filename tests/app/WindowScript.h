@@ -46,15 +46,9 @@ class WindowRun {
         shell.width = 800;
         shell.height = 500;
         WindowShellHooks hooks;
-        hooks.makePane = [this](MainLoop& main) {
+        hooks.makeProgram = [this](MainLoop& main) -> Program& {
             program = std::make_unique<Program>(*start, main);
-            return WindowPane{pane(),
-                              program->sim(),
-                              program->announcements(),
-                              program->updates(),
-                              program->workspace(),
-                              start->clock(),
-                              {}};
+            return *program;
         };
         hooks.started = [&](std::function<void(int)> quit) {
             shown();

@@ -48,6 +48,11 @@ TEST_F(PaneSessions, SignOutKeepsTheChartForTheNextSignIn) {
     EXPECT_TRUE(model->session.connLimited) << "until the next greeting";
     greet();
     EXPECT_FALSE(model->session.connLimited);
+    model->session.flashConnLimited();
+    time.advance(4.9);
+    EXPECT_TRUE(model->session.connLimited);
+    time.advance(0.2);
+    EXPECT_FALSE(model->session.connLimited);
     EXPECT_EQ(takeLog().back(), "→ reconnected — subscriptions re-flushed, snapshots merge in place");
     EXPECT_EQ(model->bars.candles.size(), 2u);
 }

@@ -21,6 +21,7 @@
 #include "ui/platform/UiSetup.h"
 #include "ui/platform/WindowPicture.h"
 #include "ui/shell/ServiceViewModel.h"
+#include "ui/shell/WindowViewModel.h"
 
 namespace vmr::test {
 
@@ -79,7 +80,7 @@ class UiWindow {
         source.feed(view);
         engine_ = std::make_unique<QQmlApplicationEngine>();
         registerQml(*engine_);
-        engine_->setInitialProperties({{QStringLiteral("pane"), QVariant::fromValue(&view)},
+        engine_->setInitialProperties({{QStringLiteral("view"), QVariant::fromValue(&shown)},
                                        {QStringLiteral("service"), QVariant::fromValue(&service)}});
         engine_->load(QUrl(QStringLiteral("qrc:/Velmora/Main.qml")));
         if (engine_->rootObjects().isEmpty()) return;
@@ -115,6 +116,7 @@ class UiWindow {
     StillAccount account;  ///< its lines are shown with a scene
     SceneSource source;
     PaneViewModel view;
+    WindowViewModel shown{view};
     ServiceViewModel service;  // with nothing to say
     QQuickWindow* window = nullptr;
     int swaps = 0;

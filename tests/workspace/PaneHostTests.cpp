@@ -147,7 +147,7 @@ TEST_F(PaneHostLife, PanesShareTheSessionAndTheShownOneStays) {
     EXPECT_TRUE(all(true)) << "the others follow a sign-in";
     host->setShown(1, true);
     host->setActive(3);
-    EXPECT_EQ(host->close(1), "the window shows pane 1");
+    EXPECT_EQ(host->close(1), "a window shows pane 1");
     EXPECT_EQ(host->close(3), std::nullopt);
     EXPECT_EQ(host->close(3), "there is no pane 3");
     EXPECT_EQ(host->activeNumber(), 1);

@@ -94,7 +94,7 @@ TEST_F(Workspace, EachWindowClaimsARecordOfTheLastRun) {
     symbolsNow();
     WorkspaceStore next(preferences, main);
     EXPECT_EQ(next.claimNext()->primary.symbol, "ES");
-    EXPECT_EQ(next.unclaimed(), 1u);
+    EXPECT_EQ(next.nextRecord()->primary.symbol, "NQ");
     EXPECT_TRUE(next.takeSpawn());
     EXPECT_FALSE(next.takeSpawn());
     EXPECT_EQ(next.claimNext()->primary.symbol, "NQ");

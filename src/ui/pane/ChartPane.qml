@@ -6,7 +6,16 @@ FocusScope {
     id: paneView
 
     required property PaneViewModel pane
-    required property ServiceViewModel service
+    required property WindowViewModel view
+    property bool marked: false  // of two panes the one that has the keyboard
+    readonly property alias toolbarHeight: toolbar.height
+
+    signal entered
+
+    onActiveFocusChanged: {
+        if (activeFocus)
+            entered();
+    }
 
     Toolbar {
         id: toolbar
@@ -16,6 +25,8 @@ FocusScope {
         session: paneView.pane.session
         choices: paneView.pane.toolbar
         panels: paneView.pane.panels
+        view: paneView.view
+        marked: paneView.marked
     }
     ChartItem {
         id: chart
@@ -78,36 +89,6 @@ FocusScope {
         wrapMode: Text.Wrap
         color: chart.problem !== "" ? Theme.error : Theme.textFaint
         text: chart.problem !== "" ? chart.problem : paneView.pane.chart.empty ? qsTr("Waiting for bars…") : ""
-    }
-    Column {
-        anchors.top: toolbar.bottom
-        anchors.topMargin: 12
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(560, parent.width - 48)
-        spacing: 8
-
-        Notice {
-            objectName: "setupNotice"
-            width: parent.width
-            visible: text !== ""
-            text: paneView.pane.session.setupProblem
-        }
-        Notice {
-            objectName: "limitNotice"
-            width: parent.width
-            visible: paneView.pane.session.connLimited
-            text: qsTr("Connection limit reached (4 per user, windows + dual panes). Close one to open another.")
-        }
-        Notice {
-            objectName: "accountNotice"
-            width: parent.width
-            visible: text !== ""
-            text: paneView.pane.chart.accountProblem
-        }
-        ServiceBanners {
-            width: parent.width
-            service: paneView.service
-        }
     }
     PanelSpace {
         id: panelSpace

@@ -8,6 +8,8 @@ Rectangle {
     required property SessionViewModel session
     required property ToolbarViewModel choices
     required property PanelsViewModel panels
+    required property WindowViewModel view
+    property bool marked: false
 
     function symbolRows() {
         const rows = [];
@@ -76,7 +78,7 @@ Rectangle {
         Label {
             objectName: "status"
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, bar.width - choiceRow.width - 120)
+            width: Math.min(implicitWidth, bar.width - choiceRow.width - tools.width - 120)
             text: bar.session.status
             color: Theme.textSoft
             font.pixelSize: Theme.small
@@ -85,6 +87,23 @@ Rectangle {
         Item {
             width: 2
             height: 1
+        }
+        Row {
+            id: tools
+            spacing: 2
+            IconButton {
+                objectName: "dual"
+                text: bar.view.dual ? qsTr("One chart") : qsTr("Two charts side by side")
+                icon24: "columns-2"
+                active: bar.view.dual !== null
+                onClicked: bar.view.toggleDual()
+            }
+            IconButton {
+                objectName: "newWindow"
+                text: qsTr("New window")
+                icon24: "plus"
+                onClicked: bar.view.newWindow()
+            }
         }
         IconButton {
             objectName: "accountButton"
@@ -98,6 +117,6 @@ Rectangle {
         anchors.bottom: parent.bottom
         width: parent.width
         height: 1
-        color: Theme.line
+        color: bar.marked ? Theme.accent : Theme.line
     }
 }

@@ -1,4 +1,4 @@
-// The window: the login form until somebody is signed in, then the pane.
+// One window: the login form until somebody is signed in, then one pane or two.
 import QtQuick
 import QtQuick.Window
 import Velmora
@@ -6,34 +6,47 @@ import Velmora
 Window {
     id: window
 
-    required property PaneViewModel pane
+    required property WindowViewModel view
     required property ServiceViewModel service
+    readonly property bool entered: view.pane.session.entered
 
     title: "Velmora"
     color: Theme.background
-    minimumWidth: pane.session.entered ? 720 : 1000
-    minimumHeight: pane.session.entered ? 480 : 580
+    minimumWidth: entered ? 720 : 1000
+    minimumHeight: entered ? 480 : 580
+    // the shell closes it, and knows what has to be said or saved first
+    onClosing: close => {
+        close.accepted = false;
+        view.closeWindow();
+    }
 
     Loader {
         objectName: "stage"
         anchors.fill: parent
         focus: true
-        sourceComponent: window.pane.session.entered ? entered : login
+        sourceComponent: window.entered ? panes : login
         onLoaded: item.forceActiveFocus()
     }
     Component {
         id: login
         SignInForm {
             objectName: "signInForm"
-            session: window.pane.session
+            session: window.view.pane.session
         }
     }
     Component {
-        id: entered
-        ChartPane {
-            objectName: "chartPane"
-            pane: window.pane
+        id: panes
+        PaneArea {
+            view: window.view
             service: window.service
+        }
+    }
+    Loader {
+        anchors.fill: parent
+        active: window.view.endNotice !== ""
+        sourceComponent: EndQuestion {
+            objectName: "endQuestion"
+            view: window.view
         }
     }
 }

@@ -6,7 +6,7 @@ T.Button {
     id: control
 
     property string icon24
-    property bool active: false  // what it opens is there
+    property bool active: false  // what it stands for is on
 
     implicitWidth: 30
     implicitHeight: 30

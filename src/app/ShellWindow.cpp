@@ -1,0 +1,99 @@
+#include "app/ShellWindow.h"
+
+#include <QCoreApplication>
+#include <QQmlComponent>
+#include <QQuickWindow>
+#include <algorithm>
+#include <utility>
+
+#include "base/Log.h"
+#include "model/AppModel.h"
+#include "perf/Perf.h"
+#include "sim/SimEngine.h"
+#include "workspace/ShellWindows.h"
+
+namespace vmr {
+
+namespace {
+void endProgram() { QCoreApplication::exit(0); }
+
+// Nothing while the end of the program changes nothing that the person should think of.
+QString endNotice(const SimEngine& sim) {
+    const auto working = sim.orders().size();
+    if (working == 0) return {};
+    return working == 1 ? QObject::tr("1 working order will wait until Velmora runs again")
+                        : QObject::tr("%1 working orders will wait until Velmora runs again").arg(working);
+}
+}  // namespace
+
+ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
+    : model(pane),
+      trading(kit.sim, [&pane](const std::string& reason) { pane.notices.flashToast("Simulator", reason); }) {
+    view.setSurroundings({&model.clock(), &model.sessionTime(), &kit.main, &trading, &Perf::shared(), kit.bench,
+                          [](const std::string& line) { Log::standardOutput().line(line); },
+                          [&main = kit.main] { main.post(endProgram); }});
+    binding = std::make_unique<PaneBinding>(model, view, kit.main, kit.setupProblem, kit.signInHint, &kit.sim);
+    // the view that asked for it may go with it
+    binding->onSignOut = [&kit, window] { kit.main.post([&kit, window] { kit.windows.signOut(window); }); };
+}
+
+ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
+    : kit_(kit),
+      panes_(panes),
+      first_(std::make_unique<Views>(panes.primary(), kit, panes.number())),
+      view_(first_->view) {
+    setActions();
+    follow();
+    changed_ = panes_.changed.connect([this] { follow(); });
+    QObject* made =
+        kit.look.createWithInitialProperties({{QStringLiteral("view"), QVariant::fromValue(&view_)},
+                                              {QStringLiteral("service"), QVariant::fromValue(&kit.service)}});
+    window_.reset(qobject_cast<QQuickWindow*>(made));
+    if (!window_) {
+        delete made;
+        return;
+    }
+    stage_ = std::make_unique<WindowStage>(*window_, panes, kit.size);
+    QObject::connect(&first_->view.session, &SessionViewModel::enteredChanged, window_.get(), [this] {
+        Perf::shared().startUp("entered");
+        stage_->apply(panes_.entered());
+    });
+    stage_->apply(panes_.entered());
+}
+
+ShellWindow::~ShellWindow() = default;
+
+void ShellWindow::setActions() {
+    view_.setActions({[this] { panes_.toggleDual(); }, [this](double share) { panes_.setSplit(share); },
+                      [this] { panes_.keepSplit(); }, [this](bool second) { panes_.activate(second); },
+                      [this] { kit_.windows.open(); }, [this] { close(); }, endProgram});
+}
+
+void ShellWindow::follow() {
+    if (AppModel* dual = panes_.dual(); dual && !second_) {
+        second_ = std::make_unique<Views>(*dual, kit_, panes_.number());
+        view_.setDual(&second_->view);
+    }
+    view_.setSplit(panes_.split());
+}
+
+// The views are dropped a turn later than this, so what they show stays for as long.
+void ShellWindow::forget(const AppModel& pane) {
+    if (!second_ || &second_->model != &pane) return;
+    view_.setDual(nullptr);
+    second_->binding.reset();
+    second_.release()->deleteLater();
+}
+
+void ShellWindow::close() {
+    if (kit_.windows.size() > 1) {
+        // the window's own event is still under way
+        kit_.main.post([&windows = kit_.windows, number = panes_.number()] { windows.close(number); });
+        return;
+    }
+    const QString notice = view_.endNotice().isEmpty() ? endNotice(kit_.sim) : QString();
+    if (notice.isEmpty()) return endProgram();
+    view_.setEndNotice(notice);
+}
+
+}  // namespace vmr

@@ -1,0 +1,81 @@
+// One window on the screen, with the view models of its panes.
+#pragma once
+
+#include <QObject>
+#include <QSize>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/WindowStage.h"
+#include "base/SerialQueue.h"
+#include "base/Signal.h"
+#include "model/SimTrading.h"
+#include "perf/BenchSettings.h"
+#include "ui/pane/PaneBinding.h"
+#include "ui/pane/PaneViewModel.h"
+#include "ui/shell/ServiceViewModel.h"
+#include "ui/shell/WindowViewModel.h"
+
+class QQmlComponent;
+class QQuickWindow;
+
+namespace vmr {
+
+class AppModel;
+class ShellWindows;
+class SimEngine;
+class WindowPanes;
+
+/// What every window of the process uses; all of it outlives them.
+struct WindowKit {
+    QQmlComponent& look;
+    MainLoop& main;
+    SimEngine& sim;
+    ServiceViewModel& service;
+    ShellWindows& windows;
+    BenchSettings bench;
+    std::string setupProblem, signInHint;  ///< as in `WindowShellOptions`
+    QSize size;                            ///< that the person asked for; empty for none
+};
+
+/// Shows `panes` until destroyed. Main thread.
+class ShellWindow {
+ public:
+    /// Kit and panes outlive it.
+    ShellWindow(const WindowKit& kit, WindowPanes& panes);
+    ~ShellWindow();
+    ShellWindow(const ShellWindow&) = delete;
+    ShellWindow& operator=(const ShellWindow&) = delete;
+
+    /// Null when the window cannot be made.
+    QQuickWindow* window() const { return window_.get(); }
+    WindowPanes& panes() const { return panes_; }
+    /// The second pane goes: no view refers to its model any more.
+    void forget(const AppModel& pane);
+    /// Closes the window as its frame's button does; the last one ends the program, after `endNotice` where there is
+    /// something to say.
+    void close();
+
+ private:
+    // The view model of a pane and what ties it to the model. The views may outlive the tie by a turn.
+    struct Views : QObject {
+        Views(AppModel& model, const WindowKit& kit, int window);
+        AppModel& model;
+        SimTrading trading;
+        PaneViewModel view;
+        std::unique_ptr<PaneBinding> binding;
+    };
+    void setActions();
+    void follow();
+
+    const WindowKit& kit_;
+    WindowPanes& panes_;
+    std::unique_ptr<Views> first_, second_;
+    WindowViewModel view_;
+    std::unique_ptr<QQuickWindow> window_;
+    std::unique_ptr<WindowStage> stage_;
+    Connection changed_;
+};
+
+}  // namespace vmr

@@ -1,0 +1,60 @@
+#include "app/WindowStage.h"
+
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QScreen>
+
+#include "workspace/ShellWindows.h"
+
+namespace vmr {
+
+namespace {
+constexpr double cascade = 32;  // points from a window to the next of the same size
+
+ScreenRect rectOf(const QRect& rect) {
+    return {double(rect.x()), double(rect.y()), double(rect.width()), double(rect.height())};
+}
+}  // namespace
+
+WindowStage::WindowStage(QQuickWindow& window, WindowPanes& panes, QSize size) : window_(window), panes_(panes) {
+    if (!size.isEmpty()) wanted_ = rectOf(QRect(QPoint(), size));
+    panes_.frame = [this] { return std::optional(frame()); };
+}
+
+WindowStage::~WindowStage() { panes_.frame = {}; }
+
+void WindowStage::apply(bool entered) {
+    const auto screens = screensNow();
+    if (!screens) return;
+    ScreenRect place = signInPlace(*screens);
+    if (entered) {
+        place = enteredPlace(*screens, panes_.takeFrame(), wanted_);
+        if (wanted_) {
+            place.x += cascade * (panes_.number() - 1);
+            place.y += cascade * (panes_.number() - 1);
+        }
+    }
+    window_.setGeometry(qRound(place.x), qRound(place.y), qRound(place.width), qRound(place.height));
+}
+
+// A size that was asked for holds for one run: it does not take the remembered frame's place.
+std::array<double, 4> WindowStage::frame() const {
+    if (wanted_ && panes_.record() && panes_.record()->frame.size() == 4) {
+        const auto& kept = panes_.record()->frame;
+        return {kept[0], kept[1], kept[2], kept[3]};
+    }
+    const QScreen* first = QGuiApplication::primaryScreen();
+    return storedFrame(rectOf(window_.geometry()), first ? rectOf(first->geometry()) : ScreenRect());
+}
+
+std::optional<Screens> WindowStage::screensNow() const {
+    const QScreen* first = QGuiApplication::primaryScreen();
+    const QScreen* own = window_.screen() ? window_.screen() : first;
+    if (!first || !own) return std::nullopt;
+    Screens screens{rectOf(first->geometry()), rectOf(own->availableGeometry()), {}};
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.free.push_back(rectOf(screen->availableGeometry()));
+    return screens;
+}
+
+}  // namespace vmr

@@ -1,0 +1,37 @@
+// Where a window stands in its stages.
+#pragma once
+
+#include <QSize>
+#include <array>
+#include <optional>
+
+#include "workspace/WindowPlacing.h"
+
+class QQuickWindow;
+
+namespace vmr {
+
+class WindowPanes;
+
+/// Places a window for its stage, and tells its panes where it stands. Main thread.
+class WindowStage {
+ public:
+    /// `size` is one that the person asked for, empty for none. Window and panes outlive it.
+    WindowStage(QQuickWindow& window, WindowPanes& panes, QSize size);
+    ~WindowStage();
+    WindowStage(const WindowStage&) = delete;
+    WindowStage& operator=(const WindowStage&) = delete;
+
+    /// Places the window for the form, or for charts.
+    void apply(bool entered);
+
+ private:
+    std::array<double, 4> frame() const;
+    std::optional<Screens> screensNow() const;
+
+    QQuickWindow& window_;
+    WindowPanes& panes_;
+    std::optional<ScreenRect> wanted_;
+};
+
+}  // namespace vmr

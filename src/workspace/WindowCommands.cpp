@@ -1,0 +1,62 @@
+#include "workspace/WindowCommands.h"
+
+#include <string>
+#include <utility>
+
+#include "base/NumberText.h"
+
+namespace vmr {
+
+namespace {
+
+constexpr const char* noRoom = "error: at most 4 panes can be open";
+static_assert(PaneHost::maxLive == 4);
+
+CommandAnswer runWindow(ShellWindows& windows, CommandWords& words) {
+    const std::string what = words.next();
+    if (what == "open" && words.empty()) {
+        const WindowPanes* window = windows.open();
+        return window ? "ok window " + std::to_string(window->number()) : std::string(noRoom);
+    }
+    const auto number = what == "close" ? parseInt(words.next()) : std::nullopt;
+    if (!number || *number < 1 || *number > INT32_MAX) return std::nullopt;
+    const std::string name = std::to_string(*number);
+    if (!windows.find(static_cast<int>(*number))) return "error: there is no window " + name;
+    if (windows.size() == 1) return "error: window " + name + " is the last one; see quit";
+    windows.close(static_cast<int>(*number));
+    return "ok window " + name + " closed";
+}
+
+CommandAnswer runDual(WindowPanes& window, const std::string& word) {
+    if (word != "on" && word != "off") return std::nullopt;
+    if ((word == "on") != (window.dual() != nullptr) && !window.toggleDual()) return noRoom;
+    return word == "on" ? "ok dual pane " + std::to_string(window.dualNumber()) : std::string("ok dual off");
+}
+
+CommandAnswer runSplit(WindowPanes& window, const std::string& word) {
+    const auto share = parseDouble(word);
+    if (!share || !(*share > 0 && *share < 1)) return "error: split needs the left pane's share, above 0 and below 1";
+    window.setSplit(*share);
+    window.keepSplit();
+    return "ok split " + doubleText(*share);
+}
+
+}  // namespace
+
+void addWindowCommands(CommandTable& table, ShellWindows* windows, std::function<int()> pane) {
+    const auto add = [&](Command row, CommandAnswer (*run)(WindowPanes&, const std::string&)) {
+        row.leastWords = row.mostWords = 1;
+        row.run = [windows, pane, run](CommandWords& words) -> CommandAnswer {
+            WindowPanes* window = windows ? windows->showing(pane()) : nullptr;
+            return window ? run(*window, words.next()) : "error: no window shows the pane";
+        };
+        table.add(std::move(row));
+    };
+    table.add({"window", "open|close N", 1, 2, [windows](CommandWords& words) -> CommandAnswer {
+                   return windows ? runWindow(*windows, words) : "error: there are no windows";
+               }});
+    add({"dual", "on|off", 0, 0, {}, {}}, runDual);
+    add({"split", "SHARE", 0, 0, {}, {}}, runSplit);
+}
+
+}  // namespace vmr
