@@ -79,6 +79,7 @@ Rectangle {
             objectName: "status"
             anchors.verticalCenter: parent.verticalCenter
             width: Math.min(implicitWidth, bar.width - choiceRow.width - tools.width - 120)
+            visible: bar.width >= 560  // below it the lamp alone tells
             text: bar.session.status
             color: Theme.textSoft
             font.pixelSize: Theme.small
