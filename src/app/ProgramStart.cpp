@@ -69,6 +69,10 @@ void ProgramStart::startPractice() {
     });
 }
 
+std::string ProgramStart::signInHint() const {
+    return practice_ ? "Practice account: " + practice_->email() + "\nPassword: " + practice_->password() : "";
+}
+
 std::optional<std::string> ProgramStart::setupProblem() const {
     if (auto problem = endpoints_.problem()) return problem;
     if (endpoints_.relayUrl.empty())

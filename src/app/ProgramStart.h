@@ -25,6 +25,9 @@ class ProgramStart {
     /// What the person has to set up before anything can connect, or nothing.
     std::optional<std::string> setupProblem() const;
 
+    /// Who can sign in here, when that is no secret; empty else.
+    std::string signInHint() const;
+
     const Options& options() const { return options_; }
     const Clock& clock() const { return *clock_; }
     /// The same clock, for the main thread to steer; the practice relay follows it.

@@ -34,7 +34,9 @@ ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
                           [&main = kit.main] { main.post(endProgram); }});
     binding = std::make_unique<PaneBinding>(model, view, kit.main, kit.setupProblem, kit.signInHint, &kit.sim);
     // the view that asked for it may go with it
-    binding->onSignOut = [&kit, window] { kit.main.post([&kit, window] { kit.windows.signOut(window); }); };
+    view.session.setOnSignOutAndClose(
+        [&kit, window] { kit.main.post([&kit, window] { kit.windows.signOut(window); }); });
+    if (!kit.practising) view.session.setOnPractice(kit.switchPractice);
 }
 
 ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)

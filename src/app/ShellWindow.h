@@ -35,7 +35,9 @@ struct WindowKit {
     ServiceViewModel& service;
     ShellWindows& windows;
     BenchSettings bench;
-    std::string setupProblem, signInHint;  ///< as in `WindowShellOptions`
+    bool practising = false;               ///< on the practice market
+    std::function<void()> switchPractice;  ///< to it, or from it
+    std::string setupProblem, signInHint;  ///< as in `ProgramStart`
     QSize size;                            ///< that the person asked for; empty for none
 };
 

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "app/LineReader.h"
 #include "app/Program.h"
@@ -10,49 +12,86 @@
 
 namespace vmr {
 
-int runWindowProgram(ProgramStart& start, int& argc, char** argv) {
-    const Options& options = start.options();
-    WindowShellOptions shell;
-    shell.seconds = options.seconds;
-    shell.screenshot = options.screenshotFile;
-    shell.width = options.width;
-    shell.height = options.height;
-    shell.data = start.paths().data;
-    shell.setupProblem = start.setupProblem().value_or("");
+namespace {
 
-    if (const relay::PracticeRelay* relay = start.practice())
-        shell.signInHint = "Practice account: " + relay->email() + "\nPassword: " + relay->password();
+/// What the windows run on, one program after another where the person goes to the practice market and back.
+class WindowProgram {
+ public:
+    explicit WindowProgram(std::unique_ptr<ProgramStart> start) : start_(std::move(start)), asked_(start_->options()) {}
 
-    std::unique_ptr<Program> program;
-    std::unique_ptr<ShellCommands> commands;
-    std::unique_ptr<LineReader> reader;
-    int status = 0;
+    int run(int& argc, char** argv) {
+        WindowShellOptions shell;
+        shell.seconds = asked_.seconds;
+        shell.screenshot = asked_.screenshotFile;
+        shell.width = asked_.width;
+        shell.height = asked_.height;
+        shell.data = start_->paths().data;
+        WindowShellHooks hooks;
+        hooks.makeProgram = [this](MainLoop& main) -> Program& {
+            program_ = std::make_unique<Program>(*start_, main);
+            if (const std::string problem = std::exchange(problem_, {}); !problem.empty())
+                program_->panes().active()->session.authError = problem;
+            return *program_;
+        };
+        hooks.switchPractice = [this] { switchPractice(); };
+        hooks.started = [this](const std::function<void(int)>& quit) { started(quit); };
+        hooks.ending = [this] { ending(); };
+        const int status = runWindow(argc, argv, shell, std::move(hooks));
+        reader_.reset();
+        return status_ != 0 ? status_ : status;
+    }
 
-    WindowShellHooks hooks;
-    hooks.makeProgram = [&](MainLoop& main) -> Program& {
-        program = std::make_unique<Program>(start, main);
-        return *program;
-    };
-    hooks.started = [&](std::function<void(int)> quit) {
-        onQuitRequest([&main = program->main(), quit] { main.post([quit] { quit(0); }); });
-        commands = std::make_unique<ShellCommands>(program->shell([quit] { quit(0); }));
-        reader = std::make_unique<LineReader>(program->main(), [&](const std::string& line) { commands->run(line); });
-        program->signInToPractice();
-    };
-    hooks.ending = [&] {
-        if (!options.stateFile.empty()) {
-            if (const auto problem = program->writeState(options.stateFile)) {
+ private:
+    void started(const std::function<void(int)>& quit) {
+        onQuitRequest([&main = program_->main(), quit] { main.post([quit] { quit(0); }); });
+        commands_ = std::make_unique<ShellCommands>(program_->shell([quit] { quit(0); }));
+        if (!reader_)
+            reader_ = std::make_unique<LineReader>(program_->main(), [this](const std::string& line) {
+                if (commands_) commands_->run(line);
+            });
+        program_->signInToPractice();
+    }
+    void ending() {
+        if (!start_->options().stateFile.empty()) {
+            if (const auto problem = program_->writeState(start_->options().stateFile)) {
                 std::fprintf(stderr, "velmora: %s\n", problem->c_str());
-                status = 1;
+                status_ = 1;
             }
         }
         onQuitRequest({});
-        reader.reset();
-        commands.reset();
-        program.reset();
-    };
-    const int shellStatus = runWindow(argc, argv, shell, std::move(hooks));
-    return status != 0 ? status : shellStatus;
+        commands_.reset();
+        program_.reset();
+    }
+    // A practice market that cannot be started leaves the person where they were, and says why.
+    void switchPractice() {
+        Options next = asked_;
+        next.practice = !start_->practice();
+        if (!next.practice) {
+            next.clock.reset();  // the practice market's, as are the tape and its speed
+            next.tapeFile.clear();
+            next.tapeSymbol.clear();
+        }
+        auto start = std::make_unique<ProgramStart>(next);
+        if (start->failure()) {
+            problem_ = *start->failure();
+            start = std::make_unique<ProgramStart>(start_->options());
+        }
+        start_ = std::move(start);
+    }
+
+    std::unique_ptr<ProgramStart> start_;
+    const Options asked_;
+    std::unique_ptr<Program> program_;
+    std::unique_ptr<ShellCommands> commands_;
+    std::unique_ptr<LineReader> reader_;
+    std::string problem_;  ///< why the practice market could not be started
+    int status_ = 0;
+};
+
+}  // namespace
+
+int runWindowProgram(std::unique_ptr<ProgramStart> start, int& argc, char** argv) {
+    return WindowProgram(std::move(start)).run(argc, argv);
 }
 
 }  // namespace vmr

@@ -1,11 +1,14 @@
 // The program with a window.
 #pragma once
 
+#include <memory>
+
 #include "app/ProgramStart.h"
 
 namespace vmr {
 
-/// Runs until the window closes, "quit", `--seconds` or a polite request to end; gives the exit status.
-int runWindowProgram(ProgramStart& start, int& argc, char** argv);
+/// Runs until the last window closes, "quit", `--seconds` or a polite request to end; gives the exit status. The person
+/// may go to the practice market and back meanwhile.
+int runWindowProgram(std::unique_ptr<ProgramStart> start, int& argc, char** argv);
 
 }  // namespace vmr

@@ -64,6 +64,8 @@ std::string numbered(const std::string& file, int number) {
     return path.string();
 }
 
+constexpr int switchingPractice = -1;  // the event loop's status; no status of a process
+
 /// All windows on the screen.
 class Shell {
  public:
@@ -78,8 +80,10 @@ class Shell {
                service_,
                windows_,
                program.start().options().bench,
-               options.setupProblem,
-               options.signInHint,
+               program.start().practice() != nullptr,
+               [&loop] { loop.post([] { QCoreApplication::exit(switchingPractice); }); },
+               program.start().setupProblem().value_or(""),
+               program.start().signInHint(),
                QSize(options.width, options.height)} {
         service_.follow(program.announcements(), program.updates(),
                         [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
@@ -142,20 +146,16 @@ class Shell {
     std::vector<std::unique_ptr<ShellWindow>> shown_;
 };
 
-int runShell(TimedApplication& app, QtLoop& loop, Program& program, const WindowShellOptions& options,
-             const WindowShellHooks& hooks) {
-    Perf& perf = Perf::shared();
-    const PerfPinger pinger(perf, loop);
-    app.watchTurns(perf);
+int runShell(QtLoop& loop, Program& program, const WindowShellOptions& options, const WindowShellHooks& hooks) {
     const Shell shell(loop, program, options);
     if (!shell.stands()) return 1;
-    perf.startUp("window");
+    Perf::shared().startUp("window");
     // `exit` has no effect before the loop runs, so it is posted.
     if (hooks.started) hooks.started([&loop](int status) { loop.post([status] { QCoreApplication::exit(status); }); });
     if (options.seconds > 0) loop.after(options.seconds, [] { QCoreApplication::exit(0); });
-    const int status = app.exec();
+    const int status = QCoreApplication::exec();
     program.workspace().saveAtEnd();
-    if (!options.screenshot.empty() && !shell.savePictures() && status == 0) return 1;
+    if (status != switchingPractice && !options.screenshot.empty() && !shell.savePictures() && status == 0) return 1;
     return status;
 }
 
@@ -171,9 +171,14 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     prepareUpdates();
     registerFonts();
     QtLoop loop;
-    const int status = runShell(app, loop, hooks.makeProgram(loop), options, hooks);
-    if (hooks.ending) hooks.ending();
-    return status;
+    const PerfPinger pinger(Perf::shared(), loop);
+    app.watchTurns(Perf::shared());
+    while (true) {
+        const int status = runShell(loop, hooks.makeProgram(loop), options, hooks);
+        if (hooks.ending) hooks.ending();
+        if (status != switchingPractice) return status;
+        hooks.switchPractice();
+    }
 }
 
 }  // namespace vmr

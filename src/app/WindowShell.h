@@ -19,17 +19,18 @@ struct WindowShellOptions {
     int width = 0;  ///< size of entered windows in points; 0 for where they stood, or the screen's free area
     int height = 0;
     std::filesystem::path data;  ///< folder of this machine's own files, which need not exist yet
-    std::string setupProblem;    ///< what the person must set up before a sign-in can work; shown in the form
-    std::string signInHint;      ///< who can sign in here, when that is no secret; shown in the form
 };
 
 struct WindowShellHooks {
-    /// Makes what the windows show, once the main loop exists. It must live until `ending`.
+    /// Makes what the windows show, once the main loop exists. It must live until `ending`. Again after
+    /// `switchPractice`.
     std::function<Program&(MainLoop&)> makeProgram;
+    /// The next program is one on the practice market, or no longer. Between `ending` and `makeProgram`.
+    std::function<void()> switchPractice;
     /// Called once the first window is on its way; `quit(status)` ends the program, from any thread, until `ending`.
     std::function<void(std::function<void(int)> quit)> started;
-    /// Called when the event loop has ended, pictures and workspace are saved and no view refers to the model any more.
-    /// The main loop still exists, but runs nothing any more.
+    /// Called when that program's event loop has ended, pictures and workspace are saved and no view refers to the
+    /// model any more. The main loop still exists, but runs nothing any more.
     std::function<void()> ending;
 };
 

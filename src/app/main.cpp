@@ -1,5 +1,6 @@
 // Process start.
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,14 +47,14 @@ int main(int argc, char** argv) {
         return 0;
     }
     vmr::Perf::shared().startUp("main");
-    vmr::ProgramStart start(options);
-    if (start.practice()) vmr::Perf::shared().startUp("relay");
-    if (start.failure()) {
-        std::fprintf(stderr, "velmora: %s\n", start.failure()->c_str());
+    auto start = std::make_unique<vmr::ProgramStart>(options);
+    if (start->practice()) vmr::Perf::shared().startUp("relay");
+    if (start->failure()) {
+        std::fprintf(stderr, "velmora: %s\n", start->failure()->c_str());
         return 1;
     }
 #ifdef VMR_WITH_QT
-    if (!options.headless) return vmr::runWindowProgram(start, argc, argv);
+    if (!options.headless) return vmr::runWindowProgram(std::move(start), argc, argv);
 #endif
-    return vmr::runHeadless(start);
+    return vmr::runHeadless(*start);
 }

@@ -282,7 +282,7 @@ TEST(Views, ARefusedConfigurationIsShownInBothStages) {
         auto fields = ui.view.session.state();
         fields.entered = entered;
         ui.view.session.set(fields);
-        const char* const stage = entered ? "chartPane" : "signInForm";
+        const char* const stage = entered ? "paneArea" : "signInForm";
         ASSERT_TRUE(runUntil([&] { return ui.item(stage) != nullptr; }));
         const auto* notice = ui.item(stage)->findChild<QQuickItem*>("setupNotice");
         ASSERT_NE(notice, nullptr) << stage;

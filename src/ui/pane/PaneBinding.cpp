@@ -45,7 +45,7 @@ void PaneBinding::setSessionActions() {
             model_.preferences().set(lastEmailKey, email.toStdString());
             model_.signIn(email.toStdString(), password.toStdString(), remember);
         },
-        [this] { onSignOut ? onSignOut() : model_.signOut(); },
+        [this] { model_.signOut(); },
         [this] { model_.session.cancelSignIn(); },
         [this] { return text(model_.preferences().get(lastEmailKey).value_or("")); },
     });

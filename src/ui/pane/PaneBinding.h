@@ -29,9 +29,6 @@ class PaneBinding {
     PaneBinding(const PaneBinding&) = delete;
     PaneBinding& operator=(const PaneBinding&) = delete;
 
-    /// Ends the session in place of the pane's own way; empty for that.
-    std::function<void()> onSignOut;
-
     /// Flushes so far.
     std::uint64_t flushes() const { return flushes_; }
 

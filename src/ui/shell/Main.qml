@@ -37,6 +37,7 @@ Window {
     Component {
         id: panes
         PaneArea {
+            objectName: "paneArea"
             view: window.view
             service: window.service
         }
