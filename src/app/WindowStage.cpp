@@ -21,7 +21,10 @@ WindowStage::WindowStage(QQuickWindow& window, WindowPanes& panes, QSize size) :
     panes_.frame = [this] { return std::optional(frame()); };
 }
 
-WindowStage::~WindowStage() { panes_.frame = {}; }
+WindowStage::~WindowStage() {
+    QObject::disconnect(fitting_);
+    panes_.frame = {};
+}
 
 void WindowStage::apply(bool entered) {
     const auto screens = screensNow();
@@ -34,7 +37,22 @@ void WindowStage::apply(bool entered) {
             place.y += cascade * (panes_.number() - 1);
         }
     }
-    window_.setGeometry(qRound(place.x), qRound(place.y), qRound(place.width), qRound(place.height));
+    const QRect area(qRound(place.x), qRound(place.y), qRound(place.width), qRound(place.height));
+    window_.setGeometry(area);
+    QObject::disconnect(fitting_);
+    if (entered && place == screens->own) fitting_ = fitFrame(area);
+}
+
+// A window that is to fill an area fills it with its frame, which is there with the first picture.
+QMetaObject::Connection WindowStage::fitFrame(const QRect& area) {
+    return QObject::connect(
+        &window_, &QQuickWindow::frameSwapped, &window_,
+        [this, area] {
+            QObject::disconnect(fitting_);
+            const QMargins frame = window_.frameMargins();
+            if (!frame.isNull() && window_.geometry().size() == area.size()) window_.setGeometry(area - frame);
+        },
+        Qt::QueuedConnection);
 }
 
 // A size that was asked for holds for one run: it does not take the remembered frame's place.

@@ -1,6 +1,8 @@
 // Where a window stands in its stages.
 #pragma once
 
+#include <QObject>
+#include <QRect>
 #include <QSize>
 #include <array>
 #include <optional>
@@ -26,12 +28,14 @@ class WindowStage {
     void apply(bool entered);
 
  private:
+    QMetaObject::Connection fitFrame(const QRect& area);
     std::array<double, 4> frame() const;
     std::optional<Screens> screensNow() const;
 
     QQuickWindow& window_;
     WindowPanes& panes_;
     std::optional<ScreenRect> wanted_;
+    QMetaObject::Connection fitting_;
 };
 
 }  // namespace vmr
