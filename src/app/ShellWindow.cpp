@@ -66,9 +66,14 @@ ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
 ShellWindow::~ShellWindow() = default;
 
 void ShellWindow::setActions() {
-    view_.setActions({[this] { panes_.toggleDual(); }, [this](double share) { panes_.setSplit(share); },
-                      [this] { panes_.keepSplit(); }, [this](bool second) { panes_.activate(second); },
-                      [this] { kit_.windows.open(); }, [this] { close(); }, endProgram});
+    view_.setActions({.toggleDual = [this] { panes_.toggleDual(); },
+                      .moveSplit = [this](double share) { panes_.setSplit(share); },
+                      .keepSplit = [this] { panes_.keepSplit(); },
+                      .toggleSync = [this](bool fromSecond) { panes_.toggleSync(fromSecond); },
+                      .activate = [this](bool second) { panes_.activate(second); },
+                      .newWindow = [this] { kit_.windows.open(); },
+                      .close = [this] { close(); },
+                      .end = endProgram});
 }
 
 void ShellWindow::follow() {
@@ -77,6 +82,7 @@ void ShellWindow::follow() {
         view_.setDual(&second_->view);
     }
     view_.setSplit(panes_.split());
+    view_.setSync(panes_.link().syncOn());
 }
 
 // The views are dropped a turn later than this, so what they show stays for as long.

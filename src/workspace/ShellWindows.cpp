@@ -26,13 +26,15 @@ WindowPanes::WindowPanes(ShellWindows& windows, int number, int primary)
       number_(number),
       primaryNumber_(primary),
       primary_(windows.panes_.find(primary)),
-      split_(storedSplit(windows.preferences_)) {
+      split_(storedSplit(windows.preferences_)),
+      link_(windows.main_) {
     windows_.panes_.setShown(primary, true);
     box_->id = windows_.ids_.next();
     box_->primary = [this] { return std::optional(paneFacts(*primary_)); };
     box_->dual = [this] { return dual_ ? std::optional(paneFacts(*dual_)) : std::nullopt; };
     box_->frame = [this] { return frame ? frame() : std::nullopt; };
     box_->split = split_;
+    linkChanged_ = link_.changed.connect([this] { changed(); });
     // the pane is in the middle of its change
     entering_ = primary_->session.isSignedIn.changed.connect(
         [this] { windows_.main_.post(whileThere_([this] { enteredChanged(); })); });
@@ -86,16 +88,20 @@ bool WindowPanes::toggleDual() {
 
 void WindowPanes::activate(bool second) { windows_.panes_.setActive(second && dual_ ? dualNumber_ : primaryNumber_); }
 
+void WindowPanes::toggleSync(bool fromSecond) { link_.toggleSync(fromSecond ? dual_ : primary_); }
+
 void WindowPanes::openDual(std::optional<PaneState> restore) {
     dualNumber_ = windows_.panes_.open(std::move(restore)).value();
     dual_ = windows_.panes_.find(dualNumber_);
     windows_.panes_.setShown(dualNumber_, true);
     dual_->presence.setTabId(primary_->presence.tabId() + "d");
     for (AppModel* pane : {primary_, dual_}) pane->presence.setPageKind(PresenceReporter::dual);
+    link_.link(*primary_, *dual_);
     changed();
 }
 
 void WindowPanes::closeDual() {
+    link_.unlink();
     AppModel& pane = *std::exchange(dual_, nullptr);
     const int number = std::exchange(dualNumber_, 0);
     changed();
@@ -112,6 +118,7 @@ WindowFacts WindowPanes::facts() const {
     out.split = split_;
     out.panes = {primaryNumber_};
     out.dual = dual_ != nullptr;
+    out.sync = link_.syncOn();
     if (dual_) out.panes.push_back(dualNumber_);
     for (const AppModel* pane : {static_cast<const AppModel*>(primary_), static_cast<const AppModel*>(dual_)}) {
         if (!pane) continue;

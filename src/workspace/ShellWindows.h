@@ -14,6 +14,7 @@
 #include "base/Uuid.h"
 #include "base/WeakTask.h"
 #include "model/StateDocument.h"
+#include "workspace/DualLink.h"
 #include "workspace/PaneHost.h"
 #include "workspace/WorkspaceStore.h"
 
@@ -41,6 +42,11 @@ class WindowPanes {
     /// Shows a second pane, or no longer. False where there is no room for one: then the window says so for a while.
     bool toggleDual();
 
+    /// Keeps the two panes in step, or not.
+    DualLink& link() { return link_; }
+    /// Asked for in the second pane or in the first. Nothing with one pane.
+    void toggleSync(bool fromSecond);
+
     /// The hand is in this pane: commands that name none are for it.
     void activate(bool second);
 
@@ -58,7 +64,7 @@ class WindowPanes {
     /// Tells where the window stands, as in `WindowRecord`; set by whoever shows it.
     std::function<std::optional<std::array<double, 4>>()> frame;
 
-    /// Its second pane came or goes, or the divider moved.
+    /// Its second pane came or goes, the divider moved, or the panes are in step or no longer.
     Signal<> changed;
 
     WindowFacts facts() const;
@@ -79,7 +85,8 @@ class WindowPanes {
     bool frameTaken_ = false;
     bool dualDue_ = false;  ///< a second pane is claimed and has not been opened yet
     std::shared_ptr<WorkspaceWindowBox> box_ = std::make_shared<WorkspaceWindowBox>();
-    Connection entering_;
+    DualLink link_;
+    Connection entering_, linkChanged_;
     WeakTask whileThere_;
 };
 

@@ -33,6 +33,13 @@ CommandAnswer runDual(WindowPanes& window, const std::string& word) {
     return word == "on" ? "ok dual pane " + std::to_string(window.dualNumber()) : std::string("ok dual off");
 }
 
+CommandAnswer runSync(WindowPanes& window, const std::string& word) {
+    if (word != "on" && word != "off") return std::nullopt;
+    if (!window.dual()) return "error: the window shows one pane; see dual";
+    if (window.link().syncOn() != (word == "on")) window.toggleSync(false);
+    return "ok sync " + word;
+}
+
 CommandAnswer runSplit(WindowPanes& window, const std::string& word) {
     const auto share = parseDouble(word);
     if (!share || !(*share > 0 && *share < 1)) return "error: split needs the left pane's share, above 0 and below 1";
@@ -56,6 +63,7 @@ void addWindowCommands(CommandTable& table, ShellWindows* windows, std::function
                    return windows ? runWindow(*windows, words) : "error: there are no windows";
                }});
     add({"dual", "on|off", 0, 0, {}, {}}, runDual);
+    add({"sync", "on|off", 0, 0, {}, {}}, runSync);
     add({"split", "SHARE", 0, 0, {}, {}}, runSplit);
 }
 

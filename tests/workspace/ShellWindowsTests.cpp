@@ -115,7 +115,9 @@ TEST_F(Windows, ShareTheLimitOfPanes) {
         shell.run(line);
         return told.back();
     };
-    for (const auto& [line, answer] : {std::pair("dual on", "ok dual pane 2"),
+    for (const auto& [line, answer] : {std::pair("sync on", "error: the window shows one pane; see dual"),
+                                       {"dual on", "ok dual pane 2"},
+                                       {"sync on", "ok sync on"},
                                        {"window open", "ok window 2"},
                                        {"@3 dual on", "ok dual pane 4"},
                                        {"@3 dual on", "ok dual pane 4"},
@@ -132,6 +134,9 @@ TEST_F(Windows, ShareTheLimitOfPanes) {
                                        {"window close 1", "error: window 1 is the last one; see quit"}})
         EXPECT_EQ(say(line), "[cmd] " + std::string(answer)) << line;
     EXPECT_EQ(preferences.get(ShellWindows::splitKey), "0.7");
+    EXPECT_TRUE(windows->facts().at(0).sync);
+    ASSERT_TRUE(windows->find(1)->toggleDual());
+    EXPECT_FALSE(windows->facts().at(0).sync);
 }
 
 TEST_F(Windows, OneTooManyIsRefusedByTheServiceInItsOwnPane) {

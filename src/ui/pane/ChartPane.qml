@@ -7,6 +7,7 @@ FocusScope {
 
     required property PaneViewModel pane
     required property WindowViewModel view
+    property bool inSecondPlace: false
     property bool marked: false  // of two panes the one that has the keyboard
     readonly property alias toolbarHeight: toolbar.height
 
@@ -26,6 +27,7 @@ FocusScope {
         choices: paneView.pane.toolbar
         panels: paneView.pane.panels
         view: paneView.view
+        inSecondPlace: paneView.inSecondPlace
         marked: paneView.marked
     }
     ChartItem {

@@ -9,6 +9,7 @@ Rectangle {
     required property ToolbarViewModel choices
     required property PanelsViewModel panels
     required property WindowViewModel view
+    property bool inSecondPlace: false
     property bool marked: false
 
     function symbolRows() {
@@ -98,6 +99,14 @@ Rectangle {
                 icon24: "columns-2"
                 active: bar.view.dual !== null
                 onClicked: bar.view.toggleDual()
+            }
+            IconButton {
+                objectName: "sync"
+                visible: bar.view.dual !== null
+                text: bar.view.sync ? qsTr("Sync ON — click to disable") : qsTr("Sync charts")
+                icon24: "arrow-left-right"
+                active: bar.view.sync
+                onClicked: bar.view.toggleSync(bar.inSecondPlace)
             }
             IconButton {
                 objectName: "newWindow"

@@ -41,6 +41,7 @@ FocusScope {
             clip: true
             pane: area.view.dual
             view: area.view
+            inSecondPlace: true
             marked: activeFocus
             onEntered: area.view.activate(true)
         }

@@ -19,6 +19,7 @@ class WindowViewModel : public QObject {
     Q_PROPERTY(vmr::PaneViewModel* pane READ pane CONSTANT)
     Q_PROPERTY(vmr::PaneViewModel* dual READ dual NOTIFY dualChanged)
     Q_PROPERTY(double split READ split WRITE moveSplit NOTIFY splitChanged)
+    Q_PROPERTY(bool sync READ sync NOTIFY syncChanged)
     Q_PROPERTY(QString endNotice READ endNotice NOTIFY endNoticeChanged)
 
  public:
@@ -27,6 +28,7 @@ class WindowViewModel : public QObject {
         std::function<void()> toggleDual;
         std::function<void(double share)> moveSplit;  ///< answered by `setSplit`
         std::function<void()> keepSplit;
+        std::function<void(bool fromSecond)> toggleSync;
         std::function<void(bool second)> activate;
         std::function<void()> newWindow;
         std::function<void()> close;  ///< this window, which may end the program
@@ -47,6 +49,11 @@ class WindowViewModel : public QObject {
     void setSplit(double share) {
         if (std::exchange(split_, share) != share) emit splitChanged();
     }
+    /// Whether the two panes are in step.
+    bool sync() const { return sync_; }
+    void setSync(bool on) {
+        if (std::exchange(sync_, on) != on) emit syncChanged();
+    }
     /// What the person should know before the program ends; empty while nothing is asked.
     QString endNotice() const { return endNotice_; }
     void setEndNotice(const QString& text) {
@@ -59,6 +66,10 @@ class WindowViewModel : public QObject {
     }
     /// At the end of a drag of the divider.
     Q_INVOKABLE void keepSplit() { call(actions_.keepSplit); }
+    /// `fromSecond`: asked for in the second pane, whose view the other one takes then.
+    Q_INVOKABLE void toggleSync(bool fromSecond) {
+        if (actions_.toggleSync) actions_.toggleSync(fromSecond);
+    }
     /// The hand is in this pane: what is typed elsewhere is for it.
     Q_INVOKABLE void activate(bool second) {
         if (actions_.activate) actions_.activate(second);
@@ -72,6 +83,7 @@ class WindowViewModel : public QObject {
  signals:
     void dualChanged();
     void splitChanged();
+    void syncChanged();
     void endNoticeChanged();
 
  private:
@@ -82,6 +94,7 @@ class WindowViewModel : public QObject {
     PaneViewModel& pane_;
     PaneViewModel* dual_ = nullptr;
     double split_ = 0.5;
+    bool sync_ = false;
     QString endNotice_;
     Actions actions_;
 };

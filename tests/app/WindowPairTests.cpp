@@ -1,0 +1,96 @@
+// Two charts in a window and several windows, driven by a real pointer.
+#include <cmath>
+
+#include "tests/app/DrivenWindow.h"
+
+namespace vmr {
+namespace {
+
+using nlohmann::json;
+
+constexpr double width = 1200, toolbarY = 22;
+// Middles of the toolbar's buttons, from a pane's right edge.
+constexpr double newWindowButton = 61, pairButton = 93;   // of a pane by itself
+constexpr double syncButton = 93, closePairButton = 125;  // of one of two
+
+class WindowPair : public DrivenWindow {
+ protected:
+    void SetUp() override {
+        DrivenWindow::SetUp();
+        if (IsSkipped()) return;
+        startMarket();
+        act(to(width - pairButton, toolbarY) + " click 1");
+        ASSERT_TRUE(until([](const json& state) {
+            return state["panes"].size() == 2 && state["windows"][0]["dual"] == true && hasView(state["panes"][1]);
+        }));
+    }
+    static bool hasView(const json& pane) { return pane["viewport"].is_object() && !pane["displayCandles"].empty(); }
+    double left() { return std::round(look()["windows"][0]["split"].get<double>() * (width - 1)); }
+    void dragDivider(double to_) {
+        act(to(left(), 400) + " mousedown 1" + to((left() + to_) / 2, 400) + to(to_, 400) + " mouseup 1 sleep 0.05");
+    }
+    const json& view(int pane) { return state_["panes"][pane]["viewport"]; }
+    // Bars between the right edge and the newest bar.
+    double gap(int pane) {
+        return view(pane)["first"].get<double>() + view(pane)["count"].get<double>() -
+               double(state_["panes"][pane]["displayCandles"].size());
+    }
+};
+
+TEST_F(WindowPair, TheDividerKeepsRoomForBothAndGoesBackToTheMiddle) {
+    EXPECT_EQ(left(), 600);
+    dragDivider(450);
+    EXPECT_NEAR(left(), 450, 1);
+    dragDivider(40);
+    EXPECT_NEAR(left(), 320, 1);
+    dragDivider(1190);
+    EXPECT_NEAR(left(), width - 1 - 320, 1);
+    act(to(left(), 300) + " click --repeat 2 --delay 60 1 sleep 0.1");
+    EXPECT_NEAR(left(), 600, 1);
+    EXPECT_EQ(look()["windows"][0]["panes"], json({1, 2}));
+
+    act(to(599 - closePairButton, toolbarY) + " click 1");
+    EXPECT_TRUE(until([](const json& state) { return state["panes"].size() == 1; }));
+    EXPECT_EQ(look()["windows"][0]["dual"], false);
+}
+
+TEST_F(WindowPair, TheChartsMoveTogetherWhileTheyAreInStep) {
+    act(to(width - syncButton, toolbarY) + " click 1");
+    ASSERT_TRUE(until([](const json& state) { return state["windows"][0]["sync"] == true; }));
+    EXPECT_EQ(state_["panes"][1]["toast"]["title"], "Sync");
+    const auto together = [this](const json&) {
+        for (const char* field : {"first", "count", "minP", "maxP"})
+            if (std::abs(view(0)[field].get<double>() - view(1)[field].get<double>()) > 0.3) return false;
+        return true;
+    };
+    const double before = view(0)["first"];
+    for (const double pane : {0.0, 600.0}) {
+        act(to(pane + 100, 400) + " mousedown 1" + to(pane + 160, 420) + to(pane + 220, 440) + " mouseup 1 sleep 0.3");
+        EXPECT_TRUE(until(together)) << pane << ": " << view(0) << view(1);
+    }
+    EXPECT_LT(view(0)["first"].get<double>(), before - 10) << "it has moved";
+
+    EXPECT_EQ(program_->ask("@2 symbol ES"), "[cmd] ok symbol ES");
+    ASSERT_TRUE(until(
+        [](const json& state) { return state["panes"][1]["currentSymbol"] == "ES" && hasView(state["panes"][1]); }));
+    act(to(100, 400) + " mousedown 1" + to(60, 400) + to(20, 400) + " mouseup 1 sleep 0.3");
+    EXPECT_TRUE(until([this](const json&) { return std::abs(gap(0) - gap(1)) < 0.3; })) << gap(0) << " " << gap(1);
+    act(to(width - syncButton, toolbarY) + " click 1");
+    EXPECT_TRUE(until([](const json& state) { return state["windows"][0]["sync"] == false; }));
+}
+
+TEST_F(WindowPair, FourPanesAreAllThereCanBe) {
+    for (const std::size_t windows : {2, 3}) {
+        act(" windowraise $W windowfocus --sync $W" + to(width - newWindowButton, toolbarY) + " click 1");
+        EXPECT_TRUE(until([&](const json& state) { return state["windows"].size() == windows; }));
+    }
+    act(" windowraise $W windowfocus --sync $W" + to(width - newWindowButton, toolbarY) + " click 1");
+    EXPECT_TRUE(until([](const json& state) { return state["panes"][0]["connLimited"] == true; }));
+    EXPECT_TRUE(until([](const json& state) { return state["panes"][0]["connLimited"] == false; })) << "not for ever";
+    EXPECT_EQ(look()["windows"].size(), 3u);
+    EXPECT_EQ(program_->ask("window close 3"), "[cmd] ok window 3 closed");
+    EXPECT_EQ(look()["panes"].size(), 3u);
+}
+
+}  // namespace
+}  // namespace vmr
