@@ -71,7 +71,7 @@ void ShellWindow::setActions() {
                       .keepSplit = [this] { panes_.keepSplit(); },
                       .toggleSync = [this](bool fromSecond) { panes_.toggleSync(fromSecond); },
                       .activate = [this](bool second) { panes_.activate(second); },
-                      .newWindow = [this] { kit_.windows.open(); },
+                      .newWindow = [this] { kit_.windows.open(&panes_); },
                       .close = [this] { close(); },
                       .end = endProgram});
 }

@@ -156,11 +156,11 @@ WindowPanes& ShellWindows::openFirst(bool hasFirstSymbol) {
     return window;
 }
 
-WindowPanes* ShellWindows::open() {
+WindowPanes* ShellWindows::open(WindowPanes* from) {
     if (!panes_.hasRoom()) {
-        WindowPanes* asked = showing(panes_.activeNumber());
-        if (!asked && !windows_.empty()) asked = windows_.front().get();
-        if (asked) asked->primary().session.flashConnLimited();
+        if (!from) from = showing(panes_.activeNumber());
+        if (!from && !windows_.empty()) from = windows_.front().get();
+        if (from) from->primary().session.flashConnLimited();
         return nullptr;
     }
     const auto next = store_.nextRecord();

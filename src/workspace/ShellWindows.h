@@ -109,9 +109,9 @@ class ShellWindows {
     /// The first window, with the pane that is open already. With `hasFirstSymbol` that has been told what to show;
     /// else it shows what the record says. Once.
     WindowPanes& openFirst(bool hasFirstSymbol);
-    /// Another window with a pane of its own; null where there is no room for one. The window of the active pane says
-    /// so then.
-    WindowPanes* open();
+    /// Another window with a pane of its own; null where there is no room for one. Then the window in which it was asked
+    /// for says so, null for that of the active pane.
+    WindowPanes* open(WindowPanes* from = nullptr);
     /// Closes a window and its panes. The last one is not closed: the process ends with it.
     void close(int number);
     /// Ends the session from this window: it stays, with one pane, and the others close. What they showed is
