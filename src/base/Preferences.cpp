@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 // How long the last write waits for another process's lock; then it goes on without it. Others try again later.
-constexpr double lockPatience = 0.3;
+constexpr double lockPatience = 1;
 
 using Text = std::variant<std::string, std::shared_ptr<const Preferences::TextMaker>>;
 
