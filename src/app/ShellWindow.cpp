@@ -49,7 +49,8 @@ ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
     changed_ = panes_.changed.connect([this] { follow(); });
     QObject* made =
         kit.look.createWithInitialProperties({{QStringLiteral("view"), QVariant::fromValue(&view_)},
-                                              {QStringLiteral("service"), QVariant::fromValue(&kit.service)}});
+                                              {QStringLiteral("service"), QVariant::fromValue(&kit.service)},
+                                              {QStringLiteral("shell"), QVariant::fromValue(&menu_)}});
     window_.reset(qobject_cast<QQuickWindow*>(made));
     if (!window_) {
         delete made;
@@ -74,6 +75,10 @@ void ShellWindow::setActions() {
                       .newWindow = [this] { kit_.windows.open(&panes_); },
                       .close = [this] { close(); },
                       .end = endProgram});
+    menu_.setHooks({.newWindow = [this] { return kit_.windows.open(&panes_) != nullptr; },
+                    .checkForUpdates = kit_.checkForUpdates,
+                    .quit = endProgram,
+                    .leavePractice = kit_.practising ? kit_.switchPractice : std::function<void()>()});
 }
 
 void ShellWindow::follow() {

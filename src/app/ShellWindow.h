@@ -15,6 +15,7 @@
 #include "ui/pane/PaneBinding.h"
 #include "ui/pane/PaneViewModel.h"
 #include "ui/shell/ServiceViewModel.h"
+#include "ui/shell/ShellViewModel.h"
 #include "ui/shell/WindowViewModel.h"
 
 class QQmlComponent;
@@ -37,6 +38,7 @@ struct WindowKit {
     BenchSettings bench;
     bool practising = false;               ///< on the practice market
     std::function<void()> switchPractice;  ///< to it, or from it
+    std::function<void(const ShellViewModel::Tell& tell)> checkForUpdates;
     std::string setupProblem, signInHint;  ///< as in `ProgramStart`
     QSize size;                            ///< that the person asked for; empty for none
 };
@@ -75,6 +77,7 @@ class ShellWindow {
     WindowPanes& panes_;
     std::unique_ptr<Views> first_, second_;
     WindowViewModel view_;
+    ShellViewModel menu_;
     std::unique_ptr<QQuickWindow> window_;
     std::unique_ptr<WindowStage> stage_;
     Connection changed_;

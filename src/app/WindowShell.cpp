@@ -20,10 +20,12 @@
 #include "base/Clock.h"
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
+#include "services/cloud/UpdateChecker.h"
 #include "ui/platform/QtLoop.h"
 #include "ui/platform/UiSetup.h"
 #include "ui/platform/WindowPicture.h"
 #include "ui/shell/ServiceViewModel.h"
+#include "ui/shell/ShellViewModel.h"
 #include "workspace/ShellWindows.h"
 #include "workspace/WorkspaceStore.h"
 
@@ -82,6 +84,7 @@ class Shell {
                program.start().options().bench,
                program.start().practice() != nullptr,
                [&loop] { loop.post([] { QCoreApplication::exit(switchingPractice); }); },
+               [this, &program](const ShellViewModel::Tell& tell) { checkForUpdates(program.updates(), tell); },
                program.start().setupProblem().value_or(""),
                program.start().signInHint(),
                QSize(options.width, options.height)} {
@@ -130,6 +133,13 @@ class Shell {
         if (shown_.empty()) rememberRasteriser(*made->window(), rasteriserRecord(options_.data));
         made->window()->show();
         shown_.push_back(std::move(made));
+    }
+    // A newer build stands in its banner, though it was dismissed before.
+    void checkForUpdates(UpdateChecker& updates, const ShellViewModel::Tell& tell) {
+        updates.checkManually([this, tell](const std::optional<UpdateChecker::Answer>& answer) {
+            answer ? tell(QString::fromStdString(answer->title), QString::fromStdString(answer->text))
+                   : service_.showUpdate();
+        });
     }
     void tellFault() const {
         std::fprintf(stderr, "velmora: the window cannot be made\n");

@@ -1,7 +1,9 @@
 // The running window's panels, form and menu, driven by a real pointer and real keys.
 #include <algorithm>
 
+#include "relay/PracticeRelay.h"
 #include "tests/app/DrivenWindow.h"
+#include "tests/app/SilentServer.h"
 
 namespace vmr {
 namespace {
@@ -81,6 +83,57 @@ TEST_F(WindowPanels, APanelIsMovedSizedClosedAndComesBackWhereItWas) {
     expectFrame({800 - 8 - frame[2], 500 - toolbarHeight - 8 - frame[3], frame[2], frame[3]}, "a smaller window");
     act(" windowfocus --sync $W" + to(300, 300) + " click 1 key Escape");
     expectFrame({}, "Escape while the chart has the keyboard");
+}
+
+// What each row does is tested on the view; here real keys reach it, and the program ends well.
+TEST_F(WindowPanels, TheMenuOpensAndQuits) {
+    const std::string button = to(24, 22) + " click 1 sleep 0.3";
+    act(" windowfocus --sync $W" + button + " key Escape" + button + " key Down Down Down");
+    EXPECT_TRUE(look().is_object()) << "nothing is chosen before Enter";
+    act(" key Return sleep 0.3 key Return");  // the sheet, which closes again
+    act(button + " key Up");
+    act(button + button + " key Down Down Down Down Down Down sleep 0.1 key Return");
+    EXPECT_EQ(program_->end(), 0);
+    program_.reset();
+}
+
+class WindowSignIn : public DrivenWindow {
+ protected:
+    void SetUp() override {
+        DrivenWindow::SetUp();
+        ASSERT_EQ(relay_.start(), std::nullopt);
+    }
+    void type(const std::string& keys) { act(" windowfocus --sync $W " + keys); }
+    bool becomes(const char* field, const json& value) {
+        return until([&](const json& state) { return state["panes"][0][field] == value; });
+    }
+    static std::string letters(std::string_view text) { return " type --delay 20 --args 1 " + std::string(text); }
+
+    SystemClock time_;
+    relay::PracticeRelay relay_{time_, {}};
+};
+
+TEST_F(WindowSignIn, AWrongPasswordIsToldAndTheRightOneEnters) {
+    start({}, relay_.variables());
+    type(letters(relay_.email()) + " key Tab" + letters("wrong") + " key Return");
+    EXPECT_TRUE(becomes("authError", "Auth error (400): INVALID_LOGIN_CREDENTIALS")) << pane()["authError"];
+    type("key ctrl+a" + letters(relay_.password()) + " key Return");
+    EXPECT_TRUE(becomes("connected", true)) << pane()["status"];
+    EXPECT_EQ(pane()["userEmail"], relay_.email());
+}
+
+TEST_F(WindowSignIn, ASignInThatIsNotAnsweredCanBeGivenUp) {
+    const SilentServer silent;
+    auto variables = relay_.variables();
+    variables.emplace_back("VMR_IDENTITY_URL", silent.url("http"));
+    start({}, variables);
+    type(letters("a@b.c") + " key Tab" + letters("p") + " key Return");
+    EXPECT_TRUE(becomes("signingIn", true));
+    type("key Escape");
+    EXPECT_TRUE(becomes("signingIn", false));
+    EXPECT_EQ(pane()["authError"], nullptr);
+    type("key Return");
+    EXPECT_TRUE(becomes("signingIn", true)) << "what was typed stands there for another try";
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // What a chart and the login form make of the toolkit's events.
 #include <gtest/gtest.h>
 
+#include <QQmlComponent>
 #include <QTest>
 #include <QTime>
 #include <QWheelEvent>
@@ -10,6 +11,7 @@
 #include "support/pane/FakeHttpClient.h"
 #include "support/time/TestTime.h"
 #include "ui/UiWindow.h"
+#include "ui/shell/ShellViewModel.h"
 
 namespace vmr::test {
 namespace {
@@ -238,6 +240,78 @@ TEST(Views, BannersComeAndAreDismissedByKeyboard) {
     EXPECT_FALSE(shown("updateBanner")) << "the same text";
 }
 
+TEST(Views, TheMenuHasWhatTheProgramCanDo) {
+    UiWindow ui(QSize(720, 480), UiWindow::entered(), syntheticBars(200));
+    EXPECT_EQ(ui.item("menuButton"), nullptr) << "without a shell";
+    ShellViewModel shell;
+    QStringList done;
+    bool room = false;
+    ui.window->setProperty("shell", QVariant::fromValue(&shell));
+    ASSERT_TRUE(runUntil([&] { return ui.item("menuButton") != nullptr; }));
+    const auto* menu = ui.item("menuButton")->findChild<QObject*>("appMenu");
+    const auto rows = [&] {
+        QStringList values;
+        for (const QVariant& row : menu->property("shownRows").toList())
+            if (row.toMap().contains("value")) values << row.toMap()["value"].toString();
+        return values.join(' ');
+    };
+    EXPECT_EQ(rows(), "showKeys showAbout quit");
+    shell.setHooks({[&] { return done << "window", room; },
+                    [&](const ShellViewModel::Tell& tell) { tell("T", "text"); }, [&] { done << "quit"; },
+                    [&] { done << "leave"; }});
+    EXPECT_EQ(rows(), "newWindow showKeys checkForUpdates showAbout leavePractice quit");
+
+    const auto choose = [&](int down) {
+        ui.item("menuButton")->forceActiveFocus(Qt::TabFocusReason);
+        QTest::keyClick(ui.window, Qt::Key_Return);
+        EXPECT_TRUE(runUntil([&] { return menu->property("opened").toBool(); }));
+        for (int i = 0; i < down; ++i) QTest::keyClick(ui.window, Qt::Key_Down);
+        QTest::keyClick(ui.window, Qt::Key_Return);
+        EXPECT_TRUE(runUntil([&] { return !menu->property("visible").toBool(); }));
+    };
+    const auto sheetOpens = [&](const char* name) {
+        const auto* sheet = ui.window->findChild<QObject*>(QLatin1String(name));
+        const bool opened = runUntil([&] { return sheet->property("opened").toBool(); }, 2000);
+        QTest::keyClick(ui.window, Qt::Key_Escape);
+        return opened && runUntil([&] { return !sheet->property("visible").toBool(); }, 2000) &&
+               shell.sheet() == ShellViewModel::Sheet::none;
+    };
+    choose(1);
+    choose(5);
+    choose(6);
+    EXPECT_EQ(done, (QStringList{"window", "leave", "quit"}));
+    for (const auto& [down, sheet] :
+         {std::pair(2, "keysSheet"), {3, "messageSheet"}, {4, "aboutSheet"}, {4, "aboutSheet"}}) {
+        choose(down);
+        EXPECT_TRUE(sheetOpens(sheet)) << sheet;
+    }
+    EXPECT_EQ(shell.messageTitle() + shell.messageText(), "Ttext");
+    QTest::keyClick(ui.window, Qt::Key_N, Qt::ControlModifier);
+    QTest::keyClick(ui.window, Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(done.mid(3), (QStringList{"window", "quit"}));
+    ui.window->setProperty("shell", QVariant::fromValue<ShellViewModel*>(nullptr));
+}
+
+TEST(Views, ANumberGlidesWithTheFramesAndRests) {
+    UiWindow ui(QSize(400, 300), UiWindow::entered());
+    QQmlEngine& engine = *qmlEngine(ui.item("chartPane"));
+    QQmlComponent component(&engine);
+    component.setData("import Velmora\nTweenNumber { target: 10; format: value => value.toFixed(1) }", {});
+    const std::unique_ptr<QObject> made(component.create());
+    auto* number = qobject_cast<QQuickItem*>(made.get());
+    ASSERT_NE(number, nullptr) << component.errorString().toStdString();
+    const auto text = [&] { return number->property("text").toString(); };
+    number->setParentItem(ui.window->contentItem());
+    EXPECT_EQ(text(), "10.0") << "the first at once";
+    number->setProperty("target", 20);
+    EXPECT_EQ(text(), "10.0");
+    ASSERT_TRUE(runUntil([&] { return text() == "20.0"; }));
+    EXPECT_TRUE(ui.settle()) << "at rest no frame is drawn";
+    number->setVisible(false);
+    number->setProperty("target", 30);
+    EXPECT_EQ(text(), "30.0");
+}
+
 TEST(Views, SignInByKeyboardAlone) {
     UiWindow ui(QSize(1000, 580), {});
     ASSERT_NE(ui.window, nullptr);
@@ -246,6 +320,7 @@ TEST(Views, SignInByKeyboardAlone) {
     actions.signIn = [&](const QString& email, const QString& password, bool remember) {
         calls.push_back(email + '|' + password + (remember ? "|remember" : ""));
     };
+    actions.cancelSignIn = [&] { calls.push_back("cancel"); };
     ui.view.session.setActions(actions);
     ASSERT_TRUE(runUntil([&] { return ui.window->activeFocusItem() != nullptr; }));
     const auto type = [&](const char* text) {
@@ -257,23 +332,70 @@ TEST(Views, SignInByKeyboardAlone) {
     EXPECT_TRUE(calls.empty()) << "nothing is sent without a password";
     EXPECT_TRUE(ui.item("password")->hasActiveFocus());
     type("s3 cret");
+    const auto* field = ui.item("password")->property("field").value<QQuickItem*>();
+    const auto hidden = [&] { return field->property("displayText").toString() != "s3 cret"; };
+    EXPECT_TRUE(hidden());
     press(Qt::Key_Tab);
     press(Qt::Key_Space);
-    press(Qt::Key_Backtab);
+    EXPECT_FALSE(hidden()) << "shown on demand";
+    press(Qt::Key_Tab);
+    press(Qt::Key_Space);
+    press(Qt::Key_Tab);
     press(Qt::Key_Return);
     EXPECT_EQ(calls, QStringList{"ann@example.com|s3 cret"}) << "not to be remembered";
 
     auto fields = ui.view.session.state();
-    fields.signingIn = true;
-    ui.view.session.set(fields);
+    const auto set = [&](bool signingIn, const char* error) {
+        fields.signingIn = signingIn;
+        fields.authError = error;
+        ui.view.session.set(fields);
+    };
+    set(true, "");
     press(Qt::Key_Return);
+    EXPECT_EQ(calls.size(), 1) << "nor is it given up by the key that began it";
+    press(Qt::Key_Escape);
+    EXPECT_EQ(calls.takeLast(), "cancel");
+    set(false, "");
+    EXPECT_TRUE(ui.item("password")->hasActiveFocus());
+    press(Qt::Key_Escape);
+    set(true, "");
+    ui.item("cancel")->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Enter);
+    EXPECT_EQ(calls.takeLast(), "cancel");
     EXPECT_EQ(calls.size(), 1);
-    fields.signingIn = false;
-    fields.authError = "Auth error (400): INVALID_PASSWORD";
-    ui.view.session.set(fields);
+    set(false, "Auth error (400): INVALID_PASSWORD");
     EXPECT_EQ(ui.item("error")->property("text").toString(), fields.authError);
     press(Qt::Key_Enter);
     EXPECT_EQ(calls.size(), 2) << "ready for another try";
+
+    const auto capsLock = [&] { return ui.item("capsLock")->isVisible(); };
+    EXPECT_FALSE(capsLock());
+    QTest::sendKeyEvent(QTest::Click, ui.window, Qt::Key_A, QString("A"), Qt::NoModifier);
+    EXPECT_TRUE(capsLock());
+    QTest::sendKeyEvent(QTest::Click, ui.window, Qt::Key_A, QString("A"), Qt::ShiftModifier);
+    EXPECT_FALSE(capsLock());
+    QTest::sendKeyEvent(QTest::Click, ui.window, Qt::Key_A, QString("a"), Qt::ShiftModifier);
+    QTest::sendKeyEvent(QTest::Click, ui.window, Qt::Key_1, QString("1"), Qt::NoModifier);
+    EXPECT_TRUE(capsLock()) << "a digit tells nothing";
+}
+
+TEST(Views, TheFormStartsFromTheLastAddressAndOffersPracticeWhereThereIsOne) {
+    SessionViewModel::Actions actions;
+    actions.lastEmail = [] { return QString("last@example.com"); };
+    int started = 0;
+    UiWindow ui(QSize(1000, 580), UiWindow::entered());
+    ui.view.session.setActions(actions);
+    ui.view.session.set({.setupProblem = "no relay"});
+    ASSERT_TRUE(runUntil([&] { return ui.item("loginView") != nullptr; }));
+    EXPECT_EQ(ui.item("email")->property("text"), "last@example.com");
+    EXPECT_FALSE(ui.item("practice")->isVisible());
+    ui.view.session.setOnPractice([&] { ++started; });
+    EXPECT_TRUE(ui.item("practice")->isVisible());
+    ui.item("practice")->forceActiveFocus(Qt::TabFocusReason);
+    QTest::keyClick(ui.window, Qt::Key_Return);
+    EXPECT_EQ(started, 1) << "though nobody can sign in";
+    ui.view.session.set({});
+    EXPECT_TRUE(runUntil([&] { return ui.item("password")->hasActiveFocus(); })) << "where something is missing";
 }
 
 TEST(Views, ARefusedConfigurationIsShownInBothStages) {
@@ -282,7 +404,7 @@ TEST(Views, ARefusedConfigurationIsShownInBothStages) {
         auto fields = ui.view.session.state();
         fields.entered = entered;
         ui.view.session.set(fields);
-        const char* const stage = entered ? "paneArea" : "signInForm";
+        const char* const stage = entered ? "paneArea" : "loginView";
         ASSERT_TRUE(runUntil([&] { return ui.item(stage) != nullptr; }));
         const auto* notice = ui.item(stage)->findChild<QQuickItem*>("setupNotice");
         ASSERT_NE(notice, nullptr) << stage;

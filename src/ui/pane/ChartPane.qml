@@ -7,6 +7,7 @@ FocusScope {
 
     required property PaneViewModel pane
     required property WindowViewModel view
+    property ShellViewModel shell: null  // whose menu the toolbar shows
     property bool inSecondPlace: false
     property bool marked: false  // of two panes the one that has the keyboard
     readonly property alias toolbarHeight: toolbar.height
@@ -29,6 +30,7 @@ FocusScope {
         view: paneView.view
         inSecondPlace: paneView.inSecondPlace
         marked: paneView.marked
+        shell: paneView.shell
     }
     ChartItem {
         id: chart

@@ -11,6 +11,7 @@ Rectangle {
     required property WindowViewModel view
     property bool inSecondPlace: false
     property bool marked: false
+    property ShellViewModel shell: null
 
     function symbolRows() {
         const rows = [];
@@ -35,6 +36,14 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         spacing: 4
 
+        Loader {
+            active: bar.shell !== null
+            visible: active
+            sourceComponent: AppMenu {
+                objectName: "menuButton"
+                shell: bar.shell
+            }
+        }
         SairaMenu {
             objectName: "symbolChoice"
             placeholder: bar.choices.symbol === "" ? qsTr("Symbol") : bar.choices.symbol

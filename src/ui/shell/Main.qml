@@ -8,6 +8,7 @@ Window {
 
     required property WindowViewModel view
     required property ServiceViewModel service
+    property ShellViewModel shell: null
     readonly property bool entered: view.pane.session.entered
 
     title: "Velmora"
@@ -29,8 +30,8 @@ Window {
     }
     Component {
         id: login
-        SignInForm {
-            objectName: "signInForm"
+        LoginView {
+            objectName: "loginView"
             session: window.view.pane.session
         }
     }
@@ -40,6 +41,7 @@ Window {
             objectName: "paneArea"
             view: window.view
             service: window.service
+            shell: window.shell
         }
     }
     Loader {
@@ -49,5 +51,22 @@ Window {
             objectName: "endQuestion"
             view: window.view
         }
+    }
+    Loader {
+        anchors.fill: parent
+        active: window.shell !== null
+        sourceComponent: ShellSheets {
+            shell: window.shell
+        }
+    }
+    Shortcut {
+        sequences: [StandardKey.New]
+        enabled: window.shell !== null && window.shell.canOpenWindows
+        onActivated: window.shell.newWindow()
+    }
+    Shortcut {
+        sequences: ["Ctrl+Q"]
+        enabled: window.shell !== null
+        onActivated: window.shell.quit()
     }
 }

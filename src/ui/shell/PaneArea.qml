@@ -7,6 +7,7 @@ FocusScope {
 
     required property WindowViewModel view
     required property ServiceViewModel service
+    property ShellViewModel shell: null
     readonly property bool two: view.dual !== null
     readonly property real leastPane: Math.min(320, Math.floor((width - divider.width) / 2))
     readonly property real leftWidth: two ? limited(view.split * (width - divider.width)) : width
@@ -27,6 +28,7 @@ FocusScope {
         clip: area.two
         pane: area.view.pane
         view: area.view
+        shell: area.shell
         marked: area.two && activeFocus
         onEntered: area.view.activate(false)
     }

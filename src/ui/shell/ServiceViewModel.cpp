@@ -43,6 +43,11 @@ void ServiceViewModel::dismissUpdate() {
     refresh();
 }
 
+void ServiceViewModel::showUpdate() {
+    hiddenUpdate_.clear();
+    refresh();
+}
+
 void ServiceViewModel::openUpdate() {
     if (openUrl_ && updateOpens()) openUrl_(updateUrl_);
 }

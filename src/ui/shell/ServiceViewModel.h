@@ -46,6 +46,8 @@ class ServiceViewModel : public QObject {
     Q_INVOKABLE void dismissMaintenance();
     Q_INVOKABLE void dismissUpdate();
     Q_INVOKABLE void openUpdate();
+    /// The newer build again, for someone who asks.
+    void showUpdate();
 
  signals:
     void changed();

@@ -10,8 +10,15 @@ T.Popup {
     property var current
     property int marked: -1
     property var shownRows: []  // while the list is open they stay what they are
+    property var pointedAt  // where the pointer was heard of last
     signal chosen(var value)
 
+    // A row that comes to lie under a resting pointer is not pointed at.
+    function point(index, at) {
+        if (pointedAt !== undefined && (pointedAt.x !== at.x || pointedAt.y !== at.y))
+            marked = index;
+        pointedAt = at;
+    }
     function canTake(index) {
         return index >= 0 && !shownRows[index].heading && !shownRows[index].separator;
     }
@@ -36,6 +43,7 @@ T.Popup {
     focus: true
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
     onAboutToShow: {
+        pointedAt = undefined;
         marked = shownRows.findIndex((row, i) => canTake(i) && row.value === current);
         list.reveal(marked);
     }
@@ -140,7 +148,8 @@ T.Popup {
                         anchors.fill: parent
                         enabled: popup.canTake(row.index)
                         hoverEnabled: true
-                        onEntered: popup.marked = row.index
+                        onEntered: popup.point(row.index, mapToItem(null, mouseX, mouseY))
+                        onPositionChanged: mouse => popup.point(row.index, mapToItem(null, mouse.x, mouse.y))
                         onClicked: popup.take(row.index)
                     }
                 }

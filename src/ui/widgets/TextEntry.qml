@@ -1,4 +1,4 @@
-// A one-line text field with its caption above.
+// A one-line text field; `prompt` stands in it while it is empty.
 import QtQuick
 import QtQuick.Templates as T
 
@@ -9,23 +9,17 @@ FocusScope {
     property alias echoMode: field.echoMode
     property alias inputMethodHints: field.inputMethodHints
     property alias field: field
-    property string caption
+    property string name  // for screen readers
+    property string prompt
     property real reserved: 0  // room at the right edge for a button
     signal accepted
+    signal typed(var event)  // each key before the field takes it
 
     implicitWidth: 280
-    implicitHeight: captionLabel.height + 4 + field.height
+    implicitHeight: field.height
 
-    Label {
-        id: captionLabel
-        text: entry.caption
-        color: Theme.textSoft
-        font.pixelSize: Theme.small
-    }
     T.TextField {
         id: field
-        anchors.top: captionLabel.bottom
-        anchors.topMargin: 4
         width: parent.width
         height: 38
         leftPadding: 12
@@ -40,8 +34,25 @@ FocusScope {
         selectByMouse: true
         hoverEnabled: true
         focus: true
-        Accessible.name: entry.caption
+        Accessible.name: entry.name
+        Accessible.description: entry.prompt
         onAccepted: entry.accepted()
+        Keys.onPressed: event => {
+            entry.typed(event);
+            event.accepted = false;
+        }
+        Label {
+            x: field.leftPadding
+            width: field.width - field.leftPadding - field.rightPadding
+            height: field.height
+            visible: field.length === 0 && field.preeditText === ""
+            verticalAlignment: Text.AlignVCenter
+            elide: Text.ElideRight
+            font.pixelSize: field.font.pixelSize
+            color: Theme.textFaint
+            text: entry.prompt
+            Accessible.ignored: true
+        }
         background: Rectangle {
             radius: Theme.radius
             color: field.enabled ? Theme.background : Theme.surface

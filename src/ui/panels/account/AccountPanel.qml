@@ -45,7 +45,7 @@ FloatingPanel {
                 PushButton {
                     objectName: "resetPassword"
                     width: parent.width
-                    enabled: !panel.account.resetting && panel.session.userEmail !== ""
+                    enabled: panel.session.userEmail !== ""  // while one is under way it does nothing, and keeps the keyboard
                     text: panel.account.resetting ? qsTr("Sending…") : qsTr("Reset Password")
                     onClicked: panel.account.resetPassword()
                     Keys.onReturnPressed: panel.account.resetPassword()

@@ -1,0 +1,61 @@
+// A card in the middle of the window that has to be closed before anything else goes on.
+import QtQuick
+import QtQuick.Templates as T
+
+T.Popup {
+    id: sheet
+
+    property string title
+    default property alias content: holder.data
+
+    parent: T.Overlay.overlay
+    x: parent ? Math.round((parent.width - width) / 2) : 0
+    y: parent ? Math.round((parent.height - height) / 2) : 0
+    width: 380
+    height: Math.min(column.implicitHeight + 2 * padding, parent ? parent.height - 32 : 0)
+    padding: 24
+    modal: true
+    focus: true
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+    T.Overlay.modal: Rectangle {
+        color: "#99000000"
+    }
+    background: Rectangle {
+        radius: 10
+        color: Theme.surface
+        border.width: 1
+        border.color: Theme.lineStrong
+    }
+    contentItem: FocusScope {
+        focus: true
+        Accessible.role: Accessible.Dialog
+        Accessible.name: sheet.title
+
+        Column {
+            id: column
+            width: parent.width
+            spacing: 16
+            Label {
+                width: parent.width
+                wrapMode: Text.Wrap
+                font.pixelSize: 15
+                font.weight: Font.DemiBold
+                text: sheet.title
+            }
+            Column {
+                id: holder
+                width: parent.width
+                spacing: 8
+            }
+            PushButton {
+                objectName: "sheetClose"
+                anchors.right: parent.right
+                focus: true
+                text: qsTr("Close")
+                onClicked: sheet.close()
+                Keys.onReturnPressed: sheet.close()
+                Keys.onEnterPressed: sheet.close()
+            }
+        }
+    }
+}
