@@ -35,7 +35,7 @@ ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
     binding = std::make_unique<PaneBinding>(model, view, kit.main, kit.setupProblem, kit.signInHint, &kit.sim);
     // the view that asked for it may go with it
     view.session.setOnSignOutAndClose(
-        [&kit, window] { kit.main.post([&kit, window] { kit.windows.signOut(window); }); });
+        [&kit, window] { kit.later([&windows = kit.windows, window] { windows.signOut(window); }); });
     if (!kit.practising) view.session.setOnPractice(kit.switchPractice);
 }
 
@@ -99,11 +99,12 @@ void ShellWindow::forget(const AppModel& pane) {
 }
 
 void ShellWindow::close() {
-    if (kit_.windows.size() > 1) {
-        // the window's own event is still under way
-        kit_.main.post([&windows = kit_.windows, number = panes_.number()] { windows.close(number); });
-        return;
-    }
+    // the window's own event is still under way
+    kit_.later(whileThere_([this] { closeNow(); }));
+}
+
+void ShellWindow::closeNow() {
+    if (kit_.windows.size() > 1) return kit_.windows.close(panes_.number());
     const QString notice = view_.endNotice().isEmpty() ? endNotice(kit_.sim) : QString();
     if (notice.isEmpty()) return endProgram();
     view_.setEndNotice(notice);

@@ -10,6 +10,7 @@
 #include "app/WindowStage.h"
 #include "base/SerialQueue.h"
 #include "base/Signal.h"
+#include "base/WeakTask.h"
 #include "model/SimTrading.h"
 #include "perf/BenchSettings.h"
 #include "ui/pane/PaneBinding.h"
@@ -36,11 +37,12 @@ struct WindowKit {
     ServiceViewModel& service;
     ShellWindows& windows;
     BenchSettings bench;
-    bool practising = false;               ///< on the practice market
-    std::function<void()> switchPractice;  ///< to it, or from it
+    std::function<void(std::function<void()>)> later;  ///< runs it in a turn of its own, unless the windows go first
+    bool practising = false;                           ///< on the practice market
+    std::function<void()> switchPractice;              ///< to it, or from it
     std::function<void(const ShellViewModel::Tell& tell)> checkForUpdates;
-    std::string setupProblem, signInHint;  ///< as in `ProgramStart`
-    QSize size;                            ///< that the person asked for; empty for none
+    std::string setupProblem, signInHint;              ///< as in `ProgramStart`
+    QSize size;                                        ///< that the person asked for; empty for none
 };
 
 /// Shows `panes` until destroyed. Main thread.
@@ -72,6 +74,7 @@ class ShellWindow {
     };
     void setActions();
     void follow();
+    void closeNow();
 
     const WindowKit& kit_;
     WindowPanes& panes_;
@@ -81,6 +84,7 @@ class ShellWindow {
     std::unique_ptr<QQuickWindow> window_;
     std::unique_ptr<WindowStage> stage_;
     Connection changed_;
+    WeakTask whileThere_;
 };
 
 }  // namespace vmr

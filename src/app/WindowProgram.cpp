@@ -17,7 +17,8 @@ namespace {
 /// What the windows run on, one program after another where the person goes to the practice market and back.
 class WindowProgram {
  public:
-    explicit WindowProgram(std::unique_ptr<ProgramStart> start) : start_(std::move(start)), asked_(start_->options()) {}
+    WindowProgram(std::unique_ptr<ProgramStart> start, const Options& asked)
+        : start_(std::move(start)), asked_(asked) {}
 
     int run(int& argc, char** argv) {
         WindowShellOptions shell;
@@ -35,32 +36,37 @@ class WindowProgram {
         };
         hooks.switchPractice = [this] { switchPractice(); };
         hooks.started = [this](const std::function<void(int)>& quit) { started(quit); };
-        hooks.ending = [this] { ending(); };
+        hooks.lastLook = [this] { writeState(); };
+        hooks.ending = [this] {
+            commands_.reset();
+            program_.reset();
+        };
+        hooks.ended = [this] {
+            onQuitRequest({});
+            reader_.reset();
+        };
         const int status = runWindow(argc, argv, shell, std::move(hooks));
-        reader_.reset();
         return status_ != 0 ? status_ : status;
     }
 
  private:
     void started(const std::function<void(int)>& quit) {
-        onQuitRequest([&main = program_->main(), quit] { main.post([quit] { quit(0); }); });
+        MainLoop& main = program_->main();
         commands_ = std::make_unique<ShellCommands>(program_->shell([quit] { quit(0); }));
-        if (!reader_)
-            reader_ = std::make_unique<LineReader>(program_->main(), [this](const std::string& line) {
+        if (!reader_) {  // the first program
+            onQuitRequest([&main, quit] { main.post([quit] { quit(0); }); });
+            reader_ = std::make_unique<LineReader>(main, [this](const std::string& line) {
                 if (commands_) commands_->run(line);
             });
+        }
         program_->signInToPractice();
     }
-    void ending() {
-        if (!start_->options().stateFile.empty()) {
-            if (const auto problem = program_->writeState(start_->options().stateFile)) {
-                std::fprintf(stderr, "velmora: %s\n", problem->c_str());
-                status_ = 1;
-            }
-        }
-        onQuitRequest({});
-        commands_.reset();
-        program_.reset();
+    void writeState() {
+        const std::string& file = start_->options().stateFile;
+        const auto problem = file.empty() ? std::nullopt : program_->writeState(file);
+        if (!problem) return;
+        std::fprintf(stderr, "velmora: %s\n", problem->c_str());
+        status_ = 1;
     }
     // A practice market that cannot be started leaves the person where they were, and says why.
     void switchPractice() {
@@ -90,8 +96,8 @@ class WindowProgram {
 
 }  // namespace
 
-int runWindowProgram(std::unique_ptr<ProgramStart> start, int& argc, char** argv) {
-    return WindowProgram(std::move(start)).run(argc, argv);
+int runWindowProgram(std::unique_ptr<ProgramStart> start, const Options& asked, int& argc, char** argv) {
+    return WindowProgram(std::move(start), asked).run(argc, argv);
 }
 
 }  // namespace vmr

@@ -7,8 +7,8 @@
 
 namespace vmr {
 
-/// Runs until the last window closes, "quit", `--seconds` or a polite request to end; gives the exit status. The person
-/// may go to the practice market and back meanwhile.
-int runWindowProgram(std::unique_ptr<ProgramStart> start, int& argc, char** argv);
+/// Runs until the last window closes, "quit", `--seconds` or a polite request to end; gives the exit status. `asked` is
+/// what the command line says; the person may go to the practice market and back meanwhile.
+int runWindowProgram(std::unique_ptr<ProgramStart> start, const Options& asked, int& argc, char** argv);
 
 }  // namespace vmr

@@ -18,6 +18,7 @@
 #include "app/Program.h"
 #include "app/ShellWindow.h"
 #include "base/Clock.h"
+#include "base/WeakTask.h"
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
 #include "services/cloud/UpdateChecker.h"
@@ -46,6 +47,14 @@ class TimedApplication final : public QGuiApplication {
         connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
             if (woke_ > 0) perf_->turn((clock_.monotonic() - std::exchange(woke_, 0)) * 1000);
         });
+    }
+
+    /// The desktop asks the program to end, by its dock or with the session. Not by closing windows one by one: they
+    /// would be gone from the picture that the next run begins with.
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::Quit) return QGuiApplication::event(event);
+        exit(0);
+        return true;
     }
 
     bool notify(QObject* receiver, QEvent* event) override {
@@ -82,6 +91,7 @@ class Shell {
                service_,
                windows_,
                program.start().options().bench,
+               [this, &loop](std::function<void()> task) { loop.post(whileThere_(std::move(task))); },
                program.start().practice() != nullptr,
                [&loop] { loop.post([] { QCoreApplication::exit(switchingPractice); }); },
                [this, &program](const ShellViewModel::Tell& tell) { checkForUpdates(program.updates(), tell); },
@@ -154,6 +164,7 @@ class Shell {
     ShellWindows& windows_;
     const WindowKit kit_;
     std::vector<std::unique_ptr<ShellWindow>> shown_;
+    WeakTask whileThere_;
 };
 
 int runShell(QtLoop& loop, Program& program, const WindowShellOptions& options, const WindowShellHooks& hooks) {
@@ -165,6 +176,7 @@ int runShell(QtLoop& loop, Program& program, const WindowShellOptions& options, 
     if (options.seconds > 0) loop.after(options.seconds, [] { QCoreApplication::exit(0); });
     const int status = QCoreApplication::exec();
     program.workspace().saveAtEnd();
+    if (hooks.lastLook) hooks.lastLook();
     if (status != switchingPractice && !options.screenshot.empty() && !shell.savePictures() && status == 0) return 1;
     return status;
 }
@@ -186,8 +198,12 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     while (true) {
         const int status = runShell(loop, hooks.makeProgram(loop), options, hooks);
         if (hooks.ending) hooks.ending();
-        if (status != switchingPractice) return status;
-        hooks.switchPractice();
+        if (status == switchingPractice) {
+            hooks.switchPractice();
+            continue;
+        }
+        if (hooks.ended) hooks.ended();
+        return status;
     }
 }
 

@@ -29,9 +29,13 @@ struct WindowShellHooks {
     std::function<void()> switchPractice;
     /// Called once the first window is on its way; `quit(status)` ends the program, from any thread, until `ending`.
     std::function<void(std::function<void(int)> quit)> started;
-    /// Called when that program's event loop has ended, pictures and workspace are saved and no view refers to the
-    /// model any more. The main loop still exists, but runs nothing any more.
+    /// Called when that program's event loop has ended and the workspace is saved, while its windows still stand.
+    std::function<void()> lastLook;
+    /// Called after that, when no view refers to the model any more. The main loop still exists, but runs nothing until
+    /// the next program.
     std::function<void()> ending;
+    /// Called after the last program, before the main loop goes.
+    std::function<void()> ended;
 };
 
 /// Runs the windows until the last one is closed, the program is quit or out of time. Gives the exit status: 1 when a

@@ -33,8 +33,9 @@ void WindowStage::apply(bool entered) {
     if (entered) {
         place = enteredPlace(*screens, panes_.takeFrame(), wanted_);
         if (wanted_) {
-            place.x += cascade * (panes_.number() - 1);
-            place.y += cascade * (panes_.number() - 1);
+            const double step = cascade * ((panes_.number() - 1) % 4);
+            place.x += step;
+            place.y += step;
         }
     }
     const QRect area(qRound(place.x), qRound(place.y), qRound(place.width), qRound(place.height));
@@ -61,8 +62,9 @@ std::array<double, 4> WindowStage::frame() const {
         const auto& kept = panes_.record()->frame;
         return {kept[0], kept[1], kept[2], kept[3]};
     }
-    const QScreen* first = QGuiApplication::primaryScreen();
-    return storedFrame(rectOf(window_.geometry()), first ? rectOf(first->geometry()) : ScreenRect());
+    const auto screens = screensNow();
+    if (!screens) return {};
+    return storedFrame(wanted_ ? screens->own : rectOf(window_.geometry()), screens->first);
 }
 
 std::optional<Screens> WindowStage::screensNow() const {

@@ -54,7 +54,7 @@ int main(int argc, char** argv) {
         return 1;
     }
 #ifdef VMR_WITH_QT
-    if (!options.headless) return vmr::runWindowProgram(std::move(start), argc, argv);
+    if (!options.headless) return vmr::runWindowProgram(std::move(start), options, argc, argv);
 #endif
     return vmr::runHeadless(*start);
 }

@@ -168,6 +168,7 @@ class AppModel final : public ChartSource {
     OverlaySettings overlaySettings() const;
     // Opening (ChartOpening.cpp)
     void openFirstChart();
+    void openWantedSymbol();
     void rollForwardBar(double now);
     // Routing (Routing.cpp)
     bool route(const ChannelMessage& message);

@@ -1,5 +1,6 @@
 // Which chart a pane shows: opening one, and what leads to it.
 #include <algorithm>
+#include <utility>
 
 #include "market/Roots.h"
 #include "model/AppModel.h"
@@ -67,7 +68,6 @@ void AppModel::openFirstChart() {
             setConfig(changed);
         }
         wanted = restorePane_->symbol;
-        restorePane_.reset();
     } else {
         wanted = at_.preferences.get(ConfigIO::lastSymbolKey);
     }
@@ -75,6 +75,15 @@ void AppModel::openFirstChart() {
         switchSymbol(*wanted);
     else
         openChart(firstChart, firstLevels);
+    restorePane_.reset();
+    if (wanted && currentSymbol() != *wanted) restorePane_ = PaneState{*wanted, 0, ""};
+}
+
+// The catalog knows more than the program is built with; what was wanted at first may be in it.
+void AppModel::openWantedSymbol() {
+    const auto wanted = std::exchange(restorePane_, std::nullopt);
+    if (wanted && (catalog.isStock(wanted->symbol) || catalog.effectiveContract(wanted->symbol)))
+        switchSymbol(wanted->symbol);
 }
 
 void AppModel::switchSymbol(const std::string& sym) {

@@ -126,6 +126,7 @@ bool AppModel::routeHot(const ChannelMessage& message, RepairTally& tally) {
     if (channel == "meta:instruments" && message.payload["catalog"].isObject()) {
         const NoticeGate::Hold hold(gate_);
         if (catalog.applyCatalog(message.payload["catalog"], at_.hfScales)) sim_.updateSpecs(catalog.catFutures);
+        openWantedSymbol();
         return true;
     }
     if (channel == "meta:contracts" && isObjectOfStrings(message.payload["map"])) {

@@ -46,16 +46,15 @@ void WindowPanes::claim() {
     if (std::exchange(box_->claimed, true)) return;
     box_->rec = windows_.store_.claimNext();
     frameTaken_ = false;
+    showDue_ = box_->rec.has_value();
     dualDue_ = box_->rec && box_->rec->dual;
     if (box_->rec && box_->rec->split) setSplit(*box_->rec->split);
 }
 
 void WindowPanes::enteredChanged() {
-    if (!entered()) return;
-    if (!box_->claimed) {
-        claim();
-        if (box_->rec) primary_->applyRestore(box_->rec->primary);
-    }
+    if (!entered()) return windows_.sessionOver(*this);
+    windows_.sessionStands_ = true;
+    if (std::exchange(showDue_, false)) primary_->applyRestore(box_->rec->primary);
     if (std::exchange(dualDue_, false) && !dual_ && windows_.panes_.hasRoom()) openDual(box_->rec->dual);
     windows_.spawnRest();
 }
@@ -104,6 +103,7 @@ void WindowPanes::closeDual() {
     link_.unlink();
     AppModel& pane = *std::exchange(dual_, nullptr);
     const int number = std::exchange(dualNumber_, 0);
+    if (windows_.panes_.activeNumber() == number) activate(false);
     changed();
     if (windows_.onPaneClosing) windows_.onPaneClosing(*this, pane);
     windows_.panes_.setShown(number, false);
@@ -150,6 +150,7 @@ WindowPanes& ShellWindows::add(int pane) {
 
 WindowPanes& ShellWindows::openFirst(bool hasFirstSymbol) {
     WindowPanes& window = add(panes_.activeNumber());
+    window.showDue_ = false;
     if (window.record() && !hasFirstSymbol) window.primary().applyRestore(window.record()->primary);
     if (onOpened) onOpened(window);
     if (window.entered()) main_.post(window.whileThere_([&window] { window.enteredChanged(); }));
@@ -165,6 +166,7 @@ WindowPanes* ShellWindows::open(WindowPanes* from) {
     }
     const auto next = store_.nextRecord();
     WindowPanes& window = add(panes_.open(next ? std::optional(next->primary) : std::nullopt).value());
+    window.showDue_ = false;
     panes_.setActive(window.primaryNumber());
     if (onOpened) onOpened(window);
     return &window;
@@ -175,6 +177,7 @@ void ShellWindows::spawnRest() {
     if (!store_.takeSpawn()) return;
     while (const auto next = store_.nextRecord()) {
         WindowPanes& window = add(panes_.openBeyondLimit(next->primary));
+        window.showDue_ = false;
         if (onOpened) onOpened(window);
         window.enteredChanged();
     }
@@ -196,12 +199,19 @@ void ShellWindows::signOut(int number) {
     WindowPanes* stays = find(number);
     if (!stays) return;
     store_.collectAndSave();
-    store_.startOver();
     stays->primary().signOut();
-    if (stays->dual_) stays->closeDual();
-    stays->box_->claimed = false;
+    sessionOver(*stays);
+}
+
+// A form in each window would be noise.
+void ShellWindows::sessionOver(WindowPanes& stays) {
+    if (!std::exchange(sessionStands_, false)) return;
+    store_.startOver();
+    if (stays.dual_) stays.closeDual();
     for (WindowPanes* window : all())
-        if (window != stays) close(window->number());
+        if (window != &stays) close(window->number());
+    stays.box_->claimed = false;
+    stays.claim();
 }
 
 WindowPanes* ShellWindows::find(int number) {

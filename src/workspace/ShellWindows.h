@@ -83,6 +83,7 @@ class WindowPanes {
     AppModel* dual_ = nullptr;
     double split_;
     bool frameTaken_ = false;
+    bool showDue_ = false;  ///< the pane is still to show what is claimed
     bool dualDue_ = false;  ///< a second pane is claimed and has not been opened yet
     std::shared_ptr<WorkspaceWindowBox> box_ = std::make_shared<WorkspaceWindowBox>();
     DualLink link_;
@@ -109,13 +110,13 @@ class ShellWindows {
     /// The first window, with the pane that is open already. With `hasFirstSymbol` that has been told what to show;
     /// else it shows what the record says. Once.
     WindowPanes& openFirst(bool hasFirstSymbol);
-    /// Another window with a pane of its own; null where there is no room for one. Then the window in which it was asked
-    /// for says so, null for that of the active pane.
+    /// Another window with a pane of its own; null where there is no room for one. Then the window in which it was
+    /// asked for says so, null for that of the active pane.
     WindowPanes* open(WindowPanes* from = nullptr);
     /// Closes a window and its panes. The last one is not closed: the process ends with it.
     void close(int number);
-    /// Ends the session from this window: it stays, with one pane, and the others close. What they showed is
-    /// remembered and comes back with the next sign-in.
+    /// Ends the session from this window: it stays, with one pane, and the others close, as they do when the session
+    /// ends by itself. What they showed is remembered and comes back with the next sign-in.
     void signOut(int number);
 
     WindowPanes* find(int number);
@@ -129,6 +130,7 @@ class ShellWindows {
     friend class WindowPanes;
     WindowPanes& add(int pane);
     void spawnRest();
+    void sessionOver(WindowPanes& stays);
 
     PaneHost& panes_;
     WorkspaceStore& store_;
@@ -137,7 +139,7 @@ class ShellWindows {
     UuidSource ids_;
     int lastNumber_ = 0;
     std::list<std::unique_ptr<WindowPanes>> windows_;
-    WeakTask whileThere_;
+    bool sessionStands_ = false;
 };
 
 }  // namespace vmr

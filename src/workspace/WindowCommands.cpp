@@ -27,20 +27,20 @@ CommandAnswer runWindow(ShellWindows& windows, CommandWords& words) {
     return "ok window " + name + " closed";
 }
 
-CommandAnswer runDual(WindowPanes& window, const std::string& word) {
+CommandAnswer runDual(WindowPanes& window, const std::string& word, int) {
     if (word != "on" && word != "off") return std::nullopt;
     if ((word == "on") != (window.dual() != nullptr) && !window.toggleDual()) return noRoom;
     return word == "on" ? "ok dual pane " + std::to_string(window.dualNumber()) : std::string("ok dual off");
 }
 
-CommandAnswer runSync(WindowPanes& window, const std::string& word) {
+CommandAnswer runSync(WindowPanes& window, const std::string& word, int pane) {
     if (word != "on" && word != "off") return std::nullopt;
     if (!window.dual()) return "error: the window shows one pane; see dual";
-    if (window.link().syncOn() != (word == "on")) window.toggleSync(false);
+    if (window.link().syncOn() != (word == "on")) window.toggleSync(pane == window.dualNumber());
     return "ok sync " + word;
 }
 
-CommandAnswer runSplit(WindowPanes& window, const std::string& word) {
+CommandAnswer runSplit(WindowPanes& window, const std::string& word, int) {
     const auto share = parseDouble(word);
     if (!share || !(*share > 0 && *share < 1)) return "error: split needs the left pane's share, above 0 and below 1";
     window.setSplit(*share);
@@ -51,11 +51,11 @@ CommandAnswer runSplit(WindowPanes& window, const std::string& word) {
 }  // namespace
 
 void addWindowCommands(CommandTable& table, ShellWindows* windows, std::function<int()> pane) {
-    const auto add = [&](Command row, CommandAnswer (*run)(WindowPanes&, const std::string&)) {
+    const auto add = [&](Command row, CommandAnswer (*run)(WindowPanes&, const std::string&, int pane)) {
         row.leastWords = row.mostWords = 1;
         row.run = [windows, pane, run](CommandWords& words) -> CommandAnswer {
             WindowPanes* window = windows ? windows->showing(pane()) : nullptr;
-            return window ? run(*window, words.next()) : "error: no window shows the pane";
+            return window ? run(*window, words.next(), pane()) : "error: no window shows the pane";
         };
         table.add(std::move(row));
     };

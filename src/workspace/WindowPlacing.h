@@ -30,7 +30,8 @@ struct Screens {
 ScreenRect signInPlace(const Screens& screens);
 
 /// Where a window goes when somebody has entered. `wanted` is a size that a person asked for, in the middle of the
-/// screen; else `saved` as it was, unless it is no frame of four numbers or meets no screen; else all that is free.
+/// screen; else `saved` as it was, unless it is no frame of four numbers that a window can have, or meets no screen;
+/// else all that is free.
 ScreenRect enteredPlace(const Screens& screens, const std::optional<std::vector<double>>& saved,
                         const std::optional<ScreenRect>& wanted);
 

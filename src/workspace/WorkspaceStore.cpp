@@ -11,13 +11,16 @@ namespace vmr {
 namespace {
 constexpr const char* symbolOfNone = "NQ";
 
-// Whether the channel is a chart that can be opened again without a catalog.
+// Whether the channel is a chart that the next run will know how to open.
 bool isKnownChart(const std::string& channel) {
     constexpr std::string_view stocks = "stocks:";
     return channel.starts_with(stocks) ? channel.size() > stocks.size() : !futuresRoot(channel).empty();
 }
 
-PaneState stateOf(const PaneFacts& pane) {
+// A pane that has not opened its chart yet, because its connection is slow or refused, is still to show what it
+// claimed.
+PaneState stateOf(const PaneFacts& pane, const std::optional<PaneState>& claimed) {
+    if (pane.chartChannel.empty() && claimed) return *claimed;
     PaneState state = pane.state;
     if (state.symbol.empty()) state.symbol = symbolOfNone;
     return state;
@@ -72,13 +75,16 @@ void WorkspaceStore::remove(const Uuid& id) {
 
 std::optional<WindowRecord> WorkspaceStore::recordOf(const WorkspaceWindowBox& box) {
     const auto primary = box.primary();
-    if (!primary || !primary->isSignedIn || !isKnownChart(primary->chartChannel)) return std::nullopt;
+    if (!primary || !primary->isSignedIn) return std::nullopt;
+    const auto claimed = box.rec ? std::optional(box.rec->primary) : std::nullopt;
+    const bool awaited = primary->chartChannel.empty() && claimed;
+    if (!awaited && !isKnownChart(primary->chartChannel)) return std::nullopt;
     const auto frame = box.frame();
     if (!frame) return std::nullopt;
-    WindowRecord record{{frame->begin(), frame->end()}, {}, stateOf(*primary), {}};
+    WindowRecord record{{frame->begin(), frame->end()}, {}, stateOf(*primary, claimed), {}};
     if (const auto dual = box.dual ? box.dual() : std::nullopt) {
         record.split = box.split;
-        record.dual = stateOf(*dual);
+        record.dual = stateOf(*dual, box.rec ? box.rec->dual : std::nullopt);
     }
     return record;
 }

@@ -63,8 +63,9 @@ class WorkspaceStore {
     /// The window has closed.
     void remove(const Uuid& id);
 
-    /// Looks at the windows that are signed in and show a chart of a known instrument, left-most first, and stores them
-    /// if anything has changed. With none such, the last picture stays: signing out does not wipe the workspace.
+    /// Looks at the windows that are signed in and show a chart of a known instrument, or are still to show the one
+    /// that they claimed, left-most first, and stores them if anything has changed. With none such, the last picture
+    /// stays: signing out does not wipe the workspace.
     void collectAndSave();
     /// At the end of the process.
     void saveAtEnd();

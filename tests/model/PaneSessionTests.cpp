@@ -25,6 +25,12 @@ TEST_F(PaneSessions, ARestoredPaneComesBeforeTheStoredSymbol) {
     preferences.set("gex-timeframe", "5.5");
     openSymbol("SI");
     expectShown("futures:NQU6 derived:QQQ INDEX 1");
+    open(PaneState{"ZZTOP", 3, "ETF"});
+    for (int i = 0; i < 2; ++i) {  // the first catalog decides
+        event("meta:instruments", R"({"catalog":{"stocks":[{"sym":"ZZTOP"}]}})");
+        expectShown(i == 0 ? "stocks:ZZTOP derived:ZZTOP ETF 3" : "futures:ESM6 derived:SPY ETF 3");
+        model->switchSymbol("ES");
+    }
 }
 
 TEST_F(PaneSessions, SignOutKeepsTheChartForTheNextSignIn) {

@@ -167,6 +167,15 @@ TEST_F(Windows, SigningOutKeepsThemForTheNextSession) {
     EXPECT_FALSE(windows->find(2)->entered());
     ASSERT_TRUE(signIn());
     EXPECT_THAT(shown(3), ElementsAre("2 GC/3", "3 NQ/1 ES/5 at 0.50"));
+    EXPECT_EQ(windows->find(2)->takeFrame(), std::vector<double>({0, 0, 800, 600})) << "again";
+
+    // a session that ends by itself, heard of in a second pane
+    windows->find(3)->dual()->signOut();
+    ASSERT_TRUE(runUntil([&] { return host->size() == 1; }));
+    ASSERT_EQ(windows->size(), 1u) << "one form is enough";
+    EXPECT_FALSE(windows->all().front()->entered());
+    ASSERT_TRUE(signIn());
+    EXPECT_EQ(shown(3).size(), 2u);
 }
 
 }  // namespace

@@ -88,6 +88,18 @@ TEST_F(Workspace, StoresTheWindowsFromLeftToRightWhenTheyChange) {
     EXPECT_EQ(preferences.writes, 3);
 }
 
+TEST_F(Workspace, APaneThatHasNoChartYetKeepsWhatItClaimed) {
+    Window& window = open(500, "", "");
+    window.dual = PaneFacts{true, "", {"", 1, "ETF"}};
+    EXPECT_THAT(symbolsNow(), ElementsAre()) << "it has claimed nothing";
+    window.box->rec = WindowRecord{{1, 2, 3, 4}, 0.3, {"GC", 3, "ETF"}, PaneState{"ES", 5, "BOTH"}};
+    EXPECT_THAT(symbolsNow(), ElementsAre("GC"));
+    EXPECT_EQ(store.current().at(0).dual, window.box->rec->dual);
+    EXPECT_EQ(store.current().at(0).frame.at(0), 500) << "it stands where it stands";
+    window.primary = PaneFacts{true, "futures:NQU6", {"NQ", 1, "ETF"}};
+    EXPECT_THAT(symbolsNow(), ElementsAre("NQ"));
+}
+
 TEST_F(Workspace, EachWindowClaimsARecordOfTheLastRun) {
     open(500, "futures:NQU6", "NQ");
     open(1, "futures:ESU6", "ES");
@@ -128,6 +140,8 @@ TEST(WindowPlacing, FramesAreStoredFromTheBottomLeftOfTheFirstScreen) {
     const auto all = screens.own;
     EXPECT_EQ(enteredPlace(screens, {}, {}), all);
     EXPECT_EQ(enteredPlace(screens, std::vector<double>{1, 2, 3}, {}), all);
+    for (const double side : {1e300, 1e9, 0.0, -5.0, double(NAN)})
+        EXPECT_EQ(enteredPlace(screens, std::vector<double>{0, 0, 800, side}, {}), all) << side;
     EXPECT_EQ(enteredPlace(screens, std::vector<double>{5000, 0, 800, 600}, {}), all) << "its screen is gone";
     EXPECT_EQ(enteredPlace(screens, std::vector<double>{1920, 0, 800, 600}, {}), all) << "beside the screen";
     EXPECT_EQ(enteredPlace(screens, std::vector<double>{1919, 0, 800, 600}, {}), (ScreenRect{1919, 480, 800, 600}))

@@ -48,7 +48,12 @@ FocusScope {
                 anchors.right: parent.right
                 spacing: 8
                 PushButton {
+                    id: stayButton
                     objectName: "stay"
+                    KeyNavigation.tab: endButton
+                    KeyNavigation.backtab: endButton
+                    Keys.onReturnPressed: question.view.stay()
+                    Keys.onEnterPressed: question.view.stay()
                     text: qsTr("Keep open")
                     onClicked: question.view.stay()
                 }
@@ -56,6 +61,8 @@ FocusScope {
                     id: endButton
                     objectName: "end"
                     primary: true
+                    KeyNavigation.tab: stayButton
+                    KeyNavigation.backtab: stayButton
                     text: qsTr("End Velmora")
                     onClicked: question.view.end()
                 }

@@ -22,6 +22,7 @@ Window {
     }
 
     Loader {
+        id: stage
         objectName: "stage"
         anchors.fill: parent
         focus: true
@@ -47,6 +48,10 @@ Window {
     Loader {
         anchors.fill: parent
         active: window.view.endNotice !== ""
+        onActiveChanged: {
+            if (!active)
+                stage.forceActiveFocus();
+        }
         sourceComponent: EndQuestion {
             objectName: "endQuestion"
             view: window.view

@@ -12,6 +12,11 @@ FocusScope {
     readonly property real leastPane: Math.min(320, Math.floor((width - divider.width) / 2))
     readonly property real leftWidth: two ? limited(view.split * (width - divider.width)) : width
 
+    onTwoChanged: {
+        if (!two)
+            first.forceActiveFocus();
+    }
+
     function limited(left) {
         return Math.round(Math.max(leastPane, Math.min(left, width - divider.width - leastPane)));
     }

@@ -18,15 +18,25 @@ void ServiceViewModel::follow(Announcements& announcements, UpdateChecker& updat
     refresh();
 }
 
+namespace {
+// What was dismissed stays hidden until it is over; the same text may come again then.
+void hideOnce(QString& text, QString& hidden) {
+    if (text == hidden)
+        text.clear();
+    else
+        hidden.clear();
+}
+}  // namespace
+
 void ServiceViewModel::refresh() {
     const auto& alert = announcements_->announcement.get();
     const auto& build = updates_->available.get();
     alertTitle_ = alert ? QString::fromStdString(alert->title) : QString();
     alertMessage_ = alert ? QString::fromStdString(alert->message) : QString();
     maintenance_ = QString::fromStdString(announcements_->maintenance.get().value_or(""));
-    if (maintenance_ == hiddenMaintenance_) maintenance_.clear();
+    hideOnce(maintenance_, hiddenMaintenance_);
     update_ = build ? tr("Velmora %1 is available").arg(QString::fromStdString(build->version)) : QString();
-    if (update_ == hiddenUpdate_) update_.clear();
+    hideOnce(update_, hiddenUpdate_);
     updateUrl_ = build && build->url.starts_with("https://") ? QString::fromStdString(build->url) : QString();
     emit changed();
 }
