@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "base/Clock.h"
-#include "chart/OverlayGeometry.h"
+#include "chart/OverlayRibbons.h"
 #include "market/SessionLines.h"
 #include "model/OverlayBuilder.h"
 
@@ -119,37 +119,37 @@ BENCHMARK(overlays)
     ->UseManualTime()
     ->Unit(benchmark::kMicrosecond);
 
-// The ribbons and candles of all series, as the pane hands them to its renderer.
+// The ribbons and candles of all series, as the pane hands them to its renderer: all of them, or after a trade.
 void overlayGeometry(benchmark::State& state) {
+    const bool all = state.range(0) == fresh;
     Pane pane;
     pane.builder.update(pane.input());
-    const OverlaySet& s = pane.builder.series();
     const auto levels = SessionLines::build(pane.bars, pane.levels, pane.settings.sessionHHMM);
-    std::vector<LineVertex> lines, levelLines;
-    std::vector<CandleVertex> second;
-    const Rgba color{1, 1, 1, 1};
-    const DataOrigin origin{4900, 21000};
-    const SystemClock clock;
-    double levelTime = 1;
+    OverlayRibbons ribbons;
+    const OverlayStyle style;
+    std::uint64_t levelsRevision = 0;
+    const auto make = [&] {
+        return &ribbons.make({&pane.builder.series(), levels, levelsRevision, style, pane.bars, 1});
+    };
+    const OverlayLists* lists = make();
+    int i = 0;
     besideCopy(
-        state, pane, [] {},
+        state, pane,
         [&] {
-            lines.clear();
-            for (const auto* series : {&s.vwapMain, &s.vixLine, &s.ema1, &s.ema2})
-                OverlayGeometry::polyline(lines, *series, 2, color, {}, origin);
-            OverlayGeometry::polyline(lines, s.vwapNY, 1, color, {{0.5, 0.4}}, origin);
-            OverlayGeometry::hfPolyline(lines, s.hfLine, 2, color, color, origin);
-            OverlayGeometry::secondCandles(second, s.secondCandles, origin);
-            const double t0 = clock.monotonic();
-            levelLines.clear();
-            OverlayGeometry::srLines(levelLines, levels, pane.bars, 0.5, origin);
-            levelTime = std::min(levelTime, clock.monotonic() - t0);
-        });
-    state.counters["levels_us"] = levelTime * 1e6;
-    state.counters["line_bytes"] = static_cast<double>(lines.size() * sizeof(LineVertex));
-    state.counters["level_bytes"] = static_cast<double>(levelLines.size() * sizeof(LineVertex));
+            pane.bars.back().close += ++i % 2 == 0 ? 1 : -1;
+            pane.builder.update(pane.input());
+            if (all) ++levelsRevision;
+        },
+        [&] { benchmark::DoNotOptimize(lists = make()); });
+    std::size_t vertices = 0, ends = 0;
+    for (const auto& ribbon : lists->ribbons) {
+        vertices += ribbon.vertices.size();
+        ends += ribbon.vertices.size() - ribbon.settled;
+    }
+    state.counters["line_bytes"] = static_cast<double>(vertices * sizeof(LineVertex));
+    state.counters["end_bytes"] = static_cast<double>(ends * sizeof(LineVertex));
 }
-BENCHMARK(overlayGeometry)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(overlayGeometry)->Arg(fresh)->Arg(tick)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 // Beside the calendar asked for every bar.
 void sessionLines(benchmark::State& state) {

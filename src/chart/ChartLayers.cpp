@@ -36,7 +36,7 @@ void ChartRenderer::encodeLayers(const Geometry& geometry, double width, double 
         setFlat(gpu_, geometry.candleUniforms);
         drawDyn(Primitive::lines, geometry.forming.priceLine);
     }
-    overlays_.draw(camera_, width, height);
+    overlays_.draw(arena_, camera_, width, height);
     const bool dense = CandleGeometry::areDense(width / camera_.visibleCount);
     setWithView(gpu_, dense ? Pipeline::dense : Pipeline::candle, camera);
     bars_.list.drawInView(camera_, origin_);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
 
 #include "gpu/Vertices.h"
 
@@ -23,24 +22,35 @@ KeptList::~KeptList() {
 }
 
 template <class Vertex>
-void KeptList::keep(const std::vector<Vertex>& list) {
+void KeptList::keep(std::span<const Vertex> list) {
     if (buffer_ != 0) gpu_.release(buffer_);
-    buffer_ = list.empty() ? 0 : gpu_.makeBuffer(std::as_bytes(std::span(list)));
+    buffer_ = list.empty() ? 0 : gpu_.makeBuffer(std::as_bytes(list));
     count_ = list.size();
     stride_ = sizeof(Vertex);
     blocks_.clear();
     if (list.size() <= blockVertices) return;
-    for (std::size_t begin = 0; begin < list.size(); begin += blockVertices) {
-        const Place first = placeOf(list[begin]);
-        Reach reach{first.bar, first.bar, first.points};
-        for (std::size_t i = begin; i < std::min(begin + blockVertices, list.size()); ++i) {
-            const Place place = placeOf(list[i]);
-            reach.low = std::min(reach.low, place.bar);
-            reach.high = std::max(reach.high, place.bar);
-            reach.points = std::max(reach.points, place.points);
-        }
-        blocks_.push_back(reach);
+    for (std::size_t begin = 0; begin < list.size(); begin += blockVertices)
+        blocks_.push_back(reachOf(list.subspan(begin, std::min(blockVertices, list.size() - begin))));
+}
+
+template <class Vertex>
+KeptList::Reach KeptList::reachOf(std::span<const Vertex> list) {
+    const Place first = placeOf(list.front());
+    Reach reach{first.bar, first.bar, first.points};
+    for (const Vertex& vertex : list) {
+        const Place place = placeOf(vertex);
+        reach.low = std::min(reach.low, place.bar);
+        reach.high = std::max(reach.high, place.bar);
+        reach.points = std::max(reach.points, place.points);
     }
+    return reach;
+}
+
+bool KeptList::Reach::meets(const Camera& camera, const DataOrigin& origin) const {
+    const double first = camera.firstVisible - origin.bar, last = first + camera.visibleCount;
+    const double barsPerPoint = camera.visibleCount / std::max(camera.lastViewW, 1.0);
+    const double beyond = (static_cast<double>(points) + 1.0) * barsPerPoint;
+    return static_cast<double>(high) + beyond >= first && static_cast<double>(low) - beyond <= last;
 }
 
 template <class Vertex>
@@ -50,13 +60,13 @@ bool KeptList::replace(const std::vector<Vertex>& list) {
     return true;
 }
 
-template void KeptList::keep(const std::vector<BoxVertex>&);
-template void KeptList::keep(const std::vector<CandleVertex>&);
-template void KeptList::keep(const std::vector<LineVertex>&);
-template void KeptList::keep(const std::vector<MarkerVertex>&);
-template bool KeptList::replace(const std::vector<BoxVertex>&);
-template bool KeptList::replace(const std::vector<CandleVertex>&);
+template void KeptList::keep(std::span<const BoxVertex>);
+template void KeptList::keep(std::span<const CandleVertex>);
+template void KeptList::keep(std::span<const LineVertex>);
+template void KeptList::keep(std::span<const MarkerVertex>);
 template bool KeptList::replace(const std::vector<LineVertex>&);
+template KeptList::Reach KeptList::reachOf(std::span<const CandleVertex>);
+template KeptList::Reach KeptList::reachOf(std::span<const LineVertex>);
 
 void KeptList::draw() const {
     if (count_ > 0) gpu_.draw(Primitive::quads, buffer_, 0, count_);
@@ -65,17 +75,11 @@ void KeptList::draw() const {
 // Runs of blocks in view are drawn at once.
 void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const {
     if (blocks_.empty()) return draw();
-    const double first = camera.firstVisible - origin.bar, last = first + camera.visibleCount;
-    const double barsPerPoint = camera.visibleCount / std::max(camera.lastViewW, 1.0);
-    const auto isOut = [&](const Reach& reach) {
-        const double beyond = (static_cast<double>(reach.points) + 1.0) * barsPerPoint;
-        return static_cast<double>(reach.high) + beyond < first || static_cast<double>(reach.low) - beyond > last;
-    };
     const std::size_t blocks = blocks_.size();
     for (std::size_t begin = 0, end; begin < blocks; begin = end) {
         end = begin + 1;
-        if (isOut(blocks_[begin])) continue;
-        while (end < blocks && !isOut(blocks_[end])) ++end;
+        if (!blocks_[begin].meets(camera, origin)) continue;
+        while (end < blocks && blocks_[end].meets(camera, origin)) ++end;
         const std::size_t from = begin * blockVertices, to = std::min(end * blockVertices, count_);
         gpu_.draw(Primitive::quads, buffer_, from * stride_, to - from);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "chart/Camera.h"
@@ -22,7 +23,11 @@ class KeptList {
 
     /// Replaces what is kept.
     template <class Vertex>
-    void keep(const std::vector<Vertex>& list);
+    void keep(std::span<const Vertex> list);
+    template <class Vertex>
+    void keep(const std::vector<Vertex>& list) {
+        keep(std::span(list));
+    }
     /// The same, but does nothing when the very bytes are kept already. Tells whether they were not.
     template <class Vertex>
     bool replace(const std::vector<Vertex>& list);
@@ -33,12 +38,20 @@ class KeptList {
     void draw() const;
     /// The part in view of a list relative to `origin`.
     void drawInView(const Camera& camera, const DataOrigin& origin) const;
+    /// Whether any of a list relative to `origin` is in view, beside one that is kept.
+    template <class Vertex>
+    static bool isInView(const std::vector<Vertex>& list, const Camera& camera, const DataOrigin& origin) {
+        return reachOf(std::span(list)).meets(camera, origin);
+    }
 
  private:
     /// What a block spans: bars relative to the list's origin, and points beyond them.
     struct Reach {
         float low = 0, high = 0, points = 0;
+        bool meets(const Camera& camera, const DataOrigin& origin) const;
     };
+    template <class Vertex>
+    static Reach reachOf(std::span<const Vertex> list);
     static constexpr std::size_t blockVertices = 1152;  ///< whole quads
 
     Gpu& gpu_;

@@ -1,6 +1,9 @@
 #include "chart/OverlayRibbons.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <optional>
 #include <utility>
 
 #include "chart/OverlayGeometry.h"
@@ -20,44 +23,112 @@ DataOrigin originFor(const OverlaySet& series, std::span<const Candle> bars, Dat
     return origin;
 }
 
-void drawSeries(const OverlaySet& series, const OverlayStyle& style, const DataOrigin& origin, OverlayLists& out) {
-    using namespace OverlayGeometry;
-    polyline(out.lines, series.vwapMain, 2.0, vwapMainColor, std::nullopt, origin);
-    polyline(out.lines, series.vwapNY, 1.0, vwapNyColor, Dash{0.5, 0.4}, origin);
-    polyline(out.lines, series.vixLine, 2.0, vixColor, std::nullopt, origin);
-    polyline(out.lines, series.ema1, 1.5, style.ema1Color, std::nullopt, origin);
-    polyline(out.lines, series.ema2, 1.5, style.ema2Color, std::nullopt, origin);
-    const auto flow = static_cast<float>(style.hfLineOpacity);
-    hfPolyline(out.lines, series.hfLine, 2.0, {0.0F, 0.588F, 1.0F, flow}, {1.0F, 0.314F, 0.314F, flow}, origin);
-    secondCandles(out.second, series.secondCandles, origin);
+}  // namespace
+
+template <class Point, class Look>
+template <class Vertex, class Add>
+void SeriesSource<Point, Look>::update(SeriesList<Vertex>& out, const std::vector<Point>& points, const Look& look,
+                                       const DataOrigin& origin, Add&& add) {
+    const bool alike = look_ == look && origin_ == origin;
+    const auto common = static_cast<std::size_t>(std::ranges::mismatch(points_, points).in1 - points_.begin());
+    const std::size_t same = alike ? common : 0;
+    if (same == points_.size() && same == points.size()) return;
+    // the last point that is the same may now join another
+    const std::size_t from = same > 0 ? same - 1 : 0, kept = from > 0 ? ends_[from - 1] : 0;
+    look_ = look;
+    origin_ = origin;
+    points_.resize(from);
+    points_.insert(points_.end(), points.begin() + static_cast<std::ptrdiff_t>(from), points.end());
+    ends_.resize(from);
+    out.vertices.resize(kept);
+    for (std::size_t i = from; i < points.size(); ++i) {
+        add(i);
+        ends_.push_back(out.vertices.size());
+    }
+    settle(out, kept);
 }
 
-}  // namespace
+// Leaves out of what is settled the last points, which the next trade may move, and what has just changed behind them.
+template <class Point, class Look>
+template <class Vertex>
+void SeriesSource<Point, Look>::settle(SeriesList<Vertex>& out, std::size_t changed) const {
+    constexpr std::size_t restless = 3;    // points
+    constexpr std::size_t mostLoose = 32;  // vertices
+    const std::size_t size = out.vertices.size();
+    if (changed >= out.settled && size - out.settled <= mostLoose && out.revision > 0) return;
+    out.settled = ends_.size() > restless ? ends_[ends_.size() - 1 - restless] : 0;
+    if (size - changed <= mostLoose) out.settled = std::min(out.settled, changed);
+    ++out.revision;
+}
+
+template <class Point, class Look>
+template <class Vertex>
+void SeriesSource<Point, Look>::clear(SeriesList<Vertex>& out) {
+    points_.clear();
+    ends_.clear();
+    if (out.vertices.empty()) return;
+    out.vertices.clear();
+    out.settled = 0;
+    ++out.revision;
+}
 
 const OverlayLists& OverlayRibbons::make(const Input& input) {
     if (input.candles.size() < 2) {
         clear();
         return lists_;
     }
-    lists_.lines.clear();
-    lists_.second.clear();
     makeSessionLines(input);
     if (input.series)
-        drawSeries(*input.series, input.style, originFor(*input.series, input.candles, lists_.origin), lists_);
+        makeSeries(*input.series, input.style, originFor(*input.series, input.candles, lists_.origin));
+    else
+        clearSeries();
     return lists_;
 }
 
+void OverlayRibbons::makeSeries(const OverlaySet& series, const OverlayStyle& style, const DataOrigin& origin) {
+    using namespace OverlayGeometry;
+    const struct {
+        const std::vector<OvPoint>& points;
+        double width;
+        Rgba color;
+        std::optional<Dash> dash;
+    } looks[] = {{series.vwapMain, 2.0, vwapMainColor, {}},
+                 {series.vwapNY, 1.0, vwapNyColor, Dash{0.5, 0.4}},
+                 {series.vixLine, 2.0, vixColor, {}},
+                 {series.ema1, 1.5, style.ema1Color, {}},
+                 {series.ema2, 1.5, style.ema2Color, {}}};
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+        const auto& look = looks[k];
+        OverlayLists::Ribbon& out = lists_.ribbons[k];
+        out.dash = look.dash;
+        lines_[k].update(out, look.points, look.color, origin,
+                         [&](std::size_t i) { lineTo(out.vertices, look.points, i, look.width, look.color, origin); });
+    }
+    const auto opacity = static_cast<float>(style.hfLineOpacity);
+    const Rgba blue{0.0F, 0.588F, 1.0F, opacity}, red{1.0F, 0.314F, 0.314F, opacity};
+    auto& flow = lists_.ribbons.back();
+    flow_.update(flow, series.hfLine, style.hfLineOpacity, origin,
+                 [&](std::size_t i) { flowTo(flow.vertices, series.hfLine, i, 2.0, blue, red, origin); });
+    second_.update(lists_.second, series.secondCandles, true, origin,
+                   [&](std::size_t i) { secondCandle(lists_.second.vertices, series.secondCandles, i, origin); });
+}
+
 void OverlayRibbons::clear() {
-    lists_.lines.clear();
-    lists_.second.clear();
+    clearSeries();
     clearSessionLines();
+}
+
+void OverlayRibbons::clearSeries() {
+    for (std::size_t k = 0; k < lines_.size(); ++k) lines_[k].clear(lists_.ribbons[k]);
+    flow_.clear(lists_.ribbons.back());
+    second_.clear(lists_.second);
 }
 
 void OverlayRibbons::clearSessionLines() {
     lineInputs_ = {};
-    if (lists_.sessionLines.empty()) return;
+    if (lists_.sessionLines.empty() && lists_.sessionDashes.empty()) return;
     lists_.sessionLines.clear();
-    lists_.sessionFar.clear();
+    lists_.sessionDashes.clear();
     ++lists_.sessionRevision;
 }
 
@@ -77,14 +148,11 @@ void OverlayRibbons::makeSessionLines(const Input& input) {
     lists_.origin = {static_cast<double>(bars.size() - 1), std::isfinite(close) ? close : 0.0};
     lists_.originTime = bars.back().time;
     lists_.sessionLines.clear();
-    lists_.sessionFar.clear();
-    using OverlayGeometry::Gaps;
-    for (const OverlayLine& line : input.lines) {
-        if (!isShown(line, style)) continue;
-        for (const auto& [list, gaps] :
-             {std::pair(&lists_.sessionLines, Gaps::drawn), std::pair(&lists_.sessionFar, Gaps::blended)})
-            OverlayGeometry::srLines(*list, {&line, 1}, bars, style.lineOpacity, lists_.origin, gaps);
-    }
+    lists_.sessionDashes.clear();
+    for (const OverlayLine& line : input.lines)
+        if (isShown(line, style))
+            OverlayGeometry::srLines(lists_.sessionLines, lists_.sessionDashes, {&line, 1}, bars, style.lineOpacity,
+                                     lists_.origin);
     ++lists_.sessionRevision;
 }
 

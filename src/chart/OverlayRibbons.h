@@ -1,10 +1,13 @@
 // How each overlay series and session line is drawn: its colour, width and dashes, in its order.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <vector>
 
+#include "chart/Camera.h"
 #include "chart/OverlayLists.h"
 #include "chart/OverlaySet.h"
 #include "chart/OverlayStyle.h"
@@ -12,10 +15,32 @@
 
 namespace vmr {
 
+/// What the vertices of a series were made of: they are made anew only from the first point on that is another.
+template <class Point, class Look>
+class SeriesSource {
+ public:
+    /// Brings `out` up to `points`. `add` appends what belongs to one point, given by its number; it may look at the
+    /// points before and change what the last of them added.
+    template <class Vertex, class Add>
+    void update(SeriesList<Vertex>& out, const std::vector<Point>& points, const Look& look, const DataOrigin& origin,
+                Add&& add);
+    template <class Vertex>
+    void clear(SeriesList<Vertex>& out);
+
+ private:
+    template <class Vertex>
+    void settle(SeriesList<Vertex>& out, std::size_t changed) const;
+
+    std::vector<Point> points_;
+    std::vector<std::size_t> ends_;  ///< how many vertices there are up to each point
+    Look look_{};
+    DataOrigin origin_;
+};
+
 /// Turns a chart's overlay series and session lines into vertices, whose memory is used again. Main thread.
 ///
-/// The session lines are most of the vertices, and a tick leaves them alone: they are made anew only when something
-/// that they depend on has changed. Only then the origin moves, to the last bar.
+/// A tick moves the last point of each series, and leaves the session lines alone: they are made anew only when
+/// something that they depend on has changed. Only then the origin moves, to the last bar.
 class OverlayRibbons {
  public:
     struct Input {
@@ -46,10 +71,15 @@ class OverlayRibbons {
         double lineOpacity = 0;
         bool operator==(const LineInputs&) const = default;
     };
+    void makeSeries(const OverlaySet& series, const OverlayStyle& style, const DataOrigin& origin);
+    void clearSeries();
     void makeSessionLines(const Input& input);
     void clearSessionLines();
 
     OverlayLists lists_;
+    std::array<SeriesSource<OvPoint, Rgba>, OverlayLists::ribbonCount - 1> lines_;
+    SeriesSource<OvColorPoint, double> flow_;
+    SeriesSource<OvCandle, bool> second_;
     LineInputs lineInputs_;
 };
 

@@ -67,6 +67,7 @@ constexpr std::size_t vertexStride(Pipeline pipeline) {
         case Pipeline::dense:
             return sizeof(CandleVertex);
         case Pipeline::ribbon:
+        case Pipeline::dashed:
             return sizeof(LineVertex);
         case Pipeline::marker:
             return sizeof(MarkerVertex);

@@ -161,7 +161,7 @@ struct Uniforms {
 };
 
 /// The same for the others, with the view in points. Markers: `pad0` fades alpha, `pad1` scales the
-/// radius.
+/// radius. Dashed lines: `pad0` is the bars from one dash to the next, 0 for no gaps, `pad1` the dashes' share.
 struct LineUniforms {
     float xScale = 1, xOffset = 0, yScale = 1, yOffset = 0;
     float viewW = 0, viewH = 0, pad0 = 0, pad1 = 0;

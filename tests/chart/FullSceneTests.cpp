@@ -10,6 +10,7 @@ namespace vmr::test {
 namespace {
 
 using testing::ElementsAre;
+using testing::FloatNear;
 
 struct FullSceneTest : ChartScene {
     SceneData data{bars(300)};
@@ -48,17 +49,17 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
             continue;
         }
         std::string layer = call.retained ? "kept " : "made ";
-        layer +=
-            std::array{
-                "flat", "box", "rounded", "candle", "dense", "ribbon", "marker", "text"}[static_cast<std::size_t>(
-                call.pipeline)];
+        layer += std::array{"flat", "box", "rounded", "candle", "dense", "ribbon", "dashed", "marker", "text"}
+            [static_cast<std::size_t>(call.pipeline)];
         if (call.primitive == Primitive::lines) layer += " lines";
         layer += camera == overlays ? " on overlays" : camera == ofBars ? " on bars" : " on the view";
         EXPECT_TRUE(!layer.ends_with("view") || camera == Uniforms{});
         if (call.withView()) {
-            EXPECT_THAT(
-                std::span(u).subspan(4, 3),
-                ElementsAre(1400.0F, 900.0F, call.pipeline == Pipeline::marker || camera == Uniforms{} ? 1.0F : 0.0F));
+            EXPECT_THAT(std::span(u).subspan(4, 3),
+                        ElementsAre(1400.0F, 900.0F,
+                                    call.pipeline == Pipeline::dashed ? FloatNear(0.92F, 0.01F)
+                                    : call.pipeline == Pipeline::marker || camera == Uniforms{} ? FloatNear(1, 0)
+                                                                                                : FloatNear(0, 0)));
         }
         layers.push_back(layer);
     }
@@ -67,11 +68,12 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
         order.insert(order.end(), {"made flat on the view", "made ribbon on the view", "made marker on the view"});
     order.insert(order.end(), {"made box on the view",  // strike bars
                                "kept ribbon on bars",
-                               "made flat lines on bars",  // walls, price line
-                               "kept ribbon on overlays",
-                               "kept ribbon on overlays",                       // series, session lines
-                               "kept candle on overlays",                       // the paired instrument's
-                               "kept candle on bars", "made candle on bars"});  // closed bars, the forming one
+                               "made flat lines on bars",                             // walls, price line
+                               "kept ribbon on overlays", "made ribbon on overlays",  // a series and its end
+                               "kept ribbon on overlays", "made ribbon on overlays",  // another
+                               "kept dashed on overlays",                             // session lines
+                               "kept candle on overlays", "made candle on overlays",  // the paired instrument's
+                               "kept candle on bars", "made candle on bars"});        // closed bars, the forming one
     EXPECT_EQ(layers, order);
     EXPECT_EQ(calls(Pipeline::candle, true).at(1).count, 299U * candleVertices);
 }
@@ -116,8 +118,9 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
         {"ratio: markers", [&] { data.ratio = 41.5; }, 1},
         {"one more bubble", [&] { data.bubbles.push_back(data.bubbles.back()); }, 1},
         {"triangle opacity", [&] { data.config.triangleOpacity = 0.5F; }, 1},
-        {"overlay line", [&] { data.overlays.lines.back().pos[1] += 1; }, 1},
-        {"session line under its old revision", [&] { data.overlays.sessionLines[0].pos[1] += 1; }, 0, false},
+        {"end of an overlay line", [&] { data.overlays.ribbons[0].vertices.back().pos[1] += 1; }, 0},
+        {"its new revision", [&] { ++data.overlays.ribbons[0].revision; }, 1},
+        {"session line under its old revision", [&] { data.overlays.sessionDashes[0].pos[1] += 1; }, 0, false},
         {"its new revision", [&] { ++data.overlays.sessionRevision; }, 1},
         {"walls off", [&] { data.config.wallsEnabled = false; }, 0},
     };
@@ -134,8 +137,7 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
         settle();
         EXPECT_EQ(gpu.buffersMade() - made, buffersMade);
         const auto kept = std::ranges::count(recorded.draws, true, &Draw::retained);
-        EXPECT_EQ(gpu.buffersHeld(), 4 + static_cast<std::size_t>(kept))
-            << "three arenas, the session lines without gaps, and nothing of the past";
+        EXPECT_EQ(gpu.buffersHeld(), 3 + static_cast<std::size_t>(kept)) << "three arenas, and nothing of the past";
         EXPECT_EQ(walls().size(), data.config.wallsEnabled ? 1U : 0U);
     }
 }
@@ -175,20 +177,14 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
     data.overlays = OverlayRibbons().make({&data.series, data.srLines, 1, data.style, data.candles});
     data.overlays.sessionRevision = 9;
     show();
-    const auto sessionLines = [&] {
-        const auto all = calls(Pipeline::ribbon, true);
-        const auto gray = [&](const Draw& call) { return recorded.vertices<LineVertex>(call)[0].color.r == 170; };
-        const auto line = std::find_if(all.begin() + std::ssize(walls()), all.end(), gray);
-        return std::pair(line->count, recorded.vertices<LineVertex>(*line)[0].color.a);
-    };
+    const auto gaps = [&] { return calls(Pipeline::dashed, true).back().uniforms; };
     renderer.mirrorView(3000, 200);
     frame();
-    EXPECT_GT(sessionLines().first, 200U * segmentVertices) << "dashes of the bars in view";
-    EXPECT_EQ(sessionLines().second, 204);
+    EXPECT_NEAR(gaps()[6], 0.92, 1e-6);
+    EXPECT_EQ(gaps()[7], 0.5);
     renderer.mirrorView(0, 1600);
     frame();
-    EXPECT_EQ(sessionLines(), std::pair(segmentVertices, std::uint8_t{102}))
-        << "from afar one line, as faint as its dashes";
+    EXPECT_EQ(gaps()[6], 0) << "from afar as faint as their dashes";
     EXPECT_NEAR(markers().uniforms[6], 0.0625, 1e-6);
     EXPECT_NEAR(markers().uniforms[7], 0.5, 1e-6);
 }

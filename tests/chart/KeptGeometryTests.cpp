@@ -46,17 +46,14 @@ std::vector<std::string> pieces(const std::vector<LineVertex>& verts, float half
     return found;
 }
 
-TEST(OverlayGeometry, LinesJoinBreakAtGapsMayBeDashedAndChangeColourAtTheirBase) {
-    std::vector<LineVertex> line, dashed, flow;
+TEST(OverlayGeometry, LinesJoinBreakAtGapsAndChangeColourAtTheirBase) {
+    std::vector<LineVertex> line, flow;
     const std::vector<OvPoint> gaps{{0, 1}, {1, 2}, {2.5, 3}, {4.5, 4}, {4.5, 5}, {4, 6}, {5, 7}};
-    OverlayGeometry::polyline(line, gaps, 2, red, {}, none);
+    for (std::size_t i = 0; i < gaps.size(); ++i) OverlayGeometry::lineTo(line, gaps, i, 2, red, none);
     EXPECT_THAT(pieces(line, 1), ElementsAre("red 0 1 to 1 2 on", "red 1 2 to 2.5 3", "red 4 6 to 5 7"));
-    const std::vector<OvPoint> close{{0, 10}, {1, 20}, {1.2, 30}};  // dashes begin anew at each point, and join
-    OverlayGeometry::polyline(dashed, close, 2, red, OverlayGeometry::Dash{0.5, 0.4}, none);
-    EXPECT_THAT(pieces(dashed, 1), ElementsAre("red 0 10 to 0.5 15", "red 0.9 19 to 1 20 on", "red 1 20 to 1.2 30"));
     const auto at = [](double idx, double v) { return OvColorPoint{idx, v, v >= 100, 100, v - 100}; };
     const std::vector<OvColorPoint> crossing{at(0, 101), at(1, 103), at(2, 97), at(3, 99), at(5, 101)};
-    OverlayGeometry::hfPolyline(flow, crossing, 2, blue, red, none);
+    for (std::size_t i = 0; i < crossing.size(); ++i) OverlayGeometry::flowTo(flow, crossing, i, 2, blue, red, none);
     EXPECT_THAT(pieces(flow, 1), ElementsAre("blue 0 101 to 1 103 on", "blue 1 103 to 1.5 100 on",
                                              "red 1.5 100 to 2 97 on", "red 2 97 to 3 99"));
 }
@@ -71,11 +68,11 @@ TEST(OverlayGeometry, LevelsSpanTheirBars) {
                                  {7, 0, 100, "", false},   // ends at the first bar
                                  {std::nan(""), 0, {}, "", false},
                                  {8, 110, 130, "", true},
-                                 {7, 140, {}, "", false}};  // where one ended before the dashes
-    std::vector<LineVertex> verts;
-    OverlayGeometry::srLines(verts, lines, list, 0.25, none);
-    EXPECT_THAT(pieces(verts, 0.5), ElementsAre("0 7 to 5 7", "1 7 to 5 7", "2 7 to 4 7", "1 8 to 1.46 8",
-                                                "1.92 8 to 2.38 8", "2.84 8 to 3 8", "4 7 to 5 7"));
+                                 {7, 140, {}, "", false}};  // where the last one without dashes ended
+    std::vector<LineVertex> verts, dashed;
+    OverlayGeometry::srLines(verts, dashed, lines, list, 0.25, none);
+    EXPECT_THAT(pieces(verts, 0.5), ElementsAre("0 7 to 5 7", "1 7 to 5 7", "2 7 to 4 7 on", "4 7 to 5 7"));
+    EXPECT_THAT(pieces(dashed, 0.5), ElementsAre("1 8 to 3 8"));
     EXPECT_EQ(verts[0].color.a, 64);
 }
 

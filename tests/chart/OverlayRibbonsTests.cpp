@@ -41,25 +41,27 @@ TEST_F(OverlayRibbonsTest, EachSeriesHasItsLookAndPlace) {
     const struct {
         float width;
         Rgba color;
-    } quads[] = {{2, {1, 0.843F, 0, 1}},           // VWAP
-                 {1, {1, 0.902F, 0.502F, 1}},      // New York's, in two dashes
-                 {1, {1, 0.902F, 0.502F, 1}},      //
+    } looks[] = {{2, {1, 0.843F, 0, 1}},           // VWAP
+                 {1, {1, 0.902F, 0.502F, 1}},      // New York's
                  {2, {0.353F, 0.82F, 0.749F, 1}},  // VIX
                  {1.5F, {1, 0, 0, 1}},             // averages
                  {1.5F, {0, 1, 0, 1}},             //
-                 {2, {0, 0.588F, 1, 0.4F}},        // flow above its base and below
-                 {2, {1, 0.314F, 0.314F, 0.4F}}};
-    ASSERT_EQ(lists.lines.size(), std::size(quads) * segmentVertices);
-    for (std::size_t i = 0; i < std::size(quads); ++i) {
-        EXPECT_EQ(lists.lines[i * segmentVertices].beside, quads[i].width / 2) << i;
-        EXPECT_EQ(lists.lines[i * segmentVertices].color, Rgba8(quads[i].color)) << i;
+                 {2, {0, 0.588F, 1, 0.4F}}};       // flow above its base
+    for (std::size_t i = 0; i < OverlayLists::ribbonCount; ++i) {
+        SCOPED_TRACE(i);
+        const auto& verts = lists.ribbons[i].vertices;
+        ASSERT_EQ(verts.size(), (i == 5 ? 2 : 1) * segmentVertices);
+        EXPECT_EQ(verts[0].beside, looks[i].width / 2);
+        EXPECT_EQ(verts[0].color, Rgba8(looks[i].color));
+        EXPECT_EQ(lists.ribbons[i].dash.has_value(), i == 1);
     }
+    EXPECT_EQ(lists.ribbons[5].vertices[4].color, Rgba8({1, 0.314F, 0.314F, 0.4F})) << "below it";
     EXPECT_EQ(lists.origin, (DataOrigin{9, candles.back().close}));
-    EXPECT_EQ(lists.lines[0].pos[0], 3.0F - 9.0F);
-    EXPECT_EQ(lists.second.size(), 2 * CandleGeometry::candleVertices);
-    EXPECT_EQ(
-        std::count_if(lists.second.begin(), lists.second.end(), [](const CandleVertex& v) { return v.halfStroke > 0; }),
-        CandleGeometry::candleVertices)
+    EXPECT_EQ(lists.ribbons[0].vertices[0].pos[0], 3.0F - 9.0F);
+    const auto& second = lists.second.vertices;
+    EXPECT_EQ(second.size(), 2 * CandleGeometry::candleVertices);
+    EXPECT_EQ(std::ranges::count_if(second, [](const CandleVertex& v) { return v.halfStroke > 0; }),
+              CandleGeometry::candleVertices)
         << "only falling ones are outlined";
     ASSERT_FALSE(lists.sessionLines.empty());
     EXPECT_EQ(lists.sessionLines[0].color.a, 128);
@@ -105,7 +107,7 @@ TEST_F(OverlayRibbonsTest, SessionLinesAreMadeAnewOnlyWhenSomethingThatTheyDepen
         EXPECT_EQ(lists.sessionRevision != revision, anew);
         EXPECT_TRUE(anew || lists.origin == origin);
         EXPECT_EQ(lists.sessionLines.empty(), candles.size() < 2);
-        EXPECT_EQ(lists.lines.empty(), series.ema1.empty() || candles.size() < 2);
+        EXPECT_EQ(lists.ribbons[3].vertices.empty(), series.ema1.empty() || candles.size() < 2);
     }
 }
 

@@ -73,7 +73,7 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
         ASSERT_EQ(renderer.camera().viewport(), viewport());
         int kinds = 0;
         for (const auto& draw : frame.draws) kinds |= 1 << static_cast<int>(draw.pipeline);
-        ASSERT_EQ(kinds, everything ? 0b11101111 : 0b10001101)
+        ASSERT_EQ(kinds, everything ? 0b111101111 : 0b100001101)
             << "no dense candles; without strikes no boxes, ribbons and markers";
         const double meanError = everything ? 0.4 : 0.25;
         expectSame(chartPicture(), frame, expected.atlas.image(), meanError);
@@ -125,8 +125,8 @@ class ChartEdges : public ChartPixels {
     /// What each draw of a frame of everything belongs to.
     static std::vector<Kind> kindsOf(const RecordedFrame& frame) {
         std::vector<Kind> out;
-        bool paired = true;  // are drawn first
-        int ribbons = 0;
+        int keptCandles = 0;    // the paired ones come first
+        bool overlays = false;  // come after the price line
         for (const auto& draw : frame.draws) {
             const auto& u = frame.uniforms[draw.uniforms];
             const bool onScreen = u[2] < 0, onView = u[0] == 1 && u[2] == 1;
@@ -136,11 +136,14 @@ class ChartEdges : public ChartPixels {
             else if (onView)
                 kind = draw.pipeline == Pipeline::box ? strikeBars : waves;
             else if (draw.pipeline == Pipeline::candle || draw.pipeline == Pipeline::dense)
-                kind = std::exchange(paired, false) ? pairedCandles : candles;
-            else if (draw.pipeline == Pipeline::ribbon)
-                kind = ribbons++ == 1 ? lines : levels;
+                kind = (keptCandles += draw.source >= 0) < 2 ? pairedCandles : candles;
+            else if (draw.pipeline == Pipeline::dashed && u[7] == 0.5F)
+                kind = levels;
+            else if (draw.pipeline == Pipeline::ribbon || draw.pipeline == Pipeline::dashed)
+                kind = overlays ? lines : levels;
             else if (draw.pipeline == Pipeline::marker)
                 kind = markers;
+            overlays |= draw.primitive == Primitive::lines;
             out.push_back(draw.opaque ? other : kind);
         }
         return out;
@@ -179,10 +182,8 @@ TEST_F(ChartEdges, CoverPixelsAsMuchAsTheirShapesDo) {
     const char* const names[] = {"candles", "paired candles", "lines",       "levels",
                                  "waves",   "markers",        "strike bars", "rectangles"};
     data.srLines[0].price -= 30;  // shares no pixel with a wall
-    const std::vector<OvPoint> dashed = data.series.vwapNY;
     for (const double pixelsABar : {1.3, 2.0, 3.7, 12.0}) {
         if (ratio() > 1 && pixelsABar < 3) continue;  // three outlines lie over each other there
-        data.series.vwapNY = pixelsABar > 4 ? dashed : std::vector<OvPoint>();  // else its pieces are finer than pixels
         for (const auto& [theme, phase] : {std::pair("mono", 0.0), {"mono", 0.25}, {"mono", 0.64}, {"classic", 0.4}}) {
             data.config.candleTheme = theme;
             cpu.view.setContent(data.content());

@@ -20,10 +20,11 @@ struct Corner {
 
 /// The outline within a quad whose inside the GPU finds for each pixel; everything of the quad without one.
 struct Outline {
-    enum class Kind : std::uint8_t { none, box, candle, disc, up, down } kind = Kind::none;
+    enum class Kind : std::uint8_t { none, box, candle, disc, up, down, dashes } kind = Kind::none;
     double x = 0, y = 0;                   // its middle, device pixels
     double halfWidth = 0, halfHeight = 0;  // of a box or a candle's body
     double radius = 0;
+    double alongX = 0, alongY = 0, period = 0, dash = 0;  // of dashes from x, y on: their way, and pixels along it
     double stroke = 0, fill = 0, wickHalf = 0, wickTop = 0, wickBottom = 0;  // of a candle
 
     // How much of the square of `side` pixels around px, py counts; of a point where it has no size.
@@ -61,6 +62,14 @@ struct Outline {
                 const double above = kind == Kind::up ? -dy : dy;  // towards the tip
                 const auto row = [&](double d) { return span(dx, std::max(radius - above - d * side, 0.0) / 2); };
                 return (row(0.25) + row(-0.25)) / 2 * share(above + radius);
+            }
+            case Kind::dashes: {
+                const double at = dx * alongX + dy * alongY, first = std::max(std::floor(at / period), 0.0) * period;
+                return period > 0 ? std::min(span(at - first - dash / 2, dash / 2) +
+                                                 span(at - first - period - dash / 2, dash / 2) +
+                                                 (first == 0 ? share(-at) : 0.0),
+                                             1.0)
+                                  : dash;
             }
             case Kind::none:
                 break;
@@ -149,9 +158,12 @@ class Canvas {
                 outline_.wickHalf = outline_.halfWidth * vertex.wick;
                 return out;
             }
-            case Pipeline::ribbon: {
+            case Pipeline::ribbon:
+            case Pipeline::dashed: {
                 const auto vertex = read<LineVertex>(bytes);
-                return ribbonCorner(at(vertex.pos, vertex.color), vertex, u);
+                const Corner middle = at(vertex.pos, vertex.color);
+                if (call.pipeline == Pipeline::dashed && !vertex.atEnd()) dashes(middle, vertex, u);
+                return ribbonCorner(middle, vertex, u);
             }
             case Pipeline::marker: {
                 const auto vertex = read<MarkerVertex>(bytes);
@@ -201,6 +213,20 @@ class Canvas {
         corner.x += (meet ? mx * 2 / turn : own.leftX) * side;
         corner.y -= (meet ? my * 2 / turn : own.leftY) * side;
         return corner;
+    }
+
+    // A segment's dashes, given where it begins.
+    void dashes(const Corner& from, const LineVertex& vertex, const std::array<float, 8>& u) {
+        const double x = vertex.dir[0] * u[0] * u[4] * 0.5 * frame_.pixelRatio;
+        const double y = -vertex.dir[1] * u[2] * u[5] * 0.5 * frame_.pixelRatio;
+        const double length = std::hypot(x, y);
+        outline_.kind = Outline::Kind::dashes;
+        outline_.x = from.x;
+        outline_.y = from.y;
+        outline_.alongX = x / length;
+        outline_.alongY = y / length;
+        outline_.period = u[6] * length / vertex.dir[0];
+        outline_.dash = u[6] > 0 ? outline_.period * u[7] : u[7];
     }
 
     Corner markerCorner(Corner center, const MarkerVertex& vertex, const std::array<float, 8>& u) {

@@ -52,9 +52,10 @@ Attributes attributesOf(Pipeline pipeline) {
                  A(0, 2, A::Float, offsetof(CandleVertex, fill)), A(0, 3, A::Float4, offsetof(CandleVertex, before)),
                  A(0, 4, A::UNormByte4, offsetof(CandleVertex, color))}};
         case Pipeline::ribbon:
+        case Pipeline::dashed:
             return {
                 "ribbon.vert.qsb",
-                "ribbon.frag.qsb",
+                pipeline == Pipeline::dashed ? "dashed.frag.qsb" : "ribbon.frag.qsb",
                 {A(0, 0, A::Float4, offsetof(LineVertex, pos)), A(0, 1, A::Float2, offsetof(LineVertex, joined)),
                  A(0, 2, A::Float, offsetof(LineVertex, beside)), A(0, 3, A::UNormByte4, offsetof(LineVertex, color))}};
         case Pipeline::marker:
@@ -195,8 +196,8 @@ bool RhiReplay::makePipelines(QRhiRenderTarget& target) {
 
 std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int samples) {
     constexpr std::array<Pipeline, kinds> programs{
-        Pipeline::flat,   Pipeline::flat,  Pipeline::flat,   Pipeline::box,    Pipeline::rounded,
-        Pipeline::candle, Pipeline::dense, Pipeline::ribbon, Pipeline::marker, Pipeline::text};
+        Pipeline::flat,  Pipeline::flat,   Pipeline::flat,   Pipeline::box,    Pipeline::rounded, Pipeline::candle,
+        Pipeline::dense, Pipeline::ribbon, Pipeline::dashed, Pipeline::marker, Pipeline::text};
     const auto attributes = attributesOf(programs[kind]);
     std::unique_ptr<QRhiGraphicsPipeline> out(rhi_->newGraphicsPipeline());
     out->setTopology(kind == flatLines ? QRhiGraphicsPipeline::Lines : QRhiGraphicsPipeline::Triangles);
@@ -329,6 +330,8 @@ RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
             return candleKind;
         case Pipeline::ribbon:
             return ribbonKind;
+        case Pipeline::dashed:
+            return dashedKind;
         case Pipeline::marker:
             return markerKind;
         case Pipeline::text:

@@ -73,6 +73,7 @@ class RhiReplay {
         candleKind,
         denseKind,
         ribbonKind,
+        dashedKind,
         markerKind,
         textKind,
         kinds

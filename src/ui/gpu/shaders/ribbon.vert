@@ -7,11 +7,12 @@ layout(location = 3) in vec4 color;
 layout(location = 0) out vec4 vColor;
 layout(location = 1) out vec3 vAt;     // pixels across from the middle line; from either end and half a pixel more
 layout(location = 2) out vec2 vShape;  // pixels across to half a pixel beyond the sides, and how far rows lean
+layout(location = 3) out vec3 vDash;   // how many dashes with their gaps there are to here, and in a pixel; their share
 
 layout(std140, binding = 0) uniform Block {
     mat4 place;
     vec4 map;     // xScale, xOffset, yScale, yOffset
-    vec4 view;    // width, height of the view
+    vec4 view;    // width, height of the view; of dashed lines: bars from one dash to the next, 0 for no gaps, their share
     vec4 device;  // pixels a point; 1 where edges are to be smoothed, 0 where samples do it
 } u;
 
@@ -55,6 +56,8 @@ void main()
         vAt = vec3(0.0, 1.0, 1.0);
         vShape = vec2(1.0, 0.0);
     }
+    float perPixel = segment.z / max(u.view.z * len, 1e-6);
+    vDash = u.view.z > 0.0 ? vec3((atEnd * len + along) * perPixel, perPixel, u.view.w) : vec3(0.5, 1.0, u.view.w);
     vColor = color;
     vec2 p = vec2(segment.x * u.map.x + u.map.y, segment.y * u.map.z + u.map.w);
     gl_Position = u.place * vec4(p + off * 2.0 / size, 0.0, 1.0);
