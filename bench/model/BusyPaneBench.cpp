@@ -123,7 +123,7 @@ void busyOpen(benchmark::State& state) {
         }
     }
     const bool marked = std::ranges::any_of(
-        pane.shown.draws, [](const auto& call) { return call.pipeline == Pipeline::marker && call.vertexCount > 0; });
+        pane.shown.draws, [](const auto& call) { return call.pipeline == Pipeline::triangle && call.vertexCount > 0; });
     if (pane.model->overlays.series().hfLine.size() < 3000 || pane.frames == 0 || !marked ||
         pane.model->options.strikes->size() != 250)
         state.SkipWithError("something is missing");

@@ -18,7 +18,7 @@ void ChartRenderer::encodeEdges(const EdgeFrame& edges, double width, double hei
         drawDyn(Primitive::quads, wave.fill);
         setWithView(gpu_, Pipeline::ribbon, view);
         drawDyn(Primitive::quads, wave.stroke);
-        setWithView(gpu_, Pipeline::marker, view);
+        setWithView(gpu_, Pipeline::disc, view);
         drawDyn(Primitive::quads, wave.dots);
     }
     if (!edges.bars) return;

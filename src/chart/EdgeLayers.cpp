@@ -144,7 +144,7 @@ EdgeFrame::Wave EdgeLayers::Impl::writeOne(StrikeMap<WaveDisp>& wave, const Wave
     LineVertex* const stroke = arena.reserve<LineVertex>(strokeVertices(wave.size())).data();
     out.stroke = arena.commit<LineVertex>(
         static_cast<std::size_t>(writeStroke(wave, look, stage, placed, net, stroke) - stroke));
-    MarkerVertex* const dots = arena.reserve<MarkerVertex>(wave.size() * markerVertices).data();
+    MarkerVertex* const dots = arena.reserve<MarkerVertex>(wave.size() * discVertices).data();
     out.dots =
         arena.commit<MarkerVertex>(static_cast<std::size_t>(writeDots(wave, look, stage, placed, net, dots) - dots));
     return out;

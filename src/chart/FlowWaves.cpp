@@ -133,8 +133,8 @@ MarkerVertex* writeDots(StrikeMap<WaveDisp>& display, const WaveLook& look, cons
     const std::span<const WaveEntry> points = display.byRow();
     if (points.size() < 2) return out;
     for (const WaveEntry& point : points) {
-        out = writeMarker(out, stage.clipX(point.disp.x), stage.clipY(point.disp.py), dotRadius, MarkerShape::disc,
-                          look.dot[signOf(point.strike, placed, net)]);
+        out = writeDisc(out, stage.clipX(point.disp.x), stage.clipY(point.disp.py), dotRadius,
+                        look.dot[signOf(point.strike, placed, net)]);
     }
     return out;
 }

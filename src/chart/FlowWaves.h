@@ -38,7 +38,7 @@ ChartVertex* writeFill(StrikeMap<WaveDisp>& display, const WaveLook& look, const
 LineVertex* writeStroke(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
                         std::span<const PlacedRow> placed, StrikeMetric net, LineVertex* out);
 
-/// Writes a dot on each point of a wave of two or more, `markerVertices` each, to be drawn over it.
+/// Writes a dot on each point of a wave of two or more, `discVertices` each, to be drawn over it.
 MarkerVertex* writeDots(StrikeMap<WaveDisp>& display, const WaveLook& look, const EdgeStage& stage,
                         std::span<const PlacedRow> placed, StrikeMetric net, MarkerVertex* out);
 

@@ -69,7 +69,7 @@ template KeptList::Reach KeptList::reachOf(std::span<const CandleVertex>);
 template KeptList::Reach KeptList::reachOf(std::span<const LineVertex>);
 
 void KeptList::draw() const {
-    if (count_ > 0) gpu_.draw(Primitive::quads, buffer_, 0, count_);
+    if (count_ > 0) gpu_.draw(primitive_, buffer_, 0, count_);
 }
 
 // Runs of blocks in view are drawn at once.
@@ -81,7 +81,7 @@ void KeptList::drawInView(const Camera& camera, const DataOrigin& origin) const 
         if (!blocks_[begin].meets(camera, origin)) continue;
         while (end < blocks && blocks_[end].meets(camera, origin)) ++end;
         const std::size_t from = begin * blockVertices, to = std::min(end * blockVertices, count_);
-        gpu_.draw(Primitive::quads, buffer_, from * stride_, to - from);
+        gpu_.draw(primitive_, buffer_, from * stride_, to - from);
     }
 }
 

@@ -16,7 +16,7 @@ namespace vmr {
 class KeptList {
  public:
     /// `gpu` must outlive it.
-    explicit KeptList(Gpu& gpu) : gpu_(gpu) {}
+    explicit KeptList(Gpu& gpu, Primitive primitive = Primitive::quads) : gpu_(gpu), primitive_(primitive) {}
     ~KeptList();
     KeptList(const KeptList&) = delete;
     KeptList& operator=(const KeptList&) = delete;
@@ -52,9 +52,10 @@ class KeptList {
     };
     template <class Vertex>
     static Reach reachOf(std::span<const Vertex> list);
-    static constexpr std::size_t blockVertices = 1152;  ///< whole quads
+    static constexpr std::size_t blockVertices = 1152;  ///< whole quads or triangles
 
     Gpu& gpu_;
+    Primitive primitive_;
     GpuBuffer buffer_ = 0;
     std::size_t count_ = 0;
     std::size_t stride_ = 0;     ///< bytes of a vertex

@@ -1,8 +1,8 @@
 #include "chart/KeptMarkers.h"
 
 #include <tuple>
+#include <utility>
 
-#include "chart/Markers.h"
 #include "chart/PipelineState.h"
 
 namespace vmr {
@@ -35,18 +35,22 @@ bool KeptMarkers::looksAlike(const RenderConfig& a, const RenderConfig& b) {
 void KeptMarkers::make(std::span<const Candle> candles, double etfRatio, const RenderConfig& config,
                        const DataOrigin& origin) {
     dirty = false;
-    Markers::build(vertices_, {bubblePts_, trianglePts_, candles, etfRatio, config, origin});
-    list_.keep(vertices_);
+    Markers::build(lists_, {bubblePts_, trianglePts_, candles, etfRatio, config, origin});
+    discs_.keep(lists_.discs);
+    triangles_.keep(lists_.triangles);
 }
 
 void KeptMarkers::draw(const Camera& camera, const DataOrigin& origin, double width, double height) const {
-    if (list_.size() == 0) return;
     const Markers::Zoom zoom = Markers::zoom(camera.visibleCount);
     LineUniforms uniforms = lineUniforms(camera.uniforms(origin), width, height);
     uniforms.pad0 = zoom.fade;
     uniforms.pad1 = zoom.shrink;
-    setWithView(gpu_, Pipeline::marker, uniforms);
-    list_.drawInView(camera, origin);
+    for (const auto& [list, pipeline] :
+         {std::pair(&discs_, Pipeline::disc), std::pair(&triangles_, Pipeline::triangle)}) {
+        if (list->size() == 0) continue;
+        setWithView(gpu_, pipeline, uniforms);
+        list->drawInView(camera, origin);
+    }
 }
 
 }  // namespace vmr

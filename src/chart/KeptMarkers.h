@@ -6,6 +6,7 @@
 
 #include "chart/Camera.h"
 #include "chart/KeptList.h"
+#include "chart/Markers.h"
 #include "chart/RenderConfig.h"
 #include "gpu/Vertices.h"
 #include "market/Records.h"
@@ -15,7 +16,7 @@ namespace vmr {
 /// Made anew when the markers, the bars, the ratio or their look changed. Main thread.
 class KeptMarkers {
  public:
-    explicit KeptMarkers(Gpu& gpu) : gpu_(gpu), list_(gpu) {}
+    explicit KeptMarkers(Gpu& gpu) : gpu_(gpu), discs_(gpu), triangles_(gpu, Primitive::triangles) {}
 
     /// Copies the markers, ascending by minute, and tells whether they are others; compares counts and last elements.
     bool set(std::span<const BubblePt> bubbles, std::span<const TrianglePt> triangles);
@@ -36,8 +37,8 @@ class KeptMarkers {
     Gpu& gpu_;
     std::vector<BubblePt> bubblePts_;
     std::vector<TrianglePt> trianglePts_;
-    KeptList list_;
-    std::vector<MarkerVertex> vertices_;
+    KeptList discs_, triangles_;
+    Markers::Lists lists_;
 };
 
 }  // namespace vmr

@@ -60,7 +60,7 @@ class Writer {
         const float r = std::max(static_cast<float>(leastRadius), static_cast<float>(point.dom * 20.0));
         const Rgba color = faded(point.pos ? config.bubblePos : config.bubbleNeg,
                                  config.bubbleOpacity * rankShare(point.rank) * baseAlpha(r));
-        put(r, MarkerShape::disc, color);
+        out_ = writeDisc(out_, x_, y_, r, color);
     }
 
     void triangle(const TrianglePt& point) {
@@ -70,7 +70,7 @@ class Writer {
         const auto r = static_cast<float>(share * radiusRange + leastRadius);
         const bool up = point.net >= 0;
         const Rgba color = faded(up ? config.hfCall : config.hfPut, config.triangleOpacity * baseAlpha(r));
-        put(r, up ? MarkerShape::up : MarkerShape::down, color);
+        out_ = writeTriangle(out_, x_, y_, r, up, color);
     }
 
  private:
@@ -82,10 +82,6 @@ class Writer {
         return true;
     }
 
-    void put(float radius, MarkerShape shape, const Rgba& color) {
-        out_ = writeMarker(out_, x_, y_, radius, shape, color);
-    }
-
     MarkerVertex* out_;
     const Input& input_;
     BarSearch search_;
@@ -94,18 +90,24 @@ class Writer {
 
 }  // namespace
 
-void build(std::vector<MarkerVertex>& out, const Input& input) {
-    if (!std::isfinite(input.etfRatio) || input.etfRatio == 0 || input.candles.empty()) {
-        out.clear();
-        return;
-    }
-    const std::size_t bubbles = input.config.bubblesEnabled ? input.bubbles.size() : 0;
-    const std::size_t triangles = input.config.trianglesEnabled ? input.triangles.size() : 0;
-    out.resize((bubbles + triangles) * markerVertices);
+namespace {
+/// Makes the vertices of all `points`, at most `each` for one of them.
+template <class Point>
+void write(std::vector<MarkerVertex>& out, std::span<const Point> points, std::size_t each, const Input& input,
+           void (Writer::*add)(const Point&)) {
+    out.resize(points.size() * each);
     Writer writer(out.data(), input);
-    for (const BubblePt& point : input.bubbles.first(bubbles)) writer.bubble(point);
-    for (const TrianglePt& point : input.triangles.first(triangles)) writer.triangle(point);
+    for (const Point& point : points) (writer.*add)(point);
     out.resize(static_cast<std::size_t>(writer.end() - out.data()));
+}
+}  // namespace
+
+void build(Lists& out, const Input& input) {
+    const bool placed = std::isfinite(input.etfRatio) && input.etfRatio != 0 && !input.candles.empty();
+    const bool bubbles = placed && input.config.bubblesEnabled, triangles = placed && input.config.trianglesEnabled;
+    write(out.discs, input.bubbles.first(bubbles ? input.bubbles.size() : 0), discVertices, input, &Writer::bubble);
+    write(out.triangles, input.triangles.first(triangles ? input.triangles.size() : 0), triangleVertices, input,
+          &Writer::triangle);
 }
 
 Zoom zoom(double barsInView) {

@@ -21,10 +21,15 @@ struct Input {
     DataOrigin origin;
 };
 
-/// Writes the markers into `out`, whose memory is used again: bubbles, then triangles over them. Empty without bars and
-/// with a ratio that is 0 or not finite. A marker without a finite price and a triangle without a `minuteMax` are left
-/// out. Cheapest for points in the order of their minutes.
-void build(std::vector<MarkerVertex>& out, const Input& input);
+struct Lists {
+    std::vector<MarkerVertex> discs;      ///< bubbles
+    std::vector<MarkerVertex> triangles;  ///< over them
+};
+
+/// Writes the markers into `out`, whose memory is used again. Empty without bars and with a ratio that is 0 or not
+/// finite. A marker without a finite price and a triangle without a `minuteMax` are left out. Cheapest for points in
+/// the order of their minutes.
+void build(Lists& out, const Input& input);
 
 /// How all markers fade and shrink when many bars are in view, so that deep stacks do not smear to a solid.
 struct Zoom {

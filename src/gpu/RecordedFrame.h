@@ -69,7 +69,8 @@ constexpr std::size_t vertexStride(Pipeline pipeline) {
         case Pipeline::ribbon:
         case Pipeline::dashed:
             return sizeof(LineVertex);
-        case Pipeline::marker:
+        case Pipeline::disc:
+        case Pipeline::triangle:
             return sizeof(MarkerVertex);
         case Pipeline::text:
             return sizeof(TextVertex);

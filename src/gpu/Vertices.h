@@ -118,29 +118,35 @@ inline void joinSegments(LineVertex* first, LineVertex* second) {
     }
 }
 
-/// What a marker looks like: a disc, or a triangle as high as wide with its tip up or down.
-enum class MarkerShape : std::uint8_t { disc, up, down };
-
-/// Markers of constant size on the screen, a quad each, whose outline the GPU finds for each pixel. The four corners
-/// differ in their code alone.
+/// Markers of constant size on the screen, whose outline the GPU finds for each pixel: discs, a quad each, and
+/// triangles as high as wide. The corners of one differ in their code alone.
 struct MarkerVertex {
     float center[2] = {0, 0};
     float radius = 0;  ///< points, from the centre to the rim, or to the sides of a triangle's box
     float alpha = 1;   ///< not in the colour, since deep stacks are made of very faint ones
-    Rgba8 color;  ///< in place of its alpha a code: four times the shape, and the corner: top left, bottom left, bottom
-                  ///< right, top right
+    Rgba8 color;  ///< in place of its alpha the corner: top left, bottom left, bottom right, top right, or tip, left
+                  ///< and right of the base; 4 more where the tip is down
     bool operator==(const MarkerVertex&) const = default;
 
-    MarkerShape shape() const { return static_cast<MarkerShape>(color.a / 4); }
+    bool isDown() const { return color.a >= 4; }
 };
-inline constexpr std::size_t markerVertices = 4;
+inline constexpr std::size_t discVertices = 4, triangleVertices = 3;
 
-/// Writes the four corners of a marker at `out` and returns the place after them.
-inline MarkerVertex* writeMarker(MarkerVertex* out, float x, float y, float radius, MarkerShape shape,
-                                 const Rgba& color) {
+/// Writes the four corners of a disc at `out` and returns the place after them.
+inline MarkerVertex* writeDisc(MarkerVertex* out, float x, float y, float radius, const Rgba& color) {
     MarkerVertex vertex{{x, y}, radius, color[3], color};
-    for (unsigned corner = 0; corner < markerVertices; ++corner) {
-        vertex.color.a = static_cast<std::uint8_t>(static_cast<unsigned>(shape) * 4 + corner);
+    for (std::uint8_t corner = 0; corner < discVertices; ++corner) {
+        vertex.color.a = corner;
+        *out++ = vertex;
+    }
+    return out;
+}
+
+/// The same with the three of a triangle.
+inline MarkerVertex* writeTriangle(MarkerVertex* out, float x, float y, float radius, bool up, const Rgba& color) {
+    MarkerVertex vertex{{x, y}, radius, color[3], color};
+    for (std::uint8_t corner = 0; corner < triangleVertices; ++corner) {
+        vertex.color.a = static_cast<std::uint8_t>(corner + (up ? 0 : 4));
         *out++ = vertex;
     }
     return out;

@@ -200,9 +200,9 @@ TEST_F(EdgeLayersTest, WavesShareAScaleAndTheNetOneEasesThroughCameraMovesPainte
     } waves[] = {{wave(frame.waves[0]), {32, 64}, config.hfCall}, {wave(frame.waves[1]), {128, 0}, config.hfPut}};
     for (const auto& [is, swings, color] : waves) {
         ASSERT_TRUE(is.fill.size() == 3 * 4 && is.stroke.size() == segmentVertices &&
-                    is.dots.size() == 2 * markerVertices);
+                    is.dots.size() == 2 * discVertices);
         for (std::size_t i = 0; i < 2; ++i) {
-            for (const float* at : {is.stroke[i * 2].pos, is.dots[i * markerVertices].center}) {
+            for (const float* at : {is.stroke[i * 2].pos, is.dots[i * discVertices].center}) {
                 EXPECT_NEAR(x(at), axisX - swings[i], 1e-3);
                 EXPECT_NEAR(y(at), i == 0 ? 390 : 410, 1e-3);
             }
@@ -220,7 +220,7 @@ TEST_F(EdgeLayersTest, WavesShareAScaleAndTheNetOneEasesThroughCameraMovesPainte
     strikes = {flow(99, 3, 5), flow(101, 2, -6), flow(103, 2, 0)};
     const Wave net = wave(step(1, true).waves[0]);
     ASSERT_TRUE(net.fill.size() == 4 * 4 && net.stroke.size() == 2 * segmentVertices &&
-                net.dots.size() == 3 * markerVertices);
+                net.dots.size() == 3 * discVertices);
     std::string colors;  // fill, segments by first point, dots
     for (const Rgba8& color : {net.fill[0].color, net.fill[6].color, net.stroke[0].color, net.stroke[4].color,
                                net.dots[0].color, net.dots[4].color, net.dots[8].color})

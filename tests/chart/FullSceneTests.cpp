@@ -29,7 +29,7 @@ struct FullSceneTest : ChartScene {
         }
         return list;
     }
-    Draw markers() const { return calls(Pipeline::marker, true).at(0); }
+    Draw markers() const { return calls(Pipeline::disc, true).at(0); }
 };
 
 TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
@@ -49,7 +49,7 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
             continue;
         }
         std::string layer = call.retained ? "kept " : "made ";
-        layer += std::array{"flat", "box", "rounded", "candle", "dense", "ribbon", "dashed", "marker", "text"}
+        layer += std::array{"flat", "box", "rounded", "candle", "dense", "ribbon", "dashed", "disc", "triangle", "text"}
             [static_cast<std::size_t>(call.pipeline)];
         if (call.primitive == Primitive::lines) layer += " lines";
         layer += camera == overlays ? " on overlays" : camera == ofBars ? " on bars" : " on the view";
@@ -58,14 +58,16 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
             EXPECT_THAT(std::span(u).subspan(4, 3),
                         ElementsAre(1400.0F, 900.0F,
                                     call.pipeline == Pipeline::dashed ? FloatNear(0.92F, 0.01F)
-                                    : call.pipeline == Pipeline::marker || camera == Uniforms{} ? FloatNear(1, 0)
-                                                                                                : FloatNear(0, 0)));
+                                    : call.pipeline == Pipeline::disc || call.pipeline == Pipeline::triangle ||
+                                            camera == Uniforms{}
+                                        ? FloatNear(1, 0)
+                                        : FloatNear(0, 0)));
         }
         layers.push_back(layer);
     }
-    std::vector<std::string> order{"opaque", "kept marker on bars"};  // ground, markers
+    std::vector<std::string> order{"opaque", "kept disc on bars", "kept triangle on bars"};  // ground, markers
     for (int wave = 0; wave < 4; ++wave)  // fill, stroke and dots of flow and open interest, of calls and puts
-        order.insert(order.end(), {"made flat on the view", "made ribbon on the view", "made marker on the view"});
+        order.insert(order.end(), {"made flat on the view", "made ribbon on the view", "made disc on the view"});
     order.insert(order.end(), {"made box on the view",  // strike bars
                                "kept ribbon on bars",
                                "made flat lines on bars",                             // walls, price line
@@ -94,7 +96,7 @@ TEST_F(FullSceneTest, WallsAndMarkersLieWhereTheirBarsAndPricesAre) {
             EXPECT_NEAR(at[1], AxisScale::yFor(view, data.levels[i / 4 * 2].price, height), 0.02);
         }
         const BubblePt& bubble = data.bubbles[40];
-        const MarkerVertex marker = recorded.vertices<MarkerVertex>(markers()).at(40 * markerVertices);
+        const MarkerVertex marker = recorded.vertices<MarkerVertex>(markers()).at(40 * discVertices);
         const auto at = recorded.screen(markers(), marker.center[0], marker.center[1]);
         const auto bar = static_cast<double>((bubble.minuteTs - data.candles.front().time) / 60);
         EXPECT_NEAR(at[0], AxisScale::xForIndex(view, bar, width), 0.02);
@@ -111,13 +113,13 @@ TEST_F(FullSceneTest, EachChangeRebuildsWhatItTouchesAndAsksForOneFrame) {
     } cases[] = {
         {"nothing", [] {}, 0, false},
         {"tick", [&] { data.candles.back().close += 0.25; }, 0},
-        {"new bar: candles, walls and markers", [&] { data.candles = bars(301); }, 3},
+        {"new bar: candles, walls and both markers", [&] { data.candles = bars(301); }, 4},
         {"theme: candles", [&] { data.config.candleTheme = "classic"; }, 1},
         {"wall moved", [&] { data.levels[0].price += 1; }, 1},
         {"strike row", [&] { data.strikes[3].callGex += 1; }, 0},
-        {"ratio: markers", [&] { data.ratio = 41.5; }, 1},
-        {"one more bubble", [&] { data.bubbles.push_back(data.bubbles.back()); }, 1},
-        {"triangle opacity", [&] { data.config.triangleOpacity = 0.5F; }, 1},
+        {"ratio: markers", [&] { data.ratio = 41.5; }, 2},
+        {"one more bubble", [&] { data.bubbles.push_back(data.bubbles.back()); }, 2},
+        {"triangle opacity", [&] { data.config.triangleOpacity = 0.5F; }, 2},
         {"end of an overlay line", [&] { data.overlays.ribbons[0].vertices.back().pos[1] += 1; }, 0},
         {"its new revision", [&] { ++data.overlays.ribbons[0].revision; }, 1},
         {"session line under its old revision", [&] { data.overlays.sessionDashes[0].pos[1] += 1; }, 0, false},
@@ -165,7 +167,7 @@ TEST_F(FullSceneTest, AMovedCameraAndAnotherSizeChangeUniformsOnly) {
         frame();
         EXPECT_EQ(recorded.draws.size(), layers);
         EXPECT_NE(markers().uniforms, old);
-        EXPECT_NEAR(flatBox(recorded.draws[2], 0).left, (PlotArea{width, height}.right()), 0.01)
+        EXPECT_NEAR(flatBox(recorded.draws[3], 0).left, (PlotArea{width, height}.right()), 0.01)
             << "waves hang on the axis";
     }
     EXPECT_EQ(gpu.buffersMade(), made);

@@ -88,13 +88,14 @@ TEST(Markers, EachMinuteFindsItsBarInAnyOrderAndWhatHasNoPlaceIsLeftOut) {
         triangles.push_back({firstBarTime, 512, 1, 0});
         triangles.push_back({firstBarTime, HUGE_VAL, 1, 1});
         const BubblePt nowhere{firstBarTime, std::nan(""), 1, true, 0};
-        std::vector<MarkerVertex> out;
-        Markers::build(out, {{&nowhere, 1}, triangles, candles, 41.0, {}, {399, 21000}});
-        ASSERT_EQ(out.size(), 3000U * markerVertices);
+        Markers::Lists lists;
+        const auto& out = lists.triangles;
+        Markers::build(lists, {{&nowhere, 1}, triangles, candles, 41.0, {}, {399, 21000}});
+        ASSERT_EQ(out.size(), 3000U * triangleVertices);
         for (std::size_t i = 0; i < 3000; ++i) {
             std::size_t bar = 0;
             while (bar + 1 < candles.size() && candles[bar + 1].time <= triangles[i].minuteTs) ++bar;
-            ASSERT_EQ(out[i * markerVertices].center[0], static_cast<float>(bar) - 399.0F) << triangles[i].minuteTs;
+            ASSERT_EQ(out[i * triangleVertices].center[0], static_cast<float>(bar) - 399.0F) << triangles[i].minuteTs;
         }
     }
 }
@@ -103,12 +104,14 @@ TEST(Markers, BubblesFadeByTheirRankAndTrianglesGrowByTheirSize) {
     const std::vector<Candle> candles = bars(2);
     const std::vector<BubblePt> bubbles{
         {firstBarTime, 512, 0.5, true, 0}, {firstBarTime, 513, 0.5, true, 1}, {firstBarTime, 514, 0.5, true, 2}};
-    std::vector<MarkerVertex> out;
+    Markers::Lists lists;
+    const auto& [out, triangles] = lists;
     const TrianglePt falling{firstBarTime, 512, -5, 10};
-    Markers::build(out, {bubbles, {&falling, 1}, candles, 41.0, {}, {}});
-    ASSERT_EQ(out.size(), 4 * markerVertices);
-    EXPECT_EQ(out[12].radius, 2 + 18 / 2);
-    EXPECT_EQ(out[12].shape(), MarkerShape::down);
+    Markers::build(lists, {bubbles, {&falling, 1}, candles, 41.0, {}, {}});
+    ASSERT_EQ(out.size(), 3 * discVertices);
+    ASSERT_EQ(triangles.size(), triangleVertices);
+    EXPECT_EQ(triangles[0].radius, 2 + 18 / 2);
+    EXPECT_TRUE(triangles[0].isDown());
     EXPECT_NEAR(out[4].alpha / out[0].alpha, 0.7, 1e-6);
     EXPECT_NEAR(out[8].alpha / out[0].alpha, 0.5, 1e-6);
 }

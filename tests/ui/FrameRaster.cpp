@@ -165,9 +165,10 @@ class Canvas {
                 if (call.pipeline == Pipeline::dashed && !vertex.atEnd()) dashes(middle, vertex, u);
                 return ribbonCorner(middle, vertex, u);
             }
-            case Pipeline::marker: {
+            case Pipeline::disc:
+            case Pipeline::triangle: {
                 const auto vertex = read<MarkerVertex>(bytes);
-                return markerCorner(at(vertex.center, vertex.color), vertex, u);
+                return markerCorner(at(vertex.center, vertex.color), vertex, u, call.pipeline == Pipeline::disc);
             }
             case Pipeline::text: {
                 const auto vertex = read<TextVertex>(bytes);
@@ -229,17 +230,21 @@ class Canvas {
         outline_.dash = u[6] > 0 ? outline_.period * u[7] : u[7];
     }
 
-    Corner markerCorner(Corner center, const MarkerVertex& vertex, const std::array<float, 8>& u) {
-        constexpr Outline::Kind kinds[] = {Outline::Kind::disc, Outline::Kind::up, Outline::Kind::down};
+    Corner markerCorner(Corner center, const MarkerVertex& vertex, const std::array<float, 8>& u, bool disc) {
         const unsigned which = vertex.color.a % 4;
-        const double radius = vertex.radius * u[7] * frame_.pixelRatio;
-        outline_.kind = kinds[static_cast<std::size_t>(vertex.shape())];
+        const double radius = vertex.radius * u[7] * frame_.pixelRatio, up = vertex.isDown() ? 1 : -1;
+        outline_.kind = disc ? Outline::Kind::disc : vertex.isDown() ? Outline::Kind::down : Outline::Kind::up;
         outline_.x = center.x;
         outline_.y = center.y;
         outline_.radius = radius;
-        center.x += (radius + 0.5) * (which >= 2 ? 1 : -1);
-        center.y += (radius + 0.5) * (which == 1 || which == 2 ? 1 : -1);
         center.color[3] = vertex.alpha * u[6];
+        if (disc) {
+            center.x += (radius + 0.5) * (which >= 2 ? 1 : -1);
+            center.y += (radius + 0.5) * (which == 1 || which == 2 ? 1 : -1);
+        } else {  // a triangle around the outline
+            center.x += which == 0 ? 0 : (radius + 2) * (which == 2 ? 1 : -1);
+            center.y += up * (which == 0 ? radius + 4 : -radius - 1);
+        }
         return center;
     }
 

@@ -58,10 +58,11 @@ Attributes attributesOf(Pipeline pipeline) {
                 pipeline == Pipeline::dashed ? "dashed.frag.qsb" : "ribbon.frag.qsb",
                 {A(0, 0, A::Float4, offsetof(LineVertex, pos)), A(0, 1, A::Float2, offsetof(LineVertex, joined)),
                  A(0, 2, A::Float, offsetof(LineVertex, beside)), A(0, 3, A::UNormByte4, offsetof(LineVertex, color))}};
-        case Pipeline::marker:
+        case Pipeline::disc:
+        case Pipeline::triangle:
             return {
-                "marker.vert.qsb",
-                "marker.frag.qsb",
+                pipeline == Pipeline::disc ? "disc.vert.qsb" : "triangle.vert.qsb",
+                pipeline == Pipeline::disc ? "disc.frag.qsb" : "triangle.frag.qsb",
                 {A(0, 0, A::Float2, offsetof(MarkerVertex, center)), A(0, 1, A::Float2, offsetof(MarkerVertex, radius)),
                  A(0, 2, A::UNormByte4, offsetof(MarkerVertex, color))}};
         case Pipeline::text:
@@ -196,8 +197,8 @@ bool RhiReplay::makePipelines(QRhiRenderTarget& target) {
 
 std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int samples) {
     constexpr std::array<Pipeline, kinds> programs{
-        Pipeline::flat,  Pipeline::flat,   Pipeline::flat,   Pipeline::box,    Pipeline::rounded, Pipeline::candle,
-        Pipeline::dense, Pipeline::ribbon, Pipeline::dashed, Pipeline::marker, Pipeline::text};
+        Pipeline::flat,  Pipeline::flat,   Pipeline::flat,   Pipeline::box,  Pipeline::rounded,  Pipeline::candle,
+        Pipeline::dense, Pipeline::ribbon, Pipeline::dashed, Pipeline::disc, Pipeline::triangle, Pipeline::text};
     const auto attributes = attributesOf(programs[kind]);
     std::unique_ptr<QRhiGraphicsPipeline> out(rhi_->newGraphicsPipeline());
     out->setTopology(kind == flatLines ? QRhiGraphicsPipeline::Lines : QRhiGraphicsPipeline::Triangles);
@@ -332,8 +333,10 @@ RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
             return ribbonKind;
         case Pipeline::dashed:
             return dashedKind;
-        case Pipeline::marker:
-            return markerKind;
+        case Pipeline::disc:
+            return discKind;
+        case Pipeline::triangle:
+            return triangleKind;
         case Pipeline::text:
             return textKind;
         case Pipeline::flat:

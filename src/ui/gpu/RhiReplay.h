@@ -74,7 +74,8 @@ class RhiReplay {
         denseKind,
         ribbonKind,
         dashedKind,
-        markerKind,
+        discKind,
+        triangleKind,
         textKind,
         kinds
     };
