@@ -77,7 +77,7 @@ void ShellWindow::setActions() {
                       .end = endProgram});
     menu_.setHooks({.newWindow = [this] { return kit_.windows.open(&panes_) != nullptr; },
                     .checkForUpdates = kit_.checkForUpdates,
-                    .quit = endProgram,
+                    .quit = [this] { askToEnd(); },
                     .leavePractice = kit_.practising ? kit_.switchPractice : std::function<void()>()});
 }
 
@@ -105,6 +105,11 @@ void ShellWindow::close() {
 
 void ShellWindow::closeNow() {
     if (kit_.windows.size() > 1) return kit_.windows.close(panes_.number());
+    askToEnd();
+}
+
+// Asked again, it ends.
+void ShellWindow::askToEnd() {
     const QString notice = view_.endNotice().isEmpty() ? endNotice(kit_.sim) : QString();
     if (notice.isEmpty()) return endProgram();
     view_.setEndNotice(notice);

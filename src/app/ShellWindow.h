@@ -41,8 +41,8 @@ struct WindowKit {
     bool practising = false;                           ///< on the practice market
     std::function<void()> switchPractice;              ///< to it, or from it
     std::function<void(const ShellViewModel::Tell& tell)> checkForUpdates;
-    std::string setupProblem, signInHint;              ///< as in `ProgramStart`
-    QSize size;                                        ///< that the person asked for; empty for none
+    std::string setupProblem, signInHint;  ///< as in `ProgramStart`
+    QSize size;                            ///< that the person asked for; empty for none
 };
 
 /// Shows `panes` until destroyed. Main thread.
@@ -75,6 +75,7 @@ class ShellWindow {
     void setActions();
     void follow();
     void closeNow();
+    void askToEnd();
 
     const WindowKit& kit_;
     WindowPanes& panes_;
