@@ -126,7 +126,7 @@ std::string usageText() {
            "  --headless             no window: log lines out, commands in (one a line; \"help\" lists them)\n"
            "  --seconds N            end after N seconds\n"
            "  --state FILE           write the state document at the end\n"
-           "  --screenshot FILE      save the window's picture at the end\n"
+           "  --screenshot FILE      save the window's picture at the end; of several, FILE-1 and so on\n"
            "  --window WxH           size of the window\n"
            "  --clock MOMENT[@SPEED] start the market's clock at an ISO 8601 moment (New York without an offset) and\n"
            "                         run it at that speed, at most 10000; also VMR_CLOCK\n"

@@ -39,19 +39,19 @@ void WindowStage::apply(bool entered) {
         }
     }
     const QRect area(qRound(place.x), qRound(place.y), qRound(place.width), qRound(place.height));
-    window_.setGeometry(area);
     QObject::disconnect(fitting_);
-    if (entered && place == screens->own) fitting_ = fitFrame(area);
+    const bool fills = entered && place == screens->own;
+    window_.setGeometry(fills ? area - window_.frameMargins() : area);
+    if (fills && window_.frameMargins().isNull()) fitting_ = fitFrame(area);
 }
 
-// A window that is to fill an area fills it with its frame, which is there with the first picture.
+// A window that is to fill an area fills it with its frame, which is known from the first picture on.
 QMetaObject::Connection WindowStage::fitFrame(const QRect& area) {
     return QObject::connect(
         &window_, &QQuickWindow::frameSwapped, &window_,
         [this, area] {
             QObject::disconnect(fitting_);
-            const QMargins frame = window_.frameMargins();
-            if (!frame.isNull() && window_.geometry().size() == area.size()) window_.setGeometry(area - frame);
+            if (window_.geometry().size() == area.size()) window_.setGeometry(area - window_.frameMargins());
         },
         Qt::QueuedConnection);
 }

@@ -94,10 +94,12 @@ FocusScope {
             }
         }
     }
+    // beside the price axis of the left pane, so that no last price is covered
     Column {
+        readonly property real room: area.leftWidth - 74
+        x: (room - width) / 2
         y: first.toolbarHeight + 12
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(560, parent.width - 48)
+        width: Math.min(560, room - 16)
         spacing: 8
 
         Notice {
