@@ -113,6 +113,7 @@ struct DualLinkTest : testing::Test {
     void settle() {
         for (int i = 0; i < 30; ++i) frame();
     }
+    int edgesCompared = 0;
     ShownPane& peer(const ShownPane& of) { return &of == &left ? right : left; }
     std::array<std::uint64_t, 2> updates() const { return {link.updates(*left.model), link.updates(*right.model)}; }
 
@@ -122,6 +123,7 @@ struct DualLinkTest : testing::Test {
         if (link.crossSymbol()) {
             EXPECT_NEAR(a.priceLineFrac, b.priceLineFrac, DualLink::fracTolerance);
             if (follow.atItsLimit()) return;
+            ++edgesCompared;
             const auto gap = [](const ShownPane& pane) {
                 const double end = pane.camera().firstVisible + pane.camera().visibleCount;
                 return (static_cast<double>(pane.shown().size()) - end) * pane.model->bars.timeframe;
@@ -133,6 +135,7 @@ struct DualLinkTest : testing::Test {
         EXPECT_NEAR(a.yMinManual, b.yMinManual, DualLink::priceTolerance);
         EXPECT_NEAR(a.yMaxManual, b.yMaxManual, DualLink::priceTolerance);
         if (follow.atItsLimit()) return;
+        ++edgesCompared;
         // where one of them lacks the minute at an edge, the other one's edge lies within it
         EXPECT_NEAR(lead.right(), follow.right(), 1.02 * bar);
         EXPECT_NEAR(lead.left(), follow.left(), 1.02 * bar);
@@ -225,6 +228,7 @@ TEST_F(DualLinkTest, AThousandGesturesMoveThePeerOnceAndNothingComesBack) {
     }
     EXPECT_GT(moves, 300);
     EXPECT_GT(cross, 100);
+    EXPECT_GT(edgesCompared, 500);
     EXPECT_GE(left.joins + right.joins, moves);
 }
 
