@@ -45,13 +45,17 @@ void WindowStage::apply(bool entered) {
     if (fills && window_.frameMargins().isNull()) fitting_ = fitFrame(area);
 }
 
-// A window that is to fill an area fills it with its frame, which is known from the first picture on.
+// A window that is to fill an area fills it with its frame, which is known some pictures after the first, if it has
+// one.
 QMetaObject::Connection WindowStage::fitFrame(const QRect& area) {
     return QObject::connect(
         &window_, &QQuickWindow::frameSwapped, &window_,
-        [this, area] {
+        [this, area, pictures = 0]() mutable {
+            constexpr int mostPictures = 30;
+            const QMargins frame = window_.frameMargins();
+            if (frame.isNull() && ++pictures < mostPictures) return;
             QObject::disconnect(fitting_);
-            if (window_.geometry().size() == area.size()) window_.setGeometry(area - window_.frameMargins());
+            if (!frame.isNull()) window_.setGeometry(area - frame);
         },
         Qt::QueuedConnection);
 }

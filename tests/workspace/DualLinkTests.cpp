@@ -275,27 +275,27 @@ TEST_F(DualLinkTest, WhatIsLessThanAPixelMovesNobodyUntilItAddsUp) {
         {"bars of two symbols", pan, 0, 0.009, 0.011},
         {"height of the last price", pin, 0, 0.0009, 0.0011},
     };
-    for (const auto& [name, move, range, less, more] : rows) {
-        SCOPED_TRACE(name);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
         if (link.syncOn()) link.toggleSync();
-        if (range == 0 && !link.crossSymbol()) right.open("ESM6", fewer(minutes));
+        if (row.range == 0 && !link.crossSymbol()) right.open("ESM6", fewer(minutes));
         settle();
         link.toggleSync();
         left.view.input().toLiveEdge();
         pan(-300);
-        if (range > 0) left.view.renderer().mirrorPrice(21000, 21000 + range);
+        if (row.range > 0) left.view.renderer().mirrorPrice(21000, 21000 + row.range);
         pan(-1);
         settle();
         const auto does = [&](double amount) {
             const auto before = updates();
-            move(amount);
+            row.move(amount);
             settle();
             EXPECT_EQ(updates()[0], before[0]);
             return updates()[1] - before[1];
         };
-        EXPECT_EQ(does(more), 1U);
-        EXPECT_EQ(does(less), 0U);
-        EXPECT_EQ(does(less), 1U);
+        EXPECT_EQ(does(row.more), 1U);
+        EXPECT_EQ(does(row.less), 0U);
+        EXPECT_EQ(does(row.less), 1U);
         expectInStep(left, right);
     }
 }
