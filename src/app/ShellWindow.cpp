@@ -36,7 +36,7 @@ ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
     // the view that asked for it may go with it
     view.session.setOnSignOutAndClose(
         [&kit, window] { kit.later([&windows = kit.windows, window] { windows.signOut(window); }); });
-    if (!kit.practising) view.session.setOnPractice(kit.switchPractice);
+    view.session.setOnPractice(kit.switchPractice);
 }
 
 ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
@@ -112,6 +112,7 @@ void ShellWindow::closeNow() {
 void ShellWindow::askToEnd() {
     const QString notice = view_.endNotice().isEmpty() ? endNotice(kit_.sim) : QString();
     if (notice.isEmpty()) return endProgram();
+    menu_.closeSheet();
     view_.setEndNotice(notice);
 }
 

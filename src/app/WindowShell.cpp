@@ -94,7 +94,7 @@ class Shell {
                [this, &loop](std::function<void()> task) { loop.post(whileThere_(std::move(task))); },
                program.start().practice() != nullptr,
                [&loop] { loop.post([] { QCoreApplication::exit(switchingPractice); }); },
-               [this, &program](const ShellViewModel::Tell& tell) { checkForUpdates(program.updates(), tell); },
+               updateCheck(program),
                program.start().setupProblem().value_or(""),
                program.start().signInHint(),
                QSize(options.width, options.height)} {
@@ -143,6 +143,11 @@ class Shell {
         if (shown_.empty()) rememberRasteriser(*made->window(), rasteriserRecord(options_.data));
         made->window()->show();
         shown_.push_back(std::move(made));
+    }
+    // None where there is nobody to ask, or where nothing may be asked yet.
+    std::function<void(const ShellViewModel::Tell& tell)> updateCheck(Program& program) {
+        if (program.start().endpoints().downloadsUrl.empty() || program.start().setupProblem()) return {};
+        return [this, &program](const ShellViewModel::Tell& tell) { checkForUpdates(program.updates(), tell); };
     }
     // A newer build stands in its banner, though it was dismissed before.
     void checkForUpdates(UpdateChecker& updates, const ShellViewModel::Tell& tell) {

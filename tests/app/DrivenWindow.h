@@ -27,7 +27,9 @@ class DrivenWindow : public testing::Test {
         program_.emplace(words, variables);
         ASSERT_TRUE(program_->ask("help"));
         const std::string file = program_->home / "window";
-        const std::string find = "xdotool search --sync --onlyvisible --name '^Velmora$' > '" + file + "'";
+        // a search fails where a window goes while it looks
+        const std::string find = "timeout 20 sh -c \"until xdotool search --sync --onlyvisible --name '^Velmora$' > '" +
+                                 file + "'; do sleep 0.05; done\"";
         ASSERT_EQ(std::system(find.c_str()), 0);
         std::ifstream(file) >> window_;
     }

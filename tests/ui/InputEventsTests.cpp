@@ -276,6 +276,7 @@ TEST(Views, TheMenuHasWhatTheProgramCanDo) {
         return opened && runUntil([&] { return !sheet->property("visible").toBool(); }, 2000) &&
                shell.sheet() == ShellViewModel::Sheet::none;
     };
+    const auto keyboardIsBack = [&] { return ui.item("menuButton")->hasActiveFocus(); };
     choose(1);
     choose(5);
     choose(6);
@@ -284,6 +285,7 @@ TEST(Views, TheMenuHasWhatTheProgramCanDo) {
          {std::pair(2, "keysSheet"), {3, "messageSheet"}, {4, "aboutSheet"}, {4, "aboutSheet"}}) {
         choose(down);
         EXPECT_TRUE(sheetOpens(sheet)) << sheet;
+        EXPECT_TRUE(runUntil(keyboardIsBack, 2000)) << "after " << sheet;
     }
     EXPECT_EQ(shell.messageTitle() + shell.messageText(), "Ttext");
     QTest::keyClick(ui.window, Qt::Key_N, Qt::ControlModifier);
@@ -391,7 +393,7 @@ TEST(Views, TheFormStartsFromTheLastAddressAndOffersPracticeWhereThereIsOne) {
     EXPECT_FALSE(ui.item("practice")->isVisible());
     ui.view.session.setOnPractice([&] { ++started; });
     EXPECT_TRUE(ui.item("practice")->isVisible());
-    ui.item("practice")->forceActiveFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(runUntil([&] { return ui.item("practice")->hasActiveFocus(); }, 2000)) << "nothing else can be done";
     QTest::keyClick(ui.window, Qt::Key_Return);
     EXPECT_EQ(started, 1) << "though nobody can sign in";
     ui.view.session.set({});

@@ -146,7 +146,7 @@ TEST_F(Windows, OneTooManyIsRefusedByTheServiceInItsOwnPane) {
     begin();
     ASSERT_TRUE(signIn());
     ASSERT_TRUE(runUntil([&] { return host->size() == 6; }));
-    const auto refused = [this](const AppModel* pane) { return bool(pane->session.connLimited); };
+    const auto refused = [](const AppModel* pane) { return bool(pane->session.connLimited); };
     EXPECT_TRUE(runUntil([&] { return std::ranges::count_if(host->models(), refused) == 2; })) << "whoever comes last";
     EXPECT_EQ(windows->size(), 4u);
     EXPECT_EQ(windows->find(3)->dual(), nullptr) << "a second pane is not brought back beyond the limit";

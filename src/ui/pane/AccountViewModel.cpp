@@ -14,6 +14,7 @@ void AccountViewModel::resetPassword() {
 }
 
 void AccountViewModel::startOver() {
+    if (resetting_) return;  // its answer is still to be told
     ++request_;
     set(false, false, {});
 }

@@ -104,7 +104,10 @@ void PaneBinding::flush() {
         view_.chart.setAccountProblem(text(model_.notices.accountProblem->value_or("")));
     }
     if (concerns & panelsConcern) view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen});
-    if (concerns & sessionConcern) view_.session.set(sessionState());
+    if (concerns & sessionConcern) {
+        if (!model_.session.isSignedIn) view_.panels.setAccountPanelOpen(false);  // nobody's, on the form
+        view_.session.set(sessionState());
+    }
 }
 
 SessionViewModel::State PaneBinding::sessionState() const {

@@ -28,8 +28,6 @@ IconButton {
     active: list.visible
     Accessible.role: Accessible.ButtonMenu
     Keys.onDownPressed: list.open()
-    Keys.onReturnPressed: list.open()
-    Keys.onEnterPressed: list.open()
     onClicked: list.visible ? list.close() : list.open()
 
     PopupList {

@@ -52,8 +52,6 @@ FocusScope {
                     objectName: "stay"
                     KeyNavigation.tab: endButton
                     KeyNavigation.backtab: endButton
-                    Keys.onReturnPressed: question.view.stay()
-                    Keys.onEnterPressed: question.view.stay()
                     text: qsTr("Keep open")
                     onClicked: question.view.stay()
                 }

@@ -9,6 +9,7 @@ FocusScope {
     required property SessionViewModel session
     readonly property bool ready: session.setupProblem === "" && !session.signingIn
     property bool capsLock: false
+    property bool begun: false  // the keyboard has been where it belongs first
 
     function submit() {
         if (!ready)
@@ -37,7 +38,12 @@ FocusScope {
     }
 
     Component.onCompleted: email.text = session.lastEmail()
-    onActiveFocusChanged: if (activeFocus && ready && !email.activeFocus && !password.activeFocus) takeKeyboard()
+    onActiveFocusChanged: {
+        if (activeFocus && !begun) {
+            begun = true;
+            takeKeyboard();
+        }
+    }
     Keys.onEscapePressed: event => {
         event.accepted = session.signingIn;
         if (session.signingIn)
@@ -151,6 +157,8 @@ FocusScope {
                     checked: true
                     enabled: form.ready
                     text: qsTr("Remember me")
+                    Keys.onReturnPressed: form.submit()
+                    Keys.onEnterPressed: form.submit()
                 }
                 Row {
                     width: parent.width
@@ -163,8 +171,6 @@ FocusScope {
                         enabled: form.ready
                         text: form.session.signingIn ? qsTr("Connecting…") : qsTr("Connect")
                         onClicked: form.submit()
-                        Keys.onReturnPressed: form.submit()
-                        Keys.onEnterPressed: form.submit()
                     }
                     PushButton {
                         id: cancel
@@ -173,8 +179,6 @@ FocusScope {
                         visible: form.session.signingIn
                         text: qsTr("Cancel")
                         onClicked: form.session.cancelSignIn()
-                        Keys.onReturnPressed: form.session.cancelSignIn()
-                        Keys.onEnterPressed: form.session.cancelSignIn()
                     }
                 }
                 PushButton {
@@ -185,17 +189,15 @@ FocusScope {
                     visible: form.session.canPractice
                     enabled: !form.session.signingIn
                     primary: form.session.setupProblem !== ""
-                    text: qsTr("Practice")
+                    text: form.session.signInHint === "" ? qsTr("Practice") : qsTr("Leave practice")
                     Accessible.description: qsTr("A market of this machine's own, without an account")
                     onClicked: form.session.startPractice()
-                    Keys.onReturnPressed: form.session.startPractice()
-                    Keys.onEnterPressed: form.session.startPractice()
                 }
                 Label {
                     objectName: "error"
                     width: parent.width
                     height: Math.max(42, implicitHeight)
-                    visible: form.session.setupProblem === ""
+                    visible: form.session.setupProblem === "" || text !== ""
                     text: form.session.authError
                     color: Theme.error
                     wrapMode: Text.Wrap

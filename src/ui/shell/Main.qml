@@ -1,5 +1,6 @@
 // One window: the login form until somebody is signed in, then one pane or two.
 import QtQuick
+import QtQuick.Templates as T
 import QtQuick.Window
 import Velmora
 
@@ -21,13 +22,27 @@ Window {
         view.closeWindow();
     }
 
+    // a popup that closes leaves the keyboard to the window itself
+    onActiveFocusItemChanged: Qt.callLater(window.passKeyboardOn)
+    function passKeyboardOn() {
+        if (activeFocusItem === contentItem && !stage.popups.visible)
+            stage.forceActiveFocus();
+    }
+
     Loader {
         id: stage
         objectName: "stage"
+        readonly property Item popups: T.Overlay.overlay
         anchors.fill: parent
         focus: true
         sourceComponent: window.entered ? panes : login
         onLoaded: item.forceActiveFocus()
+    }
+    Connections {
+        target: stage.popups
+        function onVisibleChanged() {
+            Qt.callLater(window.passKeyboardOn);
+        }
     }
     Component {
         id: login
@@ -66,7 +81,7 @@ Window {
     }
     Shortcut {
         sequences: [StandardKey.New]
-        enabled: window.shell !== null && window.shell.canOpenWindows
+        enabled: window.entered && window.shell !== null && window.shell.canOpenWindows
         onActivated: window.shell.newWindow()
     }
     Shortcut {

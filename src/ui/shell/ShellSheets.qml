@@ -8,11 +8,17 @@ Item {
     required property ShellViewModel shell
     readonly property string command: Qt.platform.os === "osx" ? "⌘" : qsTr("Ctrl+")
 
+    // another one may have come in its place
+    function leave(sheet) {
+        if (shell.sheet === sheet)
+            shell.closeSheet();
+    }
+
     Sheet {
         objectName: "aboutSheet"
         title: "Velmora"
         visible: sheets.shell.sheet === ShellViewModel.Sheet.about
-        onClosed: sheets.shell.closeSheet()
+        onClosed: sheets.leave(ShellViewModel.Sheet.about)
         Label {
             objectName: "aboutText"
             width: parent.width
@@ -27,7 +33,7 @@ Item {
         objectName: "messageSheet"
         title: sheets.shell.messageTitle
         visible: sheets.shell.sheet === ShellViewModel.Sheet.message
-        onClosed: sheets.shell.closeSheet()
+        onClosed: sheets.leave(ShellViewModel.Sheet.message)
         Label {
             width: parent.width
             wrapMode: Text.Wrap
@@ -40,7 +46,7 @@ Item {
         title: qsTr("Keyboard shortcuts")
         visible: sheets.shell.sheet === ShellViewModel.Sheet.keys
         width: 440
-        onClosed: sheets.shell.closeSheet()
+        onClosed: sheets.leave(ShellViewModel.Sheet.keys)
         Repeater {
             model: [
                 [qsTr("Arrow keys"), qsTr("Move the chart")],

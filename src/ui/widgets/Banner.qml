@@ -21,6 +21,9 @@ Rectangle {
     Accessible.role: Accessible.AlertMessage
     Accessible.name: title + (title !== "" && text !== "" ? ". " : "") + text
 
+    MouseArea {  // what lies below is not pressed through it
+        anchors.fill: parent
+    }
     Icon {
         id: sign
         x: 12
@@ -72,8 +75,6 @@ Rectangle {
             text: qsTr("Dismiss")
             icon24: "x"
             onClicked: banner.dismissed()
-            Keys.onReturnPressed: banner.dismissed()
-            Keys.onEnterPressed: banner.dismissed()
         }
     }
 }

@@ -36,7 +36,7 @@ FocusScope {
         wanted = Qt.rect(x, y, size.width, size.height);
     }
     function persistFrame() {
-        frames.keep(panelId, frame);
+        frames.keep(panelId, Qt.rect(x, y, wanted.width, wanted.height));
     }
     function stepBy(dx, dy, resizes) {
         const step = frames.step;
@@ -65,11 +65,12 @@ FocusScope {
             forceActiveFocus();
         } else {
             frames.closed(panelId);
+            if (activeFocus)
+                space.vacated();
         }
     }
     onFrameChanged: if (open) frames.moved(panelId, frame)
     onActiveFocusChanged: if (activeFocus) space.raise(panel)
-    onClose: if (activeFocus) space.vacated()
 
     Keys.onPressed: event => {
         pointed = false;
@@ -125,19 +126,22 @@ FocusScope {
 
         MouseArea {
             property point grabbed  // of the panel, in its area
+            property bool dragged: false
             anchors.fill: parent
             preventStealing: true
             cursorShape: pressed ? Qt.ClosedHandCursor : Qt.ArrowCursor
             onPressed: mouse => {
                 grabbed = Qt.point(mouse.x, mouse.y);
+                dragged = false;
                 titleBar.forceActiveFocus();
             }
             onPositionChanged: mouse => {
                 const at = mapToItem(panel.space, mouse.x, mouse.y);
+                dragged = true;
                 panel.moveTo(at.x - grabbed.x, at.y - grabbed.y);
             }
-            onReleased: panel.persistFrame()
-            onCanceled: panel.persistFrame()
+            onReleased: if (dragged) panel.persistFrame()
+            onCanceled: if (dragged) panel.persistFrame()
         }
         Label {
             x: 14
@@ -157,8 +161,6 @@ FocusScope {
             text: qsTr("Close %1").arg(panel.title)
             icon24: "x"
             onClicked: panel.close()
-            Keys.onReturnPressed: panel.close()
-            Keys.onEnterPressed: panel.close()
         }
         Rectangle {
             x: 1

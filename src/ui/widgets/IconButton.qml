@@ -11,6 +11,8 @@ T.Button {
     implicitWidth: 30
     implicitHeight: 30
     hoverEnabled: true
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     focusPolicy: Qt.TabFocus
     Accessible.name: text
 

@@ -23,7 +23,7 @@ T.Popup {
         return index >= 0 && !shownRows[index].heading && !shownRows[index].separator;
     }
     function step(by) {
-        for (let i = marked + by; i >= 0 && i < shownRows.length; i += by) {
+        for (let i = marked < 0 && by < 0 ? shownRows.length - 1 : marked + by; i >= 0 && i < shownRows.length; i += by) {
             if (canTake(i)) {
                 marked = i;
                 list.reveal(i);

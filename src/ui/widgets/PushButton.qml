@@ -12,6 +12,8 @@ T.Button {
     leftPadding: 16
     rightPadding: 16
     hoverEnabled: true
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     focusPolicy: Qt.StrongFocus
     font.family: Theme.family
     font.pixelSize: Theme.normal

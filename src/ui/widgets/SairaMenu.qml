@@ -27,6 +27,8 @@ T.Button {
     font.pixelSize: 14
     font.weight: Font.DemiBold
     Keys.onDownPressed: popup.open()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     onClicked: popup.visible ? popup.close() : popup.open()
 
     contentItem: Row {

@@ -15,6 +15,7 @@ T.Popup {
     height: Math.min(column.implicitHeight + 2 * padding, parent ? parent.height - 32 : 0)
     padding: 24
     modal: true
+    onOpened: forceActiveFocus()  // the menu that it came from gives it away when it has closed
     focus: true
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
     T.Overlay.modal: Rectangle {
@@ -53,8 +54,6 @@ T.Popup {
                 focus: true
                 text: qsTr("Close")
                 onClicked: sheet.close()
-                Keys.onReturnPressed: sheet.close()
-                Keys.onEnterPressed: sheet.close()
             }
         }
     }

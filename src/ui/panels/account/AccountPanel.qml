@@ -48,8 +48,6 @@ FloatingPanel {
                     enabled: panel.session.userEmail !== ""  // while one is under way it does nothing, and keeps the keyboard
                     text: panel.account.resetting ? qsTr("Sending…") : qsTr("Reset Password")
                     onClicked: panel.account.resetPassword()
-                    Keys.onReturnPressed: panel.account.resetPassword()
-                    Keys.onEnterPressed: panel.account.resetPassword()
                 }
                 Label {
                     objectName: "resetResult"
@@ -68,8 +66,6 @@ FloatingPanel {
                     width: parent.width
                     text: qsTr("Logout")
                     onClicked: panel.session.signOutAndClose()
-                    Keys.onReturnPressed: panel.session.signOutAndClose()
-                    Keys.onEnterPressed: panel.session.signOutAndClose()
                 }
             }
         }
