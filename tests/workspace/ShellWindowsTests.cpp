@@ -155,6 +155,7 @@ TEST_F(Windows, OneTooManyIsRefusedByTheServiceInItsOwnPane) {
 TEST_F(Windows, SigningOutKeepsThemForTheNextSession) {
     begin();
     ASSERT_TRUE(signIn());
+    EXPECT_THAT(shown(1), ElementsAre("1 NQ/1")) << "a first chart is the last symbol's of any pane";
     ASSERT_TRUE(windows->all().front()->toggleDual());
     ASSERT_TRUE(windows->open());
     windows->find(1)->dual()->applyRestore({"ES", 5, "ETF"});
