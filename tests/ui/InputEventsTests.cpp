@@ -305,10 +305,13 @@ TEST(Views, ANumberGlidesWithTheFramesAndRests) {
     const auto text = [&] { return number->property("text").toString(); };
     number->setParentItem(ui.window->contentItem());
     EXPECT_EQ(text(), "10.0") << "the first at once";
+    const double width = number->implicitWidth();
+    EXPECT_GT(width, 20);
     number->setProperty("target", 20);
     EXPECT_EQ(text(), "10.0");
     ASSERT_TRUE(runUntil([&] { return text() == "20.0"; }));
     EXPECT_TRUE(ui.settle()) << "at rest no frame is drawn";
+    EXPECT_EQ(number->implicitWidth(), width) << "a 1 is as wide as a 2";
     number->setVisible(false);
     number->setProperty("target", 30);
     EXPECT_EQ(text(), "30.0");
