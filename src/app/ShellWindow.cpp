@@ -3,8 +3,6 @@
 #include <QCoreApplication>
 #include <QQmlComponent>
 #include <QQuickWindow>
-#include <algorithm>
-#include <utility>
 
 #include "base/Log.h"
 #include "model/AppModel.h"
@@ -17,7 +15,7 @@ namespace vmr {
 namespace {
 void endProgram() { QCoreApplication::exit(0); }
 
-// Nothing while the end of the program changes nothing that the person should think of.
+// What the person should know before the program ends; empty for nothing.
 QString endNotice(const SimEngine& sim) {
     const auto working = sim.orders().size();
     if (working == 0) return {};

@@ -181,8 +181,9 @@ int runShell(QtLoop& loop, Program& program, const WindowShellOptions& options, 
     if (options.seconds > 0) loop.after(options.seconds, [] { QCoreApplication::exit(0); });
     const int status = QCoreApplication::exec();
     program.workspace().saveAtEnd();
+    if (status == switchingPractice) return status;
     if (hooks.lastLook) hooks.lastLook();
-    if (status != switchingPractice && !options.screenshot.empty() && !shell.savePictures() && status == 0) return 1;
+    if (!options.screenshot.empty() && !shell.savePictures() && status == 0) return 1;
     return status;
 }
 

@@ -29,10 +29,10 @@ struct WindowShellHooks {
     std::function<void()> switchPractice;
     /// Called once the first window is on its way; `quit(status)` ends the program, from any thread, until `ending`.
     std::function<void(std::function<void(int)> quit)> started;
-    /// Called when that program's event loop has ended and the workspace is saved, while its windows still stand.
+    /// Called when the last program's event loop has ended and the workspace is saved, while its windows still stand.
     std::function<void()> lastLook;
-    /// Called after that, when no view refers to the model any more. The main loop still exists, but runs nothing until
-    /// the next program.
+    /// Called at the end of each program, when no view refers to the model any more. The main loop still exists, but
+    /// runs nothing until the next program.
     std::function<void()> ending;
     /// Called after the last program, before the main loop goes.
     std::function<void()> ended;
