@@ -23,6 +23,9 @@ class PaneHost {
  public:
     static constexpr std::size_t maxLive = 4;  ///< the service lets one account have only so many connections
 
+    static constexpr const char* noRoomText = "at most 4 panes can be open";  ///< why `open` gives none
+    static_assert(maxLive == 4);
+
     /// Makes a pane's client on the pane's own relay queue.
     using Connect = std::function<std::unique_ptr<RelayClient>(AsioLoop& queue)>;
 

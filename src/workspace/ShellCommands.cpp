@@ -163,7 +163,7 @@ CommandAnswer ShellCommands::pane(CommandWords& words) {
     const std::string what = words.next();
     if (what == "open" && words.empty()) {
         if (const auto number = at_.panes.open()) return "ok pane " + std::to_string(*number);
-        return "error: at most " + std::to_string(PaneHost::maxLive) + " panes can be open";
+        return std::string("error: ") + PaneHost::noRoomText;
     }
     const auto number = what == "close" ? parseInt(words.next()) : std::nullopt;
     if (!number || *number < 1 || *number > INT32_MAX) return std::nullopt;

@@ -9,14 +9,13 @@ namespace vmr {
 
 namespace {
 
-constexpr const char* noRoom = "error: at most 4 panes can be open";
-static_assert(PaneHost::maxLive == 4);
+std::string noRoom() { return std::string("error: ") + PaneHost::noRoomText; }
 
 CommandAnswer runWindow(ShellWindows& windows, CommandWords& words) {
     const std::string what = words.next();
     if (what == "open" && words.empty()) {
         const WindowPanes* window = windows.open();
-        return window ? "ok window " + std::to_string(window->number()) : std::string(noRoom);
+        return window ? "ok window " + std::to_string(window->number()) : noRoom();
     }
     const auto number = what == "close" ? parseInt(words.next()) : std::nullopt;
     if (!number || *number < 1 || *number > INT32_MAX) return std::nullopt;
@@ -29,7 +28,7 @@ CommandAnswer runWindow(ShellWindows& windows, CommandWords& words) {
 
 CommandAnswer runDual(WindowPanes& window, const std::string& word, int) {
     if (word != "on" && word != "off") return std::nullopt;
-    if ((word == "on") != (window.dual() != nullptr) && !window.toggleDual()) return noRoom;
+    if ((word == "on") != (window.dual() != nullptr) && !window.toggleDual()) return noRoom();
     return word == "on" ? "ok dual pane " + std::to_string(window.dualNumber()) : std::string("ok dual off");
 }
 
