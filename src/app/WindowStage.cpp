@@ -19,11 +19,12 @@ ScreenRect rectOf(const QRect& rect) {
 WindowStage::WindowStage(QQuickWindow& window, WindowPanes& panes, QSize size) : window_(window), panes_(panes) {
     if (!size.isEmpty()) wanted_ = rectOf(QRect(QPoint(), size));
     panes_.frame = [this] { return std::optional(frame()); };
+    if (wanted_) panes_.frameToKeep = [this] { return std::optional(frameToKeep()); };
 }
 
 WindowStage::~WindowStage() {
     QObject::disconnect(fitting_);
-    panes_.frame = {};
+    panes_.frame = panes_.frameToKeep = {};
 }
 
 void WindowStage::apply(bool entered) {
@@ -60,15 +61,19 @@ QMetaObject::Connection WindowStage::fitFrame(const QRect& area) {
         Qt::QueuedConnection);
 }
 
-// A size that was asked for holds for one run: it does not take the remembered frame's place.
 std::array<double, 4> WindowStage::frame() const {
-    if (wanted_ && panes_.record() && panes_.record()->frame.size() == 4) {
+    const auto screens = screensNow();
+    return screens ? storedFrame(rectOf(window_.geometry()), screens->first) : std::array<double, 4>();
+}
+
+// A size that was asked for holds for one run: it does not take the remembered frame's place.
+std::array<double, 4> WindowStage::frameToKeep() const {
+    if (panes_.record() && panes_.record()->frame.size() == 4) {
         const auto& kept = panes_.record()->frame;
         return {kept[0], kept[1], kept[2], kept[3]};
     }
     const auto screens = screensNow();
-    if (!screens) return {};
-    return storedFrame(wanted_ ? screens->own : rectOf(window_.geometry()), screens->first);
+    return screens ? storedFrame(screens->own, screens->first) : std::array<double, 4>();
 }
 
 std::optional<Screens> WindowStage::screensNow() const {

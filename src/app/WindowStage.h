@@ -30,6 +30,7 @@ class WindowStage {
  private:
     QMetaObject::Connection fitFrame(const QRect& area);
     std::array<double, 4> frame() const;
+    std::array<double, 4> frameToKeep() const;
     std::optional<Screens> screensNow() const;
 
     QQuickWindow& window_;

@@ -32,7 +32,7 @@ WindowPanes::WindowPanes(ShellWindows& windows, int number, int primary)
     box_->id = windows_.ids_.next();
     box_->primary = [this] { return std::optional(paneFacts(*primary_)); };
     box_->dual = [this] { return dual_ ? std::optional(paneFacts(*dual_)) : std::nullopt; };
-    box_->frame = [this] { return frame ? frame() : std::nullopt; };
+    box_->frame = [this] { return frameToKeep ? frameToKeep() : frame ? frame() : std::nullopt; };
     box_->split = split_;
     linkChanged_ = link_.changed.connect([this] { changed(); });
     // the pane is in the middle of its change

@@ -63,6 +63,8 @@ class WindowPanes {
     const std::optional<WindowRecord>& record() const { return box_->rec; }
     /// Tells where the window stands, as in `WindowRecord`; set by whoever shows it.
     std::function<std::optional<std::array<double, 4>>()> frame;
+    /// The frame to remember, where that is another one; empty for where it stands.
+    std::function<std::optional<std::array<double, 4>>()> frameToKeep;
 
     /// Its second pane came or goes, the divider moved, or the panes are in step or no longer.
     Signal<> changed;
