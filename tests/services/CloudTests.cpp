@@ -6,6 +6,7 @@
 #include "base/Version.h"
 #include "services/cloud/Announcements.h"
 #include "services/cloud/PresenceReporter.h"
+#include "services/cloud/TemplatesService.h"
 #include "services/cloud/UpdateChecker.h"
 #include "support/pane/FakeHttpClient.h"
 #include "support/time/TestTime.h"
@@ -205,6 +206,78 @@ TEST_F(Cloud, ANewerBuildIsOfferedWhateverItsVersionText) {
     nowhere.checkManually([&told](const auto& answer) { told.push_back(answer->title); });
     EXPECT_THAT(taken(), IsEmpty());
     EXPECT_EQ(told.back(), "You're up to date");
+}
+
+TEST_F(Cloud, ATemplateReplyIsReadWhateverItsStatus) {
+    const std::string slots =
+        R"("slot_1":7,"slot_2":{"config":[],"atmOffset":"3","savedAt":5},)"
+        R"("slot_3":{"config":{"a":{"b":[1]},"c":"x"},"atmOffset":4,"savedAt":"2026-06-10T14:00:05.123Z"},"slot_4":{})";
+    const struct {
+        HttpResponse answer;
+        const char* told;
+    } replies[] = {
+        {{500, "{\"result\":{\"preferred\":\"slot_3\"," + slots + "}}", {}},
+         R"(slot_3 slot_2{} - - slot_3{a={"b":[1]} c="x" } 4 2026-06-10T14:00:05.123Z)"},
+        {{200, "{\"result\":{\"preferred\":3," + slots + "}}", {}},
+         R"(- slot_2{} - - slot_3{a={"b":[1]} c="x" } 4 2026-06-10T14:00:05.123Z)"},
+        {{200, R"({"result":[1],"more":1})", {}}, "-"},
+        {{200, R"({"error":null})", {}}, "-"},
+        {{200, R"({"error":{"message":"Quota\u0007"},"result":{}})", {}}, "Quota\\x07"},
+        {{200, R"({"error":{"message":5}})", {}}, "Template service error"},
+        {{404, R"({"error":"gone"})", {}}, "Template service error"},
+        {{200, "[]", {}}, "The response is not valid JSON."},
+        {{503, "<html>", {}}, "The response is not valid JSON."},
+        {{0, "", "no network"}, "no network"},
+    };
+    for (const auto& [answer, expected] : replies) {
+        std::string told;
+        TemplatesService::load("NQ_QQQ", auth, [&](const std::variant<TemplatesService::List, std::string>& result) {
+            if (const auto* problem = std::get_if<std::string>(&result)) return void(told = *problem);
+            const auto& list = std::get<TemplatesService::List>(result);
+            told = list.preferred.value_or("-");
+            for (const auto& [key, slot] : list.slots) {
+                told += " " + key + "{";
+                for (const auto& [name, value] : slot.config) told += name + "=" + value + " ";
+                told += "} " + (slot.atmOffset ? std::to_string(int(*slot.atmOffset)) : "-") + " " +
+                        slot.savedAt.value_or("-");
+            }
+        });
+        http.answer(answer);
+        time.runUntilIdle();
+        EXPECT_EQ(told, expected) << answer.body;
+    }
+}
+
+TEST_F(Cloud, TemplatesAreAskedForAndSavedWithAFreshToken) {
+    const auto posted = [this](const HttpRequest& request) {
+        EXPECT_EQ(request.timeoutSeconds, 60);
+        std::string line = request.method + " " + request.url;
+        for (const auto& [name, value] : request.headers) line += " " + name + "=" + value;
+        return line + " " + (request.body.front() == '{' ? json::parse(request.body).dump() : "");
+    };
+    const auto unheard = [](const auto&) {};
+    TemplatesService::save("NQ_QQQ", "slot_2", {{"k", "[1]"}, {"\"", "{}"}}, 120.5, auth, unheard);
+    auth.expiresAt = 0;
+    TemplatesService::load("ES_\"", auth, unheard);
+    http.answer(200, R"({"id_token":"id2","refresh_token":"re2","expires_in":"3600"})", 1);
+    time.runUntilIdle();
+    const std::string head = " Content-Type=application/json Authorization=Bearer ";
+    ASSERT_EQ(http.requests.size(), 3u);
+    EXPECT_EQ(posted(http.requests[0]), "POST https://c.test/saveChartTemplate" + head +
+                                            R"(id1 {"data":{"atmOffset":120.5,"config":{"\"":{},"k":[1]},)"
+                                            R"("slot":"slot_2","symbolSource":"NQ_QQQ"}})");
+    EXPECT_EQ(posted(http.requests[2]),
+              "POST https://c.test/loadChartTemplates" + head + R"(id2 {"data":{"symbolSource":"ES_\""}})");
+
+    FirebaseRESTAuth nowhere(Endpoints{}, http, preferences, time);
+    for (FirebaseRESTAuth* of : {&auth, &nowhere}) {
+        of->signOut();
+        std::string problem;
+        TemplatesService::load("NQ_QQQ", *of, [&](const auto& result) { problem = std::get<std::string>(result); });
+        EXPECT_EQ(problem, of == &auth ? "Not signed in."
+                                       : "No template service is configured. Set VMR_FUNCTIONS_URL to its address.");
+    }
+    EXPECT_EQ(http.requests.size(), 3u);
 }
 
 }  // namespace
