@@ -18,7 +18,7 @@ const std::map<std::string, std::string>& knownOptions() {
     static const std::map<std::string, std::string> known{
         {"--port", "N"},      {"--rest-port", "N"}, {"--seed", "N"},  {"--token-life", "SECONDS"},
         {"--tape", "FILE"},   {"--symbol", "SYM"},  {"--speed", "X"}, {"--clock", "ISO[@speed]"},
-        {"--record", "FILE"}, {"--replay", "FILE"}, {"--busy", "X"}};
+        {"--record", "FILE"}, {"--replay", "FILE"}, {"--busy", "X"},  {"--templates", "FILE"}};
     return known;
 }
 
@@ -73,6 +73,7 @@ std::string readFiles(const Values& values, PracticeRelayOptions& options) {
     if (file && replay) return "--tape and --replay contradict each other";
     if (replay) options.replay = values.at("--replay");
     if (values.contains("--record")) options.record = values.at("--record");
+    if (values.contains("--templates")) options.templates = values.at("--templates");
     if (!file && !replay && values.contains("--speed"))
         return "--speed goes with --tape or --replay; --clock takes a speed of its own, as in 2026-06-10T10:00@60";
     if (values.contains("--speed") && values.contains("--clock")) return "--speed and --clock contradict each other";
@@ -139,6 +140,7 @@ std::string relayHelp() {
   --record FILE       write all that subscribers get into a recording
   --replay FILE       play a recording in place of the market, from its first message on
   --speed X           how fast the tape or the recording plays, without --clock (default: 1)
+  --templates FILE    keep chart templates in this file, for later runs, too (default: in memory)
   --help              this text
 
 It listens on 127.0.0.1 only. Type help on its standard input for the faults that it can make.

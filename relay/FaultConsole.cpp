@@ -92,6 +92,8 @@ void FaultConsole::addCloud() {
                        const std::string build = words.next(), version = words.next();
                        return cloud.release(build, version, words.next());
                    }});
+    commands_.add({"templates", "error TEXT|status CODE|delay SECONDS|text RAW|ok", 1, Command::restOfLine,
+                   [this](CommandWords& words) { return parts_.templates.command(words.rest()); }});
 }
 
 std::string FaultConsole::run(std::string_view line) {

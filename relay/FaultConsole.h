@@ -12,6 +12,7 @@
 #include "relay/MarketPublisher.h"
 #include "relay/MetaPublisher.h"
 #include "relay/SocketServer.h"
+#include "relay/TemplateShelf.h"
 
 namespace vmr::relay {
 
@@ -27,6 +28,7 @@ class FaultConsole {
         MetaPublisher& meta;
         SocketServer& sockets;
         CloudDesk& cloud;
+        TemplateShelf& templates;
     };
     explicit FaultConsole(Parts parts);
     FaultConsole(const FaultConsole&) = delete;

@@ -66,7 +66,8 @@ struct Engine {
                 recording->write(nowMs, channel, frame);
             });
         }
-        console.emplace(FaultConsole::Parts{clock, faults, accounts, hub, *market, *meta, sockets, api.cloud()});
+        console.emplace(
+            FaultConsole::Parts{clock, faults, accounts, hub, *market, *meta, sockets, api.cloud(), api.templates()});
     }
 
     void addDerived() {
@@ -77,6 +78,8 @@ struct Engine {
     }
 
     std::optional<std::string> open(const PracticeRelayOptions& options) {
+        if (options.templates)
+            if (auto wrong = api.templates().keepIn(*options.templates)) return wrong;
         if (auto wrong = sockets.open(options.relayPort)) return wrong;
         if (auto wrong = rest.open(options.restPort)) return wrong;
         const auto tick = [this] { hub.tick(marketMs(clock)); };
@@ -122,7 +125,7 @@ struct Engine {
     MarketPublisher* market;
     MetaPublisher* meta;
     ReplayPublisher* replay = nullptr;
-    RestApi api{accounts, faults};
+    RestApi api{accounts, faults, clock};
     std::unique_ptr<AsioThread> thread = std::make_unique<AsioThread>("vmr-relay");
     SocketServer sockets{{loop(), clock, accounts, faults, hub}};
     RestServer rest{loop(), api, faults};

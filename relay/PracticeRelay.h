@@ -28,8 +28,9 @@ struct PracticeRelayOptions {
     int relayPort = 0;        ///< 0 takes a free port
     int restPort = 0;
     std::optional<TapeOptions> tape;
-    std::optional<std::filesystem::path> record;  ///< file to write all that the channels' subscribers get
-    std::optional<std::filesystem::path> replay;  ///< recording to play in place of the market
+    std::optional<std::filesystem::path> record;     ///< file to write all that the channels' subscribers get
+    std::optional<std::filesystem::path> replay;     ///< recording to play in place of the market
+    std::optional<std::filesystem::path> templates;  ///< file that keeps chart templates beyond the run
 };
 
 /// Runs on threads of its own from `start` until destruction. Everything may be called from any thread.

@@ -54,6 +54,7 @@ RestReply RestApi::answer(const RestRequest& request) {
     const std::string_view target = request.target;
     const std::string path = percentDecoded(target.substr(0, target.find('?')));
     if (auto desk = cloud_.answer(request, path)) return *desk;
+    if (auto shelf = templates_.answer(request, path)) return *shelf;
     const auto* route =
         std::find_if(std::begin(routes), std::end(routes), [&](const Route& one) { return one.path == path; });
     if (route == std::end(routes)) return fault(404, "Not found");

@@ -13,6 +13,7 @@ struct RestRequest {
 struct RestReply {
     int status = 200;
     std::string body;  ///< JSON
+    double delay = 0;  ///< real seconds before it is sent
 };
 
 /// The cloud's way of saying what is wrong.

@@ -41,6 +41,11 @@ class RestConnection : public std::enable_shared_from_this<RestConnection> {
         response_.keep_alive(request_.keep_alive());
         response_.body() = reply.body;
         response_.prepare_payload();
+        if (reply.delay <= 0) return write();
+        loop_.after(reply.delay, [self = shared_from_this()] { self->write(); });
+    }
+
+    void write() {
         stream_.expires_after(std::chrono::seconds(60));
         http::async_write(stream_, response_, [self = shared_from_this()](error_code failed, std::size_t) {
             if (failed) return;

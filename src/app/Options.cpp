@@ -60,6 +60,8 @@ Problem readValue(const std::string& name, const std::string& value, Options& ou
         out.screenshotFile = value;
     } else if (name == "--tape") {
         out.tapeFile = value;
+    } else if (name == "--templates") {
+        out.templatesFile = value;
     } else if (name == "--symbol") {
         out.tapeSymbol = value;
     } else {
@@ -71,6 +73,7 @@ Problem readValue(const std::string& name, const std::string& value, Options& ou
 Problem check(const Options& out) {
     const bool anyTape = !out.tapeFile.empty() || !out.tapeSymbol.empty();
     if (anyTape && !out.practice) return "--tape and --symbol need --practice";
+    if (!out.templatesFile.empty() && !out.practice) return "--templates needs --practice";
     if (anyTape && (out.tapeFile.empty() || out.tapeSymbol.empty())) return "--tape FILE and --symbol SYM go together";
     if (out.speed && out.tapeFile.empty()) return "--speed needs --tape; use --clock MOMENT@SPEED otherwise";
     if (out.headless && !out.screenshotFile.empty()) return "--screenshot needs a window";
@@ -138,6 +141,7 @@ std::string usageText() {
            "  --tape FILE            play recorded trades (CSV or .csv.gz) as the symbol's market\n"
            "  --symbol SYM           the symbol that the tape is, such as GC\n"
            "  --speed X              speed of the tape\n"
+           "  --templates FILE       keep chart templates in this file, for later runs, too\n"
            "  --token-life S         seconds that an identity token lives\n";
 }
 

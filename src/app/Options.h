@@ -24,6 +24,7 @@ struct Options {
     int width = 0, height = 0;   ///< window size in points; 0 for the usual
     std::optional<ClockSetting> clock;
     std::string tapeFile, tapeSymbol;
+    std::string templatesFile;    ///< where the practice service keeps chart templates; empty for memory
     std::optional<double> speed;  ///< of the tape
     std::uint64_t seed = 1;       ///< of the practice market
     double busy = 1;              ///< times as many practice trades as usual

@@ -59,6 +59,7 @@ void ProgramStart::startPractice() {
     relay.tokenLife = options_.tokenLife;
     relay.busy = options_.busy;
     if (!options_.tapeFile.empty()) relay.tape = relay::TapeOptions{options_.tapeFile, options_.tapeSymbol};
+    if (!options_.templatesFile.empty()) relay.templates = options_.templatesFile;
     practice_ = std::make_unique<relay::PracticeRelay>(*clock_, relay);
     failure_ = practice_->start();
     if (failure_) return;

@@ -40,8 +40,11 @@ void flushFolder(const fs::path& folder) {
 }  // namespace
 
 std::optional<std::string> replaceFile(const fs::path& path, std::string_view bytes) {
-    const fs::path folder = path.parent_path();
-    if (auto problem = makePrivateFolders(folder)) return problem;
+    if (auto problem = makePrivateFolders(path.parent_path())) return problem;
+    return replacePrivateFile(path, bytes);
+}
+
+std::optional<std::string> replacePrivateFile(const fs::path& path, std::string_view bytes) {
     const fs::path beside = nameBeside(path);
     std::error_code error;
     if (auto problem = writeNewPrivateFile(beside, bytes)) {
@@ -54,7 +57,7 @@ std::optional<std::string> replaceFile(const fs::path& path, std::string_view by
         fs::remove(beside, error);
         return problem;
     }
-    flushFolder(folder);
+    flushFolder(path.parent_path());
     return std::nullopt;
 }
 

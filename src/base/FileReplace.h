@@ -13,6 +13,10 @@ namespace vmr {
 /// so is the file. Returns nothing on success, else what failed; the old file is then untouched.
 std::optional<std::string> replaceFile(const std::filesystem::path& path, std::string_view bytes);
 
+/// The same in a folder that is left as it is, and must be there; the file is this user's alone all the same. For files
+/// that a person names.
+std::optional<std::string> replacePrivateFile(const std::filesystem::path& path, std::string_view bytes);
+
 /// Removes what writers of `path` left beside it when they were killed. While nobody writes it.
 void removeLeftovers(const std::filesystem::path& path);
 

@@ -18,7 +18,7 @@ void vmr::fuzz::take(std::string_view text) {
     const SystemClock clock;
     relay::Accounts accounts(clock, 3600);
     const relay::Faults faults;
-    relay::RestApi api(accounts, faults);
+    relay::RestApi api(accounts, faults, clock);
     const auto reply = api.answer({plain(request.method_string()), plain(request.target()), request.body()});
     require(reply.status >= 200 && reply.status < 600 && Json::parse(reply.body).has_value());
     const std::string target = plain(request.target());

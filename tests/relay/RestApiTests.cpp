@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "support/time/TestTime.h"
@@ -22,7 +24,7 @@ struct RestApiTest : testing::Test {
     test::TestTime clock{1781100000, 50};  // market time runs fast; tokens and locks live in real time
     Accounts accounts{clock, 100};
     Faults faults;
-    RestApi api{accounts, faults};
+    RestApi api{accounts, faults, clock};
 };
 
 TEST_F(RestApiTest, SaysWhatIsWrongWithARequest) {
@@ -120,6 +122,96 @@ TEST_F(RestApiTest, ServesPresenceNoticesAndTheRelease) {
     EXPECT_EQ(api.cloud().release("12", "1.2", "https://v"), "ok build 12 is 1.2");
     EXPECT_EQ(json::parse(api.answer({"GET", "/downloads/version.json", ""}).body),
               json({{"build", 12}, {"version", "1.2"}, {"url", "https://v"}}));
+}
+
+struct TemplateApi : RestApiTest {
+    ~TemplateApi() override { std::filesystem::remove_all(folder); }
+    static std::string asking(const std::string& pair, const std::string& slot = {}, const std::string& config = "{}") {
+        std::string body = R"({"data":{"symbolSource":")" + pair + "\"";
+        if (!slot.empty()) body += R"(,"slot":")" + slot + R"(","atmOffset":7,"config":)" + config;
+        return body + "}}";
+    }
+    static std::string said(RestApi& of, const char* name, const std::string& body, const std::string& token) {
+        const RestReply reply = of.answer({"POST", std::string("/") + name, body, token});
+        const json told = json::parse(reply.body);
+        return std::to_string(reply.status) + " " +
+               (told.contains("error") ? told["error"]["message"].get<std::string>() : told["result"].dump());
+    }
+    std::string load(const std::string& pair) { return said(api, "loadChartTemplates", asking(pair), token); }
+    std::string save(const std::string& body) { return said(api, "saveChartTemplate", body, token); }
+
+    const std::string token = "Bearer " + accounts.issue().idToken;
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / UuidSource().next().text();
+    const std::filesystem::path file = folder / "templates.json";
+};
+
+TEST_F(TemplateApi, KeepsSlotsByPairAndPrefersTheOneSavedLast) {
+    EXPECT_EQ(load("NQ_QQQ"), "200 {}");
+    EXPECT_EQ(save(asking("NQ_QQQ", "slot_2", R"({"a":[1]})")).substr(0, 4), "200 ");
+    clock.advance(0.01);  // half a second of the market
+    save(asking("NQ_QQQ", "slot_1"));
+    save(asking("ES_SPY", "slot_3"));
+    EXPECT_EQ(load("NQ_QQQ"), R"(200 {"preferred":"slot_1",)"
+                              R"("slot_1":{"atmOffset":7,"config":{},"savedAt":"2026-06-10T14:00:00.500Z"},)"
+                              R"("slot_2":{"atmOffset":7,"config":{"a":[1]},"savedAt":"2026-06-10T14:00:00.000Z"}})");
+    EXPECT_EQ(said(api, "loadChartTemplates", asking("NQ_QQQ"), "Bearer x"),
+              "401 Request had invalid authentication credentials.");
+    EXPECT_EQ(api.answer({"GET", "/loadChartTemplates", "", token}).status, 405);
+    const std::string large = "{\"a\":\"" + std::string(TemplateShelf::largestConfig, 'x') + "\"}";
+    for (const auto& [body, wrong] : {std::pair(asking(""), "400 INVALID_SYMBOL_SOURCE"),
+                                      {asking(std::string(65, 'x'), "slot_1"), "400 INVALID_SYMBOL_SOURCE"},
+                                      {asking("NQ_QQQ"), "400 INVALID_SLOT"},
+                                      {asking("NQ_QQQ", "slot_4"), "400 INVALID_SLOT"},
+                                      {asking("NQ_QQQ", "slot_1", "[]"), "400 INVALID_CONFIG"},
+                                      {asking("NQ_QQQ", "slot_1", large), "400 The template is too large."},
+                                      {std::string("{}"), "400 Invalid JSON payload received."}})
+        EXPECT_EQ(save(body), wrong);
+    for (std::size_t i = 2; i < TemplateShelf::mostPairs; ++i) save(asking("P" + std::to_string(i), "slot_1"));
+    EXPECT_EQ(save(asking("ONE_MORE", "slot_1")), "429 Too many charts have templates.");
+    EXPECT_EQ(save(asking("ES_SPY", "slot_1")).substr(0, 4), "200 ");
+}
+
+TEST_F(TemplateApi, ItsFileOutlivesItAndIsItsOwnersAlone) {
+    namespace fs = std::filesystem;
+    fs::create_directories(folder);
+    fs::permissions(folder, fs::perms(0755));
+    ASSERT_EQ(api.templates().keepIn(file), std::nullopt);
+    save(asking("NQ_QQQ", "slot_2", R"({"a":"\u00e9"})"));
+    const std::string told = load("NQ_QQQ");
+    EXPECT_EQ(fs::status(file).permissions() & fs::perms::all, fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(fs::status(folder).permissions() & fs::perms::all, fs::perms(0755)) << "the folder is the person's";
+    RestApi next(accounts, faults, clock);
+    ASSERT_EQ(next.templates().keepIn(file), std::nullopt);
+    EXPECT_EQ(said(next, "loadChartTemplates", asking("NQ_QQQ"), token), told);
+
+    for (const char* odd : {"", "[]", R"({"a":{"NQ_QQQ":{"slot_9":{}}}})", R"({"a":{"NQ_QQQ":{"slot_1":7}}})"}) {
+        std::ofstream(file) << odd;
+        EXPECT_EQ(RestApi(accounts, faults, clock).templates().keepIn(file),
+                  "the file " + file.string() + " holds no templates");
+        EXPECT_EQ(fs::file_size(file), std::string_view(odd).size()) << "it is left as it is";
+    }
+    EXPECT_TRUE(RestApi(accounts, faults, clock).templates().keepIn(folder / "no" / "such").has_value());
+}
+
+TEST_F(TemplateApi, GoesWrongAsTheConsoleSays) {
+    const auto asked = [this] {
+        const RestReply reply = api.answer({"POST", "/loadChartTemplates", asking("NQ"), token});
+        return std::to_string(reply.status) + " " + std::to_string(int(reply.delay)) + " " +
+               (json::accept(reply.body) ? json::parse(reply.body).dump() : reply.body);
+    };
+    for (const auto& [command, answer, reply] :
+         {std::tuple("error No more  room", "ok templates fail", R"(400 0 {"error":{"message":"No more  room"}})"),
+          {"status 500", "ok templates status 500", R"(500 0 {"error":{"message":"No more  room"}})"},
+          {"ok", "ok templates", R"(200 0 {"result":{}})"},
+          {"text {\"error\":{}}", "ok templates answer that text", R"(200 0 {"error":{}})"},
+          {"text", "ok templates answer that text", "200 0 "},
+          {"delay 3", "ok templates delay 3", "200 3 "},
+          {"ok", "ok templates", R"(200 0 {"result":{}})"},
+          {"status 99", "error: it is templates error TEXT, status 200 to 599, delay SECONDS, text RAW, or ok",
+           R"(200 0 {"result":{}})"}}) {
+        EXPECT_EQ(api.templates().command(command), answer);
+        EXPECT_EQ(asked(), reply) << command;
+    }
 }
 
 }  // namespace
