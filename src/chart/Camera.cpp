@@ -136,6 +136,16 @@ void Camera::setPriceLineFrac(double frac) {
     if (std::isfinite(frac)) autoY = true;
 }
 
+void Camera::apply(const ViewSetup& setup, std::size_t n) {
+    if (std::isfinite(setup.bars) && setup.bars >= 10.0) {
+        visibleCount = std::min(setup.bars, std::max(10.0, static_cast<double>(n)));
+        firstVisible = rightEdgeFirst(n);
+        followLive = true;
+        touched = true;
+    }
+    autoY = setup.autoY || !mirrorPrice(setup.low, setup.high);
+}
+
 bool Camera::settle(std::span<const Candle> candles) {
     if (!std::isfinite(firstVisible) || !std::isfinite(visibleCount)) fatal("chart camera position is not finite");
     const double start = std::max(std::floor(firstVisible), 0.0);

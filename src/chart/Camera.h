@@ -19,6 +19,14 @@ struct DataOrigin {
     bool operator==(const DataOrigin&) const = default;
 };
 
+/// How a chart's view stands, as it is saved and shown again.
+struct ViewSetup {
+    double bars = 0;  ///< across the view, at its right end
+    bool autoY = true;
+    double low = 0, high = 0;  ///< the price range in every mode
+    bool operator==(const ViewSetup&) const = default;
+};
+
 /// The camera of one chart. Data space: x in bars (bar i is centred at i), y in price. Counts `n` are of all bars held.
 /// Arguments that are not finite are ignored. Main thread.
 class Camera {
@@ -62,6 +70,11 @@ class Camera {
     bool mirrorViewRel(double gapRight, double count, std::size_t n);
     bool mirrorPrice(double minP, double maxP);
     void setPriceLineFrac(double frac);  ///< finite turns `autoY` on; NaN ends the pin
+
+    ViewSetup setup() const { return {visibleCount, autoY, yMinManual, yMaxManual}; }
+    /// Fewer than 10 bars leave the time axis as it is, more than there are show all; a range that is none is
+    /// automatic.
+    void apply(const ViewSetup& setup, std::size_t n);
 
     /// Settles the price range on the bars in view and notes in `snapLerps` whether the camera moved since the frame
     /// before. False, with nothing changed, when no bar is in view. `fatal` on a position that is not finite.

@@ -1,4 +1,4 @@
-// What a linked pane sees of a chart's camera, and may do to it.
+// What a pane sees of its chart's camera, and may do to it: for a linked pane, and for templates.
 #pragma once
 
 #include <cstddef>
@@ -35,6 +35,12 @@ class CameraPort {
     virtual double priceLineFrac() const = 0;
     /// Finite pins the last close at this share of the height; NaN ends it.
     virtual void setPriceLineFrac(double frac) = 0;
+
+    /// The view as it stands, also where there are no bars.
+    virtual ViewSetup viewSetup() = 0;
+    /// Shows a view as it was saved, with its bars at the right end of those that the chart holds now. `byHand`: a
+    /// person asked for it just now.
+    virtual void applyView(const ViewSetup& setup, bool byHand) = 0;
 
     /// Shows where the linked pane's pointer is; nothing hides it. Costs no frame.
     virtual void showPeerCrosshair(const std::optional<ChartSpot>& spot) = 0;

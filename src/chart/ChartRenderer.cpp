@@ -170,6 +170,12 @@ void ChartRenderer::setPriceLineFrac(double frac) {
     needsDisplay();
 }
 
+void ChartRenderer::applyView(const ViewSetup& setup, bool byHand) {
+    if (byHand) input_.lastAt = clock_.monotonic();
+    camera_.apply(setup, candles_.size());
+    needsDisplay();
+}
+
 void ChartRenderer::setAutoY(bool on) {
     input_.lastAt = clock_.monotonic();
     camera_.autoY = on;

@@ -100,6 +100,8 @@ class ChartRenderer {
     /// Finite pins the last close at this share of the height from below; NaN ends it.
     void setPriceLineFrac(double frac);
     double priceLineFrac() const { return camera_.priceLineFrac; }
+    /// Shows a view as it was saved. `byHand`: a person asked for it just now.
+    void applyView(const ViewSetup& setup, bool byHand);
     /// True hands the price range back to the renderer, as a double click does.
     void setAutoY(bool on);
     void setInteracting(bool on);

@@ -122,6 +122,8 @@ class ChartView final : public ChartPort, public CameraPort {
     void mirrorPrice(double minP, double maxP) override;
     double priceLineFrac() const override { return renderer_.priceLineFrac(); }
     void setPriceLineFrac(double frac) override;
+    ViewSetup viewSetup() override;
+    void applyView(const ViewSetup& setup, bool byHand) override;
     void showPeerCrosshair(const std::optional<ChartSpot>& spot) override;
 
  private:

@@ -1,4 +1,4 @@
-// A chart beside another one: whose camera is followed and moved, and whose pointer shows in the other.
+// A chart whose camera others follow, move and save, and whose pointer shows in the chart beside it.
 #include <utility>
 
 #include "chart/AxisScale.h"
@@ -37,6 +37,17 @@ void ChartView::mirrorPrice(double minP, double maxP) {
 
 void ChartView::setPriceLineFrac(double frac) {
     moveForPeer([&] { renderer_.setPriceLineFrac(frac); });
+}
+
+ViewSetup ChartView::viewSetup() {
+    if (const auto now = camera()) return now->camera.setup();
+    return renderer_.camera().setup();
+}
+
+// Bars that have not been read yet count, and would move the view again when they are.
+void ChartView::applyView(const ViewSetup& setup, bool byHand) {
+    if (!recording_) readSource();
+    renderer_.applyView(setup, byHand);
 }
 
 void ChartView::pointerAt(const std::optional<ChartPoint>& point, double width, double height) {
