@@ -27,4 +27,12 @@ std::int64_t localDay(double seconds) {
     return std::chrono::sys_days(date).time_since_epoch().count();
 }
 
+std::optional<LocalTime> localTime(double seconds) {
+    constexpr double far = 1e11;
+    std::tm local{};
+    if (!(std::abs(seconds) < far) || !toLocal(static_cast<std::time_t>(std::floor(seconds)), local))
+        return std::nullopt;
+    return LocalTime{local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min};
+}
+
 }  // namespace vmr

@@ -42,6 +42,7 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
       hfp(&gate_),
       surface(at_.clock, &gate_),
       camera(at_.clock, work_),
+      templates(at_.auth, work_, templatesPane(), &gate_),
       sim_(at_.sim),
       look_(&gate_, renderLook(config)),
       restorePane_(std::move(restore)) {
@@ -51,8 +52,10 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
     bars.onDisplayRebuilt = [this] {
         if (!bars.candles.empty()) sim_.seedLast(bars.candles.back().close, bars.candles.back().time);
         overlays.schedule();
+        showWaitingView();
     };
     watchContent();
+    watchTemplates();
     sim_.setCommission(config->simCommission);
     sim_.watchProblem([this](const std::optional<std::string>& problem) { notices.accountProblem = problem; });
     contentLinks_.push_back(session.connected.changed.connect([this] { sim_.setConnected(session.connected); }));
@@ -83,6 +86,7 @@ void AppModel::shutdown() {
     if (!ended_) camera.end();
     ended_ = true;
     work_.end();
+    templates.end();
     presence.stop();
     session.shutdown();
     barRollTimer_.cancel();
@@ -120,6 +124,7 @@ void AppModel::setConfig(const GexConfig& changed) {
     }
     if (effects & SettingEffect::hfSampling) updateHfpTimer();
     sim_.setCommission(config->simCommission);
+    templates.follow();  // another source is another pair
 }
 
 void AppModel::updateHfpTimer() {

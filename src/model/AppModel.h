@@ -14,6 +14,7 @@
 #include "chart/ChartSource.h"
 #include "model/Catalog.h"
 #include "model/ChartChannels.h"
+#include "model/ChartTemplates.h"
 #include "model/FeedRepairs.h"
 #include "model/HfpSampling.h"
 #include "model/LiveBars.h"
@@ -75,6 +76,7 @@ class AppModel final : public ChartSource {
     HfpSampling hfp;
     Surface3D surface;
     PaneCamera camera;
+    ChartTemplates templates;
 
     // Session ---------------------------------------------------------------------------------------------------------
     /// Signs in and connects; `done` (may be empty) gets whether it worked, after the fields have changed.
@@ -125,6 +127,14 @@ class AppModel final : public ChartSource {
     /// The one way to change settings: saves, and applies what differs.
     void setConfig(const GexConfig& changed);
 
+    // Templates -------------------------------------------------------------------------------------------------------
+    /// The settings, and how the chart's view stands where a chart shows the pane.
+    JsonMembers captureTemplateConfig();
+    /// Takes over the settings of a template, but for the source, and its view. `byHand`: a person asked for it.
+    void applyTemplate(const JsonMembers& saved, bool byHand = true);
+    /// Applies the preferred template of the pair that is shown, once; nothing unless somebody is signed in.
+    void autoApplyPreferredTemplate() { templates.autoApplyPreferred(); }
+
     // What shows the chart --------------------------------------------------------------------------------------------
     /// The chart that shows the pane, which must outlive its being set here; null for none. It is told at once.
     void setChartPort(ChartPort* port);
@@ -170,6 +180,11 @@ class AppModel final : public ChartSource {
     void openFirstChart();
     void openWantedSymbol();
     void rollForwardBar(double now);
+    // Templates (PaneTemplates.cpp)
+    ChartTemplates::Pane templatesPane();
+    void watchTemplates();
+    void showWaitingView();
+    double newestClose() const;
     // Routing (Routing.cpp)
     bool route(const ChannelMessage& message);
     bool routeHot(const ChannelMessage& message, RepairTally& tally);

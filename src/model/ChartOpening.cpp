@@ -53,6 +53,7 @@ void AppModel::openChart(std::string_view candlesArgument, std::string_view leve
     log.append(line);
     // also where the same chart was opened anew and nothing else differs
     contentChanged();
+    autoApplyPreferredTemplate();
 }
 
 void AppModel::reloadChart() {

@@ -66,6 +66,11 @@ void PaneCamera::setPriceFracMode(bool on) {
     camera_->setPriceLineFrac(on ? 0.5 : std::numeric_limits<double>::quiet_NaN());
 }
 
+void PaneCamera::applyView(const ViewSetup& setup, bool byHand) {
+    if (camera_) camera_->applyView(setup, byHand);
+    ++viewChanges_;
+}
+
 void PaneCamera::showPeerCrosshair(const std::optional<ChartSpot>& spot) {
     peerSpot_ = spot;
     if (camera_) camera_->showPeerCrosshair(spot);

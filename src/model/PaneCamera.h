@@ -1,6 +1,7 @@
 // The camera of the chart that shows a pane: for whoever follows it, and what a linked pane does to it.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 #include "base/Clock.h"
@@ -50,6 +51,13 @@ class PaneCamera {
     /// On: the last close is pinned, at the middle unless it was pinned already. Off: the chart chooses the range.
     void setPriceFracMode(bool on);
 
+    /// The chart's view as it stands; nothing without a chart.
+    std::optional<ViewSetup> viewSetup() const { return camera_ ? std::optional(camera_->viewSetup()) : std::nullopt; }
+    /// Shows a view as it was saved; `byHand` as in `CameraPort`.
+    void applyView(const ViewSetup& setup, bool byHand);
+    /// Counts the views that were applied.
+    std::uint64_t viewChanges() const { return viewChanges_; }
+
     /// Where the linked pane's pointer is; nothing for nowhere.
     void showPeerCrosshair(const std::optional<ChartSpot>& spot);
 
@@ -62,6 +70,7 @@ class PaneCamera {
     ChartPort* port_ = nullptr;
     CameraPort* camera_ = nullptr;
     Connection following_;
+    std::uint64_t viewChanges_ = 0;
     bool mirrored_ = false;
     double mirroredUntil_ = 0;  // monotonic
     std::optional<ChartSpot> peerSpot_;

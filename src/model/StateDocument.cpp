@@ -126,10 +126,27 @@ void addPanels(json& out, const AppModel& pane) {
                      {"frames", panels.frames}};
 }
 
+void addTemplates(json& out, const AppModel& pane) {
+    const ChartTemplates& templates = pane.templates;
+    json list = nullptr;
+    if (const auto& known = templates.list.get()) {
+        list = {{"preferred", text(known->preferred)}, {"slots", json::object()}};
+        for (const auto& [key, slot] : known->slots) list["slots"][key] = text(slot.savedAt);
+    }
+    out["templates"] = {{"list", std::move(list)},
+                        {"loading", templates.loading.get()},
+                        {"busy", templates.busy.get()},
+                        {"status", text(templates.status)},
+                        {"failed", templates.failed.get()},
+                        {"preferredApplied", templates.preferredApplied()},
+                        {"viewChanges", pane.camera.viewChanges()}};
+}
+
 json paneDocument(const AppModel& pane) {
     json out;
     addSession(out, pane);
     addPanels(out, pane);
+    addTemplates(out, pane);
     addChart(out, pane);
     addCatalog(out, pane);
     out["candles"] = bars(pane.bars.candles);

@@ -6,6 +6,7 @@
 
 #include "base/NumberText.h"
 #include "market/ClockSetting.h"
+#include "workspace/PanelCommands.h"
 #include "workspace/SimCommands.h"
 #include "workspace/WindowCommands.h"
 
@@ -73,6 +74,8 @@ void ShellCommands::addChartCommands() {
                 }});
     addForPane({"set", "KEY JSON", 2, Command::restOfLine, [this](CommandWords& words) { return set(words); },
                 "set needs KEY JSON"});
+    addPanelCommands([this](Command row) { addForPane(std::move(row)); }, [this] { return pane_; },
+                     [this](const std::string& text) { tell(text); });
 }
 
 void ShellCommands::addProcessCommands() {

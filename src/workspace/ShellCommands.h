@@ -26,8 +26,8 @@ struct ShellSurroundings {
     ShellWindows* windows = nullptr;            ///< null without a display
 };
 
-/// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.
-/// Blank lines are not answered. A command works on the active pane, after "@2" on pane 2.
+/// Runs command lines on the main thread; each is answered by one line, at once or, for what asks a server, when it is
+/// over. Blank lines are not answered. A command works on the active pane, after "@2" on pane 2.
 class ShellCommands {
  public:
     explicit ShellCommands(ShellSurroundings surroundings);
