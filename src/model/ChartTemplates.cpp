@@ -98,8 +98,8 @@ void ChartTemplates::finishRefresh(const std::optional<std::string>& problem) {
 void ChartTemplates::load(const std::string& key) {
     follow();
     if (busy || !list.get()) return;
-    const auto slot = list.get()->slots.find(key);
-    if (slot == list.get()->slots.end()) return;
+    const auto slot = list.get()->savedSlots.find(key);
+    if (slot == list.get()->savedSlots.end()) return;
     busy = true;
     const JsonMembers saved = slot->second.config;
     pane_.apply(saved, true);
@@ -135,8 +135,8 @@ void ChartTemplates::autoApplyPreferred() {
     TemplatesService::load(pair_, auth_, ofStay_([this](const std::variant<List, std::string>& answer) {
                                const auto* told = std::get_if<List>(&answer);
                                if (!told || !told->preferred) return;
-                               const auto slot = told->slots.find(*told->preferred);
-                               if (slot == told->slots.end()) return;
+                               const auto slot = told->savedSlots.find(*told->preferred);
+                               if (slot == told->savedSlots.end()) return;
                                const std::string line =
                                    "→ template: applied preferred " + slot->first + " for " + pair_;
                                pane_.apply(slot->second.config, false);

@@ -131,7 +131,7 @@ void addTemplates(json& out, const AppModel& pane) {
     json list = nullptr;
     if (const auto& known = templates.list.get()) {
         list = {{"preferred", text(known->preferred)}, {"slots", json::object()}};
-        for (const auto& [key, slot] : known->slots) list["slots"][key] = text(slot.savedAt);
+        for (const auto& [key, slot] : known->savedSlots) list["slots"][key] = text(slot.savedAt);
     }
     out["templates"] = {{"list", std::move(list)},
                         {"loading", templates.loading.get()},

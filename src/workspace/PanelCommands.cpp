@@ -36,9 +36,9 @@ std::string listText(const AppModel& pane) {
     std::string text = "ok " + pane.symbolSource();
     for (const char* key : TemplatesService::slotKeys) {
         const auto& list = *pane.templates.list.get();
-        const auto slot = list.slots.find(key);
+        const auto slot = list.savedSlots.find(key);
         text += std::string("; ") + ChartTemplates::digit(key) + " ";
-        if (slot == list.slots.end())
+        if (slot == list.savedSlots.end())
             text += "empty";
         else
             text += ChartTemplates::fmtDate(slot->second.savedAt.value_or(""));
@@ -68,7 +68,7 @@ CommandAnswer runTemplate(AppModel& pane, CommandWords& words, const Tell& tell)
         return "";
     }
     templates.refresh(telling(tell, [&templates, key, number] {
-        if (!templates.list.get()->slots.contains(key)) return "error: slot " + number + " is empty";
+        if (!templates.list.get()->savedSlots.contains(key)) return "error: slot " + number + " is empty";
         if (templates.busy) return std::string("error: A save is under way.");
         templates.load(key);
         return "ok applied slot " + number;

@@ -10,8 +10,8 @@ void vmr::fuzz::take(std::string_view text) {
     const Json* result = std::get_if<Json>(&reply);
     if (!result) return require(!std::get<std::string>(reply).empty() || text.size() > 2);
     const auto list = TemplatesService::readList(*result);
-    require(list.slots.size() <= TemplatesService::slotKeys.size());
-    for (const auto& [key, slot] : list.slots) {
+    require(list.savedSlots.size() <= TemplatesService::slotKeys.size());
+    for (const auto& [key, slot] : list.savedSlots) {
         ChartTemplates::fmtDate(slot.savedAt.value_or(""));
         const auto config = TemplateRecord::config(slot.config, "BOTH");
         require(config && config->gexSource == "BOTH");

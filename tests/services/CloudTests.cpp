@@ -235,7 +235,7 @@ TEST_F(Cloud, ATemplateReplyIsReadWhateverItsStatus) {
             if (const auto* problem = std::get_if<std::string>(&result)) return void(told = *problem);
             const auto& list = std::get<TemplatesService::List>(result);
             told = list.preferred.value_or("-");
-            for (const auto& [key, slot] : list.slots) {
+            for (const auto& [key, slot] : list.savedSlots) {
                 told += " " + key + "{";
                 for (const auto& [name, value] : slot.config) told += name + "=" + value + " ";
                 told += "} " + (slot.atmOffset ? std::to_string(int(*slot.atmOffset)) : "-") + " " +

@@ -36,7 +36,7 @@ List readList(JsonView result) {
     for (const char* key : slotKeys) {
         const JsonView told = result[key];
         if (!told.isObject()) continue;
-        Slot& slot = list.slots[key];
+        Slot& slot = list.savedSlots[key];
         slot.config = jsonMembers(told["config"].text()).value_or(JsonMembers());
         if (const JsonView offset = told["atmOffset"]; offset.isNumber()) slot.atmOffset = offset.number();
         if (const JsonView saved = told["savedAt"]; saved.isString()) slot.savedAt = harmlessText(saved.string());

@@ -30,8 +30,8 @@ struct Slot {
 
 /// What the service has for a pair.
 struct List {
-    std::optional<std::string> preferred;  ///< the key of the preferred slot
-    std::map<std::string, Slot> slots;     ///< by key; those that are there
+    std::optional<std::string> preferred;    ///< the key of the preferred slot
+    std::map<std::string, Slot> savedSlots;  ///< by key; those that are there ("slots" alone is a macro of Qt's)
     bool operator==(const List&) const = default;
 };
 

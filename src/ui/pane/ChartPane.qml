@@ -111,6 +111,14 @@ FocusScope {
             open: paneView.pane.panels.accountPanelOpen
             onClose: paneView.pane.panels.accountPanelOpen = false
         }
+        TemplatesPanel {
+            objectName: "templatesPanel"
+            frames: paneView.pane.panelFrames
+            templates: paneView.pane.templates
+            defaultPos: Qt.point(24, 16)
+            open: paneView.pane.panels.templatesPanelOpen
+            onClose: paneView.pane.panels.templatesPanelOpen = false
+        }
     }
     Keys.onEscapePressed: event => event.accepted = panelSpace.closeFront()
 }

@@ -36,6 +36,7 @@ PaneBinding::~PaneBinding() {
     view_.toolbar.setActions({});
     view_.account.setSendReset({});
     view_.panels.setFollower({});
+    view_.templates.setActions({});
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -53,8 +54,15 @@ void PaneBinding::setSessionActions() {
 }
 
 void PaneBinding::bindPanels() {
-    view_.panels.setFollower(
-        [this](const PanelsViewModel::State& state) { model_.panels.accountPanelOpen = state.accountPanelOpen; });
+    view_.panels.setFollower([this](const PanelsViewModel::State& state) {
+        model_.panels.accountPanelOpen = state.accountPanelOpen;
+        model_.panels.templatesPanelOpen = state.templatesPanelOpen;
+    });
+    view_.templates.setActions({
+        [this](const QString& key) { model_.templates.load(key.toStdString()); },
+        [this](const QString& key) { model_.templates.save(key.toStdString()); },
+        [this] { model_.templates.refresh(); },
+    });
     view_.panelFrames.keepIn(&model_.preferences(), [this](const QString& id, const std::optional<QRectF>& frame) {
         auto& frames = model_.panels.frames;
         if (frame)
@@ -84,7 +92,9 @@ void PaneBinding::watch() {
     watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.catalog.catFutures, model_.catalog.catStocks);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
-    watch(panelsConcern, model_.panels.accountPanelOpen);
+    watch(panelsConcern, model_.panels.accountPanelOpen, model_.panels.templatesPanelOpen);
+    watch(templatesConcern, model_.templates.list, model_.templates.busy, model_.templates.loading,
+          model_.templates.status, model_.templates.failed, model_.channels, model_.config);
 }
 
 void PaneBinding::mark(Concern concern) {
@@ -103,11 +113,42 @@ void PaneBinding::flush() {
         view_.chart.setEmpty(model_.bars.displayCandles->empty());
         view_.chart.setAccountProblem(text(model_.notices.accountProblem->value_or("")));
     }
-    if (concerns & panelsConcern) view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen});
+    if (concerns & panelsConcern)
+        view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen,
+                          .templatesPanelOpen = model_.panels.templatesPanelOpen});
+    if (concerns & templatesConcern) view_.templates.set(templatesState());
     if (concerns & sessionConcern) {
-        if (!model_.session.isSignedIn) view_.panels.setAccountPanelOpen(false);  // nobody's, on the form
+        if (!model_.session.isSignedIn) closePanels();  // nobody's, on the form
         view_.session.set(sessionState());
     }
+}
+
+void PaneBinding::closePanels() {
+    view_.panels.setAccountPanelOpen(false);
+    view_.panels.setTemplatesPanelOpen(false);
+}
+
+TemplatesViewModel::State PaneBinding::templatesState() const {
+    const ChartTemplates& templates = model_.templates;
+    const auto& list = templates.list.get();
+    TemplatesViewModel::State out{.pair = text(model_.symbolSource()),
+                                  .known = list.has_value(),
+                                  .loading = templates.loading,
+                                  .busy = templates.busy,
+                                  .status = text(templates.status->value_or("")),
+                                  .failed = templates.failed};
+    for (std::size_t i = 0; i < out.rows.size(); ++i) {
+        const std::string key = TemplatesService::slotKeys.at(i);
+        TemplatesViewModel::Row& row = out.rows.at(i);
+        row = {.key = text(key), .digit = text(ChartTemplates::digit(key)), .date = QObject::tr("empty")};
+        const auto slot =
+            list ? list->savedSlots.find(key) : std::map<std::string, TemplatesService::Slot>::const_iterator();
+        if (!list || slot == list->savedSlots.end()) continue;
+        row.present = true;
+        row.preferred = list->preferred == key;
+        if (slot->second.savedAt) row.date = text(ChartTemplates::fmtDate(*slot->second.savedAt));
+    }
+    return out;
 }
 
 SessionViewModel::State PaneBinding::sessionState() const {

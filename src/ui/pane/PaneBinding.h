@@ -39,7 +39,8 @@ class PaneBinding {
         toastConcern = 4,
         chartConcern = 8,
         panelsConcern = 16,
-        everyConcern = 31
+        templatesConcern = 32,
+        everyConcern = 63
     };
 
     void setActions();
@@ -50,6 +51,8 @@ class PaneBinding {
     void watch(Concern concern, Fields&... fields);
     void mark(Concern concern);
     void flush();
+    void closePanels();
+    TemplatesViewModel::State templatesState() const;
     SessionViewModel::State sessionState() const;
     ToolbarViewModel::State toolbarState() const;
     ToastViewModel::State toastState() const;

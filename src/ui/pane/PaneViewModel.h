@@ -15,6 +15,7 @@
 #include "ui/pane/ChartViewModel.h"
 #include "ui/pane/PanelsViewModel.h"
 #include "ui/pane/SessionViewModel.h"
+#include "ui/pane/TemplatesViewModel.h"
 #include "ui/pane/ToastViewModel.h"
 #include "ui/pane/ToolbarViewModel.h"
 #include "ui/widgets/PanelFrames.h"
@@ -37,6 +38,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::ChartViewModel* chart READ chartOf CONSTANT)
     Q_PROPERTY(vmr::AccountViewModel* account READ accountOf CONSTANT)
     Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
+    Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -61,6 +63,7 @@ class PaneViewModel : public QObject {
     ChartViewModel chart;
     AccountViewModel account;
     PanelsViewModel panels;
+    TemplatesViewModel templates;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -80,6 +83,7 @@ class PaneViewModel : public QObject {
     ChartViewModel* chartOf() { return &chart; }
     AccountViewModel* accountOf() { return &account; }
     PanelsViewModel* panelsOf() { return &panels; }
+    TemplatesViewModel* templatesOf() { return &templates; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;

@@ -14,10 +14,12 @@ class PanelsViewModel : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("belongs to a pane")
     Q_PROPERTY(bool accountPanelOpen READ accountPanelOpen WRITE setAccountPanelOpen NOTIFY changed)
+    Q_PROPERTY(bool templatesPanelOpen READ templatesPanelOpen WRITE setTemplatesPanelOpen NOTIFY changed)
 
  public:
     struct State {
         bool accountPanelOpen = false;
+        bool templatesPanelOpen = false;
         bool operator==(const State&) const = default;
     };
     /// Hears of what the person opens and closes.
@@ -32,18 +34,22 @@ class PanelsViewModel : public QObject {
     void setFollower(Follower follower) { follower_ = std::move(follower); }
 
     bool accountPanelOpen() const { return state_.accountPanelOpen; }
-    void setAccountPanelOpen(bool open) {
-        if (open == state_.accountPanelOpen) return;
-        State state = state_;
-        state.accountPanelOpen = open;
-        set(state);
-        if (follower_) follower_(state_);
-    }
+    void setAccountPanelOpen(bool open) { setOpen(&State::accountPanelOpen, open); }
+    bool templatesPanelOpen() const { return state_.templatesPanelOpen; }
+    void setTemplatesPanelOpen(bool open) { setOpen(&State::templatesPanelOpen, open); }
 
  signals:
     void changed();
 
  private:
+    void setOpen(bool State::*panel, bool open) {
+        if (open == state_.*panel) return;
+        State state = state_;
+        state.*panel = open;
+        set(state);
+        if (follower_) follower_(state_);
+    }
+
     State state_;
     Follower follower_;
 };

@@ -6,8 +6,10 @@ Canvas {
 
     property string name
     property color color: Theme.textSoft
+    property bool filled: false
     readonly property var shapes: ({
         "arrow-left-right": ["M8 3 4 7l4 4", "M4 7h16", "m16 21 4-4-4-4", "M20 17H4"],
+        "bookmark": ["m19 21-7-4-7 4V5a2 2 0 0 1 2-2h10a2 2 0 0 1 2 2v16z"],
         "bell": ["M10.268 21a2 2 0 0 0 3.464 0",
                  "M3.262 15.326A1 1 0 0 0 4 17h16a1 1 0 0 0 .74-1.673C19.41 13.956 18 12.499 18 8A6 6 0 0 0 6 8c0 4.499-1.411 5.956-2.738 7.326"],
         "chevrons-up-down": ["m7 15 5 5 5-5", "m7 9 5-5 5 5"],
@@ -25,6 +27,7 @@ Canvas {
         "info": ["M2 12a10 10 0 1 0 20 0a10 10 0 1 0-20 0", "M12 16v-4", "M12 8h.01"],
         "menu": ["M4 12h16", "M4 6h16", "M4 18h16"],
         "plus": ["M5 12h14", "M12 5v14"],
+        "star": ["M11.525 2.295a.53.53 0 0 1 .95 0l2.31 4.679a2.123 2.123 0 0 0 1.595 1.16l5.166.756a.53.53 0 0 1 .294.904l-3.736 3.638a2.123 2.123 0 0 0-.611 1.878l.882 5.14a.53.53 0 0 1-.771.56l-4.618-2.428a2.122 2.122 0 0 0-1.973 0L6.396 21.01a.53.53 0 0 1-.77-.56l.881-5.139a2.122 2.122 0 0 0-.611-1.879L2.16 9.795a.53.53 0 0 1 .294-.906l5.165-.755a2.122 2.122 0 0 0 1.597-1.16z"],
         "triangle-alert": ["m21.73 18-8-14a2 2 0 0 0-3.48 0l-8 14A2 2 0 0 0 4 21h16a2 2 0 0 0 1.73-3", "M12 9v4",
                            "M12 17h.01"],
         "wrench": ["M14.7 6.3a1 1 0 0 0 0 1.4l1.6 1.6a1 1 0 0 0 1.4 0l3.77-3.77a6 6 0 0 1-7.94 7.94l-6.91 6.91a2.12 2.12 0 0 1-3-3l6.91-6.91a6 6 0 0 1 7.94-7.94l-3.76 3.76z"],
@@ -35,16 +38,20 @@ Canvas {
     implicitHeight: 16
     onNameChanged: requestPaint()
     onColorChanged: requestPaint()
+    onFilledChanged: requestPaint()
     onPaint: {
         const context = getContext("2d");
         context.reset();
         context.scale(width / 24, height / 24);
         context.strokeStyle = color;
+        context.fillStyle = color;
         context.lineWidth = 2;
         context.lineCap = "round";
         context.lineJoin = "round";
         for (const shape of shapes[name] || []) {
             context.path = shape;
+            if (filled)
+                context.fill();
             context.stroke();
         }
     }

@@ -18,6 +18,7 @@ QtObject {
     readonly property color accentPressed: "#1f8f85"
     readonly property color focus: "#4fd1c5"
     readonly property color warning: "#ffc208"
+    readonly property color gold: "#f2c14e"
     readonly property color error: "#ff7a76"
 
     readonly property string family: "Saira"
