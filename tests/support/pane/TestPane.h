@@ -41,14 +41,15 @@ class TestPane {
                 std::nullopt};
     }
 
-    PaneSurroundings surroundings() {
+    /// With `other` in place of its own session.
+    PaneSurroundings surroundings(FirebaseRESTAuth* other = nullptr) {
         const auto relay = [this] {
             return std::make_unique<RelayClient>("wss://relay.test/", sockets.factory(), queue, main, time);
         };
         return {.clock = time,
                 .main = main,
                 .preferences = preferences,
-                .auth = auth,
+                .auth = other ? *other : auth,
                 .session = session,
                 .ids = ids,
                 .hfScales = hfScales,
