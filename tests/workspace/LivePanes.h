@@ -28,7 +28,7 @@ class LivePanes : public testing::Test {
         EXPECT_FALSE(wrong) << *wrong;
         endpoints.relayUrl = relay.relayUrl();
         endpoints.apiKey = relay.apiKey();
-        endpoints.identityUrl = endpoints.secureTokenUrl = relay.restUrl();
+        endpoints.identityUrl = endpoints.secureTokenUrl = endpoints.functionsUrl = relay.restUrl();
         auth = std::make_unique<FirebaseRESTAuth>(endpoints, http, preferences, clock);
         host = std::make_unique<PaneHost>(
             PaneSurroundings{
