@@ -153,7 +153,8 @@ class PaneSteps : public PaneFixture {
         const auto document = Json::parse(documentWithoutLog());
         const JsonView pane = *(*document)["panes"].items().begin();
         for (const auto& [key, value] : pane.members())
-            if (key != "config") out[std::string(key)] = brief(key, value);
+            if (key != "config" && key != "templates") out[std::string(key)] = brief(key, value);
+        out["preferredApplied"] = brief("", pane["templates"]["preferredApplied"]);
         for (const auto& [key, value] : pane["config"].members()) out["config." + std::string(key)] = brief("", value);
         return out;
     }
@@ -165,7 +166,8 @@ TEST_F(PaneSteps, ConnectsToTheFirstChart) {
     const std::string list = chart("futures:NQU6", "QQQ") + other("futures:ESM6") + " derived:srlevels:NQ";
     EXPECT_TRUE(
         changed("isSignedIn=true; userEmail=a@b.c; connected=true; status=Connected; chartChannel=futures:NQU6; "
-                "currentSymbol=NQ; symbolSource=NQ_QQQ; simRoot=NQ; srChannel=derived:srlevels:NQ; secondSymbol=ES; "
+                "currentSymbol=NQ; symbolSource=NQ_QQQ; preferredApplied=NQ_QQQ; simRoot=NQ; "
+                "srChannel=derived:srlevels:NQ; secondSymbol=ES; "
                 "secondaryContract=ESM6; secondaryChannel=futures:ESM6; " +
                 channelsOf("QQQ") + "subscribedChans=" + list));
     EXPECT_THAT(sent(), ElementsAre("subscribe " + list));
@@ -255,7 +257,8 @@ TEST_F(PaneSteps, GoesToTheIndex) {
     prepare();
     model->cycleGexSource();
     EXPECT_TRUE(changed(emptied + channelsOf("NDX") +
-                        "config.gexSource=INDEX; chartVersion=raised; symbolSource=NQ_NDX; hfScale=1.5e-06; "
+                        "config.gexSource=INDEX; chartVersion=raised; symbolSource=NQ_NDX; preferredApplied=NQ_NDX "
+                        "NQ_QQQ; hfScale=1.5e-06; "
                         "subscribedChans=" +
                         nqByIndex));
     EXPECT_THAT(sent(), ElementsAre("unsubscribe " + nqByEtf, "subscribe " + nqByIndex));
@@ -270,10 +273,11 @@ TEST_F(PaneSteps, GoesToTheIndex) {
 TEST_F(PaneSteps, ShowsBothSources) {
     prepare(1);
     model->cycleGexSource();
-    EXPECT_TRUE(changed(emptied + channelsOf("QQQ") +
-                        "config.gexSource=BOTH; chartVersion=raised; symbolSource=NQ_QQQNDX; "
-                        "secondaryGexChannel=derived:NDX; hfScale=2e-07; subscribedChans=" +
-                        nqByBoth));
+    EXPECT_TRUE(changed(
+        emptied + channelsOf("QQQ") +
+        "config.gexSource=BOTH; chartVersion=raised; symbolSource=NQ_QQQNDX; preferredApplied=NQ_NDX NQ_QQQ NQ_QQQNDX; "
+        "secondaryGexChannel=derived:NDX; hfScale=2e-07; subscribedChans=" +
+        nqByBoth));
     EXPECT_THAT(sent(), ElementsAre("unsubscribe " + nqByIndex, "subscribe " + nqByBoth));
     fill();
     forget();
@@ -311,6 +315,7 @@ TEST_F(PaneSteps, GoesToAStock) {
     const std::string list = chart("stocks:AAPL", "AAPL");
     EXPECT_TRUE(changed(emptied + channelsOf("AAPL") +
                         "catStocks=AAPL; chartChannel=stocks:AAPL; currentSymbol=AAPL; symbolSource=AAPL; "
+                        "preferredApplied=AAPL NQ_NDX NQ_QQQ NQ_QQQNDX; "
                         "sessionHHMM=930; simRoot=; "
                         "srChannel=; secondSymbol=; secondaryContract=; secondaryChannel=; secondaryGexChannel=; "
                         "oscPrimaryLabel=AAPL; oscSingle=true; hfScale=3.0; subscribedChans=" +

@@ -5,7 +5,7 @@ import QtQuick.Templates as T
 T.ToolTip {
     id: tip
 
-    y: -implicitHeight - 4
+    y: -implicitHeight - 10
     x: 0
     margins: 8
     padding: 8
