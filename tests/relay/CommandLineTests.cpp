@@ -27,6 +27,7 @@ TEST(RelayCommandLine, SaysWhatIsWrong) {
              {{"--replay", "a", "--speed", "2", "--clock", "2026-06-10"}, "--speed and --clock contradict each other"},
              {{"--replay", "/none"}, "the recording /none cannot be opened"}})
         EXPECT_EQ(read(words).error, error);
+    EXPECT_EQ(read({"--templates", "t.json"}).relay.templates, "t.json");
     EXPECT_EQ(read({}, "soon").error, "VMR_CLOCK is no moment: soon");
 }
 

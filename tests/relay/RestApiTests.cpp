@@ -6,6 +6,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "relay/PracticeRelay.h"
 #include "support/time/TestTime.h"
 
 namespace vmr::relay {
@@ -188,6 +189,9 @@ TEST_F(TemplateApi, ItsFileOutlivesItAndIsItsOwnersAlone) {
         std::ofstream(file) << odd;
         EXPECT_EQ(RestApi(accounts, faults, clock).templates().keepIn(file),
                   "the file " + file.string() + " holds no templates");
+        PracticeRelayOptions options;
+        options.templates = file;
+        EXPECT_TRUE(PracticeRelay(clock, options).start()) << "a relay that could not keep them does not run";
         EXPECT_EQ(fs::file_size(file), std::string_view(odd).size()) << "it is left as it is";
     }
     EXPECT_TRUE(RestApi(accounts, faults, clock).templates().keepIn(folder / "no" / "such").has_value());

@@ -91,6 +91,31 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_EQ(view.toast.notice(), "Two") << "a flush under way ends with the binding";
 }
 
+TEST_F(PaneBindingTest, TheTemplatesPanelShowsWhatThereIsAndClosesWithTheSession) {
+    model->templates.list =
+        TemplatesService::List{"slot_3", {{"slot_1", {{}, 1, "soon"}}, {"slot_3", {{{"ema1Period", "77"}}, 1, {}}}}};
+    model->panels.templatesPanelOpen = true;
+    time.runUntilIdle();
+    EXPECT_TRUE(view.panels.templatesPanelOpen());
+    QStringList rows;
+    for (const QVariant& row : view.templates.slotRows()) {
+        const QVariantMap told = row.toMap();
+        rows += told["key"].toString() + told["digit"].toString() + told["date"].toString() +
+                (told["present"].toBool() ? "+" : "-") + (told["preferred"].toBool() ? "*" : "");
+    }
+    EXPECT_EQ(rows, QStringList({"slot_11+", "slot_22empty-", "slot_33empty+*"}));
+    view.templates.load("slot_3");
+    time.runUntilIdle();
+    EXPECT_EQ(model->config->ema1Period, 77);
+    EXPECT_EQ(view.templates.status(), "Applied slot 3.");
+    EXPECT_EQ(view.templates.pair(), "NQ_QQQ");
+
+    model->signOut();
+    time.runUntilIdle();
+    EXPECT_FALSE(view.panels.templatesPanelOpen() || model->panels.templatesPanelOpen);
+    EXPECT_FALSE(view.templates.known()) << "they were that person's";
+}
+
 TEST_F(PaneBindingTest, PanelsAndTheAccountGoBothWays) {
     view.panels.setAccountPanelOpen(true);
     EXPECT_TRUE(model->panels.accountPanelOpen);
