@@ -8,8 +8,6 @@ namespace {
 
 using nlohmann::json;
 
-constexpr double width = 1200;
-
 class WindowKeys : public DrivenWindow {
  protected:
     void SetUp() override {

@@ -221,6 +221,7 @@ Rectangle {
             text: qsTr("More")
             icon24: "ellipsis"
             active: folded.visible
+            tipHeld: folded.visible
             Accessible.role: Accessible.ButtonMenu
             Keys.onDownPressed: folded.open()
             onClicked: folded.visible ? folded.close() : folded.open()
@@ -229,7 +230,6 @@ Rectangle {
                 id: folded
                 objectName: "folded"
                 width: 236
-                x: Math.min(0, bar.width - more.mapToItem(bar, 0, 0).x - width - 8)
                 rows: bar.foldedRows()
                 onChosen: value => bar.takeFolded(value)
             }

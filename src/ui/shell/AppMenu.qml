@@ -31,6 +31,7 @@ IconButton {
     text: qsTr("Menu")
     icon24: "menu"
     active: list.visible
+    tipHeld: list.visible
     Accessible.role: Accessible.ButtonMenu
     Keys.onDownPressed: list.open()
     onClicked: list.visible ? list.close() : list.open()

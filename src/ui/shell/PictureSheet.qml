@@ -17,6 +17,7 @@ T.Popup {
     x: parent ? Math.round((parent.width - width) / 2) : 0
     y: parent ? Math.round((parent.height - height) / 2) : 0
     width: parent ? Math.min(480, parent.width - 32) : 480
+    height: column.implicitHeight + 2 * padding
     padding: 24
     modal: true
     focus: true

@@ -9,6 +9,7 @@ T.Button {
     property bool active: false  // what it stands for is on
     property string key  // that does the same
     property string barred  // why it cannot be pressed; the tip says so
+    property bool tipHeld: false  // while it has something open
     property string hint: barred !== "" ? barred.charAt(0).toUpperCase() + barred.slice(1) : text + (key !== "" ? " (" + key + ")" : "")
 
     implicitWidth: 30
@@ -36,6 +37,6 @@ T.Button {
     }
     Tip {
         text: control.hint
-        wanted: (control.hovered || control.visualFocus) && !control.down
+        wanted: (control.hovered || control.visualFocus) && !control.down && !control.tipHeld
     }
 }
