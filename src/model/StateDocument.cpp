@@ -124,6 +124,7 @@ void addPanels(json& out, const AppModel& pane) {
                        {"sim", panels.simPanelOpen.get()},
                        {"templates", panels.templatesPanelOpen.get()}}},
                      {"frames", panels.frames}};
+    out["toolbar"] = {{"shown", panels.toolbar.shown}, {"folded", panels.toolbar.folded}};
 }
 
 void addTemplates(json& out, const AppModel& pane) {

@@ -35,9 +35,9 @@ struct StateSources {
 };
 
 /// {"clock": seconds, "panes": [...], "sim": {...}, "announcement": ..., "maintenance": ..., "update": ..., "windows":
-/// [...], "hotkeys": {...}}: every pane's fields under their own names. Bars are arrays [time, open, high, low, close, volume], other
-/// records objects; a missing optional or a non-finite number is null; doubles round-trip. Dates of the simulator are
-/// seconds since 2001.
+/// [...], "hotkeys": {...}}: every pane's fields under their own names. Bars are arrays [time, open, high, low, close,
+/// volume], other records objects; a missing optional or a non-finite number is null; doubles round-trip. Dates of the
+/// simulator are seconds since 2001.
 std::string stateDocument(const StateSources& sources);
 
 }  // namespace vmr

@@ -226,7 +226,6 @@ void addWindows(std::vector<Action>& out) {
     out.push_back(asks("fullScreen", "Full screen", "F11", WindowDeed::fullScreen));
     out.push_back(asks("picture", "Picture of the window…", "Ctrl+Shift+S", WindowDeed::picture));
     out.push_back(asks("keys", "Keyboard shortcuts", "?", WindowDeed::keySheet));
-    out.push_back(asks("changeKeys", "Change keys…", "", WindowDeed::keyEditor));
     out.push_back(asks("about", "About Velmora", "", WindowDeed::about));
     out.push_back(until(needsWindow, {"newWindow", "New Window", "Ctrl+N", P::program, Group::window, openWindow}));
     out.push_back(asks("quit", "Quit", "Ctrl+Q", WindowDeed::quit, P::program));

@@ -111,10 +111,7 @@ void HotkeyRouter::keep() {
 
 std::optional<std::string> HotkeyRouter::problemOf(std::string_view text) { return read(text).second; }
 
-void HotkeyRouter::pointerOver(int pane) {
-    hovered_ = pane;
-    byKeyboard_ = false;
-}
+void HotkeyRouter::pointerOver(int pane) { hovered_ = pane; }
 
 void HotkeyRouter::pointerLeft(int pane) {
     if (hovered_ == pane) hovered_ = 0;

@@ -53,6 +53,7 @@ class HotkeyRouter {
     void pointerOver(int pane);
     /// The pane is not under the pointer any more, or is gone; does nothing where another one is.
     void pointerLeft(int pane);
+    void pointerMoved() { byKeyboard_ = false; }
     /// The keyboard's focus was moved by a key: until the pointer moves again, it tells the pane.
     void focusMovedByKey() { byKeyboard_ = true; }
     /// The pane that a key pressed in the window of `focused` is for, of `paneCount` panes on the screen; 0 for none.

@@ -62,7 +62,8 @@ void ShellCommands::addChartCommands() {
                 "open needs CANDLE_CHANNEL [DERIVED_CHANNEL]"});
     addForPane({"symbol", "SYM", 1, 1, [this](CommandWords& words) { return symbol(words.next()); }});
     addForPane({"timeframe", "N", 1, 1, [this](CommandWords& words) { return timeframe(words.next()); }});
-    addForPane({"expiration", "YYYY-MM-DD", 1, 1, [this](CommandWords& words) { return expiration(words.next()); }});
+    addForPane(
+        {"expiration", "YYYY-MM-DD|all", 1, 1, [this](CommandWords& words) { return expiration(words.next()); }});
     addForPane({"gex-source", "", 0, 0, [this](CommandWords&) {
                     pane_->cycleGexSource();
                     return "ok gex-source " + pane_->config->gexSource;
@@ -149,6 +150,10 @@ CommandAnswer ShellCommands::timeframe(const std::string& minutes) {
 
 CommandAnswer ShellCommands::expiration(const std::string& iso) {
     const auto& offered = pane_->options.futureExps.get();
+    if (iso == "all") {
+        pane_->setExpiration("");
+        return "ok expiration all";
+    }
     if (std::find(offered.begin(), offered.end(), iso) == offered.end())
         return "error: no such expiration on offer: " + iso;
     pane_->setExpiration(iso);

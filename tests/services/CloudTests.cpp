@@ -249,7 +249,7 @@ TEST_F(Cloud, ATemplateReplyIsReadWhateverItsStatus) {
 }
 
 TEST_F(Cloud, TemplatesAreAskedForAndSavedWithAFreshToken) {
-    const auto posted = [this](const HttpRequest& request) {
+    const auto posted = [](const HttpRequest& request) {
         EXPECT_EQ(request.timeoutSeconds, 60);
         std::string line = request.method + " " + request.url;
         for (const auto& [name, value] : request.headers) line += " " + name + "=" + value;

@@ -108,7 +108,8 @@ TEST(HotkeyRouter, SendsAKeyToThePaneThatTheHandIsOn) {
     EXPECT_EQ(keys.paneFor(1, 2), 2) << "it had gone from 1 to 2";
     keys.focusMovedByKey();
     EXPECT_EQ(keys.paneFor(1, 2), 1);
-    keys.pointerOver(2);
+    keys.pointerMoved();
+    EXPECT_EQ(keys.paneFor(1, 2), 2);
     keys.pointerLeft(2);
     EXPECT_EQ(keys.paneFor(1, 2), 0);
 }

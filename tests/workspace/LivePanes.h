@@ -23,12 +23,14 @@ namespace vmr::test {
 
 class LivePanes : public testing::Test {
  protected:
-    LivePanes() {
+    /// With the functions of the service there is more between panes and relay than their sockets.
+    explicit LivePanes(bool withFunctions = false) {
         const auto wrong = relay.start();
         EXPECT_FALSE(wrong) << *wrong;
         endpoints.relayUrl = relay.relayUrl();
         endpoints.apiKey = relay.apiKey();
-        endpoints.identityUrl = endpoints.secureTokenUrl = endpoints.functionsUrl = relay.restUrl();
+        endpoints.identityUrl = endpoints.secureTokenUrl = relay.restUrl();
+        if (withFunctions) endpoints.functionsUrl = relay.restUrl();
         auth = std::make_unique<FirebaseRESTAuth>(endpoints, http, preferences, clock);
         host = std::make_unique<PaneHost>(
             PaneSurroundings{

@@ -9,6 +9,7 @@ namespace {
 
 class LiveTemplates : public LivePanes {
  protected:
+    LiveTemplates() : LivePanes(true) {}
     void SetUp() override {
         host->open();
         ASSERT_TRUE(signIn(1));

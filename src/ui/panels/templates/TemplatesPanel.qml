@@ -55,10 +55,9 @@ FloatingPanel {
                                 id: starHover
                                 margin: 8
                             }
-                            HoverTip {
+                            Tip {
                                 id: starTip
-                                objectName: "templateTip" + row.slot.digit
-                                visible: starHover.hovered
+                                wanted: starHover.hovered
                                 text: row.slot.preferred ? qsTr("Preferred (auto-applied on load)")
                                                          : qsTr("Saving makes a slot preferred")
                             }
