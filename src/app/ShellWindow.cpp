@@ -12,6 +12,7 @@
 #include "store/RecentSymbols.h"
 #include "ui/platform/WindowPicture.h"
 #include "workspace/HotkeyRouter.h"
+#include "workspace/KeyChord.h"
 #include "workspace/ShellWindows.h"
 
 namespace vmr {
@@ -63,13 +64,17 @@ ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
     stage_ = std::make_unique<WindowStage>(*window_, panes, kit.size);
     QObject::connect(&first_->view.session, &SessionViewModel::enteredChanged, window_.get(), [this] {
         Perf::shared().startUp("entered");
+        closePopups();  // what they show is of the other stage
         stage_->apply(panes_.entered());
     });
     stage_->apply(panes_.entered());
     watchWindow();
 }
 
-ShellWindow::~ShellWindow() { panes_.perform = {}; }
+ShellWindow::~ShellWindow() {
+    panes_.perform = {};
+    panes_.keysHeld = {};
+}
 
 // What keys, buttons and lists do -------------------------------------------------------------------------------------
 
@@ -92,23 +97,26 @@ int ShellWindow::paneNumber(bool second) const { return second ? panes_.dualNumb
 
 void ShellWindow::watchWindow() {
     panes_.perform = [this](WindowDeed deed, bool second) { return perform(deed, second); };
+    panes_.keysHeld = [this] { return window_->property("keysHeld").toBool(); };
     filter_ = std::make_unique<HotkeyFilter>(
-        *window_, HotkeyFilter::Hooks{[this](const std::string& chord, bool typing, bool repeated) {
-                                          return takeKey(chord, typing, repeated);
-                                      },
-                                      [this](const std::optional<QPointF>& place) { pointerMoved(place); },
-                                      [&keys = kit_.keys] { keys.focusMovedByKey(); }});
+        *window_,
+        HotkeyFilter::Hooks{
+            [this](const std::string& chord, bool typing, bool repeated) { return takeKey(chord, typing, repeated); },
+            [this](const std::optional<QPointF>& place, bool byHand) { pointerMoved(place, byHand); },
+            [&keys = kit_.keys] { keys.focusMovedByKey(); }});
 }
 
-void ShellWindow::pointerMoved(const std::optional<QPointF>& place) {
+void ShellWindow::pointerMoved(const std::optional<QPointF>& place, bool byHand) {
     pointer_ = place;
-    if (place) kit_.keys.pointerMoved();
+    if (place && byHand) kit_.keys.pointerMoved();
     tellPointer();
 }
 
 // Also before a key: the panes may have come to lie otherwise below a pointer at rest.
 void ShellWindow::tellPointer() {
-    const auto* divider = panes_.dual() ? window_->findChild<QQuickItem*>(QStringLiteral("divider")) : nullptr;
+    // the sign-in form has none
+    if (panes_.dual() && !divider_) divider_ = window_->findChild<QQuickItem*>(QStringLiteral("divider"));
+    const QQuickItem* divider = panes_.dual() ? divider_.get() : nullptr;
     const double x = pointer_ ? pointer_->x() : 0;
     const bool between = divider && x >= divider->x() && x < divider->x() + divider->width();
     const int over = !pointer_ || between ? 0 : paneNumber(divider && x > divider->x());
@@ -120,7 +128,7 @@ void ShellWindow::tellPointer() {
 // A key of a pane is for the one that the hand is on, in whatever window; the others are for this window.
 bool ShellWindow::takeKey(const std::string& chord, bool typing, bool repeated) {
     const Action* action = kit_.keys.actionFor(chord);
-    const bool always = action && action->place == ActionPlace::program;
+    const bool always = action && action->place == ActionPlace::program && isCommandKey(chord);
     if (!action || ((typing || !panes_.entered()) && !always)) return false;
     ActionContext at = context(view_.secondHasHand());
     if (action->place == ActionPlace::pane) {
@@ -129,7 +137,7 @@ bool ShellWindow::takeKey(const std::string& chord, bool typing, bool repeated) 
         for (const WindowPanes* window : kit_.windows.all()) shown += window->dual() ? 2 : 1;
         const int pane = kit_.keys.paneFor(paneNumber(view_.secondHasHand()), shown);
         WindowPanes* window = kit_.windows.showing(pane);
-        if (!window) return false;
+        if (!window || (window != &panes_ && window->keysHeld && window->keysHeld())) return false;
         at = {pane == window->dualNumber() ? window->dual() : &window->primary(), window, &kit_.windows};
     }
     return repeated || runAction(*action, at).taken;
@@ -138,6 +146,7 @@ bool ShellWindow::takeKey(const std::string& chord, bool typing, bool repeated) 
 bool ShellWindow::perform(WindowDeed deed, bool second) {
     switch (deed) {
         case WindowDeed::symbolMenu:
+            window_->requestActivate();  // the key may have been pressed in another window
             emit view_.symbolMenuAsked(second);
             break;
         case WindowDeed::otherPane:
@@ -148,8 +157,7 @@ bool ShellWindow::perform(WindowDeed deed, bool second) {
             stage_->toggleFullScreen();
             break;
         case WindowDeed::picture:
-            takePicture();
-            break;
+            return takePicture();
         case WindowDeed::actionList:
             emit view_.actionListAsked(second);
             break;
@@ -159,6 +167,9 @@ bool ShellWindow::perform(WindowDeed deed, bool second) {
         case WindowDeed::about:
             menu_.showAbout();
             break;
+        case WindowDeed::beep:
+            ShellViewModel::beep();
+            break;
         case WindowDeed::quit:
             askToEnd();
             break;
@@ -166,12 +177,20 @@ bool ShellWindow::perform(WindowDeed deed, bool second) {
     return true;
 }
 
-void ShellWindow::takePicture() {
+bool ShellWindow::takePicture() {
     view_.setPictureTaken(true);
     const QImage picture = windowPicture(*window_);
     view_.setPictureTaken(false);
+    if (picture.isNull()) return false;
     const std::string symbol = panes_.primary().currentSymbol();
     picture_.offer(picture, QStringLiteral("velmora-") + QString::fromStdString(symbol.empty() ? "window" : symbol));
+    return true;
+}
+
+// Lists, menus and sheets, whichever they are.
+void ShellWindow::closePopups() {
+    for (QObject* one : window_->findChildren<QObject*>())
+        if (one->inherits("QQuickPopup") && one->property("visible").toBool()) QMetaObject::invokeMethod(one, "close");
 }
 
 // The window ----------------------------------------------------------------------------------------------------------
@@ -219,7 +238,7 @@ void ShellWindow::closeNow() {
 void ShellWindow::askToEnd() {
     const QString notice = view_.endNotice().isEmpty() ? endNotice(kit_.sim) : QString();
     if (notice.isEmpty()) return endProgram();
-    menu_.closeSheet();
+    closePopups();
     view_.setEndNotice(notice);
 }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
+#include <QQuickItem>
 #include <QSize>
 #include <functional>
 #include <memory>
@@ -80,13 +82,14 @@ class ShellWindow {
     void setActions();
     ActionsViewModel::Hooks actionHooks();
     ActionContext context(bool second) const;
-    void pointerMoved(const std::optional<QPointF>& place);
+    void pointerMoved(const std::optional<QPointF>& place, bool byHand);
     void tellPointer();
     bool takeKey(const std::string& chord, bool typing, bool repeated);
     int paneNumber(bool second) const;
     void watchWindow();
     bool perform(WindowDeed deed, bool second);
-    void takePicture();
+    bool takePicture();
+    void closePopups();
     void follow();
     void closeNow();
     void askToEnd();
@@ -102,6 +105,7 @@ class ShellWindow {
     std::unique_ptr<WindowStage> stage_;
     std::unique_ptr<HotkeyFilter> filter_;
     std::optional<QPointF> pointer_;  ///< where it is in the window
+    QPointer<QQuickItem> divider_;
     Connection changed_;
     WeakTask whileThere_;
 };

@@ -63,11 +63,12 @@ QMetaObject::Connection WindowStage::fitFrame(const QRect& area) {
 
 void WindowStage::toggleFullScreen() {
     if (window_.visibility() == QWindow::FullScreen) {
-        window_.showNormal();
+        window_.setWindowStates(statesBefore_);
         before_.reset();
         return;
     }
     before_ = frame();
+    statesBefore_ = window_.windowStates();
     window_.showFullScreen();
 }
 

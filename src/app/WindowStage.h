@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QRect>
 #include <QSize>
+#include <Qt>
 #include <array>
 #include <optional>
 
@@ -38,6 +39,7 @@ class WindowStage {
     QQuickWindow& window_;
     WindowPanes& panes_;
     std::optional<ScreenRect> wanted_;
+    Qt::WindowStates statesBefore_;
     std::optional<std::array<double, 4>> before_;  ///< the frame, while it fills the screen
     QMetaObject::Connection fitting_;
 };

@@ -14,7 +14,7 @@ CommandAnswer doAction(const ActionContext& at, const std::string& id) {
     const Action* action = findAction(id);
     if (!action) return "error: there is no action " + id + "; see actions";
     const ActionAnswer answer = runAction(*action, at);
-    if (!answer.taken) return "error: " + answer.text;
+    if (!answer.taken || answer.refused) return "error: " + answer.text;
     return "ok " + id + (answer.text.empty() ? "" : " " + lowered(answer.text));
 }
 

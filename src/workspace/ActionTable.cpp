@@ -147,7 +147,7 @@ Action asks(std::string id, std::string title, std::string key, WindowDeed deed,
 }
 
 ActionAnswer toggleDual(At at) {
-    if (!at.window->toggleDual()) return {true, PaneHost::noRoomText};
+    if (!at.window->toggleDual()) return {true, PaneHost::noRoomText, true};
     return {true, onOff(at.window->dual() != nullptr)};
 }
 
@@ -157,9 +157,10 @@ ActionAnswer toggleSync(At at) {
 }
 
 ActionAnswer openWindow(At at) {
-    const WindowPanes* window = at.windows->open(at.window);
-    return window ? ActionAnswer{true, "window " + std::to_string(window->number())}
-                  : ActionAnswer{true, PaneHost::noRoomText};
+    if (const WindowPanes* window = at.windows->open(at.window))
+        return {true, "window " + std::to_string(window->number())};
+    if (at.window->perform) at.window->perform(WindowDeed::beep, false);
+    return {true, PaneHost::noRoomText, true};
 }
 
 std::string needsWindow(At at) { return at.window ? std::string() : noWindow; }

@@ -14,10 +14,10 @@ class ShellWindows;
 class WindowPanes;
 
 /// What only the window on the screen can do; `WindowPanes::perform` asks it to.
-enum class WindowDeed { symbolMenu, otherPane, fullScreen, picture, actionList, keySheet, about, quit };
+enum class WindowDeed { symbolMenu, otherPane, fullScreen, picture, actionList, keySheet, about, beep, quit };
 
 /// Where an action does something, and so whom its key is for: the pane that the pointer is over, the window that has
-/// the keyboard, or the program, whose keys work in text fields and on the sign-in form, too.
+/// the keyboard, or the program, whose keys work everywhere, as long as they type nothing.
 enum class ActionPlace { pane, window, program };
 
 /// Headings of the lists, in order.
@@ -32,8 +32,9 @@ struct ActionContext {
 };
 
 struct ActionAnswer {
-    bool taken = true;  ///< false: there was nothing to do, and the key is free for others
-    std::string text;   ///< how it stands now, such as "On"; or why there was nothing to do
+    bool taken = true;     ///< false: there was nothing to do, and the key is free for others
+    std::string text{};    ///< how it stands now, such as "On"; or why nothing was done
+    bool refused = false;  ///< it was asked for, and cannot be had
 };
 
 /// A row.

@@ -14,20 +14,35 @@ using nlohmann::json;
 
 bool fits(const std::string& chord) { return chord.empty() || HotkeyRouter::reserved(chord).empty(); }
 
-// The keys of a stored text, and what is wrong with it, if anything.
-std::pair<std::map<std::string, std::string, std::less<>>, std::optional<std::string>> read(std::string_view text) {
+using Keys = std::map<std::string, std::string, std::less<>>;
+
+// The keys of a stored text that can be had, and what is wrong with it, if anything. An action whose stored key is
+// another's keeps the table's, or has none where that is taken as well.
+std::pair<Keys, std::optional<std::string>> read(std::string_view text) {
     const json stored = json::parse(text, nullptr, false);
     if (!stored.is_object()) return {{}, "it is no list of keys"};
-    std::map<std::string, std::string, std::less<>> keys;
+    Keys keys;
     std::optional<std::string> problem;
+    const auto tell = [&problem](std::string what) {
+        if (!problem) problem = std::move(what);
+    };
     for (const auto& [id, value] : stored.items()) {
         const Action* action = findAction(id);
         std::optional<std::string> chord;
         if (value.is_string()) chord = value.get<std::string>().empty() ? "" : parseChord(value.get<std::string>());
         if (action && !action->fixed && chord && fits(*chord))
             keys[id] = *chord;
-        else if (!problem)
-            problem = id + (action ? ": no key for an action" : ": there is no such action");
+        else
+            tell(id + (action ? ": no key for an action" : ": there is no such action"));
+    }
+    std::set<std::string> taken;
+    for (const Action& action : actionTable())
+        if (!keys.contains(action.id) && !action.key.empty()) taken.insert(action.key);
+    for (auto& [id, chord] : keys) {
+        if (chord.empty() || taken.insert(chord).second) continue;
+        tell(id + ": another action has the key " + chord);
+        const std::string own = findAction(id)->key;
+        chord = !own.empty() && taken.insert(own).second ? own : "";
     }
     return {std::move(keys), std::move(problem)};
 }
@@ -38,14 +53,8 @@ HotkeyRouter::HotkeyRouter(Preferences* preferences) : preferences_(preferences)
 void HotkeyRouter::load() {
     changedKeys_.clear();
     const auto stored = preferences_ ? preferences_->get(preferenceKey) : std::nullopt;
-    if (stored) {
-        std::set<std::string> taken;
-        const auto keys = read(*stored).first;
-        for (const Action& action : actionTable())
-            if (!keys.contains(action.id) && !action.key.empty()) taken.insert(action.key);
-        for (const auto& [id, chord] : keys)
-            if (chord.empty() || taken.insert(chord).second) changedKeys_[id] = chord;
-    }
+    if (stored)
+        for (auto& [id, chord] : read(*stored).first) set(id, std::move(chord));
     changed();
 }
 

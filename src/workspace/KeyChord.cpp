@@ -85,6 +85,12 @@ std::optional<std::string> parseChord(std::string_view text) {
     return chord.empty() ? std::nullopt : std::optional(chord);
 }
 
+bool isCommandKey(std::string_view chord) {
+    for (const char* modifier : {"Ctrl+", "Alt+", "Meta+"})
+        if (chord.find(modifier) != std::string_view::npos) return true;
+    return isFunctionKey(chord.starts_with("Shift+") ? chord.substr(6) : chord);
+}
+
 std::string chordLabel(std::string_view chord, bool mac) {
     constexpr std::array signs{std::pair("Ctrl+", "⌘"), std::pair("Alt+", "⌥"), std::pair("Shift+", "⇧"),
                                std::pair("Meta+", "⌃")};

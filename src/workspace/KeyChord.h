@@ -16,13 +16,17 @@ struct KeyStroke {
     bool operator==(const KeyStroke&) const = default;
 };
 
-/// The one text of a stroke: modifiers in the order Ctrl, Alt, Shift, Meta, then the key, its letter in upper case.
+/// The one text of a stroke: modifiers in the order Ctrl, Alt, Shift, Meta, then the key. A to Z are in upper case,
+/// other letters as they come.
 /// Shift is left out where it went into a character ("$"), except beside another modifier. Empty for an empty key.
 std::string chordText(const KeyStroke& stroke);
 
 /// Brings a text that a person or a file has into that form, in whatever case and order its words are; nothing where it
 /// is no key.
 std::optional<std::string> parseChord(std::string_view text);
+
+/// Whether a key types nothing: it has a modifier other than Shift, or is one of F1 to F24.
+bool isCommandKey(std::string_view chord);
 
 /// As a person reads it: on a Mac with that machine's signs, where "Ctrl" is the Command key.
 std::string chordLabel(std::string_view chord, bool mac);

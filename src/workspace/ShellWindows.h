@@ -70,6 +70,8 @@ class WindowPanes {
     /// Does on the screen what only the window can, for its second pane or its first; tells whether it could. Set by
     /// whoever shows it.
     std::function<bool(WindowDeed deed, bool second)> perform;
+    /// Whether a list or a sheet is open on it, which takes every key. Set by whoever shows it.
+    std::function<bool()> keysHeld;
 
     /// Its second pane came or goes, the divider moved, or the panes are in step or no longer.
     Signal<> changed;

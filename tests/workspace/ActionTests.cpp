@@ -84,7 +84,7 @@ TEST(HotkeyRouter, GivesKeysAwayAndRemembersThem) {
     // what is kept may be anybody's
     for (const auto& [text, problem] :
          {std::pair(R"({"reload":"r","unknown":"u"})", "unknown: there is no such action"),
-          {R"({"reload":"g"})", ""},  // of another action, which keeps it
+          {R"({"reload":"g"})", "reload: another action has the key G"},
           {R"({"reload":5})", "reload: no key for an action"},
           {R"({"close":"q"})", "close: no key for an action"},
           {R"({"reload":"Left"})", "reload: no key for an action"},
@@ -96,6 +96,19 @@ TEST(HotkeyRouter, GivesKeysAwayAndRemembersThem) {
         EXPECT_EQ(keys.actionFor("Left"), nullptr) << text;
         EXPECT_EQ(keys.keyOf("reload"), std::string(text).find("\"r\"") != std::string::npos ? "R" : "") << text;
     }
+    kept.set(HotkeyRouter::preferenceKey, R"({"gexBubbles":"D","vwapEnabled":"G"})");
+    keys.load();
+    EXPECT_EQ(keys.keyOf("dexEnabled") + keys.keyOf("vwapEnabled") + keys.keyOf("gexBubbles"), "DG")
+        << "no key is two actions'";
+    for (const auto& [chord, command] : {std::pair("N", false),
+                                         {"$", false},
+                                         {"Tab", false},
+                                         {"Shift+Tab", false},
+                                         {"F2", true},
+                                         {"Shift+F11", true},
+                                         {"Ctrl+Q", true},
+                                         {"Alt+X", true}})
+        EXPECT_EQ(isCommandKey(chord), command) << chord;
 }
 
 TEST(HotkeyRouter, SendsAKeyToThePaneThatTheHandIsOn) {

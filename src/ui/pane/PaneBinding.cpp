@@ -1,6 +1,5 @@
 #include "ui/pane/PaneBinding.h"
 
-#include <cmath>
 #include <utility>
 
 #include "model/AppModel.h"
@@ -16,6 +15,7 @@ namespace {
 QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
 
 constexpr const char* lastEmailKey = "vmr.lastEmail";
+constexpr double daysCountedEvery = 10;  // seconds; those to an expiration, which a quiet market tells nobody of
 
 }  // namespace
 
@@ -31,9 +31,11 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, c
     view_.chart.setSource(&model_, [this](ChartPort* port) { model_.setChartPort(port); });
     marked_ = everyConcern;
     flush();
+    daysTimer_ = main_.every(daysCountedEvery, daysCountedEvery, [this] { mark(toolbarConcern); });
 }
 
 PaneBinding::~PaneBinding() {
+    main_.cancel(daysTimer_);
     model_.setChartPort(nullptr);
     view_.chart.setSource(nullptr);
     view_.session.setActions({});
@@ -118,9 +120,7 @@ void PaneBinding::mark(Concern concern) {
 
 void PaneBinding::flush() {
     ++flushes_;
-    unsigned concerns = std::exchange(marked_, 0);  // what the views do in turn belongs to the next flush
-    const double minute = std::floor(model_.clock().now() / 60);
-    if (std::exchange(minute_, minute) != minute) concerns |= toolbarConcern;  // days to an expiration
+    const unsigned concerns = std::exchange(marked_, 0);  // what the views do in turn belongs to the next flush
     if (concerns & toolbarConcern) view_.toolbar.set(toolbarState());
     if (concerns & toastConcern) view_.toast.set(toastState());
     if (concerns & chartConcern) {

@@ -138,7 +138,7 @@ Rectangle {
             objectName: "symbol"
             text: bar.choices.symbol === "" ? qsTr("Symbol") : bar.choices.symbol
             ownList: symbols
-            Accessible.name: qsTr("Symbol")
+            Accessible.name: qsTr("Symbol: %1").arg(text)
             tip: qsTr("Symbol") + (bar.key("symbol") !== "" ? " (" + bar.key("symbol") + ")" : "")
 
             PickList {
@@ -161,7 +161,7 @@ Rectangle {
             placeholder: bar.choices.timeframe + "m"
             listWidth: 112
             font.weight: Font.Normal
-            Accessible.name: qsTr("Timeframe")
+            Accessible.name: qsTr("Timeframe: %1").arg(text)
             tip: qsTr("Timeframe")
             onChosen: value => bar.choices.setTimeframe(value)
         }
@@ -185,7 +185,7 @@ Rectangle {
             text: bar.choices.expirationText
             listWidth: 176
             font.weight: Font.Normal
-            Accessible.name: qsTr("Expiration")
+            Accessible.name: qsTr("Expiration: %1").arg(text)
             tip: qsTr("Expiration of the options")
             onChosen: value => bar.choices.setExpiration(value)
         }
@@ -223,14 +223,17 @@ Rectangle {
             active: folded.visible
             tipHeld: folded.visible
             Accessible.role: Accessible.ButtonMenu
-            Keys.onDownPressed: folded.open()
-            onClicked: folded.visible ? folded.close() : folded.open()
+            Keys.onDownPressed: openFolded()
+            onClicked: folded.visible ? folded.close() : openFolded()
+            function openFolded() {
+                folded.rows = bar.foldedRows();
+                folded.open();
+            }
 
             PopupList {
                 id: folded
                 objectName: "folded"
                 width: 236
-                rows: bar.foldedRows()
                 onChosen: value => bar.takeFolded(value)
             }
         }
@@ -257,6 +260,8 @@ Rectangle {
         width: 8
         height: 8
         radius: 4
+        Accessible.role: Accessible.StaticText
+        Accessible.name: bar.session.status
         color: bar.session.connLimited ? Theme.error : bar.session.connected ? Theme.accent : Theme.warning
         HoverHandler {
             id: overLamp

@@ -45,18 +45,16 @@ const QString symbolMark = QStringLiteral("symbol "), expirationMark = QStringLi
 }  // namespace
 
 ActionsViewModel::ActionsViewModel(HotkeyRouter& router, Hooks hooks)
-    : router_(router), hooks_(std::move(hooks)), changed_(router.changed.connect([this] { emit keysChanged(); })) {}
-
-QVariantMap ActionsViewModel::keys() const {
-    QVariantMap out;
-    for (const Action& action : actionTable()) out.insert(text(action.id), label(router_.keyOf(action.id)));
-    return out;
+    : router_(router), hooks_(std::move(hooks)), changed_(router.changed.connect([this] {
+          readKeys();
+          emit keysChanged();
+      })) {
+    for (const Action& action : actionTable()) titles_.insert(text(action.id), text(action.title));
+    readKeys();
 }
 
-QVariantMap ActionsViewModel::titles() const {
-    QVariantMap out;
-    for (const Action& action : actionTable()) out.insert(text(action.id), text(action.title));
-    return out;
+void ActionsViewModel::readKeys() {
+    for (const Action& action : actionTable()) keys_.insert(text(action.id), label(router_.keyOf(action.id)));
 }
 
 bool ActionsViewModel::keysAreDefaults() const {
@@ -152,7 +150,7 @@ QVariantList ActionsViewModel::symbols(const QString& typed, bool second) const 
 
 void ActionsViewModel::take(const QString& value, bool second) const {
     const ActionContext at = hooks_.context(second);
-    if (!at.pane) return;
+    if (!at.pane || !at.pane->session.isSignedIn) return;
     if (value.startsWith(symbolMark)) {
         const std::string symbol = value.mid(symbolMark.size()).toStdString();
         if (symbol != at.pane->currentSymbol()) at.pane->switchSymbol(symbol);
@@ -170,7 +168,8 @@ QVariantList ActionsViewModel::keyRows(const QString& typed) const {
     for (const Action& action : actionTable()) {
         const std::string key = router_.keyOf(action.id);
         if (!fits(action.title + " " + std::string(groupTitle(action.group)) + " " + key)) continue;
-        if (std::exchange(group, action.group) != action.group) out.push_back(heading(text(groupTitle(action.group)).toUpper()));
+        if (std::exchange(group, action.group) != action.group)
+            out.push_back(heading(text(groupTitle(action.group)).toUpper()));
         out.push_back(QVariantMap{{QStringLiteral("id"), text(action.id)},
                                   {QStringLiteral("label"), text(action.title)},
                                   {QStringLiteral("key"), label(key)},

@@ -32,8 +32,8 @@ class ActionsViewModel : public QObject {
     ActionsViewModel(HotkeyRouter& router, Hooks hooks);
 
     /// The key of each action as a person reads it; "" for none.
-    QVariantMap keys() const;
-    QVariantMap titles() const;
+    QVariantMap keys() const { return keys_; }
+    QVariantMap titles() const { return titles_; }
     bool keysAreDefaults() const;
 
     Q_INVOKABLE bool run(const QString& id, bool second) const;
@@ -66,11 +66,13 @@ class ActionsViewModel : public QObject {
     void keysChanged();
 
  private:
+    void readKeys();
     QVariantMap row(const Action& action, const ActionContext& at) const;
     std::vector<QVariantMap> symbolEntries(const ActionContext& at, std::vector<std::string>& words, bool recent) const;
 
     HotkeyRouter& router_;
     Hooks hooks_;
+    QVariantMap keys_, titles_;
     Connection changed_;
 };
 

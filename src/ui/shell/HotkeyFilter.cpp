@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "ui/platform/KeyText.h"
+#include "workspace/HotkeyRouter.h"
 
 namespace vmr {
 
@@ -19,10 +20,13 @@ bool HotkeyFilter::eventFilter(QObject*, QEvent* event) {
         case QEvent::KeyPress:
             return takes(*static_cast<const QKeyEvent*>(event));
         case QEvent::MouseMove:
-            hooks_.pointerMoved(static_cast<const QMouseEvent*>(event)->position());
+            hooks_.pointerMoved(static_cast<const QMouseEvent*>(event)->position(), true);
+            return false;
+        case QEvent::Enter:
+            hooks_.pointerMoved(static_cast<const QEnterEvent*>(event)->position(), false);
             return false;
         case QEvent::Leave:
-            hooks_.pointerMoved(std::nullopt);
+            hooks_.pointerMoved(std::nullopt, true);
             return false;
         default:
             return false;
@@ -31,12 +35,15 @@ bool HotkeyFilter::eventFilter(QObject*, QEvent* event) {
 
 bool HotkeyFilter::takes(const QKeyEvent& event) {
     if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) hooks_.focusMovedByKey();
-    if (window_.property("keysHeld").toBool()) return false;
+    if (window_.property("keysCaptured").toBool()) return false;
     const QQuickItem* focused = window_.activeFocusItem();
-    const bool typing = focused && focused->flags().testFlag(QQuickItem::ItemAcceptsInputMethod);
+    const bool typing = window_.property("keysHeld").toBool() ||
+                        (focused && focused->flags().testFlag(QQuickItem::ItemAcceptsInputMethod));
     const KeyStroke stroke = keyStroke(event.key(), event.text(), event.modifiers());
-    if (hooks_.take(chordText(stroke), typing, event.isAutoRepeat())) return true;
-    if (stroke.control || stroke.alt || stroke.shift || stroke.meta) return false;
+    const std::string chord = chordText(stroke);
+    if (hooks_.take(chord, typing, event.isAutoRepeat())) return true;
+    // the place of the key counts only where what it types is free
+    if (event.modifiers() != Qt::NoModifier || !HotkeyRouter::reserved(chord).empty()) return false;
     return hooks_.take(digitOfRow(event.nativeScanCode()).toStdString(), typing, event.isAutoRepeat());
 }
 

@@ -12,16 +12,18 @@ class QQuickWindow;
 
 namespace vmr {
 
-/// A text field that has the keyboard takes every key but those of the program; a popup takes all that it is shown.
-/// Main thread.
+/// Where a text field has the keyboard, or a list or a sheet is open, only the program's own keys are asked for. The
+/// window's properties "keysHeld" and "keysCaptured" tell of the latter; while keys are captured, none is. Main thread.
 class HotkeyFilter : public QObject {
  public:
     struct Hooks {
-        /// Does what the key is for, as `chordText` gives it; false where it is for nothing. `typing`: in a text field.
-        /// A key that is held down comes once, and is then `repeated`: nothing is to be done again.
+        /// Does what the key is for, as `chordText` gives it; false where it is for nothing. `typing`: only the
+        /// program's keys count. A key that is held down comes once, and is then `repeated`: nothing is to be done
+        /// again.
         std::function<bool(const std::string& chord, bool typing, bool repeated)> take;
-        /// Where the pointer is in the window, in points; nothing where it has left.
-        std::function<void(const std::optional<QPointF>& place)> pointerMoved;
+        /// Where the pointer is in the window, in points; nothing where it has left. Not `byHand` where the window came
+        /// to lie below it.
+        std::function<void(const std::optional<QPointF>& place, bool byHand)> pointerMoved;
         std::function<void()> focusMovedByKey;
     };
 

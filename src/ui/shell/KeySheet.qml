@@ -52,6 +52,11 @@ T.Popup {
         if (actions.holder(chord, waiting) === "")
             give(chord);
     }
+    // the rows are made anew by it
+    function resetOne(id) {
+        actions.reset(id);
+        (itemOf(id) || entry).forceActiveFocus();
+    }
     function rowsNow() {
         return actions ? actions.keyRows(entry.text) : [];
     }
@@ -182,7 +187,7 @@ T.Popup {
                     text: qsTr("Back to the first key of %1").arg(row.modelData.label)
                     hint: qsTr("Back to its first key")
                     icon24: "rotate-ccw"
-                    onClicked: sheet.actions.reset(row.modelData.id)
+                    onClicked: sheet.resetOne(row.modelData.id)
                 }
                 T.Button {
                     id: chip
@@ -196,8 +201,8 @@ T.Popup {
                     hoverEnabled: true
                     focusPolicy: Qt.TabFocus
                     Accessible.name: qsTr("Key of %1: %2").arg(row.modelData.label).arg(row.modelData.key || qsTr("none"))
-                    Keys.onReturnPressed: clicked()
-                    Keys.onEnterPressed: clicked()
+                    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked(); }
+                    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked(); }
                     onClicked: sheet.ask(row.modelData.id)
                     onActiveFocusChanged: if (activeFocus) list.positionViewAtIndex(row.index, ListView.Contain)
                     contentItem: Label {
@@ -256,7 +261,10 @@ T.Popup {
                 anchors.right: parent.right
                 enabled: sheet.actions !== null && !sheet.actions.keysAreDefaults
                 text: qsTr("Reset all")
-                onClicked: sheet.actions.resetAll()
+                onClicked: {
+                    sheet.actions.resetAll();
+                    entry.forceActiveFocus();
+                }
             }
         }
     }

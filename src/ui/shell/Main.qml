@@ -12,7 +12,8 @@ Window {
     property ShellViewModel shell: null
     property PictureViewModel picture: null
     readonly property bool entered: view.pane.session.entered
-    readonly property bool keysHeld: stage.popups.visible || view.endNotice !== ""  // what is open takes every key
+    readonly property bool keysHeld: stage.popups.visible || view.endNotice !== ""  // by what is open
+    readonly property bool keysCaptured: sheets.item ? sheets.item.keysCaptured : false  // the next one is only to be named
 
     title: "Velmora"
     color: Theme.background
@@ -75,6 +76,7 @@ Window {
         }
     }
     Loader {
+        id: sheets
         anchors.fill: parent
         active: window.shell !== null
         sourceComponent: ShellSheets {
@@ -100,6 +102,7 @@ Window {
         y: 64
         width: Math.min(520, window.width - 48)
         mostHeight: Math.min(480, window.height - 96)
+        closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
         prompt: qsTr("Action, symbol or expiration")
         nothing: qsTr("Nothing of that name")
         provider: typed => window.view.actions ? window.view.actions.find(typed, inSecondPlace) : []

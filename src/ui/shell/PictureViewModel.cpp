@@ -24,6 +24,7 @@ QString freeFile(const QString& name) {
 void PictureViewModel::offer(QImage picture, const QString& name) {
     picture_ = std::move(picture);
     suggestion_ = freeFile(name);
+    asked_.clear();
     emit takenChanged();
 }
 
@@ -31,8 +32,13 @@ QString PictureViewModel::size() const {
     return QStringLiteral("%1 × %2").arg(picture_.width()).arg(picture_.height());
 }
 
-QString PictureViewModel::save(const QString& file) {
-    if (file.trimmed().isEmpty()) return tr("A file needs a name");
+QString PictureViewModel::save(const QString& name) {
+    if (name.trimmed().isEmpty()) return tr("A file needs a name");
+    QString file = name.trimmed();
+    if (file.startsWith(QLatin1String("~/"))) file.replace(0, 1, QDir::homePath());
+    if (!file.endsWith(QLatin1String(".png"), Qt::CaseInsensitive)) file += QLatin1String(".png");
+    if (QFileInfo::exists(file) && std::exchange(asked_, file) != file)
+        return tr("There is %1 already. Save again to replace it.").arg(QFileInfo(file).fileName());
     QSaveFile out(file);
     if (!out.open(QIODevice::WriteOnly) || !picture_.save(&out, "PNG") || !out.commit())
         return tr("It cannot be saved there: %1").arg(out.errorString());

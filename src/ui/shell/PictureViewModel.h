@@ -29,8 +29,9 @@ class PictureViewModel : public QObject {
     /// A file in the person's folder of pictures that is not there yet.
     QString suggestion() const { return suggestion_; }
 
-    /// As a PNG, in place of what is there; returns why that failed, and keeps the picture then.
-    Q_INVOKABLE QString save(const QString& file);
+    /// As a PNG, which the name's ending tells or gets told. Returns why that failed, and keeps the picture then; so
+    /// also once where there is such a file already, which the same call again replaces.
+    Q_INVOKABLE QString save(const QString& name);
     /// To the clipboard.
     Q_INVOKABLE void copy();
     /// It is not wanted any more.
@@ -41,7 +42,7 @@ class PictureViewModel : public QObject {
 
  private:
     QImage picture_;
-    QString suggestion_;
+    QString suggestion_, asked_;
 };
 
 }  // namespace vmr

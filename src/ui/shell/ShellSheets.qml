@@ -7,6 +7,7 @@ Item {
 
     required property ShellViewModel shell
     property ActionsViewModel actions: null
+    readonly property bool keysCaptured: keys.visible && keys.waiting !== ""
 
     // another one may have come in its place
     function leave(sheet) {
@@ -42,6 +43,7 @@ Item {
         }
     }
     KeySheet {
+        id: keys
         objectName: "keysSheet"
         actions: sheets.actions
         visible: sheets.shell.sheet === ShellViewModel.Sheet.keys

@@ -24,10 +24,12 @@ QString ShellViewModel::build() const { return QString::number(buildNumber); }
 
 QString ShellViewModel::buildDate() const { return text(vmr::buildDate); }
 
+void ShellViewModel::beep() { QGuiApplicationPrivate::platformIntegration()->beep(); }
+
 bool ShellViewModel::newWindow() {
     if (!hooks_.newWindow) return false;
     const bool opened = hooks_.newWindow();
-    if (!opened) QGuiApplicationPrivate::platformIntegration()->beep();
+    if (!opened) beep();
     return opened;
 }
 

@@ -50,6 +50,7 @@ class ShellViewModel : public QObject {
     QString messageTitle() const { return messageTitle_; }
     QString messageText() const { return messageText_; }
 
+    static void beep();
     /// Beeps when there cannot be another one; saying why is the hook's.
     Q_INVOKABLE bool newWindow();
     /// What is found stands in a banner; that there is nothing, or what the hook tells, in a message.

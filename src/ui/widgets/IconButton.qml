@@ -15,10 +15,11 @@ T.Button {
     implicitWidth: 30
     implicitHeight: 30
     hoverEnabled: true
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked(); }
     focusPolicy: Qt.TabFocus
     Accessible.name: text
+    Accessible.checked: active
     Accessible.description: hint
 
     contentItem: Item {

@@ -54,6 +54,7 @@ T.Popup {
 
     height: Math.min(mostHeight, entry.height + Math.max(36, view.contentHeight) + 2 * padding + 6)
     padding: 6
+    margins: 8  // near the window's edge it lies where it fits
     focus: true
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
     onAboutToShow: {
@@ -123,7 +124,9 @@ T.Popup {
                 radius: 4
                 color: !heading && index === popup.marked ? Theme.pressed : "transparent"
                 Accessible.role: Accessible.ListItem
-                Accessible.name: modelData.label
+                Accessible.name: modelData.label + (modelData.detail ? " " + modelData.detail : "") + (modelData.right ? " " + modelData.right : "")
+                Accessible.selected: index === popup.marked
+                Accessible.checked: modelData.on === true
                 Accessible.ignored: heading
 
                 Label {

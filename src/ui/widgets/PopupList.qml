@@ -41,6 +41,7 @@ T.Popup {
     y: parent.height + 4
     height: Math.min(list.contentHeight + 2 * padding, parent.Window.height - parent.mapToItem(null, 0, 0).y - 48)
     padding: 6
+    margins: 8  // near the window's edge it lies where it fits
     focus: true
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
     onAboutToShow: {
@@ -109,6 +110,7 @@ T.Popup {
                     color: popup.canTake(index) && index === popup.marked ? Theme.pressed : "transparent"
                     Accessible.role: Accessible.MenuItem
                     Accessible.name: separator ? "" : modelData.label
+                    Accessible.selected: index === popup.marked
                     Accessible.ignored: separator || heading
                     Rectangle {
                         visible: row.separator

@@ -12,8 +12,8 @@ T.Button {
     leftPadding: 16
     rightPadding: 16
     hoverEnabled: true
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked(); }
     focusPolicy: Qt.StrongFocus
     font.family: Theme.family
     font.pixelSize: Theme.normal

@@ -43,8 +43,8 @@ T.Button {
         else
             event.accepted = false;
     }
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked(); }
     onClicked: press()
 
     contentItem: Row {
