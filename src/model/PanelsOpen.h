@@ -3,11 +3,24 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "base/Signal.h"
 
 namespace vmr {
+
+/// What an open settings panel shows: its columns, each with its sections' headings and the rows below them.
+struct SettingsShown {
+    struct Section {
+        std::string title;
+        std::vector<std::string> rows;  ///< by the name of the first setting, or of what the button does
+    };
+    std::string search;
+    std::vector<std::vector<Section>> columns;
+    std::vector<std::string> invalid;  ///< settings whose field holds a bad text
+};
 
 /// All closed at first. Main thread.
 struct PanelsOpen {
@@ -15,6 +28,7 @@ struct PanelsOpen {
 
     /// Those that a view shows, by name: x, y, width and height in points, from the top left of the panels' area.
     std::map<std::string, std::array<double, 4>> frames;
+    std::optional<SettingsShown> settings;  ///< nothing while no view shows them
 };
 
 }  // namespace vmr
