@@ -134,6 +134,7 @@ ShellSurroundings Program::shell(std::function<void()> quit) {
         at.clock = &start_.steering();
     }
     at.windows = windows_.get();
+    at.settings = &settings_;
     return at;
 }
 

@@ -19,6 +19,7 @@
 #include "services/net/CurlHttpClient.h"
 #include "sim/SimEngine.h"
 #include "workspace/PaneHost.h"
+#include "workspace/SettingsTransfer.h"
 #include "workspace/ShellCommands.h"
 #include "workspace/ShellWindows.h"
 #include "workspace/WorkspaceStore.h"
@@ -37,6 +38,7 @@ class Program {
     Announcements& announcements() { return announcements_; }
     UpdateChecker& updates() { return updates_; }
     WorkspaceStore& workspace() { return workspace_; }
+    SettingsTransfer& settings() { return settings_; }
     /// Made when it is asked for first: a program without a display has none.
     ShellWindows& windows();
     ProgramStart& start() { return start_; }
@@ -67,6 +69,7 @@ class Program {
     Announcements announcements_;
     UpdateChecker updates_;
     WorkspaceStore workspace_;
+    SettingsTransfer settings_{preferences_, workspace_};
     SessionTime session_;
     UuidSource ids_;
     HfScales hfScales_;  // of all panes

@@ -6,6 +6,7 @@
 
 #include "base/NumberText.h"
 #include "market/ClockSetting.h"
+#include "workspace/SettingsCommands.h"
 #include "workspace/SimCommands.h"
 #include "workspace/WindowCommands.h"
 
@@ -73,6 +74,7 @@ void ShellCommands::addChartCommands() {
                 }});
     addForPane({"set", "KEY JSON", 2, Command::restOfLine, [this](CommandWords& words) { return set(words); },
                 "set needs KEY JSON"});
+    addForPane(settingsCommand(at_.settings, [this] { return pane_; }));
 }
 
 void ShellCommands::addProcessCommands() {

@@ -13,6 +13,8 @@
 
 namespace vmr {
 
+class SettingsTransfer;
+
 /// What the commands work on; everything outlives them.
 struct ShellSurroundings {
     PaneHost& panes;
@@ -24,6 +26,7 @@ struct ShellSurroundings {
     std::function<bool(double seconds)> bench;  ///< measures the frames of that long and reports; false: one is running
     SteerableClock* clock = nullptr;            ///< null where the market's time is not ours to set
     ShellWindows* windows = nullptr;            ///< null without a display
+    SettingsTransfer* settings = nullptr;       ///< null where nothing is stored
 };
 
 /// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.
