@@ -8,6 +8,9 @@
 #include "model/AppModel.h"
 #include "perf/Perf.h"
 #include "sim/SimEngine.h"
+#include "workspace/SettingKeys.h"
+#include "workspace/SettingsEditor.h"
+#include "workspace/SettingsTransfer.h"
 #include "workspace/ShellWindows.h"
 
 namespace vmr {
@@ -35,6 +38,21 @@ ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
     view.session.setOnSignOutAndClose(
         [&kit, window] { kit.later([&windows = kit.windows, window] { windows.signOut(window); }); });
     view.session.setOnPractice(kit.switchPractice);
+    setSettingsActions(kit);
+}
+
+void ShellWindow::Views::setSettingsActions(const WindowKit& kit) {
+    PaneHost& panes = kit.windows.panes();
+    view.settings.setActions(
+        {.applyToAll = [this, &panes] { applyToAllPanes(panes, model); },
+         .reset = [this] { resetSettings(model); },
+         .resetAccount = [this, &kit] { kit.sim.resetAccount(model.config->simBalance); },
+         .exportTo = [this, &kit](const std::string& file) { return kit.settings.exportTo(file, model).value_or(""); },
+         .importFrom = [this,
+                        &kit](const std::string& file) { return kit.settings.importFrom(file, model).value_or(""); }});
+    view.settings.setKeyOf(settingKey);
+    panesChanged = panes.sizeChanged.connect([this, &panes] { view.settings.setHasOtherPanes(panes.size() > 1); });
+    view.settings.setHasOtherPanes(panes.size() > 1);
 }
 
 ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
@@ -93,6 +111,7 @@ void ShellWindow::forget(const AppModel& pane) {
     if (!second_ || &second_->model != &pane) return;
     view_.setDual(nullptr);
     second_->binding.reset();
+    second_->view.settings.setActions({});  // their model goes before the views
     second_.release()->deleteLater();
 }
 

@@ -25,6 +25,7 @@ class QQuickWindow;
 namespace vmr {
 
 class AppModel;
+class SettingsTransfer;
 class ShellWindows;
 class SimEngine;
 class WindowPanes;
@@ -36,6 +37,7 @@ struct WindowKit {
     SimEngine& sim;
     ServiceViewModel& service;
     ShellWindows& windows;
+    SettingsTransfer& settings;
     BenchSettings bench;
     std::function<void(std::function<void()>)> later;  ///< runs it in a turn of its own, unless the windows go first
     bool practising = false;                           ///< on the practice market
@@ -67,10 +69,12 @@ class ShellWindow {
     // The view model of a pane and what ties it to the model. The views may outlive the tie by a turn.
     struct Views : QObject {
         Views(AppModel& model, const WindowKit& kit, int window);
+        void setSettingsActions(const WindowKit& kit);
         AppModel& model;
         SimTrading trading;
         PaneViewModel view;
         std::unique_ptr<PaneBinding> binding;
+        Connection panesChanged;
     };
     void setActions();
     void follow();

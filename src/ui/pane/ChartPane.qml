@@ -111,6 +111,16 @@ FocusScope {
             open: paneView.pane.panels.accountPanelOpen
             onClose: paneView.pane.panels.accountPanelOpen = false
         }
+        SettingsPanel {
+            objectName: "configPanel"
+            frames: paneView.pane.panelFrames
+            settings: paneView.pane.settings
+            panels: paneView.pane.panels
+            session: paneView.pane.session
+            defaultPos: Qt.point(panelSpace.width - defaultSize.width - 24, 16)
+            open: paneView.pane.panels.configPanelOpen
+            onClose: paneView.pane.panels.configPanelOpen = false
+        }
     }
     Keys.onEscapePressed: event => event.accepted = panelSpace.closeFront()
 }

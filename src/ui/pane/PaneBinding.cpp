@@ -17,7 +17,12 @@ constexpr const char* lastEmailKey = "vmr.lastEmail";
 
 PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, const std::string& setupProblem,
                          const std::string& signInHint, SimEngine* sim)
-    : model_(model), view_(view), main_(main), setupProblem_(text(setupProblem)), signInHint_(text(signInHint)) {
+    : model_(model),
+      view_(view),
+      editor_(model),
+      main_(main),
+      setupProblem_(text(setupProblem)),
+      signInHint_(text(signInHint)) {
     setActions();
     watch();
     if (sim)
@@ -36,6 +41,7 @@ PaneBinding::~PaneBinding() {
     view_.toolbar.setActions({});
     view_.account.setSendReset({});
     view_.panels.setFollower({});
+    view_.settings.edit(nullptr);
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -53,8 +59,14 @@ void PaneBinding::setSessionActions() {
 }
 
 void PaneBinding::bindPanels() {
-    view_.panels.setFollower(
-        [this](const PanelsViewModel::State& state) { model_.panels.accountPanelOpen = state.accountPanelOpen; });
+    view_.panels.setFollower([this](const PanelsViewModel::State& state) {
+        model_.panels.accountPanelOpen = state.accountPanelOpen;
+        model_.panels.configPanelOpen = state.configPanelOpen;
+    });
+    view_.settings.edit(&editor_);
+    // before the panel shows itself
+    QObject::connect(&view_.panels, &PanelsViewModel::changed, &view_.settings,
+                     [view = &view_] { view->settings.setOpen(view->panels.configPanelOpen()); });
     view_.panelFrames.keepIn(&model_.preferences(), [this](const QString& id, const std::optional<QRectF>& frame) {
         auto& frames = model_.panels.frames;
         if (frame)
@@ -84,7 +96,8 @@ void PaneBinding::watch() {
     watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.catalog.catFutures, model_.catalog.catStocks);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
-    watch(panelsConcern, model_.panels.accountPanelOpen);
+    watch(panelsConcern, model_.panels.accountPanelOpen, model_.panels.configPanelOpen);
+    watch(settingsConcern, model_.config, model_.channels);
 }
 
 void PaneBinding::mark(Concern concern) {
@@ -103,9 +116,15 @@ void PaneBinding::flush() {
         view_.chart.setEmpty(model_.bars.displayCandles->empty());
         view_.chart.setAccountProblem(text(model_.notices.accountProblem->value_or("")));
     }
-    if (concerns & panelsConcern) view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen});
+    if (concerns & panelsConcern)
+        view_.panels.set(
+            {.accountPanelOpen = model_.panels.accountPanelOpen, .configPanelOpen = model_.panels.configPanelOpen});
+    if (concerns & settingsConcern) view_.settings.refresh();
     if (concerns & sessionConcern) {
-        if (!model_.session.isSignedIn) view_.panels.setAccountPanelOpen(false);  // nobody's, on the form
+        if (!model_.session.isSignedIn) {  // the form has none
+            view_.panels.setAccountPanelOpen(false);
+            view_.panels.setConfigPanelOpen(false);
+        }
         view_.session.set(sessionState());
     }
 }

@@ -9,6 +9,7 @@
 #include "base/Signal.h"
 #include "base/WeakTask.h"
 #include "ui/pane/PaneViewModel.h"
+#include "workspace/SettingsEditor.h"
 
 namespace vmr {
 
@@ -39,7 +40,8 @@ class PaneBinding {
         toastConcern = 4,
         chartConcern = 8,
         panelsConcern = 16,
-        everyConcern = 31
+        settingsConcern = 32,
+        everyConcern = 63
     };
 
     void setActions();
@@ -56,6 +58,7 @@ class PaneBinding {
 
     AppModel& model_;
     PaneViewModel& view_;
+    SettingsEditor editor_;
     MainLoop& main_;
     QString setupProblem_, signInHint_;
     unsigned marked_ = 0;  ///< concerns that the next flush copies

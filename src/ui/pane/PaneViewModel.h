@@ -17,6 +17,7 @@
 #include "ui/pane/SessionViewModel.h"
 #include "ui/pane/ToastViewModel.h"
 #include "ui/pane/ToolbarViewModel.h"
+#include "ui/panels/settings/SettingsViewModel.h"
 #include "ui/widgets/PanelFrames.h"
 
 namespace vmr {
@@ -37,6 +38,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::ChartViewModel* chart READ chartOf CONSTANT)
     Q_PROPERTY(vmr::AccountViewModel* account READ accountOf CONSTANT)
     Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
+    Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -61,6 +63,7 @@ class PaneViewModel : public QObject {
     ChartViewModel chart;
     AccountViewModel account;
     PanelsViewModel panels;
+    SettingsViewModel settings;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -80,6 +83,7 @@ class PaneViewModel : public QObject {
     ChartViewModel* chartOf() { return &chart; }
     AccountViewModel* accountOf() { return &account; }
     PanelsViewModel* panelsOf() { return &panels; }
+    SettingsViewModel* settingsOf() { return &settings; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;

@@ -14,10 +14,12 @@ class PanelsViewModel : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("belongs to a pane")
     Q_PROPERTY(bool accountPanelOpen READ accountPanelOpen WRITE setAccountPanelOpen NOTIFY changed)
+    Q_PROPERTY(bool configPanelOpen READ configPanelOpen WRITE setConfigPanelOpen NOTIFY changed)
 
  public:
     struct State {
         bool accountPanelOpen = false;
+        bool configPanelOpen = false;
         bool operator==(const State&) const = default;
     };
     /// Hears of what the person opens and closes.
@@ -32,18 +34,22 @@ class PanelsViewModel : public QObject {
     void setFollower(Follower follower) { follower_ = std::move(follower); }
 
     bool accountPanelOpen() const { return state_.accountPanelOpen; }
-    void setAccountPanelOpen(bool open) {
-        if (open == state_.accountPanelOpen) return;
-        State state = state_;
-        state.accountPanelOpen = open;
-        set(state);
-        if (follower_) follower_(state_);
-    }
+    void setAccountPanelOpen(bool open) { change(&State::accountPanelOpen, open); }
+    bool configPanelOpen() const { return state_.configPanelOpen; }
+    void setConfigPanelOpen(bool open) { change(&State::configPanelOpen, open); }
 
  signals:
     void changed();
 
  private:
+    void change(bool State::*field, bool open) {
+        if (open == state_.*field) return;
+        State state = state_;
+        state.*field = open;
+        set(state);
+        if (follower_) follower_(state_);
+    }
+
     State state_;
     Follower follower_;
 };

@@ -1,0 +1,88 @@
+// A value as text. Enter takes it, Escape gives it up; a bad text marks the field and changes nothing.
+import QtQuick
+import QtQuick.Templates as T
+import Velmora
+
+T.TextField {
+    id: field
+
+    required property SettingsViewModel settings
+    required property var part
+    readonly property string kept: settings.texts[part.name] || ""
+    readonly property string problem: settings.problems[part.name] || ""
+    signal ended  // by Enter or Escape
+
+    function begin(typed) {
+        forceActiveFocus(Qt.OtherFocusReason);
+        if (typed === "") {
+            selectAll();
+        } else {
+            text = typed;
+            cursorPosition = typed.length;
+        }
+    }
+    function take() {
+        if (text === kept && problem === "")
+            return true;
+        const right = settings.type(part.name, text);
+        if (right)
+            text = kept;
+        return right;
+    }
+
+    objectName: "field " + part.name
+    implicitHeight: 24
+    leftPadding: 4
+    rightPadding: 4
+    horizontalAlignment: TextInput.AlignRight
+    verticalAlignment: TextInput.AlignVCenter
+    font.family: Theme.family
+    font.pixelSize: Theme.small
+    color: problem !== "" ? Theme.error : Theme.text
+    selectionColor: Theme.accentPressed
+    selectedTextColor: "white"
+    renderType: Text.NativeRendering
+    selectByMouse: true
+    hoverEnabled: true
+    Accessible.name: part.title
+    Accessible.description: problem === "" ? "" : qsTr("This is not %1").arg(problem)
+    Component.onCompleted: text = kept
+    onKeptChanged: if (!activeFocus && problem === "") text = kept
+    onProblemChanged: if (!activeFocus && problem === "") text = kept
+    onActiveFocusChanged: if (!activeFocus) take()
+    onAccepted: if (take()) ended()
+    Keys.onEscapePressed: event => {
+        event.accepted = text !== kept || problem !== "";
+        settings.giveUp(part.name);
+        text = kept;
+        ended();
+    }
+
+    background: Rectangle {
+        radius: 4
+        color: field.activeFocus || field.problem !== "" ? Theme.background : field.hovered ? Theme.hover : "transparent"
+        border.width: field.activeFocus ? 2 : 1
+        border.color: field.problem !== "" ? Theme.error : field.activeFocus ? Theme.focus
+                                                                             : field.hovered ? Theme.lineStrong : Theme.line
+    }
+    Label {  // what would be right
+        visible: field.problem !== "" && field.activeFocus
+        anchors.top: parent.bottom
+        anchors.topMargin: 2
+        anchors.right: parent.right
+        z: 1
+        padding: 4
+        font.pixelSize: 11
+        color: Theme.error
+        text: field.problem
+        Accessible.ignored: true
+        Rectangle {
+            anchors.fill: parent
+            z: -1
+            radius: 4
+            color: Theme.background
+            border.width: 1
+            border.color: Theme.error
+        }
+    }
+}
