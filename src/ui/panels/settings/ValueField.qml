@@ -10,6 +10,7 @@ T.TextField {
     required property var part
     readonly property string kept: settings.texts[part.name] || ""
     readonly property string problem: settings.problems[part.name] || ""
+    property bool edited: false  // what stands there is the person's
     signal ended  // by Enter or Escape
 
     function begin(typed) {
@@ -18,16 +19,17 @@ T.TextField {
             selectAll();
         } else {
             text = typed;
+            edited = true;
             cursorPosition = typed.length;
         }
     }
     function take() {
-        if (text === kept && problem === "")
-            return true;
-        const right = settings.type(part.name, text);
-        if (right)
+        if (!edited)
+            return problem === "";
+        edited = !settings.type(part.name, text);
+        if (!edited)
             text = kept;
-        return right;
+        return !edited;
     }
 
     objectName: "field " + part.name
@@ -47,12 +49,19 @@ T.TextField {
     Accessible.name: part.title
     Accessible.description: problem === "" ? "" : qsTr("This is not %1").arg(problem)
     Component.onCompleted: text = kept
-    onKeptChanged: if (!activeFocus && problem === "") text = kept
-    onProblemChanged: if (!activeFocus && problem === "") text = kept
+    onTextEdited: edited = true
+    onKeptChanged: if (!edited) text = kept
+    onProblemChanged: {
+        if (problem === "" && !activeFocus) {
+            edited = false;
+            text = kept;
+        }
+    }
     onActiveFocusChanged: if (!activeFocus) take()
     onAccepted: if (take()) ended()
     Keys.onEscapePressed: event => {
-        event.accepted = text !== kept || problem !== "";
+        event.accepted = edited;
+        edited = false;
         settings.giveUp(part.name);
         text = kept;
         ended();
