@@ -32,6 +32,8 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
       announcements_(auth_, preferences_, main),
       updates_(http_, start.endpoints().downloadsUrl, buildNumber, main),
       workspace_(preferences_, main) {
+    settings_.setHotkeys([](const HotkeyTexts& keys) { return HotkeyRouter::problemOf(hotkeysText(keys)); },
+                         [this] { keys_.load(); });
     auth_.setupProblem = start.setupProblem();
     openAccount();
     openPanes();
@@ -113,6 +115,8 @@ std::optional<std::string> Program::writeState(const std::string& file) const {
     // a report for the person, not a stored record: it gets the permissions that the person's files get
     StateSources sources{start_.clock(), panes_->models(), sim_.get(), &announcements_, &updates_};
     if (windows_) sources.windows = windows_->facts();
+    sources.hotkeys.emplace();
+    for (const Action& action : actionTable()) sources.hotkeys->emplace(action.id, keys_.keyOf(action.id));
     const std::string text = stateDocument(sources);
     std::FILE* out = std::fopen(file.c_str(), "wb");
     if (!out) return "cannot write " + file;
@@ -135,6 +139,7 @@ ShellSurroundings Program::shell(std::function<void()> quit) {
     }
     at.windows = windows_.get();
     at.settings = &settings_;
+    at.keys = &keys_;
     return at;
 }
 

@@ -18,6 +18,7 @@
 #include "services/cloud/UpdateChecker.h"
 #include "services/net/CurlHttpClient.h"
 #include "sim/SimEngine.h"
+#include "workspace/HotkeyRouter.h"
 #include "workspace/PaneHost.h"
 #include "workspace/SettingsTransfer.h"
 #include "workspace/ShellCommands.h"
@@ -47,6 +48,9 @@ class Program {
     /// With a practice relay: signs in with its account.
     void signInToPractice();
 
+    /// Which key does what.
+    HotkeyRouter& keys() { return keys_; }
+
     /// Writes the state document; the text of what failed.
     std::optional<std::string> writeState(const std::string& file) const;
 
@@ -70,6 +74,7 @@ class Program {
     UpdateChecker updates_;
     WorkspaceStore workspace_;
     SettingsTransfer settings_{preferences_, workspace_};
+    HotkeyRouter keys_{&preferences_};
     SessionTime session_;
     UuidSource ids_;
     HfScales hfScales_;  // of all panes

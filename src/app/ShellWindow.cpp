@@ -8,8 +8,9 @@
 #include "model/AppModel.h"
 #include "perf/Perf.h"
 #include "sim/SimEngine.h"
-#include "workspace/SettingKeys.h"
+#include "workspace/HotkeyRouter.h"
 #include "workspace/SettingsEditor.h"
+#include "workspace/SettingsLayout.h"
 #include "workspace/SettingsTransfer.h"
 #include "workspace/ShellWindows.h"
 
@@ -50,7 +51,11 @@ void ShellWindow::Views::setSettingsActions(const WindowKit& kit) {
          .exportTo = [this, &kit](const std::string& file) { return kit.settings.exportTo(file, model).value_or(""); },
          .importFrom = [this,
                         &kit](const std::string& file) { return kit.settings.importFrom(file, model).value_or(""); }});
-    view.settings.setKeyOf(settingKey);
+    const auto showKeys = [this, &keys = kit.keys] {
+        view.settings.setKeyOf([&keys](const SettingsRow& row) { return keys.keyOf(actionOf(row)); });
+    };
+    keysChanged = kit.keys.changed.connect(showKeys);
+    showKeys();
     panesChanged = panes.sizeChanged.connect([this, &panes] { view.settings.setHasOtherPanes(panes.size() > 1); });
     view.settings.setHasOtherPanes(panes.size() > 1);
 }

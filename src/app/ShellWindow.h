@@ -25,6 +25,7 @@ class QQuickWindow;
 namespace vmr {
 
 class AppModel;
+class HotkeyRouter;
 class SettingsTransfer;
 class ShellWindows;
 class SimEngine;
@@ -38,6 +39,7 @@ struct WindowKit {
     ServiceViewModel& service;
     ShellWindows& windows;
     SettingsTransfer& settings;
+    HotkeyRouter& keys;
     BenchSettings bench;
     std::function<void(std::function<void()>)> later;  ///< runs it in a turn of its own, unless the windows go first
     bool practising = false;                           ///< on the practice market
@@ -74,7 +76,7 @@ class ShellWindow {
         SimTrading trading;
         PaneViewModel view;
         std::unique_ptr<PaneBinding> binding;
-        Connection panesChanged;
+        Connection panesChanged, keysChanged;
     };
     void setActions();
     void follow();

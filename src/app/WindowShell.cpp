@@ -91,6 +91,7 @@ class Shell {
                service_,
                windows_,
                program.settings(),
+               program.keys(),
                program.start().options().bench,
                [this, &loop](std::function<void()> task) { loop.post(whileThere_(std::move(task))); },
                program.start().practice() != nullptr,

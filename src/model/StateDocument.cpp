@@ -178,6 +178,7 @@ std::string stateDocument(const StateSources& sources) {
         out["windows"] = json::array();
         for (const WindowFacts& window : *sources.windows) out["windows"].push_back(windowDocument(window));
     }
+    if (sources.hotkeys) out["hotkeys"] = *sources.hotkeys;
     return out.dump(1, ' ', false, json::error_handler_t::replace) + "\n";
 }
 

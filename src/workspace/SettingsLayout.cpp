@@ -125,6 +125,13 @@ const SettingsRow* findSettingsRow(std::string_view id) {
     return found == rows.end() ? nullptr : &*found;
 }
 
+std::string_view actionOf(const SettingsRow& row) {
+    if (row.id == "templatesPanelOpen") return "templates";
+    if (row.parts.empty() || row.parts.front()->kind != SettingKind::boolean) return {};
+    const bool line = row.id == "wallsEnabled" || row.id == "sessionEnabled" || row.id == "levelsEnabled";
+    return line ? "lines" : row.id;
+}
+
 std::vector<std::vector<SettingsBlock>> settingsColumns(double width, std::string_view search) {
     const auto words = wordsOf(search);
     std::vector<std::vector<SettingsBlock>> out;

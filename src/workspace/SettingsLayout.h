@@ -29,6 +29,9 @@ std::span<const SettingsRow> settingsRows();
 /// Null where there is none.
 const SettingsRow* findSettingsRow(std::string_view id);
 
+/// The id of the action that does what the row does, whose key its label shows; empty for none.
+std::string_view actionOf(const SettingsRow& row);
+
 /// A section with those of its rows that are shown.
 struct SettingsBlock {
     SettingSection section;

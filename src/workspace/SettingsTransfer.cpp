@@ -40,6 +40,8 @@ std::optional<std::string> SettingsTransfer::exportTo(const std::string& file, c
     SettingsBundle bundle;
     bundle.settings = pane.config.get();
     bundle.hotkeys = parseHotkeys(preferences_.get(hotkeysKey).value_or("{}")).value_or(HotkeyTexts());
+    // what counts for nothing here would be refused there
+    std::erase_if(*bundle.hotkeys, [this](const auto& one) { return check_ && check_({one}); });
     bundle.workspace = workspace_.current();
     bundle.panels.emplace();
     const std::string prefix = panelKey("");

@@ -6,6 +6,7 @@
 
 #include "base/NumberText.h"
 #include "market/ClockSetting.h"
+#include "workspace/ActionCommands.h"
 #include "workspace/SettingsCommands.h"
 #include "workspace/SimCommands.h"
 #include "workspace/WindowCommands.h"
@@ -88,6 +89,12 @@ void ShellCommands::addProcessCommands() {
     addSimCommands(commands_, at_.sim);
     commands_.add({"pane", "open|close N", 1, 2, [this](CommandWords& words) { return pane(words); }});
     addWindowCommands(commands_, at_.windows, [this] { return number_; });
+    addActionCommands(
+        commands_,
+        [this] {
+            return ActionContext{pane_, at_.windows ? at_.windows->showing(number_) : nullptr, at_.windows};
+        },
+        at_.keys);
     commands_.add({"clock", "pause|resume|speed X|set MOMENT (practice)", 1, 2,
                    [this](CommandWords& words) { return clock(words); }});
     commands_.add(

@@ -8,6 +8,7 @@
 #include "base/CommandTable.h"
 #include "base/SteerableClock.h"
 #include "sim/SimEngine.h"
+#include "workspace/HotkeyRouter.h"
 #include "workspace/PaneHost.h"
 #include "workspace/ShellWindows.h"
 
@@ -27,6 +28,7 @@ struct ShellSurroundings {
     SteerableClock* clock = nullptr;            ///< null where the market's time is not ours to set
     ShellWindows* windows = nullptr;            ///< null without a display
     SettingsTransfer* settings = nullptr;       ///< null where nothing is stored
+    HotkeyRouter* keys = nullptr;               ///< null for none
 };
 
 /// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.

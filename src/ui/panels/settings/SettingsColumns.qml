@@ -48,7 +48,7 @@ Item {
 
         Row {
             id: columns
-            readonly property real columnWidth: (view.width - 32 - (repeater.count - 1) * spacing) / Math.max(1, repeater.count)
+            readonly property real columnWidth: Math.floor((view.width - 32 - (repeater.count - 1) * spacing) / Math.max(1, repeater.count))
             x: 16
             spacing: 16
             Repeater {

@@ -110,7 +110,7 @@ void SettingsViewModel::edit(SettingsEditor* editor) {
 
 void SettingsViewModel::setKeyOf(const KeyOf& keyOf) {
     for (const SettingsRow& row : settingsRows())
-        keys_.insert(text(row.id), keyOf ? QString::fromStdString(keyOf(std::string(row.id))) : QString());
+        keys_.insert(text(row.id), keyOf ? QString::fromStdString(keyOf(row)) : QString());
 }
 
 void SettingsViewModel::setOpen(bool open) {

@@ -12,6 +12,7 @@
 namespace vmr {
 
 class SettingsEditor;
+struct SettingsRow;
 
 /// The rows of the panel as QML shows them, and the way of a person's changes to the pane. Values come one by one, each
 /// with a notice of its own; the columns only when the panel's width makes others. Main thread.
@@ -40,7 +41,7 @@ class SettingsViewModel : public QObject {
         std::function<std::string(const std::string&file)> exportTo, importFrom;
     };
     /// The text of the key that does what a row does; empty for none.
-    using KeyOf = std::function<std::string(const std::string& row)>;
+    using KeyOf = std::function<std::string(const SettingsRow& row)>;
 
     explicit SettingsViewModel(QObject* parent = nullptr);
 
