@@ -41,6 +41,7 @@ T.Popup {
     x: parent.width - width
     y: parent.height + 4
     width: 216
+    height: contentItem.implicitHeight + 2 * padding
     padding: 12
     margins: 8
     focus: true

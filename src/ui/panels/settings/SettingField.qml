@@ -6,12 +6,7 @@ ValueField {
     property real room: 0
     signal entered
 
-    implicitWidth: 88
+    width: 88
     activeFocusOnTab: true
-    onActiveFocusChanged: {
-        if (activeFocus) {
-            selectAll();
-            entered();
-        }
-    }
+    onActiveFocusChanged: if (activeFocus) entered()
 }

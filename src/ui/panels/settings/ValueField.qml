@@ -14,14 +14,13 @@ T.TextField {
     signal ended  // by Enter or Escape
 
     function begin(typed) {
+        edited = typed !== "";
         forceActiveFocus(Qt.OtherFocusReason);
-        if (typed === "") {
-            selectAll();
-        } else {
-            text = typed;
-            edited = true;
-            cursorPosition = typed.length;
-        }
+        if (typed === "")
+            return;
+        text = typed;
+        cursorPosition = typed.length;
+        deselect();
     }
     function take() {
         if (!edited)
@@ -57,7 +56,12 @@ T.TextField {
             text = kept;
         }
     }
-    onActiveFocusChanged: if (!activeFocus) take()
+    onActiveFocusChanged: {
+        if (!activeFocus)
+            take();
+        else if (!edited)
+            Qt.callLater(selectAll);  // after the press that brought the keyboard here
+    }
     onAccepted: if (take()) ended()
     Keys.onEscapePressed: event => {
         event.accepted = edited;
@@ -74,20 +78,23 @@ T.TextField {
         border.color: field.problem !== "" ? Theme.error : field.activeFocus ? Theme.focus
                                                                              : field.hovered ? Theme.lineStrong : Theme.line
     }
-    Label {  // what would be right
+    T.Popup {  // what would be right
         visible: field.problem !== "" && field.activeFocus
-        anchors.top: parent.bottom
-        anchors.topMargin: 2
-        anchors.right: parent.right
-        z: 1
-        padding: 4
-        font.pixelSize: 11
-        color: Theme.error
-        text: field.problem
-        Accessible.ignored: true
-        Rectangle {
-            anchors.fill: parent
-            z: -1
+        x: parent.width - width
+        y: parent.height + 4
+        width: hint.implicitWidth + 16
+        height: hint.implicitHeight + 8
+        leftPadding: 8
+        topPadding: 4
+        closePolicy: T.Popup.NoAutoClose
+        contentItem: Label {
+            id: hint
+            font.pixelSize: 11
+            color: Theme.error
+            text: field.problem
+            Accessible.ignored: true
+        }
+        background: Rectangle {
             radius: 4
             color: Theme.background
             border.width: 1
