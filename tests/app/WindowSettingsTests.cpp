@@ -23,7 +23,15 @@ namespace {
 using nlohmann::json;
 
 // Those with a look in the chart of a market that stands still, on both sides of the panel.
-const std::set<std::string_view> seen{};
+const std::set<std::string_view> seen{
+    "oiEnabled",     "oiOpacity",   "wallsEnabled",  "sessionEnabled",    "levelsEnabled",    "vwapEnabled",
+    "vwapNyEnabled", "lineRates",   "showSecondary", "candleTheme",       "initialCandles",   "lineOpacity",
+    "sessionStart",  "showOpen",    "showPrev",      "vixEnabled",        "vixMode",          "vixScale",
+    "vixSmooth",     "hfEnabled",   "hfLineOpacity", "hfLateralEnabled",  "hfLateralOpacity", "hfLateralMode",
+    "hfBubbles",     "hfCallColor", "hfPutColor",    "hfTriangleOpacity", "ema1Enabled",      "ema1Period",
+    "ema1Color",     "ema2Enabled", "ema2Period",    "ema2Color",         "gexEnabled",       "gexLabels",
+    "gexOpacity",    "gexBubbles",  "gexPosColor",   "gexNegColor",       "gexBubbleOpacity", "dexEnabled",
+    "dexLabels"};
 
 class SettingsScript {
  public:
@@ -55,6 +63,10 @@ class SettingsScript {
         QTest::qWait(50);
     }
 
+    /// Scrolls the panel there.
+    void reveal(QQuickItem* control) {
+        QMetaObject::invokeMethod(item("settingsView"), "reveal", Q_ARG(QVariant, QVariant::fromValue(control)));
+    }
     static QPoint at(const QQuickItem* item, double x = 0.5, double y = 0.5) {
         return item->mapToScene({item->width() * x, item->height() * y}).toPoint();
     }
@@ -100,7 +112,7 @@ class SettingsScript {
     }
     /// The chart on both sides of the panel.
     QImage chart() {
-        QTest::qWait(40);
+        QTest::qWait(30);
         QImage picture = windowPicture(*window());
         QPainter(&picture).fillRect(panel()->mapRectToScene(panel()->boundingRect()).toAlignedRect(), Qt::black);
         return picture;
@@ -190,11 +202,12 @@ GexConfig everythingOn() {
     GexConfig all;
     for (const Setting& one : settingTable())
         if (const auto* field = std::get_if<bool GexConfig::*>(&one.field)) all.** field = true;
+    all.vixScale = 0.65;  // so that the line runs within the picture
     return all;
 }
 
 void pointAtEveryField(SettingsScript& script) {
-    script.open(1960, 1000, 380, 1240);
+    script.open(1960, 1000, 1000, 620);  // between the bars and the strikes at the edge
     const GexConfig all = everythingOn();
     QImage before;
     bool anew = true;  // the chart starts over, at another place
@@ -206,6 +219,7 @@ void pointAtEveryField(SettingsScript& script) {
             QTest::qWait(700);
             before = script.chart();
         }
+        script.reveal(script.control(one));
         changeByPointer(script, one, script.control(one));
         EXPECT_EQ(script.changesFrom(all), changedWith(name));
         EXPECT_EQ(script.chart() != before, seen.contains(one.name)) << name;
@@ -241,7 +255,7 @@ void fitIntoEveryWidth(SettingsScript& script) {
             const QQuickItem* control = script.control(one);
             const QQuickItem* row = control->parentItem()->parentItem()->parentItem();
             const QQuickItem* label = script.item("label", row);
-            const QRectF placed = row->mapRectFromItem(control, control->boundingRect());
+            const QRectF placed = row->mapRectFromItem(control, {{}, control->size()});
             EXPECT_FALSE(label->property("truncated").toBool()) << one.name << " " << panelWidth;
             EXPECT_TRUE(placed.left() >= label->x() + label->width() && placed.right() <= row->width())
                 << one.name << " " << panelWidth << ": " << placed.left() << " to " << placed.right() << " of "
