@@ -11,6 +11,7 @@
 #include "base/Json.h"
 #include "store/ConfigIO.h"
 #include "support/pane/TestPane.h"
+#include "workspace/ActionTable.h"
 #include "workspace/SettingsEditor.h"
 #include "workspace/SettingsLayout.h"
 #include "workspace/SettingsTransfer.h"
@@ -67,6 +68,9 @@ TEST(SettingsPanel, SearchesLabelsAndHeadings) {
     for (const SettingsRow& row : settingsRows())
         for (const Setting* one : row.parts) EXPECT_TRUE(names.insert(one->name).second) << one->name;
     EXPECT_EQ(names.size(), 59u) << "the scales by symbol are set by the scale's row";
+    for (const SettingsRow& row : settingsRows())
+        EXPECT_EQ(findAction(actionOf(row)) != nullptr, !actionOf(row).empty()) << row.id;
+    EXPECT_EQ(actionOf(*findSettingsRow("levelsEnabled")), "lines");
     const std::pair<const char*, const char*> cases[] = {
         {"vix LINE", "vixEnabled || oscVix"},
         {"  hf dom\t", "hfBubbles hfCallColor hfTriangleOpacity"},

@@ -53,7 +53,7 @@ QString FileBrowser::completed(const QString& text) const {
     const QString above = text.left(slash + 1), begun = text.mid(slash + 1);
     const QDir dir(above.isEmpty() ? folder_ : resolved(above));
     QStringList matching;
-    for (const QString& name : dir.entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name))
+    for (const QString& name : dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name))
         if (name.startsWith(begun) && (!begun.isEmpty() || !name.startsWith(QLatin1Char('.'))))
             matching.push_back(name);
     if (matching.isEmpty()) return text;
