@@ -32,6 +32,8 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
       announcements_(auth_, preferences_, main),
       updates_(http_, start.endpoints().downloadsUrl, buildNumber, main),
       workspace_(preferences_, main) {
+    settings_.setHotkeys([](const HotkeyTexts& keys) { return HotkeyRouter::problemOf(hotkeysText(keys)); },
+                         [this] { keys_.load(); });
     auth_.setupProblem = start.setupProblem();
     openAccount();
     openPanes();
@@ -136,6 +138,7 @@ ShellSurroundings Program::shell(std::function<void()> quit) {
         at.clock = &start_.steering();
     }
     at.windows = windows_.get();
+    at.settings = &settings_;
     at.keys = &keys_;
     return at;
 }

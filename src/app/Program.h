@@ -20,6 +20,7 @@
 #include "sim/SimEngine.h"
 #include "workspace/HotkeyRouter.h"
 #include "workspace/PaneHost.h"
+#include "workspace/SettingsTransfer.h"
 #include "workspace/ShellCommands.h"
 #include "workspace/ShellWindows.h"
 #include "workspace/WorkspaceStore.h"
@@ -38,6 +39,7 @@ class Program {
     Announcements& announcements() { return announcements_; }
     UpdateChecker& updates() { return updates_; }
     WorkspaceStore& workspace() { return workspace_; }
+    SettingsTransfer& settings() { return settings_; }
     /// Made when it is asked for first: a program without a display has none.
     ShellWindows& windows();
     ProgramStart& start() { return start_; }
@@ -71,6 +73,7 @@ class Program {
     Announcements announcements_;
     UpdateChecker updates_;
     WorkspaceStore workspace_;
+    SettingsTransfer settings_{preferences_, workspace_};
     HotkeyRouter keys_{&preferences_};
     SessionTime session_;
     UuidSource ids_;

@@ -13,6 +13,9 @@
 #include "ui/platform/WindowPicture.h"
 #include "workspace/HotkeyRouter.h"
 #include "workspace/KeyChord.h"
+#include "workspace/SettingsEditor.h"
+#include "workspace/SettingsLayout.h"
+#include "workspace/SettingsTransfer.h"
 #include "workspace/ShellWindows.h"
 
 namespace vmr {
@@ -40,6 +43,25 @@ ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
     view.session.setOnSignOutAndClose(
         [&kit, window] { kit.later([&windows = kit.windows, window] { windows.signOut(window); }); });
     view.session.setOnPractice(kit.switchPractice);
+    setSettingsActions(kit);
+}
+
+void ShellWindow::Views::setSettingsActions(const WindowKit& kit) {
+    PaneHost& panes = kit.windows.panes();
+    view.settings.setActions(
+        {.applyToAll = [this, &panes] { applyToAllPanes(panes, model); },
+         .reset = [this] { resetSettings(model); },
+         .resetAccount = [this, &kit] { kit.sim.resetAccount(model.config->simBalance); },
+         .exportTo = [this, &kit](const std::string& file) { return kit.settings.exportTo(file, model).value_or(""); },
+         .importFrom = [this,
+                        &kit](const std::string& file) { return kit.settings.importFrom(file, model).value_or(""); }});
+    const auto showKeys = [this, &keys = kit.keys] {
+        view.settings.setKeyOf([&keys](const SettingsRow& row) { return keys.keyOf(actionOf(row)); });
+    };
+    keysChanged = kit.keys.changed.connect(showKeys);
+    showKeys();
+    panesChanged = panes.sizeChanged.connect([this, &panes] { view.settings.setHasOtherPanes(panes.size() > 1); });
+    view.settings.setHasOtherPanes(panes.size() > 1);
 }
 
 ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
@@ -183,7 +205,8 @@ bool ShellWindow::takePicture() {
     view_.setPictureTaken(false);
     if (picture.isNull()) return false;
     const std::string symbol = panes_.primary().currentSymbol();
-    picture_.offer(picture, QStringLiteral("velmora-") + QString::fromStdString(symbol.empty() ? "window" : symbol));
+    picture_.offer(picture,
+                   QStringLiteral("velmora-%1.png").arg(QString::fromStdString(symbol.empty() ? "window" : symbol)));
     return true;
 }
 
@@ -221,6 +244,7 @@ void ShellWindow::forget(const AppModel& pane) {
     if (!second_ || &second_->model != &pane) return;
     view_.setDual(nullptr);
     second_->binding.reset();
+    second_->view.settings.setActions({});  // their model goes before the views
     second_.release()->deleteLater();
 }
 

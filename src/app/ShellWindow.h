@@ -31,6 +31,7 @@ namespace vmr {
 
 class AppModel;
 class HotkeyRouter;
+class SettingsTransfer;
 class ShellWindows;
 class SimEngine;
 class WindowPanes;
@@ -42,6 +43,7 @@ struct WindowKit {
     SimEngine& sim;
     ServiceViewModel& service;
     ShellWindows& windows;
+    SettingsTransfer& settings;
     HotkeyRouter& keys;
     BenchSettings bench;
     std::function<void(std::function<void()>)> later;  ///< runs it in a turn of its own, unless the windows go first
@@ -74,10 +76,12 @@ class ShellWindow {
     // The view model of a pane and what ties it to the model. The views may outlive the tie by a turn.
     struct Views : QObject {
         Views(AppModel& model, const WindowKit& kit, int window);
+        void setSettingsActions(const WindowKit& kit);
         AppModel& model;
         SimTrading trading;
         PaneViewModel view;
         std::unique_ptr<PaneBinding> binding;
+        Connection panesChanged, keysChanged;
     };
     void setActions();
     ActionsViewModel::Hooks actionHooks();

@@ -27,6 +27,15 @@ const std::string& madeText(Text& text) {
     return std::get<std::string>(text);
 }
 
+// Of a map that is ordered by its keys.
+template <class Values>
+std::vector<std::string> keysOf(const Values& values, std::string_view prefix) {
+    std::vector<std::string> out;
+    for (auto at = values.lower_bound(prefix); at != values.end() && at->first.starts_with(prefix); ++at)
+        out.push_back(at->first);
+    return out;
+}
+
 fs::path beside(fs::path file, const char* ending) { return file += ending; }
 }  // namespace
 
@@ -42,6 +51,11 @@ class FilePreferences::File {
         const auto found = values_.find(key);
         if (found == values_.end()) return std::nullopt;
         return madeText(found->second);
+    }
+
+    std::vector<std::string> keys(std::string_view prefix) {
+        std::lock_guard lock(mutex_);
+        return keysOf(values_, prefix);
     }
 
     /// Gives whether a write must be asked for: none is on its way.
@@ -177,6 +191,8 @@ FilePreferences::~FilePreferences() { flush(); }
 
 std::optional<std::string> FilePreferences::get(std::string_view key) const { return file_->get(key); }
 
+std::vector<std::string> FilePreferences::keys(std::string_view prefix) const { return file_->keys(prefix); }
+
 void FilePreferences::set(std::string_view key, std::string_view value) { change(key, std::string(value)); }
 
 void FilePreferences::setLater(std::string_view key, TextMaker maker) {
@@ -207,6 +223,8 @@ std::optional<std::string> MemoryPreferences::get(std::string_view key) const {
     if (found == values_.end()) return std::nullopt;
     return found->second;
 }
+
+std::vector<std::string> MemoryPreferences::keys(std::string_view prefix) const { return keysOf(values_, prefix); }
 
 void MemoryPreferences::remove(std::string_view key) {
     if (const auto found = values_.find(key); found != values_.end()) values_.erase(found);

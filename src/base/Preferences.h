@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/SerialQueue.h"
 
@@ -22,6 +23,8 @@ class Preferences {
     virtual ~Preferences() = default;
     /// The stored text, or nothing.
     virtual std::optional<std::string> get(std::string_view key) const = 0;
+    /// The keys that begin so, in order.
+    virtual std::vector<std::string> keys(std::string_view prefix) const = 0;
     /// Holds in memory at once, whatever becomes of it on the disk.
     virtual void set(std::string_view key, std::string_view value) = 0;
     /// The same for a text that is long to make.
@@ -50,6 +53,7 @@ class FilePreferences final : public Preferences {
     FilePreferences& operator=(const FilePreferences&) = delete;
 
     std::optional<std::string> get(std::string_view key) const override;
+    std::vector<std::string> keys(std::string_view prefix) const override;
     void set(std::string_view key, std::string_view value) override;
     void setLater(std::string_view key, TextMaker maker) override;
     void remove(std::string_view key) override;
@@ -76,6 +80,7 @@ class FilePreferences final : public Preferences {
 class MemoryPreferences final : public Preferences {
  public:
     std::optional<std::string> get(std::string_view key) const override;
+    std::vector<std::string> keys(std::string_view prefix) const override;
     void set(std::string_view key, std::string_view value) override {
         values_.insert_or_assign(std::string(key), value);
     }

@@ -40,7 +40,7 @@ struct ChartContent {
     /// Raised when that part changed. A part whose number is the one of the last content of the same chart is not even
     /// looked at.
     struct Revisions {
-        std::uint64_t look = 0;  ///< `look` and `overlayStyle`
+        std::uint64_t look = 0;  ///< `look`, `overlayStyle`, and the settings that the overlays follow
         std::uint64_t candles = 0;
         std::uint64_t levels = 0;
         std::uint64_t strikes = 0;     ///< rows, ratio and flip strike

@@ -104,14 +104,14 @@ void AppModel::onConnected() {
     updateHfpTimer();
 }
 
-void AppModel::setConfig(const GexConfig& changed) {
+void AppModel::setConfig(const GexConfig& changed, Saving saving) {
     if (config.get() == changed) return;
     const NoticeGate::Hold hold(gate_);
     const unsigned effects = changedEffects(config, changed);
     const OverlaySettings series = overlaySettings();
     config = changed;
     look_ = renderLook(changed);
-    if (at_.saveSettings) ConfigIO::save(at_.preferences, changed);
+    if (saving == Saving::now) saveConfig();
     if (effects & SettingEffect::vixChannel) {
         bars.vixCandles.clear();
         overlays.raiseSides();
@@ -125,6 +125,10 @@ void AppModel::setConfig(const GexConfig& changed) {
     if (effects & SettingEffect::hfSampling) updateHfpTimer();
     sim_.setCommission(config->simCommission);
     templates.follow();  // another source is another pair
+}
+
+void AppModel::saveConfig() {
+    if (at_.saveSettings) ConfigIO::save(at_.preferences, config);
 }
 
 void AppModel::updateHfpTimer() {

@@ -124,8 +124,11 @@ class AppModel final : public ChartSource {
     void cycleGexSource();
     /// True while the 3D view is open; turning it on builds at once.
     void setGex3DActive(bool on);
-    /// The one way to change settings: saves, and applies what differs.
-    void setConfig(const GexConfig& changed);
+    /// The one way to change settings: applies what differs, and saves, or leaves that to `saveConfig`.
+    enum class Saving { now, later };
+    void setConfig(const GexConfig& changed, Saving saving = Saving::now);
+    /// Stores the settings of this pane as the user's.
+    void saveConfig();
 
     // Templates -------------------------------------------------------------------------------------------------------
     /// The settings, and how the chart's view stands where a chart shows the pane.

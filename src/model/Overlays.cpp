@@ -55,7 +55,12 @@ void Overlays::interactionEnded() {
 
 void Overlays::rebuild() {
     const double start = lastBuild_ = at_.clock.monotonic();
-    if (builder_.update(at_.input())) ++revision_;
+    const OverlayInput input = at_.input();
+    if (!(input.settings == built_)) {
+        built_ = input.settings;
+        ++settingsRevision_;
+    }
+    if (builder_.update(input)) ++revision_;
     overlaysChanged();
     const double cost = at_.clock.monotonic() - start;
     if (at_.perf) at_.perf->time("OverlayRebuild", cost * 1000);

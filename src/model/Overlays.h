@@ -49,6 +49,8 @@ class Overlays : public OverlaysOfChart {
     Signal<> overlaysChanged;
     /// Raised with each rebuild after which a point may be another.
     std::uint64_t revision() const { return revision_; }
+    /// Raised with each rebuild that follows other settings than the one before.
+    std::uint64_t settingsRevision() const { return settingsRevision_; }
 
     /// To be asked whether a drag is under way; null for no chart.
     void setChartPort(const ChartPort* port) { port_ = port; }
@@ -70,7 +72,8 @@ class Overlays : public OverlaysOfChart {
     Surroundings at_;
     OverlayBuilder builder_;
     const ChartPort* port_ = nullptr;
-    std::uint64_t sideRevision_ = 0, revision_ = 0;
+    std::uint64_t sideRevision_ = 0, revision_ = 0, settingsRevision_ = 0;
+    OverlaySettings built_;                                        // that the series follow
     double costEMA_ = 0;                                           // seconds
     double lastBuild_ = -std::numeric_limits<double>::infinity();  // monotonic
     bool pendingAfterDrag_ = false;

@@ -42,7 +42,8 @@ ChartContent AppModel::chartContent() const {
     out.overlayStyle = look_->overlays;
     out.srLines = sessionLevels.srLines.get();
     out.revisions = {
-        .look = look_.revision(),
+        // series that a setting changed are shown at once, as a look is, not at the pace of new data
+        .look = look_.revision() + overlays.settingsRevision(),
         .candles = bars.displayCandles.revision(),
         .levels = options.levels.revision(),
         .strikes = options.strikes.revision() + options.etfRatio.revision() + options.gammaFlipStrike.revision(),

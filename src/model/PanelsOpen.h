@@ -3,12 +3,24 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/Signal.h"
 
 namespace vmr {
+
+/// What an open settings panel shows: its columns, each with its sections' headings and the rows below them.
+struct SettingsShown {
+    struct Section {
+        std::string title;
+        std::vector<std::string> rows;  ///< by the name of the first setting, or of what the button does
+    };
+    std::string search;
+    std::vector<std::vector<Section>> columns;
+    std::vector<std::string> invalid;  ///< settings whose field holds a bad text
+};
 
 /// All closed at first. Main thread.
 struct PanelsOpen {
@@ -24,6 +36,7 @@ struct PanelsOpen {
         std::vector<std::string> folded;
     };
     ToolbarFacts toolbar;
+    std::optional<SettingsShown> settings;  ///< nothing while no view shows them
 };
 
 }  // namespace vmr

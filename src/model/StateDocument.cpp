@@ -143,11 +143,23 @@ void addTemplates(json& out, const AppModel& pane) {
                         {"viewChanges", pane.camera.viewChanges()}};
 }
 
+// Only while the panel is open.
+void addSettingsPanel(json& out, const SettingsShown& shown) {
+    json columns = json::array();
+    for (const auto& sections : shown.columns) {
+        json column = json::array();
+        for (const auto& section : sections) column.push_back({{"title", section.title}, {"rows", section.rows}});
+        columns.push_back(std::move(column));
+    }
+    out["settingsPanel"] = {{"search", shown.search}, {"columns", columns}, {"invalid", shown.invalid}};
+}
+
 json paneDocument(const AppModel& pane) {
     json out;
     addSession(out, pane);
     addPanels(out, pane);
     addTemplates(out, pane);
+    if (pane.panels.settings) addSettingsPanel(out, *pane.panels.settings);
     addChart(out, pane);
     addCatalog(out, pane);
     out["candles"] = bars(pane.bars.candles);

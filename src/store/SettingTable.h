@@ -12,6 +12,12 @@ namespace vmr {
 
 enum class SettingKind { boolean, number, integer, choice, color, map };
 
+/// What a person changes a setting with.
+enum class SettingControl { none, toggle, slider, logSlider, stepper, menu, field, color };
+
+/// How a number is written.
+enum class SettingUnit { none, percent, time };
+
 /// The sections of the settings panel, in order; the last has buttons only.
 enum class SettingSection { overlays, style, session, vix, hf, ema, gexDex, oscillator, simulator, tools };
 
@@ -48,15 +54,18 @@ struct Setting {
                                std::string GexConfig::*, std::map<std::string, double> GexConfig::*>;
 
     std::string_view name;   ///< also the key of the stored JSON
-    std::string_view label;  ///< in the panel, with its key in brackets; empty: not a row of its own
+    std::string_view label;  ///< in the panel; settings of one label that follow each other share a row
     Field field;
     SettingKind kind;
     SettingSection section;
+    SettingControl control = SettingControl::none;  ///< none: not in the panel under its own name
     unsigned effects = SettingEffect::none;
-    SettingRange stored = {};                     ///< reading and setting keep a number within these
-    SettingRange offered = {};                    ///< what the panel lets a person choose from
-    double step = 0;                              ///< of the panel's control
-    std::span<const SettingChoice> choices = {};  ///< of a choice; any other stored text is left as it is
+    std::string_view part = {};  ///< what it is of a row that it shares
+    SettingRange stored = {};    ///< reading and setting keep a number within these
+    SettingRange offered = {};   ///< what the panel lets a person choose from
+    double step = 0;             ///< of the panel's control; of a logarithmic one in its second digit
+    SettingUnit unit = SettingUnit::none;
+    std::span<const SettingChoice> choices = {};  ///< of a menu; any other stored value is left as it is
     std::span<const double> formerDefaults = {};  ///< numbers that count as the default of today
 };
 

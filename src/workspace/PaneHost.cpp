@@ -45,6 +45,7 @@ int PaneHost::openBeyondLimit(std::optional<PaneState> restore) {
                 whileThere_([this, number, now = model->session.isSignedIn.get()] { followSession(number, now); }));
         });
     if (active_ == 0) active_ = pane.number;
+    sizeChanged();
     return pane.number;
 }
 
@@ -77,6 +78,7 @@ std::optional<std::string> PaneHost::close(int number) {
     endThread(std::move(pane->thread));
     panes_.erase(pane);
     if (number == active_) active_ = panes_.empty() ? 0 : panes_.front().number;
+    sizeChanged();
     return std::nullopt;
 }
 

@@ -59,6 +59,8 @@ class PaneHost {
     /// Their models, in the same order.
     std::vector<const AppModel*> models() const;
     std::size_t size() const { return panes_.size(); }
+    /// A pane has come or gone.
+    Signal<> sizeChanged;
 
     /// Null for a number that no open pane has.
     AppModel* find(int number);

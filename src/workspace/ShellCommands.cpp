@@ -8,6 +8,7 @@
 #include "market/ClockSetting.h"
 #include "workspace/ActionCommands.h"
 #include "workspace/PanelCommands.h"
+#include "workspace/SettingsCommands.h"
 #include "workspace/SimCommands.h"
 #include "workspace/WindowCommands.h"
 
@@ -78,6 +79,7 @@ void ShellCommands::addChartCommands() {
                 "set needs KEY JSON"});
     addPanelCommands([this](Command row) { addForPane(std::move(row)); }, [this] { return pane_; },
                      [this](const std::string& text) { tell(text); });
+    addForPane(settingsCommand(at_.settings, [this] { return pane_; }));
 }
 
 void ShellCommands::addProcessCommands() {

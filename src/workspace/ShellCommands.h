@@ -14,6 +14,8 @@
 
 namespace vmr {
 
+class SettingsTransfer;
+
 /// What the commands work on; everything outlives them.
 struct ShellSurroundings {
     PaneHost& panes;
@@ -25,6 +27,7 @@ struct ShellSurroundings {
     std::function<bool(double seconds)> bench;  ///< measures the frames of that long and reports; false: one is running
     SteerableClock* clock = nullptr;            ///< null where the market's time is not ours to set
     ShellWindows* windows = nullptr;            ///< null without a display
+    SettingsTransfer* settings = nullptr;       ///< null where nothing is stored
     HotkeyRouter* keys = nullptr;               ///< null for none
 };
 

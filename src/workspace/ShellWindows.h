@@ -132,6 +132,7 @@ class ShellWindows {
     /// The window that shows the pane; null for none.
     WindowPanes* showing(int pane);
     std::size_t size() const { return windows_.size(); }
+    PaneHost& panes() { return panes_; }
     std::vector<WindowPanes*> all();
     std::vector<WindowFacts> facts() const;
 

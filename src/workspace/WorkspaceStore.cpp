@@ -59,6 +59,13 @@ void WorkspaceStore::startOver() {
     records_ = current_;
     claimIdx_ = 0;
     didSpawn_ = false;
+    replaced_ = false;
+}
+
+void WorkspaceStore::replace(std::vector<WindowRecord> records) {
+    current_ = std::move(records);
+    replaced_ = true;
+    persist();
 }
 
 bool WorkspaceStore::takeSpawn() { return !std::exchange(didSpawn_, true); }
@@ -90,6 +97,7 @@ std::optional<WindowRecord> WorkspaceStore::recordOf(const WorkspaceWindowBox& b
 }
 
 void WorkspaceStore::collectAndSave() {
+    if (replaced_) return;
     std::vector<WindowRecord> seen;
     for (const auto& box : boxes_)
         if (auto record = recordOf(*box)) seen.push_back(std::move(*record));

@@ -69,6 +69,8 @@ class WorkspaceStore {
     void collectAndSave();
     /// At the end of the process.
     void saveAtEnd();
+    /// These are the windows to remember, whatever stands on the screen: until the next session, or for the next run.
+    void replace(std::vector<WindowRecord> records);
 
     const std::vector<WindowRecord>& records() const { return records_; }  ///< of the last run or session
     const std::vector<WindowRecord>& current() const { return current_; }  ///< the latest picture
@@ -82,6 +84,7 @@ class WorkspaceStore {
     std::vector<WindowRecord> records_, current_;
     std::size_t claimIdx_ = 0;
     bool didSpawn_ = false;
+    bool replaced_ = false;  // what stands on the screen is not to be remembered
     std::vector<std::shared_ptr<WorkspaceWindowBox>> boxes_;
     std::optional<std::string> lastWritten_;
     SerialQueue::TimerId timer_ = SerialQueue::noTimer;

@@ -227,10 +227,10 @@ TEST_F(PaneOpening, ASettingRaisesWhatDependsOnIt) {
         bool look, overlays;
     } cases[] = {{"oscHeight", "300", false, false},
                  {"ema1Color", R"("#123456")", true, false},
-                 {"ema1Enabled", "true", false, true},
-                 {"sessionStart", "930", false, true},
+                 {"ema1Enabled", "true", true, true},
+                 {"sessionStart", "930", true, true},
                  {"hfScaleBySymbol", R"({"AAPL":3})", false, false},
-                 {"hfScaleBySymbol", R"({"NQ":3})", false, true}};
+                 {"hfScaleBySymbol", R"({"NQ":3})", true, true}};
     int rebuilt = 0;
     const auto link = pane.overlays.overlaysChanged.connect([&] { ++rebuilt; });
     for (const auto& c : cases) {

@@ -131,6 +131,17 @@ TEST_F(PaneBindingTest, PanelsAndTheAccountGoBothWays) {
     EXPECT_EQ(view.panelFrames.restored("account", {}), QRectF(3, 4, 500, 400));
     EXPECT_EQ(view.panelFrames.restored("other", {1, 2, 3, 4}), QRectF(9, 2, 3, 80));
 
+    view.panels.setConfigPanelOpen(true);
+    view.settings.layOut(620);
+    EXPECT_TRUE(model->panels.configPanelOpen && model->panels.settings);
+    view.settings.beginGesture();
+    view.settings.set("oiOpacity", 71);
+    EXPECT_EQ(view.settings.texts()->value("oiOpacity"), "71 %");
+    model->panels.configPanelOpen = false;
+    time.runUntilIdle();
+    EXPECT_FALSE(view.panels.configPanelOpen() || model->panels.settings);
+    EXPECT_NE(preferences.get("gex-config").value_or("").find("\"oiOpacity\":71"), std::string::npos) << "in a drag";
+
     http.responder = nullptr;
     const auto reset = [&] {
         const AccountViewModel& account = view.account;

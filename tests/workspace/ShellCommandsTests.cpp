@@ -47,6 +47,9 @@ TEST_F(Shell, AnswersEachLineOnce) {
                                        {"open", "error: open needs CANDLE_CHANNEL [DERIVED_CHANNEL]"},
                                        {"set dexEnabled", "error: set needs KEY JSON"},
                                        {"set dexEnabled  true", "ok set dexEnabled"},
+                                       {"settings", "error: wrong arguments for settings; see help"},
+                                       {"settings export", "error: wrong arguments for settings; see help"},
+                                       {"settings import a b.json", "error: there are no stored settings here"},
                                        {"3d maybe", "error: wrong arguments for 3d; see help"},
                                        {"3d on", "ok 3d on"},
                                        {"do gexBubbles", "ok gexBubbles off"},
@@ -64,6 +67,8 @@ TEST_F(Shell, AnswersEachLineOnce) {
                                        {"reset 5000", "ok balance 5000; start balance 5000"}})
         EXPECT_EQ(say(line), answer) << line;
     EXPECT_TRUE(host->active()->config->dexEnabled);
+    EXPECT_EQ(say("settings reset"), "ok settings reset");
+    EXPECT_EQ(host->active()->config.get(), GexConfig());
     EXPECT_FALSE(quitting);
     EXPECT_EQ(say("quit"), "ok quitting");
     EXPECT_TRUE(quitting);

@@ -15,6 +15,7 @@ using testing::ElementsAre;
 
 struct CountedPreferences final : Preferences {
     std::optional<std::string> get(std::string_view key) const override { return kept.get(key); }
+    std::vector<std::string> keys(std::string_view prefix) const override { return kept.keys(prefix); }
     void set(std::string_view key, std::string_view value) override {
         ++writes;
         kept.set(key, value);

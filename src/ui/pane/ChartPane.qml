@@ -124,5 +124,16 @@ FocusScope {
             open: paneView.pane.panels.templatesPanelOpen
             onClose: paneView.pane.panels.templatesPanelOpen = false
         }
+        SettingsPanel {
+            objectName: "configPanel"
+            frames: paneView.pane.panelFrames
+            settings: paneView.pane.settings
+            panels: paneView.pane.panels
+            session: paneView.pane.session
+            onKeysRequested: if (paneView.view.actions) paneView.view.actions.run("keys", paneView.inSecondPlace)
+            defaultPos: Qt.point(panelSpace.width - defaultSize.width - 24, 16)
+            open: paneView.pane.panels.configPanelOpen
+            onClose: paneView.pane.panels.configPanelOpen = false
+        }
     }
 }

@@ -21,7 +21,12 @@ constexpr double daysCountedEvery = 10;  // seconds; those to an expiration, whi
 
 PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, const std::string& setupProblem,
                          const std::string& signInHint, SimEngine* sim)
-    : model_(model), view_(view), main_(main), setupProblem_(text(setupProblem)), signInHint_(text(signInHint)) {
+    : model_(model),
+      view_(view),
+      editor_(model),
+      main_(main),
+      setupProblem_(text(setupProblem)),
+      signInHint_(text(signInHint)) {
     setActions();
     watch();
     if (sim)
@@ -43,6 +48,7 @@ PaneBinding::~PaneBinding() {
     view_.account.setSendReset({});
     view_.panels.setFollower({});
     view_.templates.setActions({});
+    view_.settings.edit(nullptr);
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -63,12 +69,17 @@ void PaneBinding::bindPanels() {
     view_.panels.setFollower([this](const PanelsViewModel::State& state) {
         model_.panels.accountPanelOpen = state.accountPanelOpen;
         model_.panels.templatesPanelOpen = state.templatesPanelOpen;
+        model_.panels.configPanelOpen = state.configPanelOpen;
     });
     view_.templates.setActions({
         [this](const QString& key) { model_.templates.load(key.toStdString()); },
         [this](const QString& key) { model_.templates.save(key.toStdString()); },
         [this] { model_.templates.refresh(); },
     });
+    view_.settings.edit(&editor_);
+    // before the panel shows itself
+    QObject::connect(&view_.panels, &PanelsViewModel::changed, &view_.settings,
+                     [view = &view_] { view->settings.setOpen(view->panels.configPanelOpen()); });
     view_.panelFrames.keepIn(&model_.preferences(), [this](const QString& id, const std::optional<QRectF>& frame) {
         auto& frames = model_.panels.frames;
         if (frame)
@@ -106,9 +117,11 @@ void PaneBinding::watch() {
           model_.panels.accountPanelOpen, model_.panels.simPanelOpen);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
-    watch(panelsConcern, model_.panels.accountPanelOpen, model_.panels.templatesPanelOpen);
+    watch(panelsConcern, model_.panels.accountPanelOpen, model_.panels.configPanelOpen,
+          model_.panels.templatesPanelOpen);
     watch(templatesConcern, model_.templates.list, model_.templates.busy, model_.templates.loading,
           model_.templates.status, model_.templates.failed, model_.channels, model_.config);
+    watch(settingsConcern, model_.config, model_.channels);
 }
 
 void PaneBinding::mark(Concern concern) {
@@ -129,8 +142,10 @@ void PaneBinding::flush() {
     }
     if (concerns & panelsConcern)
         view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen,
+                          .configPanelOpen = model_.panels.configPanelOpen,
                           .templatesPanelOpen = model_.panels.templatesPanelOpen});
     if (concerns & templatesConcern) view_.templates.set(templatesState());
+    if (concerns & settingsConcern) view_.settings.refresh();
     if (concerns & sessionConcern) {
         if (!model_.session.isSignedIn) closePanels();  // nobody's, on the form
         view_.session.set(sessionState());
@@ -140,6 +155,7 @@ void PaneBinding::flush() {
 void PaneBinding::closePanels() {
     view_.panels.setAccountPanelOpen(false);
     view_.panels.setTemplatesPanelOpen(false);
+    view_.panels.setConfigPanelOpen(false);
 }
 
 TemplatesViewModel::State PaneBinding::templatesState() const {

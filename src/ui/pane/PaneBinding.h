@@ -9,6 +9,7 @@
 #include "base/Signal.h"
 #include "base/WeakTask.h"
 #include "ui/pane/PaneViewModel.h"
+#include "workspace/SettingsEditor.h"
 
 namespace vmr {
 
@@ -40,7 +41,8 @@ class PaneBinding {
         chartConcern = 8,
         panelsConcern = 16,
         templatesConcern = 32,
-        everyConcern = 63
+        settingsConcern = 64,
+        everyConcern = 127
     };
 
     void setActions();
@@ -59,6 +61,7 @@ class PaneBinding {
 
     AppModel& model_;
     PaneViewModel& view_;
+    SettingsEditor editor_;
     MainLoop& main_;
     QString setupProblem_, signInHint_;
     unsigned marked_ = 0;  ///< concerns that the next flush copies

@@ -18,6 +18,7 @@
 #include "ui/pane/TemplatesViewModel.h"
 #include "ui/pane/ToastViewModel.h"
 #include "ui/pane/ToolbarViewModel.h"
+#include "ui/panels/settings/SettingsViewModel.h"
 #include "ui/widgets/PanelFrames.h"
 
 namespace vmr {
@@ -39,6 +40,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::AccountViewModel* account READ accountOf CONSTANT)
     Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
     Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
+    Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -64,6 +66,7 @@ class PaneViewModel : public QObject {
     AccountViewModel account;
     PanelsViewModel panels;
     TemplatesViewModel templates;
+    SettingsViewModel settings;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -84,6 +87,7 @@ class PaneViewModel : public QObject {
     AccountViewModel* accountOf() { return &account; }
     PanelsViewModel* panelsOf() { return &panels; }
     TemplatesViewModel* templatesOf() { return &templates; }
+    SettingsViewModel* settingsOf() { return &settings; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;

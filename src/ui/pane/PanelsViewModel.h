@@ -15,10 +15,12 @@ class PanelsViewModel : public QObject {
     QML_UNCREATABLE("belongs to a pane")
     Q_PROPERTY(bool accountPanelOpen READ accountPanelOpen WRITE setAccountPanelOpen NOTIFY changed)
     Q_PROPERTY(bool templatesPanelOpen READ templatesPanelOpen WRITE setTemplatesPanelOpen NOTIFY changed)
+    Q_PROPERTY(bool configPanelOpen READ configPanelOpen WRITE setConfigPanelOpen NOTIFY changed)
 
  public:
     struct State {
         bool accountPanelOpen = false;
+        bool configPanelOpen = false;
         bool templatesPanelOpen = false;
         bool operator==(const State&) const = default;
     };
@@ -37,6 +39,8 @@ class PanelsViewModel : public QObject {
     void setAccountPanelOpen(bool open) { setOpen(&State::accountPanelOpen, open); }
     bool templatesPanelOpen() const { return state_.templatesPanelOpen; }
     void setTemplatesPanelOpen(bool open) { setOpen(&State::templatesPanelOpen, open); }
+    bool configPanelOpen() const { return state_.configPanelOpen; }
+    void setConfigPanelOpen(bool open) { setOpen(&State::configPanelOpen, open); }
 
  signals:
     void changed();

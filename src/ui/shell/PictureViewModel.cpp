@@ -1,30 +1,15 @@
 #include "ui/shell/PictureViewModel.h"
 
 #include <QClipboard>
-#include <QDir>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QSaveFile>
-#include <QStandardPaths>
 #include <utility>
 
 namespace vmr {
 
-namespace {
-QString freeFile(const QString& name) {
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-    if (folder.isEmpty() || !QFileInfo(folder).isDir()) folder = QDir::homePath();
-    QString file = folder + QLatin1Char('/') + name + QStringLiteral(".png");
-    for (int i = 2; QFileInfo::exists(file); ++i)
-        file = QStringLiteral("%1/%2-%3.png").arg(folder, name, QString::number(i));
-    return file;
-}
-}  // namespace
-
-void PictureViewModel::offer(QImage picture, const QString& name) {
+void PictureViewModel::offer(QImage picture, const QString& proposal) {
     picture_ = std::move(picture);
-    suggestion_ = freeFile(name);
-    asked_.clear();
+    proposal_ = proposal;
     emit takenChanged();
 }
 
@@ -32,13 +17,7 @@ QString PictureViewModel::size() const {
     return QStringLiteral("%1 × %2").arg(picture_.width()).arg(picture_.height());
 }
 
-QString PictureViewModel::save(const QString& name) {
-    if (name.trimmed().isEmpty()) return tr("A file needs a name");
-    QString file = name.trimmed();
-    if (file.startsWith(QLatin1String("~/"))) file.replace(0, 1, QDir::homePath());
-    if (!file.endsWith(QLatin1String(".png"), Qt::CaseInsensitive)) file += QLatin1String(".png");
-    if (QFileInfo::exists(file) && std::exchange(asked_, file) != file)
-        return tr("There is %1 already. Save again to replace it.").arg(QFileInfo(file).fileName());
+QString PictureViewModel::save(const QString& file) {
     QSaveFile out(file);
     if (!out.open(QIODevice::WriteOnly) || !picture_.save(&out, "PNG") || !out.commit())
         return tr("It cannot be saved there: %1").arg(out.errorString());

@@ -15,23 +15,21 @@ class PictureViewModel : public QObject {
     QML_UNCREATABLE("made by the window's shell")
     Q_PROPERTY(bool taken READ taken NOTIFY takenChanged)
     Q_PROPERTY(QString size READ size NOTIFY takenChanged)
-    Q_PROPERTY(QString suggestion READ suggestion NOTIFY takenChanged)
+    Q_PROPERTY(QString proposal READ proposal NOTIFY takenChanged)
 
  public:
     using QObject::QObject;
 
-    /// `name` is that of a file without folder and ending.
-    void offer(QImage picture, const QString& name);
+    /// `proposal` is a name for its file.
+    void offer(QImage picture, const QString& proposal);
 
     bool taken() const { return !picture_.isNull(); }
     /// "1400 × 900".
     QString size() const;
-    /// A file in the person's folder of pictures that is not there yet.
-    QString suggestion() const { return suggestion_; }
+    QString proposal() const { return proposal_; }
 
-    /// As a PNG, which the name's ending tells or gets told. Returns why that failed, and keeps the picture then; so
-    /// also once where there is such a file already, which the same call again replaces.
-    Q_INVOKABLE QString save(const QString& name);
+    /// As a PNG, in place of what is there; returns why that failed, and keeps the picture then.
+    Q_INVOKABLE QString save(const QString& file);
     /// To the clipboard.
     Q_INVOKABLE void copy();
     /// It is not wanted any more.
@@ -42,7 +40,7 @@ class PictureViewModel : public QObject {
 
  private:
     QImage picture_;
-    QString suggestion_, asked_;
+    QString proposal_;
 };
 
 }  // namespace vmr

@@ -39,7 +39,7 @@ T.Popup {
     }
 
     y: parent.height + 4
-    height: Math.min(list.contentHeight + 2 * padding, parent.Window.height - parent.mapToItem(null, 0, 0).y - 48)
+    height: Math.min(list.contentHeight + 2 * padding, Math.max(168, parent.Window.height - parent.mapToItem(null, 0, 0).y - 48))
     padding: 6
     margins: 8  // near the window's edge it lies where it fits
     focus: true

@@ -6,6 +6,8 @@ T.Popup {
     id: sheet
 
     property string title
+    property string acceptText  // of a button beside the one that closes; none where it is empty
+    signal accepted
     default property alias content: holder.data
 
     parent: T.Overlay.overlay
@@ -48,12 +50,22 @@ T.Popup {
                 width: parent.width
                 spacing: 8
             }
-            PushButton {
-                objectName: "sheetClose"
+            Row {
                 anchors.right: parent.right
-                focus: true
-                text: qsTr("Close")
-                onClicked: sheet.close()
+                spacing: 8
+                PushButton {
+                    objectName: "sheetClose"
+                    focus: true
+                    text: sheet.acceptText === "" ? qsTr("Close") : qsTr("Cancel")
+                    onClicked: sheet.close()
+                }
+                PushButton {
+                    objectName: "sheetAccept"
+                    visible: sheet.acceptText !== ""
+                    primary: true
+                    text: sheet.acceptText
+                    onClicked: sheet.accepted()
+                }
             }
         }
     }

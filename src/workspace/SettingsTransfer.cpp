@@ -1,0 +1,82 @@
+#include "workspace/SettingsTransfer.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+#include "base/FileReplace.h"
+#include "base/Preferences.h"
+#include "model/AppModel.h"
+#include "workspace/WorkspaceStore.h"
+
+namespace vmr {
+
+namespace fs = std::filesystem;
+
+namespace {
+constexpr std::uintmax_t longestFile = 1 << 20;  // bytes; a real one has a few thousand
+
+fs::path pathOf(const std::string& utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
+
+// The file is one that the person chose, in a folder that may be anybody's: it is made with the usual permissions.
+std::optional<std::string> writeWhole(const fs::path& path, const std::string& text) {
+    fs::path part = path;
+    part += ".part";
+    std::error_code error;
+    if (std::FILE* out = std::fopen(part.string().c_str(), "wb")) {
+        const bool written = std::fwrite(text.data(), 1, text.size(), out) == text.size();
+        if (std::fclose(out) == 0 && written) {
+            fs::rename(part, path, error);
+            if (!error) return std::nullopt;
+        }
+        fs::remove(part, error);
+    }
+    return "cannot write " + path.string();
+}
+}  // namespace
+
+std::optional<std::string> SettingsTransfer::exportTo(const std::string& file, const AppModel& pane) {
+    workspace_.collectAndSave();
+    SettingsBundle bundle;
+    bundle.settings = pane.config.get();
+    bundle.hotkeys = parseHotkeys(preferences_.get(hotkeysKey).value_or("{}")).value_or(HotkeyTexts());
+    // what counts for nothing here would be refused there
+    std::erase_if(*bundle.hotkeys, [this](const auto& one) { return check_ && check_({one}); });
+    bundle.workspace = workspace_.current();
+    bundle.panels.emplace();
+    const std::string prefix = panelKey("");
+    for (const std::string& key : preferences_.keys(prefix))
+        (*bundle.panels)[key.substr(prefix.size())] = parsePanel(preferences_.get(key).value_or(""));
+    return writeWhole(pathOf(file), settingsFileText(bundle));
+}
+
+std::optional<std::string> SettingsTransfer::importFrom(const std::string& file, AppModel& pane) {
+    const fs::path path = pathOf(file);
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) return "there is no file " + file;
+    if (fs::file_size(path, error) > longestFile || error) return "the file is no file of settings";
+    const auto text = readFile(path);
+    if (!text) return "cannot read " + file;
+    const auto read = readSettingsFile(*text, check_);
+    if (const auto* problem = std::get_if<std::string>(&read)) return *problem;
+    take(std::get<SettingsBundle>(read), pane);
+    return std::nullopt;
+}
+
+void SettingsTransfer::take(const SettingsBundle& bundle, AppModel& pane) {
+    if (bundle.panels)
+        for (const auto& [id, panel] : *bundle.panels)
+            preferences_.set(panelKey(id), panelText({*panel.x, *panel.y}, {*panel.width, *panel.height}));
+    if (bundle.workspace) workspace_.replace(*bundle.workspace);
+    if (bundle.settings) {
+        pane.setConfig(*bundle.settings);
+        pane.saveConfig();  // what is stored may be another pane's
+    }
+    if (bundle.hotkeys) {
+        bundle.hotkeys->empty() ? preferences_.remove(hotkeysKey)
+                                : preferences_.set(hotkeysKey, hotkeysText(*bundle.hotkeys));
+        if (hotkeysChanged_) hotkeysChanged_();
+    }
+}
+
+}  // namespace vmr
