@@ -21,7 +21,7 @@ layout(std140, binding = 0) uniform Block {
     mat4 place;
     vec4 map;     // xScale, xOffset, yScale, yOffset
     vec4 view;    // width, height of the view
-    vec4 device;  // pixels a point
+    vec4 device;  // pixels a point; 1 where a pixel has one sample, 0 where it has several
 } u;
 
 // How far a place lies within half a pixel beyond the left and top of a candle's outline, and the right and bottom. Its
@@ -50,7 +50,8 @@ void main()
     vReachX = vec4(extent.x + stroke, extent.x, filled.x, extent.x * shape.z) + 0.5;
     vReachY = vec4(extent.y + stroke, extent.y, filled.y, (ends.y - ends.x) * 0.5) + 0.5;
     vec2 side = vec2(sign(at.x - at.z), at.y < at.w ? -1.0 : 1.0);
-    vec2 corner = middle + side * (vec2(extent.x + stroke, (ends.y - ends.x) * 0.5) + 1.0);  // with what is partly covered
+    // With the pixels that are covered in part: their middles, or all of them where they have samples.
+    vec2 corner = middle + side * (vec2(extent.x + stroke, (ends.y - ends.x) * 0.5) + 1.0 - 0.5 * u.device.y);
     vAt = vec4(corner - middle, corner.y - bodyMiddle, fill);
     vec4 beforeY = (0.5 - (before * u.map.z + u.map.w) * 0.5) * size.y;
     vBeforeLooks = beforeLooks * vec4(u.device.x, 1.0, u.device.x, 1.0);
