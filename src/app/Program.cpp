@@ -113,6 +113,8 @@ std::optional<std::string> Program::writeState(const std::string& file) const {
     // a report for the person, not a stored record: it gets the permissions that the person's files get
     StateSources sources{start_.clock(), panes_->models(), sim_.get(), &announcements_, &updates_};
     if (windows_) sources.windows = windows_->facts();
+    sources.hotkeys.emplace();
+    for (const Action& action : actionTable()) sources.hotkeys->emplace(action.id, keys_.keyOf(action.id));
     const std::string text = stateDocument(sources);
     std::FILE* out = std::fopen(file.c_str(), "wb");
     if (!out) return "cannot write " + file;
@@ -134,6 +136,7 @@ ShellSurroundings Program::shell(std::function<void()> quit) {
         at.clock = &start_.steering();
     }
     at.windows = windows_.get();
+    at.keys = &keys_;
     return at;
 }
 

@@ -18,6 +18,7 @@
 #include "services/cloud/UpdateChecker.h"
 #include "services/net/CurlHttpClient.h"
 #include "sim/SimEngine.h"
+#include "workspace/HotkeyRouter.h"
 #include "workspace/PaneHost.h"
 #include "workspace/ShellCommands.h"
 #include "workspace/ShellWindows.h"
@@ -45,6 +46,9 @@ class Program {
     /// With a practice relay: signs in with its account.
     void signInToPractice();
 
+    /// Which key does what.
+    HotkeyRouter& keys() { return keys_; }
+
     /// Writes the state document; the text of what failed.
     std::optional<std::string> writeState(const std::string& file) const;
 
@@ -67,6 +71,7 @@ class Program {
     Announcements announcements_;
     UpdateChecker updates_;
     WorkspaceStore workspace_;
+    HotkeyRouter keys_{&preferences_};
     SessionTime session_;
     UuidSource ids_;
     HfScales hfScales_;  // of all panes

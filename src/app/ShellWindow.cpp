@@ -2,12 +2,16 @@
 
 #include <QCoreApplication>
 #include <QQmlComponent>
+#include <QQuickItem>
 #include <QQuickWindow>
 
 #include "base/Log.h"
 #include "model/AppModel.h"
 #include "perf/Perf.h"
 #include "sim/SimEngine.h"
+#include "store/RecentSymbols.h"
+#include "ui/platform/WindowPicture.h"
+#include "workspace/HotkeyRouter.h"
 #include "workspace/ShellWindows.h"
 
 namespace vmr {
@@ -41,14 +45,16 @@ ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
     : kit_(kit),
       panes_(panes),
       first_(std::make_unique<Views>(panes.primary(), kit, panes.number())),
-      view_(first_->view) {
+      actions_(kit.keys, actionHooks()),
+      view_(first_->view, &actions_) {
     setActions();
     follow();
     changed_ = panes_.changed.connect([this] { follow(); });
     QObject* made =
         kit.look.createWithInitialProperties({{QStringLiteral("view"), QVariant::fromValue(&view_)},
                                               {QStringLiteral("service"), QVariant::fromValue(&kit.service)},
-                                              {QStringLiteral("shell"), QVariant::fromValue(&menu_)}});
+                                              {QStringLiteral("shell"), QVariant::fromValue(&menu_)},
+                                              {QStringLiteral("picture"), QVariant::fromValue(&picture_)}});
     window_.reset(qobject_cast<QQuickWindow*>(made));
     if (!window_) {
         delete made;
@@ -60,17 +66,120 @@ ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
         stage_->apply(panes_.entered());
     });
     stage_->apply(panes_.entered());
+    watchWindow();
 }
 
-ShellWindow::~ShellWindow() = default;
+ShellWindow::~ShellWindow() { panes_.perform = {}; }
+
+// What keys, buttons and lists do -------------------------------------------------------------------------------------
+
+ActionsViewModel::Hooks ShellWindow::actionHooks() {
+    return {[this](bool second) { return context(second); },
+            [this] {
+                QStringList out;
+                for (const std::string& one : recentSymbols(panes_.primary().preferences()))
+                    out.push_back(QString::fromStdString(one));
+                return out;
+            }};
+}
+
+ActionContext ShellWindow::context(bool second) const {
+    AppModel* dual = panes_.dual();
+    return {second && dual ? dual : &panes_.primary(), &panes_, &kit_.windows};
+}
+
+int ShellWindow::paneNumber(bool second) const { return second ? panes_.dualNumber() : panes_.primaryNumber(); }
+
+void ShellWindow::watchWindow() {
+    panes_.perform = [this](WindowDeed deed, bool second) { return perform(deed, second); };
+    filter_ = std::make_unique<HotkeyFilter>(
+        *window_, HotkeyFilter::Hooks{[this](const std::string& chord, bool typing, bool repeated) {
+                                          return takeKey(chord, typing, repeated);
+                                      },
+                                      [this](const std::optional<QPointF>& place) { pointerMoved(place); },
+                                      [&keys = kit_.keys] { keys.focusMovedByKey(); }});
+}
+
+void ShellWindow::pointerMoved(const std::optional<QPointF>& place) {
+    pointer_ = place;
+    if (place) kit_.keys.pointerMoved();
+    tellPointer();
+}
+
+// Also before a key: the panes may have come to lie otherwise below a pointer at rest.
+void ShellWindow::tellPointer() {
+    const auto* divider = panes_.dual() ? window_->findChild<QQuickItem*>(QStringLiteral("divider")) : nullptr;
+    const double x = pointer_ ? pointer_->x() : 0;
+    const bool between = divider && x >= divider->x() && x < divider->x() + divider->width();
+    const int over = !pointer_ || between ? 0 : paneNumber(divider && x > divider->x());
+    for (const int pane : {panes_.primaryNumber(), panes_.dualNumber()})
+        if (pane != over) kit_.keys.pointerLeft(pane);
+    if (over > 0) kit_.keys.pointerOver(over);
+}
+
+// A key of a pane is for the one that the hand is on, in whatever window; the others are for this window.
+bool ShellWindow::takeKey(const std::string& chord, bool typing, bool repeated) {
+    const Action* action = kit_.keys.actionFor(chord);
+    const bool always = action && action->place == ActionPlace::program;
+    if (!action || ((typing || !panes_.entered()) && !always)) return false;
+    ActionContext at = context(view_.secondHasHand());
+    if (action->place == ActionPlace::pane) {
+        if (pointer_) tellPointer();
+        std::size_t shown = 0;
+        for (const WindowPanes* window : kit_.windows.all()) shown += window->dual() ? 2 : 1;
+        const int pane = kit_.keys.paneFor(paneNumber(view_.secondHasHand()), shown);
+        WindowPanes* window = kit_.windows.showing(pane);
+        if (!window) return false;
+        at = {pane == window->dualNumber() ? window->dual() : &window->primary(), window, &kit_.windows};
+    }
+    return repeated || runAction(*action, at).taken;
+}
+
+bool ShellWindow::perform(WindowDeed deed, bool second) {
+    switch (deed) {
+        case WindowDeed::symbolMenu:
+            emit view_.symbolMenuAsked(second);
+            break;
+        case WindowDeed::otherPane:
+            emit view_.otherPaneAsked();
+            kit_.keys.focusMovedByKey();
+            break;
+        case WindowDeed::fullScreen:
+            stage_->toggleFullScreen();
+            break;
+        case WindowDeed::picture:
+            takePicture();
+            break;
+        case WindowDeed::actionList:
+            emit view_.actionListAsked(second);
+            break;
+        case WindowDeed::keySheet:
+            menu_.showKeys();
+            break;
+        case WindowDeed::about:
+            menu_.showAbout();
+            break;
+        case WindowDeed::quit:
+            askToEnd();
+            break;
+    }
+    return true;
+}
+
+void ShellWindow::takePicture() {
+    view_.setPictureTaken(true);
+    const QImage picture = windowPicture(*window_);
+    view_.setPictureTaken(false);
+    const std::string symbol = panes_.primary().currentSymbol();
+    picture_.offer(picture, QStringLiteral("velmora-") + QString::fromStdString(symbol.empty() ? "window" : symbol));
+}
+
+// The window ----------------------------------------------------------------------------------------------------------
 
 void ShellWindow::setActions() {
-    view_.setActions({.toggleDual = [this] { panes_.toggleDual(); },
-                      .moveSplit = [this](double share) { panes_.setSplit(share); },
+    view_.setActions({.moveSplit = [this](double share) { panes_.setSplit(share); },
                       .keepSplit = [this] { panes_.keepSplit(); },
-                      .toggleSync = [this](bool fromSecond) { panes_.toggleSync(fromSecond); },
                       .activate = [this](bool second) { panes_.activate(second); },
-                      .newWindow = [this] { kit_.windows.open(&panes_); },
                       .close = [this] { close(); },
                       .end = endProgram});
     menu_.setHooks({.newWindow = [this] { return kit_.windows.open(&panes_) != nullptr; },

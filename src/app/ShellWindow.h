@@ -15,6 +15,9 @@
 #include "perf/BenchSettings.h"
 #include "ui/pane/PaneBinding.h"
 #include "ui/pane/PaneViewModel.h"
+#include "ui/shell/ActionsViewModel.h"
+#include "ui/shell/HotkeyFilter.h"
+#include "ui/shell/PictureViewModel.h"
 #include "ui/shell/ServiceViewModel.h"
 #include "ui/shell/ShellViewModel.h"
 #include "ui/shell/WindowViewModel.h"
@@ -25,6 +28,7 @@ class QQuickWindow;
 namespace vmr {
 
 class AppModel;
+class HotkeyRouter;
 class ShellWindows;
 class SimEngine;
 class WindowPanes;
@@ -36,6 +40,7 @@ struct WindowKit {
     SimEngine& sim;
     ServiceViewModel& service;
     ShellWindows& windows;
+    HotkeyRouter& keys;
     BenchSettings bench;
     std::function<void(std::function<void()>)> later;  ///< runs it in a turn of its own, unless the windows go first
     bool practising = false;                           ///< on the practice market
@@ -73,6 +78,15 @@ class ShellWindow {
         std::unique_ptr<PaneBinding> binding;
     };
     void setActions();
+    ActionsViewModel::Hooks actionHooks();
+    ActionContext context(bool second) const;
+    void pointerMoved(const std::optional<QPointF>& place);
+    void tellPointer();
+    bool takeKey(const std::string& chord, bool typing, bool repeated);
+    int paneNumber(bool second) const;
+    void watchWindow();
+    bool perform(WindowDeed deed, bool second);
+    void takePicture();
     void follow();
     void closeNow();
     void askToEnd();
@@ -80,10 +94,14 @@ class ShellWindow {
     const WindowKit& kit_;
     WindowPanes& panes_;
     std::unique_ptr<Views> first_, second_;
+    ActionsViewModel actions_;
     WindowViewModel view_;
     ShellViewModel menu_;
+    PictureViewModel picture_;
     std::unique_ptr<QQuickWindow> window_;
     std::unique_ptr<WindowStage> stage_;
+    std::unique_ptr<HotkeyFilter> filter_;
+    std::optional<QPointF> pointer_;  ///< where it is in the window
     Connection changed_;
     WeakTask whileThere_;
 };

@@ -90,6 +90,7 @@ class Shell {
                program.sim(),
                service_,
                windows_,
+               program.keys(),
                program.start().options().bench,
                [this, &loop](std::function<void()> task) { loop.post(whileThere_(std::move(task))); },
                program.start().practice() != nullptr,

@@ -61,7 +61,18 @@ QMetaObject::Connection WindowStage::fitFrame(const QRect& area) {
         Qt::QueuedConnection);
 }
 
+void WindowStage::toggleFullScreen() {
+    if (window_.visibility() == QWindow::FullScreen) {
+        window_.showNormal();
+        before_.reset();
+        return;
+    }
+    before_ = frame();
+    window_.showFullScreen();
+}
+
 std::array<double, 4> WindowStage::frame() const {
+    if (before_ && window_.visibility() == QWindow::FullScreen) return *before_;
     const auto screens = screensNow();
     return screens ? storedFrame(rectOf(window_.geometry()), screens->first) : std::array<double, 4>();
 }

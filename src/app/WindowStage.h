@@ -26,6 +26,8 @@ class WindowStage {
 
     /// Places the window for the form, or for charts.
     void apply(bool entered);
+    /// Fills the whole screen, or stands again where it stood before. What is remembered is the latter.
+    void toggleFullScreen();
 
  private:
     QMetaObject::Connection fitFrame(const QRect& area);
@@ -36,6 +38,7 @@ class WindowStage {
     QQuickWindow& window_;
     WindowPanes& panes_;
     std::optional<ScreenRect> wanted_;
+    std::optional<std::array<double, 4>> before_;  ///< the frame, while it fills the screen
     QMetaObject::Connection fitting_;
 };
 

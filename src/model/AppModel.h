@@ -116,7 +116,7 @@ class AppModel final : public ChartSource {
     void rollForwardBarIfNeeded() { rollForwardBar(at_.clock.now()); }
     /// Limited to 1 and more; stored.
     void setTimeframe(std::int64_t minutes);
-    /// The user's pick of an expiration.
+    /// The user's pick of an expiration, yyyy-MM-dd; empty for all of them together.
     void setExpiration(const std::string& iso);
     /// The next of "ETF", "INDEX", "BOTH"; reopens a future's chart.
     void cycleGexSource();

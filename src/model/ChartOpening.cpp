@@ -5,6 +5,7 @@
 #include "market/Roots.h"
 #include "model/AppModel.h"
 #include "store/ConfigIO.h"
+#include "store/RecentSymbols.h"
 
 namespace vmr {
 
@@ -88,6 +89,7 @@ void AppModel::openWantedSymbol() {
 
 void AppModel::switchSymbol(const std::string& sym) {
     at_.preferences.set(ConfigIO::lastSymbolKey, sym);
+    if (catalog.isStock(sym) || catalog.effectiveContract(sym)) noteRecentSymbol(at_.preferences, sym);
     if (catalog.isStock(sym)) return openChart("stocks:" + sym, "derived:" + sym);
     const auto contract = catalog.effectiveContract(sym);
     if (!contract) return;
@@ -119,7 +121,7 @@ void AppModel::setTimeframe(std::int64_t minutes) {
 
 void AppModel::setExpiration(const std::string& iso) {
     const NoticeGate::Hold hold(gate_);
-    if (options.setExpiration(iso)) log.append("→ exp: " + iso);
+    if (options.setExpiration(iso)) log.append("→ exp: " + (iso.empty() ? "all" : iso));
 }
 
 void AppModel::cycleGexSource() {

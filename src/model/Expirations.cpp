@@ -70,6 +70,14 @@ int weekdaysBetween(local_days from, local_days to) {
     }
     return count;
 }
+
+// "Wed 6/10"
+std::string dayText(local_days day) {
+    constexpr const char* names[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    const date::year_month_day ymd(day);
+    return fmt::format("{} {}/{}", names[date::weekday(day).c_encoding()], static_cast<unsigned>(ymd.month()),
+                       static_cast<unsigned>(ymd.day()));
+}
 }  // namespace
 
 std::vector<std::string> computeFutureExps(const std::vector<std::string>& list, double now) {
@@ -100,13 +108,13 @@ std::string expLabel(const std::string& iso, double now) {
 }
 
 std::string expDteLabel(const std::string& iso, double now) {
-    constexpr const char* names[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     const auto ymd = parseIso(iso);
     if (!ymd) return iso;
     const local_days target(*ymd);
     const local_days today{date::days(localDay(now))};
-    return fmt::format("{}DTE {} {}/{}", weekdaysBetween(today, target), names[date::weekday(target).c_encoding()],
-                       static_cast<unsigned>(ymd->month()), static_cast<unsigned>(ymd->day()));
+    return fmt::format("{}DTE {}", weekdaysBetween(today, target), dayText(target));
 }
+
+std::string odteLabel(double now) { return "ODTE " + dayText(date::floor<date::days>(newYorkTime(now))); }
 
 }  // namespace vmr

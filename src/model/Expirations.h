@@ -19,4 +19,7 @@ std::string expLabel(const std::string& iso, double now);
 /// "3DTE Fri 6/12": the same count from the machine's own day, as `localDay` tells it.
 std::string expDteLabel(const std::string& iso, double now);
 
+/// "ODTE Wed 6/10": today in New York.
+std::string odteLabel(double now);
+
 }  // namespace vmr

@@ -73,6 +73,7 @@ void OptionsData::updateExpirations(double now) {
             if (!item.string().empty()) offered.emplace_back(item.string());
     const std::vector<std::string> list = computeFutureExps(offered, now);
     futureExps = list;
+    if (userPickedAll_) return;
     if (userPickedExp_ && selectedExp.get() && std::find(list.begin(), list.end(), *selectedExp.get()) != list.end())
         return;
     selectedExp = list.empty() ? std::nullopt : std::optional(list.front());
@@ -104,8 +105,10 @@ void OptionsData::reparse() {
 
 bool OptionsData::setExpiration(const std::string& iso) {
     userPickedExp_ = true;
-    if (selectedExp.get() == iso) return false;
-    selectedExp = iso;
+    userPickedAll_ = iso.empty();
+    const auto picked = iso.empty() ? std::nullopt : std::optional(iso);
+    if (selectedExp.get() == picked) return false;
+    selectedExp = picked;
     reparse();
     return true;
 }

@@ -49,7 +49,8 @@ class OptionsData : public OptionsOfChart {
     /// A patch of the fields, at market time `now`. `rows` are its long rows, read beforehand; null when they were not.
     void takeDerived(const Json& payload, std::shared_ptr<std::vector<StrikeRow>> rows, double now);
     void takeSecondaryGex(const Json& payload);
-    /// The user's pick of an expiration, which is kept while it is on offer. Tells whether it is another one.
+    /// The user's pick of an expiration, which is kept while it is on offer; empty for all of them together, which is
+    /// kept for good. Tells whether it is another one.
     bool setExpiration(const std::string& iso);
 
  private:
@@ -57,7 +58,7 @@ class OptionsData : public OptionsOfChart {
     void reparse();
 
     UuidSource& ids_;
-    bool userPickedExp_ = false;
+    bool userPickedExp_ = false, userPickedAll_ = false;
 };
 
 }  // namespace vmr

@@ -124,6 +124,7 @@ void addPanels(json& out, const AppModel& pane) {
                        {"sim", panels.simPanelOpen.get()},
                        {"templates", panels.templatesPanelOpen.get()}}},
                      {"frames", panels.frames}};
+    out["toolbar"] = {{"shown", panels.toolbar.shown}, {"folded", panels.toolbar.folded}};
 }
 
 json paneDocument(const AppModel& pane) {
@@ -166,6 +167,7 @@ std::string stateDocument(const StateSources& sources) {
         out["windows"] = json::array();
         for (const WindowFacts& window : *sources.windows) out["windows"].push_back(windowDocument(window));
     }
+    if (sources.hotkeys) out["hotkeys"] = *sources.hotkeys;
     return out.dump(1, ' ', false, json::error_handler_t::replace) + "\n";
 }
 

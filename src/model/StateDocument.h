@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,12 +31,13 @@ struct StateSources {
     const Announcements* notices = nullptr;
     const UpdateChecker* updates = nullptr;
     std::optional<std::vector<WindowFacts>> windows{};
+    std::optional<std::map<std::string, std::string>> hotkeys{};  ///< the present key of each action, "" for none
 };
 
 /// {"clock": seconds, "panes": [...], "sim": {...}, "announcement": ..., "maintenance": ..., "update": ..., "windows":
-/// [...]}: every pane's fields under their own names. Bars are arrays [time, open, high, low, close, volume], other
-/// records objects; a missing optional or a non-finite number is null; doubles round-trip. Dates of the simulator are
-/// seconds since 2001.
+/// [...], "hotkeys": {...}}: every pane's fields under their own names. Bars are arrays [time, open, high, low, close,
+/// volume], other records objects; a missing optional or a non-finite number is null; doubles round-trip. Dates of the
+/// simulator are seconds since 2001.
 std::string stateDocument(const StateSources& sources);
 
 }  // namespace vmr

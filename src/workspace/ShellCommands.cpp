@@ -6,6 +6,7 @@
 
 #include "base/NumberText.h"
 #include "market/ClockSetting.h"
+#include "workspace/ActionCommands.h"
 #include "workspace/SimCommands.h"
 #include "workspace/WindowCommands.h"
 
@@ -60,7 +61,8 @@ void ShellCommands::addChartCommands() {
                 "open needs CANDLE_CHANNEL [DERIVED_CHANNEL]"});
     addForPane({"symbol", "SYM", 1, 1, [this](CommandWords& words) { return symbol(words.next()); }});
     addForPane({"timeframe", "N", 1, 1, [this](CommandWords& words) { return timeframe(words.next()); }});
-    addForPane({"expiration", "YYYY-MM-DD", 1, 1, [this](CommandWords& words) { return expiration(words.next()); }});
+    addForPane(
+        {"expiration", "YYYY-MM-DD|all", 1, 1, [this](CommandWords& words) { return expiration(words.next()); }});
     addForPane({"gex-source", "", 0, 0, [this](CommandWords&) {
                     pane_->cycleGexSource();
                     return "ok gex-source " + pane_->config->gexSource;
@@ -86,6 +88,12 @@ void ShellCommands::addProcessCommands() {
     addSimCommands(commands_, at_.sim);
     commands_.add({"pane", "open|close N", 1, 2, [this](CommandWords& words) { return pane(words); }});
     addWindowCommands(commands_, at_.windows, [this] { return number_; });
+    addActionCommands(
+        commands_,
+        [this] {
+            return ActionContext{pane_, at_.windows ? at_.windows->showing(number_) : nullptr, at_.windows};
+        },
+        at_.keys);
     commands_.add({"clock", "pause|resume|speed X|set MOMENT (practice)", 1, 2,
                    [this](CommandWords& words) { return clock(words); }});
     commands_.add(
@@ -139,6 +147,10 @@ CommandAnswer ShellCommands::timeframe(const std::string& minutes) {
 
 CommandAnswer ShellCommands::expiration(const std::string& iso) {
     const auto& offered = pane_->options.futureExps.get();
+    if (iso == "all") {
+        pane_->setExpiration("");
+        return "ok expiration all";
+    }
     if (std::find(offered.begin(), offered.end(), iso) == offered.end())
         return "error: no such expiration on offer: " + iso;
     pane_->setExpiration(iso);

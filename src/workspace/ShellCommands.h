@@ -8,6 +8,7 @@
 #include "base/CommandTable.h"
 #include "base/SteerableClock.h"
 #include "sim/SimEngine.h"
+#include "workspace/HotkeyRouter.h"
 #include "workspace/PaneHost.h"
 #include "workspace/ShellWindows.h"
 
@@ -24,6 +25,7 @@ struct ShellSurroundings {
     std::function<bool(double seconds)> bench;  ///< measures the frames of that long and reports; false: one is running
     SteerableClock* clock = nullptr;            ///< null where the market's time is not ours to set
     ShellWindows* windows = nullptr;            ///< null without a display
+    HotkeyRouter* keys = nullptr;               ///< null for none
 };
 
 /// Runs command lines on the main thread; each is answered by one line, at once or, for sign-in, when it is over.

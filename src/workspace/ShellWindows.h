@@ -14,6 +14,7 @@
 #include "base/Uuid.h"
 #include "base/WeakTask.h"
 #include "model/StateDocument.h"
+#include "workspace/ActionTable.h"
 #include "workspace/DualLink.h"
 #include "workspace/PaneHost.h"
 #include "workspace/WorkspaceStore.h"
@@ -65,6 +66,10 @@ class WindowPanes {
     std::function<std::optional<std::array<double, 4>>()> frame;
     /// The frame to remember, where that is another one; empty for where it stands.
     std::function<std::optional<std::array<double, 4>>()> frameToKeep;
+
+    /// Does on the screen what only the window can, for its second pane or its first; tells whether it could. Set by
+    /// whoever shows it.
+    std::function<bool(WindowDeed deed, bool second)> perform;
 
     /// Its second pane came or goes, the divider moved, or the panes are in step or no longer.
     Signal<> changed;

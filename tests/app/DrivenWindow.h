@@ -54,6 +54,14 @@ class DrivenWindow : public testing::Test {
         return " mousemove --window $W" + word(x) + word(y) + " sleep 0.03";
     }
 
+    /// The pointer to a control of the toolbar of the pane that begins at `left`.
+    std::string toTool(const char* name, std::size_t pane = 0, double left = 0) {
+        EXPECT_TRUE(until([&](const nlohmann::json& state) {
+            return state["panes"][pane]["toolbar"]["shown"].contains(name);
+        })) << name;
+        return to(left + state_["panes"][pane]["toolbar"]["shown"].value(name, 0.0), 22);
+    }
+
     /// The state document as of now.
     const nlohmann::json& look() {
         program_->ask("state state.json", 30);

@@ -31,7 +31,7 @@ class WindowPanels : public DrivenWindow {
             << after << ": " << testing::PrintToString(shown());
     }
     void openByButton() {
-        act(to(width - 23, 22) + " click 1");
+        act(toTool("account") + " click 1");
         ASSERT_TRUE(until([&](const json&) { return !shown().empty(); }));
     }
     void drag(double x, double y, double dx, double dy) {

@@ -1,4 +1,5 @@
 // Two charts in a window and several windows, driven by a real pointer.
+#include <algorithm>
 #include <cmath>
 
 #include "tests/app/DrivenWindow.h"
@@ -8,10 +9,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr double width = 1200, toolbarY = 22;
-// Middles of the toolbar's buttons, from a pane's right edge.
-constexpr double newWindowButton = 61, pairButton = 93;   // of a pane by itself
-constexpr double syncButton = 93, closePairButton = 125;  // of one of two
+constexpr double width = 1200;
 
 class WindowPair : public DrivenWindow {
  protected:
@@ -19,10 +17,20 @@ class WindowPair : public DrivenWindow {
         DrivenWindow::SetUp();
         if (IsSkipped()) return;
         startMarket();
-        act(to(width - pairButton, toolbarY) + " click 1");
+        act(toTool("dual") + " click 1");
         ASSERT_TRUE(until([](const json& state) {
             return state["panes"].size() == 2 && state["windows"][0]["dual"] == true && hasView(state["panes"][1]);
         }));
+    }
+    // Of two panes each has no room for all of its tools; these are the last ones of the menu of what is folded.
+    void fold(std::size_t pane, const char* name) {
+        const std::string more = toTool("more", pane, pane == 0 ? 0 : left() + 1);
+        const auto& folded = state_["panes"][pane]["toolbar"]["folded"];
+        const auto at = std::find(folded.begin(), folded.end(), name);
+        ASSERT_NE(at, folded.end()) << name;
+        std::string up;
+        for (auto i = folded.end() - at; i > 0; --i) up += " Up";
+        act(more + " click 1 sleep 0.2 key" + up + " Return sleep 0.1");
     }
     static bool hasView(const json& pane) { return pane["viewport"].is_object() && !pane["displayCandles"].empty(); }
     double left() { return std::round(look()["windows"][0]["split"].get<double>() * (width - 1)); }
@@ -49,13 +57,13 @@ TEST_F(WindowPair, TheDividerKeepsRoomForBothAndGoesBackToTheMiddle) {
     EXPECT_NEAR(left(), 600, 1);
     EXPECT_EQ(look()["windows"][0]["panes"], json({1, 2}));
 
-    act(to(599 - closePairButton, toolbarY) + " click 1");
+    fold(0, "dual");
     EXPECT_TRUE(until([](const json& state) { return state["panes"].size() == 1; }));
     EXPECT_EQ(look()["windows"][0]["dual"], false);
 }
 
 TEST_F(WindowPair, TheChartsMoveTogetherWhileTheyAreInStep) {
-    act(to(width - syncButton, toolbarY) + " click 1");
+    fold(1, "sync");
     ASSERT_TRUE(until([](const json& state) { return state["windows"][0]["sync"] == true; }));
     EXPECT_EQ(state_["panes"][1]["toast"]["title"], "Sync");
     const auto together = [this](const json&) {
@@ -75,16 +83,17 @@ TEST_F(WindowPair, TheChartsMoveTogetherWhileTheyAreInStep) {
         [](const json& state) { return state["panes"][1]["currentSymbol"] == "ES" && hasView(state["panes"][1]); }));
     act(to(100, 400) + " mousedown 1" + to(60, 400) + to(20, 400) + " mouseup 1 sleep 0.3");
     EXPECT_TRUE(until([this](const json&) { return std::abs(gap(0) - gap(1)) < 0.3; })) << gap(0) << " " << gap(1);
-    act(to(width - syncButton, toolbarY) + " click 1");
+    fold(0, "sync");
     EXPECT_TRUE(until([](const json& state) { return state["windows"][0]["sync"] == false; }));
 }
 
 TEST_F(WindowPair, FourPanesAreAllThereCanBe) {
     for (const std::size_t windows : {2, 3}) {
-        act(" windowraise $W windowfocus --sync $W" + to(width - newWindowButton, toolbarY) + " click 1");
+        act(" windowraise $W windowfocus --sync $W key ctrl+n");
         EXPECT_TRUE(until([&](const json& state) { return state["windows"].size() == windows; }));
     }
-    act(" windowraise $W windowfocus --sync $W" + to(width - newWindowButton, toolbarY) + " click 1");
+    act(" windowraise $W windowfocus --sync $W");
+    fold(1, "newWindow");
     EXPECT_TRUE(until([](const json& state) { return state["panes"][0]["connLimited"] == true; }));
     EXPECT_TRUE(until([](const json& state) { return state["panes"][0]["connLimited"] == false; })) << "not for ever";
     EXPECT_EQ(look()["windows"].size(), 3u);

@@ -162,28 +162,29 @@ TEST_F(FrameItems, WithoutAGraphicsCardCalmFramesArePacedAndUrgentOnesAreNot) {
 // What comes while a person reads the list.
 TEST(ChoiceRows, StayWhatTheyAreWhileTheListIsOpen) {
     UiWindow ui(QSize(900, 600), UiWindow::entered(), syntheticBars(40));
-    QQuickItem* button = ui.item("symbolChoice");
+    QQuickItem* button = ui.item("expiration");
     const auto* list = button->findChild<QObject*>("choices");
     ASSERT_NE(list, nullptr);
     QSignalSpy rebuilt(list, SIGNAL(shownRowsChanged()));
     const auto rows = [&] { return button->property("shownRows").toList().size(); };
-    ui.view.toolbar.set({.futures = QStringList{"NQ", "ES", "YM"}});
+    ToolbarViewModel::State choices{.expirations = {"2026-06-10", "2026-06-11"}, .expirationLabels = {"a", "b"}};
+    ui.view.toolbar.set(choices);
     EXPECT_EQ(rebuilt.count(), 1);
-    EXPECT_EQ(rows(), 4) << "with the heading";
+    EXPECT_EQ(rows(), 3) << "with all together";
 
     QTest::mouseClick(ui.window, Qt::LeftButton, {}, button->mapToScene({10, 10}).toPoint());
     ASSERT_TRUE(runUntil([&] { return list->property("opened").toBool(); }));
-    auto choices = ui.view.toolbar.state();
-    choices.symbol = "ES";
+    choices.expiration = "2026-06-11";
     choices.timeframe = 5;
     ui.view.toolbar.set(choices);
-    choices.futures.push_back("RTY");
+    choices.expirations.push_back("2026-06-12");
+    choices.expirationLabels.push_back("c");
     ui.view.toolbar.set(choices);
     runFor(50);
     EXPECT_EQ(rebuilt.count(), 1);
-    EXPECT_EQ(rows(), 4);
+    EXPECT_EQ(rows(), 3);
     QTest::keyClick(ui.window, Qt::Key_Escape);
-    ASSERT_TRUE(runUntil([&] { return rows() == 5; })) << "what came meanwhile";
+    ASSERT_TRUE(runUntil([&] { return rows() == 4; })) << "what came meanwhile";
 }
 
 }  // namespace

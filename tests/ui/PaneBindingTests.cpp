@@ -22,7 +22,7 @@ class PaneBindingTest : public PaneFixture {
               &SessionViewModel::setupChanged, &SessionViewModel::userEmailChanged,
               &SessionViewModel::connectionChanged, &SessionViewModel::statusChanged);
         count(toolbar, &view.toolbar, &ToolbarViewModel::symbolChanged, &ToolbarViewModel::timeframeChanged,
-              &ToolbarViewModel::choicesChanged);
+              &ToolbarViewModel::expirationsChanged, &ToolbarViewModel::onChanged);
         count(toast, &view.toast, &ToastViewModel::changed);
         count(empty, &view.chart, &ChartViewModel::emptyChanged);
         flushed = binding->flushes();

@@ -73,7 +73,6 @@ class UiWindow {
     explicit UiWindow(QSize size, const SessionViewModel::State& session, std::vector<Candle> bars = {})
         : account(bars.empty() ? 0 : bars.back().close), source(std::move(bars)) {
         view.session.set(session);
-        view.toolbar.set({.futures = QStringList{"NQ", "ES"}});
         PaneViewModel::Surroundings at;
         at.trading = &account;
         view.setSurroundings(std::move(at));

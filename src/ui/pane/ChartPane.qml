@@ -14,6 +14,10 @@ FocusScope {
 
     signal entered
 
+    function openSymbols() {
+        toolbar.openSymbols();
+    }
+
     onActiveFocusChanged: {
         if (activeFocus)
             entered();
@@ -26,7 +30,6 @@ FocusScope {
         width: parent.width
         session: paneView.pane.session
         choices: paneView.pane.toolbar
-        panels: paneView.pane.panels
         view: paneView.view
         inSecondPlace: paneView.inSecondPlace
         marked: paneView.marked
@@ -63,10 +66,12 @@ FocusScope {
         }
         Crosshair {
             anchors.fill: parent
+            visible: !paneView.view.pictureTaken
             cross: chart.crosshair
         }
         Crosshair {
             anchors.fill: parent
+            visible: !paneView.view.pictureTaken
             cross: chart.peerCrosshair
             ofPeer: true
         }
@@ -112,5 +117,4 @@ FocusScope {
             onClose: paneView.pane.panels.accountPanelOpen = false
         }
     }
-    Keys.onEscapePressed: event => event.accepted = panelSpace.closeFront()
 }

@@ -1,9 +1,13 @@
 #include "ui/pane/PaneBinding.h"
 
+#include <cmath>
 #include <utility>
 
 #include "model/AppModel.h"
+#include "model/Expirations.h"
 #include "sim/SimEngine.h"
+#include "store/SettingTable.h"
+#include "workspace/ActionTable.h"
 
 namespace vmr {
 
@@ -68,8 +72,14 @@ void PaneBinding::setActions() {
     setSessionActions();
     bindPanels();
     view_.toolbar.setActions({
-        [this](const QString& symbol) { model_.switchSymbol(symbol.toStdString()); },
         [this](int minutes) { model_.setTimeframe(minutes); },
+        [this](const QString& iso) { model_.setExpiration(iso.toStdString()); },
+        [this](const QVariantMap& shown, const QStringList& folded) {
+            auto& told = model_.panels.toolbar;
+            told = {};
+            for (auto at = shown.begin(); at != shown.end(); ++at) told.shown[at.key().toStdString()] = at->toDouble();
+            for (const QString& one : folded) told.folded.push_back(one.toStdString());
+        },
     });
 }
 
@@ -81,7 +91,9 @@ void PaneBinding::watch(Concern concern, Fields&... fields) {
 void PaneBinding::watch() {
     watch(sessionConcern, model_.session.isSignedIn, model_.session.signingIn, model_.session.authError,
           model_.session.userEmail, model_.session.connected, model_.session.connLimited, model_.session.status);
-    watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.catalog.catFutures, model_.catalog.catStocks);
+    watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.options.futureExps, model_.options.selectedExp,
+          model_.config, model_.surface.gex3D, model_.panels.configPanelOpen, model_.panels.templatesPanelOpen,
+          model_.panels.accountPanelOpen, model_.panels.simPanelOpen);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
     watch(panelsConcern, model_.panels.accountPanelOpen);
@@ -96,7 +108,9 @@ void PaneBinding::mark(Concern concern) {
 
 void PaneBinding::flush() {
     ++flushes_;
-    const unsigned concerns = std::exchange(marked_, 0);  // what the views do in turn belongs to the next flush
+    unsigned concerns = std::exchange(marked_, 0);  // what the views do in turn belongs to the next flush
+    const double minute = std::floor(model_.clock().now() / 60);
+    if (std::exchange(minute_, minute) != minute) concerns |= toolbarConcern;  // days to an expiration
     if (concerns & toolbarConcern) view_.toolbar.set(toolbarState());
     if (concerns & toastConcern) view_.toast.set(toastState());
     if (concerns & chartConcern) {
@@ -123,9 +137,22 @@ SessionViewModel::State PaneBinding::sessionState() const {
 }
 
 ToolbarViewModel::State PaneBinding::toolbarState() const {
+    const double now = model_.clock().now();
     ToolbarViewModel::State out{.symbol = text(model_.currentSymbol()), .timeframe = model_.bars.timeframe};
-    for (const auto& future : model_.catalog.futuresList()) out.futures.push_back(text(future.first));
-    for (const auto& stock : model_.catalog.stockList()) out.stocks.push_back(text(stock));
+    for (const std::string& iso : model_.options.futureExps.get()) {
+        out.expirations.push_back(text(iso));
+        out.expirationLabels.push_back(text(expDteLabel(iso, now)));
+    }
+    const auto& picked = model_.options.selectedExp.get();
+    out.expiration = text(picked.value_or(""));
+    out.expirationText = picked                      ? text(expDteLabel(*picked, now))
+                         : out.expirations.isEmpty() ? text(odteLabel(now))
+                                                     : QObject::tr("All expirations");
+    for (const SettingChoice& source : findSetting("gexSource")->choices)
+        if (source.value == model_.config->gexSource) out.gexSource = text(std::string(source.label));
+    const ActionContext at{&model_};
+    for (const char* id : {"gex3D", "hfPressure", "templates", "settings", "account", "simPanel", "simEnabled"})
+        out.on.insert(QLatin1String(id), findAction(id)->isOn(at));
     return out;
 }
 

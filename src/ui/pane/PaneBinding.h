@@ -60,6 +60,7 @@ class PaneBinding {
     QString setupProblem_, signInHint_;
     unsigned marked_ = 0;  ///< concerns that the next flush copies
     std::uint64_t flushes_ = 0;
+    double minute_ = 0;  ///< of market time, at the last flush
     std::vector<Connection> connections_;
     WeakTask whileThere_;
 };

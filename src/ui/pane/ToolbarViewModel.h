@@ -5,6 +5,7 @@
 #include <QQmlEngine>
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 #include <functional>
 #include <utility>
 
@@ -17,19 +18,29 @@ class ToolbarViewModel : public QObject {
     QML_UNCREATABLE("belongs to a pane")
     Q_PROPERTY(QString symbol READ symbol NOTIFY symbolChanged)
     Q_PROPERTY(int timeframe READ timeframe NOTIFY timeframeChanged)
-    Q_PROPERTY(QStringList futures READ futures NOTIFY choicesChanged)
-    Q_PROPERTY(QStringList stocks READ stocks NOTIFY choicesChanged)
+    Q_PROPERTY(QStringList expirations READ expirations NOTIFY expirationsChanged)
+    Q_PROPERTY(QStringList expirationLabels READ expirationLabels NOTIFY expirationsChanged)
+    Q_PROPERTY(QString expiration READ expiration NOTIFY expirationsChanged)
+    Q_PROPERTY(QString expirationText READ expirationText NOTIFY expirationsChanged)
+    Q_PROPERTY(QString gexSource READ gexSource NOTIFY gexSourceChanged)
+    Q_PROPERTY(QVariantMap on READ on NOTIFY onChanged)
 
  public:
     struct State {
         QString symbol{};
-        int timeframe = 1;  ///< minutes a bar
-        QStringList futures{};
-        QStringList stocks{};
+        int timeframe = 1;               ///< minutes a bar
+        QStringList expirations{};       ///< on offer, yyyy-MM-dd
+        QStringList expirationLabels{};  ///< of the same
+        QString expiration{};            ///< that is shown; empty for all together
+        QString expirationText{};        ///< what tells it
+        QString gexSource{};             ///< its name
+        QVariantMap on{};                ///< whether each action whose icon tells so is on
+        bool operator==(const State&) const = default;
     };
     struct Actions {
-        std::function<void(const QString& symbol)> switchSymbol;
         std::function<void(int minutes)> setTimeframe;
+        std::function<void(const QString& iso)> setExpiration;  ///< empty for all
+        std::function<void(const QVariantMap& shown, const QStringList& folded)> tellShown;
     };
 
     using QObject::QObject;
@@ -42,17 +53,25 @@ class ToolbarViewModel : public QObject {
 
     QString symbol() const { return state_.symbol; }
     int timeframe() const { return state_.timeframe; }
-    QStringList futures() const { return state_.futures; }
-    QStringList stocks() const { return state_.stocks; }
+    QStringList expirations() const { return state_.expirations; }
+    QStringList expirationLabels() const { return state_.expirationLabels; }
+    QString expiration() const { return state_.expiration; }
+    QString expirationText() const { return state_.expirationText; }
+    QString gexSource() const { return state_.gexSource; }
+    QVariantMap on() const { return state_.on; }
 
-    // Nothing happens when that is shown already.
-    Q_INVOKABLE void switchSymbol(const QString& symbol);
+    /// Nothing happens when that is shown already.
     Q_INVOKABLE void setTimeframe(int minutes);
+    Q_INVOKABLE void setExpiration(const QString& iso);
+    /// Which controls have room in the row, with the places of their middles, and which are in its menu.
+    Q_INVOKABLE void tellShown(const QVariantMap& shown, const QStringList& folded);
 
  signals:
     void symbolChanged();
     void timeframeChanged();
-    void choicesChanged();
+    void expirationsChanged();
+    void gexSourceChanged();
+    void onChanged();
 
  private:
     State state_;

@@ -7,25 +7,31 @@ IconButton {
 
     required property ShellViewModel shell
 
-    // Every row is there only if the program can do it.
+    property ActionsViewModel actions: null
+
+    // Every row is there only if the program can do it. An action's row is what its table says.
     function commands() {
-        const command = Qt.platform.os === "osx" ? "⌘" : qsTr("Ctrl+");
         const rows = [];
-        if (shell.canOpenWindows)
-            rows.push({ label: qsTr("New Window"), value: "newWindow", key: command + "N" }, { separator: true });
-        rows.push({ label: qsTr("Keyboard shortcuts"), value: "showKeys" });
+        const add = (id, value) => rows.push({ label: actions ? actions.titles[id] : id, value: value, key: actions ? actions.keys[id] : "" });
+        if (shell.canOpenWindows) {
+            add("newWindow", "newWindow");
+            rows.push({ separator: true });
+        }
+        add("keys", "showKeys");
         if (shell.canCheckForUpdates)
             rows.push({ label: qsTr("Check for Updates…"), value: "checkForUpdates" });
-        rows.push({ label: qsTr("About Velmora"), value: "showAbout" }, { separator: true });
+        add("about", "showAbout");
+        rows.push({ separator: true });
         if (shell.canLeavePractice)
             rows.push({ label: qsTr("Leave practice"), value: "leavePractice" });
-        rows.push({ label: qsTr("Quit"), value: "quit", key: command + "Q" });
+        add("quit", "quit");
         return rows;
     }
 
     text: qsTr("Menu")
     icon24: "menu"
     active: list.visible
+    tipHeld: list.visible
     Accessible.role: Accessible.ButtonMenu
     Keys.onDownPressed: list.open()
     onClicked: list.visible ? list.close() : list.open()

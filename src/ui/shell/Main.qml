@@ -10,7 +10,9 @@ Window {
     required property WindowViewModel view
     required property ServiceViewModel service
     property ShellViewModel shell: null
+    property PictureViewModel picture: null
     readonly property bool entered: view.pane.session.entered
+    readonly property bool keysHeld: stage.popups.visible || view.endNotice !== ""  // what is open takes every key
 
     title: "Velmora"
     color: Theme.background
@@ -77,16 +79,37 @@ Window {
         active: window.shell !== null
         sourceComponent: ShellSheets {
             shell: window.shell
+            actions: window.view.actions
         }
     }
-    Shortcut {
-        sequences: [StandardKey.New]
-        enabled: window.entered && window.shell !== null && window.shell.canOpenWindows
-        onActivated: window.shell.newWindow()
+    Loader {
+        active: window.picture !== null
+        sourceComponent: PictureSheet {
+            objectName: "pictureSheet"
+            picture: window.picture
+            visible: window.picture.taken
+            onClosed: window.picture.drop()
+        }
     }
-    Shortcut {
-        sequences: ["Ctrl+Q"]
-        enabled: window.shell !== null
-        onActivated: window.shell.quit()
+    PickList {
+        id: actionList
+        objectName: "actionList"
+        property bool inSecondPlace: false
+        parent: T.Overlay.overlay
+        x: Math.round((window.width - width) / 2)
+        y: 64
+        width: Math.min(520, window.width - 48)
+        mostHeight: Math.min(480, window.height - 96)
+        prompt: qsTr("Action, symbol or expiration")
+        nothing: qsTr("Nothing of that name")
+        provider: typed => window.view.actions ? window.view.actions.find(typed, inSecondPlace) : []
+        onChosen: value => window.view.actions.take(value, inSecondPlace)
+    }
+    Connections {
+        target: window.view
+        function onActionListAsked(second) {
+            actionList.inSecondPlace = second;
+            actionList.open();
+        }
     }
 }

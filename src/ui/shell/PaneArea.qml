@@ -17,6 +17,17 @@ FocusScope {
             first.forceActiveFocus();
     }
 
+    Connections {
+        target: area.view
+        function onOtherPaneAsked() {
+            if (area.two)
+                (first.activeFocus ? second.item : first).forceActiveFocus(Qt.TabFocusReason);
+        }
+        function onSymbolMenuAsked(inSecond) {
+            (inSecond && area.two ? second.item : first).openSymbols();
+        }
+    }
+
     function limited(left) {
         return Math.round(Math.max(leastPane, Math.min(left, width - divider.width - leastPane)));
     }

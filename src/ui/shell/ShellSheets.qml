@@ -6,7 +6,7 @@ Item {
     id: sheets
 
     required property ShellViewModel shell
-    readonly property string command: Qt.platform.os === "osx" ? "⌘" : qsTr("Ctrl+")
+    property ActionsViewModel actions: null
 
     // another one may have come in its place
     function leave(sheet) {
@@ -41,38 +41,10 @@ Item {
             text: sheets.shell.messageText
         }
     }
-    Sheet {
+    KeySheet {
         objectName: "keysSheet"
-        title: qsTr("Keyboard shortcuts")
+        actions: sheets.actions
         visible: sheets.shell.sheet === ShellViewModel.Sheet.keys
-        width: 440
         onClosed: sheets.leave(ShellViewModel.Sheet.keys)
-        Repeater {
-            model: [
-                [qsTr("Arrow keys"), qsTr("Move the chart")],
-                ["+  −", qsTr("Zoom in and out")],
-                [qsTr("Home"), qsTr("Back to the live edge")],
-                [qsTr("Esc"), qsTr("Close the panel in front")],
-                [qsTr("Alt+Arrow keys"), qsTr("Move a panel")],
-                [qsTr("Alt+Shift+Arrow keys"), qsTr("Resize a panel")],
-                [qsTr("Tab"), qsTr("To the next control")]
-            ].concat(sheets.shell.canOpenWindows ? [[sheets.command + "N", qsTr("New window")]] : [],
-                     [[sheets.command + "Q", qsTr("Quit")]])
-            Row {
-                required property var modelData
-                width: parent.width
-                Label {
-                    width: 180
-                    font.weight: Font.DemiBold
-                    text: parent.modelData[0]
-                }
-                Label {
-                    width: parent.width - 180
-                    wrapMode: Text.Wrap
-                    color: Theme.textSoft
-                    text: parent.modelData[1]
-                }
-            }
-        }
     }
 }

@@ -1,5 +1,5 @@
 // A card over the chart that a person moves, sizes and closes, by pointer or by keys: Alt and an arrow moves it, with
-// Shift it sizes it, Escape closes it. It opens where it was, and what it shows is there only while it is open.
+// Shift it sizes it. Escape closes what is open, in its order. It opens where it was, and what it shows is there only while it is open.
 import QtQuick
 import Velmora
 
@@ -75,9 +75,7 @@ FocusScope {
     Keys.onPressed: event => {
         pointed = false;
         const keys = event.modifiers & ~Qt.KeypadModifier;
-        if (event.key === Qt.Key_Escape && keys === Qt.NoModifier) {
-            close();
-        } else if (keys === Qt.AltModifier || keys === (Qt.AltModifier | Qt.ShiftModifier)) {
+        if (keys === Qt.AltModifier || keys === (Qt.AltModifier | Qt.ShiftModifier)) {
             const right = (event.key === Qt.Key_Right) - (event.key === Qt.Key_Left);
             const down = (event.key === Qt.Key_Down) - (event.key === Qt.Key_Up);
             if (right === 0 && down === 0)

@@ -11,14 +11,4 @@ Item {
         if (panel.z < topmost || topmost === 0)
             panel.z = ++topmost;
     }
-    // Closes the panel in front; false where none is open.
-    function closeFront() {
-        let front = null;
-        for (let i = 0; i < children.length; ++i)
-            if (children[i].open && (!front || children[i].z > front.z))
-                front = children[i];
-        if (front)
-            front.close();
-        return front !== null;
-    }
 }

@@ -1,5 +1,6 @@
-// The list under a button. `rows` holds { label, value } with an optional `key`, the keys that do the same; headings as
-// { label, heading: true } and lines as { separator: true }. The row of `current` bears a mark.
+// The list under a button. `rows` holds { label, value } with an optional `key`, the keys that do the same, `on` for
+// what is on and `barred` for what cannot be chosen now; headings as { label, heading: true } and lines as { separator:
+// true }. The row of `current`, and what is on, bears a mark.
 import QtQuick
 import QtQuick.Templates as T
 
@@ -20,7 +21,7 @@ T.Popup {
         pointedAt = at;
     }
     function canTake(index) {
-        return index >= 0 && !shownRows[index].heading && !shownRows[index].separator;
+        return index >= 0 && !shownRows[index].heading && !shownRows[index].separator && !shownRows[index].barred;
     }
     function step(by) {
         for (let i = marked < 0 && by < 0 ? shownRows.length - 1 : marked + by; i >= 0 && i < shownRows.length; i += by) {
@@ -121,28 +122,34 @@ T.Popup {
                         visible: !row.separator
                         anchors.verticalCenter: parent.verticalCenter
                         anchors.verticalCenterOffset: row.heading ? 2 : 0
+                        width: Math.min(implicitWidth, parent.width - ends.width - 28)
+                        elide: Text.ElideRight
                         text: row.modelData.label || ""
-                        color: row.heading ? Theme.textFaint : Theme.text
+                        color: row.heading || row.modelData.barred ? Theme.textFaint : Theme.text
                         font.pixelSize: row.heading ? 11 : Theme.normal
                         font.weight: row.heading ? Font.DemiBold : Font.Normal
                     }
-                    Label {
+                    Row {
+                        id: ends
                         anchors.right: parent.right
                         anchors.rightMargin: 10
                         anchors.verticalCenter: parent.verticalCenter
-                        text: row.modelData.key || ""
-                        color: Theme.textFaint
-                        font.pixelSize: Theme.small
-                    }
-                    Icon {
-                        anchors.right: parent.right
-                        anchors.rightMargin: 8
-                        anchors.verticalCenter: parent.verticalCenter
-                        width: 14
-                        height: 14
-                        visible: !row.heading && !row.separator && row.modelData.value === popup.current
-                        name: "check"
-                        color: Theme.accent
+                        spacing: 8
+                        Label {
+                            anchors.verticalCenter: parent.verticalCenter
+                            visible: text !== ""
+                            text: row.modelData.key || ""
+                            color: Theme.textFaint
+                            font.pixelSize: Theme.small
+                        }
+                        Icon {
+                            anchors.verticalCenter: parent.verticalCenter
+                            width: 14
+                            height: 14
+                            visible: !row.heading && !row.separator && (row.modelData.on === true || row.modelData.value === popup.current)
+                            name: "check"
+                            color: Theme.accent
+                        }
                     }
                     MouseArea {
                         anchors.fill: parent

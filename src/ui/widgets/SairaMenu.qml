@@ -11,7 +11,18 @@ T.Button {
     property string placeholder  // while what is selected is no option
     property alias listWidth: popup.width
     property alias shownRows: popup.shownRows
+    property var ownList: popup  // that it opens
+    property bool isMenu: true  // without a list it is pressed to go on to the next
+    property string tip
     signal chosen(var value)
+    signal pressedPlain
+
+    function press() {
+        if (!isMenu)
+            pressedPlain();
+        else
+            ownList.visible ? ownList.close() : ownList.open();
+    }
 
     text: {
         const option = options.find(one => !one.heading && one.value === selection);
@@ -19,17 +30,22 @@ T.Button {
     }
     implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
     implicitHeight: 30
-    leftPadding: 12
-    rightPadding: 8
+    leftPadding: isMenu ? 12 : 10
+    rightPadding: isMenu ? 8 : 10
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     font.family: Theme.family
     font.pixelSize: 14
     font.weight: Font.DemiBold
-    Keys.onDownPressed: popup.open()
+    Keys.onDownPressed: event => {
+        if (isMenu)
+            ownList.open();
+        else
+            event.accepted = false;
+    }
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
-    onClicked: popup.visible ? popup.close() : popup.open()
+    onClicked: press()
 
     contentItem: Row {
         spacing: 6
@@ -37,17 +53,19 @@ T.Button {
             anchors.verticalCenter: parent.verticalCenter
             text: control.text
             font: control.font
+            color: control.enabled ? Theme.text : Theme.textSoft
         }
         Icon {
             anchors.verticalCenter: parent.verticalCenter
             width: 14
             height: 14
+            visible: control.isMenu && control.enabled
             name: "chevrons-up-down"
         }
     }
     background: Rectangle {
         radius: Theme.radius
-        color: control.down || popup.visible ? Theme.pressed : control.hovered ? Theme.hover : "transparent"
+        color: control.down || control.ownList.visible ? Theme.pressed : control.hovered ? Theme.hover : "transparent"
         border.width: control.visualFocus ? 2 : 0
         border.color: Theme.focus
     }
@@ -59,5 +77,9 @@ T.Button {
         rows: control.options
         current: control.selection
         onChosen: value => control.chosen(value)
+    }
+    Tip {
+        text: control.tip
+        wanted: (control.hovered || control.visualFocus) && !control.down && !control.ownList.visible
     }
 }
