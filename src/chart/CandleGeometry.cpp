@@ -25,12 +25,16 @@ CandleVertex* write(CandleVertex* out, const Place& place, const Look& look, con
     vertex.halfStroke = halfStroke(look);
     vertex.fill = look.fill;
     vertex.color = look.color;
-    if (before.look != nullptr) {
-        vertex.before[0] = static_cast<float>(before.top);
-        vertex.before[1] = static_cast<float>(before.bot);
-        vertex.before[2] = halfStroke(*before.look);
-        vertex.before[3] = before.look->color[3];
+    Rgba looks{};
+    std::size_t at = 0;
+    for (const Before::Body& body : {before.one, before.two}) {
+        if (body.look == nullptr) break;
+        vertex.before[at] = static_cast<float>(body.top);
+        vertex.before[at + 1] = static_cast<float>(body.bot);
+        looks[at++] = halfStroke(*body.look);
+        looks[at++] = body.look->color[3];
     }
+    vertex.beforeLooks = looks;
     eachCorner(static_cast<float>(place.x - place.halfBody), static_cast<float>(std::max(place.high, place.top)),
                static_cast<float>(place.x + place.halfBody), static_cast<float>(std::min(place.low, place.bot)),
                [&](float x, float y, float otherX, float otherY) {

@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
+#include "gpu/Gpu.h"
 #include "gpu/Vertices.h"
 #include "market/Records.h"
 
@@ -33,16 +35,24 @@ struct Place {
     double halfBody = CandleGeometry::halfBody, halfWick = CandleGeometry::halfWick;
 };
 
-/// The candle one bar before another; none without a look.
+/// The candles one bar before another and two; none without a look.
 struct Before {
-    double top = 0, bot = 0;
-    const Look* look = nullptr;
+    struct Body {
+        double top = 0, bot = 0;
+        const Look* look = nullptr;
+    };
+    Body one, two;
+
+    /// Makes room for the one that is now the last.
+    void add(double top, double bot, const Look& look) { two = std::exchange(one, {top, bot, &look}); }
 };
 
 /// Writes `candleVertices` vertices at `out` and returns the place after them.
 CandleVertex* write(CandleVertex* out, const Place& place, const Look& look, const Before& before);
 
-/// Whether candles at this distance, in points, may share pixels.
-constexpr bool areDense(double pointsABar) { return pointsABar < 4; }
+/// What draws candles at this distance, in points: those that are close may share pixels, two and then three at a time.
+constexpr Pipeline pipelineAt(double pointsABar) {
+    return pointsABar < 1.5 ? Pipeline::crowded : pointsABar < 4 ? Pipeline::dense : Pipeline::candle;
+}
 
 }  // namespace vmr::CandleGeometry

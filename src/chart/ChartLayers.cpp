@@ -37,8 +37,7 @@ void ChartRenderer::encodeLayers(const Geometry& geometry, double width, double 
         drawDyn(Primitive::lines, geometry.forming.priceLine);
     }
     overlays_.draw(arena_, camera_, width, height);
-    const bool dense = CandleGeometry::areDense(width / camera_.visibleCount);
-    setWithView(gpu_, dense ? Pipeline::dense : Pipeline::candle, camera);
+    setWithView(gpu_, CandleGeometry::pipelineAt(width / camera_.visibleCount), camera);
     bars_.list.drawInView(camera_, origin_);
     drawDyn(Primitive::quads, geometry.forming.candle);
 }

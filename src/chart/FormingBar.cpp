@@ -47,10 +47,10 @@ std::optional<DynUpload> FormingBar::writeCandle(std::span<const Candle> candles
     const double wickLo = std::min({last.low, close_, open}) - origin.price;
     std::array<CandleVertex, candleVertices> vertices;
     Before before;
-    if (candles.size() > 1) {
-        const Candle& c = candles[candles.size() - 2];
-        before = {std::max(c.open, c.close) - origin.price, std::min(c.open, c.close) - origin.price,
-                  &look(theme, isUp(c.open, c.close))};
+    for (std::size_t back = std::min<std::size_t>(candles.size(), 3); back > 1; --back) {
+        const Candle& c = candles[candles.size() - back];
+        before.add(std::max(c.open, c.close) - origin.price, std::min(c.open, c.close) - origin.price,
+                   look(theme, isUp(c.open, c.close)));
     }
     CandleGeometry::write(vertices.data(), {x, wickHi, top - origin.price, bot - origin.price, wickLo}, style, before);
     return arena.uploadDyn(vertices);

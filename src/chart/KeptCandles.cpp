@@ -20,7 +20,7 @@ void KeptCandles::make(std::span<const Candle> candles, std::string_view theme, 
                           c.low - origin.price};
         const Look& style = look(theme, isUp(c.open, c.close));
         out = write(out, place, style, before);
-        before = {place.top, place.bot, &style};
+        before.add(place.top, place.bot, style);
     }
     list.keep(vertices_);
 }

@@ -83,8 +83,7 @@ void KeptOverlays::draw(FrameArena& arena, const Camera& camera, double width, d
         sessionDashes_.draw();
     }
     if (second_.size() == 0) return;
-    const bool dense = CandleGeometry::areDense(width / camera.visibleCount);
-    setWithView(gpu_, dense ? Pipeline::dense : Pipeline::candle, place);
+    setWithView(gpu_, CandleGeometry::pipelineAt(width / camera.visibleCount), place);
     second_.drawInView(gpu_, arena, camera, origin_);
 }
 

@@ -98,9 +98,11 @@ void secondCandle(std::vector<CandleVertex>& verts, std::span<const OvCandle> ca
                      .halfWick = 0.05};
     };
     Before before;
-    if (i > 0 && candles[i].idx == candles[i - 1].idx + 1) {
-        const Place place = placeOf(candles[i - 1]);
-        before = {place.top, place.bot, lookOf(candles[i - 1])};
+    std::size_t first = i;
+    while (first > 0 && first + 2 > i && candles[first].idx == candles[first - 1].idx + 1) --first;
+    for (; first < i; ++first) {
+        const Place place = placeOf(candles[first]);
+        before.add(place.top, place.bot, *lookOf(candles[first]));
     }
     verts.resize(verts.size() + candleVertices);
     write(&*(verts.end() - candleVertices), placeOf(candles[i]), *lookOf(candles[i]), before);

@@ -14,12 +14,13 @@ namespace vmr {
 /// smooth their edges by themselves; boxes and ribbons do where a pixel has one sample, and leave it to the samples
 /// elsewhere. Flat shapes have no smooth edges with one sample.
 /// - flat: `ChartVertex` with 16 bytes of uniforms;
-/// - box: `BoxVertex`, - rounded: `RoundVertex`, - candle, dense: `CandleVertex`, - ribbon, dashed: `LineVertex`,
-///   - disc: `MarkerVertex`, as quads, - triangle: `MarkerVertex`, as triangles, with 32 bytes each; dense is for
-///   candles that may share pixels: it leaves out what the one before covers; dashed finds its dashes for each pixel;
+/// - box: `BoxVertex`, - rounded: `RoundVertex`, - candle, dense, crowded: `CandleVertex`,
+///   - ribbon, dashed: `LineVertex`, - disc: `MarkerVertex`, as quads, - triangle: `MarkerVertex`, as triangles, with
+///   32 bytes each; dense and crowded are for candles that may share pixels: they leave out what the one before covers,
+///   or the two before; dashed finds its dashes for each pixel;
 /// - text: `TextVertex` with 16 bytes, sampling the glyph atlas.
-enum class Pipeline : std::uint8_t { flat, box, rounded, candle, dense, ribbon, dashed, disc, triangle, text };
-inline constexpr std::size_t pipelineCount = 10;
+enum class Pipeline : std::uint8_t { flat, box, rounded, candle, dense, crowded, ribbon, dashed, disc, triangle, text };
+inline constexpr std::size_t pipelineCount = 11;
 
 /// Quads are four vertices each (top left, bottom left, bottom right, top right).
 enum class Primitive : std::uint8_t { triangles, lines, quads };

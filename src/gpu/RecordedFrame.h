@@ -65,6 +65,7 @@ constexpr std::size_t vertexStride(Pipeline pipeline) {
             return sizeof(RoundVertex);
         case Pipeline::candle:
         case Pipeline::dense:
+        case Pipeline::crowded:
             return sizeof(CandleVertex);
         case Pipeline::ribbon:
         case Pipeline::dashed:

@@ -60,7 +60,8 @@ struct CandleVertex {
     float wick = 0;                  ///< its width as a share of the body's
     float halfStroke = 0;            ///< points of the outline to either side of the body's edges; 0 for none
     float fill = 1;                  ///< opacity within an outline
-    float before[4] = {0, 0, 0, 0};  ///< body, half stroke and opacity of the candle one bar to the left; 0 for none
+    float before[4] = {0, 0, 0, 0};  ///< bodies of the candles one bar to the left and two; 0 for none
+    Rgba8 beforeLooks;               ///< half stroke and opacity of either; 0 for none
     Rgba8 color;
     bool operator==(const CandleVertex&) const = default;
 };
@@ -175,7 +176,7 @@ struct LineUniforms {
 };
 
 static_assert(sizeof(ChartVertex) == 12 && sizeof(BoxVertex) == 20 && sizeof(RoundVertex) == 24 &&
-              sizeof(CandleVertex) == 56 && sizeof(LineVertex) == 32 && sizeof(MarkerVertex) == 20);
+              sizeof(CandleVertex) == 60 && sizeof(LineVertex) == 32 && sizeof(MarkerVertex) == 20);
 static_assert(sizeof(TextVertex) == 20 && sizeof(Uniforms) == 16 && sizeof(LineUniforms) == 32);
 
 /// Points from the top left to clip space, for all but flat shapes and texts.

@@ -81,8 +81,9 @@ struct ChartScene : RecordedScene {
     // Of a frame without overlays: the forming bar, and the closed ones.
     Draw forming() const { return candles(false); }
     Draw candles(bool retained = true) const {
-        const bool dense = calls(Pipeline::candle, retained).empty();
-        return calls(dense ? Pipeline::dense : Pipeline::candle, retained).at(0);
+        for (const Pipeline pipeline : {Pipeline::candle, Pipeline::dense})
+            if (const auto found = calls(pipeline, retained); !found.empty()) return found[0];
+        return calls(Pipeline::crowded, retained).at(0);
     }
 
     /// A shape's top left and bottom right on the screen.

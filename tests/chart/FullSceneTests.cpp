@@ -49,8 +49,8 @@ TEST_F(FullSceneTest, LayersLieInTheirOrderUnderTheirUniforms) {
             continue;
         }
         std::string layer = call.retained ? "kept " : "made ";
-        layer += std::array{"flat", "box", "rounded", "candle", "dense", "ribbon", "dashed", "disc", "triangle", "text"}
-            [static_cast<std::size_t>(call.pipeline)];
+        layer += std::array{"flat",   "box",    "rounded", "candle",   "dense", "crowded",
+                            "ribbon", "dashed", "disc",    "triangle", "text"}[static_cast<std::size_t>(call.pipeline)];
         if (call.primitive == Primitive::lines) layer += " lines";
         layer += camera == overlays ? " on overlays" : camera == ofBars ? " on bars" : " on the view";
         EXPECT_TRUE(!layer.ends_with("view") || camera == Uniforms{});

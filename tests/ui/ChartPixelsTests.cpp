@@ -73,7 +73,7 @@ TEST_F(ChartPixels, EveryPixelIsWhatTheRecordedFrameSays) {
         ASSERT_EQ(renderer.camera().viewport(), viewport());
         int kinds = 0;
         for (const auto& draw : frame.draws) kinds |= 1 << static_cast<int>(draw.pipeline);
-        ASSERT_EQ(kinds, everything ? 0b1111101111 : 0b1000001101)
+        ASSERT_EQ(kinds, everything ? 0b11111001111 : 0b10000001101)
             << "no dense candles; without strikes no boxes, ribbons and markers";
         const double meanError = everything ? 0.4 : 0.25;
         expectSame(chartPicture(), frame, expected.atlas.image(), meanError);
@@ -135,7 +135,7 @@ class ChartEdges : public ChartPixels {
                 kind = draw.pipeline == Pipeline::text ? other : rectangles;
             else if (onView)
                 kind = draw.pipeline == Pipeline::box ? strikeBars : waves;
-            else if (draw.pipeline == Pipeline::candle || draw.pipeline == Pipeline::dense)
+            else if (draw.pipeline >= Pipeline::candle && draw.pipeline <= Pipeline::crowded)
                 kind = (keptCandles += draw.source >= 0) < 2 ? pairedCandles : candles;
             else if (draw.pipeline == Pipeline::dashed && u[7] == 0.5F)
                 kind = levels;
@@ -182,10 +182,7 @@ TEST_F(ChartEdges, CoverPixelsAsMuchAsTheirShapesDo) {
     const char* const names[] = {"candles", "paired candles", "lines",       "levels",
                                  "waves",   "markers",        "strike bars", "rectangles"};
     data.srLines[0].price -= 30;  // shares no pixel with a wall
-    const std::vector<OvPoint> dashed = data.series.vwapNY;
     for (const double pixelsABar : {1.3, 2.0, 3.7, 12.0}) {
-        if (ratio() > 1 && pixelsABar < 3) continue;  // three outlines lie over each other there
-        data.series.vwapNY = pixelsABar >= 2 * ratio() ? dashed : std::vector<OvPoint>();  // else two share a pixel
         for (const auto& [theme, phase] : {std::pair("mono", 0.0), {"mono", 0.25}, {"mono", 0.64}, {"classic", 0.4}}) {
             data.config.candleTheme = theme;
             cpu.view.setContent(data.content());

@@ -24,7 +24,7 @@ struct Outline {
     double x = 0, y = 0;                   // its middle, device pixels
     double halfWidth = 0, halfHeight = 0;  // of a box or a candle's body
     double radius = 0;
-    double alongX = 0, alongY = 0, period = 0, dash = 0;  // of dashes from x, y on: their way, and pixels along it
+    double alongX = 0, alongY = 0, length = 0, period = 0, dash = 0;  // of a segment of dashes from x, y on, pixels
     double stroke = 0, fill = 0, wickHalf = 0, wickTop = 0, wickBottom = 0;  // of a candle
 
     // How much of the square of `side` pixels around px, py counts; of a point where it has no size.
@@ -64,12 +64,17 @@ struct Outline {
                 return (row(0.25) + row(-0.25)) / 2 * share(above + radius);
             }
             case Kind::dashes: {
-                const double at = dx * alongX + dy * alongY, first = std::max(std::floor(at / period), 0.0) * period;
-                return period > 0 ? std::min(span(at - first - dash / 2, dash / 2) +
-                                                 span(at - first - period - dash / 2, dash / 2) +
-                                                 (first == 0 ? share(-at) : 0.0),
-                                             1.0)
-                                  : dash;
+                if (period <= 0) return dash;
+                // How much of the line lies within dashes up to a place; beyond the segment is another one like it.
+                const auto dashesTo = [&](double at) {
+                    const auto within = [&](double d) {
+                        return std::floor(d / period) * dash + std::min(d - std::floor(d / period) * period, dash);
+                    };
+                    const double segments = std::floor(at / length);
+                    return segments * within(length) + within(at - segments * length);
+                };
+                const double at = dx * alongX + dy * alongY, reach = std::max(side, 1e-6) / 2;
+                return (dashesTo(at + reach) - dashesTo(at - reach)) / (reach * 2);
             }
             case Kind::none:
                 break;
@@ -143,7 +148,8 @@ class Canvas {
                 return grown(at(vertex.corner, vertex.color), at(vertex.opposite, {}), 0.5);
             }
             case Pipeline::candle:
-            case Pipeline::dense: {
+            case Pipeline::dense:
+            case Pipeline::crowded: {
                 const auto vertex = read<CandleVertex>(bytes);
                 const auto rowOf = [&](float price) { return at(std::array{0.0F, price}.data(), {}).y; };
                 const double top = rowOf(vertex.body[0]), bottom = rowOf(vertex.body[1]);
@@ -210,7 +216,7 @@ class Canvas {
         const double half = vertex.halfWidth() * frame_.pixelRatio, side = vertex.beside < 0 ? -half : half;
         const double mx = own.leftX + other.leftX, my = own.leftY + other.leftY, turn = mx * mx + my * my;
         const double needed = (half + 0.75) * std::sqrt(std::max(4 / std::max(turn, 1e-6) - 1, 0.0));
-        const bool meet = turn > 1 && needed < std::min(own.length, other.length) / 2;
+        const bool meet = turn > 1 && needed < std::min(own.length, other.length) * 0.8;
         corner.x += (meet ? mx * 2 / turn : own.leftX) * side;
         corner.y -= (meet ? my * 2 / turn : own.leftY) * side;
         return corner;
@@ -222,6 +228,7 @@ class Canvas {
         const double y = -vertex.dir[1] * u[2] * u[5] * 0.5 * frame_.pixelRatio;
         const double length = std::hypot(x, y);
         outline_.kind = Outline::Kind::dashes;
+        outline_.length = length;
         outline_.x = from.x;
         outline_.y = from.y;
         outline_.alongX = x / length;

@@ -45,12 +45,16 @@ Attributes attributesOf(Pipeline pipeline) {
                  A(0, 2, A::UNormByte4, offsetof(RoundVertex, color))}};
         case Pipeline::candle:
         case Pipeline::dense:
+        case Pipeline::crowded:
             return {
                 "candle.vert.qsb",
-                pipeline == Pipeline::dense ? "dense.frag.qsb" : "candle.frag.qsb",
+                pipeline == Pipeline::crowded ? "crowded.frag.qsb"
+                : pipeline == Pipeline::dense ? "dense.frag.qsb"
+                                              : "candle.frag.qsb",
                 {A(0, 0, A::Float4, offsetof(CandleVertex, corner)), A(0, 1, A::Float4, offsetof(CandleVertex, body)),
                  A(0, 2, A::Float, offsetof(CandleVertex, fill)), A(0, 3, A::Float4, offsetof(CandleVertex, before)),
-                 A(0, 4, A::UNormByte4, offsetof(CandleVertex, color))}};
+                 A(0, 4, A::UNormByte4, offsetof(CandleVertex, beforeLooks)),
+                 A(0, 5, A::UNormByte4, offsetof(CandleVertex, color))}};
         case Pipeline::ribbon:
         case Pipeline::dashed:
             return {
@@ -196,16 +200,14 @@ bool RhiReplay::makePipelines(QRhiRenderTarget& target) {
 }
 
 std::unique_ptr<QRhiGraphicsPipeline> RhiReplay::makePipeline(Kind kind, int samples) {
-    constexpr std::array<Pipeline, kinds> programs{
-        Pipeline::flat,  Pipeline::flat,   Pipeline::flat,   Pipeline::box,  Pipeline::rounded,  Pipeline::candle,
-        Pipeline::dense, Pipeline::ribbon, Pipeline::dashed, Pipeline::disc, Pipeline::triangle, Pipeline::text};
-    const auto attributes = attributesOf(programs[kind]);
+    const auto program = static_cast<Pipeline>(std::max(kind - flatLines, 0));
+    const auto attributes = attributesOf(program);
     std::unique_ptr<QRhiGraphicsPipeline> out(rhi_->newGraphicsPipeline());
     out->setTopology(kind == flatLines ? QRhiGraphicsPipeline::Lines : QRhiGraphicsPipeline::Triangles);
     out->setShaderStages({{QRhiShaderStage::Vertex, loadShader(attributes.vertexShader)},
                           {QRhiShaderStage::Fragment, loadShader(attributes.fragmentShader)}});
     QRhiVertexInputLayout layout;
-    layout.setBindings({QRhiVertexInputBinding(static_cast<quint32>(vertexStride(programs[kind])))});
+    layout.setBindings({QRhiVertexInputBinding(static_cast<quint32>(vertexStride(program)))});
     layout.setAttributes(attributes.inputs.begin(), attributes.inputs.end());
     out->setVertexInputLayout(layout);
     QRhiGraphicsPipeline::TargetBlend blend;
@@ -320,29 +322,8 @@ bool RhiReplay::uploadUniforms(const RhiPlacement& placement) {
 
 RhiReplay::Kind RhiReplay::kindOf(const RecordedFrame::Draw& draw) {
     if (draw.opaque) return opaqueKind;
-    switch (draw.pipeline) {
-        case Pipeline::box:
-            return boxKind;
-        case Pipeline::rounded:
-            return roundedKind;
-        case Pipeline::dense:
-            return denseKind;
-        case Pipeline::candle:
-            return candleKind;
-        case Pipeline::ribbon:
-            return ribbonKind;
-        case Pipeline::dashed:
-            return dashedKind;
-        case Pipeline::disc:
-            return discKind;
-        case Pipeline::triangle:
-            return triangleKind;
-        case Pipeline::text:
-            return textKind;
-        case Pipeline::flat:
-            break;
-    }
-    return draw.primitive == Primitive::lines ? flatLines : flatTriangles;
+    if (draw.pipeline == Pipeline::flat) return draw.primitive == Primitive::lines ? flatLines : flatTriangles;
+    return static_cast<Kind>(flatLines + static_cast<int>(draw.pipeline));
 }
 
 bool RhiReplay::clearsToGround() const {

@@ -64,6 +64,7 @@ class RhiReplay {
     const std::string& problem() const { return problem_; }
 
  private:
+    /// Flat shapes of any sort, and then the pipelines in their order.
     enum Kind {
         opaqueKind,
         flatTriangles,
@@ -72,6 +73,7 @@ class RhiReplay {
         roundedKind,
         candleKind,
         denseKind,
+        crowdedKind,
         ribbonKind,
         dashedKind,
         discKind,

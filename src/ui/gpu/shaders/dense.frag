@@ -5,7 +5,7 @@ layout(location = 1) in vec4 vAt;
 layout(location = 2) in vec4 vReachX;
 layout(location = 3) in vec4 vReachY;
 layout(location = 4) in vec4 vBefore;
-layout(location = 5) in vec2 vBeforeLook;
+layout(location = 5) in vec4 vBeforeLooks;
 layout(location = 0) out vec4 fragColor;
 
 // The pixel's shares, along one axis, that lie within outline, body, fill and wick.
@@ -32,17 +32,17 @@ void main()
     // ground through between two that together cover the pixel.
     vec2 inwards = vBefore.xy, backwards = vBefore.zw;
     vec2 outer = along(inwards, backwards);
-    inwards -= vBeforeLook.x;
-    backwards -= vBeforeLook.x;
+    inwards -= vBeforeLooks.x;
+    backwards -= vBeforeLooks.x;
     vec2 body = along(inwards, backwards);
-    vec2 hole = along(inwards - vBeforeLook.x, backwards - vBeforeLook.x);
-    float hollow = vBeforeLook.x > 0.0 ? 1.0 - vAt.w : 0.0;
-    float before = (outer.x * body.y + body.x * (outer.y - body.y) - hole.x * hole.y * hollow) * vBeforeLook.y;
+    vec2 hole = along(inwards - vBeforeLooks.x, backwards - vBeforeLooks.x);
+    float hollow = vBeforeLooks.x > 0.0 ? 1.0 - vAt.w : 0.0;
+    float before = (outer.x * body.y + body.x * (outer.y - body.y) - hole.x * hole.y * hollow) * vBeforeLooks.y;
     // Outlines may overlap, beside both bodies.
-    inwards.x += vBeforeLook.x;
-    backwards.x += vBeforeLook.x;
+    inwards.x += vBeforeLooks.x;
+    backwards.x += vBeforeLooks.x;
     vec2 reach = vec2(vReachX.x, vReachY.y);
     vec2 both = along(min(inwards, reach + vAt.xz), min(backwards, reach - vAt.xz));
-    float free = (alpha - both.x * both.y * vColor.a * vBeforeLook.y) / max(1.0 - before, 0.004);
+    float free = (alpha - both.x * both.y * vColor.a * vBeforeLooks.y) / max(1.0 - before, 0.004);
     fragColor = vec4(vColor.rgb, clamp(free, 0.0, 1.0));
 }

@@ -7,7 +7,8 @@ layout(location = 3) in vec4 color;
 layout(location = 0) out vec4 vColor;
 layout(location = 1) out vec3 vAt;     // pixels across from the middle line; from either end and half a pixel more
 layout(location = 2) out vec2 vShape;  // pixels across to half a pixel beyond the sides, and how far rows lean
-layout(location = 3) out vec3 vDash;   // how many dashes with their gaps there are to here, and in a pixel; their share
+layout(location = 3) out vec4 vDash;   // how many dashes with their gaps there are to here, and in a pixel; their share;
+                                       // how many in the segment
 
 layout(std140, binding = 0) uniform Block {
     mat4 place;
@@ -39,10 +40,11 @@ void main()
     vec2 off = n * (halfWidth + beyond);
     // The edges of both segments meet on the line that halves the turn. After a sharp turn both end square and overlap
     // instead, and so they do where one is too short; then only ends after much of a turn are smooth, since two that lie
-    // in one line would let the ground through.
+    // in one line would let the ground through. The corners within a turn may pass each other by a little: the segments
+    // beside cover that.
     float turn = dot(m, m), shortest = min(len, length(other));
     float needed = (halfWidth + roomToJoin) * sqrt(max(4.0 / max(turn, 1e-6) - 1.0, 0.0));
-    bool meet = turn > 1.0 && needed < shortest * 0.5;
+    bool meet = turn > 1.0 && needed < shortest * 0.8;
     if (meet) off = m * (2.0 / turn) * (halfWidth + roomToJoin * u.device.y);  // the same corners for both, so no cracks
     off *= sign(beside);
     bool ends = shortest == 0.0 || (!meet && turn < 3.0);
@@ -56,8 +58,10 @@ void main()
         vAt = vec3(0.0, 1.0, 1.0);
         vShape = vec2(1.0, 0.0);
     }
-    float perPixel = segment.z / max(u.view.z * len, 1e-6);
-    vDash = u.view.z > 0.0 ? vec3((atEnd * len + along) * perPixel, perPixel, u.view.w) : vec3(0.5, 1.0, u.view.w);
+    // Without gaps so many dashes share a pixel that their share is all that shows.
+    float perPixel = u.view.z > 0.0 ? segment.z / max(u.view.z * len, 1e-6) : 256.0;
+    float dashes = u.view.z > 0.0 ? len * perPixel : 1e9;
+    vDash = vec4((atEnd * len + along) * perPixel, perPixel, u.view.w, max(dashes, 1e-6));
     vColor = color;
     vec2 p = vec2(segment.x * u.map.x + u.map.y, segment.y * u.map.z + u.map.w);
     gl_Position = u.place * vec4(p + off * 2.0 / size, 0.0, 1.0);
