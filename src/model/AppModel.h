@@ -122,6 +122,8 @@ class AppModel final : public ChartSource {
     void setExpiration(const std::string& iso);
     /// The next of "ETF", "INDEX", "BOTH"; reopens a future's chart.
     void cycleGexSource();
+    /// Opens a future's chart anew, with the source that the settings tell.
+    void showGexSource();
     /// True while the 3D view is open; turning it on builds at once.
     void setGex3DActive(bool on);
     /// The one way to change settings: applies what differs, and saves, or leaves that to `saveConfig`.

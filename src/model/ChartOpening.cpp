@@ -132,6 +132,10 @@ void AppModel::cycleGexSource() {
     else
         changed.gexSource = changed.gexSource == "BOTH" ? "ETF" : "INDEX";
     setConfig(changed);
+    showGexSource();
+}
+
+void AppModel::showGexSource() {
     const std::string sym = currentSymbol();
     if (!sym.empty() && !isBuiltInStock(sym)) switchSymbol(sym);
 }

@@ -82,6 +82,8 @@ SettingValue held(const Setting&, const Value& value) {
 
 SettingValue SettingsEditor::value(const Setting& setting) const {
     const GexConfig& config = model_.config.get();
+    if (setting.kind == SettingKind::color)  // as the chart reads it
+        return HexColor::hex(HexColor::rgb(config.*std::get<std::string GexConfig::*>(setting.field)));
     if (isSymbolScale(setting) && available(setting)) return config.hfScaleFor(model_.currentSymbol());
     return std::visit([&](auto field) { return held(setting, config.*field); }, setting.field);
 }
@@ -155,7 +157,7 @@ void SettingsEditor::restoreDefaults(std::string_view id) {
 void SettingsEditor::apply(const GexConfig& changed) {
     if (changed == model_.config.get()) return;
     unsaved_ = inGesture_;
-    model_.setConfig(changed, inGesture_ ? AppModel::Saving::later : AppModel::Saving::now);
+    setSettings(model_, changed, inGesture_ ? AppModel::Saving::later : AppModel::Saving::now);
 }
 
 void SettingsEditor::endGesture() {
@@ -167,6 +169,11 @@ void SettingsEditor::forgive(std::string_view name) {
     const auto found = invalid_.find(name);
     if (found == invalid_.end()) return;
     invalid_.erase(found);
+    tell();
+}
+
+void SettingsEditor::forgiveAll() {
+    invalid_.clear();
     tell();
 }
 
@@ -194,14 +201,20 @@ void SettingsEditor::close() {
     model_.panels.settings.reset();
 }
 
+void setSettings(AppModel& pane, const GexConfig& changed, AppModel::Saving saving) {
+    const bool otherSource = pane.config->gexSource != changed.gexSource;
+    pane.setConfig(changed, saving);
+    if (otherSource) pane.showGexSource();
+}
+
 void resetSettings(AppModel& pane) {
     ConfigIO::reset(pane.preferences());
-    pane.setConfig(GexConfig());
+    setSettings(pane, GexConfig(), AppModel::Saving::now);
 }
 
 void applyToAllPanes(PaneHost& panes, const AppModel& from) {
     for (const int number : panes.numbers())
-        if (AppModel* pane = panes.find(number); pane != &from) pane->setConfig(from.config);
+        if (AppModel* pane = panes.find(number); pane != &from) setSettings(*pane, from.config, AppModel::Saving::now);
 }
 
 }  // namespace vmr

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <variant>
 
+#include "model/AppModel.h"
 #include "store/SettingTable.h"
 
 namespace vmr {
 
-class AppModel;
 class PaneHost;
 
 /// A setting as its control holds it: a switch, a number, or a choice's or a colour's text.
@@ -45,6 +45,8 @@ class SettingsEditor {
     bool type(std::string_view name, std::string_view text);
     /// The text of the setting's field is given up.
     void giveUp(std::string_view name);
+    /// The texts of all fields are given up.
+    void forgiveAll();
     /// Every setting of the row gets its default.
     void restoreDefaults(std::string_view row);
 
@@ -68,6 +70,10 @@ class SettingsEditor {
     std::set<std::string, std::less<>> invalid_;
     bool inGesture_ = false, unsaved_ = false;
 };
+
+/// Changes all settings of a pane at once. Where that changes the source of the gamma figures, its chart is opened
+/// anew.
+void setSettings(AppModel& pane, const GexConfig& changed, AppModel::Saving saving);
 
 /// Forgets the stored settings, the last symbol and timeframe, and gives the pane the defaults.
 void resetSettings(AppModel& pane);

@@ -123,11 +123,20 @@ HotkeyTexts hotkeysOf(JsonView object, const HotkeyCheck& check) {
     return keys;
 }
 
+constexpr std::size_t longestSymbol = 12, mostWindows = 16;
+constexpr double farthestFrame = 100000;  // points
+
+bool isSymbol(const std::string& text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '-'; });
+}
+
 PaneState paneOf(JsonView object, const std::string& field) {
     expectMembers(object, field, {"symbol", "timeframe", "gexSource"});
     PaneState pane;
     pane.symbol = textOf(object["symbol"], below(field, "symbol"));
-    if (pane.symbol.empty()) refuse(below(field, "symbol"), "is empty");
+    if (pane.symbol.empty() || pane.symbol.size() > longestSymbol || !isSymbol(pane.symbol))
+        refuse(below(field, "symbol"), "is no symbol");
     const JsonView minutes = object["timeframe"];
     const double count = numberOf(minutes, below(field, "timeframe"));
     if (minutes.kind() != JsonView::Kind::integer || count < 1 || count > 1440)
@@ -142,6 +151,8 @@ WindowRecord windowOf(JsonView object, const std::string& field) {
     WindowRecord record;
     for (const JsonView number : object["frame"].items())
         record.frame.push_back(numberOf(number, below(field, "frame")));
+    for (const double number : record.frame)
+        if (std::abs(number) > farthestFrame) refuse(below(field, "frame"), "is beyond all screens");
     if (record.frame.size() != 4 || record.frame[2] <= 0 || record.frame[3] <= 0)
         refuse(below(field, "frame"), "is not x, y, width and height");
     if (const JsonView split = object["split"]; split.kind() != JsonView::Kind::missing) {
@@ -157,8 +168,10 @@ WindowRecord windowOf(JsonView object, const std::string& field) {
 std::vector<WindowRecord> workspaceOf(JsonView array) {
     if (!array.isArray()) refuse("workspace", "is no list");
     std::vector<WindowRecord> records;
-    for (const JsonView window : array.items())
+    for (const JsonView window : array.items()) {
+        if (records.size() == mostWindows) refuse("workspace", "has more than 16 windows");
         records.push_back(windowOf(window, "workspace[" + std::to_string(records.size()) + "]"));
+    }
     return records;
 }
 

@@ -1,12 +1,12 @@
 #include "workspace/SettingsTransfer.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
 #include "base/FileReplace.h"
 #include "base/Preferences.h"
 #include "model/AppModel.h"
+#include "workspace/SettingsEditor.h"
 #include "workspace/WorkspaceStore.h"
 
 namespace vmr {
@@ -17,22 +17,6 @@ namespace {
 constexpr std::uintmax_t longestFile = 1 << 20;  // bytes; a real one has a few thousand
 
 fs::path pathOf(const std::string& utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
-
-// The file is one that the person chose, in a folder that may be anybody's: it is made with the usual permissions.
-std::optional<std::string> writeWhole(const fs::path& path, const std::string& text) {
-    fs::path part = path;
-    part += ".part";
-    std::error_code error;
-    if (std::FILE* out = std::fopen(part.string().c_str(), "wb")) {
-        const bool written = std::fwrite(text.data(), 1, text.size(), out) == text.size();
-        if (std::fclose(out) == 0 && written) {
-            fs::rename(part, path, error);
-            if (!error) return std::nullopt;
-        }
-        fs::remove(part, error);
-    }
-    return "cannot write " + path.string();
-}
 }  // namespace
 
 std::optional<std::string> SettingsTransfer::exportTo(const std::string& file, const AppModel& pane) {
@@ -47,7 +31,8 @@ std::optional<std::string> SettingsTransfer::exportTo(const std::string& file, c
     const std::string prefix = panelKey("");
     for (const std::string& key : preferences_.keys(prefix))
         (*bundle.panels)[key.substr(prefix.size())] = parsePanel(preferences_.get(key).value_or(""));
-    return writeWhole(pathOf(file), settingsFileText(bundle));
+    if (!replacePrivateFile(pathOf(file), settingsFileText(bundle))) return std::nullopt;
+    return "cannot write " + file;
 }
 
 std::optional<std::string> SettingsTransfer::importFrom(const std::string& file, AppModel& pane) {
@@ -69,7 +54,7 @@ void SettingsTransfer::take(const SettingsBundle& bundle, AppModel& pane) {
             preferences_.set(panelKey(id), panelText({*panel.x, *panel.y}, {*panel.width, *panel.height}));
     if (bundle.workspace) workspace_.replace(*bundle.workspace);
     if (bundle.settings) {
-        pane.setConfig(*bundle.settings);
+        setSettings(pane, *bundle.settings, AppModel::Saving::now);
         pane.saveConfig();  // what is stored may be another pane's
     }
     if (bundle.hotkeys) {

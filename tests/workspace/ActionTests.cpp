@@ -98,7 +98,7 @@ TEST(HotkeyRouter, GivesKeysAwayAndRemembersThem) {
     }
     kept.set(HotkeyRouter::preferenceKey, R"({"gexBubbles":"D","vwapEnabled":"G"})");
     keys.load();
-    EXPECT_EQ(keys.keyOf("dexEnabled") + keys.keyOf("vwapEnabled") + keys.keyOf("gexBubbles"), "DG")
+    EXPECT_EQ(keys.keyOf("dexEnabled") + keys.keyOf("vwapEnabled") + keys.keyOf("gexBubbles"), "DVG")
         << "no key is two actions'";
     for (const auto& [chord, command] : {std::pair("N", false),
                                          {"$", false},

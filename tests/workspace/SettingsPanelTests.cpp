@@ -206,6 +206,25 @@ TEST_F(SettingsEditing, OnlyASettingOfTheSeriesRebuildsThemAndIsShownAsALook) {
     EXPECT_EQ(news(), std::pair(false, true)) << "new data";
 }
 
+TEST_F(SettingsEditing, AnotherSourceIsShownAtOnce) {
+    const std::string first = model->channels->levelsChannel;
+    editor->set("gexSource", "INDEX");
+    const std::string index = model->channels->levelsChannel;
+    EXPECT_NE(index, first);
+    const auto chart = model->chartNumber();
+    editor->set("gexLabels", false);
+    EXPECT_EQ(model->chartNumber(), chart) << "anything else opens nothing anew";
+    resetSettings(*model);
+    EXPECT_EQ(model->channels->levelsChannel, first);
+
+    GexConfig odd = model->config;
+    odd.hfCallColor = "ff7a00";
+    odd.hfPutColor = "cyan";
+    model->setConfig(odd);
+    EXPECT_EQ(editor->text(*findSetting("hfCallColor")), "#ff7a00") << "as the chart reads it";
+    EXPECT_EQ(editor->text(*findSetting("hfPutColor")), "#ffffff");
+}
+
 TEST_F(SettingsEditing, TakesNothingThatASettingCannotHold) {
     const GexConfig before = model->config;
     for (const auto& [name, value] :
@@ -226,6 +245,9 @@ TEST_F(SettingsEditing, TakesNothingThatASettingCannotHold) {
     EXPECT_THAT(editor->invalid(), ElementsAre("oiOpacity", "sessionStart"));
     editor->set("oiOpacity", 5.0);
     editor->giveUp("sessionStart");
+    EXPECT_TRUE(editor->invalid().empty());
+    editor->type("oiOpacity", "x");
+    editor->forgiveAll();
     EXPECT_TRUE(editor->invalid().empty());
     editor->set("initialCandles", "500");
     editor->set("hfPutColor", "#ABCDEF");

@@ -11,6 +11,15 @@
 
 namespace vmr {
 
+namespace {
+// Whether the item, or one that it lies in, says by that property that it wants such a key itself.
+bool isKeptBy(const QQuickItem* item, const char* property) {
+    for (; item; item = item->parentItem())
+        if (item->property(property).toBool()) return true;
+    return false;
+}
+}  // namespace
+
 HotkeyFilter::HotkeyFilter(QQuickWindow& window, Hooks hooks) : window_(window), hooks_(std::move(hooks)) {
     window.installEventFilter(this);
 }
@@ -39,6 +48,9 @@ bool HotkeyFilter::takes(const QKeyEvent& event) {
     const QQuickItem* focused = window_.activeFocusItem();
     const bool typing = window_.property("keysHeld").toBool() ||
                         (focused && focused->flags().testFlag(QQuickItem::ItemAcceptsInputMethod));
+    if (event.key() == Qt::Key_Escape && isKeptBy(focused, "takesEscape")) return false;
+    if (!typing && event.text().size() == 1 && event.text()[0].isDigit() && isKeptBy(focused, "takesDigits"))
+        return false;
     const KeyStroke stroke = keyStroke(event.key(), event.text(), event.modifiers());
     const std::string chord = chordText(stroke);
     if (hooks_.take(chord, typing, event.isAutoRepeat())) return true;

@@ -13,7 +13,8 @@ class QQuickWindow;
 namespace vmr {
 
 /// Where a text field has the keyboard, or a list or a sheet is open, only the program's own keys are asked for. The
-/// window's properties "keysHeld" and "keysCaptured" tell of the latter; while keys are captured, none is. Main thread.
+/// window's properties "keysHeld" and "keysCaptured" tell of the latter; while keys are captured, none is. An item
+/// that has the keyboard keeps Escape or digits for itself by its property "takesEscape" or "takesDigits". Main thread.
 class HotkeyFilter : public QObject {
  public:
     struct Hooks {

@@ -95,6 +95,7 @@ T.Popup {
                 if (!event.isAutoRepeat)
                     picker.gestureEnded();
             }
+            onActiveFocusChanged: if (!activeFocus) picker.gestureEnded()
 
             Rectangle {
                 anchors.fill: parent
@@ -147,7 +148,7 @@ T.Popup {
         Item {
             id: hues
             objectName: "hue"
-            property real value: Math.round(picker.hue * 360)  // for screen readers, with the three below
+            readonly property real value: Math.round(picker.hue * 360)  // for screen readers, with the three below
             readonly property real minimumValue: 0
             readonly property real maximumValue: 360
             readonly property real stepSize: 1
@@ -169,6 +170,7 @@ T.Popup {
                 if (!event.isAutoRepeat)
                     picker.gestureEnded();
             }
+            onActiveFocusChanged: if (!activeFocus) picker.gestureEnded()
 
             Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
@@ -231,9 +233,11 @@ T.Popup {
                 objectName: "hexEntry"
                 readonly property bool bad: !/^#?[0-9a-f]{6}$/i.test(text.trim())
 
+                property bool edited: false  // what stands there is the person's
+
                 function take() {
                     const typed = text.trim().toLowerCase();
-                    if (!bad)
+                    if (!bad && edited)
                         picker.picked(typed.startsWith("#") ? typed : "#" + typed);
                 }
 
@@ -251,11 +255,17 @@ T.Popup {
                 maximumLength: 9
                 Accessible.name: qsTr("Hexadecimal digits")
                 text: picker.hex.toLowerCase()
+                onTextEdited: edited = true
                 onAccepted: take()
+                Keys.onEscapePressed: event => {
+                    edited = false;
+                    event.accepted = false;
+                }
                 onActiveFocusChanged: {
                     if (activeFocus)
                         return selectAll();
                     take();
+                    edited = false;
                     text = Qt.binding(() => picker.hex.toLowerCase());
                 }
                 background: Rectangle {

@@ -8,8 +8,9 @@ FocusScope {
     required property string action
     required property string title
     readonly property bool grave: deed.action === "reset" || deed.action === "resetAccount"
-    readonly property string question: deed.action === "reset" ? qsTr("Bring all defaults back?") : qsTr("Start the account anew?")
+    readonly property string question: deed.action === "reset" ? qsTr("All defaults?") : qsTr("Start anew?")
     property bool asking: false
+    readonly property bool takesEscape: asking
     signal carriedOut
     signal entered
 

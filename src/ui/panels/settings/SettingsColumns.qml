@@ -1,5 +1,6 @@
 // The sections, side by side as the panel's width has room.
 import QtQuick
+import QtQuick.Window
 import QtQuick.Templates as T
 import Velmora
 
@@ -10,7 +11,30 @@ Item {
     required property real panelWidth
     signal asked(string action)
 
-    onPanelWidthChanged: settings.layOut(panelWidth)
+    onPanelWidthChanged: {
+        const held = area.Window.activeFocusItem;
+        const name = held && within(held) ? held.objectName : "";
+        settings.layOut(panelWidth);
+        if (name === "" || (held && held.activeFocus))
+            return;
+        const again = named(columns, name);  // its row was made anew in another column
+        if (again)
+            again.forceActiveFocus();
+    }
+    function within(item) {
+        while (item && item !== area)
+            item = item.parent;
+        return item === area;
+    }
+    function named(item, name) {
+        for (let i = 0; i < item.children.length; ++i) {
+            const child = item.children[i];
+            const found = child.objectName === name ? child : named(child, name);
+            if (found)
+                return found;
+        }
+        return null;
+    }
     Component.onCompleted: settings.layOut(panelWidth)
 
     Label {

@@ -31,7 +31,10 @@ Item {
 
         MouseArea {
             anchors.fill: parent
-            onDoubleClicked: line.settings.restoreDefaults(line.row.id)
+            onDoubleClicked: {
+                line.forceActiveFocus(Qt.MouseFocusReason);  // what is being typed ends before
+                line.settings.restoreDefaults(line.row.id);
+            }
         }
     }
     Row {

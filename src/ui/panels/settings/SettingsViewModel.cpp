@@ -221,6 +221,7 @@ void SettingsViewModel::applyToAll() {
 }
 
 void SettingsViewModel::reset() {
+    if (editor_) editor_->forgiveAll();
     if (actions_.reset) actions_.reset();
     refresh();
 }
@@ -233,6 +234,7 @@ QString SettingsViewModel::exportTo(const QString& file) { return call(actions_.
 
 QString SettingsViewModel::importFrom(const QString& file) {
     const QString problem = call(actions_.importFrom, file);
+    if (editor_ && problem.isEmpty()) editor_->forgiveAll();
     refresh();
     return problem;
 }

@@ -14,6 +14,7 @@ Item {
     readonly property real minimumValue: part.least
     readonly property real maximumValue: part.most
     readonly property real stepSize: part.step
+    readonly property bool takesDigits: true
     property bool pointed: false  // the pointer has brought the keyboard
     readonly property bool marked: activeFocus && !pointed
     signal entered

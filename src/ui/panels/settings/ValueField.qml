@@ -47,7 +47,11 @@ T.TextField {
     hoverEnabled: true
     Accessible.name: part.title
     Accessible.description: problem === "" ? "" : qsTr("This is not %1").arg(problem)
-    Component.onCompleted: text = kept
+    Component.onCompleted: {
+        if (problem !== "")
+            settings.giveUp(part.name);  // the text that it was about went with an earlier field
+        text = kept;
+    }
     onTextEdited: edited = true
     onKeptChanged: if (!edited) text = kept
     onProblemChanged: {
