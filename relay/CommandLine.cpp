@@ -140,7 +140,8 @@ std::string relayHelp() {
   --record FILE       write all that subscribers get into a recording
   --replay FILE       play a recording in place of the market, from its first message on
   --speed X           how fast the tape or the recording plays, without --clock (default: 1)
-  --templates FILE    keep chart templates in this file, for later runs, too (default: in memory)
+  --templates FILE    keep chart templates in this file, for later runs, too (default: in memory);
+                      one program at a time: it reads the file when it starts, and writes all of it
   --help              this text
 
 It listens on 127.0.0.1 only. Type help on its standard input for the faults that it can make.

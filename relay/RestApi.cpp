@@ -16,6 +16,7 @@ RestReply fault(int status, const std::string& message) {
                              : status == 403 ? "PERMISSION_DENIED"
                              : status == 404 ? "NOT_FOUND"
                              : status == 429 ? "RESOURCE_EXHAUSTED"
+                             : status >= 500 ? "INTERNAL"
                                              : "INVALID_ARGUMENT";
     const nlohmann::json error{{"code", status}, {"message", message}, {"errors", {cause}}, {"status", name}};
     return {status, nlohmann::json{{"error", error}}.dump()};

@@ -20,6 +20,9 @@ constexpr double longestDelay = 3600;  // seconds
 
 bool isSlot(std::string_view key) { return std::find(slotKeys.begin(), slotKeys.end(), key) != slotKeys.end(); }
 
+/// An answer of any other status has no body, or is none that a client waits for.
+bool mayHaveBody(std::int64_t status) { return status >= 200 && status <= 599 && status != 204 && status != 304; }
+
 /// `moment` in ISO 8601 with thousandths of a second, UTC.
 std::string stamp(double moment) {
     const double whole = std::floor(moment);
@@ -40,7 +43,7 @@ JsonMembers TemplateShelf::told(const Pair& pair) {
     return out;
 }
 
-std::optional<TemplateShelf::Pair> TemplateShelf::read(JsonView told) {
+std::optional<TemplateShelf::Pair> TemplateShelf::readPair(JsonView told) {
     if (!told.isObject()) return std::nullopt;
     Pair pair;
     for (const auto& [key, value] : told.members()) {
@@ -49,28 +52,48 @@ std::optional<TemplateShelf::Pair> TemplateShelf::read(JsonView told) {
             continue;
         }
         if (!isSlot(key) || !value["config"].isObject() || !value["savedAt"].isString()) return std::nullopt;
-        pair.slots[std::string(key)] = {value["config"].text(), value["atmOffset"].number(),
+        std::string config = value["config"].text();
+        if (config.size() > largestConfig) return std::nullopt;
+        pair.slots[std::string(key)] = {std::move(config), value["atmOffset"].number(),
                                         std::string(value["savedAt"].string())};
     }
     return pair;
 }
 
-std::optional<std::string> TemplateShelf::keepIn(const std::filesystem::path& file) {
-    std::error_code ignored;
-    file_ = file;
-    if (!std::filesystem::exists(file, ignored)) return replacePrivateFile(file, fileText());
-    const auto text = readPrivateFile(file);
-    const auto stored = text ? Json::parse(*text) : std::nullopt;
-    const std::string wrong = "the file " + file.string() + " holds no templates";
-    if (!stored || !stored->isObject()) return wrong;
-    for (const auto& [account, pairs] : stored->members()) {
-        if (!pairs.isObject()) return wrong;
-        for (const auto& [name, told] : pairs.members()) {
-            auto pair = read(told);
-            if (!pair) return wrong;
-            accountsPairs_[std::string(account)][std::string(name)] = std::move(*pair);
+std::optional<TemplateShelf::Shelf> TemplateShelf::readShelf(JsonView told) {
+    if (!told.isObject()) return std::nullopt;
+    Shelf out;
+    for (const auto& [account, pairs] : told.members()) {
+        if (!pairs.isObject()) return std::nullopt;
+        Pairs& kept = out[std::string(account)];
+        for (const auto& [name, value] : pairs.members()) {
+            auto pair = readPair(value);
+            if (!pair || !isPair(name)) return std::nullopt;
+            kept[std::string(name)] = std::move(*pair);
         }
+        if (kept.size() > mostPairs) return std::nullopt;
     }
+    return out;
+}
+
+// A file that is refused is left as it is, its permissions too.
+std::optional<std::string> TemplateShelf::keepIn(const std::filesystem::path& file) {
+    using std::filesystem::file_type;
+    std::error_code ignored;
+    const file_type kind = std::filesystem::symlink_status(file, ignored).type();
+    if (kind == file_type::not_found) {
+        auto wrong = replacePrivateFile(file, fileText());
+        if (!wrong) file_ = file;
+        return wrong;
+    }
+    const auto text = kind == file_type::regular ? readFile(file) : std::nullopt;
+    if (!text) return "cannot read the file " + file.string();
+    const auto stored = Json::parse(*text);
+    auto shelf = stored ? readShelf(*stored) : std::nullopt;
+    if (!shelf) return "the file " + file.string() + " holds no templates";
+    if (readPrivateFile(file) != text) return "the file " + file.string() + " cannot be this user's alone";
+    accountsPairs_ = std::move(*shelf);
+    file_ = file;
     return std::nullopt;
 }
 
@@ -103,7 +126,7 @@ RestReply TemplateShelf::serve(const RestRequest& request, bool saving) {
     const JsonView data = body ? (*body)["data"] : JsonView();
     if (!data.isObject()) return fault(400, "Invalid JSON payload received.");
     const std::string pair(data["symbolSource"].string());
-    if (pair.empty() || pair.size() > longestPair) return fault(400, "INVALID_SYMBOL_SOURCE");
+    if (!isPair(pair)) return fault(400, "INVALID_SYMBOL_SOURCE");
     Pairs& pairs = accountsPairs_[std::string(Accounts::localId)];
     return saving ? save(pairs, pair, data) : result(pairs, pair);
 }
@@ -120,12 +143,15 @@ RestReply TemplateShelf::save(Pairs& pairs, const std::string& name, JsonView da
     std::string config = data["config"].text();
     if (config.size() > largestConfig) return fault(400, "The template is too large.");
     if (!pairs.contains(name) && pairs.size() >= mostPairs) return fault(429, "Too many charts have templates.");
+    const Pair before = pairs[name];
     Pair& pair = pairs[name];
     pair.preferred = key;
     pair.slots[key] = {std::move(config), data["atmOffset"].number(), stamp(clock_.now())};
-    if (file_)
-        if (const auto wrong = replacePrivateFile(*file_, fileText())) return fault(500, *wrong);
-    return result(pairs, name);
+    const auto wrong = file_ ? replacePrivateFile(*file_, fileText()) : std::nullopt;
+    if (!wrong) return result(pairs, name);
+    pair = before;  // as the file has it
+    if (pair.slots.empty()) pairs.erase(name);
+    return fault(500, *wrong);
 }
 
 std::string TemplateShelf::command(std::string_view text) {
@@ -146,8 +172,7 @@ std::string TemplateShelf::command(std::string_view text) {
         faults_.bodyStatus = 200;
         return "ok templates answer that text";
     }
-    if (const auto status = what == "status" ? parseInt(rest) : std::nullopt;
-        status && *status >= 200 && *status <= 599) {
+    if (const auto status = what == "status" ? parseInt(rest) : std::nullopt; status && mayHaveBody(*status)) {
         faults_.status = static_cast<int>(*status);
         return "ok templates status " + rest;
     }
@@ -156,7 +181,7 @@ std::string TemplateShelf::command(std::string_view text) {
         faults_.delay = *delay;
         return "ok templates delay " + doubleText(*delay);
     }
-    return "error: it is templates error TEXT, status 200 to 599, delay SECONDS, text RAW, or ok";
+    return "error: it is templates error TEXT, status 200 to 599 but not 204 or 304, delay SECONDS, text RAW, or ok";
 }
 
 }  // namespace vmr::relay

@@ -26,7 +26,8 @@ class TemplateShelf {
     /// Both outlive it; `clock` tells when a template was saved, in market time.
     TemplateShelf(const Accounts& accounts, const Clock& clock) : accounts_(accounts), clock_(clock) {}
 
-    /// Reads the templates of `file`, which need not exist yet, and keeps them there from now on. What is wrong.
+    /// Reads the templates of `file`, which need not exist yet, and keeps them there from now on: one process at a
+    /// time. What is wrong; a file that is refused, such as a link or one beyond the limits, stays as it is.
     std::optional<std::string> keepIn(const std::filesystem::path& file);
 
     /// Answers /loadChartTemplates and /saveChartTemplate, as an account's identity token asks; nothing for any other
@@ -48,8 +49,11 @@ class TemplateShelf {
         std::map<std::string, Slot> slots;
     };
     using Pairs = std::map<std::string, Pair>;
+    using Shelf = std::map<std::string, Pairs>;  // of each account
     static JsonMembers told(const Pair& pair);
-    static std::optional<Pair> read(JsonView told);
+    static bool isPair(std::string_view name) { return !name.empty() && name.size() <= longestPair; }
+    static std::optional<Pair> readPair(JsonView told);
+    static std::optional<Shelf> readShelf(JsonView told);
     /// What is wrong with the answers on purpose.
     struct Faults {
         std::optional<std::string> body;  // of each answer
@@ -64,7 +68,7 @@ class TemplateShelf {
 
     const Accounts& accounts_;
     const Clock& clock_;
-    std::map<std::string, Pairs> accountsPairs_;
+    Shelf accountsPairs_;
     std::optional<std::filesystem::path> file_;
     Faults faults_;
 };

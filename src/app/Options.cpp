@@ -141,7 +141,7 @@ std::string usageText() {
            "  --tape FILE            play recorded trades (CSV or .csv.gz) as the symbol's market\n"
            "  --symbol SYM           the symbol that the tape is, such as GC\n"
            "  --speed X              speed of the tape\n"
-           "  --templates FILE       keep chart templates in this file, for later runs, too\n"
+           "  --templates FILE       keep chart templates in this file, for later runs, too; one program at a time\n"
            "  --token-life S         seconds that an identity token lives\n";
 }
 

@@ -137,13 +137,14 @@ void Camera::setPriceLineFrac(double frac) {
 }
 
 void Camera::apply(const ViewSetup& setup, std::size_t n) {
-    if (std::isfinite(setup.bars) && setup.bars >= 10.0) {
-        visibleCount = std::min(setup.bars, std::max(10.0, static_cast<double>(n)));
+    if (std::isfinite(setup.bars) && setup.bars >= ViewSetup::leastBars) {
+        visibleCount = std::min(setup.bars, std::max(ViewSetup::leastBars, static_cast<double>(n)));
         firstVisible = rightEdgeFirst(n);
         followLive = true;
         touched = true;
     }
-    autoY = setup.autoY || !mirrorPrice(setup.low, setup.high);
+    // a pinned last close leaves the range to the chart, and no hand could make a kept one automatic again
+    autoY = setup.autoY || std::isfinite(priceLineFrac) || !mirrorPrice(setup.low, setup.high);
 }
 
 bool Camera::settle(std::span<const Candle> candles) {

@@ -24,6 +24,7 @@ struct ViewSetup {
     double bars = 0;  ///< across the view, at its right end
     bool autoY = true;
     double low = 0, high = 0;  ///< the price range in every mode
+    static constexpr double leastBars = 10;
     bool operator==(const ViewSetup&) const = default;
 };
 
@@ -72,8 +73,8 @@ class Camera {
     void setPriceLineFrac(double frac);  ///< finite turns `autoY` on; NaN ends the pin
 
     ViewSetup setup() const { return {visibleCount, autoY, yMinManual, yMaxManual}; }
-    /// Fewer than 10 bars leave the time axis as it is, more than there are show all; a range that is none is
-    /// automatic.
+    /// Fewer than `leastBars` leave the time axis as it is, more than there are show all; a range that is none is
+    /// automatic, and so is every range while the last close is pinned.
     void apply(const ViewSetup& setup, std::size_t n);
 
     /// Settles the price range on the bars in view and notes in `snapLerps` whether the camera moved since the frame

@@ -189,6 +189,7 @@ class AppModel final : public ChartSource {
     ChartTemplates::Pane templatesPane();
     void watchTemplates();
     void showWaitingView();
+    std::optional<ViewSetup> viewToSave();
     double newestClose() const;
     // Routing (Routing.cpp)
     bool route(const ChannelMessage& message);

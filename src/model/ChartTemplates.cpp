@@ -12,6 +12,8 @@ namespace vmr {
 
 namespace {
 constexpr const char* leftText = "The chart was left.";
+constexpr const char* signedOutText = "Signed out.";
+constexpr const char* closedText = "The pane was closed.";
 }  // namespace
 
 ChartTemplates::ChartTemplates(FirebaseRESTAuth& auth, const PaneWork& work, Pane pane, NoticeGate* gate)
@@ -29,31 +31,34 @@ void ChartTemplates::follow() {
     const bool signedIn = pane_.isSignedIn();
     if (pair == pair_ && signedIn == signedIn_) return;
     pair_ = std::move(pair);
-    signedIn_ = signedIn;
-    leave();
+    const bool signedOut = std::exchange(signedIn_, signedIn) && !signedIn;
+    leave(signedOut ? signedOutText : leftText);
     if (shown_ && signedIn_) ask();
 }
 
 // Who waited is told last, when everything is as it will be.
-void ChartTemplates::leave() {
+void ChartTemplates::leave(const char* why) {
     ofStay_.cancel();
     ofRefresh_.cancel();
-    waitingView_.reset();
+    waiting_.reset();
     list = std::nullopt;
     busy = false;
     loading = false;
     say(std::nullopt, false);
+    giveUp(why);
+}
+
+void ChartTemplates::giveUp(const char* why) {
     auto waiting = std::exchange(refreshed_, {});
     waiting.push_back(std::exchange(saved_, {}));
     for (const Done& done : waiting)
-        if (done) done(leftText);
+        if (done) done(why);
 }
 
 void ChartTemplates::end() {
     ofStay_.end();
     ofRefresh_.end();
-    refreshed_.clear();
-    saved_ = {};
+    giveUp(closedText);
 }
 
 // A choice of another source changes the pair twice in one turn, and one list is enough.
@@ -144,8 +149,19 @@ void ChartTemplates::autoApplyPreferred() {
                            }));
 }
 
+void ChartTemplates::keepView(const std::optional<ViewSetup>& view) {
+    waiting_ = view ? std::optional(WaitingView{*view, pane_.handAt(), pane_.timeframe()}) : std::nullopt;
+}
+
+std::optional<ViewSetup> ChartTemplates::waitingView() {
+    if (waiting_ && (pane_.handAt() > waiting_->handAt || pane_.timeframe() != waiting_->timeframe)) waiting_.reset();
+    return waiting_ ? std::optional(waiting_->view) : std::nullopt;
+}
+
 std::optional<ViewSetup> ChartTemplates::takeView(std::size_t bars) {
-    return waitingView_ && bars >= enoughBars ? std::exchange(waitingView_, std::nullopt) : std::nullopt;
+    const auto view = bars >= enoughBars ? waitingView() : std::nullopt;
+    if (view) waiting_.reset();
+    return view;
 }
 
 std::string ChartTemplates::fmtDate(const std::string& text) {

@@ -28,6 +28,8 @@ class ChartTemplates {
         std::function<JsonMembers()> capture;
         std::function<void(const JsonMembers& saved, bool byHand)> apply;
         std::function<double()> barsShown;  ///< 0 without a chart
+        std::function<double()> handAt;     ///< when a hand moved the camera last, as `CameraPort` tells
+        std::function<int()> timeframe;     ///< minutes a bar
         std::function<void(const std::string& line)> log;
     };
     /// How something ended: nothing when well, else why not.
@@ -45,7 +47,8 @@ class ChartTemplates {
     /// The pairs whose preferred template this pane has tried. Never cleared.
     const std::set<std::string>& preferredApplied() const { return preferredApplied_; }
 
-    // What the panel does. `done` may be empty; what is given up ends with "The chart was left.".
+    // What the panel does. `done` may be empty; what is given up ends with "The chart was left.", "Signed out." or "The
+    // pane was closed.".
     /// Asks for the list; nothing without a chart. The latest of several counts.
     void refresh(Done done = {});
     /// Applies the slot's template. Nothing for a slot that is not there, or while busy.
@@ -63,8 +66,9 @@ class ChartTemplates {
     void end();
 
     /// A view of this pair that waits for bars: with too few of them the chart would choose another one when they come.
-    void keepView(const std::optional<ViewSetup>& view) { waitingView_ = view; }
-    bool viewWaits() const { return waitingView_.has_value(); }
+    void keepView(const std::optional<ViewSetup>& view);
+    /// That view; nothing once a hand has moved the camera or the timeframe has changed, which ends the waiting.
+    std::optional<ViewSetup> waitingView();
     /// Takes it out, once the chart has `bars`.
     std::optional<ViewSetup> takeView(std::size_t bars);
     static constexpr std::size_t enoughBars = 10;
@@ -75,7 +79,13 @@ class ChartTemplates {
     static std::string digit(const std::string& key) { return key.empty() ? key : key.substr(key.size() - 1); }
 
  private:
-    void leave();
+    struct WaitingView {
+        ViewSetup view;
+        double handAt;  // as it was when the view began to wait, and so the next one
+        int timeframe;
+    };
+    void leave(const char* why);
+    void giveUp(const char* why);
     void ask();
     void say(const std::optional<std::string>& text, bool failure);
     void finishRefresh(const std::optional<std::string>& problem);
@@ -86,7 +96,7 @@ class ChartTemplates {
     std::set<std::string> preferredApplied_;
     std::string pair_;  // that all of this is about
     bool signedIn_ = false, shown_ = false;
-    std::optional<ViewSetup> waitingView_;
+    std::optional<WaitingView> waiting_;
     std::vector<Done> refreshed_;  // who waits for the list
     Done saved_;
     WeakTask ofStay_, ofRefresh_;  // answers of this pair and session, and of the latest refresh

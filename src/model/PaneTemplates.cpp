@@ -11,9 +11,11 @@ ChartTemplates::Pane AppModel::templatesPane() {
             .apply = [this](const JsonMembers& saved, bool byHand) { applyTemplate(saved, byHand); },
             .barsShown =
                 [this] {
-                    const auto view = camera.viewSetup();
+                    const auto view = viewToSave();
                     return view ? view->bars : 0;
                 },
+            .handAt = [this] { return camera.handAt(); },
+            .timeframe = [this] { return bars.timeframe.get(); },
             .log = [this](const std::string& line) { log.append(line); }};
 }
 
@@ -25,7 +27,7 @@ void AppModel::watchTemplates() {
 
 // The chart reads its bars after this turn, and has its own view of the first ones.
 void AppModel::showWaitingView() {
-    if (!templates.viewWaits()) return;
+    if (!templates.waitingView()) return;
     work_.main().post(work_.whileThere([this] {
         const auto view = templates.takeView(bars.displayCandles->size());
         if (view) camera.applyView(TemplateRecord::viewNear(*view, newestClose()), false);
@@ -34,10 +36,18 @@ void AppModel::showWaitingView() {
 
 double AppModel::newestClose() const { return bars.candles.empty() ? 0 : bars.candles.back().close; }
 
-JsonMembers AppModel::captureTemplateConfig() { return TemplateRecord::capture(config, camera.viewSetup()); }
+// While a view waits, the chart's own is the one that too few bars left it with.
+std::optional<ViewSetup> AppModel::viewToSave() {
+    const auto shown = camera.viewSetup();
+    const auto waiting = templates.waitingView();
+    return shown && waiting ? TemplateRecord::viewOver(*waiting, *shown) : shown;
+}
+
+JsonMembers AppModel::captureTemplateConfig() { return TemplateRecord::capture(config, viewToSave()); }
 
 void AppModel::applyTemplate(const JsonMembers& saved, bool byHand) {
     if (const auto changed = TemplateRecord::config(saved, config->gexSource)) setConfig(*changed);
+    templates.keepView(std::nullopt);  // of a template that was applied before
     const auto view = TemplateRecord::view(saved);
     if (!view) return;
     camera.applyView(TemplateRecord::viewNear(*view, newestClose()), byHand);

@@ -50,6 +50,15 @@ std::optional<ViewSetup> view(const JsonMembers& saved) {
     return out;
 }
 
+ViewSetup viewOver(const ViewSetup& view, ViewSetup shown) {
+    if (view.bars >= ViewSetup::leastBars && std::isfinite(view.bars)) shown.bars = view.bars;
+    shown.autoY = view.autoY;
+    if (view.autoY) return shown;
+    shown.low = view.low;
+    shown.high = view.high;
+    return shown;
+}
+
 ViewSetup viewNear(ViewSetup view, double close) {
     const double margin = (view.high - view.low) * leavingShare;
     view.autoY = view.autoY || !(view.low - margin < close && close < view.high + margin);

@@ -26,4 +26,7 @@ std::optional<ViewSetup> view(const JsonMembers& saved);
 /// automatic.
 ViewSetup viewNear(ViewSetup view, double close);
 
+/// The template's `view` where it tells something, else what is `shown`.
+ViewSetup viewOver(const ViewSetup& view, ViewSetup shown);
+
 }  // namespace vmr::TemplateRecord

@@ -32,6 +32,11 @@ std::string keyOf(const std::string& number) {
     return std::find(keys.begin(), keys.end(), key) == keys.end() ? std::string() : key;
 }
 
+std::string savedText(const TemplatesService::Slot& slot) {
+    const std::string date = ChartTemplates::fmtDate(slot.savedAt.value_or(""));
+    return date.empty() ? "present" : date;
+}
+
 std::string listText(const AppModel& pane) {
     std::string text = "ok " + pane.symbolSource();
     for (const char* key : TemplatesService::slotKeys) {
@@ -41,13 +46,13 @@ std::string listText(const AppModel& pane) {
         if (slot == list.savedSlots.end())
             text += "empty";
         else
-            text += ChartTemplates::fmtDate(slot->second.savedAt.value_or(""));
+            text += savedText(slot->second);
         if (list.preferred == key) text += " (preferred)";
     }
     return text;
 }
 
-/// Tells what became of it; the pane is still there then.
+/// Tells what became of it. `well` may use the pane, which is there unless there is a problem.
 ChartTemplates::Done telling(Tell tell, std::function<std::string()> well) {
     return [tell = std::move(tell), well = std::move(well)](const std::optional<std::string>& problem) {
         tell(problem ? "error: " + *problem : well());

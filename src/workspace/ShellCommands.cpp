@@ -78,7 +78,7 @@ void ShellCommands::addChartCommands() {
     addForPane({"set", "KEY JSON", 2, Command::restOfLine, [this](CommandWords& words) { return set(words); },
                 "set needs KEY JSON"});
     addPanelCommands([this](Command row) { addForPane(std::move(row)); }, [this] { return pane_; },
-                     [this](const std::string& text) { tell(text); });
+                     whileThere_([this](const std::string& text) { tell(text); }));
     addForPane(settingsCommand(at_.settings, [this] { return pane_; }));
 }
 

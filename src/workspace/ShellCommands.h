@@ -7,6 +7,7 @@
 
 #include "base/CommandTable.h"
 #include "base/SteerableClock.h"
+#include "base/WeakTask.h"
 #include "sim/SimEngine.h"
 #include "workspace/HotkeyRouter.h"
 #include "workspace/PaneHost.h"
@@ -64,6 +65,7 @@ class ShellCommands {
     CommandTable commands_;
     AppModel* pane_ = nullptr;  // that the running command is for
     int number_ = 0;            // that pane's
+    WeakTask whileThere_;       // panes that end after this answer nobody
 };
 
 }  // namespace vmr

@@ -1,11 +1,10 @@
-// Templates of a pane: what they hold, what applying them changes, and whose answers count.
+// Templates of a pane: what applying them changes, and whose answers count.
 #include <cmath>
-#include <cstdlib>
+#include <functional>
 #include <nlohmann/json.hpp>
 
 #include "chart/ChartView.h"
 #include "gpu/FrameRecorder.h"
-#include "model/TemplateRecord.h"
 #include "support/pane/TestPane.h"
 #include "tests/chart/FakeGlyphs.h"
 
@@ -18,74 +17,6 @@ using testing::IsEmpty;
 
 JsonMembers members(const std::string& text) { return jsonMembers(text).value(); }
 JsonMembers viewOf(const std::string& text) { return members("{\"_view\":" + text + "}"); }
-
-TEST(TemplateRecords, SettingsAreReadLenientlyAndTheSourceStays) {
-    const auto read = TemplateRecord::config(
-        members(
-            R"({"gexSource":"INDEX","ema1Enabled":"yes","ema2Enabled":true,"initialCandles":5000,"_view":7,"x":{}})"),
-        "BOTH");
-    GexConfig expected;
-    expected.gexSource = "BOTH";
-    expected.ema2Enabled = true;
-    expected.initialCandles = 1000;
-    EXPECT_EQ(read, expected) << "what is missing or odd is the default";
-    EXPECT_EQ(TemplateRecord::config({}, "\" odd")->gexSource, "\" odd");
-}
-
-TEST(TemplateRecords, AManualRangeStaysWhileTheMarketIsNear) {
-    const struct {
-        const char* view;
-        double close;
-        bool automatic;
-    } cases[] = {
-        {R"({"as":false,"pf":100,"pt":200})", 203, false},
-        {R"({"as":false,"pf":100,"pt":200})", 206, true},
-        {R"({"as":false,"pf":100,"pt":200})", 96, false},
-        {R"({"as":false,"pf":100,"pt":200})", 95, true},
-        {R"({"as":false,"pf":"100","pt":"2e2"})", 205, true},
-        {R"({"as":false,"pf":"100","pt":"2e2"})", 204, false},
-        {R"({"as":false,"pf":100,"pt":200})", std::nan(""), true},
-        {R"({"as":false,"pf":-10,"pt":10})", 0, false},
-        {R"({"as":true,"pf":100,"pt":200})", 150, true},
-        {R"({"pf":100,"pt":200})", 150, true},
-        {R"({"as":"false","pf":100,"pt":200})", 150, true},
-        {R"({"as":0,"pf":100,"pt":200})", 150, true},
-        {R"({"as":false,"pf":200,"pt":100})", 150, true},
-        {R"({"as":false,"pf":100,"pt":100})", 100, true},
-        {R"({"as":false,"pf":100})", 150, true},
-        {R"({"as":false,"pf":"nan","pt":200})", 150, true},
-        {R"({"as":false,"pf":100,"pt":"inf"})", 150, true},
-    };
-    for (const auto& [text, close, automatic] : cases) {
-        const auto view = TemplateRecord::view(viewOf(text));
-        ASSERT_TRUE(view) << text;
-        const ViewSetup near = TemplateRecord::viewNear(*view, close);
-        EXPECT_EQ(near.autoY, automatic) << text << " at " << close;
-        EXPECT_TRUE(automatic || near.low < near.high) << text;
-    }
-    for (const char* none : {"[]", "null", "7"}) EXPECT_FALSE(TemplateRecord::view(viewOf(none))) << none;
-    EXPECT_FALSE(TemplateRecord::view({}));
-}
-
-TEST(TemplateRecords, ADateIsToldInTheMachinesZone) {
-    const char* const before = std::getenv("TZ");
-    const std::string old = before ? before : "";
-    ::setenv("TZ", "America/New_York", 1);
-    ::tzset();
-    for (const auto& [text, shown] : {std::pair("2026-06-10T14:00:05.123Z", "saved 6/10 10:00"),
-                                      {"2026-06-10T14:00:05Z", "saved 6/10 10:00"},
-                                      {"2026-01-01T04:59:59+00:00", "saved 12/31 23:59"},
-                                      {"2026-11-05T08:07:00.5-0500", "saved 11/5 08:07"},
-                                      {"2026-06-10T14:00:05", ""},
-                                      {"2026-06-10", ""},
-                                      {"2026-06-10T14:00Z", ""},
-                                      {"2026-06-31T14:00:05Z", ""},
-                                      {"yesterday, I think: Z-", ""},
-                                      {"", ""}})
-        EXPECT_EQ(ChartTemplates::fmtDate(text), shown) << text;
-    before ? ::setenv("TZ", old.c_str(), 1) : ::unsetenv("TZ");
-    ::tzset();
-}
 
 // A signed-in pane with the chart that shows it, and a service that answers by hand.
 class PaneTemplates : public PaneFixture {
@@ -204,6 +135,10 @@ TEST_F(PaneTemplates, WhatIsCapturedComesBack) {
     EXPECT_EQ(model->camera.handAt(), hand);
     model->applyTemplate({}, true);
     EXPECT_EQ(camera().setup(), (ViewSetup{80, false, 120, 180})) << "without a view in it the view stays";
+    view.renderer().setPriceLineFrac(0.5);
+    model->applyTemplate(saved, true);
+    EXPECT_TRUE(camera().autoY) << "a pinned close leaves the range to the chart";
+    view.renderer().setPriceLineFrac(std::nan(""));
     model->applyTemplate(viewOf("{}"), true);
     EXPECT_TRUE(camera().autoY);
     EXPECT_EQ(model->camera.handAt(), time.monotonic()) << "a linked pane follows the one that was asked";
@@ -279,7 +214,12 @@ TEST_F(PaneTemplates, AnAnswerForAPairThatWasLeftChangesNothing) {
 TEST_F(PaneTemplates, ItsViewWaitsForTheFirstBars) {
     answer(slots("slot_1", R"({"_view":{"bs":40,"as":false,"pf":100,"pt":200}})"));
     bars(1);
-    EXPECT_EQ(model->templates.viewWaits(), true) << "a bar or two come ahead of their history";
+    const JsonMembers saved = model->captureTemplateConfig();
+    EXPECT_EQ(json::parse(saved.at("_view")), json::parse(R"({"bs":40,"as":false,"pf":100,"pt":200})"))
+        << "a bar or two come ahead of their history";
+    asked();
+    templates().save("slot_1");
+    EXPECT_EQ(json::parse(http.requests[0].body)["data"]["atmOffset"], 40);
     event("meta:contracts", R"({"map":{"NQ":"NQZ6"}})");
     bars(300);
     EXPECT_EQ(camera().setup(), (ViewSetup{40, false, 100, 200}));
@@ -297,6 +237,32 @@ TEST_F(PaneTemplates, ItsViewWaitsForTheFirstBars) {
     model->switchSymbol("ES");
     bars(300);
     EXPECT_NE(camera().visibleCount, 60) << "that was another pair's";
+}
+
+TEST_F(PaneTemplates, AViewWaitsNoLongerThanThePersonLeavesTheChartAlone) {
+    const struct {
+        const char* between;
+        std::function<void()> act;
+        bool shown;
+    } cases[] = {{"nothing", [] {}, true},
+                 {"the same timeframe", [this] { model->setTimeframe(1); }, true},
+                 {"a linked chart", [this] { view.mirrorView(0, 30); }, true},
+                 {"a zoom", [this] { view.renderer().zoom(1.1); }, false},
+                 {"another timeframe", [this] { model->setTimeframe(5); }, false},
+                 {"there and back", [this] { model->setTimeframe(5), model->setTimeframe(1); }, false},
+                 {"settings alone", [this] { model->applyTemplate(members(R"({"ema1Enabled":true})")); }, false}};
+    for (const auto& [between, act, shown] : cases) {
+        SCOPED_TRACE(between);
+        model->setTimeframe(1);
+        model->reloadChart();
+        bars(4);
+        model->applyTemplate(viewOf(R"({"bs":42.5})"));
+        time.advance(1);
+        act();
+        bars(300);
+        EXPECT_EQ(camera().visibleCount == 42.5, shown) << camera().visibleCount;
+        EXPECT_EQ(json::parse(model->captureTemplateConfig().at("_view"))["bs"], camera().visibleCount);
+    }
 }
 
 TEST_F(PaneTemplates, ThePanelLoadsAndSaves) {

@@ -143,7 +143,7 @@ struct TemplateApi : RestApiTest {
 
     const std::string token = "Bearer " + accounts.issue().idToken;
     const std::filesystem::path folder = std::filesystem::temp_directory_path() / UuidSource().next().text();
-    const std::filesystem::path file = folder / "templates.json";
+    const std::filesystem::path file = folder / "templates.json", moved = folder.string() + ".moved";
 };
 
 TEST_F(TemplateApi, KeepsSlotsByPairAndPrefersTheOneSavedLast) {
@@ -185,16 +185,41 @@ TEST_F(TemplateApi, ItsFileOutlivesItAndIsItsOwnersAlone) {
     ASSERT_EQ(next.templates().keepIn(file), std::nullopt);
     EXPECT_EQ(said(next, "loadChartTemplates", asking("NQ_QQQ"), token), told);
 
-    for (const char* odd : {"", "[]", R"({"a":{"NQ_QQQ":{"slot_9":{}}}})", R"({"a":{"NQ_QQQ":{"slot_1":7}}})"}) {
+    fs::rename(folder, moved);
+    EXPECT_EQ(save(asking("NQ_QQQ", "slot_1")).substr(0, 4), "500 ");
+    EXPECT_EQ(save(asking("ES_SPY", "slot_1")).substr(0, 4), "500 ");
+    EXPECT_EQ(
+        json::parse(api.answer({"POST", "/saveChartTemplate", asking("NQ", "slot_1"), token}).body)["error"]["status"],
+        "INTERNAL");
+    EXPECT_EQ(load("NQ_QQQ") + load("ES_SPY"), told + "200 {}") << "as the file has it";
+    fs::rename(moved, folder);
+
+    const auto opened = [this](const fs::path& path) {
+        return RestApi(accounts, faults, clock).templates().keepIn(path).value_or("kept");
+    };
+    const auto shelf = [](const std::string& pairs) { return R"({"a":{)" + pairs + "}}"; };
+    const auto filled = [](const std::string& pair, std::size_t bytes) {
+        return "\"" + pair + R"(":{"slot_1":{"savedAt":"","config":{"a":")" + std::string(bytes, 'x') + "\"}}}";
+    };
+    std::string many = filled("P0", 1);
+    for (std::size_t i = 1; i <= TemplateShelf::mostPairs; ++i) many += "," + filled("P" + std::to_string(i), 1);
+    for (const std::string& odd :
+         {std::string(), std::string("[]"), shelf(R"("NQ_QQQ":{"slot_9":{}})"), shelf(R"("NQ_QQQ":{"slot_1":7})"),
+          shelf(filled("NQ", TemplateShelf::largestConfig)), shelf(filled(std::string(65, 'x'), 1)), shelf(many)}) {
         std::ofstream(file) << odd;
-        EXPECT_EQ(RestApi(accounts, faults, clock).templates().keepIn(file),
-                  "the file " + file.string() + " holds no templates");
+        fs::permissions(file, fs::perms(0644));
+        EXPECT_EQ(opened(file), "the file " + file.string() + " holds no templates") << odd.substr(0, 40);
+        EXPECT_EQ(fs::status(file).permissions() & fs::perms::all, fs::perms(0644));
         PracticeRelayOptions options;
         options.templates = file;
         EXPECT_TRUE(PracticeRelay(clock, options).start()) << "a relay that could not keep them does not run";
-        EXPECT_EQ(fs::file_size(file), std::string_view(odd).size()) << "it is left as it is";
+        EXPECT_EQ(fs::file_size(file), odd.size()) << "it is left as it is";
     }
-    EXPECT_TRUE(RestApi(accounts, faults, clock).templates().keepIn(folder / "no" / "such").has_value());
+    fs::create_symlink(folder / "nowhere", folder / "link");
+    for (const fs::path& path : {folder, folder / "link"})
+        EXPECT_EQ(opened(path), "cannot read the file " + path.string());
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    EXPECT_NE(opened(folder / "no" / "such"), "kept");
 }
 
 TEST_F(TemplateApi, GoesWrongAsTheConsoleSays) {
@@ -203,6 +228,8 @@ TEST_F(TemplateApi, GoesWrongAsTheConsoleSays) {
         return std::to_string(reply.status) + " " + std::to_string(int(reply.delay)) + " " +
                (json::accept(reply.body) ? json::parse(reply.body).dump() : reply.body);
     };
+    const char* const wrong =
+        "error: it is templates error TEXT, status 200 to 599 but not 204 or 304, delay SECONDS, text RAW, or ok";
     for (const auto& [command, answer, reply] :
          {std::tuple("error No more  room", "ok templates fail", R"(400 0 {"error":{"message":"No more  room"}})"),
           {"status 500", "ok templates status 500", R"(500 0 {"error":{"message":"No more  room"}})"},
@@ -211,8 +238,9 @@ TEST_F(TemplateApi, GoesWrongAsTheConsoleSays) {
           {"text", "ok templates answer that text", "200 0 "},
           {"delay 3", "ok templates delay 3", "200 3 "},
           {"ok", "ok templates", R"(200 0 {"result":{}})"},
-          {"status 99", "error: it is templates error TEXT, status 200 to 599, delay SECONDS, text RAW, or ok",
-           R"(200 0 {"result":{}})"}}) {
+          {"status 199", wrong, R"(200 0 {"result":{}})"},
+          {"status 204", wrong, R"(200 0 {"result":{}})"},
+          {"status 304", wrong, R"(200 0 {"result":{}})"}}) {
         EXPECT_EQ(api.templates().command(command), answer);
         EXPECT_EQ(asked(), reply) << command;
     }

@@ -240,6 +240,44 @@ TEST(Views, BannersComeAndAreDismissedByKeyboard) {
     EXPECT_FALSE(shown("updateBanner")) << "the same text";
 }
 
+TEST(Views, TheTemplatesPanelTellsWhatHappenedAheadOfAnyHint) {
+    UiWindow ui(QSize(300, 480), UiWindow::entered(), syntheticBars(200));
+    ASSERT_NE(ui.window, nullptr);
+    ui.view.panels.setTemplatesPanelOpen(true);
+    ASSERT_TRUE(runUntil([&] { return ui.item("templateStatus") != nullptr; }));
+    const TemplatesViewModel::State empty{.pair = "NQ_QQQ", .known = true};
+    const auto with = [](TemplatesViewModel::State state, const char* status, bool failed) {
+        state.status = status;
+        state.failed = failed;
+        return state;
+    };
+    TemplatesViewModel::State asking{.pair = "NQ_QQQ", .loading = true}, saving = with(empty, "No room", true);
+    saving.busy = true;
+    const char* const hint = "Save keeps this chart's settings and view.";
+    const struct {
+        TemplatesViewModel::State state;
+        const char* shown;
+        bool sign;
+    } cases[] = {{{}, "Open a chart to keep templates of it.", false},
+                 {asking, "Loading…", false},
+                 {with(asking, "Saved to slot 2 (now preferred).", false), "Saved to slot 2 (now preferred).", false},
+                 {empty, hint, false},
+                 {with(empty, "No room", true), "No room", true},
+                 {saving, "Saving…", false},
+                 {with(empty, "Applied slot 1.", false), "Applied slot 1.", false},
+                 {with({.pair = "NQ_QQQ"}, "No room", true), "No room", true}};
+    const auto* status = ui.item("templateStatus");
+    for (const auto& [state, shown, sign] : cases) {
+        ui.view.templates.set(state);
+        EXPECT_EQ(status->property("text").toString(), shown);
+        EXPECT_EQ(ui.item("templateSign")->isVisible(), sign) << shown;
+    }
+    ASSERT_TRUE(ui.item("templatesAgain")->isVisible());
+    ui.settle();
+    EXPECT_LE(status->y() + status->height(), ui.item("templatesAgain")->y()) << "a narrow panel has it above";
+    EXPECT_EQ(status->x() + status->width(), status->parentItem()->width());
+}
+
 TEST(Views, TheMenuHasWhatTheProgramCanDo) {
     UiWindow ui(QSize(720, 480), UiWindow::entered(), syntheticBars(200));
     EXPECT_EQ(ui.item("menuButton"), nullptr) << "without a shell";

@@ -55,12 +55,15 @@ TEST_F(LiveTemplates, AreSavedLoadedAndAppliedInTheNextPane) {
     EXPECT_EQ(config(1).ema1Period, 33);
     const std::string full = say("template list");
     EXPECT_TRUE(full.starts_with("ok NQ_QQQ; 1 empty; 2 saved ") && full.ends_with(" (preferred); 3 empty")) << full;
-    for (const auto& [fault, answer] : {std::pair("status 500", full.c_str()),
-                                        {"error No room", "error: No room"},
-                                        {"text {\"error\":{}}", "error: Template service error"},
-                                        {"text <html>", "error: The response is not valid JSON."},
-                                        {"text {\"result\":[1]}", none.c_str()},
-                                        {"ok", full.c_str()}}) {
+    for (const auto& [fault, answer] :
+         {std::pair("status 500", full.c_str()),
+          {"error No room", "error: No room"},
+          {"text {\"error\":{}}", "error: Template service error"},
+          {"text <html>", "error: The response is not valid JSON."},
+          {"text {\"result\":[1]}", none.c_str()},
+          {"text {\"result\":{\"preferred\":\"slot_1\",\"slot_1\":{\"savedAt\":\"soon\"}}}",
+           "ok NQ_QQQ; 1 present (preferred); 2 empty; 3 empty"},
+          {"ok", full.c_str()}}) {
         ASSERT_TRUE(relay.command(std::string("templates ") + fault).starts_with("ok")) << fault;
         EXPECT_EQ(say("template list"), answer) << fault;
     }
@@ -85,10 +88,16 @@ TEST_F(LiveTemplates, ASlowAnswerFindsNobodyWhoLeft) {
     ASSERT_TRUE(runUntil([&] { return pane.templates.list->has_value(); }, 10));
     EXPECT_TRUE(pane.templates.list.get()->savedSlots.empty()) << "the panel of the next chart has its own list";
     EXPECT_EQ(pane.templates.status.get(), std::nullopt);
+    say("pane open");
+    ASSERT_TRUE(runUntil([&] { return streaming(2); }));
+    answers.clear();
+    commands.run("@2 template list");
+    commands.run("pane close 2");
+    EXPECT_EQ(heard(), "error: The pane was closed.");
     answers.clear();
     commands.run("template list");
     commands.run("sign-out");
-    EXPECT_EQ(heard(), "error: The chart was left.");
+    EXPECT_EQ(heard(), "error: Signed out.");
     EXPECT_FALSE(runUntil([&] { return pane.templates.list->has_value() || pane.templates.status->has_value(); }, 0.8));
     EXPECT_EQ(say("template list"), "error: Not signed in.");
 }

@@ -8,11 +8,15 @@ FloatingPanel {
     required property TemplatesViewModel templates
     readonly property var slotRows: templates.slotRows
     readonly property bool anySaved: slotRows.some(row => row.present)
-    readonly property string hint: templates.pair === "" ? qsTr("Open a chart to keep templates of it.")
-                                                         : templates.busy ? qsTr("Saving…")
-                                                                          : templates.loading && !templates.known ? qsTr("Loading…")
-                                                                                                                  : templates.known && !anySaved ? qsTr("Save keeps this chart's settings and view.")
-                                                                                                                                                 : ""
+    readonly property bool narrow: width < 320
+    readonly property bool tellsFailure: templates.failed && !templates.busy
+    readonly property string hint: {  // while there is nothing to tell
+        if (templates.pair === "")
+            return qsTr("Open a chart to keep templates of it.");
+        if (templates.loading && !templates.known)
+            return qsTr("Loading…");
+        return templates.known && !anySaved ? qsTr("Save keeps this chart's settings and view.") : "";
+    }
 
     panelId: "templates"
     title: qsTr("Templates")
@@ -49,7 +53,7 @@ FloatingPanel {
                             filled: row.slot.preferred
                             color: row.slot.preferred ? Theme.gold : Theme.textFaint
                             Accessible.role: Accessible.Graphic
-                            Accessible.name: starTip.text
+                            Accessible.name: qsTr("Slot %1: %2").arg(row.slot.digit).arg(starTip.text)
 
                             HoverHandler {
                                 id: starHover
@@ -64,11 +68,20 @@ FloatingPanel {
                         }
                         Column {
                             anchors.left: star.right
-                            anchors.leftMargin: 12
+                            anchors.leftMargin: panel.narrow ? 8 : 12
                             anchors.right: buttons.left
                             anchors.rightMargin: 8
                             anchors.verticalCenter: parent.verticalCenter
+
+                            HoverHandler {
+                                id: wordsHover
+                            }
+                            Tip {
+                                wanted: wordsHover.hovered && (slotName.truncated || slotDate.truncated)
+                                text: slotName.text + "\n" + slotDate.text
+                            }
                             Label {
+                                id: slotName
                                 width: parent.width
                                 elide: Text.ElideRight
                                 font.weight: Font.DemiBold
@@ -76,27 +89,30 @@ FloatingPanel {
                                 text: qsTr("Slot %1").arg(row.slot.digit)
                             }
                             Label {
+                                id: slotDate
                                 objectName: "templateDate" + row.slot.digit
                                 width: parent.width
                                 elide: Text.ElideRight
                                 font.pixelSize: Theme.small
                                 color: row.slot.present ? Theme.textSoft : Theme.textFaint
                                 text: panel.templates.known ? row.slot.date : "–"
+                                Accessible.role: Accessible.StaticText
+                                Accessible.name: panel.templates.known ? text : qsTr("not known yet")
                             }
                         }
                         Row {
                             id: buttons
                             anchors.right: parent.right
                             anchors.verticalCenter: parent.verticalCenter
-                            spacing: 8
+                            spacing: panel.narrow ? 4 : 8
                             opacity: panel.templates.busy ? 0.5 : 1  // they keep the keyboard, and do nothing meanwhile
 
                             PushButton {
                                 objectName: "loadTemplate" + row.slot.digit
-                                width: 64
+                                width: panel.narrow ? 52 : 64
                                 height: 32
-                                leftPadding: 8
-                                rightPadding: 8
+                                leftPadding: 4
+                                rightPadding: 4
                                 enabled: row.slot.present
                                 text: qsTr("Load")
                                 Accessible.name: qsTr("Load slot %1").arg(row.slot.digit)
@@ -104,10 +120,10 @@ FloatingPanel {
                             }
                             PushButton {
                                 objectName: "saveTemplate" + row.slot.digit
-                                width: 64
+                                width: panel.narrow ? 52 : 64
                                 height: 32
-                                leftPadding: 8
-                                rightPadding: 8
+                                leftPadding: 4
+                                rightPadding: 4
                                 enabled: panel.templates.pair !== ""
                                 text: qsTr("Save")
                                 Accessible.name: qsTr("Save to slot %1").arg(row.slot.digit)
@@ -123,13 +139,17 @@ FloatingPanel {
                     }
                 }
                 Item {
+                    id: foot
+
+                    readonly property bool stacked: panel.narrow && again.visible
                     width: parent.width
-                    height: Math.max(40, said.implicitHeight + 16)
+                    height: Math.max(40, said.implicitHeight + 16) + (stacked ? again.height + 8 : 0)
 
                     Icon {
                         id: sign
-                        visible: panel.templates.failed && panel.hint === ""
-                        anchors.verticalCenter: parent.verticalCenter
+                        objectName: "templateSign"
+                        visible: panel.tellsFailure
+                        anchors.verticalCenter: said.verticalCenter
                         name: "triangle-alert"
                         color: Theme.error
                     }
@@ -138,17 +158,29 @@ FloatingPanel {
                         objectName: "templateStatus"
                         anchors.left: sign.visible ? sign.right : parent.left
                         anchors.leftMargin: sign.visible ? 8 : 0
-                        anchors.right: again.visible ? again.left : pair.left
-                        anchors.rightMargin: 8
+                        anchors.right: foot.stacked ? parent.right : again.visible ? again.left : pair.left
+                        anchors.rightMargin: foot.stacked ? 0 : 8
                         anchors.verticalCenter: parent.verticalCenter
+                        anchors.verticalCenterOffset: foot.stacked ? -(again.height + 8) / 2 : 0
                         wrapMode: Text.Wrap
                         maximumLineCount: 4
                         elide: Text.ElideRight
                         font.pixelSize: Theme.small
-                        color: panel.hint !== "" ? Theme.textSoft : panel.templates.failed ? Theme.error : Theme.accent
-                        text: panel.hint !== "" ? panel.hint : panel.templates.status
+                        color: panel.tellsFailure ? Theme.error
+                                                  : panel.templates.busy || panel.templates.status === "" ? Theme.textSoft
+                                                                                                          : Theme.accent
+                        text: panel.templates.busy ? qsTr("Saving…")
+                                                   : panel.templates.status !== "" ? panel.templates.status : panel.hint
                         Accessible.role: Accessible.AlertMessage
                         Accessible.name: text
+
+                        HoverHandler {
+                            id: saidHover
+                        }
+                        Tip {
+                            wanted: saidHover.hovered && said.truncated
+                            text: said.text
+                        }
                     }
                     Label {
                         id: pair
@@ -165,7 +197,8 @@ FloatingPanel {
                         objectName: "templatesAgain"
                         visible: panel.templates.failed && !panel.templates.known && !panel.templates.loading
                         anchors.right: parent.right
-                        anchors.verticalCenter: parent.verticalCenter
+                        anchors.bottom: parent.bottom
+                        anchors.bottomMargin: foot.stacked ? 8 : (foot.height - height) / 2
                         height: 32
                         leftPadding: 12
                         rightPadding: 12
