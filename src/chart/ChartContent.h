@@ -33,6 +33,7 @@ struct ChartContent {
     double secRatio = 1;
     std::span<const BubblePt> bubbles;  ///< ascending by minute
     std::span<const TrianglePt> triangles;
+    std::string_view secondSymbol;         ///< the paired instrument's; empty for none
     const OverlaySet* overlays = nullptr;  ///< null: no series
     OverlayStyle overlayStyle;
     std::span<const OverlayLine> srLines;  ///< session lines and levels

@@ -11,10 +11,12 @@ ChartView::ChartView(const Surroundings& at)
       renderer_(at.gpu, at.clock),
       barLabels_(at.glyphs),
       tradingLines_(at.glyphs),
+      pills_(at.glyphs, ribbons_),
       axes_(at.glyphs, at.session),
       input_(renderer_, at.session, at.clock, at.main, at.perf) {
     renderer_.addScreenLayer(barLabels_);
     renderer_.addScreenLayer(tradingLines_);
+    renderer_.addScreenLayer(pills_);
     renderer_.addScreenLayer(axes_);
     renderer_.perf = at.perf;
     renderer_.onNeedsDisplay = [this] { askForFrame(); };
@@ -22,6 +24,8 @@ ChartView::ChartView(const Surroundings& at)
         if (source_) source_->interactionEnded();
     };
     tradingLines_.trading = at.trading;
+    barLabels_.others = &pills_;
+    pills_.account = &tradingLines_;
     input_.trading = at.trading;
     input_.drawnMarks = &tradingLines_.marks();
     input_.onMarketClosedOrder = [this] {
@@ -79,6 +83,7 @@ void ChartView::startOver() {
     shown_.reset();
     ribbonsDue_ = false;
     ribbons_.clear();
+    pills_.clear();
     input_.letGo();
     renderer_.startOver();
     viewport_->publish(std::nullopt);
@@ -104,6 +109,7 @@ void ChartView::setContent(const ChartContent& content) {
     renderer_.sessionHHMM = content.sessionHHMM;
     if (differs(&Revisions::look)) renderer_.setRenderConfig(content.look ? *content.look : RenderConfig{});
     if (differs(&Revisions::levels)) renderer_.setLevels(content.levels);
+    showNames(content, differs(&Revisions::levels) || differs(&Revisions::look));
     if (differs(&Revisions::strikes)) renderer_.setStrikes(content.strikes, content.etfRatio, content.flipStrike);
     if (differs(&Revisions::secStrikes)) renderer_.setSecStrikes(content.secStrikes, content.secRatio);
     setRoot(content.simRoot);
@@ -122,8 +128,15 @@ void ChartView::setContent(const ChartContent& content) {
     if (hadBars && renderer_.candles().empty()) askForFrame();
 }
 
+void ChartView::showNames(const ChartContent& content, bool newWalls) {
+    bool asks = pills_.setSecondSymbol(content.secondSymbol);
+    if (newWalls) asks |= pills_.setWalls(content.levels, !content.look || content.look->wallsEnabled);
+    if (asks) askForFrame();
+}
+
 void ChartView::makeRibbons(const ChartContent& content) {
     ribbonsDue_ = false;
+    if (pills_.setLines(content.srLines, content.revisions.srLines, content.overlayStyle)) askForFrame();
     renderer_.setOverlayGeometry(ribbons_.make({.series = content.overlays,
                                                 .lines = content.srLines,
                                                 .linesRevision = content.revisions.srLines,

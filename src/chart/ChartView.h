@@ -18,6 +18,7 @@
 #include "chart/ChartRenderer.h"
 #include "chart/ChartSource.h"
 #include "chart/OverlayRibbons.h"
+#include "chart/PillLayer.h"
 #include "chart/TradingLinesLayer.h"
 #include "chart/ViewportState.h"
 #include "gpu/GlyphSource.h"
@@ -101,6 +102,7 @@ class ChartView final : public ChartPort, public CameraPort {
     ChartRenderer& renderer() { return renderer_; }
     ChartInput& input() { return input_; }
     const AxisLayer& axes() const { return axes_; }
+    const PillLayer& pills() const { return pills_; }
     /// Tells the source what the pointer is over, in a plot of this size; nothing for no pointer. Told again after the
     /// camera has moved.
     void pointerAt(const std::optional<ChartPoint>& point, double width, double height);
@@ -137,6 +139,7 @@ class ChartView final : public ChartPort, public CameraPort {
     bool onlyDataDiffers(const ChartContent& content) const;
     void startOver();
     void setRoot(std::string_view root);
+    void showNames(const ChartContent& content, bool newWalls);
     void makeRibbons(const ChartContent& content);
     void setBars(std::span<const Candle> candles);
     template <class Move>
@@ -144,11 +147,12 @@ class ChartView final : public ChartPort, public CameraPort {
 
     MainLoop& main_;
     ChartRenderer renderer_;
+    OverlayRibbons ribbons_;
     BarLabelLayer barLabels_;
     TradingLinesLayer tradingLines_;
+    PillLayer pills_;
     AxisLayer axes_;
     ChartInput input_;
-    OverlayRibbons ribbons_;
     std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();
     WeakTask whileThere_;
     ChartSource* source_ = nullptr;

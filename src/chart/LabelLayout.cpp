@@ -7,7 +7,7 @@ namespace vmr {
 
 namespace {
 
-constexpr double fadePoints = 8.0;  // before the end of its reach
+constexpr double fadePoints = 4.0;  // before the end of its reach
 constexpr double slack = 1e-6;      // what rounding may leave between boxes that touch
 
 bool meetsSideways(const LabelBox& a, const LabelBox& b) { return a.left < b.right && b.left < a.right; }

@@ -38,6 +38,7 @@ ChartContent AppModel::chartContent() const {
     out.secRatio = options.secEtfRatio;
     out.bubbles = markers.bubblePts.get();
     out.triangles = markers.trianglePts.get();
+    out.secondSymbol = channels->secondSymbol;
     out.overlays = &overlays.series();
     out.overlayStyle = look_->overlays;
     out.srLines = sessionLevels.srLines.get();
