@@ -1,5 +1,6 @@
 #include "chart/ChartView.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "perf/Perf.h"
@@ -9,11 +10,13 @@ namespace vmr {
 ChartView::ChartView(const Surroundings& at)
     : main_(at.main),
       renderer_(at.gpu, at.clock),
+      watermark_(at.glyphs),
       barLabels_(at.glyphs),
       tradingLines_(at.glyphs),
       pills_(at.glyphs, ribbons_),
       axes_(at.glyphs, at.session),
       input_(renderer_, at.session, at.clock, at.main, at.perf) {
+    renderer_.addScreenLayer(watermark_);
     renderer_.addScreenLayer(barLabels_);
     renderer_.addScreenLayer(tradingLines_);
     renderer_.addScreenLayer(pills_);
@@ -130,6 +133,7 @@ void ChartView::setContent(const ChartContent& content) {
 
 void ChartView::showNames(const ChartContent& content, bool newWalls) {
     bool asks = pills_.setSecondSymbol(content.secondSymbol);
+    asks |= watermark_.set(content.symbol, content.timeframe);
     if (newWalls) asks |= pills_.setWalls(content.levels, !content.look || content.look->wallsEnabled);
     if (asks) askForFrame();
 }
@@ -154,6 +158,26 @@ void ChartView::setBars(std::span<const Candle> candles) {
     renderer_.setCandles(candles);
     barsMoved_ = barsMoved_ || before != ends();
     if (renderer_.perf && !renderer_.candles().empty()) renderer_.perf->startUp("bars");
+}
+
+std::optional<OverlayFacts> ChartView::overlayFacts() const {
+    if (!viewport()) return std::nullopt;
+    OverlayFacts out;
+    for (const PillLayer::Mark& mark : pills_.marks()) {
+        Rgba color = mark.fill;
+        color[3] *= static_cast<float>(mark.opacity);
+        (mark.pill ? out.pills : out.labels).push_back({std::string(mark.text), mark.box, color});
+    }
+    std::ranges::reverse(out.pills);
+    const auto ticks = [](const std::vector<AxisLayer::Named>& labels, std::vector<OverlayFacts::Tick>& to) {
+        for (const AxisLayer::Named& label : labels) to.push_back({std::string(label.text.text()), label.at});
+    };
+    ticks(axes_.labels().priceTexts, out.prices);
+    ticks(axes_.labels().timeTexts, out.times);
+    if (!watermark_.shown()) return out;
+    if (!watermark_.title().empty()) out.watermark.emplace_back(watermark_.title());
+    out.watermark.push_back(std::string(WatermarkLayer::nameBegin).append(WatermarkLayer::nameEnd));
+    return out;
 }
 
 bool ChartView::record(double width, double height, double pixelRatio, double nowMonotonic, bool whole) {

@@ -21,6 +21,7 @@
 #include "chart/PillLayer.h"
 #include "chart/TradingLinesLayer.h"
 #include "chart/ViewportState.h"
+#include "chart/WatermarkLayer.h"
 #include "gpu/GlyphSource.h"
 #include "market/SessionTime.h"
 
@@ -113,6 +114,7 @@ class ChartView final : public ChartPort, public CameraPort {
     void contentChanged() override;
     bool interacting() const override { return renderer_.interacting(); }
     std::optional<Viewport> viewport() const override { return viewport_->get(); }
+    std::optional<OverlayFacts> overlayFacts() const override;
     CameraPort* cameraPort() override { return this; }
 
     // CameraPort
@@ -148,6 +150,7 @@ class ChartView final : public ChartPort, public CameraPort {
     MainLoop& main_;
     ChartRenderer renderer_;
     OverlayRibbons ribbons_;
+    WatermarkLayer watermark_;
     BarLabelLayer barLabels_;
     TradingLinesLayer tradingLines_;
     PillLayer pills_;

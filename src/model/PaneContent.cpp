@@ -28,6 +28,7 @@ ChartContent AppModel::chartContent() const {
     out.timeframe = bars.timeframe;
     out.sessionHHMM = sessionHHMM();
     out.simRoot = channels->simRoot;
+    out.symbol = channels->symbolView();
     out.look = &look_->config;
     out.candles = bars.displayCandles.get();
     out.levels = options.levels.get();

@@ -80,6 +80,7 @@ struct SceneData {
                 .timeframe = 1,
                 .sessionHHMM = 1800,
                 .simRoot = "NQ",
+                .symbol = "NQ",
                 .look = &config,
                 .candles = candles,
                 .levels = levels,

@@ -246,6 +246,32 @@ TEST_F(PillLayerTest, NoTextLiesOnAnotherNorLeavesThePlot) {
     EXPECT_GT(seen, 1000U);
 }
 
+TEST_F(PillLayerTest, AChartTellsWhatIsWrittenOnIt) {
+    data.series.vwapMain = {{299, close}};
+    data.series.vixLine = {{299, close + 2}};
+    data.srLines = {{close - 20, at(5), std::nullopt, "S1", true}};
+    EXPECT_FALSE(view.overlayFacts()) << "no frame yet";
+    show();
+    const OverlayFacts facts = *view.overlayFacts();
+    ASSERT_EQ(facts.pills.size(), 2U);
+    EXPECT_TRUE(facts.pills[0].text.starts_with("VWAP") && facts.pills[1].text.starts_with("VIX")) << "in their order";
+    EXPECT_EQ(facts.pills[1].box, marks(true)[0].box);
+    EXPECT_FLOAT_EQ(facts.pills[0].color[3], 0.85F);
+    ASSERT_EQ(facts.labels.size(), 1U);
+    EXPECT_TRUE(facts.labels[0].text.starts_with("S1 2"));
+    EXPECT_GT(facts.times.size(), 1U);
+    ASSERT_GT(facts.prices.size(), 5U);
+    for (const auto& [text, y] : facts.prices)
+        EXPECT_EQ(text, AxisScale::fmtPrice(AxisScale::priceAtY(*view.viewport(), y, height)).text());
+    EXPECT_THAT(facts.watermark, ElementsAre("NQ 1m", "Velmora"));
+    const auto first = std::ranges::find(recorded.draws, Pipeline::text, &RecordedFrames::DrawCall::pipeline);
+    ASSERT_NE(first, recorded.draws.end());
+    EXPECT_EQ(recorded.vertices<TextVertex>(*first).size(), 4U * (4 + 7)) << "the watermark, under all other texts";
+    height = 60;
+    frame();
+    EXPECT_TRUE(view.overlayFacts()->watermark.empty());
+}
+
 TEST(AxisScale, FlowIsTold) {
     const struct {
         double value;
