@@ -22,15 +22,18 @@ LevelLabels::LevelLabels() { labels_.reserve(64); }
 
 void LevelLabels::clear() {
     filled_ = false;
+    given_.clear();
     lines_.clear();
     walls_.clear();
     used_ = 0;
 }
 
 bool LevelLabels::setLines(std::span<const OverlayLine> lines, std::uint64_t revision, const OverlayStyle& style) {
-    if (std::exchange(filled_, true) && revision_ == revision && style_ == style) return false;
+    const bool same = revision_ == revision && style_ == style;
+    if (std::exchange(filled_, true) && same) return false;
     revision_ = revision;
-    style_ = style;
+    if (std::exchange(style_, style) == style && std::ranges::equal(lines, given_)) return false;
+    given_.assign(lines.begin(), lines.end());
     lines_.clear();
     for (const OverlayLine& line : lines) {
         if (!OverlayRibbons::isShown(line, style) || !(std::abs(line.price * 100) < mostCents)) continue;

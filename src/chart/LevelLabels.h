@@ -62,6 +62,7 @@ class LevelLabels {
     void addWalls(const Sight& sight, std::size_t firstBar);
     void addLines(std::span<const Line> samePrice, const Sight& sight);
 
+    std::vector<OverlayLine> given_;
     std::vector<Line> lines_;  // by price; of one price in the order of the names in its text
     std::vector<PriceLevel> walls_;
     std::vector<LevelLabel> labels_;  // the first `used_`; the others keep their memory

@@ -8,9 +8,9 @@ namespace {
 
 constexpr double boxWidth = 600.0, boxHeight = 120.0, textSize = 39.0;  // points
 constexpr double lineShare = 0.225;  // of the box: from its middle to that of either line
-constexpr Rgba titleColor{1.0F, 1.0F, 1.0F, 0.07F};
-constexpr Rgba nameColor{1.0F, 1.0F, 1.0F, 0.045F};
-constexpr Rgba accentColor{0.149F, 0.651F, 0.604F, 0.13F};
+constexpr Rgba titleColor{1.0F, 1.0F, 1.0F, 0.1F};
+constexpr Rgba nameColor{1.0F, 1.0F, 1.0F, 0.08F};
+constexpr Rgba accentColor{0.149F, 0.651F, 0.604F, 0.22F};
 
 /// Few sizes, so that resizing a window makes few new glyphs; 0 where none fits.
 double sizeFor(const PlotArea& plot) {

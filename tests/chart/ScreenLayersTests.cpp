@@ -113,7 +113,7 @@ TEST_F(AxisLayerTest, TimesAreNamedAtTheStepThatFits) {
         {"the first finer step that gives two", 1000, 128, 12, {"10:10", "10:15"}},
         {"no room for a finer step", 250, 125, 60, {"10:30"}},
         {"another day", 1000, 900, 200, {"23:30", "Jun 11", "00:30", "01:00", "01:30", "02:00"}},
-        {"a coarser one", 400, 0, 1400, {"12:00", "20:00", "Jun 11"}},
+        {"a coarser one", 400, 0, 1400, {"12:00", "16:00", "20:00", "Jun 11"}},
     };
     renderer.setCandles(bars(1500));
     for (const auto& [name, points, first, count, times] : cases) {
