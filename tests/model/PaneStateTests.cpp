@@ -81,9 +81,9 @@ struct WrittenChart final : ChartPort {
 };
 
 TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
+    openSymbol("NQ");
     WrittenChart chart;
     model->setChartPort(&chart);
-    openSymbol("NQ");
     model->log.append("quote \" and \xff and \n");
     model->bars.candles = {{minute, std::nan(""), HUGE_VAL, -HUGE_VAL, 0.1, 1e-310}, {INT64_MAX, 1, 2, 3, 4, 5}};
     AppModel other(surroundings());
