@@ -17,13 +17,19 @@ constexpr double tipHalf = 5.0;     // of the triangle's base
 constexpr double leaderRun = 8.0;   // what the slope of a level's leader takes
 constexpr double leaderWidth = 1.0;
 constexpr double leaderShare = 0.6, lineShare = 0.22;  // of a text's opacity
-constexpr double pastOpacity = 0.5;  // of what lies in the past: series and lines that go on, or ended, out of view
+constexpr float pastShare = 0.5F;                      // of a pill's colour where its series goes on out of view
 constexpr double endedOpacity = 0.65;
 constexpr double leastLine = 24.0;  // points of an ended line that its label leaves free
 constexpr Rgba labelGround{0.04F, 0.04F, 0.04F, 0.8F};
 
 Rgba faded(const Rgba& color, double opacity) {
     return {color[0], color[1], color[2], color[3] * static_cast<float>(opacity)};
+}
+
+/// Darker instead of fainter, so that its text can be read over whatever lies below.
+Rgba dimmed(const Rgba& color) {
+    const auto mixed = [&](std::size_t i) { return color[i] * pastShare + labelGround[i] * (1 - pastShare); };
+    return {mixed(0), mixed(1), mixed(2), color[3]};
 }
 
 /// Where texts end that must leave the strike bars and their own texts free.
@@ -86,13 +92,12 @@ void PillLayer::addPills(const ScreenFrame& frame) {
         const double furthest = pill.past ? columnEnd(frame.width) : plotRight - 1;
         add({.text = pill.text,
              .box = {0, 0, width, markHeight},
-             .fill = pill.fill,
+             .fill = pill.past ? dimmed(pill.fill) : pill.fill,
              .textColor = pill.textColor,
              .pill = true,
              .lineEnd = pill.x,
              .tipX = pill.x,
-             .tipY = pill.y,
-             .opacity = pill.past ? pastOpacity : 1},
+             .tipY = pill.y},
             LabelRank::pill, std::min(pill.x + pillOffset + width, furthest));
     }
 }

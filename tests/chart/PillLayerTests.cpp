@@ -164,12 +164,12 @@ TEST_F(PillLayerTest, InTheHistoryPillsNameTheLastPointInView) {
     EXPECT_EQ(pill.text, "VWAP " + std::string(AxisScale::fmtPrice(21000 + last / 4).text()));
     EXPECT_NEAR(pill.tipX, xOf(last), 1e-9);
     EXPECT_EQ(pill.tipY, yOf(21000 + last / 4));
-    EXPECT_LT(pill.opacity, 1);
+    EXPECT_LT(pill.fill[0], 0.6F) << "dimmed gold";
     EXPECT_LE(pill.box.right(), LineMarks::closeMarkEdge(width) + 2) << "before the strike bars";
     view.mirrorView(299 - 100 * (right - 40) / width, 100);  // the last bar is in view, with little room beside it
     frame();
     EXPECT_EQ(marks(true).size(), 2U);
-    for (const Mark& mark : marks(true)) EXPECT_TRUE(mark.opacity == 1 && mark.box.right() < right) << mark.text;
+    for (const Mark& mark : marks(true)) EXPECT_TRUE(mark.fill[0] == 1 && mark.box.right() < right) << mark.text;
 }
 
 TEST_F(PillLayerTest, LinesSayWhatTheyAre) {
