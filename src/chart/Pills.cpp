@@ -42,32 +42,40 @@ Pill& Pills::add() {
     return pill;
 }
 
+// The last point of a series, or the last in view, with a pill for it; null, and no pill, where there is none.
+template <class Point, class ValueOf>
+const Point* Pills::hangFrom(std::span<const Point> points, const Input& input, double ahead, ValueOf valueOf) {
+    if (points.empty()) return nullptr;
+    const auto xOf = [&](const Point& point) {
+        return AxisScale::xForIndex(input.viewport, point.idx - ahead, input.width);
+    };
+    auto end = points.end();
+    const bool past = xOf(points.back()) > input.plotRight;
+    if (past)
+        end = std::partition_point(points.begin(), points.end(),
+                                   [&](const Point& point) { return xOf(point) <= input.plotRight; });
+    if (end == points.begin()) return nullptr;
+    const Point& point = *(end - 1);
+    const double x = xOf(point), y = AxisScale::yFor(input.viewport, valueOf(point), input.height);
+    if (!(x >= 0) || !(y > -verticalMargin && y < input.height + verticalMargin)) return nullptr;
+    Pill& pill = add();
+    pill.x = x;
+    pill.y = y;
+    pill.past = past;
+    return &point;
+}
+
 std::span<const Pill> Pills::inView(const Input& input) {
     used_ = 0;
     if (!(input.viewport.count > 0)) return {};
     const double ahead = barsAhead(input.points.anchor, input.candles);
-    // The last point of a series, or the last in view, and the pill that hangs there.
     const auto hang = [&](const auto& points, auto valueOf, const Rgba& fill, const Rgba& textColor, auto write) {
-        if (points.empty()) return;
-        const auto xOf = [&](const auto& point) {
-            return AxisScale::xForIndex(input.viewport, point.idx - ahead, input.width);
-        };
-        auto end = points.end();
-        const bool past = xOf(points.back()) > input.plotRight;
-        if (past)
-            end = std::partition_point(points.begin(), points.end(),
-                                       [&](const auto& point) { return xOf(point) <= input.plotRight; });
-        if (end == points.begin()) return;
-        const auto& point = *(end - 1);
-        const double x = xOf(point), y = AxisScale::yFor(input.viewport, valueOf(point), input.height);
-        if (!(x >= 0) || !(y > -verticalMargin && y < input.height + verticalMargin)) return;
-        Pill& pill = add();
-        pill.x = x;
-        pill.y = y;
-        pill.past = past;
+        const auto* const point = hangFrom(points, input, ahead, valueOf);
+        if (!point) return;
+        Pill& pill = pills_[used_ - 1];
         pill.fill = fill;
         pill.textColor = textColor;
-        write(pill, point);
+        write(pill, *point);
     };
     const auto value = [](const auto& point) { return point.v; };
     const auto named = [&](std::string_view name) {

@@ -41,6 +41,8 @@ class Pills {
 
  private:
     Pill& add();
+    template <class Point, class ValueOf>
+    const Point* hangFrom(std::span<const Point> points, const Input& input, double ahead, ValueOf valueOf);
 
     std::vector<Pill> pills_;  // the first `used_`; the others keep their memory
     std::size_t used_ = 0;
