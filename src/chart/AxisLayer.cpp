@@ -36,6 +36,8 @@ AxisLayer::AxisLayer(GlyphSource& glyphs, SessionTime& session) : session_(sessi
     timeLabels_.reserve(512);
     labels_.prices.reserve(priceTicks_.values.size());
     labels_.times.reserve(512);
+    labels_.priceTexts.reserve(priceTicks_.values.size());
+    labels_.timeTexts.reserve(512);
 }
 
 void AxisLayer::drawBelow(ScreenFrame& frame) {
@@ -104,25 +106,36 @@ void AxisLayer::findTimeTicks(const ScreenFrame& frame) {
     if (range.begin == range.end) return;
     std::int64_t step = AxisScale::timeTickStep(view, frame.width, timeframe_);
     const double pointsPerSecond = frame.width / view.count / (std::max(timeframe_, 1.0) * 60.0);
-    if (view.count * std::max(timeframe_, 1.0) * 60.0 < 2.0 * static_cast<double>(step)) {
-        for (const std::int64_t finer : {900, 600, 300, 120, 60}) {
-            if (pointsPerSecond * static_cast<double>(finer) < labelPoints) break;
-            step = finer;
-        }
-        for (std::size_t i = range.begin; i < range.end; ++i) {
-            if (frame.candles[i].time % step == 0) timeTicks_.push_back(i);
-        }
-    } else {
-        AxisScale::timeTickIndices(view, frame.width, frame.candles, timeframe_, timeTicks_);
-        while (pointsPerSecond * static_cast<double>(step) < labelPoints && step < 512 * daySeconds) step *= 2;
-        std::erase_if(timeTicks_, [&](std::size_t i) { return frame.candles[i].time % step != 0; });
+    AxisScale::timeTickIndices(view, frame.width, frame.candles, timeframe_, timeTicks_);
+    while (pointsPerSecond * static_cast<double>(step) < labelPoints && step < 512 * daySeconds) step *= 2;
+    std::erase_if(timeTicks_, [&](std::size_t i) { return frame.candles[i].time % step != 0; });
+    nameTicks(frame, step);
+    constexpr std::int64_t minute = 60;
+    for (const std::int64_t minutes : {1440, 720, 480, 240, 120, 60, 30, 15, 10, 5, 2, 1}) {
+        if (minutes * minute >= step) continue;
+        if (wholeTimeLabels(frame) >= 2) break;
+        if (pointsPerSecond * static_cast<double>(minutes * minute) < labelPoints) break;
+        timeTicks_.clear();
+        for (std::size_t i = range.begin; i < range.end; ++i)
+            if (frame.candles[i].time % (minutes * minute) == 0) timeTicks_.push_back(i);
+        nameTicks(frame, minutes * minute);
     }
-    if (timeTicks_.empty() && step >= daySeconds / 2) {
+}
+
+void AxisLayer::nameTicks(const ScreenFrame& frame, std::int64_t step) {
+    timeLabels_.clear();
+    if (timeTicks_.empty() && step >= daySeconds / 2)
         findDays(frame);
-    } else {
+    else
         nameTimeTicks(frame, step);
-    }
     keepApart();
+}
+
+// Those that neither edge of the plot cuts into.
+std::size_t AxisLayer::wholeTimeLabels(const ScreenFrame& frame) const {
+    return static_cast<std::size_t>(std::ranges::count_if(timeLabels_, [&](const TimeLabel& label) {
+        return label.x >= label.width * 0.5 && label.x + label.width * 0.5 <= frame.plot().right();
+    }));
 }
 
 void AxisLayer::nameTimeTicks(const ScreenFrame& frame, std::int64_t step) {
@@ -195,12 +208,14 @@ void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box) {
         double alpha = std::min(fade(y - half), fade(bottom - half - y));
         if (box.shown) alpha *= fade(std::max(box.top - (y + half), (y - half) - box.bottom));
         if (!(alpha > 0.0)) continue;
-        addPrice(frame, price, FontFace::regular, y, textColor(alpha));
+        if (addPrice(frame, price, FontFace::regular, y, textColor(alpha)))
+            labels_.priceTexts.push_back({AxisScale::fmtPrice(price), y});
         labels_.prices.push_back({y - half, y + half});
     }
 }
 
-void AxisLayer::addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color) {
+// False where the axis is too narrow for the text.
+bool AxisLayer::addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color) {
     constexpr double sideRoom = 4.0;
     const auto label = AxisScale::fmtPrice(price);
     TextStyle style{face, axisStyle.pointSize};
@@ -209,9 +224,10 @@ void AxisLayer::addPrice(const ScreenFrame& frame, double price, FontFace face, 
         style.pointSize = 9.0;
         width = painter_.textWidth(label.text(), style);
     }
-    if (width > PlotArea::priceAxisWidth - 2.0 * sideRoom) return;
+    if (width > PlotArea::priceAxisWidth - 2.0 * sideRoom) return false;
     const double right = frame.width - std::min(9.0, PlotArea::priceAxisWidth - sideRoom - width);
     painter_.text(label.text(), style, right, y, TextAlign::right, color);
+    return true;
 }
 
 void AxisLayer::addTimeLabels(const ScreenFrame& frame) {
@@ -222,6 +238,7 @@ void AxisLayer::addTimeLabels(const ScreenFrame& frame) {
         if (!(alpha > 0.0)) continue;
         painter_.text(tick.label.text(), axisStyle, tick.x, y, TextAlign::center, textColor(alpha));
         labels_.times.push_back({tick.x - half, tick.x + half});
+        labels_.timeTexts.push_back({tick.label, tick.x});
     }
 }
 

@@ -14,8 +14,9 @@
 namespace vmr {
 
 /// Labels never touch each other, the view's edges or the last-price box; one that would fades out or is left away.
-/// Where half hours are too wide for the view the time axis names finer steps, and where bars lie on none of the steps
-/// (a stock seen from afar) it names days. Main thread.
+/// Where the half hours of `AxisScale` give fewer than two whole time labels, or more than one in 64 points, the time
+/// axis names finer or coarser steps, and where bars lie on none of the steps (a stock seen from afar) it names days.
+/// Main thread.
 class AxisLayer final : public ScreenLayer {
  public:
     /// Both must outlive the layer. `session` is used on the main thread.
@@ -28,13 +29,21 @@ class AxisLayer final : public ScreenLayer {
     struct Extent {
         double from = 0, to = 0;
     };
+    /// A label and where its middle lies along the axis, points.
+    struct Named {
+        AxisScale::Label text;
+        double at = 0;
+    };
     /// Of the labels in the last frame.
     struct Labels {
         std::vector<Extent> prices, times;
+        std::vector<Named> priceTexts, timeTexts;
         Extent lastPrice;  ///< its box, in whole pixels; empty where it is not shown
         void clear() {
             prices.clear();
             times.clear();
+            priceTexts.clear();
+            timeTexts.clear();
             lastPrice = {};
         }
     };
@@ -56,13 +65,15 @@ class AxisLayer final : public ScreenLayer {
     };
     void findPriceTicks(const ScreenFrame& frame);
     void findTimeTicks(const ScreenFrame& frame);
+    void nameTicks(const ScreenFrame& frame, std::int64_t step);
+    std::size_t wholeTimeLabels(const ScreenFrame& frame) const;
     void findDays(const ScreenFrame& frame);
     void nameTimeTicks(const ScreenFrame& frame, std::int64_t step);
     void keepApart();
     Box tagBox(const ScreenFrame& frame) const;
     void addPriceLabels(const ScreenFrame& frame, const Box& box);
     void addTimeLabels(const ScreenFrame& frame);
-    void addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color);
+    bool addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color);
     void addGrid(const ScreenFrame& frame);
     void addGround(const ScreenFrame& frame, const Box& box);
 

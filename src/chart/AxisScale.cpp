@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <tuple>
 
 namespace vmr::AxisScale {
 
@@ -125,6 +126,24 @@ Label fmtPrice(double value) {
         if (left > 0) append(label, ",");
     }
     append(label, text);
+    return label;
+}
+
+Label fmtHFPill(double value) {
+    Label label;
+    append(label, "HF ");
+    if (!std::isfinite(value)) {
+        append(label, "--");
+        return label;
+    }
+    const double size = std::abs(value);
+    const auto [divisor, digits, unit] = size >= 1e6      ? std::tuple{1e6, 2, "M"}
+                                         : size >= 1000.0 ? std::tuple{1e3, 1, "K"}
+                                                          : std::tuple{1.0, 0, ""};
+    char text[352];  // the greatest double in units of a million
+    const auto end = std::to_chars(text, text + sizeof text, value / divisor, std::chars_format::fixed, digits).ptr;
+    append(label, {text, static_cast<std::size_t>(end - text)});
+    append(label, unit);
     return label;
 }
 

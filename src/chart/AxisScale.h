@@ -56,6 +56,9 @@ void timeTickIndices(const Viewport& viewport, double width, std::span<const Can
 /// "21,000.25": grouped, two decimals, in any locale. "--" for what is not finite; no negative zero.
 Label fmtPrice(double value);
 
+/// A net flow in short: "HF 1.25M", "HF -12.5K", "HF 940", "HF --" for what is not finite.
+Label fmtHFPill(double value);
+
 /// New York wall time: "09:30", or "Jun 10" when `date` is set.
 Label fmtTime(SessionTime& session, std::int64_t time, bool date);
 

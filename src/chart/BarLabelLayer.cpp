@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "chart/PillLayer.h"
+
 namespace vmr {
 
 namespace {
@@ -50,6 +52,8 @@ void BarLabelLayer::findCandidates(const ScreenFrame& frame) {
 
 void BarLabelLayer::addTexts(const ScreenFrame& frame) {
     taken_.clear();
+    if (others)
+        for (const PointRect& box : others->boxes()) taken_.push_back({box.x, box.y, box.right(), box.bottom()});
     for (const Candidate& candidate : candidates_) {
         const BarLabel& label = *candidate.label;
         const TextStyle style{isTag(label) ? FontFace::semibold : FontFace::regular, label.fontSize};

@@ -9,6 +9,8 @@
 
 namespace vmr {
 
+class PillLayer;
+
 /// Draws the frame's `barLabels` over everything that was added to the renderer before. Texts stay inside the plot and
 /// never meet: of two that would, the less important one is left away, with "KGS" before "Gamma Flip" before strikes by
 /// the size of their value. Main thread.
@@ -18,6 +20,8 @@ class BarLabelLayer final : public ScreenLayer {
     explicit BarLabelLayer(GlyphSource& glyphs);
 
     bool drawAbove(ScreenFrame& frame) override;
+
+    const PillLayer* others = nullptr;  ///< whose texts are worth more; null for none
 
  private:
     struct Candidate {

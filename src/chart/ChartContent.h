@@ -22,6 +22,7 @@ struct ChartContent {
     double timeframe = 1;                ///< minutes a bar
     int sessionHHMM = 1800;              ///< session start, 930 for 09:30
     std::string_view simRoot;            ///< futures root that the chart trades; empty: no trading on this chart
+    std::string_view symbol;             ///< as the watermark names it
     const RenderConfig* look = nullptr;  ///< null: the look of `RenderConfig{}`
 
     std::span<const Candle> candles;  ///< strictly ascending by time; the last one is forming
@@ -33,6 +34,7 @@ struct ChartContent {
     double secRatio = 1;
     std::span<const BubblePt> bubbles;  ///< ascending by minute
     std::span<const TrianglePt> triangles;
+    std::string_view secondSymbol;         ///< the paired instrument's; empty for none
     const OverlaySet* overlays = nullptr;  ///< null: no series
     OverlayStyle overlayStyle;
     std::span<const OverlayLine> srLines;  ///< session lines and levels

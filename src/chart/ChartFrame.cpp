@@ -47,8 +47,8 @@ bool ChartRenderer::drawChart(double width, double height, double pixelRatio) {
 
     const Candle& last = candles_.back();
     const double close = forming_.close();
-    ScreenFrame frame{{gpu_, arena_, width, height, pixelRatio}, camera_.viewport(), candles_, close,
-                      CandleGeometry::isUp(last.open, close),    edges_.labels()};
+    ScreenFrame frame{{gpu_, arena_, width, height, pixelRatio}, camera_.viewport(), candles_,         close,
+                      CandleGeometry::isUp(last.open, close),    edges_.labels(),    walls_.firstBar()};
     for (ScreenLayer* layer : screenLayers_) layer->drawBelow(frame);
     encodeLayers(geometry, width, height);
     bool animating = geometry.animating && easing_.alphaClose < 1;

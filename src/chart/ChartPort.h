@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "chart/OverlayFacts.h"
 #include "market/Records.h"
 
 namespace vmr {
@@ -20,6 +21,8 @@ class ChartPort {
     virtual bool interacting() const = 0;
     /// The camera of the last frame; nothing before the first one with bars.
     virtual std::optional<Viewport> viewport() const = 0;
+    /// What is written on it in the last frame; nothing before the first one with bars.
+    virtual std::optional<OverlayFacts> overlayFacts() const { return std::nullopt; }
     /// For a linked pane; null where the chart cannot be followed.
     virtual CameraPort* cameraPort() { return nullptr; }
 };

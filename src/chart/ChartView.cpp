@@ -1,5 +1,6 @@
 #include "chart/ChartView.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "perf/Perf.h"
@@ -9,12 +10,16 @@ namespace vmr {
 ChartView::ChartView(const Surroundings& at)
     : main_(at.main),
       renderer_(at.gpu, at.clock),
+      watermark_(at.glyphs),
       barLabels_(at.glyphs),
       tradingLines_(at.glyphs),
+      pills_(at.glyphs, ribbons_),
       axes_(at.glyphs, at.session),
       input_(renderer_, at.session, at.clock, at.main, at.perf) {
+    renderer_.addScreenLayer(watermark_);
     renderer_.addScreenLayer(barLabels_);
     renderer_.addScreenLayer(tradingLines_);
+    renderer_.addScreenLayer(pills_);
     renderer_.addScreenLayer(axes_);
     renderer_.perf = at.perf;
     renderer_.onNeedsDisplay = [this] { askForFrame(); };
@@ -22,6 +27,8 @@ ChartView::ChartView(const Surroundings& at)
         if (source_) source_->interactionEnded();
     };
     tradingLines_.trading = at.trading;
+    barLabels_.others = &pills_;
+    pills_.account = &tradingLines_;
     input_.trading = at.trading;
     input_.drawnMarks = &tradingLines_.marks();
     input_.onMarketClosedOrder = [this] {
@@ -79,6 +86,7 @@ void ChartView::startOver() {
     shown_.reset();
     ribbonsDue_ = false;
     ribbons_.clear();
+    pills_.clear();
     input_.letGo();
     renderer_.startOver();
     viewport_->publish(std::nullopt);
@@ -104,6 +112,7 @@ void ChartView::setContent(const ChartContent& content) {
     renderer_.sessionHHMM = content.sessionHHMM;
     if (differs(&Revisions::look)) renderer_.setRenderConfig(content.look ? *content.look : RenderConfig{});
     if (differs(&Revisions::levels)) renderer_.setLevels(content.levels);
+    showNames(content, differs(&Revisions::levels) || differs(&Revisions::look));
     if (differs(&Revisions::strikes)) renderer_.setStrikes(content.strikes, content.etfRatio, content.flipStrike);
     if (differs(&Revisions::secStrikes)) renderer_.setSecStrikes(content.secStrikes, content.secRatio);
     setRoot(content.simRoot);
@@ -122,8 +131,16 @@ void ChartView::setContent(const ChartContent& content) {
     if (hadBars && renderer_.candles().empty()) askForFrame();
 }
 
+void ChartView::showNames(const ChartContent& content, bool newWalls) {
+    bool asks = pills_.setSecondSymbol(content.secondSymbol);
+    asks |= watermark_.set(content.symbol, content.timeframe);
+    if (newWalls) asks |= pills_.setWalls(content.levels, !content.look || content.look->wallsEnabled);
+    if (asks) askForFrame();
+}
+
 void ChartView::makeRibbons(const ChartContent& content) {
     ribbonsDue_ = false;
+    if (pills_.setLines(content.srLines, content.revisions.srLines, content.overlayStyle)) askForFrame();
     renderer_.setOverlayGeometry(ribbons_.make({.series = content.overlays,
                                                 .lines = content.srLines,
                                                 .linesRevision = content.revisions.srLines,
@@ -141,6 +158,26 @@ void ChartView::setBars(std::span<const Candle> candles) {
     renderer_.setCandles(candles);
     barsMoved_ = barsMoved_ || before != ends();
     if (renderer_.perf && !renderer_.candles().empty()) renderer_.perf->startUp("bars");
+}
+
+std::optional<OverlayFacts> ChartView::overlayFacts() const {
+    if (!viewport()) return std::nullopt;
+    OverlayFacts out;
+    for (const PillLayer::Mark& mark : pills_.marks()) {
+        Rgba color = mark.fill;
+        color[3] *= static_cast<float>(mark.opacity);
+        (mark.pill ? out.pills : out.labels).push_back({std::string(mark.text), mark.box, color});
+    }
+    std::ranges::reverse(out.pills);
+    const auto ticks = [](const std::vector<AxisLayer::Named>& labels, std::vector<OverlayFacts::Tick>& to) {
+        for (const AxisLayer::Named& label : labels) to.push_back({std::string(label.text.text()), label.at});
+    };
+    ticks(axes_.labels().priceTexts, out.prices);
+    ticks(axes_.labels().timeTexts, out.times);
+    if (!watermark_.shown()) return out;
+    if (!watermark_.title().empty()) out.watermark.emplace_back(watermark_.title());
+    out.watermark.push_back(std::string(WatermarkLayer::nameBegin).append(WatermarkLayer::nameEnd));
+    return out;
 }
 
 bool ChartView::record(double width, double height, double pixelRatio, double nowMonotonic, bool whole) {

@@ -18,8 +18,10 @@
 #include "chart/ChartRenderer.h"
 #include "chart/ChartSource.h"
 #include "chart/OverlayRibbons.h"
+#include "chart/PillLayer.h"
 #include "chart/TradingLinesLayer.h"
 #include "chart/ViewportState.h"
+#include "chart/WatermarkLayer.h"
 #include "gpu/GlyphSource.h"
 #include "market/SessionTime.h"
 
@@ -101,6 +103,7 @@ class ChartView final : public ChartPort, public CameraPort {
     ChartRenderer& renderer() { return renderer_; }
     ChartInput& input() { return input_; }
     const AxisLayer& axes() const { return axes_; }
+    const PillLayer& pills() const { return pills_; }
     /// Tells the source what the pointer is over, in a plot of this size; nothing for no pointer. Told again after the
     /// camera has moved.
     void pointerAt(const std::optional<ChartPoint>& point, double width, double height);
@@ -111,6 +114,7 @@ class ChartView final : public ChartPort, public CameraPort {
     void contentChanged() override;
     bool interacting() const override { return renderer_.interacting(); }
     std::optional<Viewport> viewport() const override { return viewport_->get(); }
+    std::optional<OverlayFacts> overlayFacts() const override;
     CameraPort* cameraPort() override { return this; }
 
     // CameraPort
@@ -139,6 +143,7 @@ class ChartView final : public ChartPort, public CameraPort {
     bool onlyDataDiffers(const ChartContent& content) const;
     void startOver();
     void setRoot(std::string_view root);
+    void showNames(const ChartContent& content, bool newWalls);
     void makeRibbons(const ChartContent& content);
     void setBars(std::span<const Candle> candles);
     template <class Move>
@@ -146,11 +151,13 @@ class ChartView final : public ChartPort, public CameraPort {
 
     MainLoop& main_;
     ChartRenderer renderer_;
+    OverlayRibbons ribbons_;
+    WatermarkLayer watermark_;
     BarLabelLayer barLabels_;
     TradingLinesLayer tradingLines_;
+    PillLayer pills_;
     AxisLayer axes_;
     ChartInput input_;
-    OverlayRibbons ribbons_;
     std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();
     WeakTask whileThere_;
     ChartSource* source_ = nullptr;

@@ -19,6 +19,7 @@ bool KeptWalls::set(std::span<const PriceLevel> levels) {
 
 void KeptWalls::make(bool shown, std::size_t firstBar, std::size_t lastBar, const DataOrigin& origin) {
     dirty = false;
+    firstBar_ = firstBar;
     vertices_.clear();
     if (shown) {
         const auto start = static_cast<float>(static_cast<double>(firstBar) - origin.bar);

@@ -1,6 +1,7 @@
 // The call and put walls of a chart, on the GPU.
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -21,6 +22,8 @@ class KeptWalls {
     /// For bars `firstBar` to `lastBar`; empty unless they are `shown`. A level without a finite price is left out.
     void make(bool shown, std::size_t firstBar, std::size_t lastBar, const DataOrigin& origin);
     void draw() const { list_.draw(); }
+    /// The bar that they begin at.
+    std::size_t firstBar() const { return firstBar_; }
 
     bool dirty = true;
 
@@ -28,6 +31,7 @@ class KeptWalls {
     std::vector<PriceLevel> levels_;
     KeptList list_;
     std::vector<LineVertex> vertices_;
+    std::size_t firstBar_ = 0;
 };
 
 }  // namespace vmr

@@ -67,18 +67,24 @@ void flowTo(std::vector<LineVertex>& verts, std::span<const OvColorPoint> points
     line(verts, crossing, {b.idx, b.v}, width, b.positive ? blue : red, origin);
 }
 
+std::optional<LineSpan> lineSpan(const OverlayLine& line, std::span<const Candle> candles) {
+    if (candles.empty() || !std::isfinite(line.price)) return std::nullopt;
+    if (line.endTime && *line.endTime <= candles.front().time) return std::nullopt;
+    const std::size_t first = barAt(candles, line.startTime);
+    const std::size_t last = line.endTime ? barAt(candles, *line.endTime) : candles.size() - 1;
+    return first < last ? std::optional(LineSpan{first, last}) : std::nullopt;
+}
+
 void srLines(std::vector<LineVertex>& verts, std::vector<LineVertex>& dashed, std::span<const OverlayLine> lines,
              std::span<const Candle> candles, double opacity, const DataOrigin& origin) {
-    if (candles.empty()) return;
     constexpr float gray = 0.667F;
     const double alpha = opacity > 0 ? std::min(opacity, 1.0) : 0.0;
     const Rgba color{gray, gray, gray, static_cast<float>(alpha)};
     for (const OverlayLine& level : lines) {
-        if (!std::isfinite(level.price) || (level.endTime && *level.endTime <= candles.front().time)) continue;
-        const std::size_t a = barAt(candles, level.startTime);
-        const std::size_t b = level.endTime ? barAt(candles, *level.endTime) : candles.size() - 1;
-        if (a >= b) continue;
-        const Spot start{static_cast<double>(a), level.price}, end{static_cast<double>(b), level.price};
+        const auto bars = lineSpan(level, candles);
+        if (!bars) continue;
+        const Spot start{static_cast<double>(bars->first), level.price},
+            end{static_cast<double>(bars->last), level.price};
         line(level.dashed ? dashed : verts, start, end, 1, color, origin);
     }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -27,6 +28,12 @@ void flowTo(std::vector<LineVertex>& verts, std::span<const OvColorPoint> points
 /// their own. `opacity` is held within 0 to 1.
 void srLines(std::vector<LineVertex>& verts, std::vector<LineVertex>& dashed, std::span<const OverlayLine> lines,
              std::span<const Candle> candles, double opacity, const DataOrigin& origin);
+
+/// The bars over which a line goes; nothing for one that has no price or covers no two bars.
+struct LineSpan {
+    std::size_t first = 0, last = 0;
+};
+std::optional<LineSpan> lineSpan(const OverlayLine& line, std::span<const Candle> candles);
 
 /// The paired instrument's candle number `i`.
 void secondCandle(std::vector<CandleVertex>& verts, std::span<const OvCandle> candles, std::size_t i,

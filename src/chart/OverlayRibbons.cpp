@@ -87,6 +87,8 @@ const OverlayLists& OverlayRibbons::make(const Input& input) {
 
 void OverlayRibbons::makeSeries(const OverlaySet& series, const OverlayStyle& style, const DataOrigin& origin) {
     using namespace OverlayGeometry;
+    anchor_ = series.anchor;
+    vixSpot_ = series.vixSpot;
     const struct {
         const std::vector<OvPoint>& points;
         double width;
@@ -111,6 +113,16 @@ void OverlayRibbons::makeSeries(const OverlaySet& series, const OverlayStyle& st
                  [&](std::size_t i) { flowTo(flow.vertices, series.hfLine, i, 2.0, blue, red, origin); });
     second_.update(lists_.second, series.secondCandles, true, origin,
                    [&](std::size_t i) { secondCandle(lists_.second.vertices, series.secondCandles, i, origin); });
+}
+
+OverlayPoints OverlayRibbons::points() const {
+    return {lines_[0].points(),
+            lines_[1].points(),
+            lines_[2].points(),
+            flow_.points(),
+            second_.points(),
+            anchor_,
+            vixSpot_};
 }
 
 void OverlayRibbons::clear() {

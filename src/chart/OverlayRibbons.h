@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -14,6 +15,15 @@
 #include "market/Records.h"
 
 namespace vmr {
+
+/// The points that ribbons were made of, and what is told of them beside their places.
+struct OverlayPoints {
+    std::span<const OvPoint> vwapMain, vwapNY, vixLine;
+    std::span<const OvColorPoint> hfLine;
+    std::span<const OvCandle> secondCandles;
+    OverlaySet::Anchor anchor;
+    std::optional<double> vixSpot;
+};
 
 /// What the vertices of a series were made of: they are made anew only from the first point on that is another.
 template <class Point, class Look>
@@ -26,6 +36,7 @@ class SeriesSource {
                 Add&& add);
     template <class Vertex>
     void clear(SeriesList<Vertex>& out);
+    const std::vector<Point>& points() const { return points_; }
 
  private:
     template <class Vertex>
@@ -54,6 +65,8 @@ class OverlayRibbons {
 
     /// The lists for `input`; valid until the next call.
     const OverlayLists& make(const Input& input);
+    /// What they were made of; valid until the next call.
+    OverlayPoints points() const;
     /// Forgets the chart: what `make` gives next depends on nothing from before.
     void clear();
 
@@ -81,6 +94,8 @@ class OverlayRibbons {
     SeriesSource<OvColorPoint, double> flow_;
     SeriesSource<OvCandle, bool> second_;
     LineInputs lineInputs_;
+    OverlaySet::Anchor anchor_;
+    std::optional<double> vixSpot_;
 };
 
 }  // namespace vmr

@@ -14,6 +14,7 @@ struct OverlayStyle {
     bool showOpen = true;    ///< the session's open
     bool showPrev = true;    ///< what the session before left: high, low, close
     bool showLevels = true;  ///< support and resistance
+    bool lineRates = true;   ///< the VWAP lines' pills tell their values
     bool operator==(const OverlayStyle&) const = default;
 };
 

@@ -15,6 +15,7 @@ struct ScreenFrame : PaintSurface {
     double lastPrice = 0;                      ///< the eased close, where the price line lies
     bool rising = true;                        ///< the forming bar is up
     std::span<const BarLabel> barLabels = {};  ///< beside the strike bars; valid for the frame
+    std::size_t wallsFrom = 0;                 ///< the bar at which walls begin
 };
 
 /// A layer of the renderer's frame, drawn with the very camera that the candles have. It sets pipeline and uniforms of

@@ -18,10 +18,21 @@ Rgba colorOf(const LineMark& mark) {
 
 }  // namespace
 
-bool TradingLinesLayer::drawAbove(ScreenFrame& frame) {
+// Other texts make room for the labels, so they are there before anything is drawn.
+void TradingLinesLayer::drawBelow(ScreenFrame& frame) {
     marks_.clear();
-    if (!trading || root.empty()) return false;
+    labelBoxes_.clear();
+    if (!trading || root.empty()) return;
     marks_.build(*trading, root, frame.viewport, frame.width, frame.height);
+    painter_.paint(frame, [&] {
+        labelBoxes_.clear();
+        for (const LineMark& mark : marks_.list())
+            if (mark.labelled) labelBoxes_.push_back(labelBox(frame, mark));
+    });
+}
+
+bool TradingLinesLayer::drawAbove(ScreenFrame& frame) {
+    if (marks_.list().empty()) return false;
     return painter_.paint(frame, [&] {
         for (const LineMark& mark : marks_.list()) addLine(frame, mark);
         for (const LineMark& mark : marks_.list()) addLabel(frame, mark);
@@ -38,13 +49,19 @@ void TradingLinesLayer::addLine(const ScreenFrame& frame, const LineMark& mark) 
 }
 
 // The box ends at the close marks' column, or behind the mark.
+PointRect TradingLinesLayer::labelBox(const ScreenFrame& frame, const LineMark& mark) {
+    const double columnEnd = LineMarks::closeMarkEdge(frame.width) + 2, column = columnEnd - LineMarks::closeMarkWidth;
+    const double left = column - painter_.textWidth(mark.label, labelStyle) - 2 * boxPadding;
+    const double right = mark.closable() ? columnEnd : column;
+    return {left, mark.y - LineMarks::closeMarkHeight / 2, right - left, LineMarks::closeMarkHeight};
+}
+
 void TradingLinesLayer::addLabel(const ScreenFrame& frame, const LineMark& mark) {
     if (!mark.labelled) return;
-    const double columnEnd = LineMarks::closeMarkEdge(frame.width) + 2, column = columnEnd - LineMarks::closeMarkWidth;
     const double pixel = 1 / frame.pixelRatio;
-    const double width = painter_.textWidth(mark.label, labelStyle);
-    const double left = column - width - 2 * boxPadding, right = mark.closable() ? columnEnd : column;
-    const double top = mark.y - LineMarks::closeMarkHeight / 2, bottom = mark.y + LineMarks::closeMarkHeight / 2;
+    const PointRect box = labelBox(frame, mark);
+    const double left = box.x, right = box.right(), top = box.y, bottom = box.bottom();
+    const double columnEnd = LineMarks::closeMarkEdge(frame.width) + 2, column = columnEnd - LineMarks::closeMarkWidth;
     const Rgba color = colorOf(mark);
     painter_.rect(left, top, right, bottom, color);
     painter_.rect(left + pixel, top + pixel, right - pixel, bottom - pixel, backColor);

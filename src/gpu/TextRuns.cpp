@@ -40,7 +40,10 @@ char32_t takeCharacter(std::string_view& text) {
 }  // namespace
 
 TextRuns::TextRuns(GlyphSource& glyphs) : glyphs_(glyphs), runs_(sets_ * ways_) {
-    for (Run& run : runs_) run.quads.reserve(16);
+    for (Run& run : runs_) {
+        run.text.reserve(32);
+        run.quads.reserve(16);
+    }
     vertices_.reserve(4096);
 }
 

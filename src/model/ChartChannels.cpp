@@ -36,6 +36,10 @@ std::string ChartChannels::currentSymbol() const {
     return isStock() ? chartChannel.substr(stockPrefix.size()) : futuresRoot(chartChannel);
 }
 
+std::string_view ChartChannels::symbolView() const {
+    return isStock() ? std::string_view(chartChannel).substr(stockPrefix.size()) : simRoot;
+}
+
 std::string ChartChannels::source() const {
     std::string out = levelsChannel;
     for (auto at = out.find(derivedPrefix); at != std::string::npos; at = out.find(derivedPrefix))

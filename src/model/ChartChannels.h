@@ -29,6 +29,8 @@ struct ChartChannels {
     bool isStock() const { return chartChannel.starts_with("stocks:"); }
     /// A stock's symbol, else the futures root; empty for neither.
     std::string currentSymbol() const;
+    /// The same without a copy.
+    std::string_view symbolView() const;
     /// The options source, such as "QQQ"; empty for none.
     std::string source() const;
     bool operator==(const ChartChannels&) const = default;

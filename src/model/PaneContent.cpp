@@ -28,6 +28,7 @@ ChartContent AppModel::chartContent() const {
     out.timeframe = bars.timeframe;
     out.sessionHHMM = sessionHHMM();
     out.simRoot = channels->simRoot;
+    out.symbol = channels->symbolView();
     out.look = &look_->config;
     out.candles = bars.displayCandles.get();
     out.levels = options.levels.get();
@@ -38,6 +39,7 @@ ChartContent AppModel::chartContent() const {
     out.secRatio = options.secEtfRatio;
     out.bubbles = markers.bubblePts.get();
     out.triangles = markers.trianglePts.get();
+    out.secondSymbol = channels->secondSymbol;
     out.overlays = &overlays.series();
     out.overlayStyle = look_->overlays;
     out.srLines = sessionLevels.srLines.get();

@@ -48,6 +48,7 @@ OverlayStyle overlayStyle(const GexConfig& config) {
     out.showOpen = config.sessionEnabled && config.showOpen;
     out.showPrev = config.sessionEnabled && config.showPrev;
     out.showLevels = config.levelsEnabled;
+    out.lineRates = config.lineRates;
     return out;
 }
 

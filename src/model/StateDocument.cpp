@@ -87,6 +87,34 @@ void addOverlays(json& out, const OverlaySet& series) {
     out["secondCandles"] = list(series.secondCandles);
 }
 
+json texts(const std::vector<OverlayFacts::Text>& list, bool colored) {
+    json out = json::array();
+    for (const auto& [text, box, color] : list) {
+        json one = {{"text", text}, {"box", {box.x, box.y, box.width, box.height}}};
+        if (colored) one["color"] = color;
+        out.push_back(std::move(one));
+    }
+    return out;
+}
+
+json ticks(const std::vector<OverlayFacts::Tick>& list) {
+    json out = json::array();
+    for (const auto& [text, at] : list) out.push_back({{"text", text}, {"at", at}});
+    return out;
+}
+
+// What is written on the pane's chart.
+void addOverlayTexts(json& out, const AppModel& pane) {
+    const ChartPort* chart = pane.camera.port();
+    const auto facts = chart ? chart->overlayFacts() : std::nullopt;
+    out["overlay"] = nullptr;
+    if (!facts) return;
+    out["overlay"] = {{"pills", texts(facts->pills, true)},
+                      {"labels", texts(facts->labels, false)},
+                      {"ticks", {{"prices", ticks(facts->prices)}, {"times", ticks(facts->times)}}},
+                      {"watermark", facts->watermark}};
+}
+
 void addCatalog(json& out, const AppModel& pane) {
     out["catFutures"] = json::array();
     for (const CatalogFut& fut : pane.catalog.catFutures.get())
@@ -168,6 +196,7 @@ json paneDocument(const AppModel& pane) {
     out["vixCandles"] = bars(pane.bars.vixCandles);
     addDerived(out, pane);
     addOverlays(out, pane.overlays.series());
+    addOverlayTexts(out, pane);
     out["feedRepairs"] = json::object();
     for (const auto& [channel, count] : pane.feedRepairs.byChannel()) out["feedRepairs"][channel] = count.elements;
     out["config"] = json::parse(pane.config->toJson());

@@ -80,6 +80,7 @@ struct SceneData {
                 .timeframe = 1,
                 .sessionHHMM = 1800,
                 .simRoot = "NQ",
+                .symbol = "NQ",
                 .look = &config,
                 .candles = candles,
                 .levels = levels,
@@ -90,6 +91,7 @@ struct SceneData {
                 .secRatio = secRatio,
                 .bubbles = bubbles,
                 .triangles = triangles,
+                .secondSymbol = "ES",
                 .overlays = &series,
                 .overlayStyle = style,
                 .srLines = srLines,
@@ -109,7 +111,7 @@ struct SceneData {
             for (OvPoint& point : points) point.v += 3;
             *line = points;
         }
-        srLines.push_back({candles.back().close + 7, candles.front().time, std::nullopt, "", true});
+        srLines.push_back({candles.back().close + 7, candles.front().time, std::nullopt, "R1", true});
     }
     static double wave(std::size_t i) { return std::sin(static_cast<double>(i) * 0.7); }
     static std::vector<StrikeRow> rows(std::size_t count, double middle) {

@@ -34,6 +34,7 @@ struct LineMarksTest : RecordedScene {
         gpu.beginFrame(width, height, 1);
         arena.beginFrame();
         ScreenFrame frame{{gpu, arena, width, height, 1}, viewport, {}};
+        layer.drawBelow(frame);
         const bool animating = layer.drawAbove(frame);
         gpu.endFrame();
         return animating;

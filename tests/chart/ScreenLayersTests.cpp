@@ -102,6 +102,32 @@ TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
     EXPECT_GT(seen, 15000U);
 }
 
+TEST_F(AxisLayerTest, TimesAreNamedAtTheStepThatFits) {
+    const struct {
+        const char* name;
+        double width, first, count;
+        std::vector<std::string> times;
+    } cases[] = {
+        {"half hours", 1000, 100, 60, {"10:00", "10:30"}},
+        {"one of which the plot's edge cuts", 1000, 125, 60, {"10:15", "10:30", "10:45"}},
+        {"the first finer step that gives two", 1000, 128, 12, {"10:10", "10:15"}},
+        {"no room for a finer step", 250, 125, 60, {"10:30"}},
+        {"another day", 1000, 900, 200, {"23:30", "Jun 11", "00:30", "01:00", "01:30", "02:00"}},
+        {"a coarser one", 400, 0, 1400, {"12:00", "16:00", "20:00", "Jun 11"}},
+    };
+    renderer.setCandles(bars(1500));
+    for (const auto& [name, points, first, count, times] : cases) {
+        SCOPED_TRACE(name);
+        width = points;
+        frame();
+        renderer.mirrorView(first, count);
+        frame();
+        std::vector<std::string> named;
+        for (const auto& tick : axes.labels().timeTexts) named.emplace_back(tick.text.text());
+        EXPECT_EQ(named, times);
+    }
+}
+
 TEST(AxisScale, PriceStepsAreOneTwoOrFiveOfAPowerOfTen) {
     for (const auto& [range, step] : {std::pair(14.0, 1.0), {15, 2}, {30, 5}, {69, 5}, {70, 10}})
         EXPECT_EQ(AxisScale::priceTicks({0, 1, 100, 100 + range}, 500).step, step) << range;

@@ -67,8 +67,23 @@ TEST_F(PaneStates, TellsTheAccountQuotesAndOnlySettingsThatDiffer) {
     model.reset();  // it must not outlive the account
 }
 
+struct WrittenChart final : ChartPort {
+    void contentChanged() override {}
+    bool interacting() const override { return false; }
+    std::optional<Viewport> viewport() const override { return std::nullopt; }
+    std::optional<OverlayFacts> overlayFacts() const override {
+        return OverlayFacts{{{"HF 7", {1, 2, 3, 4}, {0, 0.5F, 1, 0.25F}}},
+                            {{"R1 2.00", {5, 6, 7, 8}, {}}},
+                            {{"21.00", 9}},
+                            {{"09:30", 10}, {"Jun 11", 11}},
+                            {"NQ 1m", "Velmora"}};
+    }
+};
+
 TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
     openSymbol("NQ");
+    WrittenChart chart;
+    model->setChartPort(&chart);
     model->log.append("quote \" and \xff and \n");
     model->bars.candles = {{minute, std::nan(""), HUGE_VAL, -HUGE_VAL, 0.1, 1e-310}, {INT64_MAX, 1, 2, 3, 4, 5}};
     AppModel other(surroundings());
@@ -81,6 +96,12 @@ TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
     EXPECT_EQ(pane["candles"].text(),
               "[[1781100000,null,null,null,0.1,1e-310],[9223372036854775807,1.0,2.0,3.0,4.0,5.0]]");
     EXPECT_EQ(pane["config"].size(), 60u);
+    EXPECT_EQ(pane["overlay"].text(),
+              R"({"pills":[{"text":"HF 7","box":[1.0,2.0,3.0,4.0],"color":[0.0,0.5,1.0,0.25]}],)"
+              R"("labels":[{"text":"R1 2.00","box":[5.0,6.0,7.0,8.0]}],"ticks":{"prices":[{"text":"21.00","at":9.0}],)"
+              R"("times":[{"text":"09:30","at":10.0},{"text":"Jun 11","at":11.0}]},"watermark":["NQ 1m","Velmora"]})");
+    EXPECT_EQ((*std::next((*document)["panes"].items().begin()))["overlay"].kind(), JsonView::Kind::null);
+    model->setChartPort(nullptr);
 }
 
 }  // namespace

@@ -1,0 +1,91 @@
+// Where texts go that would lie on each other.
+#include "chart/LabelLayout.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+namespace vmr::test {
+namespace {
+
+using enum LabelRank;
+
+TEST(LabelLayout, TheLesserTextStepsAsideOrFades) {
+    struct Case {
+        const char* name;
+        std::vector<LabelBox> boxes;  // in the view from 0 to 200
+        std::vector<double> places;   // -1: not shown
+    };
+    const auto box = [](double y, LabelRank rank, double left = 0, bool fixed = false) {
+        return LabelBox{.left = left, .right = left + 50, .height = 16, .wantedY = y, .rank = rank, .fixed = fixed};
+    };
+    const Case cases[] = {
+        {"room for all", {box(50, level), box(67, level)}, {50, 67}},
+        {"the lesser goes to the side that it lies on", {box(55, level), box(50, pill), box(45, wall)}, {67, 50, 33}},
+        {"of a rank the first stays", {box(50, level), box(50, level), box(50, level)}, {50, 33, 67}},
+        {"a third finds no room on the near side", {box(50, pill), box(52, wall), box(54, level)}, {50, 67, 33}},
+        {"side by side", {box(50, pill), box(50, level, 50)}, {50, 50}},
+        {"the view's edges", {box(3, pill), box(196, pill), box(-20, wall), box(232, wall)}, {8, 192, -1, -1}},
+        {"fixed ones stay, the others make room",
+         {box(50, pill), box(50, trading, 0, true), box(60, trading, 0, true), box(-30, trading, 0, true)},
+         {33, 50, 60, -30}},
+        {"no room within reach",
+         {box(42, trading, 0, true), box(58, trading, 0, true), box(74, trading, 0, true), box(26, trading, 0, true),
+          box(90, trading, 0, true), box(10, trading, 0, true), box(50, pill)},
+         {42, 58, 74, 26, 90, 10, -1}},
+        {"no price", {box(NAN, pill), box(50, level)}, {-1, 50}},
+    };
+    LabelLayout layout;
+    for (const auto& [name, boxes, places] : cases) {
+        SCOPED_TRACE(name);
+        layout.clear();
+        for (const LabelBox& one : boxes) layout.add(one);
+        layout.arrange(0, 200);
+        for (std::size_t i = 0; i < boxes.size(); ++i) {
+            const LabelBox& placed = layout.boxes()[i];
+            EXPECT_NEAR(placed.opacity > 0 ? placed.y : -1, places[i], 1e-9) << i;
+        }
+    }
+}
+
+TEST(LabelLayout, RandomTextsNeverOverlapNorLeaveTheirPrice) {
+    std::mt19937 random(11);
+    const auto between = [&](double lo, double hi) { return std::uniform_real_distribution(lo, hi)(random); };
+    LabelLayout layout;
+    std::size_t moved = 0, shown = 0;
+    for (int round = 0; round < 400 && !testing::Test::HasFailure(); ++round) {
+        const double height = between(60, 900);
+        const int count = static_cast<int>(between(2, 60));
+        layout.clear();
+        for (int i = 0; i < count; ++i) {
+            const double left = between(0, 300);
+            layout.add({.left = left,
+                        .right = left + between(20, 160),
+                        .height = i % 3 == 0 ? 18.0 : 16.0,
+                        .wantedY = between(-20, height + 20),
+                        .rank = static_cast<LabelRank>(i % 4),
+                        .fixed = i % 9 == 4});
+        }
+        layout.arrange(0, height);
+        const auto boxes = layout.boxes();
+        for (std::size_t i = 0; i < boxes.size(); ++i) {
+            const LabelBox& a = boxes[i];
+            if (a.fixed || !(a.opacity > 0)) continue;
+            ++shown;
+            if (a.y != a.wantedY) ++moved;
+            EXPECT_TRUE(a.top() >= 0 && a.bottom() <= height) << round;
+            EXPECT_LT(std::abs(a.y - a.wantedY), LabelLayout::reach) << round;
+            for (std::size_t j = 0; j < boxes.size(); ++j) {
+                const LabelBox& b = boxes[j];
+                if (i == j || !(b.opacity > 0) || a.right <= b.left || b.right <= a.left) continue;
+                EXPECT_TRUE(a.bottom() <= b.top() || b.bottom() <= a.top()) << round << ": " << i << " and " << j;
+            }
+        }
+    }
+    EXPECT_GT(moved, 1000U);
+    EXPECT_GT(shown, moved);
+}
+
+}  // namespace
+}  // namespace vmr::test
