@@ -10,6 +10,7 @@
 
 #include "chart/ChartInput.h"
 #include "ui/chart/CrosshairState.h"
+#include "ui/chart/HudState.h"
 #include "ui/gpu/FrameItem.h"
 #include "ui/pane/PaneViewModel.h"
 
@@ -25,6 +26,7 @@ class ChartItem : public FrameItem {
     Q_PROPERTY(vmr::PaneViewModel* pane READ pane WRITE setPane NOTIFY paneChanged)
     Q_PROPERTY(vmr::CrosshairState* crosshair READ crosshair CONSTANT)
     Q_PROPERTY(vmr::CrosshairState* peerCrosshair READ peerCrosshair CONSTANT)
+    Q_PROPERTY(vmr::HudState* hud READ hud CONSTANT)
     Q_PROPERTY(QVariantList orderMenu READ orderMenu NOTIFY orderMenuRequested)
 
  public:
@@ -37,6 +39,8 @@ class ChartItem : public FrameItem {
     CrosshairState* crosshair();
     /// Where the linked pane's pointer is in this chart.
     CrosshairState* peerCrosshair();
+    /// The line of values over the chart, and what else follows the frames in items of its own.
+    HudState* hud();
 
     /// The entries of the last right click: { text, separator }.
     QVariantList orderMenu() const;
@@ -87,6 +91,7 @@ class ChartItem : public FrameItem {
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
     void updatePeerCrosshair();
+    void updateHud();
     void refresh(CrosshairState& crosshair);
     void endOrderMenu();
     void endInput();

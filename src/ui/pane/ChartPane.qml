@@ -11,6 +11,7 @@ FocusScope {
     property bool inSecondPlace: false
     property bool marked: false  // of two panes the one that has the keyboard
     readonly property alias toolbarHeight: toolbar.height
+    readonly property real headHeight: toolbar.height + (hud.visible ? hud.y + hud.height : 0)  // which notices lie below
 
     signal entered
 
@@ -63,6 +64,31 @@ FocusScope {
                 chart.magnify(activeScale / lastScale - 1);
                 lastScale = activeScale;
             }
+        }
+        Rectangle {
+            objectName: "litStrike"
+            visible: chart.hud.litFrom < chart.hud.litTo && !paneView.view.pictureTaken
+            x: chart.width - chart.crosshair.priceAxisWidth - width
+            y: chart.hud.litFrom
+            width: Math.max((chart.width * 0.25 - 90) * 0.8, 40)
+            height: chart.hud.litTo - chart.hud.litFrom
+            color: "#18ffffff"
+        }
+        Hud {
+            id: hud
+            objectName: "hud"
+            x: 6
+            y: 6
+            hud: chart.hud
+            room: Math.max(0, chart.width - chart.crosshair.priceAxisWidth - 2 * x)
+            wraps: chart.width < 900
+        }
+        Clocks {
+            anchors.fill: parent
+            visible: !paneView.pane.chart.empty
+            clocks: paneView.pane.clocks
+            hud: chart.hud
+            timeAxis: chart.crosshair.timeAxisHeight
         }
         Crosshair {
             anchors.fill: parent

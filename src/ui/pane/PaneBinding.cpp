@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "model/AppModel.h"
+#include "model/ClockTexts.h"
 #include "model/Expirations.h"
 #include "sim/SimEngine.h"
 #include "store/SettingTable.h"
@@ -21,7 +22,13 @@ constexpr const char* lastEmailKey = "vmr.lastEmail";
 
 PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, const std::string& setupProblem,
                          const std::string& signInHint, SimEngine* sim)
-    : model_(model), view_(view), main_(main), setupProblem_(text(setupProblem)), signInHint_(text(signInHint)) {
+    : model_(model),
+      view_(view),
+      main_(main),
+      setupProblem_(text(setupProblem)),
+      signInHint_(text(signInHint)),
+      second_(model.clock(), main),
+      steered_(model.clock().onSteered(main, [this](const ClockSteering&) { mark(clockConcern); })) {
     setActions();
     watch();
     if (sim)
@@ -103,6 +110,7 @@ void PaneBinding::watch() {
           model_.config, model_.surface.gex3D, model_.panels.configPanelOpen, model_.panels.templatesPanelOpen,
           model_.panels.accountPanelOpen, model_.panels.simPanelOpen);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
+    watch(clockConcern, model_.session.isSignedIn, model_.config, model_.channels, model_.bars.timeframe);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
     watch(panelsConcern, model_.panels.accountPanelOpen, model_.panels.templatesPanelOpen);
     watch(templatesConcern, model_.templates.list, model_.templates.busy, model_.templates.loading,
@@ -124,9 +132,12 @@ void PaneBinding::flush() {
     if (concerns & toolbarConcern) view_.toolbar.set(toolbarState());
     if (concerns & toastConcern) view_.toast.set(toastState());
     if (concerns & chartConcern) {
-        view_.chart.setEmpty(model_.bars.displayCandles->empty());
+        const bool empty = model_.bars.displayCandles->empty();
+        if (empty != view_.chart.empty()) concerns |= clockConcern;
+        view_.chart.setEmpty(empty);
         view_.chart.setAccountProblem(text(model_.notices.accountProblem->value_or("")));
     }
+    if (concerns & clockConcern) showClocks();
     if (concerns & panelsConcern)
         view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen,
                           .templatesPanelOpen = model_.panels.templatesPanelOpen});
@@ -135,6 +146,18 @@ void PaneBinding::flush() {
         if (!model_.session.isSignedIn) closePanels();  // nobody's, on the form
         view_.session.set(sessionState());
     }
+}
+
+// Countdown and clock change together, once a second of real time at most, so that they cost one repaint.
+void PaneBinding::showClocks() {
+    constexpr double least = 0.9;  // real seconds: at the market's own pace none is left out
+    const ClockTexts texts = clockTexts(model_);
+    view_.clocks.set(texts.countdown.text(), texts.clock.text(), texts.practice.text());
+    if (!texts.any())
+        second_.cancel();
+    else if (!second_.active())
+        second_.every(
+            1, [this] { showClocks(); }, least);
 }
 
 void PaneBinding::closePanels() {

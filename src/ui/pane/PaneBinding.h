@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/MarketTimer.h"
 #include "base/SerialQueue.h"
 #include "base/Signal.h"
 #include "base/WeakTask.h"
@@ -40,7 +41,8 @@ class PaneBinding {
         chartConcern = 8,
         panelsConcern = 16,
         templatesConcern = 32,
-        everyConcern = 63
+        clockConcern = 64,
+        everyConcern = 127
     };
 
     void setActions();
@@ -52,6 +54,7 @@ class PaneBinding {
     void mark(Concern concern);
     void flush();
     void closePanels();
+    void showClocks();
     TemplatesViewModel::State templatesState() const;
     SessionViewModel::State sessionState() const;
     ToolbarViewModel::State toolbarState() const;
@@ -65,6 +68,8 @@ class PaneBinding {
     std::uint64_t flushes_ = 0;
     double minute_ = 0;  ///< of market time, at the last flush
     std::vector<Connection> connections_;
+    MarketTimer second_;  ///< while a clock is shown
+    ClockWatch steered_;
     WeakTask whileThere_;
 };
 
