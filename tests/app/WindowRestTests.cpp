@@ -51,8 +51,8 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
     window.step(settled, mark);
     window.step(passed(10), [&] {
         nothingDrawn("at rest");
-        for (const char* clock : {"countdown", "nyClock"})
-            EXPECT_TRUE(shown->findChild<QQuickItem*>(QLatin1String(clock))->isVisible()) << clock << " ticks";
+        for (const char* name : {"countdown", "nyClock"})
+            EXPECT_TRUE(shown->findChild<QQuickItem*>(QLatin1String(name))->isVisible()) << name << " ticks";
         EXPECT_TRUE(window.pane().session.connected);
         EXPECT_GT(window.pane().options.strikes->size(), 5U) << "something to ease";
         // news that are none: another look at the same settings, another copy of the same rows
