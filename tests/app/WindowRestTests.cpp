@@ -56,7 +56,7 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
         EXPECT_TRUE(window.pane().session.connected);
         EXPECT_GT(window.pane().options.strikes->size(), 5U) << "something to ease";
         // news that are none: another look at the same settings, another copy of the same rows
-        set([](GexConfig& config) { config.hfPressure = !config.hfPressure; });
+        set([](GexConfig& config) { config.simBalance += 1; });
         window.pane().config.changed();
         window.pane().options.strikes.changed();
         window.pane().bars.chartVersionChanged();
