@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "chart/Camera.h"
 #include "chart/ChartInput.h"
 #include "ui/chart/CrosshairState.h"
 #include "ui/chart/HudState.h"
@@ -27,6 +28,7 @@ class ChartItem : public FrameItem {
     Q_PROPERTY(vmr::CrosshairState* crosshair READ crosshair CONSTANT)
     Q_PROPERTY(vmr::CrosshairState* peerCrosshair READ peerCrosshair CONSTANT)
     Q_PROPERTY(vmr::HudState* hud READ hud CONSTANT)
+    Q_PROPERTY(qreal barsWidth READ barsWidth NOTIFY widthChanged)
     Q_PROPERTY(QVariantList orderMenu READ orderMenu NOTIFY orderMenuRequested)
 
  public:
@@ -41,6 +43,8 @@ class ChartItem : public FrameItem {
     CrosshairState* peerCrosshair();
     /// The line of values over the chart, and what else follows the frames in items of its own.
     HudState* hud();
+    /// Of the widest bar of a strike, in points.
+    qreal barsWidth() const { return Camera::maxBarW(width()); }
 
     /// The entries of the last right click: { text, separator }.
     QVariantList orderMenu() const;

@@ -70,7 +70,7 @@ FocusScope {
             visible: chart.hud.litFrom < chart.hud.litTo && !paneView.view.pictureTaken
             x: chart.width - chart.crosshair.priceAxisWidth - width
             y: chart.hud.litFrom
-            width: Math.max((chart.width * 0.25 - 90) * 0.8, 40)
+            width: chart.barsWidth
             height: chart.hud.litTo - chart.hud.litFrom
             color: "#18ffffff"
         }
@@ -80,7 +80,9 @@ FocusScope {
             x: 6
             y: 6
             hud: chart.hud
-            room: Math.max(0, chart.width - chart.crosshair.priceAxisWidth - 2 * x)
+            // beside the strikes' bars and their names, while enough is left
+            readonly property real plot: chart.width - chart.crosshair.priceAxisWidth - 2 * x
+            room: Math.max(plot - chart.barsWidth - 36, Math.min(plot, 220), 0)
             wraps: chart.width < 900
         }
         Clocks {
