@@ -66,6 +66,7 @@ void Program::openPanes() {
                                   .makeRelay = {},
                                   .print = print_,
                                   .sim = sim_.get(),
+                                  .machine = start_.practice() ? &start_.machine() : nullptr,
                                   .perf = &Perf::shared(),
                                   .strictFeed = start_.options().strictFeed,
                                   .rebuildInDrags = start_.options().bench.baseline};

@@ -32,6 +32,8 @@ class ProgramStart {
     const Clock& clock() const { return *clock_; }
     /// The same clock, for the main thread to steer; the practice relay follows it.
     SteerableClock& steering() { return *clock_; }
+    /// The machine's own time.
+    const Clock& machine() const { return machine_; }
     /// What the relay is told to be the time: of another relay's affairs, this machine's; the practice relay's own.
     const Clock& relayClock() const { return practice_ ? clock() : machine_; }
     const Endpoints& endpoints() const { return endpoints_; }

@@ -17,6 +17,7 @@ constexpr TextStyle axisStyle{FontFace::regular, 11.0};
 
 constexpr double tagHeight = 18.0;
 constexpr double tagRadius = 3.0;
+constexpr double countdownHeight = 16.0, countdownGap = 2.0;
 constexpr double labelPoints = 64.0;  // the room that one time label gets
 constexpr double timeLabelGap = 10.0;
 constexpr double fadePoints = 8.0;
@@ -63,11 +64,12 @@ void AxisLayer::addGrid(const ScreenFrame& frame) {
 bool AxisLayer::drawAbove(ScreenFrame& frame) {
     labels_.clear();
     if (!fits(frame)) return false;
-    const Box box = tagBox(frame);
+    const Box box = tagBox(frame), countdown = countdownBox(frame, box);
     return painter_.paint(frame, [&] {
         labels_.clear();  // it may be painted again
         addGround(frame, box);
-        addPriceLabels(frame, box);
+        addPriceLabels(frame, box, countdown);
+        if (countdown.shown) labels_.countdown = {countdown.top, countdown.bottom};
         addTimeLabels(frame);
         if (box.shown) {
             labels_.lastPrice = {std::floor(box.top), std::ceil(box.bottom)};
@@ -200,13 +202,28 @@ AxisLayer::Box AxisLayer::tagBox(const ScreenFrame& frame) const {
     return {top, top + tagHeight, true};
 }
 
-void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box) {
+AxisLayer::Box AxisLayer::countdownBox(const ScreenFrame& frame, const Box& tag) const {
+    if (!keepsCountdown_) return {};
+    const double bottom = frame.plot().bottom(), room = countdownHeight + countdownGap;
+    double top = std::ceil(tag.bottom + countdownGap);
+    if (!tag.shown) {
+        const bool above = AxisScale::yFor(frame.viewport, frame.lastPrice, frame.height) < 0;
+        top = above ? countdownGap : std::floor(bottom - room);
+    } else if (top + countdownHeight > bottom) {
+        top = std::floor(tag.top) - room;
+    }
+    if (top < 0) return {};
+    return {top, top + countdownHeight, true};
+}
+
+void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box, const Box& countdown) {
     const double half = painter_.lineHeight(axisStyle) * 0.5;
     const double bottom = frame.plot().bottom();
     for (const double price : priceTicks_.span()) {
         const double y = AxisScale::yFor(frame.viewport, price, frame.height);
         double alpha = std::min(fade(y - half), fade(bottom - half - y));
-        if (box.shown) alpha *= fade(std::max(box.top - (y + half), (y - half) - box.bottom));
+        for (const Box& other : {box, countdown})
+            if (other.shown) alpha *= fade(std::max(other.top - (y + half), (y - half) - other.bottom));
         if (!(alpha > 0.0)) continue;
         if (addPrice(frame, price, FontFace::regular, y, textColor(alpha)))
             labels_.priceTexts.push_back({AxisScale::fmtPrice(price), y});

@@ -25,6 +25,10 @@ class AxisLayer final : public ScreenLayer {
     /// Minutes of a bar; 1 at the start. Shows in the next frame. True when it was another.
     bool setTimeframe(double minutes) { return std::exchange(timeframe_, minutes) != minutes; }
 
+    /// Whether the prices leave room for the countdown, below the last price's box or, where the axis ends, above it;
+    /// at the end of the axis while the last price is out of view. Shows in the next frame. True when it was otherwise.
+    bool setCountdown(bool shown) { return std::exchange(keepsCountdown_, shown) != shown; }
+
     /// What a label takes of its axis, in points.
     struct Extent {
         double from = 0, to = 0;
@@ -39,12 +43,13 @@ class AxisLayer final : public ScreenLayer {
         std::vector<Extent> prices, times;
         std::vector<Named> priceTexts, timeTexts;
         Extent lastPrice;  ///< its box, in whole pixels; empty where it is not shown
+        Extent countdown;  ///< room for it, likewise
         void clear() {
             prices.clear();
             times.clear();
             priceTexts.clear();
             timeTexts.clear();
-            lastPrice = {};
+            lastPrice = countdown = {};
         }
     };
     const Labels& labels() const { return labels_; }
@@ -71,7 +76,8 @@ class AxisLayer final : public ScreenLayer {
     void nameTimeTicks(const ScreenFrame& frame, std::int64_t step);
     void keepApart();
     Box tagBox(const ScreenFrame& frame) const;
-    void addPriceLabels(const ScreenFrame& frame, const Box& box);
+    Box countdownBox(const ScreenFrame& frame, const Box& tag) const;
+    void addPriceLabels(const ScreenFrame& frame, const Box& box, const Box& countdown);
     void addTimeLabels(const ScreenFrame& frame);
     bool addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color);
     void addGrid(const ScreenFrame& frame);
@@ -80,6 +86,7 @@ class AxisLayer final : public ScreenLayer {
     SessionTime& session_;
     Painter painter_;
     double timeframe_ = 1;
+    bool keepsCountdown_ = false;
     AxisScale::PriceTicks priceTicks_;
     std::vector<std::size_t> timeTicks_;
     std::vector<TimeLabel> timeLabels_;

@@ -23,6 +23,7 @@ struct ChartContent {
     int sessionHHMM = 1800;              ///< session start, 930 for 09:30
     std::string_view simRoot;            ///< futures root that the chart trades; empty: no trading on this chart
     std::string_view symbol;             ///< as the watermark names it
+    bool hud = false;                    ///< whether the line of values over the chart is shown
     const RenderConfig* look = nullptr;  ///< null: the look of `RenderConfig{}`
 
     std::span<const Candle> candles;  ///< strictly ascending by time; the last one is forming
@@ -30,6 +31,7 @@ struct ChartContent {
     std::span<const StrikeRow> strikes;
     double etfRatio = 1;               ///< strike to chart price
     std::optional<double> flipStrike;  ///< where gamma flips, in strike units
+    HudMetrics totals{};               ///< over all strikes; all 0 when they are not known
     std::span<const StrikeRow> secStrikes;
     double secRatio = 1;
     std::span<const BubblePt> bubbles;  ///< ascending by minute

@@ -109,6 +109,8 @@ void ChartView::setContent(const ChartContent& content) {
         return !shown_ || shown_->revisions.*part != content.revisions.*part;
     };
     if (axes_.setTimeframe(content.timeframe)) askForFrame();
+    if (axes_.setCountdown(content.look && content.look->countdown)) askForFrame();
+    if (shown_ && content.hud && shown_->totals != content.totals) askForFrame();  // with which the line changes
     renderer_.sessionHHMM = content.sessionHHMM;
     if (differs(&Revisions::look)) renderer_.setRenderConfig(content.look ? *content.look : RenderConfig{});
     if (differs(&Revisions::levels)) renderer_.setLevels(content.levels);
@@ -126,7 +128,7 @@ void ChartView::setContent(const ChartContent& content) {
             makeRibbons(content);
     }
     if (differs(&Revisions::candles)) setBars(content.candles);
-    shown_ = {content.chart, content.timeframe, content.revisions, content.overlayStyle};
+    shown_ = {content.chart, content.timeframe, content.revisions, content.overlayStyle, content.totals};
     onlyData_ = false;
     if (hadBars && renderer_.candles().empty()) askForFrame();
 }

@@ -17,6 +17,7 @@
 #include "chart/ChartPort.h"
 #include "chart/ChartRenderer.h"
 #include "chart/ChartSource.h"
+#include "chart/HudText.h"
 #include "chart/OverlayRibbons.h"
 #include "chart/PillLayer.h"
 #include "chart/TradingLinesLayer.h"
@@ -107,6 +108,11 @@ class ChartView final : public ChartPort, public CameraPort {
     /// Tells the source what the pointer is over, in a plot of this size; nothing for no pointer. Told again after the
     /// camera has moved.
     void pointerAt(const std::optional<ChartPoint>& point, double width, double height);
+    /// The line of values over the chart, as of now; nothing where the source shows none.
+    std::optional<HudText> hud() const;
+    /// From where to where, in points from the top, the strike that the line tells of takes its row in a plot of this
+    /// height; nothing where none is told or its row is out of view.
+    std::optional<AxisLayer::Extent> litStrike(const HudText& hud, double height) const;
     /// Where the linked chart's pointer is in this one, which may be out of view.
     std::optional<ChartPoint> peerCrosshair(double width, double height) const;
 
@@ -137,6 +143,7 @@ class ChartView final : public ChartPort, public CameraPort {
         double timeframe = 1;
         ChartContent::Revisions revisions;
         OverlayStyle style;
+        HudMetrics totals;
     };
     void askForFrame();
     void readSource();
@@ -169,8 +176,9 @@ class ChartView final : public ChartPort, public CameraPort {
     bool frameAwaited_ = false;   ///< a frame is asked for and will read the content
     bool calmFrameAwaited_ = false;
     bool recording_ = false;
-    bool barsMoved_ = false;  ///< bars came or went since the last frame
-    bool forPeer_ = false;    ///< what asks for a frame is a linked chart
+    bool barsMoved_ = false;            ///< bars came or went since the last frame
+    bool forPeer_ = false;              ///< what asks for a frame is a linked chart
+    std::optional<ChartSpot> pointer_;  ///< what the pointer is over
     std::optional<ChartSpot> peerSpot_;
 };
 

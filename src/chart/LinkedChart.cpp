@@ -51,14 +51,38 @@ void ChartView::applyView(const ViewSetup& setup, bool byHand) {
 }
 
 void ChartView::pointerAt(const std::optional<ChartPoint>& point, double width, double height) {
+    pointer_.reset();
     if (!source_) return;
     const PlotArea plot{width, height};
     const bool over = point && shown_ && renderer_.showsBars() && point->x < plot.right() && point->y < plot.bottom();
-    if (!over) return source_->pointerOver(std::nullopt);
+    if (over) {
+        const Viewport view = renderer_.camera().viewport();
+        const double place = view.first + point->x / width * view.count;
+        pointer_ = ChartSpot{timeAtPlace(renderer_.candles(), shown_->timeframe, place),
+                             AxisScale::priceAtY(view, point->y, height)};
+    }
+    source_->pointerOver(pointer_);
+}
+
+std::optional<HudText> ChartView::hud() const {
+    if (!source_) return std::nullopt;
+    const ChartContent content = source_->chartContent();
+    return content.hud && !content.candles.empty() ? std::optional(hudText(content, pointer_)) : std::nullopt;
+}
+
+std::optional<AxisLayer::Extent> ChartView::litStrike(const HudText& hud, double height) const {
+    constexpr double least = 6.0, most = 20.0;  // points
+    if (!hud.strike || !renderer_.showsBars()) return std::nullopt;
+    const ChartContent content = source_->chartContent();
     const Viewport view = renderer_.camera().viewport();
-    const double place = view.first + point->x / width * view.count;
-    source_->pointerOver(ChartSpot{timeAtPlace(renderer_.candles(), shown_->timeframe, place),
-                                   AxisScale::priceAtY(view, point->y, height)});
+    const auto placeOf = [&](double strike) { return AxisScale::yFor(view, strike * content.etfRatio, height); };
+    const double y = placeOf(*hud.strike);
+    double row = most;
+    for (const StrikeRow& other : content.strikes)
+        if (other.strike != *hud.strike) row = std::min(row, std::abs(placeOf(other.strike) - y));
+    const double half = std::max(row, least) / 2;
+    if (!(y - half >= 0 && y + half <= PlotArea{0, height}.bottom())) return std::nullopt;
+    return AxisLayer::Extent{y - half, y + half};
 }
 
 void ChartView::showPeerCrosshair(const std::optional<ChartSpot>& spot) {

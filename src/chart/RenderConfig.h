@@ -30,6 +30,7 @@ struct RenderConfig {
     bool oiEnabled = false;
     float oiOpacity = 0.4F;
     double initialCandles = 150.0;  ///< bars left of the right margin at first data
+    bool countdown = false;         ///< whether the price axis keeps room for it
     bool operator==(const RenderConfig&) const = default;
 };
 

@@ -83,6 +83,10 @@ std::int64_t SessionTime::sessionOpenSec(std::int64_t t, int hhmm) {
     return open - off;
 }
 
+std::int64_t SessionTime::calendarOffset(std::int64_t t) {
+    return newYork().get_info(date::sys_seconds{std::chrono::seconds(bounded(t))}).offset.count();
+}
+
 std::int64_t SessionTime::calendarSessionOpenSec(std::int64_t t, int hhmm) {
     t = bounded(t);
     const date::sys_seconds moment{std::chrono::seconds(t)};

@@ -32,6 +32,9 @@ class SessionTime {
     /// The same by the calendar: right on clock-change days too, slower.
     static std::int64_t calendarSessionOpenSec(std::int64_t t, int hhmm);
 
+    /// `offset` by the calendar, right at every moment; a zone look-up each time.
+    static std::int64_t calendarOffset(std::int64_t t);
+
  private:
     std::unordered_map<std::int64_t, std::int64_t> offsetByDay_;
     std::int64_t lastDay_;

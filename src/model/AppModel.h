@@ -167,6 +167,8 @@ class AppModel final : public ChartSource {
     static std::any prepare(const std::string& channel, JsonView payload, bool strict = false);
 
     const Clock& clock() const { return at_.clock; }
+    /// The machine's own clock on a practice market; null elsewhere.
+    const Clock* practiceMachine() const { return at_.machine; }
     /// For what its views remember.
     Preferences& preferences() const { return at_.preferences; }
     /// The session clock that it goes by, for the chart that shows it.

@@ -16,9 +16,9 @@ void AppModel::contentChanged() {
 void AppModel::watchContent() {
     for (Signal<>* changed : {&look_.changed, &channels.changed, &bars.displayCandles.changed,
                               &bars.chartVersionChanged, &options.levels.changed, &options.strikes.changed,
-                              &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.secStrikes.changed,
-                              &options.secEtfRatio.changed, &markers.bubblePts.changed, &markers.trianglePts.changed,
-                              &sessionLevels.srLines.changed, &overlays.overlaysChanged})
+                              &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.hud.changed,
+                              &options.secStrikes.changed, &options.secEtfRatio.changed, &markers.bubblePts.changed,
+                              &markers.trianglePts.changed, &sessionLevels.srLines.changed, &overlays.overlaysChanged})
         contentLinks_.push_back(changed->connect([this] { contentChanged(); }));
 }
 
@@ -29,12 +29,14 @@ ChartContent AppModel::chartContent() const {
     out.sessionHHMM = sessionHHMM();
     out.simRoot = channels->simRoot;
     out.symbol = channels->symbolView();
+    out.hud = true;
     out.look = &look_->config;
     out.candles = bars.displayCandles.get();
     out.levels = options.levels.get();
     out.strikes = options.strikes.get();
     out.etfRatio = options.etfRatio;
     out.flipStrike = options.gammaFlipStrike;
+    out.totals = options.hud;
     out.secStrikes = options.secStrikes.get();
     out.secRatio = options.secEtfRatio;
     out.bubbles = markers.bubblePts.get();

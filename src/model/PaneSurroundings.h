@@ -34,11 +34,12 @@ struct PaneSurroundings {
     std::function<void(const std::string& line)> print;           ///< one whole line to standard output
     std::function<void(const std::string& line)> printMessage{};  ///< also for each logged message; may be empty
     SimEngine* sim = nullptr;                                     ///< the process's one account; null for none
-    Perf* perf = nullptr;                                         ///< where work is timed; may be null
-    std::optional<GexConfig> config{};                            ///< to start with instead of the stored settings
-    bool saveSettings = true;                                     ///< false: changed settings are not stored
-    bool strictFeed = false;      ///< a number of the feed that fits no integer is fatal
-    bool rebuildInDrags = false;  ///< a drag holds no overlay rebuild back
+    const Clock* machine = nullptr;     ///< with a practice market: the machine's own time, which tells what today is
+    Perf* perf = nullptr;               ///< where work is timed; may be null
+    std::optional<GexConfig> config{};  ///< to start with instead of the stored settings
+    bool saveSettings = true;           ///< false: changed settings are not stored
+    bool strictFeed = false;            ///< a number of the feed that fits no integer is fatal
+    bool rebuildInDrags = false;        ///< a drag holds no overlay rebuild back
 };
 
 }  // namespace vmr

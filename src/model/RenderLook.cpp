@@ -36,6 +36,7 @@ RenderConfig renderConfig(const GexConfig& config) {
     out.oiEnabled = config.oiEnabled;
     out.oiOpacity = share(config.oiOpacity);
     out.initialCandles = static_cast<double>(config.initialCandles);
+    out.countdown = config.showCountdown;
     return out;
 }
 

@@ -1,5 +1,7 @@
 #include "model/StateDocument.h"
 
+#include "chart/HudText.h"
+#include "model/ClockTexts.h"
 #include "model/StateRecords.h"
 
 namespace vmr {
@@ -182,6 +184,16 @@ void addSettingsPanel(json& out, const SettingsShown& shown) {
     out["settingsPanel"] = {{"search", shown.search}, {"columns", columns}, {"invalid", shown.invalid}};
 }
 
+// What is said over the chart; null is not shown.
+void addClockTexts(json& out, const AppModel& pane) {
+    const ClockTexts clocks = clockTexts(pane);
+    const auto told = [](const AxisScale::Label& label) { return label.size > 0 ? json(label.text()) : json(nullptr); };
+    out["hud"] = hudText(pane.chartContent(), pane.camera.pointer).text();
+    out["countdown"] = told(clocks.countdown);
+    out["clock"] = told(clocks.clock);
+    out["practice"] = told(clocks.practice);
+}
+
 json paneDocument(const AppModel& pane) {
     json out;
     addSession(out, pane);
@@ -197,6 +209,7 @@ json paneDocument(const AppModel& pane) {
     addDerived(out, pane);
     addOverlays(out, pane.overlays.series());
     addOverlayTexts(out, pane);
+    addClockTexts(out["overlay"], pane);
     out["feedRepairs"] = json::object();
     for (const auto& [channel, count] : pane.feedRepairs.byChannel()) out["feedRepairs"][channel] = count.elements;
     out["config"] = json::parse(pane.config->toJson());

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QGuiApplication>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <atomic>
 
@@ -50,10 +51,12 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
     window.step(settled, mark);
     window.step(passed(10), [&] {
         nothingDrawn("at rest");
+        for (const char* name : {"countdown", "nyClock"})
+            EXPECT_TRUE(shown->findChild<QQuickItem*>(QLatin1String(name))->isVisible()) << name << " ticks";
         EXPECT_TRUE(window.pane().session.connected);
         EXPECT_GT(window.pane().options.strikes->size(), 5U) << "something to ease";
         // news that are none: another look at the same settings, another copy of the same rows
-        set([](GexConfig& config) { config.hfPressure = !config.hfPressure; });
+        set([](GexConfig& config) { config.simBalance += 1; });
         window.pane().config.changed();
         window.pane().options.strikes.changed();
         window.pane().bars.chartVersionChanged();

@@ -1,7 +1,9 @@
 // What lies in screen space around the chart: axes over many cameras and sizes, and the labels beside the strike bars.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
+#include <string>
 
 #include "chart/AxisLayer.h"
 #include "chart/AxisScale.h"
@@ -44,6 +46,25 @@ struct AxisLayerTest : ChartScene {
         return list;
     }
 
+    /// The countdown's room touches no price and not the last one's box. Gives where it is: beside the box, at an end
+    /// of the axis, or nowhere.
+    std::string expectRoomForCountdown() const {
+        const AxisLayer::Labels& shown = axes.labels();
+        const auto &box = shown.lastPrice, &room = shown.countdown;
+        const double bottom = PlotArea{width, height}.bottom();
+        if (room.to == 0) {
+            EXPECT_TRUE(bottom < 18 + 2 * 18 || width < 74 + 18 + 1) << "there is room";
+            return "none";
+        }
+        EXPECT_TRUE(room.from >= 0 && room.to <= bottom && room.to - room.from == 16);
+        for (const auto& label : shown.prices) EXPECT_TRUE(label.to <= room.from || room.to <= label.from);
+        if (box.to == 0) return room.from < bottom / 2 ? "first" : "last";
+        EXPECT_TRUE(room.from >= box.to || room.to <= box.from);
+        if (room.from > box.to) return "below";
+        EXPECT_GT(box.to + 18, bottom - 2) << "there is room below";
+        return "above";
+    }
+
     /// Any bars under any camera in a view of any size.
     void showAnything(int round) {
         const int minutes = std::array{1, 5, 15, 60, 240}[static_cast<std::size_t>(round % 5)];
@@ -72,10 +93,18 @@ struct AxisLayerTest : ChartScene {
 
 TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
     std::size_t seen = 0;
+    std::map<std::string, int> counted;
     for (int round = 0; round < 1500 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
+        const bool countdown = round % 4 > 1;
+        axes.setCountdown(countdown);
         showAnything(round);
         const auto labels = texts();
+        if (countdown) {
+            ++counted[expectRoomForCountdown()];
+        } else {
+            EXPECT_EQ(axes.labels().countdown.to, 0);
+        }
         seen += labels.size();
         const double slack = 1.01 / pixelRatio;  // rounding to pixels
         const double right = PlotArea{width, height}.right(), bottom = PlotArea{width, height}.bottom();
@@ -100,6 +129,7 @@ TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
         }
     }
     EXPECT_GT(seen, 15000U);
+    for (const char* place : {"below", "above", "first", "last", "none"}) EXPECT_GT(counted[place], 0) << place;
 }
 
 TEST_F(AxisLayerTest, TimesAreNamedAtTheStepThatFits) {

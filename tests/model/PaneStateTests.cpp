@@ -104,5 +104,41 @@ TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
     model->setChartPort(nullptr);
 }
 
+TEST_F(PaneStates, TheDocumentTellsTheTextsOverTheChart) {
+    openSymbol("NQ");
+    const auto texts = [&] {
+        const auto document = Json::parse(stateDocument({time, {model.get()}}));
+        const JsonView overlay = (*(*document)["panes"].items().begin())["overlay"];
+        std::string out(overlay["hud"].string());
+        for (const char* key : {"countdown", "clock", "practice"})
+            (out += "|") += overlay[key].isString() ? overlay[key].string() : "null";
+        return out;
+    };
+    EXPECT_TRUE(texts().ends_with("|null|null|null")) << "without bars";
+    snapshot(model->channels->chartChannel, flatBars(minute - 600, 11));
+    model->options.hud = HudMetrics{1500, 2, 3, -4, -5};
+    const std::string options = "    OI C 1.5K  P 2    GEX C 3  P -4    HF -5    VOL 1";
+    const std::string bar = "O 100.00  H 100.00  L 100.00  C ";
+    model->applyTrade(101, (minute + 1) * 1000.0);
+    time.advance(0.1);
+    EXPECT_EQ(texts(),
+              bar.substr(0, 10) + "H 101.00  L 100.00  C 101.00  +1.00 (+1.00%)" + options + "|1:00|NY 10:00|null");
+    model->pointerOver(ChartSpot{minute - 60.0, 100});
+    EXPECT_TRUE(texts().starts_with(bar + "100.00  +0.00")) << "of the bar under the pointer";
+    GexConfig changed = model->config;
+    changed.showCountdown = false;
+    model->setConfig(changed);
+    EXPECT_TRUE(texts().ends_with("|null|NY 10:00|null"));
+    changed.showCountdown = true;
+    changed.showNyClock = false;
+    model->setConfig(changed);
+    time.setNow(minute + 8 * 3600.0);  // stocks rest, futures trade; at 17:30 neither does
+    EXPECT_TRUE(texts().ends_with("|1:00|null|null"));
+    time.setNow(minute + 7.5 * 3600);
+    EXPECT_TRUE(texts().ends_with("|closed|null|null"));
+    model->signOut();
+    EXPECT_TRUE(texts().ends_with("|null|null|null"));
+}
+
 }  // namespace
 }  // namespace vmr::test

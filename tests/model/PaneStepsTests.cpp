@@ -153,7 +153,7 @@ class PaneSteps : public PaneFixture {
         const auto document = Json::parse(documentWithoutLog());
         const JsonView pane = *(*document)["panes"].items().begin();
         for (const auto& [key, value] : pane.members())
-            if (key != "config" && key != "templates") out[std::string(key)] = brief(key, value);
+            if (key != "config" && key != "templates" && key != "overlay") out[std::string(key)] = brief(key, value);
         out["preferredApplied"] = brief("", pane["templates"]["preferredApplied"]);
         for (const auto& [key, value] : pane["config"].members()) out["config." + std::string(key)] = brief("", value);
         return out;

@@ -170,6 +170,82 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
     EXPECT_FALSE(shows("peerCrosshairVertical") || shows("peerCrosshairHorizontal"));
 }
 
+// The line's texts and the strike's light move with the pointer alone.
+TEST_F(ChartItemInput, TheLineOfValuesFollowsThePointer) {
+    const auto* line = ui.item("hud");
+    EXPECT_FALSE(line->isVisible()) << "a source that shows none";
+    ui.source.hud = true;
+    ui.source.strikes = {
+        {.strike = 2144, .callOI = 11}, {.strike = 2150, .callOI = 22}, {.strike = 2156, .callOI = 33}};
+    ui.showBars();
+    ASSERT_TRUE(ui.settle());
+    const auto text = [&](qsizetype at) {
+        const auto values = at < 5 ? chart->hud()->ofBar() : chart->hud()->ofOptions();
+        return values[at < 5 ? at : at - 5]->property("value").toString();
+    };
+    const auto price = [](double value) { return QLocale::c().toString(value, 'f', 2); };
+    EXPECT_EQ(text(3).remove(','), price(ui.bars().back().close));
+    EXPECT_EQ(text(5), "–");
+    EXPECT_FALSE(ui.item("litStrike")->isVisible());
+    const auto drawn = chart->framesDrawn();
+    const double step = chart->width() / 200;
+    for (const auto& [bar, strike] : {std::pair(120, 2), {121, 1}, {40, 0}}) {
+        const double at = 21440 + 60 * strike + 20;
+        const double y = chart->height() * (1 - ((at - 21400) * 1.8 / 200 - 0.9)) / 2;
+        runFor(20);
+        QTest::mouseMove(ui.window, inWindow(step * bar, y));
+        runFor(20);
+        EXPECT_EQ(text(3).remove(','), price(ui.bars()[static_cast<std::size_t>(100 + bar)].close)) << bar;
+        EXPECT_EQ(text(5), QString::number(11 * (strike + 1)));
+        const QQuickItem& lit = *ui.item("litStrike");
+        if (strike == 1) {
+            EXPECT_NEAR(lit.y() + lit.height() / 2, chart->height() / 2, 0.01);
+        }
+        EXPECT_TRUE(lit.isVisible());
+    }
+    EXPECT_EQ(chart->framesDrawn(), drawn) << "it costs the chart no frame";
+
+    // it is one line where there is room, more where there is less, and keeps within the plot
+    const auto lines = [&](int width) {
+        ui.window->resize(width, 644);
+        EXPECT_TRUE(ui.settle());
+        EXPECT_LE(line->x() + line->width(), chart->width() - 74);
+        EXPECT_GE(line->y(), 0);
+        return std::lround(line->height()) / 18;
+    };
+    EXPECT_EQ(lines(901), 1);
+    EXPECT_EQ(lines(899), 2);
+    EXPECT_GT(lines(330), 3);
+
+    // the countdown stands at the last price, and the crosshair's tag on neither
+    ui.source.look.countdown = true;
+    ui.view.clocks.set("4:59", "NY 10:00", "practice");
+    ui.showBars();
+    lines(720);
+    startOver();
+    const double last = ui.bars().back().close;
+    chart->renderer().mirrorPrice(last - 100, last + 100);
+    ASSERT_TRUE(ui.settle());
+    const QQuickItem &pill = *ui.item("countdown"), &tag = *ui.item("crosshairPrice");
+    EXPECT_TRUE(pill.isVisible());
+    EXPECT_EQ(pill.width(), 38);
+    EXPECT_NEAR(pill.y(), chart->height() / 2 + 11, 2);
+    int beside = 0;
+    for (double y = chart->height() / 2 - 30; y < chart->height() / 2 + 50; y += 8) {
+        runFor(20);
+        QTest::mouseMove(ui.window, inWindow(300, y));
+        runFor(20);
+        EXPECT_TRUE(tag.y() >= pill.y() + pill.height() || tag.y() + tag.height() <= pill.y() - 18) << y;
+        beside += tag.y() > pill.y() ? 1 : 0;
+    }
+    EXPECT_TRUE(beside > 1 && beside < 9) << beside;
+    const QQuickItem& clock = *ui.item("nyClock");
+    const double width = clock.width();
+    ui.view.clocks.set("", "NY 11:11", "practice");
+    EXPECT_EQ(clock.width(), width);
+    EXPECT_FALSE(pill.isVisible());
+}
+
 TEST_F(ChartItemInput, AMenuEndsWithItsChart) {
     ui.source.simRoot = "NQ";
     ui.showBars();

@@ -91,6 +91,46 @@ TEST_F(PaneBindingTest, EachChangeTellsItsOwnConcernAndOnceATurn) {
     EXPECT_EQ(view.toast.notice(), "Two") << "a flush under way ends with the binding";
 }
 
+TEST_F(PaneBindingTest, TheClocksTickTogetherOnceASecondAndOnlyWhileShown) {
+    int countdowns = 0, clocks = 0;
+    count(countdowns, &view.clocks, &ClockViewModel::countdownChanged);
+    count(clocks, &view.clocks, &ClockViewModel::clockChanged);
+    const auto told = [&] { return (view.clocks.countdown() + "|" + view.clocks.clock()).toStdString(); };
+    const auto after = [&](double seconds) {
+        time.advance(seconds);
+        return std::tuple(told(), std::exchange(countdowns, 0), std::exchange(clocks, 0));
+    };
+    const auto set = [&](bool countdown, bool clock) {
+        GexConfig config = model->config;
+        config.showCountdown = countdown;
+        config.showNyClock = clock;
+        model->setConfig(config);
+        time.runUntilIdle();
+    };
+    EXPECT_EQ(told(), "1:00|NY 10:00");
+    EXPECT_EQ(after(1), std::tuple("0:59|NY 10:00", 1, 0));
+    EXPECT_EQ(after(0.9), std::tuple("0:59|NY 10:00", 0, 0)) << "on the whole second";
+    EXPECT_EQ(after(58.1), std::tuple("1:00|NY 10:01", 59, 1));
+    model->setTimeframe(5);
+    EXPECT_EQ(after(0), std::tuple("4:00|NY 10:01", 1, 0)) << "another timeframe shows at once";
+    time.setSpeed(60);
+    EXPECT_EQ(after(10), std::tuple("4:06|NY 10:10", 11, 9)) << "a fast clock ticks each 0.9 s";
+    time.setSpeed(1);
+    time.setNow(minute + 7 * 3600.0);
+    EXPECT_EQ(after(0), std::tuple("closed|NY 17:00", 1, 1)) << "a clock that is set shows so at once";
+    EXPECT_EQ(after(59), std::tuple("closed|NY 17:00", 0, 0)) << "what says nothing new costs no repaint";
+
+    set(false, true);
+    EXPECT_EQ(after(1), std::tuple("|NY 17:01", 1, 1));
+    set(true, false);
+    EXPECT_EQ(after(60), std::tuple("closed|", 1, 1));
+    set(false, false);
+    EXPECT_EQ(after(60), std::tuple("|", 1, 0));
+    set(true, true);
+    model->signOut();
+    EXPECT_EQ(std::get<0>(after(0)), "|");
+}
+
 TEST_F(PaneBindingTest, TheTemplatesPanelShowsWhatThereIsAndClosesWithTheSession) {
     model->templates.list =
         TemplatesService::List{"slot_3", {{"slot_1", {{}, 1, "soon"}}, {"slot_3", {{{"ema1Period", "77"}}, 1, {}}}}};

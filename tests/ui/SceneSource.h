@@ -46,6 +46,11 @@ class SceneSource final : public ChartSource {
         ChartContent out = scene ? scene->content() : ChartContent{};
         out.chart = chart_;
         if (!scene) out.simRoot = simRoot;
+        out.hud = hud;
+        if (!strikes.empty()) {
+            out.strikes = strikes;
+            out.etfRatio = 10;
+        }
         out.candles = bars;
         out.look = scene ? &scene->config : &look;
         const auto r = revision_;
@@ -62,6 +67,8 @@ class SceneSource final : public ChartSource {
     RenderConfig look;                 ///< without a scene
     const SceneData* scene = nullptr;  ///< everything beside the bars; must outlive what is shown
     std::string_view simRoot;          ///< without a scene
+    bool hud = false;
+    std::vector<StrikeRow> strikes;  ///< at a tenth of the price; with none a scene's
     int dragsEnded = 0;
     std::optional<ChartSpot> pointer;
 

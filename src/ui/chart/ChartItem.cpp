@@ -120,7 +120,9 @@ void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
 }
 
 bool ChartItem::record(Gpu&, QSizeF size, double pixelRatio, double now) {
-    return drawing_->view->record(size.width(), size.height(), pixelRatio, now, isCalmFrame());
+    const bool moves = drawing_->view->record(size.width(), size.height(), pixelRatio, now, isCalmFrame());
+    updateHud();  // with the frame, as the crosshair
+    return moves;
 }
 
 bool ChartItem::interacting() const { return drawing_->view->handsOn(); }

@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "chart/Camera.h"
 #include "chart/ChartInput.h"
 #include "ui/chart/CrosshairState.h"
+#include "ui/chart/HudState.h"
 #include "ui/gpu/FrameItem.h"
 #include "ui/pane/PaneViewModel.h"
 
@@ -25,6 +27,8 @@ class ChartItem : public FrameItem {
     Q_PROPERTY(vmr::PaneViewModel* pane READ pane WRITE setPane NOTIFY paneChanged)
     Q_PROPERTY(vmr::CrosshairState* crosshair READ crosshair CONSTANT)
     Q_PROPERTY(vmr::CrosshairState* peerCrosshair READ peerCrosshair CONSTANT)
+    Q_PROPERTY(vmr::HudState* hud READ hud CONSTANT)
+    Q_PROPERTY(qreal barsWidth READ barsWidth NOTIFY widthChanged)
     Q_PROPERTY(QVariantList orderMenu READ orderMenu NOTIFY orderMenuRequested)
 
  public:
@@ -37,6 +41,10 @@ class ChartItem : public FrameItem {
     CrosshairState* crosshair();
     /// Where the linked pane's pointer is in this chart.
     CrosshairState* peerCrosshair();
+    /// The line of values over the chart, and what else follows the frames in items of its own.
+    HudState* hud();
+    /// Of the widest bar of a strike, in points.
+    qreal barsWidth() const { return Camera::maxBarW(width()); }
 
     /// The entries of the last right click: { text, separator }.
     QVariantList orderMenu() const;
@@ -87,6 +95,7 @@ class ChartItem : public FrameItem {
     void pointerMoved(std::optional<ChartPoint> point);
     void updateCrosshair();
     void updatePeerCrosshair();
+    void updateHud();
     void refresh(CrosshairState& crosshair);
     void endOrderMenu();
     void endInput();

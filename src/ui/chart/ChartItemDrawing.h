@@ -29,6 +29,7 @@ struct ChartItem::Drawing {
     SessionTime session;
     QtLoop loop;
     CrosshairState crosshair, peerCrosshair;
+    HudState hud;
     Given given;
     std::unique_ptr<ChartView> view;  // never null
     std::unique_ptr<PerfDrive> drive;

@@ -39,12 +39,21 @@ CrosshairState* ChartItem::crosshair() { return &drawing_->crosshair; }
 
 CrosshairState* ChartItem::peerCrosshair() { return &drawing_->peerCrosshair; }
 
+HudState* ChartItem::hud() { return &drawing_->hud; }
+
+void ChartItem::updateHud() {
+    const auto line = drawing_->view->hud();
+    drawing_->hud.update(line, line ? drawing_->view->litStrike(*line, height()) : std::nullopt,
+                         drawing_->view->axes().labels().countdown);
+}
+
 // Where it is again told while the chart moves below it; what it is over then changes with the frame.
 void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
     pointerComes_ = point;
     if (point) return joinNextFrame();
     drawing_->crosshair.setMousePoint(point);
     updateCrosshair();
+    updateHud();
 }
 
 void ChartItem::frameBegins() {
@@ -52,6 +61,7 @@ void ChartItem::frameBegins() {
     if (!point || drawing_->crosshair.mousePoint() == point) return;
     drawing_->crosshair.setMousePoint(point);
     updateCrosshair();
+    updateHud();
 }
 
 void ChartItem::refresh(CrosshairState& crosshair) {

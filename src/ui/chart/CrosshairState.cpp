@@ -1,5 +1,6 @@
 #include "ui/chart/CrosshairState.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "chart/AxisScale.h"
@@ -36,6 +37,11 @@ void CrosshairState::update(const Viewport& viewport, std::span<const Candle> ca
     copyTo(priceLabels_, labels.prices);
     copyTo(timeLabels_, labels.times);
     lastPrice_ = labels.lastPrice;
+    if (const auto& other = labels.countdown; other.from < other.to) {
+        const bool alone = lastPrice_.from >= lastPrice_.to;
+        lastPrice_ =
+            alone ? other : AxisLayer::Extent{std::min(lastPrice_.from, other.from), std::max(lastPrice_.to, other.to)};
+    }
     emit changed();
 }
 

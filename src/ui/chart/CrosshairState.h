@@ -50,7 +50,7 @@ class CrosshairState : public QObject {
     QString priceText() const { return priceText_; }
     QString timeText() const { return timeText_; }  ///< of the bar under the pointer; empty beyond the bars
     // Of the axes' labels where each begins and ends, one after the other: the tags cover whole ones only. The last
-    // price's box is covered by none, and its ends are alike where it is not shown.
+    // price's box, with the countdown at it, is covered by none, and its ends are alike where it is not shown.
     const QList<qreal>& priceLabels() const { return priceLabels_; }
     const QList<qreal>& timeLabels() const { return timeLabels_; }
     qreal lastPriceFrom() const { return lastPrice_.from; }

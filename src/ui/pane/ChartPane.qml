@@ -11,6 +11,7 @@ FocusScope {
     property bool inSecondPlace: false
     property bool marked: false  // of two panes the one that has the keyboard
     readonly property alias toolbarHeight: toolbar.height
+    readonly property real headHeight: toolbar.height + (hud.visible ? hud.y + hud.height : 0)  // which notices lie below
 
     signal entered
 
@@ -63,6 +64,33 @@ FocusScope {
                 chart.magnify(activeScale / lastScale - 1);
                 lastScale = activeScale;
             }
+        }
+        Rectangle {
+            objectName: "litStrike"
+            visible: chart.hud.litFrom < chart.hud.litTo && !paneView.view.pictureTaken
+            x: chart.width - chart.crosshair.priceAxisWidth - width
+            y: chart.hud.litFrom
+            width: chart.barsWidth
+            height: chart.hud.litTo - chart.hud.litFrom
+            color: "#18ffffff"
+        }
+        Hud {
+            id: hud
+            objectName: "hud"
+            x: 6
+            y: 6
+            hud: chart.hud
+            // beside the strikes' bars and their names, while enough is left
+            readonly property real plot: chart.width - chart.crosshair.priceAxisWidth - 2 * x
+            room: Math.max(plot - chart.barsWidth - 36, Math.min(plot, 220), 0)
+            wraps: chart.width < 900
+        }
+        Clocks {
+            anchors.fill: parent
+            visible: !paneView.pane.chart.empty
+            clocks: paneView.pane.clocks
+            hud: chart.hud
+            timeAxis: chart.crosshair.timeAxisHeight
         }
         Crosshair {
             anchors.fill: parent

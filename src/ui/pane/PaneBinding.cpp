@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "model/AppModel.h"
+#include "model/ClockTexts.h"
 #include "model/Expirations.h"
 #include "sim/SimEngine.h"
 #include "store/SettingTable.h"
@@ -26,7 +27,9 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, c
       editor_(model),
       main_(main),
       setupProblem_(text(setupProblem)),
-      signInHint_(text(signInHint)) {
+      signInHint_(text(signInHint)),
+      second_(model.clock(), main),
+      steered_(model.clock().onSteered(main, [this](const ClockSteering&) { mark(clockConcern); })) {
     setActions();
     watch();
     if (sim)
@@ -116,6 +119,7 @@ void PaneBinding::watch() {
           model_.config, model_.surface.gex3D, model_.panels.configPanelOpen, model_.panels.templatesPanelOpen,
           model_.panels.accountPanelOpen, model_.panels.simPanelOpen);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
+    watch(clockConcern, model_.session.isSignedIn, model_.config, model_.channels, model_.bars.timeframe);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
     watch(panelsConcern, model_.panels.accountPanelOpen, model_.panels.configPanelOpen,
           model_.panels.templatesPanelOpen);
@@ -133,13 +137,16 @@ void PaneBinding::mark(Concern concern) {
 
 void PaneBinding::flush() {
     ++flushes_;
-    const unsigned concerns = std::exchange(marked_, 0);  // what the views do in turn belongs to the next flush
+    unsigned concerns = std::exchange(marked_, 0);  // what the views do in turn belongs to the next flush
     if (concerns & toolbarConcern) view_.toolbar.set(toolbarState());
     if (concerns & toastConcern) view_.toast.set(toastState());
     if (concerns & chartConcern) {
-        view_.chart.setEmpty(model_.bars.displayCandles->empty());
+        const bool empty = model_.bars.displayCandles->empty();
+        if (empty != view_.chart.empty()) concerns |= clockConcern;
+        view_.chart.setEmpty(empty);
         view_.chart.setAccountProblem(text(model_.notices.accountProblem->value_or("")));
     }
+    if (concerns & clockConcern) showClocks();
     if (concerns & panelsConcern)
         view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen,
                           .configPanelOpen = model_.panels.configPanelOpen,
@@ -150,6 +157,18 @@ void PaneBinding::flush() {
         if (!model_.session.isSignedIn) closePanels();  // nobody's, on the form
         view_.session.set(sessionState());
     }
+}
+
+// Countdown and clock change together, once a second of real time at most, so that they cost one repaint.
+void PaneBinding::showClocks() {
+    constexpr double least = 0.9;  // real seconds: at the market's own pace none is left out
+    const ClockTexts texts = clockTexts(model_);
+    view_.clocks.set(texts.countdown.text(), texts.clock.text(), texts.practice.text());
+    if (!texts.any())
+        second_.cancel();
+    else if (!second_.active())
+        second_.every(
+            1, [this] { showClocks(); }, least);
 }
 
 void PaneBinding::closePanels() {

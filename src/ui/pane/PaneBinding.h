@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/MarketTimer.h"
 #include "base/SerialQueue.h"
 #include "base/Signal.h"
 #include "base/WeakTask.h"
@@ -42,7 +43,8 @@ class PaneBinding {
         panelsConcern = 16,
         templatesConcern = 32,
         settingsConcern = 64,
-        everyConcern = 127
+        clockConcern = 128,
+        everyConcern = 255
     };
 
     void setActions();
@@ -54,6 +56,7 @@ class PaneBinding {
     void mark(Concern concern);
     void flush();
     void closePanels();
+    void showClocks();
     TemplatesViewModel::State templatesState() const;
     SessionViewModel::State sessionState() const;
     ToolbarViewModel::State toolbarState() const;
@@ -68,6 +71,8 @@ class PaneBinding {
     std::uint64_t flushes_ = 0;
     SerialQueue::TimerId daysTimer_ = SerialQueue::noTimer;
     std::vector<Connection> connections_;
+    MarketTimer second_;  ///< while a clock is shown
+    ClockWatch steered_;
     WeakTask whileThere_;
 };
 

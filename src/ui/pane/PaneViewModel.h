@@ -13,6 +13,7 @@
 #include "perf/BenchSettings.h"
 #include "ui/pane/AccountViewModel.h"
 #include "ui/pane/ChartViewModel.h"
+#include "ui/pane/ClockViewModel.h"
 #include "ui/pane/PanelsViewModel.h"
 #include "ui/pane/SessionViewModel.h"
 #include "ui/pane/TemplatesViewModel.h"
@@ -37,6 +38,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::ToolbarViewModel* toolbar READ toolbarOf CONSTANT)
     Q_PROPERTY(vmr::ToastViewModel* toast READ toastOf CONSTANT)
     Q_PROPERTY(vmr::ChartViewModel* chart READ chartOf CONSTANT)
+    Q_PROPERTY(vmr::ClockViewModel* clocks READ clocksOf CONSTANT)
     Q_PROPERTY(vmr::AccountViewModel* account READ accountOf CONSTANT)
     Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
     Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
@@ -63,6 +65,7 @@ class PaneViewModel : public QObject {
     ToolbarViewModel toolbar;
     ToastViewModel toast;
     ChartViewModel chart;
+    ClockViewModel clocks;
     AccountViewModel account;
     PanelsViewModel panels;
     TemplatesViewModel templates;
@@ -84,6 +87,7 @@ class PaneViewModel : public QObject {
     ToolbarViewModel* toolbarOf() { return &toolbar; }
     ToastViewModel* toastOf() { return &toast; }
     ChartViewModel* chartOf() { return &chart; }
+    ClockViewModel* clocksOf() { return &clocks; }
     AccountViewModel* accountOf() { return &account; }
     PanelsViewModel* panelsOf() { return &panels; }
     TemplatesViewModel* templatesOf() { return &templates; }

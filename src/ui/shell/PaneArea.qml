@@ -109,7 +109,7 @@ FocusScope {
     Column {
         readonly property real room: area.leftWidth - 74
         x: (room - width) / 2
-        y: first.toolbarHeight + 12
+        y: first.headHeight + 12
         width: Math.min(560, room - 16)
         spacing: 8
 

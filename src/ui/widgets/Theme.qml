@@ -21,6 +21,16 @@ QtObject {
     readonly property color gold: "#f2c14e"
     readonly property color error: "#ff7a76"
 
+    // the line of values over the chart: labels, and values by their tone (`HudTone`)
+    readonly property color hud555: "#555555"
+    readonly property color hud888: "#888888"
+    readonly property color hudAAA: "#aaaaaa"
+    readonly property color hudTeal: "#26a69a"
+    readonly property color hudRed: "#ef5350"
+    readonly property color hfBlue: "#4f9dff"
+    readonly property color hfRed: "#ff6b81"
+    readonly property var hudTones: [hud555, hudAAA, hudTeal, hudRed, hfBlue, hfRed]
+
     readonly property string family: "Saira"
     readonly property int radius: 6
     readonly property int gap: 8
