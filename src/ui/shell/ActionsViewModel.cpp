@@ -41,6 +41,19 @@ QString groupName(SymbolGroup group) {
     return QObject::tr("STOCKS");
 }
 
+// The rows whose words fit, the best first; all of them under their groups' headings where nothing is typed.
+QVariantList fitting(const QString& typed, const std::vector<QVariantMap>& rows,
+                     const std::vector<std::string>& words) {
+    QVariantList out;
+    QString group;
+    for (const std::size_t i : searchRows(typed.toStdString(), words)) {
+        const QString own = rows[i].value(QStringLiteral("group")).toString();
+        if (typed.trimmed().isEmpty() && std::exchange(group, own) != own) out.push_back(heading(own));
+        out.push_back(rows[i]);
+    }
+    return out;
+}
+
 const QString symbolMark = QStringLiteral("symbol "), expirationMark = QStringLiteral("expiration ");
 }  // namespace
 
@@ -124,28 +137,14 @@ QVariantList ActionsViewModel::find(const QString& typed, bool second) const {
                         {QStringLiteral("on"), at.pane->options.selectedExp.get() == iso},
                         {QStringLiteral("value"), expirationMark + text(iso)}});
     }
-    QVariantList out;
-    QString group;
-    for (const std::size_t i : searchRows(typed.toStdString(), words)) {
-        const QString own = rows[i].value(QStringLiteral("group")).toString();
-        if (typed.trimmed().isEmpty() && std::exchange(group, own) != own) out.push_back(heading(own));
-        out.push_back(rows[i]);
-    }
-    return out;
+    return fitting(typed, rows, words);
 }
 
 QVariantList ActionsViewModel::symbols(const QString& typed, bool second) const {
     const ActionContext at = hooks_.context(second);
     std::vector<std::string> words;
     const auto rows = symbolEntries(at, words, typed.trimmed().isEmpty());
-    QVariantList out;
-    QString group;
-    for (const std::size_t i : searchRows(typed.toStdString(), words)) {
-        const QString own = rows[i].value(QStringLiteral("group")).toString();
-        if (typed.trimmed().isEmpty() && std::exchange(group, own) != own) out.push_back(heading(own));
-        out.push_back(rows[i]);
-    }
-    return out;
+    return fitting(typed, rows, words);
 }
 
 void ActionsViewModel::take(const QString& value, bool second) const {
