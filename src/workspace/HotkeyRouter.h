@@ -60,7 +60,6 @@ class HotkeyRouter {
     /// A pane alone gets every key. Of several the one under the pointer gets it, or, where the hand is on the
     /// keyboard, the one that has the focus.
     int paneFor(int focused, std::size_t paneCount) const;
-    int hoveredPane() const { return hovered_; }
 
  private:
     void keep();
