@@ -46,8 +46,8 @@ std::optional<SimEngine::Booking> SimEngine::bookFill(const Order& order, double
                             static_cast<double>(sizeOf(*newQty));
     }
     account_.positions[order.sym] = booking.after;
-    changed(Field::balance);
-    changed(Field::positions);
+    note(Field::balance);
+    note(Field::positions);
     return booking;
 }
 
@@ -100,13 +100,13 @@ void SimEngine::closeTrade(const Order& order, double price, const OpenTrade& op
                 .closedAt = *order.filledAt,
                 .exitTag = order.tag};
     addFront(account_.trades, std::move(trade), maxTrades);
-    changed(Field::trades);
+    note(Field::trades);
 }
 
 void SimEngine::addFill(const Order& order, double price, double fee) {
     Fill fill{setup_.ids.next(), order.sym, order.side, order.qty, price, fee, *order.filledAt, order.tag};
     addFront(account_.fills, std::move(fill), maxFills);
-    changed(Field::fills);
+    note(Field::fills);
 }
 
 double SimEngine::unrealized(std::string_view sym) const {
@@ -139,9 +139,10 @@ double SimEngine::dayPnL() const {
 }
 
 void SimEngine::accountReplaced() {
+    const Operation operation(*this);
     for (const Field field :
          {Field::balance, Field::startBalance, Field::positions, Field::orders, Field::fills, Field::trades})
-        changed(field);
+        note(field);
 }
 
 void SimEngine::resetAccount(double balance) {

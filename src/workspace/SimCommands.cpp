@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/NumberText.h"
-#include "sim/SimTicket.h"
+#include "sim/OrderRequest.h"
 
 namespace vmr {
 
@@ -114,9 +114,9 @@ Answer placeOrder(SimEngine& engine, const Words& words) {
     const auto qty = parseInt(words[3]);
     const auto rest = readOrderWords(words);
     if (!side || !type || !qty || !rest) return std::nullopt;
-    sim::SimTicket ticket{words[0], *side, *type, *qty, rest->limit, rest->stop, {}};
-    if (rest->bracket.slTicks || rest->bracket.tpTicks) ticket.bracket = rest->bracket;
-    return fillingAt(engine, ticket.sym, [&] { return ticket.enter(engine); });
+    sim::OrderRequest request{words[0], *side, *type, *qty, rest->limit, rest->stop, {}};
+    if (rest->bracket.slTicks || rest->bracket.tpTicks) request.bracket = rest->bracket;
+    return fillingAt(engine, request.sym, [&] { return request.enter(engine); });
 }
 
 Answer cancelOrder(SimEngine& engine, const Words& words) {
