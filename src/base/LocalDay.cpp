@@ -32,7 +32,7 @@ std::optional<LocalTime> localTime(double seconds) {
     std::tm local{};
     if (!(std::abs(seconds) < far) || !toLocal(static_cast<std::time_t>(std::floor(seconds)), local))
         return std::nullopt;
-    return LocalTime{local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min};
+    return LocalTime{local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }
 
 }  // namespace vmr

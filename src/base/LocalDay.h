@@ -13,7 +13,7 @@ std::int64_t localDay(double seconds);
 /// A moment on the machine's own clock on the wall.
 struct LocalTime {
     int month = 1, day = 1;  ///< from 1
-    int hour = 0, minute = 0;
+    int hour = 0, minute = 0, second = 0;
 };
 
 /// `seconds` since 1970 in the machine's time zone. Any thread. Nothing beyond the machine's calendar.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/NumberText.h"
+#include "model/SimDesk.h"
 #include "perf/Perf.h"
 #include "store/ConfigIO.h"
 #include "store/SettingTable.h"
@@ -43,6 +44,9 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
       surface(at_.clock, &gate_),
       camera(at_.clock, work_),
       templates(at_.auth, work_, templatesPane(), &gate_),
+      desk(at_.sim ? std::make_unique<SimDesk>(*at_.sim, at_.preferences, work_,
+                                               [this]() -> const std::string& { return channels->simRoot; })
+                   : nullptr),
       sim_(at_.sim),
       look_(&gate_, renderLook(config)),
       restorePane_(std::move(restore)) {
@@ -57,6 +61,12 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
     watchContent();
     watchTemplates();
     sim_.setCommission(config->simCommission);
+    if (desk) {
+        contentLinks_.push_back(channels.changed.connect([this] { desk->look(); }));
+        contentLinks_.push_back(panels.simPanelOpen.changed.connect([this] {
+            if (!panels.simPanelOpen) desk->resetTicket();
+        }));
+    }
     sim_.watchProblem([this](const std::optional<std::string>& problem) { notices.accountProblem = problem; });
     contentLinks_.push_back(session.connected.changed.connect([this] { sim_.setConnected(session.connected); }));
 

@@ -4,6 +4,7 @@
 #include <any>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,6 +39,8 @@
 #include "store/PaneState.h"
 
 namespace vmr {
+
+class SimDesk;
 
 /// One per pane: owns the parts, routes what comes to them, and tells them of each other's changes. Main thread.
 /// Observable fields give notice of their changes; everything else is read when `chartVersion` or one of them says so.
@@ -77,6 +80,7 @@ class AppModel final : public ChartSource {
     Surface3D surface;
     PaneCamera camera;
     ChartTemplates templates;
+    const std::unique_ptr<SimDesk> desk;  ///< the pane's place at the paper account; null without an account
 
     // Session ---------------------------------------------------------------------------------------------------------
     /// Signs in and connects; `done` (may be empty) gets whether it worked, after the fields have changed.

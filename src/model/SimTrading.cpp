@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "sim/SimTicket.h"
+#include "sim/OrderRequest.h"
 
 namespace vmr {
 
@@ -42,9 +42,9 @@ void SimTrading::place(const std::string& root, std::string_view side, std::stri
     const auto wantedSide = sim::sideNamed(side);
     const auto wantedType = sim::orderTypeNamed(type);
     if (!wantedSide || !wantedType) return;
-    sim::SimTicket ticket{root, *wantedSide, *wantedType, engine_.ticketQty, {}, {}, engine_.ticketBracket};
-    (*wantedType == sim::OrderType::limit ? ticket.limit : ticket.stop) = price;
-    tell(ticket.enter(engine_));
+    sim::OrderRequest request{root, *wantedSide, *wantedType, engine_.ticketQty, {}, {}, engine_.ticketBracket};
+    (*wantedType == sim::OrderType::limit ? request.limit : request.stop) = price;
+    tell(request.enter(engine_));
 }
 
 void SimTrading::setProtective(const std::string& root, std::string_view kind, double price) {

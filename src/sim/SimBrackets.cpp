@@ -39,7 +39,7 @@ void SimEngine::reconcileBrackets(std::string_view sym, std::int64_t newQty) {
                 order.filledAt.reset();
                 order.fillPrice.reset();
                 order.bracket.reset();
-                changed(Field::orders);
+                note(Field::orders);
             }
             ++i;
         }
@@ -81,10 +81,11 @@ void SimEngine::relinkOco(std::string_view sym) {
     if (sl == account_.orders.end() || tp == account_.orders.end()) return;
     sl->ocoId = tp->id;
     tp->ocoId = sl->id;
-    changed(Field::orders);
+    note(Field::orders);
 }
 
 bool SimEngine::setProtective(std::string_view sym, std::string_view kind, double price) {
+    const Operation operation(*this);
     if (kind != slTag && kind != tpTag) return false;
     const auto found = account_.positions.find(sym);
     if (found == account_.positions.end() || found->second.qty == 0) return false;
@@ -119,6 +120,7 @@ SimEngine::LegPrices SimEngine::projectedBracket(const Order& order) const {
 }
 
 bool SimEngine::modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) {
+    const Operation operation(*this);
     constexpr double beyondTicks = 0x1p63;
     Order* order = orderOf(id);
     if (!order || !isPendingEntry(*order)) return false;
@@ -130,7 +132,7 @@ bool SimEngine::modifyProjectedLeg(const Uuid& id, std::string_view leg, double 
     const double ticks = std::max(1.0, std::round(std::abs(px - *anchor) / spec->tick));
     if (!(ticks < beyondTicks) || (leg != slTag && leg != tpTag)) return false;
     (leg == slTag ? order->bracket->slTicks : order->bracket->tpTicks) = static_cast<std::int64_t>(ticks);
-    changed(Field::orders);
+    note(Field::orders);
     persist();
     return true;
 }

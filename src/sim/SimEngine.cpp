@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/LocalDay.h"
 #include "market/Roots.h"
@@ -25,11 +26,21 @@ SimEngine::~SimEngine() {
         if (timer != SerialQueue::noTimer) setup_.main->cancel(timer);
 }
 
+// A subscriber that works the account gives notices of its own.
+void SimEngine::tellChanges() {
+    const unsigned fields = std::exchange(changedFields_, 0u);
+    for (unsigned field = 0; fields >> field != 0; ++field)
+        if (fields >> field & 1u) changed(static_cast<Field>(field));
+}
+
 sim::Date SimEngine::now() const { return sim::dateFrom1970(setup_.clock.now()); }
 
 void SimEngine::onTrade(std::string_view sym, double price, double at) {
     const sim::SimPrices::Market* market = prices_.trade(sym, price, at);
-    if (market && !account_.orders.empty()) match(sym, *market);
+    if (!market) return;
+    if (!account_.orders.empty()) match(sym, *market);
+    // behind the fills: what it ended did not stand at this price any more
+    if (!account_.openTrades.empty()) follow(sym, price);
 }
 
 void SimEngine::onQuote(std::string_view sym, double bid, double ask, double at) {
@@ -66,8 +77,13 @@ void SimEngine::forgetPrices() {
     forget(roots);
 }
 
+// A position shows the contract in which it was opened once the root follows another.
 void SimEngine::forget(const std::vector<std::string>& roots) {
-    for (const std::string& root : roots) prices_.forget(root);
+    const Operation operation(*this);
+    for (const std::string& root : roots) {
+        prices_.forget(root);
+        if (account_.openTrades.contains(root)) note(Field::positions);
+    }
 }
 
 void SimEngine::updateSpecs(const std::map<std::string, Spec>& specs) {
@@ -81,6 +97,7 @@ double SimEngine::roundTick(std::string_view sym, double price) const {
 
 std::optional<SimEngine::Order> SimEngine::place(std::string_view sym, Side side, OrderType type, std::int64_t qty,
                                                  Price limit, Price stop, const std::optional<BracketSpec>& bracket) {
+    const Operation operation(*this);
     if (!specs_.find(sym) || qty < 1 || !marketOpen()) return std::nullopt;
     // An order at an infinite price or NaN would never fill, and the account could not be saved with it.
     if ((limit && !isUsable(limit)) || (stop && !isUsable(stop))) return std::nullopt;
@@ -109,6 +126,7 @@ std::optional<SimEngine::Order> SimEngine::place(std::string_view sym, Side side
 }
 
 bool SimEngine::cancel(const Uuid& id) {
+    const Operation operation(*this);
     const Order* order = orderOf(id);
     if (!order) return false;
     takeOrder(static_cast<std::size_t>(order - account_.orders.data()));
@@ -118,11 +136,19 @@ bool SimEngine::cancel(const Uuid& id) {
 
 // Copies the root, here and in `flatten`: `sym` may point into an order that is about to be removed.
 void SimEngine::cancelAll(std::string_view sym) {
+    const Operation operation(*this);
     removeOrders([root = std::string(sym)](const Order& order) { return order.sym == root; });
     persist();
 }
 
+void SimEngine::cancelAll() {
+    const Operation operation(*this);
+    removeOrders([](const Order&) { return true; });
+    persist();
+}
+
 bool SimEngine::modify(const Uuid& id, double price) {
+    const Operation operation(*this);
     Order* order = orderOf(id);
     if (!order) return false;
     const double px = roundTick(order->sym, price);
@@ -131,12 +157,13 @@ bool SimEngine::modify(const Uuid& id, double price) {
         order->limitPrice = px;
     else if (order->stopPrice)
         order->stopPrice = px;
-    changed(Field::orders);
+    note(Field::orders);
     persist();
     return true;
 }
 
 bool SimEngine::flatten(std::string_view sym) {
+    const Operation operation(*this);
     const auto position = account_.positions.find(sym);
     if (position == account_.positions.end() || position->second.qty == 0) return false;
     // what `place` would refuse must leave the legs where they are
@@ -166,19 +193,19 @@ SimEngine::Order* SimEngine::orderOf(const Uuid& id) {
 
 void SimEngine::append(Order order) {
     account_.orders.push_back(std::move(order));
-    changed(Field::orders);
+    note(Field::orders);
 }
 
 SimEngine::Order SimEngine::takeOrder(std::size_t at) {
     auto& orders = account_.orders;
     Order order = std::move(orders[at]);
     orders.erase(orders.begin() + static_cast<std::ptrdiff_t>(at));
-    changed(Field::orders);
+    note(Field::orders);
     return order;
 }
 
 void SimEngine::removeOrders(const std::function<bool(const Order&)>& test) {
-    if (std::erase_if(account_.orders, test) > 0) changed(Field::orders);
+    if (std::erase_if(account_.orders, test) > 0) note(Field::orders);
 }
 
 void SimEngine::removeLegs(std::string_view sym) {

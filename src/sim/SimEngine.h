@@ -64,8 +64,8 @@ class SimEngine {
     // The account -----------------------------------------------------------------------------------------------------
     /// `keeping` is how the account is kept: `keepsAccount`, `problem`, `lastError` and `lastSave`.
     enum class Field : std::uint8_t { balance, startBalance, positions, orders, fills, trades, keeping };
-    /// Emitted inside an operation, each time that field has changed. A subscriber may read, but must not call an
-    /// operation that changes the account.
+    /// Emitted behind an operation, once for each field that it has changed; all of the account is as the operation
+    /// leaves it by then. A market event that fills orders is one operation.
     Signal<Field> changed;
 
     double balance() const { return account_.balance; }
@@ -104,6 +104,7 @@ class SimEngine {
     static constexpr double freshFor = 15;  ///< seconds of market time
     /// The futures market's hours, now.
     bool marketOpen() const;
+    sim::Date now() const;  ///< market time
 
     // Who shows which contract. When a root's contract changes, its prices are forgotten, and nothing of it matches
     // until a price of the new contract comes; positions and orders stay.
@@ -134,6 +135,8 @@ class SimEngine {
     bool cancel(const Uuid& id);
     /// Removes every order of the root.
     void cancelAll(std::string_view sym);
+    /// Removes every order.
+    void cancelAll();
     /// Moves an order to `price` on the grid: its limit, or its stop if it has no limit. Fills nothing.
     bool modify(const Uuid& id, double price);
     /// Removes the protective orders and closes the position at the market. When the market is closed or has no price,
@@ -162,6 +165,8 @@ class SimEngine {
     double totalUnrealized() const;
     /// Results after fees of the trades closed on the machine's calendar day, and the open result.
     double dayPnL() const;
+    /// The machine's calendar day that holds `date`.
+    std::int64_t dayOf(sim::Date date) const { return setup_.localDay(sim::secondsSince1970(date)); }
     static Stats stats(std::span<const Trade> trades) { return sim::statsOf(trades); }
     /// Starts anew: no position, order, fill or trade. Prices, commission and ticket stay.
     void resetAccount(double balance);
@@ -174,6 +179,8 @@ class SimEngine {
     bool flushPendingSave();
     /// Whether changes are kept: not without a store, nor while another process holds the account's file.
     bool keepsAccount() const;
+    /// Another process has the account's file.
+    bool heldElsewhere() const { return setup_.store && !keepsAccount(); }
     /// What a person must know for as long as it lasts: the account is read only, is not saved, or could not be read.
     std::optional<std::string> problem() const;
     /// The newest thing that went wrong with the file, also when it is over.
@@ -184,6 +191,7 @@ class SimEngine {
 
  private:
     static constexpr double saveDelay = 1.0;
+    static constexpr double excursionDelay = 10.0;  // for what only the market has changed
     static constexpr double retryDelay = 5.0;
     static constexpr double lookPeriod = 1.0;  // real seconds between two looks at another process's lock
     struct Booking {
@@ -193,13 +201,29 @@ class SimEngine {
         double fee;
     };
 
-    sim::Date now() const;
+    /// While one exists, notices of the account wait; the end of the outermost one gives them.
+    class [[nodiscard]] Operation {
+     public:
+        explicit Operation(SimEngine& engine) : engine_(engine) { ++engine_.operations_; }
+        Operation(const Operation&) = delete;
+        ~Operation() {
+            if (--engine_.operations_ == 0 && engine_.changedFields_ != 0) engine_.tellChanges();
+        }
+
+     private:
+        SimEngine& engine_;
+    };
+    void note(Field field) { changedFields_ |= 1u << static_cast<unsigned>(field); }
+    void tellChanges();
+
     void forget(const std::vector<std::string>& roots);
     void match(std::string_view sym, const sim::SimPrices::Market& market);
     bool fill(Order& order, double price);
     std::optional<Booking> bookFill(const Order& order, double price, const Spec& spec);
     void rollUp(const Order& order, double price, const Booking& booking);
     void closeTrade(const Order& order, double price, const OpenTrade& open, double realized);
+    static bool widen(sim::OpenTrade& open, double result);
+    void follow(std::string_view sym, double price);
     void addFill(const Order& order, double price, double fee);
     void reconcileBrackets(std::string_view sym, std::int64_t newQty);
     void buildLegs(const Order& filled, double price, std::int64_t qty, double tick);
@@ -217,6 +241,7 @@ class SimEngine {
     void accountReplaced();
     void noteError(const std::string& line);
     void persist();
+    void persistLater();
     void save();
     void saved(std::uint64_t revision, const std::optional<std::string>& problem);
     void log(const std::string& line) const;
@@ -224,6 +249,7 @@ class SimEngine {
     /// How the account is kept.
     struct Keeping {
         bool pending = false;        // a save is due
+        bool later = false;          // one is to be due
         std::uint64_t revision = 0;  // counts changes
         std::uint64_t savedRevision = 0;
         std::optional<std::string> failure;  // of the last save, until one succeeds
@@ -239,6 +265,8 @@ class SimEngine {
     sim::SimWatches watches_;
     sim::RootMap<Spec> specs_;
     Keeping keeping_;
+    int operations_ = 0;          // under way, one inside the other
+    unsigned changedFields_ = 0;  // of the operation under way, a bit for each
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

@@ -49,6 +49,7 @@ void toLimit(Order& order) {
 // reached in the same pass.
 void SimEngine::match(std::string_view sym, const sim::SimPrices::Market& market) {
     if (!market.last) return;
+    const Operation operation(*this);
     const double last = *market.last;
     const auto top = market.quote ? market.quote : market.book(specs_.find(sym));
     auto& orders = account_.orders;
@@ -63,7 +64,7 @@ void SimEngine::match(std::string_view sym, const sim::SimPrices::Market& market
             matched = true;
         } else if (converts(order, last)) {
             toLimit(order);
-            changed(Field::orders);
+            note(Field::orders);
             matched = true;
         } else {
             ++i;

@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "base/NumberText.h"
-#include "sim/SimTicket.h"
+#include "sim/OrderRequest.h"
+#include "sim/SimLists.h"
 
 namespace vmr {
 
@@ -114,9 +115,9 @@ Answer placeOrder(SimEngine& engine, const Words& words) {
     const auto qty = parseInt(words[3]);
     const auto rest = readOrderWords(words);
     if (!side || !type || !qty || !rest) return std::nullopt;
-    sim::SimTicket ticket{words[0], *side, *type, *qty, rest->limit, rest->stop, {}};
-    if (rest->bracket.slTicks || rest->bracket.tpTicks) ticket.bracket = rest->bracket;
-    return fillingAt(engine, ticket.sym, [&] { return ticket.enter(engine); });
+    sim::OrderRequest request{words[0], *side, *type, *qty, rest->limit, rest->stop, {}};
+    if (rest->bracket.slTicks || rest->bracket.tpTicks) request.bracket = rest->bracket;
+    return fillingAt(engine, request.sym, [&] { return request.enter(engine); });
 }
 
 Answer cancelOrder(SimEngine& engine, const Words& words) {
@@ -172,7 +173,25 @@ std::string listing(const SimEngine& engine) {
     if (const auto problem = engine.problem()) out += "; " + *problem;
     return out;
 }
+
+CommandAnswer exportList(const SimEngine& engine, CommandWords& words) {
+    const std::string what = words.next(), list = words.next();
+    const std::string file(words.rest());
+    if (what != "export" || (list != "trades" && list != "fills") || file.empty()) return std::nullopt;
+    const bool trades = list == "trades";
+    const std::string csv = trades ? sim::tradesCsv(engine.trades()) : sim::fillsCsv(engine.fills());
+    if (const auto problem = sim::writeCsv(file, csv)) return "error: " + *problem;
+    return "ok " + std::to_string(trades ? engine.trades().size() : engine.fills().size()) + " " + list + " to " + file;
+}
 }  // namespace
+
+std::string answerOfAccount(SimEngine& engine, const std::string& root,
+                            const std::function<std::optional<std::string>()>& operation) {
+    const sim::Snapshot before = engine.snapshot();
+    const Outcome done = fillingAt(engine, root, operation);
+    if (done.problem) return "error: " + *done.problem;
+    return "ok " + difference(before, engine.snapshot()) + done.note;
+}
 
 void addSimCommands(CommandTable& table, SimEngine& engine) {
     using Call = Answer (*)(SimEngine&, const Words&);
@@ -185,7 +204,10 @@ void addSimCommands(CommandTable& table, SimEngine& engine) {
                        return "ok " + difference(before, engine.snapshot()) + done->note;
                    }});
     };
-    table.add({"sim", "", 0, 0, [&engine](CommandWords&) -> CommandAnswer { return listing(engine); }});
+    table.add(
+        {"sim", "[export trades|fills FILE]", 0, Command::restOfLine, [&engine](CommandWords& words) -> CommandAnswer {
+             return words.empty() ? listing(engine) : exportList(engine, words);
+         }});
     add("order", "SYM buy|sell market|limit|stop|stopLimit QTY [limit=P] [stop=P] [sl=TICKS] [tp=TICKS]", 4,
         Command::restOfLine, placeOrder);
     add("cancel", "ID", 1, 1, cancelOrder);
