@@ -16,11 +16,11 @@ struct TradingFacts {
     struct Line {
         std::string id;  ///< the order's; a planned leg's with "/SL" or "/TP" behind its order's; "entry" of a position
         std::string kind;  ///< "order", "leg" or "position"
-        std::string text, tagText;
+        std::string text{}, tagText{};
         double price = 0, y = 0;
         bool shown = false, dragged = false;
         Rgba color{};
-        PointRect badge, closeMark, tag;
+        PointRect badge{}, closeMark{}, tag{};
     };
     std::string root;
     std::vector<Line> lines;  ///< lowest first
