@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "chart/TradingLinesLayer.h"
+
 namespace vmr {
 
 namespace {
@@ -216,6 +218,16 @@ AxisLayer::Box AxisLayer::countdownBox(const ScreenFrame& frame, const Box& tag)
     return {top, top + countdownHeight, true};
 }
 
+std::array<PointRect, 2> AxisLayer::keptFree(const ScreenFrame& frame) const {
+    if (!fits(frame)) return {};
+    const Box price = tagBox(frame), countdown = countdownBox(frame, price);
+    const auto rect = [&](const Box& box) {
+        if (!box.shown) return PointRect{};
+        return PointRect{frame.plot().right(), box.top, PlotArea::priceAxisWidth, box.bottom - box.top};
+    };
+    return {rect(price), rect(countdown)};
+}
+
 void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box, const Box& countdown) {
     const double half = painter_.lineHeight(axisStyle) * 0.5;
     const double bottom = frame.plot().bottom();
@@ -224,6 +236,9 @@ void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box, const B
         double alpha = std::min(fade(y - half), fade(bottom - half - y));
         for (const Box& other : {box, countdown})
             if (other.shown) alpha *= fade(std::max(other.top - (y + half), (y - half) - other.bottom));
+        if (account)
+            for (const PointRect& tag : account->tagBoxes())
+                alpha *= fade(std::max(tag.y - (y + half), (y - half) - tag.bottom()));
         if (!(alpha > 0.0)) continue;
         if (addPrice(frame, price, FontFace::regular, y, textColor(alpha)))
             labels_.priceTexts.push_back({AxisScale::fmtPrice(price), y});

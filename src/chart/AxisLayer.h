@@ -1,6 +1,7 @@
 // The chart's axes: prices at the right, times at the bottom, a faint grid, and the last price in its box.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -9,9 +10,12 @@
 #include "chart/AxisScale.h"
 #include "chart/ScreenLayer.h"
 #include "gpu/Painter.h"
+#include "gpu/PointRect.h"
 #include "market/SessionTime.h"
 
 namespace vmr {
+
+class TradingLinesLayer;
 
 /// Labels never touch each other, the view's edges or the last-price box; one that would fades out or is left away.
 /// Where the half hours of `AxisScale` give fewer than two whole time labels, or more than one in 64 points, the time
@@ -53,6 +57,11 @@ class AxisLayer final : public ScreenLayer {
         }
     };
     const Labels& labels() const { return labels_; }
+
+    /// Where the last price's box and the countdown stand in this frame; empty for one that is not there.
+    std::array<PointRect, 2> keptFree(const ScreenFrame& frame) const;
+    /// The account's lines, to whose tags the axis' prices give way; null for none.
+    const TradingLinesLayer* account = nullptr;
 
     void drawBelow(ScreenFrame& frame) override;
     bool drawAbove(ScreenFrame& frame) override;

@@ -38,17 +38,16 @@ double ChartInput::priceAt(double y) const {
 const LineMarks& ChartInput::marks() {
     freshMarks_.clear();
     if (!trades() || !renderer_.showsBars()) return freshMarks_;
-    const Viewport viewport = renderer_.camera().viewport();
-    if (drawnMarks && drawnMarks->builtFor(*trading, simRoot, viewport, width_, height_)) return *drawnMarks;
-    freshMarks_.build(*trading, simRoot, viewport, width_, height_);
+    const LineMarks::View view{trading, simRoot, renderer_.camera().viewport(), width_, height_};
+    if (drawnMarks && drawnMarks->builtFor(view)) return *drawnMarks;
+    freshMarks_.build(view);
     return freshMarks_;
 }
 
 void ChartInput::mouseMoved(ChartPoint at) {
-    const LineMarks& lines = marks();
-    const bool onMark = lines.hit(at.x, at.y).closes;
-    cursorOnRuler_ = plot().onPriceAxis(at.x) || lines.draggableAt(at.x, at.y) != nullptr;
-    const ChartCursor cursor = onMark           ? ChartCursor::pointingHand
+    const LineMarks::Hit hit = marks().hit(at.x, at.y);
+    cursorOnRuler_ = plot().onPriceAxis(at.x) || (hit.mark && hit.mark->draggable());
+    const ChartCursor cursor = hit.closes       ? ChartCursor::pointingHand
                                : cursorOnRuler_ ? ChartCursor::resizeUpDown
                                                 : ChartCursor::arrow;
     if (std::exchange(cursor_, cursor) != cursor && onCursor) onCursor(cursor);
@@ -59,10 +58,12 @@ void ChartInput::mouseExited() { pointer.left(); }
 
 void ChartInput::mouseDown(ChartPoint at) {
     drag_.release();
-    const LineMarks::Hit hit = marks().hit(at.x, at.y);
+    const LineMarks& lines = marks();
+    const LineMarks::Hit hit = lines.hit(at.x, at.y);
     if (hit.closes) return close(*hit.mark);  // and moving the pointer then drags nothing
-    if (hit.mark) return drag_.take(*hit.mark, at);
-    drag_.take(at);
+    if (!hit.mark) return drag_.take(at);
+    drag_.take(*hit.mark, at);
+    contract_ = lines.contract();
 }
 
 void ChartInput::close(const LineMark& mark) {
@@ -85,11 +86,49 @@ void ChartInput::mouseDragged(ChartPoint at) {
     flushDrag(at);
 }
 
+// The account moves with the pointer, so that no tick finds the line elsewhere and every chart of the root shows it.
 void ChartInput::dragLine(ChartPoint at) {
-    const double price = priceAt(at.y);
-    if (!std::isfinite(price) || !trading) return;
-    if (drag_.holds() == PointerDrag::Holds::order) return trading->modify(drag_.id(), price);
-    trading->modifyProjectedLeg(drag_.id(), drag_.leg(), price);
+    endLostDrag();
+    const double price = priceAt(at.y - drag_.beside());
+    if (!drag_.holdsLine() || !std::isfinite(price)) return;
+    moveLine(price);
+    renderer_.redraw();
+}
+
+void ChartInput::moveLine(double price) {
+    const DraggedLine line = drag_.line();  // what the account does next may end the drag
+    if (line.leg.empty()) return trading->modify(line.id, price);
+    trading->modifyProjectedLeg(line.id, line.leg, price);
+}
+
+bool ChartInput::lineIsThere() {
+    if (!trades()) return false;
+    trading->lines(simRoot, account_);
+    const DraggedLine& line = drag_.line();
+    if (account_.contract != contract_) return false;
+    if (line.leg.empty())
+        return std::ranges::any_of(account_.orders, [&](const OrderLine& order) { return order.id == line.id; });
+    return std::ranges::any_of(account_.legs,
+                               [&](const ProjectedLeg& leg) { return leg.id == line.id && leg.leg == line.leg; });
+}
+
+void ChartInput::endLostDrag() {
+    if (!drag_.holdsLine() || lineIsThere()) return;
+    drag_.release();
+    renderer_.redraw();
+}
+
+bool ChartInput::takeBack() {
+    endLostDrag();
+    if (!drag_.holdsLine()) return false;
+    if (drag_.begun()) moveLine(drag_.price());
+    drag_.release();
+    renderer_.redraw();
+    return true;
+}
+
+std::optional<DraggedLine> ChartInput::draggedLine() const {
+    return drag_.holdsLine() && drag_.begun() ? std::optional(drag_.line()) : std::nullopt;
 }
 
 double ChartInput::barsFor(double dx) const {
@@ -107,9 +146,13 @@ void ChartInput::flushDrag(ChartPoint at) {
 }
 
 void ChartInput::mouseUp(ChartPoint at) {
-    if (drag_.holdsLine()) return drag_.release();
-    flushDrag(at);
-    letGo();
+    if (!drag_.holdsLine()) {
+        flushDrag(at);
+        return letGo();
+    }
+    const bool moved = drag_.begun();
+    drag_.release();
+    if (moved) renderer_.redraw();
 }
 
 void ChartInput::letGo() {

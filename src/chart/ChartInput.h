@@ -67,6 +67,11 @@ class ChartInput {
     void doubleClick();
     void mouseDragged(ChartPoint at);
     void mouseUp(ChartPoint at);
+    /// Ends the drag of a line and brings it back to where it was. False when none is dragged.
+    bool takeBack();
+    /// Ends the drag of a line whose order is gone, by a fill or a person, or whose root has another contract's prices
+    /// now; nothing of it is changed.
+    void endLostDrag();
     /// What the button holds is no longer there: lets go, and what the pointer still does until the next press is
     /// nothing.
     void letGo();
@@ -87,6 +92,8 @@ class ChartInput {
     bool cursorOnRuler() const { return cursorOnRuler_; }
     /// The order or leg whose line is being dragged.
     bool draggingLine() const { return drag_.holdsLine(); }
+    /// Likewise, once it has moved.
+    std::optional<DraggedLine> draggedLine() const;
     /// The button is down and moves the chart or a line.
     bool dragging() const { return drag_.holds() != PointerDrag::Holds::nothing; }
 
@@ -99,6 +106,8 @@ class ChartInput {
     const LineMarks& marks();
     void close(const LineMark& mark);
     void dragLine(ChartPoint at);
+    void moveLine(double price);
+    bool lineIsThere();
     void flushDrag(ChartPoint at);
     double barsFor(double dx) const;
     bool marketIsClosed() const;
@@ -112,6 +121,8 @@ class ChartInput {
     double width_ = 0, height_ = 0;
     LineMarks freshMarks_;
     PointerDrag drag_;
+    TradingLines account_;  // as it was looked at last
+    std::string contract_;  // whose prices the dragged line's root had
     double lastDragApply_;
     bool liveRefresh_ = false;
     double liveReleaseAt_ = 0;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "chart/OverlayFacts.h"
+#include "chart/TradingFacts.h"
 #include "market/Records.h"
 
 namespace vmr {
@@ -23,6 +24,8 @@ class ChartPort {
     virtual std::optional<Viewport> viewport() const = 0;
     /// What is written on it in the last frame; nothing before the first one with bars.
     virtual std::optional<OverlayFacts> overlayFacts() const { return std::nullopt; }
+    /// What it shows of the paper account; nothing where it does not trade, and before the first frame with bars.
+    virtual std::optional<TradingFacts> tradingFacts() const { return std::nullopt; }
     /// For a linked pane; null where the chart cannot be followed.
     virtual CameraPort* cameraPort() { return nullptr; }
 };

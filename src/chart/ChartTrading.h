@@ -13,7 +13,8 @@ namespace vmr {
 /// The open position of a root; `qty` is never 0, negative short.
 struct PositionLine {
     std::int64_t qty = 0;
-    double avg = 0;  ///< average entry price
+    double avg = 0;          ///< average entry price
+    std::string contract{};  ///< in which it was opened, where the root's prices are another one's now; else empty
 };
 
 /// An order that rests at a price.
@@ -37,6 +38,8 @@ struct TradingLines {
     std::optional<PositionLine> position;
     std::vector<OrderLine> orders;
     std::vector<ProjectedLeg> legs;
+    std::string contract{};          ///< whose prices the root has; empty where that is not known
+    double tick = 0, tickValue = 5;  ///< the root's price step, 0 where it is not known, and its worth for one contract
 };
 
 /// The account as the chart reaches it. Roots are futures roots such as "NQ". Main thread.
@@ -46,6 +49,8 @@ class ChartTrading {
 
     /// Fills `out`, reusing its memory.
     virtual void lines(const std::string& root, TradingLines& out) const = 0;
+    /// What the position has gained so far, at the last trade; 0 without one.
+    virtual double unrealized(const std::string& root) const = 0;
     virtual std::size_t workingCount(const std::string& root) const = 0;
     virtual std::optional<double> last(const std::string& root) const = 0;
     /// Seconds since the root had a price, where a person who orders must be told; nothing while it is fresh.

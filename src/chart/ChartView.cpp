@@ -15,18 +15,22 @@ ChartView::ChartView(const Surroundings& at)
       tradingLines_(at.glyphs),
       pills_(at.glyphs, ribbons_),
       axes_(at.glyphs, at.session),
+      tradingTags_(at.glyphs, tradingLines_),
       input_(renderer_, at.session, at.clock, at.main, at.perf) {
     renderer_.addScreenLayer(watermark_);
     renderer_.addScreenLayer(barLabels_);
     renderer_.addScreenLayer(tradingLines_);
     renderer_.addScreenLayer(pills_);
     renderer_.addScreenLayer(axes_);
+    renderer_.addScreenLayer(tradingTags_);
     renderer_.perf = at.perf;
     renderer_.onNeedsDisplay = [this] { askForFrame(); };
     renderer_.onInteractionEnd = [this] {
         if (source_) source_->interactionEnded();
     };
     tradingLines_.trading = at.trading;
+    tradingLines_.axes = &axes_;
+    axes_.account = &tradingLines_;
     barLabels_.others = &pills_;
     pills_.account = &tradingLines_;
     input_.trading = at.trading;
@@ -95,6 +99,7 @@ void ChartView::startOver() {
 
 void ChartView::setRoot(std::string_view root) {
     if (tradingLines_.root == root) return;
+    if (input_.draggingLine()) input_.letGo();
     tradingLines_.root = input_.simRoot = root;
     askForFrame();
 }
@@ -188,6 +193,8 @@ bool ChartView::record(double width, double height, double pixelRatio, double no
     readSource();
     if (ribbonsDue_ && source_) makeRibbons(source_->chartContent());
     input_.setSize(width, height);
+    input_.endLostDrag();
+    tradingLines_.dragged = input_.draggedLine();
     const bool animating = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic, whole);
     const std::optional<Viewport> moved = renderer_.movedTo();
     if (moved) viewport_->publish(moved);

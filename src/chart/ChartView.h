@@ -17,6 +17,7 @@
 #include "chart/ChartPort.h"
 #include "chart/ChartRenderer.h"
 #include "chart/ChartSource.h"
+#include "chart/EntryPill.h"
 #include "chart/HudText.h"
 #include "chart/OverlayRibbons.h"
 #include "chart/PillLayer.h"
@@ -113,6 +114,9 @@ class ChartView final : public ChartPort, public CameraPort {
     /// From where to where, in points from the top, the strike that the line tells of takes its row in a plot of this
     /// height; nothing where none is told or its row is out of view.
     std::optional<AxisLayer::Extent> litStrike(const HudText& hud, double height) const;
+    /// What the badge of the open position says of its result as of now, and where in the last frame; nothing where
+    /// that shows none. One that has outgrown its place asks for a frame.
+    std::optional<EntryPill> entryPill();
     /// Where the linked chart's pointer is in this one, which may be out of view.
     std::optional<ChartPoint> peerCrosshair(double width, double height) const;
 
@@ -121,6 +125,7 @@ class ChartView final : public ChartPort, public CameraPort {
     bool interacting() const override { return renderer_.interacting(); }
     std::optional<Viewport> viewport() const override { return viewport_->get(); }
     std::optional<OverlayFacts> overlayFacts() const override;
+    std::optional<TradingFacts> tradingFacts() const override;
     CameraPort* cameraPort() override { return this; }
 
     // CameraPort
@@ -164,6 +169,7 @@ class ChartView final : public ChartPort, public CameraPort {
     TradingLinesLayer tradingLines_;
     PillLayer pills_;
     AxisLayer axes_;
+    TradingTagsLayer tradingTags_;
     ChartInput input_;
     std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();
     WeakTask whileThere_;

@@ -21,8 +21,10 @@ class PointerDrag {
     void take(ChartPoint at) { *this = {Holds::chart, at}; }
     void take(const LineMark& mark, ChartPoint at) {
         *this = {mark.kind == LineMark::Kind::order ? Holds::order : Holds::leg, at};
-        id_ = mark.id;
-        leg_ = mark.leg;
+        line_ = {mark.id, mark.leg};
+        price_ = mark.price;
+        const double beside = at.y - mark.y;  // by its badge or tag, which may stand away from it
+        if (std::abs(beside) > LineMarks::hitTolerance) beside_ = beside;
     }
     void release() { *this = {}; }
 
@@ -42,8 +44,10 @@ class PointerDrag {
     Holds holds() const { return holds_; }
     bool holdsLine() const { return holds_ == Holds::order || holds_ == Holds::leg; }
     bool begun() const { return begun_; }
-    const Uuid& id() const { return id_; }         ///< of a line's order
-    std::string_view leg() const { return leg_; }  ///< "SL" or "TP", of a leg
+    /// What it holds where that is a line.
+    const DraggedLine& line() const { return line_; }
+    double price() const { return price_; }    ///< the line's, when it was taken
+    double beside() const { return beside_; }  ///< how far below the line the pointer is; 0 for on it
 
     PointerDrag() = default;
 
@@ -53,8 +57,8 @@ class PointerDrag {
     Holds holds_ = Holds::nothing;
     ChartPoint from_, at_;
     bool begun_ = false;
-    Uuid id_;
-    std::string_view leg_;
+    DraggedLine line_;
+    double price_ = 0, beside_ = 0;
 };
 
 }  // namespace vmr

@@ -14,7 +14,7 @@ void AppModel::contentChanged() {
 }
 
 void AppModel::watchContent() {
-    for (Signal<>* changed : {&look_.changed, &channels.changed, &bars.displayCandles.changed,
+    for (Signal<>* changed : {&config.changed, &look_.changed, &channels.changed, &bars.displayCandles.changed,
                               &bars.chartVersionChanged, &options.levels.changed, &options.strikes.changed,
                               &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.hud.changed,
                               &options.secStrikes.changed, &options.secEtfRatio.changed, &markers.bubblePts.changed,
@@ -27,7 +27,7 @@ ChartContent AppModel::chartContent() const {
     out.chart = chartNumber();
     out.timeframe = bars.timeframe;
     out.sessionHHMM = sessionHHMM();
-    out.simRoot = channels->simRoot;
+    if (config->simEnabled) out.simRoot = channels->simRoot;
     out.symbol = channels->symbolView();
     out.hud = true;
     out.look = &look_->config;

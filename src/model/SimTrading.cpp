@@ -19,8 +19,12 @@ void SimTrading::lines(const std::string& root, TradingLines& out) const {
     out.position.reset();
     out.orders.clear();
     out.legs.clear();
+    out.contract = engine_.watches().contract(root);
+    const sim::Spec* spec = engine_.specs().find(root);
+    out.tick = spec ? spec->tick : 0;
+    out.tickValue = spec ? spec->tickValue : TradingLines().tickValue;
     if (const auto found = engine_.positions().find(root); found != engine_.positions().end() && found->second.qty != 0)
-        out.position = {found->second.qty, found->second.avg};
+        out.position = {found->second.qty, found->second.avg, otherContract(root)};
     for (const sim::Order& order : engine_.orders()) {
         if (order.sym != root) continue;
         if (const auto price = order.limitPrice ? order.limitPrice : order.stopPrice)
@@ -30,6 +34,15 @@ void SimTrading::lines(const std::string& root, TradingLines& out) const {
         if (legs.tp) out.legs.push_back({order.id, "TP", *legs.tp});
     }
 }
+
+std::string SimTrading::otherContract(const std::string& root) const {
+    const auto open = engine_.openTrades().find(root);
+    if (open == engine_.openTrades().end() || !open->second.contract) return {};
+    const std::string_view now = engine_.watches().contract(root);
+    return now.empty() || now == *open->second.contract ? std::string() : *open->second.contract;
+}
+
+double SimTrading::unrealized(const std::string& root) const { return engine_.unrealized(root); }
 
 std::size_t SimTrading::workingCount(const std::string& root) const {
     return static_cast<std::size_t>(std::count_if(engine_.orders().begin(), engine_.orders().end(),

@@ -17,6 +17,7 @@ class SimTrading final : public ChartTrading {
         : engine_(engine), refused_(std::move(refused)) {}
 
     void lines(const std::string& root, TradingLines& out) const override;
+    double unrealized(const std::string& root) const override;
     std::size_t workingCount(const std::string& root) const override;
     std::optional<double> last(const std::string& root) const override;
     std::int64_t ticketQty() const override { return engine_.ticketQty; }
@@ -35,6 +36,7 @@ class SimTrading final : public ChartTrading {
     void flatten(const std::string& root) override;
 
  private:
+    std::string otherContract(const std::string& root) const;
     void tell(const std::optional<std::string>& problem) const;
 
     SimEngine& engine_;

@@ -119,6 +119,37 @@ void addOverlayTexts(json& out, const AppModel& pane) {
                       {"watermark", facts->watermark}};
 }
 
+json boxOf(const PointRect& box) { return box.width > 0 ? json({box.x, box.y, box.width, box.height}) : json(nullptr); }
+
+// The account's lines on the pane's chart.
+void addTrading(json& out, const AppModel& pane) {
+    const ChartPort* chart = pane.camera.port();
+    const auto facts = chart ? chart->tradingFacts() : std::nullopt;
+    out["trading"] = nullptr;
+    if (!facts) return;
+    json lines = json::array();
+    json dragged = nullptr;
+    for (const TradingFacts::Line& line : facts->lines) {
+        if (line.dragged) dragged = line.text;
+        lines.push_back({{"id", line.id},
+                         {"kind", line.kind},
+                         {"text", line.text},
+                         {"price", number(line.price)},
+                         {"y", number(line.y)},
+                         {"shown", line.shown},
+                         {"color", line.color},
+                         {"badge", boxOf(line.badge)},
+                         {"close", boxOf(line.closeMark)},
+                         {"tag", boxOf(line.tag)},
+                         {"tagText", line.tagText}});
+    }
+    out["trading"] = {{"root", facts->root}, {"lines", lines}, {"drag", dragged}, {"pill", nullptr}};
+    if (facts->pill)
+        out["trading"]["pill"] = {{"text", facts->pill->result.text.text()},
+                                  {"gain", facts->pill->result.gain},
+                                  {"box", boxOf(facts->pill->box)}};
+}
+
 void addCatalog(json& out, const AppModel& pane) {
     out["catFutures"] = json::array();
     for (const CatalogFut& fut : pane.catalog.catFutures.get())
@@ -212,6 +243,7 @@ json paneDocument(const AppModel& pane) {
     addDerived(out, pane);
     addOverlays(out, pane.overlays.series());
     addOverlayTexts(out, pane);
+    addTrading(out, pane);
     addClockTexts(out["overlay"], pane);
     out["feedRepairs"] = json::object();
     for (const auto& [channel, count] : pane.feedRepairs.byChannel()) out["feedRepairs"][channel] = count.elements;

@@ -39,7 +39,9 @@ struct StateSources {
 /// volume], other records objects; a missing optional or a non-finite number is null; doubles round-trip. Dates of the
 /// simulator are seconds since 2001; a pane's `simPanel` has the texts of its panel, shown or not. `overlay` is what is
 /// written on a pane's chart, null without one: boxes are [x, y, width, height] in points from the chart's top left,
-/// colours [r, g, b, a] of 0 to 1.
+/// colours [r, g, b, a] of 0 to 1. `trading` is the account's lines there, lowest first, null where the chart does not
+/// trade: a badge, close mark or tag that is not shown is null; `drag` is what the badge of a dragged line says, `pill`
+/// the open result on the position's.
 std::string stateDocument(const StateSources& sources);
 
 }  // namespace vmr

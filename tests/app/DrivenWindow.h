@@ -33,7 +33,7 @@ class DrivenWindow : public testing::Test {
         ASSERT_EQ(std::system(find.c_str()), 0);
         std::ifstream(file) >> window_;
     }
-    /// Starts it with an open market and waits until that is shown.
+    /// Starts it with an open market, waits until that is shown, and trades on it.
     void startMarket() {
         start({"--practice", "--clock", "2026-06-10T10:00", "--window", "1200x800"});
         ASSERT_TRUE(until([](const nlohmann::json& state) {
@@ -41,6 +41,7 @@ class DrivenWindow : public testing::Test {
             return pane["displayCandles"].size() > 100 && pane["catFutures"].size() == 6 &&
                    pane["viewport"].is_object() && state["sim"]["lasts"].contains("NQ");
         })) << "the market did not come";
+        EXPECT_EQ(program_->ask("set simEnabled true"), "[cmd] ok set simEnabled");
     }
 
     /// Real events, one after the other, in the words of xdotool.

@@ -158,30 +158,96 @@ TEST_F(InputTest, LinesAreHitWithinSixPointsAndDraggedOrClosed) {
     };
     const auto below = [&](double price, double points) { return ChartPoint{400, yOf(price) + points}; };
     const double first = camera().firstVisible, low = camera().yMinManual;
-    EXPECT_THAT(press(below(21040, 6), 21060), ElementsAre("modify 1 21060", "modify 1 21061"));
+    EXPECT_THAT(press(below(21040, 6), 21060), ElementsAre("modify 2 21060", "modify 2 21061"));
     EXPECT_THAT(press(below(20980, -6), 20970), ElementsAre("leg 1 SL 20970", "leg 1 SL 20971"));
     EXPECT_THAT(press(below(21080, 0), 21070), ElementsAre("leg 2 TP 21070", "leg 2 TP 21071"));
     input.mouseDown(below(21040, 1));
     input.mouseDragged(below(21040, -1));
     input.mouseUp(below(21040, -1));
     EXPECT_THAT(done(), ElementsAre()) << "a trembling hand moves no order";
-    EXPECT_THAT(press(at(edge - 16, 21040), 21050), ElementsAre("cancel 1"));
-    EXPECT_THAT(press(at(edge + 2, 21000), 21000), ElementsAre("flatten NQ"));
+    EXPECT_THAT(press(at(edge - 16, 21040), 21050), ElementsAre("cancel 2"));
+    EXPECT_THAT(press({edge + 2, yOf(21000) + 9}, 21000), ElementsAre("flatten NQ"));
     EXPECT_FALSE(input.draggingLine());
     EXPECT_EQ(camera().firstVisible, first);
     EXPECT_EQ(camera().yMinManual, low);
     EXPECT_FALSE(camera().autoY);
-    const double whole = span();  // on the price axis there are no lines: it stretches
-    EXPECT_THAT(press({width - 74, yOf(21040)}, 21060), ElementsAre());
+    EXPECT_THAT(press({width - 74, yOf(21040) + 8}, 21060), ElementsAre("modify 2 21062", "modify 2 21063"))
+        << "by its tag, from where it was taken";
+    const double whole = span();  // the axis of a position, which cannot be moved
+    EXPECT_THAT(press({width - 74, yOf(21000)}, 21010), ElementsAre());
     EXPECT_NE(span(), whole);
     renderer.mirrorPrice(20900, 21100);
-    EXPECT_THAT(press({edge, yOf(21000) + 7}, 21010), ElementsAre());  // beside the line: the chart moves
+    EXPECT_THAT(press({edge, yOf(21000) + 10}, 21010), ElementsAre());  // beside the badge: the chart moves
     EXPECT_NE(camera().yMinManual, low);
-    while (yOf(21000) > 7) renderer.panByPrice(-1, height);
-    ASSERT_GE(yOf(21000), 0);  // the line is in view, its mark has no room
-    EXPECT_THAT(press(at(edge, 21000), 21000), ElementsAre());
+    while (yOf(21000) > 2) renderer.panByPrice(-1, height);
+    ASSERT_GE(yOf(21000), 0);
+    EXPECT_THAT(press({edge, 17}, 21000), ElementsAre("flatten NQ")) << "the badge stays in view";
     input.simRoot.clear();
     EXPECT_THAT(press(below(21040, 0), 21060), ElementsAre());
+}
+
+// A line is gone, or its prices are another contract's: what the hand still does changes nothing.
+TEST_F(InputTest, ALineThatGoesEndsItsDrag) {
+    using Shown = TradingLines&;
+    const TradingLines before{
+        PositionLine{1, 21000},
+        {{id(1), 21040, true, 1, "LMT"}, {id(2), 20960, false, 1, "SL"}, {id(3), 21060, false, 1, "TP"}},
+        {{id(1), "SL", 21030}, {id(1), "TP", 21080}},
+        "NQM6"};
+    const std::tuple<const char*, std::function<void(Shown)>, std::vector<double>> ends[] = {
+        {"the entry fills",
+         [](Shown now) { now.orders.erase(now.orders.begin()), now.legs.clear(); },
+         {21040, 21030, 21080}},
+        {"the stop fills", [](Shown now) { now.orders.resize(1), now.position.reset(); }, {20960, 21060}},
+        {"the planned target is given up", [](Shown now) { now.legs.pop_back(); }, {21080}},
+        {"a reset", [](Shown now) { now = {}; }, {21040, 20960, 21060, 21030}},
+        {"a roll", [](Shown now) { now.contract = "NQU6"; }, {21040, 20960, 21060, 21030}},
+    };
+    for (const auto& [name, change, prices] : ends) {
+        for (const double price : prices) {
+            SCOPED_TRACE(std::string(name) + " " + std::to_string(price));
+            trading.shown = before;
+            input.mouseDown(at(400, price));
+            input.mouseDragged(at(400, price + 3));
+            EXPECT_EQ(done().size(), 1U);
+            EXPECT_TRUE(input.draggedLine());
+            change(trading.shown);
+            input.mouseDragged(at(400, price - 10));
+            EXPECT_FALSE(input.draggingLine());
+            trading.shown = before;  // the same line again is another press'
+            input.mouseDragged(at(400, price - 20));
+            input.mouseUp(at(400, price - 20));
+            EXPECT_FALSE(input.takeBack());
+            EXPECT_THAT(done(), ElementsAre());
+        }
+    }
+    trading.shown = before;
+    input.mouseDown(at(400, 21040));
+    trading.shown.orders.pop_back();
+    input.mouseDragged(at(400, 21050));
+    EXPECT_THAT(done(), ElementsAre("modify 1 21050")) << "another order's fill";
+    input.letGo();  // the chart changes its symbol
+    input.mouseDragged(at(400, 21055));
+    EXPECT_THAT(done(), ElementsAre());
+}
+
+TEST_F(InputTest, ADragIsTakenBackToWhereItBegan) {
+    trading.shown = {{}, {{id(1), 21040, true, 1, "LMT"}}, {{id(1), "SL", 21030}}};
+    for (const auto& [price, back] : {std::pair{21040.0, "modify 1 21040"}, {21030.0, "leg 1 SL 21030"}}) {
+        EXPECT_FALSE(input.takeBack());
+        input.mouseDown(at(400, price));
+        EXPECT_TRUE(input.draggingLine() && !input.draggedLine()) << "it has not moved";
+        input.mouseDragged(at(width - 20, price + 40));  // over the axis the price counts as well
+        input.mouseDragged(at(width - 20, price + 50));
+        EXPECT_EQ(done().size(), 2U);
+        EXPECT_TRUE(input.takeBack());
+        input.mouseDragged(at(400, price + 20));
+        input.mouseUp(at(400, price + 20));
+        EXPECT_THAT(done(), ElementsAre(back));
+        EXPECT_EQ(camera().yMinManual, 20900) << "nor does the rest of the drag move the chart";
+    }
+    input.mouseDown({400, 100});
+    EXPECT_FALSE(input.takeBack()) << "the chart's drag is none of a line";
 }
 
 TEST_F(InputTest, APressIsMeantForTheLinesOfTheLastFrame) {

@@ -1,4 +1,5 @@
-// The account's lines: in which order they lie, and that a press hits what was drawn on top.
+// The account's lines: in which order they lie, where their badges and tags stand, and that a press hits what was drawn
+// on top.
 #include "chart/LineMarks.h"
 
 #include <gmock/gmock.h>
@@ -6,7 +7,9 @@
 #include <algorithm>
 #include <random>
 
+#include "chart/AxisLayer.h"
 #include "chart/TradingLinesLayer.h"
+#include "chart/TradingTexts.h"
 #include "tests/chart/ChartScene.h"
 #include "tests/support/PlayedTrading.h"
 
@@ -23,24 +26,28 @@ struct LineMarksTest : RecordedScene {
 
     PlayedTrading trading;
     FrameArena arena{gpu};
+    AxisLayer axes{glyphs, session};
     TradingLinesLayer layer{glyphs};
+    TradingTagsLayer tags{glyphs, layer};
+    std::vector<Candle> candles = bars(1);
+    double lastPrice = 5000;  // out of view
 
     LineMarksTest() {
         width = 1200;
         layer.trading = &trading;
         layer.root = "NQ";
+        layer.axes = &axes;
     }
     bool draw() override {
         gpu.beginFrame(width, height, 1);
         arena.beginFrame();
-        ScreenFrame frame{{gpu, arena, width, height, 1}, viewport, {}};
+        ScreenFrame frame{{gpu, arena, width, height, 1}, viewport, candles, lastPrice};
         layer.drawBelow(frame);
-        const bool animating = layer.drawAbove(frame);
+        const bool animating = layer.drawAbove(frame) || tags.drawAbove(frame);
         gpu.endFrame();
         return animating;
     }
-    /// The labels' boxes in the order of drawing. Each has a rim and, within it, its ground; the rims are as high as
-    /// close marks.
+    /// The boxes of badges, rims without their grounds, and of tags, in the order of drawing.
     std::vector<PointRect> boxes() const {
         std::vector<PointRect> list;
         for (const auto& call : recorded.draws) {
@@ -49,40 +56,108 @@ struct LineMarksTest : RecordedScene {
             for (std::size_t i = 0; i + 6 <= corners.size(); i += 6) {
                 const auto &a = corners[i].position, &c = corners[i + 2].position;
                 const PointRect box{a[0], a[1], double{c[0]} - a[0], double{c[1]} - a[1]};
-                if (box.height == LineMarks::closeMarkHeight && box.width > 1) list.push_back(box);
+                if (box.height == LineMarks::badgeHeight && box.width > 1) list.push_back(box);
             }
         }
         return list;
     }
+    std::span<const LineMark> lines() const { return layer.marks().list(); }
+    /// What a press there does: the label of what it closes or drags.
+    std::string press(double x, double y) const {
+        const LineMarks::Hit hit = layer.marks().hit(x, y);
+        return hit.mark ? (hit.closes ? "x " : "") + hit.mark->label : "";
+    }
+    static bool same(const PointRect& a, const PointRect& b) {
+        return std::abs(a.x - b.x) + std::abs(a.y - b.y) + std::abs(a.right() - b.right()) < 1e-3;
+    }
+    static bool meet(const PointRect& a, const PointRect& b) {
+        return a.x < b.right() && b.x < a.right() && a.y < b.bottom() && b.y < a.bottom();
+    }
 };
 
-TEST_F(LineMarksTest, LegsLieLowestThePositionHighestAndTheEarlierOverTheLater) {
-    trading.shown = {PositionLine{-3, 400},
-                     {{id(1), 500, true, 2, "LMT"}, {id(2), 847.5, false, 12, "STP LMT"}},
+TEST_F(LineMarksTest, LegsLieLowestThePositionHighestAndTheNewerOverTheOlder) {
+    trading.shown = {PositionLine{-3, 400, "NQH6"},
+                     {{id(1), 500, true, 2, "LMT"}, {id(2), 853, false, 12, "TP"}, {id(3), 900, true, 1, "STP"}},
                      {{id(1), "SL", 480}, {id(1), "TP", 530}}};
     frame();
     std::vector<std::string> found;
-    for (const LineMark& mark : layer.marks().list()) {
-        const bool marked = mark.closeMark.width > 0;
-        found.push_back(mark.label + (mark.labelled ? "" : " bare") + (marked ? " x" : ""));
+    for (const LineMark& mark : lines()) {
+        found.push_back(mark.label + (mark.badge.width > 0 ? "" : " bare") + (mark.closeMark.width > 0 ? " x" : "") +
+                        (mark.good ? " good" : ""));
         EXPECT_NEAR(mark.y, 855 - mark.price, 1e-9);
     }
-    EXPECT_THAT(found, ElementsAre("TP", "SL", "SELL 12 STP LMT bare", "BUY 2 LMT x", "SHORT 3 x"))
-        << "a line near the edge has no room for a label";
-    EXPECT_EQ(boxes().size(), 4U);
-    const PointRect mark = layer.marks().list()[3].closeMark;
-    EXPECT_EQ(mark, (PointRect{LineMarks::closeMarkEdge(width) - 16, 347, 18, 16}));
+    EXPECT_THAT(found,
+                ElementsAre("TP good", "SL", "BUY 2 x good", "TP 12 x good", "BUY 1 bare good", "SHORT 3 NQH6 x"));
+    EXPECT_EQ(lines()[3].badge.y, 0) << "a line near the edge keeps its badge in view";
+    const double end = LineMarks::closeMarkEdge(width) + 2;
+    EXPECT_EQ(lines()[2].closeMark, (PointRect{end - 18, 346, 18, 18}));
+    EXPECT_EQ(lines()[2].tag, (PointRect{width - 74, 346, 74, 18}));
+    EXPECT_EQ(lines()[2].tagText.text(), "500.00");
+    const PointRect room = lines()[5].result;
+    EXPECT_EQ(room.y, 446);
+    EXPECT_GT(room.width, 50);
+    trading.openResult = 1234567;
+    frame();
+    EXPECT_GT(lines()[5].result.width, room.width) << "a result of more digits gets more room";
     layer.root.clear();
     frame();
-    EXPECT_TRUE(recorded.draws.empty() && layer.marks().list().empty());
+    EXPECT_TRUE(recorded.draws.empty() && lines().empty());
 }
 
-TEST_F(LineMarksTest, WhatAPressClosesIsWhatWasDrawnOnTop) {
+TEST_F(LineMarksTest, LinesOfOnePriceStandSideBySideTheNewestNearestToTheAxis) {
+    trading.shown = {PositionLine{1, 400},
+                     {{id(1), 500, true, 1, "LMT"},
+                      {id(2), 500, false, 2, "LMT"},
+                      {id(3), 509, true, 3, "STP"},
+                      {id(4), 400, false, 1, "SL"}},
+                     {{id(1), "SL", 500}}};
+    frame();
+    const auto badge = [&](const char* label) { return std::ranges::find(lines(), label, &LineMark::label)->badge; };
+    const double end = LineMarks::closeMarkEdge(width) + 2;
+    EXPECT_EQ(badge("BUY 3").right(), end);
+    EXPECT_EQ(badge("SELL 2").right(), badge("BUY 3").x - 2) << "their heights meet";
+    EXPECT_EQ(badge("BUY 1").right(), badge("SELL 2").x - 2);
+    EXPECT_EQ(badge("SL").right(), badge("BUY 1").x - 2);
+    EXPECT_EQ(badge("LONG 1").right(), end);
+    EXPECT_EQ(badge("SL 1").right(), badge("LONG 1").x - 2);
+    EXPECT_EQ(press(40, 355), "SELL 2") << "the newest lies on top";
+    EXPECT_EQ(press(badge("BUY 1").x + 4, 355 + 9), "BUY 1");
+    EXPECT_EQ(press(badge("BUY 1").right() - 4, 355 - 9), "x BUY 1");
+    EXPECT_EQ(press(badge("BUY 1").right() - 4, 355 + 9.5), "");
+    EXPECT_EQ(press(badge("LONG 1").x + 4, 455), "") << "over the stop's line";
+    EXPECT_EQ(press(end - 4, 455 - 8), "x LONG 1");
+    EXPECT_EQ(press(40, 455), "SL 1");
+    // lines of one price have one tag, which takes the highest
+    EXPECT_EQ(press(width - 1, 355 + 1), "SELL 2");
+    EXPECT_EQ(layer.tagBoxes().size(), 3U);
+    layer.dragged = DraggedLine{id(1), {}};
+    frame();
+    EXPECT_EQ(lines().back().badge.right(), end) << "the others make room for what is dragged";
+    EXPECT_EQ(badge("BUY 3").right(), lines().back().badge.x - 2);
+}
+
+TEST_F(LineMarksTest, TagsKeepOutOfEachOtherAndOfTheLastPrice) {
+    trading.shown.orders = {{id(1), 500, true, 1, "LMT"}, {id(2), 505, true, 1, "LMT"}, {id(3), 404, true, 1, "LMT"}};
+    lastPrice = 400;
+    frame();
+    ASSERT_EQ(layer.tagBoxes().size(), 3U);
+    const PointRect price = axes.keptFree({{gpu, arena, width, height, 1}, viewport, candles, lastPrice})[0];
+    EXPECT_EQ(price.y, 446);
+    for (const PointRect& tag : layer.tagBoxes()) {
+        EXPECT_FALSE(meet(tag, price));
+        for (const PointRect& other : layer.tagBoxes()) EXPECT_TRUE(&tag == &other || !meet(tag, other));
+        EXPECT_TRUE(std::ranges::count(boxes(), tag) == 1) << "drawn where it is hit";
+    }
+    EXPECT_EQ(lines()[1].tag.y, 350 - 9) << "the newer one stands at its price";
+    EXPECT_EQ(lines()[0].tag.y, 350 + 9 + 1);
+    EXPECT_EQ(press(width - 10, 350 + 12), "BUY 1");
+}
+
+TEST_F(LineMarksTest, WhatAPressHitsIsWhatWasDrawnOnTop) {
     std::mt19937 random(11);
     const auto below = [&](std::size_t n) { return random() % n; };
-    const double column = LineMarks::closeMarkEdge(width) - 7;
-    std::size_t closed = 0, covered = 0, dragged = 0;
-    for (int round = 0; round < 400; ++round) {
+    std::size_t closed = 0, badges = 0, dragged = 0;
+    for (int round = 0; round < 300; ++round) {
         const auto price = [&] { return priceAt(static_cast<double>(400 + below(40))); };
         trading.shown = {};
         for (std::size_t i = below(4); i-- > 0;) trading.shown.orders.push_back({id(i), price(), i % 2 == 0, 1, "LMT"});
@@ -90,32 +165,73 @@ TEST_F(LineMarksTest, WhatAPressClosesIsWhatWasDrawnOnTop) {
         if (below(2) == 0) trading.shown.position = PositionLine{1, price()};
         frame();
         const auto drawn = boxes();
-        const auto list = layer.marks().list();
-        ASSERT_EQ(drawn.size(), list.size());
-        for (double y = 385.25; y < 455; y += 1) {
-            std::size_t top = drawn.size();  // of the boxes at the place of the press, beginning with the highest
-            while (top-- > 0 && !drawn[top].contains(column, y)) {
+        const auto list = lines();
+        for (const LineMark& mark : list) {
+            ASSERT_TRUE(std::ranges::any_of(drawn, [&](const PointRect& box) { return same(box, mark.badge); }));
+            for (const LineMark& other : list) ASSERT_TRUE(&mark == &other || !meet(mark.badge, other.badge));
+        }
+        for (int point = 0; point < 300; ++point) {
+            const double x = 500 + static_cast<double>(below(450)), y = 385.25 + static_cast<double>(below(70));
+            const LineMark* on = nullptr;
+            for (const LineMark& mark : list)
+                if (mark.badge.contains(x, y)) on = &mark;
+            const LineMarks::Hit hit = layer.marks().hit(x, y);
+            if (on) {
+                ASSERT_EQ(hit.closes, on->closeMark.contains(x, y));
+                ASSERT_EQ(hit.mark, hit.closes || on->draggable() ? on : nullptr);
+                ++(hit.closes ? closed : badges);
+                continue;
             }
-            const LineMarks::Hit hit = layer.marks().hit(column, y);
-            if (hit.closes) {
-                ASSERT_EQ(hit.mark, &list[top]) << y;
-                ASSERT_LE(std::abs(hit.mark->y - y), LineMarks::hitTolerance);
-                ++closed;
-            } else if (top < list.size()) {
-                ASSERT_EQ(hit.mark, nullptr) << "through a mark";
-                ASSERT_GT(std::abs(list[top].y - y), LineMarks::hitTolerance);
-                ++covered;
-            }
-            const LineMarks::Hit beside = layer.marks().hit(40, y);
-            ASSERT_FALSE(beside.closes);
-            ASSERT_EQ(beside.mark, layer.marks().draggableAt(40, y));
-            if (!beside.mark) continue;
-            ++dragged;
-            for (const LineMark* over = beside.mark + 1; over < list.data() + list.size(); ++over)
-                ASSERT_TRUE(!over->draggable() || std::abs(over->y - y) > LineMarks::hitTolerance);
+            ASSERT_FALSE(hit.closes);
+            const auto near = [&](const LineMark& mark) {
+                return mark.draggable() && std::abs(mark.y - y) <= LineMarks::hitTolerance;
+            };
+            const auto highest = std::find_if(list.rbegin(), list.rend(), near);
+            ASSERT_EQ(hit.mark, highest == list.rend() ? nullptr : &*highest);
+            if (hit.mark) ++dragged;
         }
     }
-    EXPECT_TRUE(closed > 3000 && covered > 500 && dragged > 3000) << closed << " " << covered << " " << dragged;
+    EXPECT_TRUE(closed > 1000 && badges > 3000 && dragged > 3000) << closed << " " << badges << " " << dragged;
+}
+
+// What the badge of a dragged line says, for each kind of line.
+TEST_F(LineMarksTest, ADraggedLineTellsTicksAndMoneyFromItsEntry) {
+    trading.lastPrice = 600;
+    trading.tick = 0.25;
+    const PositionLine longOf2{2, 500}, shortOf3{-3, 500.1};
+    const struct {
+        const char* name;
+        std::optional<PositionLine> position;
+        OrderLine order;
+        std::string_view leg;
+        const char* text;
+    } rows[] = {
+        {"stop of a long", longOf2, {id(1), 490, false, 2, "SL"}, {}, "SL 2 490.00 · −40 t · −$400"},
+        {"target of a long", longOf2, {id(1), 510.25, false, 2, "TP"}, {}, "TP 2 510.25 · +41 t · +$410"},
+        {"stop of a short", shortOf3, {id(1), 501, true, 3, "SL"}, {}, "SL 3 501.00 · −4 t · −$54"},
+        {"target at the entry", longOf2, {id(1), 500, false, 2, "TP"}, {}, "TP 2 500.00 · 0 t · $0"},
+        {"closes a part", longOf2, {id(1), 501, false, 1, "LMT"}, {}, "SELL 1 501.00 · +4 t · +$20"},
+        {"closes more than there is", longOf2, {id(1), 501, false, 9, "LMT"}, {}, "SELL 9 501.00 · +4 t · +$40"},
+        {"adds", longOf2, {id(1), 501, true, 1, "LMT"}, {}, "BUY 1 501.00 · −396 t"},
+        {"opens", {}, {id(1), 601, false, 1, "LMT"}, {}, "SELL 1 601.00 · +4 t"},
+        {"planned stop of a buy", {}, {id(1), 500, true, 2, "LMT"}, "SL", "SL 495.00 · −20 t · −$200"},
+        {"planned stop of a sell", {}, {id(1), 490, false, 1, "LMT"}, "SL", "SL 495.00 · −20 t · −$100"},
+    };
+    for (const auto& [name, position, order, leg, text] : rows) {
+        SCOPED_TRACE(name);
+        trading.shown = {position, {order}, {}};
+        if (!leg.empty()) trading.shown.legs = {{id(1), leg, 495}, {id(9), leg, 495}};
+        layer.dragged = DraggedLine{id(1), leg};
+        frame();
+        EXPECT_EQ(lines().back().label, text);
+        EXPECT_TRUE(lines().back().dragged);
+    }
+    for (const auto& [open, worth, text] : {std::tuple{12.49, 5.0, "+10.00"},
+                                            {-12.51, 5.0, "-15.00"},
+                                            {-2.0, 5.0, "+0.00"},
+                                            {7.0, 0.0, "+7.00"},
+                                            {12345.0, 12.5, "+12,350.00"}})
+        EXPECT_EQ(TradingTexts::result(open, worth).text.text(), text);
 }
 
 }  // namespace

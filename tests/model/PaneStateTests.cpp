@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "market/Roots.h"
+#include "model/SimTrading.h"
 #include "sim/SimEngine.h"
 #include "support/pane/TestPane.h"
 
@@ -64,13 +65,49 @@ TEST_F(PaneStates, TellsTheAccountQuotesAndOnlySettingsThatDiffer) {
     model->setConfig(changed);
     EXPECT_EQ(engine.commission, changed.simCommission);
     EXPECT_EQ(AppModel(surroundings()).config.get(), changed) << "a later pane reads it";
+
+    SimTrading trading(engine);
+    TradingLines lines;
+    trading.lines("NQ", lines);
+    ASSERT_TRUE(lines.position);
+    EXPECT_EQ(lines.position->contract + " " + lines.contract, " NQM6");
+    EXPECT_EQ(std::pair(lines.tick, lines.tickValue), std::pair(0.25, 5.0));
+    event("meta:contracts", R"({"map":{"NQ":"NQU6"}})");
+    trading.lines("NQ", lines);
+    EXPECT_EQ(lines.position->contract + " " + lines.contract, "NQM6 NQU6") << "the older one is told";
     model.reset();  // it must not outlive the account
+}
+
+TEST_F(PaneStates, TheChartTradesWhileTheSimulatorIsOn) {
+    struct Chart final : ChartPort {
+        int changes = 0;
+        void contentChanged() override { ++changes; }
+        bool interacting() const override { return false; }
+        std::optional<Viewport> viewport() const override { return std::nullopt; }
+    } chart;
+    openSymbol("ES");
+    model->setChartPort(&chart);
+    for (const bool on : {false, true, false}) {
+        chart.changes = 0;
+        GexConfig config = model->config;
+        const bool differs = config.simEnabled != on;
+        config.simEnabled = on;
+        model->setConfig(config);
+        EXPECT_EQ(model->chartContent().simRoot, on ? "ES" : "");
+        EXPECT_EQ(chart.changes > 0, differs);
+    }
+    model->setChartPort(nullptr);
 }
 
 struct WrittenChart final : ChartPort {
     void contentChanged() override {}
     bool interacting() const override { return false; }
     std::optional<Viewport> viewport() const override { return std::nullopt; }
+    std::optional<TradingFacts> tradingFacts() const override {
+        TradingFacts out{"NQ", {}, EntryPill{{1, 2, 3, 18}, TradingTexts::result(-12, 5)}};
+        out.lines.push_back({.id = "7/SL", .kind = "leg", .text = "SL 9.00", .dragged = true, .tag = {4, 5, 74, 18}});
+        return out;
+    }
     std::optional<OverlayFacts> overlayFacts() const override {
         return OverlayFacts{{{"HF 7", {1, 2, 3, 4}, {0, 0.5F, 1, 0.25F}}},
                             {{"R1 2.00", {5, 6, 7, 8}, {}}},
@@ -103,6 +140,10 @@ TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
                 R"("labels":[{"text":"R1 2.00","box":[5.0,6.0,7.0,8.0]}],"ticks":{"prices":[{"text":"21.00","at":9.0}],)"
                 R"("times":[{"text":"09:30","at":10.0},{"text":"Jun 11","at":11.0}]},"watermark":["NQ 1m","Velmora"],)"))
         << pane["overlay"].text();
+    EXPECT_EQ(pane["trading"]["pill"].text(), R"({"text":"-10.00","gain":false,"box":[1.0,2.0,3.0,18.0]})");
+    EXPECT_EQ(pane["trading"]["drag"].text(), R"("SL 9.00")");
+    const JsonView line = *pane["trading"]["lines"].items().begin();
+    EXPECT_EQ(std::string(line["badge"].text()) + std::string(line["tag"].text()), "null[4.0,5.0,74.0,18.0]");
     EXPECT_EQ((*std::next((*document)["panes"].items().begin()))["overlay"]["pills"].kind(), JsonView::Kind::missing)
         << "without a chart nothing is written on it";
     model->setChartPort(nullptr);

@@ -16,6 +16,7 @@ struct PlayedTrading : ChartTrading {
     std::optional<double> lastPrice = 21000.0;
     std::optional<double> staleAge;
     double tick = 0.25;
+    double openResult = 0;
     std::vector<std::string> done;
 
     template <class... Parts>
@@ -25,7 +26,11 @@ struct PlayedTrading : ChartTrading {
         done.push_back(text.str());
     }
     static int number(const Uuid& id) { return id.bytes[0]; }
-    void lines(const std::string&, TradingLines& out) const override { out = shown; }
+    void lines(const std::string&, TradingLines& out) const override {
+        out = shown;
+        out.tick = tick;
+    }
+    double unrealized(const std::string&) const override { return openResult; }
     std::size_t workingCount(const std::string&) const override { return shown.orders.size(); }
     std::optional<double> last(const std::string&) const override { return lastPrice; }
     std::optional<double> stalePrice(const std::string&) const override { return staleAge; }

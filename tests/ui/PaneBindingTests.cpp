@@ -225,6 +225,9 @@ TEST_F(PaneBindingTest, PanelsAndTheAccountGoBothWays) {
 TEST_F(PaneBindingTest, ChartPaneAndAccountAgreeOnTheSundayOfAClockChange) {
     SimEngine account({time, TestPane::session, UuidSource(5)});
     SimTrading trading(account);
+    GexConfig config = model->config;
+    config.simEnabled = true;
+    model->setConfig(config);
     time.setNow(*parseMoment("2026-11-01T00:30-04:00"));
     model->rollForwardBarIfNeeded();
     time.setNow(*parseMoment("2026-11-01T17:30-05:00"));

@@ -15,6 +15,12 @@ ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make
     setAcceptHoverEvents(true);
     setActiveFocusOnTab(true);
     connect(this, &FrameItem::problemChanged, this, &ChartItem::endInput);
+    constexpr int pillPeriod = 100;  // ms
+    drawing_->pillTimer.setInterval(pillPeriod);
+    connect(&drawing_->pillTimer, &QTimer::timeout, this, [this] {
+        pillComes_ = true;
+        joinNextFrame();
+    });
     makeView();
 }
 
@@ -122,6 +128,7 @@ void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
 bool ChartItem::record(Gpu&, QSizeF size, double pixelRatio, double now) {
     const bool moves = drawing_->view->record(size.width(), size.height(), pixelRatio, now, isCalmFrame());
     updateHud();  // with the frame, as the crosshair
+    updateEntryPill();
     return moves;
 }
 

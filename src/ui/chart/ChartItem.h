@@ -11,6 +11,7 @@
 #include "chart/Camera.h"
 #include "chart/ChartInput.h"
 #include "ui/chart/CrosshairState.h"
+#include "ui/chart/EntryPillState.h"
 #include "ui/chart/HudState.h"
 #include "ui/gpu/FrameItem.h"
 #include "ui/pane/PaneViewModel.h"
@@ -28,6 +29,8 @@ class ChartItem : public FrameItem {
     Q_PROPERTY(vmr::CrosshairState* crosshair READ crosshair CONSTANT)
     Q_PROPERTY(vmr::CrosshairState* peerCrosshair READ peerCrosshair CONSTANT)
     Q_PROPERTY(vmr::HudState* hud READ hud CONSTANT)
+    Q_PROPERTY(vmr::EntryPillState* entryPill READ entryPill CONSTANT)
+    Q_PROPERTY(bool takesEscape READ takesEscape)
     Q_PROPERTY(qreal barsWidth READ barsWidth NOTIFY widthChanged)
     Q_PROPERTY(QVariantList orderMenu READ orderMenu NOTIFY orderMenuRequested)
 
@@ -43,6 +46,10 @@ class ChartItem : public FrameItem {
     CrosshairState* peerCrosshair();
     /// The line of values over the chart, and what else follows the frames in items of its own.
     HudState* hud();
+    /// The result on the open position's line.
+    EntryPillState* entryPill();
+    /// While a line is dragged, which Escape takes back before it closes anything.
+    bool takesEscape();
     /// Of the widest bar of a strike, in points.
     qreal barsWidth() const { return Camera::maxBarW(width()); }
 
@@ -96,6 +103,7 @@ class ChartItem : public FrameItem {
     void updateCrosshair();
     void updatePeerCrosshair();
     void updateHud();
+    void updateEntryPill();
     void refresh(CrosshairState& crosshair);
     void endOrderMenu();
     void endInput();
@@ -103,6 +111,7 @@ class ChartItem : public FrameItem {
     std::unique_ptr<Drawing> drawing_;
     QPointer<PaneViewModel> pane_;
     std::optional<ChartPoint> pointerComes_;  ///< where the crosshair goes with the next frame
+    bool pillComes_ = false;                  ///< the result is read with the next frame
     ChartPoint lastPress_;                    ///< where a drag has come to
     std::vector<OrderMenuItem> orderMenu_;    ///< empty once its chart is gone
 };

@@ -1,6 +1,7 @@
 // What a chart item draws with and is driven by. Private to the item's sources.
 #pragma once
 
+#include <QTimer>
 #include <memory>
 
 #include "base/Clock.h"
@@ -30,6 +31,8 @@ struct ChartItem::Drawing {
     QtLoop loop;
     CrosshairState crosshair, peerCrosshair;
     HudState hud;
+    EntryPillState pill;
+    QTimer pillTimer;  // while a result is shown
     Given given;
     std::unique_ptr<ChartView> view;  // never null
     std::unique_ptr<PerfDrive> drive;

@@ -47,6 +47,17 @@ void ChartItem::updateHud() {
                          drawing_->view->axes().labels().countdown);
 }
 
+EntryPillState* ChartItem::entryPill() { return &drawing_->pill; }
+
+void ChartItem::updateEntryPill() {
+    const auto pill = drawing_->view->entryPill();
+    drawing_->pill.update(pill);
+    if (!pill)
+        drawing_->pillTimer.stop();
+    else if (!drawing_->pillTimer.isActive())
+        drawing_->pillTimer.start();
+}
+
 // Where it is again told while the chart moves below it; what it is over then changes with the frame.
 void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
     pointerComes_ = point;
@@ -57,6 +68,7 @@ void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
 }
 
 void ChartItem::frameBegins() {
+    if (std::exchange(pillComes_, false)) updateEntryPill();
     const auto point = std::exchange(pointerComes_, std::nullopt);
     if (!point || drawing_->crosshair.mousePoint() == point) return;
     drawing_->crosshair.setMousePoint(point);
@@ -151,6 +163,8 @@ bool ChartItem::event(QEvent* event) {
 
 void ChartItem::magnify(qreal magnification) { input().magnify(magnification); }
 
+bool ChartItem::takesEscape() { return drawing_->view->input().draggingLine(); }
+
 void ChartItem::keyPressEvent(QKeyEvent* event) {
     constexpr double step = 0.1, zoom = 1.15;  // shares of the view
     if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return event->ignore();
@@ -170,6 +184,9 @@ void ChartItem::keyPressEvent(QKeyEvent* event) {
             return input().zoomBy(zoom);
         case Qt::Key_Home:
             return input().toLiveEdge();
+        case Qt::Key_Escape:
+            if (!input().takeBack()) event->ignore();
+            return;
         default:
             event->ignore();
     }

@@ -85,6 +85,10 @@ FocusScope {
             room: Math.max(plot - chart.barsWidth - 36, Math.min(plot, 220), 0)
             wraps: chart.width < 900
         }
+        EntryPill {
+            objectName: "entryPill"
+            pill: chart.entryPill
+        }
         Clocks {
             anchors.fill: parent
             visible: !paneView.pane.chart.empty
