@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "chart/OscillatorPane.h"
 #include "chart/OverlayFacts.h"
 #include "market/Records.h"
 
@@ -23,6 +24,8 @@ class ChartPort {
     virtual std::optional<Viewport> viewport() const = 0;
     /// What is written on it in the last frame; nothing before the first one with bars.
     virtual std::optional<OverlayFacts> overlayFacts() const { return std::nullopt; }
+    /// What the oscillator below it shows; nothing where it is not shown.
+    virtual std::optional<OscFacts> oscFacts() const { return std::nullopt; }
     /// For a linked pane; null where the chart cannot be followed.
     virtual CameraPort* cameraPort() { return nullptr; }
 };

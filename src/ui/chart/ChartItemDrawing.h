@@ -30,6 +30,8 @@ struct ChartItem::Drawing {
     QtLoop loop;
     CrosshairState crosshair, peerCrosshair;
     HudState hud;
+    std::optional<ChartPoint> oscPointerComes;  // where it goes over the oscillator with the next frame
+    std::unique_ptr<PointerReports> oscPointer;
     Given given;
     std::unique_ptr<ChartView> view;  // never null
     std::unique_ptr<PerfDrive> drive;
