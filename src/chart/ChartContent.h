@@ -41,7 +41,7 @@ struct ChartContent {
     const OverlaySet* overlays = nullptr;  ///< null: no series
     OverlayStyle overlayStyle;
     std::span<const OverlayLine> srLines;  ///< session lines and levels
-    OscContent osc;                        ///< below the chart
+    OscContent osc{};                      ///< below the chart
 
     /// Raised when that part changed. A part whose number is the one of the last content of the same chart is not even
     /// looked at.

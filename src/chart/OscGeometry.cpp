@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "chart/LabelFormat.h"
-#include "market/Bars.h"
 
 namespace vmr::OscGeometry {
 
@@ -34,13 +33,6 @@ bool isShown(const OscContent& content, std::size_t series) {
 std::span<const OscPt> pointsOf(const OscContent& content, std::size_t series) {
     if (!content.lines || !isShown(content, series)) return {};
     return content.lines->*oscSeries[series].points;
-}
-
-std::optional<std::size_t> indexFor(std::span<const Candle> candles, std::int64_t t, std::int64_t barSeconds,
-                                    std::size_t near) {
-    const std::int64_t start = t / barSeconds * barSeconds;
-    if (near < candles.size() && candles[near].time == start) return near;
-    return findBar(candles, start);
 }
 
 std::optional<Range> visibleRange(const OscInput& input) {

@@ -13,6 +13,7 @@
 
 #include "chart/AxisScale.h"
 #include "gpu/Vertices.h"
+#include "market/Bars.h"
 #include "market/Records.h"
 
 namespace vmr {
@@ -65,9 +66,15 @@ bool isShown(const OscContent& content, std::size_t series);
 /// The points of a series; none where it is not shown.
 std::span<const OscPt> pointsOf(const OscContent& content, std::size_t series);
 
-/// The bar that begins where the bucket of `t` does; nothing when none does. `near` is where it is looked for first.
-std::optional<std::size_t> indexFor(std::span<const Candle> candles, std::int64_t t, std::int64_t barSeconds,
-                                    std::size_t near = 0);
+/// The bar that begins at `time`; nothing when none does. `near` is where it is looked for first.
+inline std::optional<std::size_t> barFrom(std::span<const Candle> candles, std::int64_t time, std::size_t near) {
+    return near < candles.size() && candles[near].time == time ? near : findBar(candles, time);
+}
+/// The same of the bucket that holds `t`.
+inline std::optional<std::size_t> indexFor(std::span<const Candle> candles, std::int64_t t, std::int64_t barSeconds,
+                                           std::size_t near = 0) {
+    return barFrom(candles, t / barSeconds * barSeconds, near);
+}
 
 /// What a camera shows of the bars, and two bars more at either side.
 struct Range {
@@ -85,13 +92,16 @@ void eachPoint(std::span<const OscPt> points, const OscInput& input, const Range
     const std::int64_t seconds = barSeconds(input.timeframe);
     const OscPt* before = nullptr;
     std::size_t bar = range.first;
+    std::int64_t end = range.tLeft;  // of the bucket before
     auto at = std::lower_bound(points.begin(), points.end(), range.tLeft,
                                [](const OscPt& point, std::int64_t t) { return point.t < t; });
     for (; at != points.end() && at->t <= range.tRight; ++at) {
-        const std::int64_t bucketEnd = (at->t / seconds + 1) * seconds;
-        while (at + 1 != points.end() && (at + 1)->t < bucketEnd) ++at;
+        const bool follows = at->t >= end && at->t < end + seconds && before;  // which saves the division
+        const std::int64_t bucket = follows ? end : at->t / seconds * seconds;
+        end = bucket + seconds;
+        while (at + 1 != points.end() && (at + 1)->t < end) ++at;
         if (at->t > range.tRight) break;
-        const auto found = indexFor(input.candles, at->t, seconds, bar);
+        const auto found = barFrom(input.candles, bucket, bar);
         if (!found || *found < range.first || *found > range.last || !std::isfinite(at->v)) continue;
         bar = *found + 1;
         add(*found, at->v, !before || (breaks && at->t - before->t > range.maxGap));

@@ -9,7 +9,7 @@ void OscStroke::add(double x, double y, bool begins) {
     if (begins) end();
     const Spot point{x, y};
     if (!dense_) return addPoint(point);
-    const double at = std::floor(x);
+    const double at = std::floor(x / width);
     if (hasColumn_ && column_.at == at) {
         const auto [low, high] = std::minmax(column_.first.y, column_.second.y);
         if (y < low) column_ = {at, column_.first.y == high ? column_.first : column_.second, point};
@@ -52,21 +52,32 @@ void OscStroke::end() {
 
 // As many parts as keep the line within an eighth of a point of the curve.
 void OscStroke::curveTo(const Spot& control, const Spot& to) {
-    constexpr double tolerance = 0.125, mostParts = 12;
+    constexpr double tolerance = 0.125;
+    constexpr int mostParts = 16;
     const Spot from = pen_;
-    const double bend = std::hypot(from.x - 2 * control.x + to.x, from.y - 2 * control.y + to.y) / 4;
-    const int parts = static_cast<int>(std::clamp(std::ceil(std::sqrt(bend / tolerance)), 1.0, mostParts));
-    for (int i = 1; i <= parts; ++i) {
+    const double dx = to.x - from.x, dy = to.y - from.y;
+    const double across = std::abs((control.x - from.x) * dy - (control.y - from.y) * dx);
+    const double off = across / (2 * std::max(std::hypot(dx, dy), 1e-9));  // of the curve from its chord
+    int parts = 1;
+    while (parts < mostParts && off > tolerance * parts * parts) ++parts;
+    makeRoom(static_cast<std::size_t>(parts) * segmentVertices);
+    for (int i = 1; i < parts; ++i) {
         const double t = static_cast<double>(i) / parts, s = 1 - t;
         lineTo({s * s * from.x + 2 * s * t * control.x + t * t * to.x,
                 s * s * from.y + 2 * s * t * control.y + t * t * to.y});
     }
+    lineTo(to);
+}
+
+void OscStroke::makeRoom(std::size_t vertices) {
+    if (used_ + vertices > room_.size()) room_.resize(std::max(2 * room_.size(), used_ + vertices));
 }
 
 void OscStroke::lineTo(const Spot& to) {
     if (to.x == pen_.x && to.y == pen_.y) return;
-    segments_.resize(segments_.size() + segmentVertices);
-    LineVertex* segment = &*(segments_.end() - segmentVertices);
+    makeRoom(segmentVertices);
+    LineVertex* const segment = room_.data() + used_;
+    used_ += segmentVertices;
     writeSegment(segment, static_cast<float>(pen_.x), static_cast<float>(pen_.y), static_cast<float>(to.x),
                  static_cast<float>(to.y), static_cast<float>(width / 2), color_);
     if (joins_) joinSegments(segment - segmentVertices, segment);
@@ -77,7 +88,7 @@ void OscStroke::lineTo(const Spot& to) {
 void OscStroke::cap(const Spot& at) {
     caps_.resize(caps_.size() + discVertices);
     writeDisc(&*(caps_.end() - discVertices), static_cast<float>(at.x), static_cast<float>(at.y),
-              static_cast<float>(width / 2), color_);
+              static_cast<float>(width / 2), capColor_);
 }
 
 }  // namespace vmr

@@ -103,7 +103,7 @@ void OscillatorPane::paintTexts(const OscContent& content, double width, double 
     if (!said.empty()) painter_.text(said, scaleStyle, middle, height / 2, TextAlign::center, noticeColor);
 }
 
-// A number that a label would cut is left out.
+// A number that a label would cut is left out. None has the grid go through it.
 void OscillatorPane::paintScale(const Labels& labels, double width, double height) {
     constexpr double step = 50, halfText = 7;
     for (double value = -limit; value <= limit; value += step) {
@@ -111,7 +111,10 @@ void OscillatorPane::paintScale(const Labels& labels, double width, double heigh
         const bool meets = std::ranges::any_of(
             labels.span(), [&](const Label& label) { return std::abs(label.y - y) < halfLabel + halfText; });
         if (y < 8 || y > height - 4 || meets) continue;
-        painter_.text(valueText(value).text(), scaleStyle, width - 6, y, TextAlign::right, scaleColor);
+        const AxisScale::Label text = valueText(value);
+        const double left = width - 6 - painter_.textWidth(text.text(), scaleStyle);
+        painter_.rect(left - 4, y - 2, width, y + 2, ChartRenderer::clearColor);
+        painter_.text(text.text(), scaleStyle, width - 6, y, TextAlign::right, scaleColor);
     }
 }
 

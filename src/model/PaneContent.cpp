@@ -19,7 +19,7 @@ void AppModel::watchContent() {
                               &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.hud.changed,
                               &options.secStrikes.changed, &options.secEtfRatio.changed, &markers.bubblePts.changed,
                               &markers.trianglePts.changed, &sessionLevels.srLines.changed, &overlays.overlaysChanged,
-                              &oscillator.oscLines.changed, &config.changed})
+                              &oscillator.oscLines.changed})
         contentLinks_.push_back(changed->connect([this] { contentChanged(); }));
 }
 
@@ -47,12 +47,12 @@ ChartContent AppModel::chartContent() const {
     out.overlayStyle = look_->overlays;
     out.srLines = sessionLevels.srLines.get();
     out.osc = {.lines = channels->oscChannel.empty() ? nullptr : &oscillator.oscLines.get(),
-               .shown = {config->oscNq, config->oscEs, config->oscVix, config->oscCall, config->oscPut, config->oscNet},
+               .shown = look_->osc,
                .primaryTitle = channels->oscPrimaryLabel,
                .single = channels->oscSingle};
     out.revisions = {
         // series that a setting changed are shown at once, as a look is, not at the pace of new data
-        .look = look_.revision() + overlays.settingsRevision() + config.revision(),
+        .look = look_.revision() + overlays.settingsRevision(),
         .candles = bars.displayCandles.revision(),
         .levels = options.levels.revision(),
         .strikes = options.strikes.revision() + options.etfRatio.revision() + options.gammaFlipStrike.revision(),
@@ -60,7 +60,7 @@ ChartContent AppModel::chartContent() const {
         .markers = markers.bubblePts.revision() + markers.trianglePts.revision(),
         .overlays = overlays.revision(),
         .srLines = sessionLevels.srLines.revision(),
-        .osc = oscillator.oscLines.revision() + config.revision()};
+        .osc = oscillator.oscLines.revision() + look_.revision()};
     return out;
 }
 
