@@ -10,6 +10,7 @@
 #include "base/Clock.h"
 #include "bench/chart/Measure.h"
 #include "chart/ChartView.h"
+#include "chart/OscillatorPane.h"
 #include "gpu/FrameRecorder.h"
 #include "tests/chart/FakeGlyphs.h"
 #include "tests/chart/FullScene.h"
@@ -84,6 +85,32 @@ void fullPanFrame(benchmark::State& state) {
     });
 }
 BENCHMARK(fullPanFrame)->Arg(500)->Arg(5000)->Arg(50000)->Unit(benchmark::kMicrosecond);
+
+/// The same with the oscillator below, whose six series have 14,000 minutes each; the second number is that of the bars
+/// in view.
+void fullPanFrameWithOscillator(benchmark::State& state) {
+    FullScene scene(static_cast<std::size_t>(state.range(0)));
+    constexpr std::int64_t minutes = 14000;
+    OscLines lines;
+    const std::int64_t last = scene.data.candles.back().time;
+    for (std::size_t k = 0; k < oscSeries.size(); ++k)
+        for (std::int64_t i = 0; i < minutes; ++i)
+            (lines.*oscSeries[k].points)
+                .push_back({last - (minutes - 1 - i) * 60, 140 * std::sin(static_cast<double>(i + 40 * k) * 0.11)});
+    FrameRecorder gpu;
+    RecordedFrame shown;
+    OscillatorPane pane(gpu, scene.glyphs);
+    scene.view.renderer().mirrorView(100, static_cast<double>(state.range(1)));
+    int i = 0;
+    measureSpread(state, [&] {
+        scene.view.renderer().pan(++i % 200 < 100 ? 1 : -1);
+        scene.frame();
+        pane.record(OscInput{{.lines = &lines}, scene.data.candles, 1, *scene.view.viewportState()->get()}, 1400, 200, 2);
+        gpu.swapFrame(shown);
+    });
+    state.counters["bytes"] = static_cast<double>(shown.stream.size());
+}
+BENCHMARK(fullPanFrameWithOscillator)->Args({5000, 300})->Args({5000, 5000})->Unit(benchmark::kMicrosecond);
 
 /// Rows that change before what is shown has arrived.
 void fullEasingFrame(benchmark::State& state) {

@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "chart/OscGeometry.h"
 #include "chart/OverlaySet.h"
 #include "chart/OverlayStyle.h"
 #include "chart/RenderConfig.h"
@@ -40,6 +41,7 @@ struct ChartContent {
     const OverlaySet* overlays = nullptr;  ///< null: no series
     OverlayStyle overlayStyle;
     std::span<const OverlayLine> srLines;  ///< session lines and levels
+    OscContent osc{};                      ///< below the chart
 
     /// Raised when that part changed. A part whose number is the one of the last content of the same chart is not even
     /// looked at.
@@ -52,6 +54,7 @@ struct ChartContent {
         std::uint64_t markers = 0;     ///< bubbles and triangles
         std::uint64_t overlays = 0;    ///< only for other points: it costs a frame, whose ribbons are made anew
         std::uint64_t srLines = 0;
+        std::uint64_t osc = 0;
         bool operator==(const Revisions&) const = default;
     } revisions;
 };

@@ -66,6 +66,11 @@ void ChartInput::mouseDown(ChartPoint at) {
     contract_ = lines.contract();
 }
 
+void ChartInput::mouseDownOnTime(ChartPoint at) {
+    drag_.release();
+    drag_.takeTime(at);
+}
+
 void ChartInput::close(const LineMark& mark) {
     if (mark.kind == LineMark::Kind::position) return trading->flatten(simRoot);
     const Uuid id = mark.id;  // what the account does next may build the marks anew
@@ -140,6 +145,7 @@ void ChartInput::flushDrag(ChartPoint at) {
     if (dx == 0 && dy == 0) return;
     if (perf_) perf_->bump("flushDrag");
     renderer_.setInteracting(true);
+    if (drag_.holds() == PointerDrag::Holds::time) return renderer_.pan(barsFor(dx));
     if (plot().onPriceAxis(at.x)) return renderer_.zoomPrice(std::clamp(1 + dy * 0.005, 0.6, 1.6));
     if (dx != 0) renderer_.pan(barsFor(dx));
     if (dy != 0) renderer_.panByPrice(dy, height_);
@@ -162,14 +168,18 @@ void ChartInput::letGo() {
     renderer_.redraw();
 }
 
-void ChartInput::scrollWheel(double dx, double dy, bool precise, bool shift) {
+void ChartInput::scrollWheel(double dx, double dy, bool precise, bool shift) { wheel(dx, dy, precise, !shift, true); }
+
+void ChartInput::scrollTime(double dx, double dy, bool precise) { wheel(dx, dy, precise, true, false); }
+
+void ChartInput::wheel(double dx, double dy, bool precise, bool time, bool price) {
     if (!std::isfinite(dx) || !std::isfinite(dy)) return;
     beginLiveRefresh();
     const double factor = std::clamp(1 - dy * (precise ? 0.0035 : 0.06), 0.6, 1.6);
-    if (shift) return renderer_.zoomPrice(factor);
+    if (!time) return renderer_.zoomPrice(factor);
     if (std::abs(dx) < std::abs(dy)) {
         renderer_.zoom(factor);
-        renderer_.zoomPrice(factor);
+        if (price) renderer_.zoomPrice(factor);
     } else {
         renderer_.pan(barsFor(dx));
     }

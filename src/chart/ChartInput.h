@@ -63,6 +63,8 @@ class ChartInput {
     void mouseMoved(ChartPoint at);
     void mouseExited();
     void mouseDown(ChartPoint at);
+    /// The button is down on what shows the same time beside the chart: a drag moves time alone.
+    void mouseDownOnTime(ChartPoint at);
     /// The last `mouseDown` was the second of a double click.
     void doubleClick();
     void mouseDragged(ChartPoint at);
@@ -77,6 +79,8 @@ class ChartInput {
     void letGo();
     /// `precise`: deltas in points, of a device that scrolls in phases; else in lines.
     void scrollWheel(double dx, double dy, bool precise, bool shift);
+    /// The same beside the chart: price stays what it is.
+    void scrollTime(double dx, double dy, bool precise);
     void magnify(double magnification);
     // Keys: shares of the view, and its time zoom.
     void panBy(double shareOfWidth, double shareOfHeight);
@@ -110,6 +114,7 @@ class ChartInput {
     bool lineIsThere();
     void flushDrag(ChartPoint at);
     double barsFor(double dx) const;
+    void wheel(double dx, double dy, bool precise, bool time, bool price);
     bool marketIsClosed() const;
     bool trades() const { return trading != nullptr && !simRoot.empty(); }
 

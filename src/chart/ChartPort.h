@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "chart/OscillatorPane.h"
 #include "chart/OverlayFacts.h"
 #include "chart/TradingFacts.h"
 #include "market/Records.h"
@@ -26,6 +27,8 @@ class ChartPort {
     virtual std::optional<OverlayFacts> overlayFacts() const { return std::nullopt; }
     /// What it shows of the paper account; nothing where it does not trade, and before the first frame with bars.
     virtual std::optional<TradingFacts> tradingFacts() const { return std::nullopt; }
+    /// What the oscillator below it shows; nothing where it is not shown.
+    virtual std::optional<OscFacts> oscFacts() const { return std::nullopt; }
     /// For a linked pane; null where the chart cannot be followed.
     virtual CameraPort* cameraPort() { return nullptr; }
 };

@@ -52,6 +52,10 @@ void ChartView::askForFrame() {
     if (onNeedsFrame) onNeedsFrame(onlyData_ ? Need::calm : forPeer_ ? Need::join : Need::now);
 }
 
+void ChartView::askForOscillator() {
+    if (below.onNeedsFrame) below.onNeedsFrame(recording_ ? Need::join : onlyData_ ? Need::calm : Need::now);
+}
+
 void ChartView::setSource(ChartSource* source) {
     if (source == source_) return;
     input_.letGo();  // the old source may hold back work until the drag ends
@@ -94,6 +98,7 @@ void ChartView::startOver() {
     input_.letGo();
     renderer_.startOver();
     viewport_->publish(std::nullopt);
+    askForOscillator();
     if (onStartOver) onStartOver();
 }
 
@@ -133,6 +138,7 @@ void ChartView::setContent(const ChartContent& content) {
             makeRibbons(content);
     }
     if (differs(&Revisions::candles)) setBars(content.candles);
+    if (differs(&Revisions::osc)) askForOscillator();
     shown_ = {content.chart, content.timeframe, content.revisions, content.overlayStyle, content.totals};
     onlyData_ = false;
     if (hadBars && renderer_.candles().empty()) askForFrame();
@@ -198,7 +204,10 @@ bool ChartView::record(double width, double height, double pixelRatio, double no
     const bool animating = renderer_.drawFrame(width, height, pixelRatio, nowMonotonic, whole);
     const std::optional<Viewport> moved = renderer_.movedTo();
     if (moved) viewport_->publish(moved);
-    if ((std::exchange(barsMoved_, false) || moved) && onMoved) onMoved();
+    if (std::exchange(barsMoved_, false) || moved) {
+        askForOscillator();
+        if (onMoved) onMoved();
+    }
     recording_ = false;
     return animating || input_.liveRefresh();
 }

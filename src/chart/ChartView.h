@@ -69,6 +69,13 @@ class ChartView final : public ChartPort, public CameraPort {
     std::function<void()> onPeerCrosshair;
     /// From true to false a frame is wanted at each refresh of the screen, as `record` tells, too.
     std::function<void(bool)> onLiveRefresh;
+    /// The oscillator below the chart, which another plot draws.
+    struct Below {
+        /// Something that it shows is not what it was; `join` from within `record`.
+        std::function<void(Need)> onNeedsFrame;
+        double height = 0;  ///< points; 0 where it is not shown
+    };
+    Below below;
 
     /// Where the content comes from; it must outlive the chart or be replaced before it ends. Another source starts
     /// over; null reads nothing more and trades nothing, and what was shown stays.
@@ -107,8 +114,11 @@ class ChartView final : public ChartPort, public CameraPort {
     const AxisLayer& axes() const { return axes_; }
     const PillLayer& pills() const { return pills_; }
     /// Tells the source what the pointer is over, in a plot of this size; nothing for no pointer. Told again after the
-    /// camera has moved.
-    void pointerAt(const std::optional<ChartPoint>& point, double width, double height);
+    /// camera has moved. `timeAlone`: it is over the oscillator, at no price.
+    void pointerAt(const std::optional<ChartPoint>& point, double width, double height, bool timeAlone = false);
+    /// What the oscillator shows now, with the bars and the camera of this chart's last frame; nothing without a source
+    /// or before a frame with bars.
+    std::optional<OscInput> oscillator() const;
     /// The line of values over the chart, as of now; nothing where the source shows none.
     std::optional<HudText> hud() const;
     /// From where to where, in points from the top, the strike that the line tells of takes its row in a plot of this
@@ -126,6 +136,7 @@ class ChartView final : public ChartPort, public CameraPort {
     std::optional<Viewport> viewport() const override { return viewport_->get(); }
     std::optional<OverlayFacts> overlayFacts() const override;
     std::optional<TradingFacts> tradingFacts() const override;
+    std::optional<OscFacts> oscFacts() const override;
     CameraPort* cameraPort() override { return this; }
 
     // CameraPort
@@ -151,6 +162,7 @@ class ChartView final : public ChartPort, public CameraPort {
         HudMetrics totals;
     };
     void askForFrame();
+    void askForOscillator();
     void readSource();
     bool onlyDataDiffers(const ChartContent& content) const;
     void startOver();

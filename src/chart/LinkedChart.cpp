@@ -1,4 +1,5 @@
 // A chart whose camera others follow, move and save, and whose pointer shows in the chart beside it.
+#include <limits>
 #include <utility>
 
 #include "chart/AxisScale.h"
@@ -50,18 +51,33 @@ void ChartView::applyView(const ViewSetup& setup, bool byHand) {
     renderer_.applyView(setup, byHand);
 }
 
-void ChartView::pointerAt(const std::optional<ChartPoint>& point, double width, double height) {
+void ChartView::pointerAt(const std::optional<ChartPoint>& point, double width, double height, bool timeAlone) {
     pointer_.reset();
     if (!source_) return;
     const PlotArea plot{width, height};
-    const bool over = point && shown_ && renderer_.showsBars() && point->x < plot.right() && point->y < plot.bottom();
+    const bool inPlot = point && point->x < plot.right() && (timeAlone || point->y < plot.bottom());
+    const bool over = inPlot && shown_ && renderer_.showsBars();
     if (over) {
         const Viewport view = renderer_.camera().viewport();
         const double place = view.first + point->x / width * view.count;
-        pointer_ = ChartSpot{timeAtPlace(renderer_.candles(), shown_->timeframe, place),
-                             AxisScale::priceAtY(view, point->y, height)};
+        const double price = timeAlone ? std::numeric_limits<double>::quiet_NaN()
+                                       : AxisScale::priceAtY(view, point->y, height);
+        pointer_ = ChartSpot{timeAtPlace(renderer_.candles(), shown_->timeframe, place), price};
     }
     source_->pointerOver(pointer_);
+}
+
+std::optional<OscInput> ChartView::oscillator() const {
+    const auto& view = viewport_->get();
+    if (!source_ || !shown_ || !view) return std::nullopt;
+    const ChartContent content = source_->chartContent();
+    if (content.chart != shown_->chart) return std::nullopt;
+    return OscInput{content.osc, renderer_.candles(), shown_->timeframe, *view};
+}
+
+std::optional<OscFacts> ChartView::oscFacts() const {
+    const auto input = below.height > 0 ? oscillator() : std::nullopt;
+    return input ? std::optional(OscillatorPane::facts(*input, below.height)) : std::nullopt;
 }
 
 std::optional<HudText> ChartView::hud() const {

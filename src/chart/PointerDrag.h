@@ -15,10 +15,11 @@ namespace vmr {
 /// with a trembling hand moves nothing, and then counts from the press. Points. Main thread.
 class PointerDrag {
  public:
-    enum class Holds : unsigned char { nothing, chart, order, leg };
+    enum class Holds : unsigned char { nothing, chart, time, order, leg };
     static constexpr double slack = 3;  ///< a hand's trembling
 
     void take(ChartPoint at) { *this = {Holds::chart, at}; }
+    void takeTime(ChartPoint at) { *this = {Holds::time, at}; }
     void take(const LineMark& mark, ChartPoint at) {
         *this = {mark.kind == LineMark::Kind::order ? Holds::order : Holds::leg, at};
         line_ = {mark.id, mark.leg};

@@ -18,7 +18,8 @@ void AppModel::watchContent() {
                               &bars.chartVersionChanged, &options.levels.changed, &options.strikes.changed,
                               &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.hud.changed,
                               &options.secStrikes.changed, &options.secEtfRatio.changed, &markers.bubblePts.changed,
-                              &markers.trianglePts.changed, &sessionLevels.srLines.changed, &overlays.overlaysChanged})
+                              &markers.trianglePts.changed, &sessionLevels.srLines.changed, &overlays.overlaysChanged,
+                              &oscillator.oscLines.changed})
         contentLinks_.push_back(changed->connect([this] { contentChanged(); }));
 }
 
@@ -45,6 +46,10 @@ ChartContent AppModel::chartContent() const {
     out.overlays = &overlays.series();
     out.overlayStyle = look_->overlays;
     out.srLines = sessionLevels.srLines.get();
+    out.osc = {.lines = channels->oscChannel.empty() ? nullptr : &oscillator.oscLines.get(),
+               .shown = look_->osc,
+               .primaryTitle = channels->oscPrimaryLabel,
+               .single = channels->oscSingle};
     out.revisions = {
         // series that a setting changed are shown at once, as a look is, not at the pace of new data
         .look = look_.revision() + overlays.settingsRevision(),
@@ -54,7 +59,8 @@ ChartContent AppModel::chartContent() const {
         .secStrikes = options.secStrikes.revision() + options.secEtfRatio.revision(),
         .markers = markers.bubblePts.revision() + markers.trianglePts.revision(),
         .overlays = overlays.revision(),
-        .srLines = sessionLevels.srLines.revision()};
+        .srLines = sessionLevels.srLines.revision(),
+        .osc = oscillator.oscLines.revision() + look_.revision()};
     return out;
 }
 

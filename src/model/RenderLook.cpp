@@ -53,4 +53,6 @@ OverlayStyle overlayStyle(const GexConfig& config) {
     return out;
 }
 
+OscShown oscShown(const GexConfig& c) { return {c.oscNq, c.oscEs, c.oscVix, c.oscCall, c.oscPut, c.oscNet}; }
+
 }  // namespace vmr

@@ -150,6 +150,19 @@ void addTrading(json& out, const AppModel& pane) {
                                   {"box", boxOf(facts->pill->box)}};
 }
 
+// What the oscillator below the chart shows; null where it is not shown.
+void addOscillator(json& out, const AppModel& pane) {
+    const ChartPort* chart = pane.camera.port();
+    const auto facts = chart ? chart->oscFacts() : std::nullopt;
+    json& shown = out["oscillator"] = nullptr;
+    if (!facts) return;
+    shown = {{"height", facts->height}, {"legend", facts->legend}, {"notice", facts->notice}};
+    for (const auto& [name, lines] : facts->lines) shown["polylines"][name] = lines;
+    shown["labels"] = json::array();
+    for (const auto& [text, wanted, y] : facts->labels)
+        shown["labels"].push_back({{"text", text}, {"wanted", wanted}, {"y", y}});
+}
+
 void addCatalog(json& out, const AppModel& pane) {
     out["catFutures"] = json::array();
     for (const CatalogFut& fut : pane.catalog.catFutures.get())
@@ -245,6 +258,7 @@ json paneDocument(const AppModel& pane) {
     addOverlayTexts(out, pane);
     addTrading(out, pane);
     addClockTexts(out["overlay"], pane);
+    addOscillator(out, pane);
     out["feedRepairs"] = json::object();
     for (const auto& [channel, count] : pane.feedRepairs.byChannel()) out["feedRepairs"][channel] = count.elements;
     out["config"] = json::parse(pane.config->toJson());

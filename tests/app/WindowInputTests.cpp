@@ -54,6 +54,7 @@ class WindowInput : public DrivenWindow {
         DrivenWindow::SetUp();
         if (IsSkipped()) return;
         startMarket();
+        program_->ask("set oscEnabled false");
         settle();
     }
 

@@ -7,6 +7,7 @@
 
 #include "ui/FollowerItem.h"
 #include "ui/UiWindow.h"
+#include "ui/chart/OscillatorItem.h"
 #include "ui/gpu/WindowFrames.h"
 
 namespace vmr::test {
@@ -19,6 +20,9 @@ class FrameItems : public testing::Test {
         ASSERT_TRUE(ui.settle());
         chart = ui.chartItem();
         ASSERT_NE(chart, nullptr);
+        ui.view.oscillator.set(true, 120);
+        oscillator = ui.window->findChild<OscillatorItem*>();
+        ASSERT_NE(oscillator, nullptr);
         follower = std::make_unique<FollowerItem>(chart->parentItem(), chart->viewportState());
         follower->setPosition({200, 100});
         follower->setSize({300, 80});
@@ -26,6 +30,8 @@ class FrameItems : public testing::Test {
         ASSERT_TRUE(ui.settle());
         ASSERT_GT(follower->framesDrawn(), 0U);
         ASSERT_EQ(follower->shows(), camera());
+        ASSERT_EQ(oscillator->height(), 120);
+        ASSERT_GT(oscillator->framesDrawn(), 0U);
     }
     void TearDown() override { follower.reset(); }
 
@@ -36,6 +42,8 @@ class FrameItems : public testing::Test {
         EXPECT_EQ(chart->pump().state(), FramePump::State::idle) << when;
         EXPECT_EQ(follower->pump().state(), FramePump::State::idle) << when;
         EXPECT_EQ(follower->shows(), camera()) << when;
+        EXPECT_EQ(oscillator->pump().state(), FramePump::State::idle) << when;
+        EXPECT_EQ(oscillator->shows(), camera()) << when;
     }
     // Both plots, without the toolbar.
     QImage picture() { return windowPicture(*ui.window).copy(0, 44, ui.window->width(), ui.window->height() - 44); }
@@ -44,6 +52,7 @@ class FrameItems : public testing::Test {
 
     UiWindow ui{QSize(900, 644), UiWindow::entered(), syntheticBars(400)};
     ChartItem* chart = nullptr;
+    OscillatorItem* oscillator = nullptr;
     std::unique_ptr<FollowerItem> follower;
 };
 
@@ -57,7 +66,7 @@ TEST_F(FrameItems, TwoItemsShowOneCameraInEveryFrameOfAFastPan) {
         [&] {
             if (std::exchange(seen, drawn()) == drawn()) return;
             ++frames;
-            if (follower->shows() != camera()) ++apart;
+            if (follower->shows() != camera() || oscillator->shows() != camera()) ++apart;
         },
         Qt::DirectConnection);
     const int swaps = ui.swaps;
@@ -88,6 +97,40 @@ TEST_F(FrameItems, TwoItemsShowOneCameraInEveryFrameOfAFastPan) {
     QObject::disconnect(slow);
     expectAtRest("in the end");
     EXPECT_EQ(apart, 0) << "while the follower's own frame was under way";
+}
+
+// The chart reaches from 44 to 518, the handle to 524, the oscillator to 644.
+TEST_F(FrameItems, ThePointerOverTheOscillatorRecordsNothingAndMovesTimeAlone) {
+    const auto shown = [&](const char* name) {
+        const QQuickItem* item = ui.item(name);
+        return item && item->isVisible();
+    };
+    const auto lineX = [&](const char* name) { return ui.item(name)->x(); };
+    const auto frames = [&] { return drawn() + oscillator->framesDrawn(); };
+    const auto before = frames();
+    QTest::mouseMove(ui.window, {300, 555});
+    ASSERT_TRUE(runUntil([&] { return shown("oscCrosshairValue") && lineX("oscCrosshairVertical") == 300; }));
+    EXPECT_TRUE(shown("crosshairVertical") && shown("crosshairTime"));
+    EXPECT_FALSE(shown("crosshairHorizontal") || shown("crosshairPrice"));
+    EXPECT_EQ(lineX("crosshairVertical"), 300);
+    EXPECT_EQ(chart->crosshair()->oscillatorText(), QStringLiteral("72.50"));  // 31 of 120 points below 150
+    ASSERT_TRUE(ui.source.pointer);
+    EXPECT_TRUE(std::isnan(ui.source.pointer->price)) << "a time and no price";
+    QTest::mouseMove(ui.window, {350, 300});
+    ASSERT_TRUE(runUntil([&] { return shown("crosshairHorizontal") && lineX("oscCrosshairVertical") == 350; }));
+    EXPECT_FALSE(shown("oscCrosshairHorizontal"));
+    EXPECT_EQ(frames(), before);
+
+    const Viewport at = camera();
+    QTest::mousePress(ui.window, Qt::LeftButton, {}, {860, 560});  // below the price axis
+    for (int i = 1; i <= 10; ++i) {
+        QTest::mouseMove(ui.window, {860 + 10 * i - 200, 560 + 5 * i});
+        runFor(12);
+    }
+    QTest::mouseRelease(ui.window, Qt::LeftButton, {}, {760, 610});
+    expectAtRest("after the drag");
+    EXPECT_NEAR(camera().first, at.first + 100 * at.count / 900, 1e-6 * at.count) << "time moved";
+    EXPECT_TRUE(chart->renderer().camera().autoY) << "price did not";
 }
 
 TEST_F(FrameItems, SymbolChangeWhileHiddenShowsTheOtherBars) {

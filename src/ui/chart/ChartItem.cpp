@@ -7,6 +7,7 @@
 
 #include "perf/Perf.h"
 #include "ui/chart/ChartItemDrawing.h"
+#include "ui/chart/OscillatorItem.h"
 
 namespace vmr {
 
@@ -68,6 +69,11 @@ void ChartItem::watchView() {
     view.onPeerCrosshair = [this] { updatePeerCrosshair(); };
     view.onStartOver = [this] { endOrderMenu(); };
     view.onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
+    view.below.onNeedsFrame = [this](ChartView::Need need) {
+        if (oscillator_) oscillator_->ask(need);
+    };
+    watchOscillatorPointer();
+    oscillatorResized();
     view.input().pointer.onReport = [this](std::optional<ChartPoint> point) { pointerMoved(point); };
     view.input().onCursor = [this](ChartCursor cursor) { showCursor(cursor); };
 }
@@ -132,7 +138,21 @@ bool ChartItem::record(Gpu&, QSizeF size, double pixelRatio, double now) {
     return moves;
 }
 
-bool ChartItem::interacting() const { return drawing_->view->handsOn(); }
+bool ChartItem::interacting() const { return handsOn(); }
+
+bool ChartItem::handsOn() const { return drawing_->view->handsOn(); }
+
+void ChartItem::setOscillator(OscillatorItem* oscillator) {
+    oscillator_ = oscillator;
+    oscillatorResized();
+}
+
+void ChartItem::oscillatorResized() {
+    drawing_->view->below.height = oscillator_ ? oscillator_->shownHeight() : 0;
+    if (drawing_->view->below.height <= 0) pointAtOscillator(std::nullopt);
+}
+
+std::optional<OscInput> ChartItem::oscillatorInput() const { return drawing_->view->oscillator(); }
 
 bool ChartItem::showsInput() const { return drawing_->view->inputLagMs().has_value(); }
 

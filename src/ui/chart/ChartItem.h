@@ -10,6 +10,7 @@
 
 #include "chart/Camera.h"
 #include "chart/ChartInput.h"
+#include "chart/OscGeometry.h"
 #include "ui/chart/CrosshairState.h"
 #include "ui/chart/EntryPillState.h"
 #include "ui/chart/HudState.h"
@@ -19,6 +20,7 @@
 namespace vmr {
 
 class ChartRenderer;
+class OscillatorItem;
 class ViewportState;
 
 /// Translates Qt's events for the chart's own rules, and gives QML what lies over the chart. Main thread.
@@ -60,6 +62,22 @@ class ChartItem : public FrameItem {
     /// A pinch by a touch screen, as a share of its size.
     Q_INVOKABLE void magnify(qreal magnification);
 
+    // For the oscillator below it -------------------------------------------------------------------------------------
+    /// Null for none.
+    void setOscillator(OscillatorItem* oscillator);
+    /// It has another height, or is shown or hidden.
+    void oscillatorResized();
+    std::optional<OscInput> oscillatorInput() const;
+    /// Where the pointer is over it; nothing when it has left.
+    void pointAtOscillator(std::optional<ChartPoint> point);
+    /// A press, move or release on it.
+    void dragTime(QMouseEvent& event);
+    /// What a press took hold of is let go.
+    void endDrag();
+    void wheelOverTime(QWheelEvent& event);
+    /// A gesture is under way, or was a moment ago.
+    bool handsOn() const;
+
     /// Until a pane with other surroundings is set.
     ChartRenderer& renderer();
     /// The camera, for whoever follows it; another one after a pane with other surroundings is set.
@@ -94,6 +112,7 @@ class ChartItem : public FrameItem {
     struct Drawing;
     void makeView();
     void watchView();
+    void watchOscillatorPointer();
     void setLiveRefresh(bool on);
     void leavePane();
     void readPane();
@@ -108,7 +127,10 @@ class ChartItem : public FrameItem {
     void endOrderMenu();
     void endInput();
 
+    void turnWheel(QWheelEvent& event, bool timeAlone);
+
     std::unique_ptr<Drawing> drawing_;
+    QPointer<OscillatorItem> oscillator_;
     QPointer<PaneViewModel> pane_;
     std::optional<ChartPoint> pointerComes_;  ///< where the crosshair goes with the next frame
     bool pillComes_ = false;                  ///< the result is read with the next frame

@@ -33,6 +33,8 @@ struct ChartItem::Drawing {
     HudState hud;
     EntryPillState pill;
     QTimer pillTimer;  // while a result is shown
+    std::optional<ChartPoint> oscPointerComes;  // where it goes over the oscillator with the next frame
+    std::unique_ptr<PointerReports> oscPointer;
     Given given;
     std::unique_ptr<ChartView> view;  // never null
     std::unique_ptr<PerfDrive> drive;

@@ -69,11 +69,36 @@ void ChartItem::pointerMoved(std::optional<ChartPoint> point) {
 
 void ChartItem::frameBegins() {
     if (std::exchange(pillComes_, false)) updateEntryPill();
+    CrosshairState& own = drawing_->crosshair;
     const auto point = std::exchange(pointerComes_, std::nullopt);
-    if (!point || drawing_->crosshair.mousePoint() == point) return;
-    drawing_->crosshair.setMousePoint(point);
+    const auto below = std::exchange(drawing_->oscPointerComes, std::nullopt);
+    const bool moved = point && own.mousePoint() != point, movedBelow = below && own.oscHoverPoint() != below;
+    if (!moved && !movedBelow) return;
+    if (moved) own.setMousePoint(point);
+    if (movedBelow) own.setOscHoverPoint(below, drawing_->view->below.height);
     updateCrosshair();
     updateHud();
+}
+
+// At the same pace as over the chart.
+void ChartItem::watchOscillatorPointer() {
+    drawing_->oscPointer = std::make_unique<PointerReports>(*drawing_->given.clock, *drawing_->given.main);
+    drawing_->oscPointer->onReport = [this](std::optional<ChartPoint> point) {
+        drawing_->oscPointerComes = point;
+        if (point) return joinNextFrame();
+        if (!drawing_->crosshair.oscHoverPoint()) return;
+        drawing_->crosshair.setOscHoverPoint(std::nullopt, 0);
+        updateCrosshair();
+        updateHud();
+    };
+}
+
+void ChartItem::pointAtOscillator(std::optional<ChartPoint> point) {
+    if (!drawing_->oscPointer) return;
+    if (point)
+        drawing_->oscPointer->moved(*point);
+    else
+        drawing_->oscPointer->left();
 }
 
 void ChartItem::refresh(CrosshairState& crosshair) {
@@ -88,7 +113,8 @@ void ChartItem::updateCrosshair() {
     CrosshairState& own = drawing_->crosshair;
     refresh(own);
     if (Perf* perf = renderer().perf; perf && own.shown()) perf->bump("CrosshairHud");
-    drawing_->view->pointerAt(own.mousePoint(), width(), height());
+    const bool below = !own.mousePoint() && own.oscHoverPoint();
+    drawing_->view->pointerAt(below ? own.oscHoverPoint() : own.mousePoint(), width(), height(), below);
     updatePeerCrosshair();
 }
 
@@ -123,20 +149,40 @@ void ChartItem::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 // The pointer was taken away in the middle of a drag, by a popup or another window.
-void ChartItem::mouseUngrabEvent() {
+void ChartItem::mouseUngrabEvent() { endDrag(); }
+
+void ChartItem::endDrag() {
     if (input().dragging()) input().mouseUp(lastPress_);
 }
 
+void ChartItem::dragTime(QMouseEvent& event) {
+    lastPress_ = pointOf(event);
+    if (event.type() == QEvent::MouseButtonPress) {
+        forceActiveFocus(Qt::MouseFocusReason);
+        return input().mouseDownOnTime(lastPress_);
+    }
+    if (event.type() == QEvent::MouseButtonRelease) return input().mouseUp(lastPress_);
+    if (input().dragging()) noteInput(event.timestamp());
+    input().mouseDragged(lastPress_);
+}
+
+void ChartItem::wheelOverTime(QWheelEvent& event) { turnWheel(event, true); }
+
+void ChartItem::wheelEvent(QWheelEvent* event) { turnWheel(*event, false); }
+
 // The other axis' deltas come with Alt on some platforms, and with Shift on others.
-void ChartItem::wheelEvent(QWheelEvent* event) {
-    const bool precise = event->phase() != Qt::NoScrollPhase && !event->pixelDelta().isNull();
-    QPointF delta = precise ? QPointF(event->pixelDelta()) : QPointF(event->angleDelta()) / 120.0;
-    const bool shift = event->modifiers() & Qt::ShiftModifier;
-    const bool swapped = (altSwapsAxes() && (event->modifiers() & Qt::AltModifier)) || (shift && delta.y() == 0);
+void ChartItem::turnWheel(QWheelEvent& event, bool timeAlone) {
+    const bool precise = event.phase() != Qt::NoScrollPhase && !event.pixelDelta().isNull();
+    QPointF delta = precise ? QPointF(event.pixelDelta()) : QPointF(event.angleDelta()) / 120.0;
+    const bool shift = event.modifiers() & Qt::ShiftModifier;
+    const bool swapped = (altSwapsAxes() && (event.modifiers() & Qt::AltModifier)) || (shift && delta.y() == 0);
     if (swapped) delta = delta.transposed();
-    noteInput(event->timestamp());
-    input().scrollWheel(delta.x(), delta.y(), precise, shift);
-    event->accept();
+    noteInput(event.timestamp());
+    if (timeAlone)
+        input().scrollTime(delta.x(), delta.y(), precise);
+    else
+        input().scrollWheel(delta.x(), delta.y(), precise, shift);
+    event.accept();
 }
 
 void ChartItem::hoverEnterEvent(QHoverEvent* event) { input().mouseMoved(pointOf(*event)); }

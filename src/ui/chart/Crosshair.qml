@@ -12,7 +12,7 @@ Item {
     property bool ofPeer: false
     readonly property bool inColumn: cross.shown && cross.x >= 0 && cross.x < width - priceAxis
     readonly property bool inRow: cross.shown && cross.y >= 0 && cross.y < height - timeAxis
-    readonly property bool showsTime: inColumn && (inRow || ofPeer)
+    readonly property bool showsTime: inColumn && (inRow || ofPeer || cross.belowChart)
     readonly property bool showsPrice: inRow && (inColumn || ofPeer)
     readonly property color lineColor: ofPeer ? "#22ffffff" : "#40ffffff"
     readonly property string name: ofPeer ? "peerCrosshair" : "crosshair"

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "chart/AxisScale.h"
+#include "chart/OscGeometry.h"
 
 namespace vmr {
 
@@ -19,15 +20,20 @@ void copyTo(QList<qreal>& list, const std::vector<AxisLayer::Extent>& labels) {
 }
 }  // namespace
 
+void CrosshairState::setOscHoverPoint(std::optional<ChartPoint> point, double height) {
+    oscHoverPoint_ = point && height > 0 && point->y >= 0 && point->y <= height ? point : std::nullopt;
+    if (oscHoverPoint_) oscillatorText_ = text(OscGeometry::valueText(OscGeometry::valueAt(point->y, height)));
+}
+
 void CrosshairState::update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,
                             SessionTime& session, const AxisLayer::Labels& labels) {
-    const bool wasShown = std::exchange(shown_, mousePoint_.has_value() && !candles.empty());
+    const bool wasShown = std::exchange(shown_, crossX().has_value() && !candles.empty());
     if (!shown_) {
         if (wasShown) emit changed();
         return;
     }
-    priceText_ = text(AxisScale::fmtPrice(AxisScale::priceAtY(viewport, mousePoint_->y, height)));
-    const double index = std::round(viewport.first + mousePoint_->x / std::max(width, 1.0) * viewport.count);
+    if (mousePoint_) priceText_ = text(AxisScale::fmtPrice(AxisScale::priceAtY(viewport, mousePoint_->y, height)));
+    const double index = std::round(viewport.first + x() / std::max(width, 1.0) * viewport.count);
     timeText_.clear();
     if (index >= 0 && index < static_cast<double>(candles.size())) {
         const std::int64_t time = candles[static_cast<std::size_t>(index)].time;

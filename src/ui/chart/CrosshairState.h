@@ -25,6 +25,9 @@ class CrosshairState : public QObject {
     Q_PROPERTY(bool shown READ shown NOTIFY changed)
     Q_PROPERTY(qreal x READ x NOTIFY changed)
     Q_PROPERTY(qreal y READ y NOTIFY changed)
+    Q_PROPERTY(bool belowChart READ belowChart NOTIFY changed)
+    Q_PROPERTY(qreal oscillatorY READ oscillatorY NOTIFY changed)
+    Q_PROPERTY(QString oscillatorText READ oscillatorText NOTIFY changed)
     Q_PROPERTY(QString priceText READ priceText NOTIFY changed)
     Q_PROPERTY(QString timeText READ timeText NOTIFY changed)
     Q_PROPERTY(QList<qreal> priceLabels READ priceLabels NOTIFY changed)
@@ -40,13 +43,21 @@ class CrosshairState : public QObject {
     std::optional<ChartPoint> mousePoint() const { return mousePoint_; }
     void setMousePoint(std::optional<ChartPoint> point) { mousePoint_ = point; }
 
+    /// The same over the oscillator, whose height in points is given, and from whose top left the point counts.
+    std::optional<ChartPoint> oscHoverPoint() const { return oscHoverPoint_; }
+    void setOscHoverPoint(std::optional<ChartPoint> point, double height);
+
     /// Works out the tags anew: after the pointer, the camera or the bars have moved. `width` and `height` in points.
     void update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,
                 SessionTime& session, const AxisLayer::Labels& labels);
 
     bool shown() const { return shown_; }
-    qreal x() const { return mousePoint_ ? mousePoint_->x : 0; }
-    qreal y() const { return mousePoint_ ? mousePoint_->y : 0; }
+    qreal x() const { return crossX().value_or(0); }
+    qreal y() const { return mousePoint_ ? mousePoint_->y : -1; }
+    /// The pointer is over the oscillator: there is a time, and no price.
+    bool belowChart() const { return !mousePoint_ && oscHoverPoint_; }
+    qreal oscillatorY() const { return oscHoverPoint_ ? oscHoverPoint_->y : -1; }
+    QString oscillatorText() const { return oscillatorText_; }
     QString priceText() const { return priceText_; }
     QString timeText() const { return timeText_; }  ///< of the bar under the pointer; empty beyond the bars
     // Of the axes' labels where each begins and ends, one after the other: the tags cover whole ones only. The last
@@ -62,7 +73,13 @@ class CrosshairState : public QObject {
     void changed();
 
  private:
-    std::optional<ChartPoint> mousePoint_;
+    std::optional<double> crossX() const {
+        const auto& point = mousePoint_ ? mousePoint_ : oscHoverPoint_;
+        return point ? std::optional(point->x) : std::nullopt;
+    }
+
+    std::optional<ChartPoint> mousePoint_, oscHoverPoint_;
+    QString oscillatorText_;
     bool shown_ = false;
     QString priceText_, timeText_;
     QList<qreal> priceLabels_, timeLabels_;

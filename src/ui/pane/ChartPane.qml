@@ -40,7 +40,7 @@ FocusScope {
         id: chart
         objectName: "chart"
         anchors.top: toolbar.bottom
-        anchors.bottom: parent.bottom
+        anchors.bottom: oscillator.top
         width: parent.width
         focus: true
         onBareWindow: true
@@ -112,6 +112,16 @@ FocusScope {
             objectName: "orderMenu"
             onChosen: index => chart.chooseOrder(index)
         }
+    }
+    OscillatorView {
+        id: oscillator
+        anchors.bottom: parent.bottom
+        width: parent.width
+        room: paneView.height - toolbar.height
+        chart: chart
+        oscillator: paneView.pane.oscillator
+        settings: paneView.pane.settings
+        pictureTaken: paneView.view.pictureTaken
     }
     Toast {
         objectName: "toast"

@@ -152,7 +152,10 @@ void PaneBinding::flush() {
                           .configPanelOpen = model_.panels.configPanelOpen,
                           .templatesPanelOpen = model_.panels.templatesPanelOpen});
     if (concerns & templatesConcern) view_.templates.set(templatesState());
-    if (concerns & settingsConcern) view_.settings.refresh();
+    if (concerns & settingsConcern) {
+        view_.settings.refresh();
+        view_.oscillator.set(model_.config->oscEnabled, model_.config->oscHeight);
+    }
     if (concerns & sessionConcern) {
         if (!model_.session.isSignedIn) closePanels();  // nobody's, on the form
         view_.session.set(sessionState());

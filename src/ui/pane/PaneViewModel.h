@@ -14,6 +14,7 @@
 #include "ui/pane/AccountViewModel.h"
 #include "ui/pane/ChartViewModel.h"
 #include "ui/pane/ClockViewModel.h"
+#include "ui/pane/OscillatorViewModel.h"
 #include "ui/pane/PanelsViewModel.h"
 #include "ui/pane/SessionViewModel.h"
 #include "ui/pane/TemplatesViewModel.h"
@@ -40,6 +41,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::ChartViewModel* chart READ chartOf CONSTANT)
     Q_PROPERTY(vmr::ClockViewModel* clocks READ clocksOf CONSTANT)
     Q_PROPERTY(vmr::AccountViewModel* account READ accountOf CONSTANT)
+    Q_PROPERTY(vmr::OscillatorViewModel* oscillator READ oscillatorOf CONSTANT)
     Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
     Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
     Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
@@ -67,6 +69,7 @@ class PaneViewModel : public QObject {
     ChartViewModel chart;
     ClockViewModel clocks;
     AccountViewModel account;
+    OscillatorViewModel oscillator;
     PanelsViewModel panels;
     TemplatesViewModel templates;
     SettingsViewModel settings;
@@ -89,6 +92,7 @@ class PaneViewModel : public QObject {
     ChartViewModel* chartOf() { return &chart; }
     ClockViewModel* clocksOf() { return &clocks; }
     AccountViewModel* accountOf() { return &account; }
+    OscillatorViewModel* oscillatorOf() { return &oscillator; }
     PanelsViewModel* panelsOf() { return &panels; }
     TemplatesViewModel* templatesOf() { return &templates; }
     SettingsViewModel* settingsOf() { return &settings; }
