@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "chart/TradingLinesLayer.h"
+
 namespace vmr {
 
 namespace {
@@ -224,6 +226,10 @@ void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box, const B
         double alpha = std::min(fade(y - half), fade(bottom - half - y));
         for (const Box& other : {box, countdown})
             if (other.shown) alpha *= fade(std::max(other.top - (y + half), (y - half) - other.bottom));
+        if (account)
+            for (const PointRect& tag : account->labelBoxes())
+                if (tag.right() > frame.plot().right())
+                    alpha *= fade(std::max(tag.y - (y + half), (y - half) - tag.bottom()));
         if (!(alpha > 0.0)) continue;
         if (addPrice(frame, price, FontFace::regular, y, textColor(alpha)))
             labels_.priceTexts.push_back({AxisScale::fmtPrice(price), y});

@@ -13,6 +13,8 @@
 
 namespace vmr {
 
+class TradingLinesLayer;
+
 /// Labels never touch each other, the view's edges or the last-price box; one that would fades out or is left away.
 /// Where the half hours of `AxisScale` give fewer than two whole time labels, or more than one in 64 points, the time
 /// axis names finer or coarser steps, and where bars lie on none of the steps (a stock seen from afar) it names days.
@@ -53,6 +55,8 @@ class AxisLayer final : public ScreenLayer {
         }
     };
     const Labels& labels() const { return labels_; }
+
+    const TradingLinesLayer* account = nullptr;  ///< prices fade beside its boxes on the axis; null for none
 
     void drawBelow(ScreenFrame& frame) override;
     bool drawAbove(ScreenFrame& frame) override;

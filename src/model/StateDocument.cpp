@@ -113,6 +113,7 @@ void addOverlayTexts(json& out, const AppModel& pane) {
     if (!facts) return;
     out["overlay"] = {{"pills", texts(facts->pills, true)},
                       {"labels", texts(facts->labels, false)},
+                      {"strikes", texts(facts->strikes, false)},
                       {"ticks", {{"prices", ticks(facts->prices)}, {"times", ticks(facts->times)}}},
                       {"watermark", facts->watermark}};
 }
