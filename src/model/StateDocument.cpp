@@ -219,10 +219,15 @@ json paneDocument(const AppModel& pane) {
     return out;
 }
 json windowDocument(const WindowFacts& window) {
-    return {{"number", window.number}, {"frame", window.frame ? json(*window.frame) : json(nullptr)},
-            {"split", window.split},   {"panes", window.panes},
-            {"dual", window.dual},     {"sync", window.sync},
-            {"panels", window.panels}};
+    return {{"number", window.number},
+            {"frame", window.frame ? json(*window.frame) : json(nullptr)},
+            {"split", window.split},
+            {"panes", window.panes},
+            {"dual", window.dual},
+            {"sync", window.sync},
+            {"panels", window.panels},
+            {"sheet", window.sheet},
+            {"sheetNames", window.sheetNames}};
 }
 
 }  // namespace
