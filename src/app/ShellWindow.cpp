@@ -1,6 +1,7 @@
 #include "app/ShellWindow.h"
 
 #include <QCoreApplication>
+#include <QMetaEnum>
 #include <QQmlComponent>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -96,6 +97,7 @@ ShellWindow::ShellWindow(const WindowKit& kit, WindowPanes& panes)
 ShellWindow::~ShellWindow() {
     panes_.perform = {};
     panes_.keysHeld = {};
+    panes_.sheet = {};
 }
 
 // What keys, buttons and lists do -------------------------------------------------------------------------------------
@@ -120,6 +122,13 @@ int ShellWindow::paneNumber(bool second) const { return second ? panes_.dualNumb
 void ShellWindow::watchWindow() {
     panes_.perform = [this](WindowDeed deed, bool second) { return perform(deed, second); };
     panes_.keysHeld = [this] { return window_->property("keysHeld").toBool(); };
+    panes_.sheet = [this]() -> std::string {
+        const auto name = [](auto value) {
+            return QMetaEnum::fromType<decltype(value)>().valueToKey(static_cast<int>(value));
+        };
+        if (menu_.sheet() == ShellViewModel::Sheet::none) return {};
+        return menu_.sheet() == ShellViewModel::Sheet::keys ? name(menu_.keyTab()) : name(menu_.sheet());
+    };
     filter_ = std::make_unique<HotkeyFilter>(
         *window_,
         HotkeyFilter::Hooks{
@@ -182,6 +191,9 @@ bool ShellWindow::perform(WindowDeed deed, bool second) {
             return takePicture();
         case WindowDeed::actionList:
             emit view_.actionListAsked(second);
+            break;
+        case WindowDeed::chartKey:
+            menu_.showChartKey();
             break;
         case WindowDeed::keySheet:
             menu_.showKeys();

@@ -32,7 +32,7 @@ ChartView::ChartView(const Surroundings& at)
     tradingLines_.axes = &axes_;
     axes_.account = &tradingLines_;
     barLabels_.others = &pills_;
-    pills_.account = &tradingLines_;
+    pills_.account = axes_.account = &tradingLines_;
     input_.trading = at.trading;
     input_.drawnMarks = &tradingLines_.marks();
     input_.onMarketClosedOrder = [this] {
@@ -182,6 +182,13 @@ std::optional<OverlayFacts> ChartView::overlayFacts() const {
         (mark.pill ? out.pills : out.labels).push_back({std::string(mark.text), mark.box, color});
     }
     std::ranges::reverse(out.pills);
+    for (const BarLabelLayer::Mark& mark : barLabels_.marks()) {
+        const BarLabel& label = *mark.label;
+        out.strikes.push_back({label.text.substr(0, label.text.find_last_not_of(' ') + 1),
+                               mark.box,
+                               {static_cast<float>(label.r), static_cast<float>(label.g), static_cast<float>(label.b),
+                                static_cast<float>(mark.opacity)}});
+    }
     const auto ticks = [](const std::vector<AxisLayer::Named>& labels, std::vector<OverlayFacts::Tick>& to) {
         for (const AxisLayer::Named& label : labels) to.push_back({std::string(label.text.text()), label.at});
     };

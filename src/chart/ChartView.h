@@ -113,6 +113,7 @@ class ChartView final : public ChartPort, public CameraPort {
     ChartInput& input() { return input_; }
     const AxisLayer& axes() const { return axes_; }
     const PillLayer& pills() const { return pills_; }
+    const BarLabelLayer& barLabels() const { return barLabels_; }
     /// Tells the source what the pointer is over, in a plot of this size; nothing for no pointer. Told again after the
     /// camera has moved. `timeAlone`: it is over the oscillator, at no price.
     void pointerAt(const std::optional<ChartPoint>& point, double width, double height, bool timeAlone = false);

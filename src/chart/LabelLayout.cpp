@@ -23,10 +23,25 @@ void LabelLayout::arrange(double top, double bottom) {
         if (one.fixed != other.fixed) return one.fixed;
         return one.rank != other.rank ? one.rank < other.rank : a < b;
     });
-    for (const std::uint32_t i : order_) {
-        LabelBox& box = boxes_[i];
-        place(box, top, bottom);
-        if (box.opacity > 0) taken_.push_back(&box);
+    for (auto at = order_.begin(); at != order_.end();) {
+        const auto equal = [&first = boxes_[*at]](const LabelBox& box) {
+            return box.rank == first.rank && box.fixed == first.fixed;
+        };
+        const auto next = std::find_if(at, order_.end(), [&](std::uint32_t i) { return !equal(boxes_[i]); });
+        const auto take = [&](LabelBox& box) {
+            if (box.opacity > 0) taken_.push_back(&box);
+        };
+        for (auto one = at; one != next; ++one) {
+            LabelBox& box = boxes_[*one];
+            standAtPrice(box, top, bottom);
+            take(box);
+        }
+        for (; at != next; ++at) {
+            LabelBox& box = boxes_[*at];
+            if (box.opacity > 0) continue;
+            stepAside(box, top, bottom);
+            take(box);
+        }
     }
 }
 
@@ -37,12 +52,16 @@ bool LabelLayout::isFree(const LabelBox& box, double y) const {
     });
 }
 
-// The nearest free place is the wanted one, the edge of the view, or one that touches a box in the way.
-void LabelLayout::place(LabelBox& box, double top, double bottom) const {
+void LabelLayout::standAtPrice(LabelBox& box, double top, double bottom) const {
     box.y = box.wantedY;
-    box.opacity = box.fixed ? 1 : 0;
+    const bool inside = box.wantedY >= top + box.height * 0.5 && box.wantedY <= bottom - box.height * 0.5;
+    box.opacity = box.fixed || (inside && isFree(box, box.y)) ? 1 : 0;
+}
+
+// The nearest free place is the edge of the view or one that touches a box in the way.
+void LabelLayout::stepAside(LabelBox& box, double top, double bottom) const {
     const double half = box.height * 0.5, highest = top + half, lowest = bottom - half;
-    if (box.fixed || !std::isfinite(box.wantedY) || !(highest <= lowest)) return;
+    if (!std::isfinite(box.wantedY) || !(highest <= lowest)) return;
     double least = reach;
     const auto tryAt = [&](double y) {
         const double moved = std::abs(y - box.wantedY);

@@ -9,7 +9,7 @@
 namespace vmr {
 
 /// What a text tells, by its worth: the first is the most important.
-enum class LabelRank : unsigned char { trading, pill, wall, level };
+enum class LabelRank : unsigned char { trading, pill, wall, level, strikeName, strike };
 
 /// A text's box in points from the view's top left. It may move up and down, and never sideways.
 struct LabelBox {
@@ -26,8 +26,8 @@ struct LabelBox {
 };
 
 /// Boxes that are not fixed never overlap another one and lie within `reach` of their price. Each takes the free place
-/// nearest to its price; the more important choose first, and of a rank those that were added first. Keeps its memory.
-/// Main thread.
+/// nearest to its price; the more important choose first. Of a rank, those whose price is free stand there, and then
+/// the others choose; of either those that were added first. Keeps its memory. Main thread.
 class LabelLayout {
  public:
     static constexpr double reach = 40.0;  ///< points from a text to its price
@@ -46,7 +46,8 @@ class LabelLayout {
 
  private:
     bool isFree(const LabelBox& box, double y) const;
-    void place(LabelBox& box, double top, double bottom) const;
+    void standAtPrice(LabelBox& box, double top, double bottom) const;
+    void stepAside(LabelBox& box, double top, double bottom) const;
 
     std::vector<LabelBox> boxes_;
     std::vector<std::uint32_t> order_;    // by worth

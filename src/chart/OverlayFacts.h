@@ -14,7 +14,7 @@ struct OverlayFacts {
     struct Text {
         std::string text;
         PointRect box;
-        Rgba color{};  ///< of the box, as it is drawn
+        Rgba color{};  ///< as it is drawn: of the box, or of the text where it has none
     };
     struct Tick {
         std::string text;
@@ -22,6 +22,7 @@ struct OverlayFacts {
     };
     std::vector<Text> pills;             ///< in the order of the series
     std::vector<Text> labels;            ///< of lines, levels and walls; the more important first
+    std::vector<Text> strikes;           ///< beside the strike bars; the more important first
     std::vector<Tick> prices, times;     ///< on the axes
     std::vector<std::string> watermark;  ///< its lines; none where it has no room
 };

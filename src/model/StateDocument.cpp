@@ -115,6 +115,7 @@ void addOverlayTexts(json& out, const AppModel& pane) {
     if (!facts) return;
     out["overlay"] = {{"pills", texts(facts->pills, true)},
                       {"labels", texts(facts->labels, false)},
+                      {"strikes", texts(facts->strikes, false)},
                       {"ticks", {{"prices", ticks(facts->prices)}, {"times", ticks(facts->times)}}},
                       {"watermark", facts->watermark}};
 }
@@ -267,10 +268,15 @@ json paneDocument(const AppModel& pane) {
     return out;
 }
 json windowDocument(const WindowFacts& window) {
-    return {{"number", window.number}, {"frame", window.frame ? json(*window.frame) : json(nullptr)},
-            {"split", window.split},   {"panes", window.panes},
-            {"dual", window.dual},     {"sync", window.sync},
-            {"panels", window.panels}};
+    return {{"number", window.number},
+            {"frame", window.frame ? json(*window.frame) : json(nullptr)},
+            {"split", window.split},
+            {"panes", window.panes},
+            {"dual", window.dual},
+            {"sync", window.sync},
+            {"panels", window.panels},
+            {"sheet", window.sheet},
+            {"sheetNames", window.sheetNames}};
 }
 
 }  // namespace

@@ -20,7 +20,9 @@ struct WindowFacts {
     double split = 0.5;
     std::vector<int> panes;  ///< their numbers, from left to right
     bool dual = false, sync = false;
-    std::vector<std::string> panels;  ///< that are open in its panes
+    std::vector<std::string> panels;        ///< that are open in its panes
+    std::string sheet;                      ///< what lies over it, "" for nothing
+    std::vector<std::string> sheetNames{};  ///< of the marks, actions or gestures that the sheet shows
 };
 
 /// What the document is made from. What is null is missing from it.

@@ -226,7 +226,8 @@ void addWindows(std::vector<Action>& out) {
                                         [](At at) { return at.window && at.window->link().syncOn(); }}));
     out.push_back(asks("fullScreen", "Full screen", "F11", WindowDeed::fullScreen));
     out.push_back(asks("picture", "Picture of the window…", "Ctrl+Shift+S", WindowDeed::picture));
-    out.push_back(asks("keys", "Keyboard shortcuts", "?", WindowDeed::keySheet));
+    out.push_back(asks("chartKey", "Key to the chart", "?", WindowDeed::chartKey));
+    out.push_back(asks("keys", "Keyboard shortcuts", "", WindowDeed::keySheet));
     out.push_back(asks("about", "About Velmora", "", WindowDeed::about));
     out.push_back(until(needsWindow, {"newWindow", "New Window", "Ctrl+N", P::program, Group::window, openWindow}));
     out.push_back(asks("quit", "Quit", "Ctrl+Q", WindowDeed::quit, P::program));

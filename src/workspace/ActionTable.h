@@ -14,7 +14,7 @@ class ShellWindows;
 class WindowPanes;
 
 /// What only the window on the screen can do; `WindowPanes::perform` asks it to.
-enum class WindowDeed { symbolMenu, otherPane, fullScreen, picture, actionList, keySheet, about, beep, quit };
+enum class WindowDeed { symbolMenu, otherPane, fullScreen, picture, actionList, chartKey, keySheet, about, beep, quit };
 
 /// Where an action does something, and so whom its key is for: the pane that the pointer is over, the window that has
 /// the keyboard, or the program, whose keys work everywhere, as long as they type nothing.

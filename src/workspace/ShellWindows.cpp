@@ -4,6 +4,9 @@
 #include <utility>
 
 #include "base/NumberText.h"
+#include "chart/ChartMarks.h"
+#include "workspace/ActionTable.h"
+#include "workspace/GestureTable.h"
 
 namespace vmr {
 
@@ -16,6 +19,18 @@ double storedSplit(const Preferences& preferences) {
     const auto stored = preferences.get(ShellWindows::splitKey);
     const double share = stored ? parseDouble(*stored).value_or(0) : 0;
     return usableSplit(share) ? share : evenSplit;
+}
+
+// What the key to the chart shows.
+std::vector<std::string> namesOn(std::string_view sheet) {
+    std::vector<std::string> out;
+    if (sheet == "marks")
+        for (const ChartMark& mark : chartMarks()) out.emplace_back(mark.name);
+    if (sheet == "keys")
+        for (const Action& action : actionTable()) out.push_back(action.title);
+    if (sheet == "gestures")
+        for (const Gesture& gesture : gestureTable()) out.emplace_back(gesture.gesture);
+    return out;
 }
 }  // namespace
 
@@ -130,6 +145,8 @@ WindowFacts WindowPanes::facts() const {
         add(pane->panels.templatesPanelOpen, "templates");
         add(pane->panels.simPanelOpen, "sim");
     }
+    if (sheet) out.sheet = sheet();
+    out.sheetNames = namesOn(out.sheet);
     return out;
 }
 

@@ -72,6 +72,9 @@ class WindowPanes {
     std::function<bool(WindowDeed deed, bool second)> perform;
     /// Whether a list or a sheet is open on it, which takes every key. Set by whoever shows it.
     std::function<bool()> keysHeld;
+    /// What lies over it: "marks", "keys" or "gestures" of the key to the chart, another sheet, or "". Set by whoever
+    /// shows it.
+    std::function<std::string()> sheet;
 
     /// Its second pane came or goes, the divider moved, or the panes are in step or no longer.
     Signal<> changed;

@@ -93,6 +93,36 @@ TEST_F(WindowKeys, FlipTheirFieldAndSaySo) {
     }
 }
 
+TEST_F(WindowKeys, ShowTheKeyToTheChart) {
+    const auto shows = [&](const std::string& sheet) {
+        return until([&](const json& state) { return state["windows"][0]["sheet"] == sheet; });
+    };
+    const auto names = [&](const char* name) {
+        return json(state_["windows"][0]["sheetNames"]).dump().find(std::string("\"") + name + "\"") !=
+               std::string::npos;
+    };
+    act(" key question");
+    ASSERT_TRUE(shows("marks"));
+    EXPECT_TRUE(names("Bars") && names("Working orders"));
+    act(" key Next key End sleep 0.2 key Right");
+    ASSERT_TRUE(shows("keys"));
+    EXPECT_TRUE(names("GEX Bars"));
+    act(" key Right");
+    ASSERT_TRUE(shows("gestures"));
+    EXPECT_TRUE(names("Double click"));
+    act(" key Down key Escape");
+    ASSERT_TRUE(shows(""));
+    EXPECT_TRUE(state_["windows"][0]["sheetNames"].empty());
+    act(toTool("chartKey") + " click 1");
+    ASSERT_TRUE(shows("marks"));
+    act(" key Escape");
+    ASSERT_TRUE(shows(""));
+    EXPECT_EQ(program_->ask("do keys"), "[cmd] ok keys");
+    ASSERT_TRUE(shows("keys"));
+    act(" key Escape");
+    ASSERT_TRUE(shows(""));
+}
+
 TEST_F(WindowKeys, GoToThePaneUnderThePointer) {
     EXPECT_EQ(program_->ask("dual on"), "[cmd] ok dual pane 2");
     ASSERT_TRUE(until(
@@ -127,7 +157,7 @@ TEST_F(WindowKeys, AreTypedIntoTextFieldsAndMayBeChanged) {
     EXPECT_TRUE(becomes(0, "dexEnabled", !before["dexEnabled"].get<bool>()));
 
     // the key of the GEX markers goes to the DEX bars, after a warning
-    act(" key question sleep 0.4 type --delay 20 'dex bars'");
+    act(" key question sleep 0.4 key Right sleep 0.2 key Down sleep 0.1 type --delay 20 'dex bars'");
     act(" sleep 0.2 key Tab key Return sleep 0.1 key g sleep 0.1");
     EXPECT_EQ(look()["hotkeys"]["gexBubbles"], "G") << "not without Enter";
     act(" key Return sleep 0.2");

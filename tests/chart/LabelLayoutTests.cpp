@@ -34,6 +34,9 @@ TEST(LabelLayout, TheLesserTextStepsAsideOrFades) {
          {box(42, trading, 0, true), box(58, trading, 0, true), box(74, trading, 0, true), box(26, trading, 0, true),
           box(90, trading, 0, true), box(10, trading, 0, true), box(50, pill)},
          {42, 58, 74, 26, 90, 10, -1}},
+        {"what stands at its price is not pushed away by its like",
+         {box(50, pill), box(52, strike), box(68, strike)},
+         {50, 33, 68}},
         {"no price", {box(NAN, pill), box(50, level)}, {-1, 50}},
     };
     LabelLayout layout;
@@ -64,7 +67,7 @@ TEST(LabelLayout, RandomTextsNeverOverlapNorLeaveTheirPrice) {
                         .right = left + between(20, 160),
                         .height = i % 3 == 0 ? 18.0 : 16.0,
                         .wantedY = between(-20, height + 20),
-                        .rank = static_cast<LabelRank>(i % 4),
+                        .rank = static_cast<LabelRank>(i % 6),
                         .fixed = i % 9 == 4});
         }
         layout.arrange(0, height);

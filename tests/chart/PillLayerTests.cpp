@@ -219,7 +219,7 @@ TEST_F(PillLayerTest, NoTextLiesOnAnotherNorLeavesThePlot) {
     all.setContent(data.content());
     std::mt19937 random(5);
     const auto between = [&](double lo, double hi) { return std::uniform_real_distribution(lo, hi)(random); };
-    std::size_t seen = 0;
+    std::size_t seen = 0, movedStrikes = 0;
     for (int round = 0; round < 300 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         width = between(200, 2400);
@@ -228,11 +228,17 @@ TEST_F(PillLayerTest, NoTextLiesOnAnotherNorLeavesThePlot) {
         all.mirrorView(between(-100, 250), between(20, 400));
         all.mirrorPrice(close - between(5, 80), close + between(5, 80));
         all.record(width, height, pixelRatio, time.monotonic());
-        const auto boxes = all.pills().boxes();
+        const auto others = all.pills().boxes();
+        std::vector<PointRect> boxes(others.begin(), others.end());
+        const std::size_t own = boxes.size() - all.pills().marks().size();  // the account's come first
+        seen += all.pills().marks().size();
+        for (const auto& mark : all.barLabels().marks()) {
+            boxes.push_back(mark.box);
+            EXPECT_LE(std::abs(mark.y() - mark.label->y), LabelLayout::reach);
+            movedStrikes += mark.moved();
+        }
         const PlotArea plot{width, height};
-        const std::size_t own = all.pills().marks().size();
-        seen += own;
-        for (std::size_t i = boxes.size() - own; i < boxes.size(); ++i) {  // the account's come first
+        for (std::size_t i = own; i < boxes.size(); ++i) {
             const PointRect& a = boxes[i];
             EXPECT_TRUE(a.x >= 0 && a.y >= 0 && a.right() <= plot.right() && a.bottom() <= plot.bottom());
             for (std::size_t j = 0; j < i; ++j) {
@@ -243,6 +249,7 @@ TEST_F(PillLayerTest, NoTextLiesOnAnotherNorLeavesThePlot) {
         for (const Mark& mark : all.pills().marks())
             EXPECT_LE(std::abs(mark.box.y + 8 - mark.tipY), LabelLayout::reach);
     }
+    EXPECT_GT(movedStrikes, 50U);
     EXPECT_GT(seen, 1000U);
 }
 

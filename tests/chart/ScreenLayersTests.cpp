@@ -186,7 +186,7 @@ TEST(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {
         layer.drawAbove(frame);
         gpu.endFrame();
         ASSERT_TRUE(recorded.take(gpu));
-        const auto corners = recorded.vertices<TextVertex>(recorded.draws.at(0));
+        const auto corners = recorded.vertices<TextVertex>(recorded.draws.back());
         for (std::size_t i = 0; i < corners.size(); i += 4) {
             const auto &a = corners[i], &c = corners[i + 2];
             for (const float place : a.position) ASSERT_EQ(place, std::round(place)) << "between two pixels";

@@ -112,11 +112,11 @@ TEST(Views, TheMenuHasWhatTheProgramCanDo) {
             if (row.toMap().contains("value")) values << row.toMap()["value"].toString();
         return values.join(' ');
     };
-    EXPECT_EQ(rows(), "showKeys showAbout quit");
+    EXPECT_EQ(rows(), "showChartKey showKeys showAbout quit");
     shell.setHooks({[&] { return done << "window", room; },
                     [&](const ShellViewModel::Tell& tell) { tell("T", "text"); }, [&] { done << "quit"; },
                     [&] { done << "leave"; }});
-    EXPECT_EQ(rows(), "newWindow showKeys checkForUpdates showAbout leavePractice quit");
+    EXPECT_EQ(rows(), "newWindow showChartKey showKeys checkForUpdates showAbout leavePractice quit");
 
     const auto choose = [&](int down) {
         ui.item("menuButton")->forceActiveFocus(Qt::TabFocusReason);
@@ -135,11 +135,11 @@ TEST(Views, TheMenuHasWhatTheProgramCanDo) {
     };
     const auto keyboardIsBack = [&] { return ui.item("menuButton")->hasActiveFocus(); };
     choose(1);
-    choose(5);
     choose(6);
+    choose(7);
     EXPECT_EQ(done, (QStringList{"window", "leave", "quit"}));
     for (const auto& [down, sheet] :
-         {std::pair(2, "keysSheet"), {3, "messageSheet"}, {4, "aboutSheet"}, {4, "aboutSheet"}}) {
+         {std::pair(2, "keysSheet"), {3, "keysSheet"}, {4, "messageSheet"}, {5, "aboutSheet"}, {5, "aboutSheet"}}) {
         choose(down);
         EXPECT_TRUE(sheetOpens(sheet)) << sheet;
         EXPECT_TRUE(runUntil(keyboardIsBack, 2000)) << "after " << sheet;

@@ -19,7 +19,8 @@ Rectangle {
         { id: "expiration" }, { id: "gexSource" }, { id: "gex3D", icon: "box" }, { id: "hfPressure", icon: "activity" },
         { id: "templates", icon: "bookmark" }, { id: "settings", icon: "settings" }, { id: "reload", icon: "rotate-cw" },
         { id: "account", icon: "circle-user" }, { id: "dual", icon: "columns-2" }, { id: "sync", icon: "arrow-left-right" },
-        { id: "simPanel", icon: "circle-dollar-sign" }, { id: "newWindow", icon: "plus" }
+        { id: "simPanel", icon: "circle-dollar-sign" }, { id: "newWindow", icon: "plus" },
+        { id: "chartKey", icon: "circle-help" }
     ]
     readonly property var offered: tools.filter(tool => tool.id === "sync" ? view.dual !== null
                                                         : tool.id === "simPanel" ? choices.on.simEnabled === true : true)

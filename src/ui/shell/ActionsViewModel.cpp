@@ -10,6 +10,7 @@
 #include "model/Expirations.h"
 #include "ui/platform/KeyText.h"
 #include "workspace/ActionSearch.h"
+#include "workspace/GestureTable.h"
 #include "workspace/SymbolList.h"
 
 namespace vmr {
@@ -182,6 +183,17 @@ QVariantList ActionsViewModel::keyRows(const QString& typed) const {
         out.push_back(QVariantMap{{QStringLiteral("label"), text(key.title)},
                                   {QStringLiteral("key"), text(key.label)},
                                   {QStringLiteral("fixed"), true}});
+    }
+    return out;
+}
+
+QVariantList ActionsViewModel::gestureRows() {
+    QVariantList out;
+    std::string_view place;
+    for (const Gesture& one : gestureTable()) {
+        if (std::exchange(place, one.place) != one.place) out.push_back(heading(text(one.place).toUpper()));
+        out.push_back(
+            QVariantMap{{QStringLiteral("label"), text(one.gesture)}, {QStringLiteral("effect"), text(one.effect)}});
     }
     return out;
 }

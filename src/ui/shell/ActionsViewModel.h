@@ -52,6 +52,8 @@ class ActionsViewModel : public QObject {
     // The user's keys -------------------------------------------------------------------------------------------------
     /// { id, label, key, changed }, { label, key, fixed: true } and headings.
     Q_INVOKABLE QVariantList keyRows(const QString& typed) const;
+    /// What a hand can do: { label, effect } and headings.
+    Q_INVOKABLE static QVariantList gestureRows();
     /// The text of a pressed key, to be given to an action; empty for one that is none by itself.
     Q_INVOKABLE static QString chord(int key, const QString& text, int modifiers);
     Q_INVOKABLE static QString chordLabel(const QString& chord);

@@ -17,6 +17,7 @@ IconButton {
             add("newWindow", "newWindow");
             rows.push({ separator: true });
         }
+        add("chartKey", "showChartKey");
         add("keys", "showKeys");
         if (shell.canCheckForUpdates)
             rows.push({ label: qsTr("Check for Updates…"), value: "checkForUpdates" });

@@ -81,6 +81,7 @@ Window {
         active: window.shell !== null
         sourceComponent: ShellSheets {
             shell: window.shell
+            pane: window.view.pane
             actions: window.view.actions
         }
     }

@@ -6,6 +6,7 @@ Item {
     id: sheets
 
     required property ShellViewModel shell
+    required property PaneViewModel pane
     property ActionsViewModel actions: null
     readonly property bool keysCaptured: keys.visible && keys.waiting !== ""
 
@@ -45,6 +46,8 @@ Item {
     KeySheet {
         id: keys
         objectName: "keysSheet"
+        shell: sheets.shell
+        pane: sheets.pane
         actions: sheets.actions
         visible: sheets.shell.sheet === ShellViewModel.Sheet.keys
         onClosed: sheets.leave(ShellViewModel.Sheet.keys)

@@ -5,6 +5,7 @@
 #include <QQmlEngine>
 #include <QString>
 #include <functional>
+#include <utility>
 
 namespace vmr {
 
@@ -20,6 +21,7 @@ class ShellViewModel : public QObject {
     Q_PROPERTY(bool canCheckForUpdates READ canCheckForUpdates NOTIFY hooksChanged)
     Q_PROPERTY(bool canLeavePractice READ canLeavePractice NOTIFY hooksChanged)
     Q_PROPERTY(Sheet sheet READ sheet NOTIFY sheetChanged)
+    Q_PROPERTY(KeyTab keyTab READ keyTab WRITE setKeyTab NOTIFY keyTabChanged)
     Q_PROPERTY(QString messageTitle READ messageTitle NOTIFY sheetChanged)
     Q_PROPERTY(QString messageText READ messageText NOTIFY sheetChanged)
 
@@ -27,6 +29,9 @@ class ShellViewModel : public QObject {
     /// What lies over the window.
     enum class Sheet { none, about, keys, message };
     Q_ENUM(Sheet)
+    /// What the key to the chart shows.
+    enum class KeyTab { marks, keys, gestures };
+    Q_ENUM(KeyTab)
 
     /// Gets a title and a text for the person.
     using Tell = std::function<void(const QString& title, const QString& text)>;
@@ -47,6 +52,10 @@ class ShellViewModel : public QObject {
     bool canCheckForUpdates() const { return static_cast<bool>(hooks_.checkForUpdates); }
     bool canLeavePractice() const { return static_cast<bool>(hooks_.leavePractice); }
     Sheet sheet() const { return sheet_; }
+    KeyTab keyTab() const { return keyTab_; }
+    void setKeyTab(KeyTab tab) {
+        if (std::exchange(keyTab_, tab) != tab) emit keyTabChanged();
+    }
     QString messageTitle() const { return messageTitle_; }
     QString messageText() const { return messageText_; }
 
@@ -58,18 +67,25 @@ class ShellViewModel : public QObject {
     Q_INVOKABLE void quit();
     Q_INVOKABLE void leavePractice();
     Q_INVOKABLE void showAbout() { show(Sheet::about); }
-    Q_INVOKABLE void showKeys() { show(Sheet::keys); }
+    Q_INVOKABLE void showChartKey() { showKeySheet(KeyTab::marks); }
+    Q_INVOKABLE void showKeys() { showKeySheet(KeyTab::keys); }
     Q_INVOKABLE void closeSheet() { show(Sheet::none); }
 
  signals:
     void hooksChanged();
     void sheetChanged();
+    void keyTabChanged();
 
  private:
     void show(Sheet sheet);
+    void showKeySheet(KeyTab tab) {
+        setKeyTab(tab);
+        show(Sheet::keys);
+    }
 
     Hooks hooks_;
     Sheet sheet_ = Sheet::none;
+    KeyTab keyTab_ = KeyTab::marks;
     QString messageTitle_, messageText_;
 };
 
