@@ -21,6 +21,21 @@ double niceStep(double peak) {
 }
 }  // namespace
 
+Switches switchesOf(std::string_view words) {
+    Switches out;
+    out.view = words.find("noview") == std::string_view::npos;
+    while (!words.empty()) {
+        const std::size_t comma = std::min(words.find(','), words.size());
+        const std::string_view word = words.substr(0, comma);
+        if (word == "nostats") out.stats = false;
+        if (word == "nochart") out.chart = false;
+        if (word == "noladder") out.ladder = false;
+        if (word == "noanim") out.anim = false;
+        words.remove_prefix(std::min(comma + 1, words.size()));
+    }
+    return out;
+}
+
 void decimate(Samples& samples, std::size_t maxPoints) {
     const std::size_t count = samples.size();
     if (maxPoints >= count) return;
@@ -56,6 +71,11 @@ Label fmt(double value) {
 }
 
 Label strikeText(double strike) { return formatLabel("{}", doubleText(strike)); }
+
+Label shareText(double percent) {
+    if (!std::isfinite(percent)) return formatLabel("{}", unknown);
+    return formatLabel("{:.1f}%", percent);
+}
 
 Readouts readouts(const Samples& samples) {
     if (samples.empty()) return {};
@@ -105,6 +125,24 @@ double mainY(const Scale& scale, double value, double height) {
 
 double stripX(const Scale& scale, double t, double width) {
     return plotRight + (width - plotLeft - plotRight) * (t - scale.t0) / scale.span;
+}
+
+const HfpSample* nearest(const Samples& samples, const Scale& scale, double x, double width) {
+    if (!scale.drawn || samples.empty() || !(width > plotLeft + plotRight)) return nullptr;
+    const double t = scale.t0 + scale.span * (x - plotLeft) / (width - plotLeft - plotRight);
+    const auto after = std::lower_bound(samples.begin(), samples.end(), t,
+                                        [](const HfpSample* one, double at) { return one->t < at; });
+    if (after == samples.begin()) return *after;
+    if (after == samples.end()) return samples.back();
+    return t - (*std::prev(after))->t < (*after)->t - t ? *std::prev(after) : *after;
+}
+
+std::vector<double> valueTicks(const Scale& scale) {
+    constexpr int most = 10;  // a top is a few steps; a step too small to count up would never get there
+    std::vector<double> out;
+    for (int i = 0; scale.drawn && i <= most && i * scale.step <= scale.top + scale.step * 0.5; ++i)
+        out.push_back(i * scale.step);
+    return out;
 }
 
 Label timeText(double t, double timeStep) {

@@ -21,6 +21,16 @@ namespace HfPressure {
 using Samples = std::vector<const HfpSample*>;
 using AxisScale::Label;
 
+/// What a developer may switch off to see what it costs.
+struct Switches {
+    bool stats = true, chart = true, ladder = true, anim = true;
+    bool view = true;  ///< the panel as a whole
+    bool operator==(const Switches&) const = default;
+};
+/// Of "nostats,nochart,noladder,noanim" and "noview", which may stand anywhere in the text. Other words count for
+/// nothing.
+Switches switchesOf(std::string_view words);
+
 inline constexpr std::size_t mostPoints = 600;                  ///< that are drawn
 inline constexpr std::array<int, 5> windows{1, 5, 10, 15, 30};  ///< minutes to choose from
 inline constexpr std::string_view unknown = "—";
@@ -37,6 +47,9 @@ Label fmt(double value);
 
 /// "5000", or "5000.5" where it is no whole number.
 Label strikeText(double strike);
+
+/// "62.5%".
+Label shareText(double percent);
 
 /// The shares and sums of one sample.
 struct Readouts {
@@ -70,6 +83,12 @@ double mainX(const Scale& scale, double t, double width);
 double mainY(const Scale& scale, double value, double height);
 /// Where a time lies on the strip below; its margins differ from the plot's.
 double stripX(const Scale& scale, double t, double width);
+
+/// The sample that lies nearest to `x` points from the left of a main plot of that width; null where nothing is drawn.
+const HfpSample* nearest(const Samples& samples, const Scale& scale, double x, double width);
+
+/// The values that the horizontal lines of the main plot stand for, from 0 up. None where nothing is drawn.
+std::vector<double> valueTicks(const Scale& scale);
 
 /// "09:31", or "09:31:15" for steps below a minute; New York time.
 Label timeText(double t, double timeStep);

@@ -41,15 +41,14 @@ void HfPressurePlot::drawMain(const Samples& samples, const Scale& scale, const 
     const auto x = [&](double t) { return place.x + HfPressure::mainX(scale, t, place.width); };
     const auto y = [&](double value) { return place.y + HfPressure::mainY(scale, value, place.height); };
     HfPressure::timeTicks(scale, times_);
-    for (const double t : times_) painter_.vertical(x(t), y(scale.top), y(0), white(0.09F));
-    // a top is a few steps; a step too small to count up would never get there
-    for (int i = 0; i <= 10 && i * scale.step <= scale.top + scale.step * 0.5; ++i) {
-        const double value = i * scale.step;
-        painter_.horizontal(left, right, y(value), white(0.11F));
-        painter_.text(HfPressure::fmt(value).text(), textStyle, right + 4, y(value), TextAlign::left, labelColor);
+    for (const double t : times_) painter_.vertical(x(t), y(scale.top), y(0), faded(white(0.09F)));
+    for (const double value : HfPressure::valueTicks(scale)) {
+        painter_.horizontal(left, right, y(value), faded(white(0.11F)));
+        painter_.text(HfPressure::fmt(value).text(), textStyle, right + 4, y(value), TextAlign::left,
+                      faded(labelColor));
     }
     const auto flow = [&](double HfpSample::*side, const Rgba& color) {
-        polyline(painter_, samples, flowWidth, color, [&](const HfpSample& sample) {
+        polyline(painter_, samples, flowWidth, faded(color), [&](const HfpSample& sample) {
             return Painter::Point{x(sample.t), y(sample.*side)};
         });
     };
@@ -65,29 +64,31 @@ void HfPressurePlot::drawStrip(const Scale& scale, const PointRect& place) {
         scale, place.width, [this](std::string_view text) { return painter_.textWidth(text, textStyle); }, strip_);
     const double middle = place.bottom() - 1 - painter_.lineHeight(textStyle) / 2;
     for (const HfPressure::StripTick& tick : strip_) {
-        painter_.vertical(place.x + tick.x, place.y, place.y + tickLength, white(0.3F));
+        painter_.vertical(place.x + tick.x, place.y, place.y + tickLength, faded(white(0.3F)));
         if (tick.text.size > 0)
-            painter_.text(tick.text.text(), textStyle, place.x + tick.left, middle, TextAlign::left, labelColor);
+            painter_.text(tick.text.text(), textStyle, place.x + tick.left, middle, TextAlign::left, faded(labelColor));
     }
 }
 
 void HfPressurePlot::drawSpark(const Samples& samples, const Scale& scale, double strike, double maxAbs,
                                const PointRect& place) {
     if (!(scale.span > 0) || !(maxAbs > 0) || place.width <= 0) return;
-    painter_.horizontal(place.x, place.right(), place.bottom(), white(0.13F));
+    painter_.horizontal(place.x, place.right(), place.bottom(), faded(white(0.13F)));
     const auto flow = [&](double StrikeFlow::*side, const Rgba& color) {
-        polyline(painter_, samples, sparkWidth, color, [&](const HfpSample& sample) -> std::optional<Painter::Point> {
-            const StrikeFlow* const at = sample.atmAt(strike);
-            if (!at) return std::nullopt;
-            return Painter::Point{place.x + place.width * (sample.t - scale.t0) / scale.span,
-                                  place.y + HfPressure::sparkY(at->*side, maxAbs, place.height)};
-        });
+        polyline(painter_, samples, sparkWidth, faded(color),
+                 [&](const HfpSample& sample) -> std::optional<Painter::Point> {
+                     const StrikeFlow* const at = sample.atmAt(strike);
+                     if (!at) return std::nullopt;
+                     return Painter::Point{place.x + place.width * (sample.t - scale.t0) / scale.span,
+                                           place.y + HfPressure::sparkY(at->*side, maxAbs, place.height)};
+                 });
     };
     flow(&StrikeFlow::call, callColor);
     flow(&StrikeFlow::put, putColor);
 }
 
-bool HfPressurePlot::draw(PaintSurface& surface, const Samples& samples, const Places& places) {
+bool HfPressurePlot::draw(PaintSurface& surface, const Samples& samples, const Places& places, float opacity) {
+    opacity_ = opacity;
     const Scale scale = HfPressure::scale(samples);
     const HfPressure::Ladder ladder = HfPressure::ladder(samples);
     const std::size_t sparks = std::min(ladder.band.size(), mostSparks);

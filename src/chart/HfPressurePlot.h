@@ -30,13 +30,17 @@ class HfPressurePlot {
     HfPressurePlot(GlyphSource& glyphs, const Clock& clock, Perf* perf = nullptr)
         : painter_(glyphs), clock_(clock), perf_(perf) {}
 
-    /// True when another frame is needed, for glyphs that came late.
-    bool draw(PaintSurface& surface, const HfPressure::Samples& samples, const Places& places);
+    /// True when another frame is needed, for glyphs that came late. All is drawn with `opacity`.
+    bool draw(PaintSurface& surface, const HfPressure::Samples& samples, const Places& places, float opacity = 1);
 
     /// The texts of the strip as last drawn.
     const std::vector<HfPressure::StripTick>& stripTicks() const { return strip_; }
 
  private:
+    Rgba faded(Rgba color) const {
+        color[3] *= opacity_;
+        return color;
+    }
     void time(std::string_view name, double since) const;
     void drawMain(const HfPressure::Samples& samples, const HfPressure::Scale& scale, const PointRect& place);
     void drawStrip(const HfPressure::Scale& scale, const PointRect& place);
@@ -46,6 +50,7 @@ class HfPressurePlot {
     Painter painter_;
     const Clock& clock_;
     Perf* perf_;
+    float opacity_ = 1;
     std::vector<double> times_;
     std::vector<HfPressure::StripTick> strip_;
 };

@@ -210,6 +210,7 @@ json paneDocument(const AppModel& pane) {
     addOverlays(out, pane.overlays.series());
     addOverlayTexts(out, pane);
     addClockTexts(out["overlay"], pane);
+    out["hfPressure"] = pressure(pane);
     out["feedRepairs"] = json::object();
     for (const auto& [channel, count] : pane.feedRepairs.byChannel()) out["feedRepairs"][channel] = count.elements;
     out["config"] = json::parse(pane.config->toJson());

@@ -38,7 +38,8 @@ struct StateSources {
 /// [...], "hotkeys": {...}}: every pane's fields under their own names. Bars are arrays [time, open, high, low, close,
 /// volume], other records objects; a missing optional or a non-finite number is null; doubles round-trip. Dates of the
 /// simulator are seconds since 2001. `overlay` is what is written on a pane's chart, null without one: boxes are
-/// [x, y, width, height] in points from the chart's top left, colours [r, g, b, a] of 0 to 1.
+/// [x, y, width, height] in points from the chart's top left, colours [r, g, b, a] of 0 to 1. `hfPressure` tells the
+/// numbers of the pressure panel also where none is shown; `strip`, `overlay` and `pointed` are then null.
 std::string stateDocument(const StateSources& sources);
 
 }  // namespace vmr

@@ -12,6 +12,10 @@
 #include "model/HfpSample.h"
 #include "sim/SimEngine.h"
 
+namespace vmr {
+class AppModel;
+}
+
 namespace vmr::stateRecords {
 
 using json = nlohmann::ordered_json;
@@ -41,6 +45,8 @@ json record(const OvCandle& candle);
 json record(const HfpSample& sample);
 json record(const Gex3DData& surface);
 json record(const SimEngine& engine);
+/// The HF pressure panel as of now.
+json pressure(const AppModel& pane);
 
 template <class Record>
 json list(const std::vector<Record>& records) {
