@@ -13,6 +13,23 @@ constexpr std::array distances{1.0, 1.75, 2.6, 3.6};  // of the levels, in those
 
 double signedUnit(std::uint64_t bits) { return static_cast<double>(bits >> 11) * 0x1.0p-52 - 1; }
 
+/// How much of what large traders have bought in the last minutes stands: now and then one buys a lot within seconds,
+/// of 1 on average, and closes it again over a minute or two. At least 0.
+double bursts(std::uint64_t key, std::int64_t timeMs) {
+    constexpr std::int64_t apart = 45000;
+    constexpr int remembered = 8;
+    constexpr std::uint64_t seldom = 3;  // one stretch in so many and one more has one
+    constexpr double rise = 1500, fall = 40000;
+    double sum = 0;
+    for (std::int64_t knot = timeMs / apart - remembered; knot <= timeMs / apart; ++knot) {
+        RandomStream random(mixedBits(key + static_cast<std::uint64_t>(knot)));
+        if ((random.next() & seldom) != 0) continue;
+        const double age = static_cast<double>(timeMs - knot * apart) - random.uniform() * static_cast<double>(apart);
+        if (age > 0) sum += random.exponential() * (1 - std::exp(-age / rise)) * std::exp(-age / fall);
+    }
+    return sum;
+}
+
 MarketSession makeSession(const Instrument& instrument, std::uint64_t seed, std::int64_t start, double open) {
     MarketSession session;
     session.start = start;
@@ -88,7 +105,9 @@ OptionFlow DerivedMarket::flow(const OptionSource& source, const MarketSession& 
     const double busy = 0.5 + 0.8 * age + 0.15 * noise(3, 1200000);
     const double gross = std::max(busy, 1.1 * std::abs(net));
     const double unit = flowUnit(source, session);
-    return {unit * (gross + net) / 2, -unit * (gross - net) / 2};
+    constexpr double burst = 0.06;
+    const auto bought = [&](int stream) { return age * burst * bursts(streamKey(seed_, source.name, stream), timeMs); };
+    return {unit * ((gross + net) / 2 + bought(4)), -unit * ((gross - net) / 2 + bought(5))};
 }
 
 }  // namespace vmr::relay

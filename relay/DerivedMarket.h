@@ -49,6 +49,7 @@ class DerivedMarket {
     void forget() { places_.clear(); }
 
     /// Leans with the price: at the first level the net flow of a futures source is about 1e8 on that level's side.
+    /// Calls and puts are bought in bursts, each on its own.
     OptionFlow flow(const OptionSource& source, const MarketSession& session, double price, std::int64_t timeMs) const;
 
     /// The size that flows of the source have.

@@ -86,6 +86,7 @@ std::variant<Options, std::string> parseOptions(const std::vector<std::string>& 
                                                 const EnvironmentLookup& lookup) {
     Options out;
     out.bench = BenchSettings::fromEnvironment(lookup);
+    out.pressure = HfPressure::switchesOf(lookup("VMR_HFP").value_or(""));
     out.strictFeed = lookup("VMR_STRICT") == "1";
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         std::string name = arguments[i];

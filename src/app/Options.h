@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/Environment.h"
+#include "chart/HfPressure.h"
 #include "market/ClockSetting.h"
 #include "perf/BenchSettings.h"
 
@@ -31,10 +32,11 @@ struct Options {
     double tokenLife = 3600;      ///< of practice tokens, real seconds
     bool strictFeed = false;      ///< VMR_STRICT=1: a number of the feed that fits no integer ends the process
     BenchSettings bench;
+    HfPressure::Switches pressure;  ///< VMR_HFP
 };
 
-/// Reads the arguments (without the program's name); VMR_CLOCK stands in for a missing --clock, and VMR_STRICT and the
-/// benchmark's variables are read. Gives the text of what is wrong with them otherwise.
+/// Reads the arguments (without the program's name); VMR_CLOCK stands in for a missing --clock, and VMR_STRICT,
+/// VMR_HFP and the benchmark's variables are read. Gives the text of what is wrong with them otherwise.
 std::variant<Options, std::string> parseOptions(const std::vector<std::string>& arguments,
                                                 const EnvironmentLookup& lookup);
 

@@ -38,7 +38,7 @@ ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
       trading(kit.sim, [&pane](const std::string& reason) { pane.notices.flashToast("Simulator", reason); }) {
     view.setSurroundings({&model.clock(), &model.sessionTime(), &kit.main, &trading, &Perf::shared(), kit.bench,
                           [](const std::string& line) { Log::standardOutput().line(line); },
-                          [&main = kit.main] { main.post(endProgram); }});
+                          [&main = kit.main] { main.post(endProgram); }, kit.pressure});
     binding = std::make_unique<PaneBinding>(model, view, kit.main, kit.setupProblem, kit.signInHint, &kit.sim);
     // the view that asked for it may go with it
     view.session.setOnSignOutAndClose(

@@ -46,6 +46,7 @@ struct WindowKit {
     SettingsTransfer& settings;
     HotkeyRouter& keys;
     BenchSettings bench;
+    HfPressure::Switches pressure;
     std::function<void(std::function<void()>)> later;  ///< runs it in a turn of its own, unless the windows go first
     bool practising = false;                           ///< on the practice market
     std::function<void()> switchPractice;              ///< to it, or from it

@@ -93,6 +93,7 @@ class Shell {
                program.settings(),
                program.keys(),
                program.start().options().bench,
+               program.start().options().pressure,
                [this, &loop](std::function<void()> task) { loop.post(whileThere_(std::move(task))); },
                program.start().practice() != nullptr,
                [&loop] { loop.post([] { QCoreApplication::exit(switchingPractice); }); },

@@ -30,7 +30,6 @@ ChartView::ChartView(const Surroundings& at)
     };
     tradingLines_.trading = at.trading;
     tradingLines_.axes = &axes_;
-    axes_.account = &tradingLines_;
     barLabels_.others = &pills_;
     pills_.account = axes_.account = &tradingLines_;
     input_.trading = at.trading;

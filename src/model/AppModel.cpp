@@ -156,6 +156,11 @@ void AppModel::takeHfpSample() {
     if (at_.perf) at_.perf->time("hfpSample", (at_.clock.monotonic() - start) * 1000);
 }
 
+void AppModel::setPressureWindow(int minutes) {
+    hfp.windowMin = minutes;
+    at_.print("[hfp] window → " + std::to_string(minutes) + "m");
+}
+
 void AppModel::setGex3DActive(bool on) {
     surface.setActive(on);
     if (on) rebuildSurface(true);

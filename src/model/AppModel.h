@@ -130,6 +130,8 @@ class AppModel final : public ChartSource {
     void showGexSource();
     /// True while the 3D view is open; turning it on builds at once.
     void setGex3DActive(bool on);
+    /// Shows so many minutes of HF flow, one of `HfPressure::windows`, and says so on standard output.
+    void setPressureWindow(int minutes);
     /// The one way to change settings: applies what differs, and saves, or leaves that to `saveConfig`.
     enum class Saving { now, later };
     void setConfig(const GexConfig& changed, Saving saving = Saving::now);

@@ -8,12 +8,6 @@
 
 namespace vmr {
 
-const StrikeFlow* HfpSample::atmAt(double strike) const {
-    const auto found =
-        std::find_if(atm.begin(), atm.end(), [strike](const auto& flow) { return flow.strike == strike; });
-    return found == atm.end() ? nullptr : &*found;
-}
-
 namespace Hfp {
 
 namespace {

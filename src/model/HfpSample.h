@@ -1,4 +1,4 @@
-// Snapshots of the HF flow by strike, the history behind the pressure panel.
+// Takes snapshots of the HF flow by strike, the history behind the pressure panel.
 #pragma once
 
 #include <deque>
@@ -6,27 +6,10 @@
 #include <vector>
 
 #include "market/FieldView.h"
+#include "market/HfFlow.h"
 #include "market/Records.h"
 
 namespace vmr {
-
-/// The flow at one strike.
-struct StrikeFlow {
-    double strike = 0;
-    double call = 0, put = 0;
-    bool operator==(const StrikeFlow&) const = default;
-};
-
-/// One snapshot.
-struct HfpSample {
-    double t = 0;                 ///< market time, seconds since 1970
-    double call = 0, put = 0;     ///< sums over all strikes
-    std::vector<StrikeFlow> atm;  ///< by strike of the band, each strike once
-    std::vector<double> band;     ///< the strikes nearest the spot, ascending, at most 5
-    /// The flow at a strike of the band; null for any other.
-    const StrikeFlow* atmAt(double strike) const;
-    bool operator==(const HfpSample&) const = default;
-};
 
 namespace Hfp {
 

@@ -22,6 +22,14 @@ struct SettingsShown {
     std::vector<std::string> invalid;  ///< settings whose field holds a bad text
 };
 
+/// What a view of the HF pressure panel shows beside the samples' own numbers.
+struct PressureShown {
+    bool overlay = false;            ///< over the chart instead of beside it
+    std::vector<std::string> times;  ///< on the strip
+    std::string pointed;             ///< what the tag at the pointer says; empty for none
+    bool operator==(const PressureShown&) const = default;
+};
+
 /// All closed at first. Main thread.
 struct PanelsOpen {
     Observable<bool> configPanelOpen{false}, accountPanelOpen{false}, templatesPanelOpen{false}, simPanelOpen{false};
@@ -37,6 +45,7 @@ struct PanelsOpen {
     };
     ToolbarFacts toolbar;
     std::optional<SettingsShown> settings;  ///< nothing while no view shows them
+    std::optional<PressureShown> pressure;  ///< likewise
 };
 
 }  // namespace vmr

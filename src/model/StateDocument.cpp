@@ -260,6 +260,7 @@ json paneDocument(const AppModel& pane) {
     addTrading(out, pane);
     addClockTexts(out["overlay"], pane);
     addOscillator(out, pane);
+    out["hfPressure"] = pressure(pane);
     out["feedRepairs"] = json::object();
     for (const auto& [channel, count] : pane.feedRepairs.byChannel()) out["feedRepairs"][channel] = count.elements;
     out["config"] = json::parse(pane.config->toJson());

@@ -43,7 +43,8 @@ struct StateSources {
 /// written on a pane's chart, null without one: boxes are [x, y, width, height] in points from the chart's top left,
 /// colours [r, g, b, a] of 0 to 1. `trading` is the account's lines there, lowest first, null where the chart does not
 /// trade: a badge, close mark or tag that is not shown is null; `drag` is what the badge of a dragged line says, `pill`
-/// the open result on the position's.
+/// the open result on the position's. `hfPressure` tells the numbers of the pressure panel also where none is shown;
+/// `strip`, `overlay` and `pointed` are then null.
 std::string stateDocument(const StateSources& sources);
 
 }  // namespace vmr

@@ -13,6 +13,7 @@
 #include "sim/SimEngine.h"
 
 namespace vmr {
+class AppModel;
 class SimDesk;
 }
 
@@ -46,6 +47,8 @@ json record(const HfpSample& sample);
 json record(const Gex3DData& surface);
 json record(const SimEngine& engine);
 json record(const SimDesk& desk);
+/// The HF pressure panel as of now.
+json pressure(const AppModel& pane);
 
 template <class Record>
 json list(const std::vector<Record>& records) {

@@ -4,6 +4,8 @@
 #include <optional>
 #include <utility>
 
+#include "base/NumberText.h"
+#include "chart/HfPressure.h"
 #include "model/AppModel.h"
 
 namespace vmr {
@@ -24,6 +26,16 @@ CommandAnswer runPanel(AppModel& pane, CommandWords& words) {
     if (!open || (what != "open" && what != "close")) return std::nullopt;
     *open = what == "open";
     return "ok panel " + name + " " + what;
+}
+
+CommandAnswer runPressure(AppModel& pane, CommandWords& words) {
+    const std::string what = words.next();
+    const auto minutes = parseInt(words.next());
+    const auto& offered = HfPressure::windows;
+    if (what != "window" || !minutes || std::find(offered.begin(), offered.end(), *minutes) == offered.end())
+        return std::nullopt;
+    pane.setPressureWindow(static_cast<int>(*minutes));
+    return "ok pressure window " + std::to_string(*minutes);
 }
 
 std::string keyOf(const std::string& number) {
@@ -85,6 +97,7 @@ CommandAnswer runTemplate(AppModel& pane, CommandWords& words, const Tell& tell)
 void addPanelCommands(const std::function<void(Command)>& add, std::function<AppModel*()> pane, Tell tell) {
     add({"panel", "account|config|templates|sim open|close", 2, 2,
          [pane](CommandWords& words) { return runPanel(*pane(), words); }});
+    add({"pressure", "window 1|5|10|15|30", 2, 2, [pane](CommandWords& words) { return runPressure(*pane(), words); }});
     add({"template", "list|load N|save N", 1, 2,
          [pane, tell = std::move(tell)](CommandWords& words) { return runTemplate(*pane(), words, tell); }});
 }

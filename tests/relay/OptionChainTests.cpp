@@ -104,6 +104,30 @@ TEST(OptionChain, ExposuresAreThoseOfOneModel) {
     EXPECT_NEAR(static_cast<double>(total.putHf), flow.put, 2000);
 }
 
+TEST(OptionChain, TheFlowHasBurstsOfCallsAndOfPutsApart) {
+    DerivedBench bench;
+    for (const char* name : {"QQQ", "SPX", "AAPL"}) {
+        const OptionSource& source = *findOptionSource(name);
+        const MarketSession& session = *bench.market.session(source.instrument(), morning / 1000, morning);
+        const double large = 0.03 * DerivedMarket::flowUnit(source, session);
+        int calls = 0, puts = 0, quiet = 0;
+        OptionFlow before = bench.market.flow(source, session, session.open, morning);
+        for (int i = 1; i <= 1440; ++i) {  // two hours at one price
+            const OptionFlow flow = bench.market.flow(source, session, session.open, morning + i * 5000);
+            ASSERT_GE(flow.call, 0) << name << i;
+            ASSERT_LE(flow.put, 0) << name << i;
+            const double call = flow.call - before.call, put = before.put - flow.put;
+            calls += call > large && put < large / 2;
+            puts += put > large && call < large / 2;
+            quiet += std::abs(call) < large / 6 && std::abs(put) < large / 6;
+            before = flow;
+        }
+        EXPECT_GT(calls, 8) << name;
+        EXPECT_GT(puts, 8) << name;
+        EXPECT_GT(quiet, 700) << name << ": most of the time nothing of the kind happens";
+    }
+}
+
 // In its last 20 minutes an option's gamma changes no more.
 TEST(OptionChain, ExpirationsEndAtFourAlsoAcrossAClockChange) {
     DerivedBench bench;

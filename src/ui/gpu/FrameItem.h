@@ -79,6 +79,8 @@ class FrameItem : public QQuickItem {
     /// Whether the frame that is being recorded is one of those that come seldom, since nobody has a hand on the plot
     /// and the processor draws it (`CalmPace`).
     bool isCalmFrame() const { return calmFrame_; }
+    /// The processor draws, as of the last repaint.
+    bool drawnBySoftware() const { return *software_; }
     /// A frame came to the screen.
     virtual void frameShown() {}
     /// Something beside the plot has moved, such as the crosshair, which costs the window a frame of its own. Calls

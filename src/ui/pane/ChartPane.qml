@@ -11,6 +11,8 @@ FocusScope {
     property bool inSecondPlace: false
     property bool marked: false  // of two panes the one that has the keyboard
     readonly property alias toolbarHeight: toolbar.height
+    readonly property bool wide: width >= 700  // enough for a column beside the chart
+    readonly property real chartWidth: width - (pane.pressure.open && wide ? 300 : 0)
     readonly property real headHeight: toolbar.height + (hud.visible ? hud.y + hud.height : 0)  // which notices lie below
 
     signal entered
@@ -41,7 +43,7 @@ FocusScope {
         objectName: "chart"
         anchors.top: toolbar.bottom
         anchors.bottom: oscillator.top
-        width: parent.width
+        width: paneView.chartWidth
         focus: true
         onBareWindow: true
         pane: paneView.pane
@@ -116,12 +118,26 @@ FocusScope {
     OscillatorView {
         id: oscillator
         anchors.bottom: parent.bottom
-        width: parent.width
+        width: paneView.chartWidth
         room: paneView.height - toolbar.height
         chart: chart
         oscillator: paneView.pane.oscillator
         settings: paneView.pane.settings
         pictureTaken: paneView.view.pictureTaken
+    }
+    Loader {
+        id: pressure
+        active: paneView.pane.pressure.open
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        anchors.right: parent.right
+        width: Math.min(300, parent.width)
+        sourceComponent: HFPressurePanel {
+            objectName: "pressurePanel"
+            pane: paneView.pane
+            overlay: !paneView.wide
+        }
+        onActiveChanged: if (!active && activeFocus) chart.forceActiveFocus()
     }
     Toast {
         objectName: "toast"

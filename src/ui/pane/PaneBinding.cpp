@@ -5,6 +5,7 @@
 #include "model/AppModel.h"
 #include "model/ClockTexts.h"
 #include "model/Expirations.h"
+#include "perf/Perf.h"
 #include "sim/SimEngine.h"
 #include "store/SettingTable.h"
 #include "workspace/ActionTable.h"
@@ -44,6 +45,7 @@ PaneBinding::PaneBinding(AppModel& model, PaneViewModel& view, MainLoop& main, c
 
 PaneBinding::~PaneBinding() {
     main_.cancel(daysTimer_);
+    main_.cancel(pressureTimer_);
     model_.setChartPort(nullptr);
     view_.chart.setSource(nullptr);
     view_.session.setActions({});
@@ -52,6 +54,8 @@ PaneBinding::~PaneBinding() {
     view_.panels.setFollower({});
     view_.templates.setActions({});
     view_.settings.edit(nullptr);
+    view_.pressure.setActions({});
+    view_.pressure.setSource({});
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -92,9 +96,72 @@ void PaneBinding::bindPanels() {
     });
 }
 
+void PaneBinding::bindPressure() {
+    Perf* const perf = view_.surroundings().perf;
+    view_.pressure.setSource(
+        [this, perf](HfPressure::Samples& out) {
+            const double start = model_.clock().monotonic();
+            HfPressure::visible(model_.hfp.samples, model_.clock().now(), model_.hfp.windowMin, out);
+            if (perf) perf->time("HFP.visible", (model_.clock().monotonic() - start) * 1000);
+        },
+        perf);
+    view_.pressure.setSwitches(view_.surroundings().pressure);
+    view_.pressure.setActions({.setWindow = [this](int minutes) { model_.setPressureWindow(minutes); },
+                               .close =
+                                   [this] {
+                                       GexConfig changed = model_.config;
+                                       changed.hfPressure = false;
+                                       model_.setConfig(changed);
+                                   },
+                               .tellShown =
+                                   [this](bool shown, bool overlay, const QStringList& times, const QString& pointed) {
+                                       auto& told = model_.panels.pressure;
+                                       told.reset();
+                                       if (!shown) return;
+                                       told = PressureShown{overlay, {}, pointed.toStdString()};
+                                       for (const QString& time : times) told->times.push_back(time.toStdString());
+                                   }});
+    // at once: a frame may be recorded before the next flush
+    connections_.push_back(model_.hfp.changed.connect([this] { view_.pressure.samplesMoved(); }));
+}
+
+// Samples that come faster, on a market that runs fast, wait for the next second.
+bool PaneBinding::pressureWaits(const HfPressureViewModel::State& now) {
+    constexpr double least = 0.9;  // real seconds; samples of every second come a little early or late
+    const HfPressureViewModel::State& shown = view_.pressure.state();
+    if (now.count == shown.count && now.last == shown.last) return false;
+    const double wait = pressureShown_ + least - model_.clock().monotonic();
+    const bool samplesAlone = shown.open == now.open && shown.windowMin == now.windowMin && now.count > 0;
+    if (!samplesAlone || wait <= 0) {
+        pressureShown_ = model_.clock().monotonic();
+        return false;
+    }
+    if (pressureTimer_ == SerialQueue::noTimer)
+        pressureTimer_ = main_.after(wait, [this] {
+            pressureTimer_ = SerialQueue::noTimer;
+            showPressure();
+        });
+    return true;
+}
+
+void PaneBinding::showPressure() {
+    const auto& samples = model_.hfp.samples;
+    HfPressureViewModel::State now{.open = model_.config->hfPressure && view_.surroundings().pressure.view,
+                                   .windowMin = model_.hfp.windowMin,
+                                   .stale = !model_.session.connected && !samples.empty(),
+                                   .count = samples.size(),
+                                   .last = samples.empty() ? 0 : samples.back().t};
+    if (pressureWaits(now)) {
+        now.count = view_.pressure.state().count;
+        now.last = view_.pressure.state().last;
+    }
+    view_.pressure.set(now);
+}
+
 void PaneBinding::setActions() {
     setSessionActions();
     bindPanels();
+    bindPressure();
     view_.toolbar.setActions({
         [this](int minutes) { model_.setTimeframe(minutes); },
         [this](const QString& iso) { model_.setExpiration(iso.toStdString()); },
@@ -126,6 +193,7 @@ void PaneBinding::watch() {
     watch(templatesConcern, model_.templates.list, model_.templates.busy, model_.templates.loading,
           model_.templates.status, model_.templates.failed, model_.channels, model_.config);
     watch(settingsConcern, model_.config, model_.channels);
+    watch(pressureConcern, model_.config, model_.hfp.windowMin, model_.hfp, model_.session.connected);
 }
 
 void PaneBinding::mark(Concern concern) {
@@ -156,6 +224,7 @@ void PaneBinding::flush() {
         view_.settings.refresh();
         view_.oscillator.set(model_.config->oscEnabled, model_.config->oscHeight);
     }
+    if (concerns & pressureConcern) showPressure();
     if (concerns & sessionConcern) {
         if (!model_.session.isSignedIn) closePanels();  // nobody's, on the form
         view_.session.set(sessionState());

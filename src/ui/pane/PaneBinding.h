@@ -44,7 +44,8 @@ class PaneBinding {
         templatesConcern = 32,
         settingsConcern = 64,
         clockConcern = 128,
-        everyConcern = 255
+        pressureConcern = 1024,
+        everyConcern = ~0U
     };
 
     void setActions();
@@ -57,6 +58,9 @@ class PaneBinding {
     void flush();
     void closePanels();
     void showClocks();
+    void bindPressure();
+    void showPressure();
+    bool pressureWaits(const HfPressureViewModel::State& now);
     TemplatesViewModel::State templatesState() const;
     SessionViewModel::State sessionState() const;
     ToolbarViewModel::State toolbarState() const;
@@ -70,6 +74,8 @@ class PaneBinding {
     unsigned marked_ = 0;  ///< concerns that the next flush copies
     std::uint64_t flushes_ = 0;
     SerialQueue::TimerId daysTimer_ = SerialQueue::noTimer;
+    SerialQueue::TimerId pressureTimer_ = SerialQueue::noTimer;  ///< until newer samples are shown
+    double pressureShown_ = 0;                                   ///< when samples were, monotonic
     std::vector<Connection> connections_;
     MarketTimer second_;  ///< while a clock is shown
     ClockWatch steered_;

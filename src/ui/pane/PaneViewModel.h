@@ -20,6 +20,7 @@
 #include "ui/pane/TemplatesViewModel.h"
 #include "ui/pane/ToastViewModel.h"
 #include "ui/pane/ToolbarViewModel.h"
+#include "ui/panels/pressure/HfPressureViewModel.h"
 #include "ui/panels/settings/SettingsViewModel.h"
 #include "ui/widgets/PanelFrames.h"
 
@@ -45,6 +46,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
     Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
     Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
+    Q_PROPERTY(vmr::HfPressureViewModel* pressure READ pressureOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -59,6 +61,7 @@ class PaneViewModel : public QObject {
         BenchSettings bench;
         std::function<void(const std::string& line)> print;
         std::function<void()> quit;  ///< at the end of a benchmark
+        HfPressure::Switches pressure{};
     };
 
     using QObject::QObject;
@@ -73,6 +76,7 @@ class PaneViewModel : public QObject {
     PanelsViewModel panels;
     TemplatesViewModel templates;
     SettingsViewModel settings;
+    HfPressureViewModel pressure;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -96,6 +100,7 @@ class PaneViewModel : public QObject {
     PanelsViewModel* panelsOf() { return &panels; }
     TemplatesViewModel* templatesOf() { return &templates; }
     SettingsViewModel* settingsOf() { return &settings; }
+    HfPressureViewModel* pressureOf() { return &pressure; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;

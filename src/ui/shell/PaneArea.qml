@@ -107,7 +107,7 @@ FocusScope {
     }
     // beside the price axis of the left pane, so that no last price is covered
     Column {
-        readonly property real room: area.leftWidth - 74
+        readonly property real room: first.chartWidth - 74
         x: (room - width) / 2
         y: first.headHeight + 12
         width: Math.min(560, room - 16)

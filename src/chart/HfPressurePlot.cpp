@@ -1,0 +1,109 @@
+#include "chart/HfPressurePlot.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "perf/Perf.h"
+
+namespace vmr {
+
+namespace {
+using HfPressure::Samples, HfPressure::Scale;
+
+constexpr Rgba callColor{0.149F, 0.651F, 0.604F, 1}, putColor{0.937F, 0.325F, 0.314F, 1};
+constexpr TextStyle textStyle{FontFace::regular, 13};
+constexpr double flowWidth = 1.5, sparkWidth = 1.2;
+
+constexpr Rgba white(float opacity) { return {1, 1, 1, opacity}; }
+constexpr Rgba labelColor = white(0.53F);
+
+// Joins the points of one flow; `at` places a sample, or tells nothing for one that is skipped.
+template <class Place>
+void polyline(Painter& painter, const Samples& samples, double width, const Rgba& color, Place at) {
+    std::optional<Painter::Point> before;
+    for (const HfpSample* sample : samples) {
+        const std::optional<Painter::Point> point = at(*sample);
+        if (!point) continue;
+        if (before) painter.line(*before, *point, width, color);
+        before = point;
+    }
+}
+}  // namespace
+
+void HfPressurePlot::time(std::string_view name, double since) const {
+    if (perf_) perf_->time(name, (clock_.monotonic() - since) * 1000);
+}
+
+void HfPressurePlot::drawMain(const Samples& samples, const Scale& scale, const PointRect& place) {
+    const double left = place.x + HfPressure::plotLeft, right = place.right() - HfPressure::plotRight;
+    if (!scale.drawn || right <= left || place.height <= HfPressure::plotTop + HfPressure::plotBottom) return;
+    const auto x = [&](double t) { return place.x + HfPressure::mainX(scale, t, place.width); };
+    const auto y = [&](double value) { return place.y + HfPressure::mainY(scale, value, place.height); };
+    HfPressure::timeTicks(scale, times_);
+    for (const double t : times_) painter_.vertical(x(t), y(scale.top), y(0), faded(white(0.09F)));
+    for (const double value : HfPressure::valueTicks(scale)) {
+        painter_.horizontal(left, right, y(value), faded(white(0.11F)));
+        painter_.text(HfPressure::fmt(value).text(), textStyle, right + 4, y(value), TextAlign::left,
+                      faded(labelColor));
+    }
+    const auto flow = [&](double HfpSample::*side, const Rgba& color) {
+        polyline(painter_, samples, flowWidth, faded(color), [&](const HfpSample& sample) {
+            return Painter::Point{x(sample.t), y(sample.*side)};
+        });
+    };
+    flow(&HfpSample::call, callColor);
+    flow(&HfpSample::put, putColor);
+}
+
+void HfPressurePlot::drawStrip(const Scale& scale, const PointRect& place) {
+    constexpr double tickLength = 5;
+    strip_.clear();
+    if (!(scale.span > 0) || place.width <= 0) return;
+    HfPressure::stripTicks(
+        scale, place.width, [this](std::string_view text) { return painter_.textWidth(text, textStyle); }, strip_);
+    const double middle = place.bottom() - 1 - painter_.lineHeight(textStyle) / 2;
+    for (const HfPressure::StripTick& tick : strip_) {
+        painter_.vertical(place.x + tick.x, place.y, place.y + tickLength, faded(white(0.3F)));
+        if (tick.text.size > 0)
+            painter_.text(tick.text.text(), textStyle, place.x + tick.left, middle, TextAlign::left, faded(labelColor));
+    }
+}
+
+void HfPressurePlot::drawSpark(const Samples& samples, const Scale& scale, double strike, double maxAbs,
+                               const PointRect& place) {
+    if (!(scale.span > 0) || !(maxAbs > 0) || place.width <= 0) return;
+    painter_.horizontal(place.x, place.right(), place.bottom(), faded(white(0.13F)));
+    const auto flow = [&](double StrikeFlow::*side, const Rgba& color) {
+        polyline(painter_, samples, sparkWidth, faded(color),
+                 [&](const HfpSample& sample) -> std::optional<Painter::Point> {
+                     const StrikeFlow* const at = sample.atmAt(strike);
+                     if (!at) return std::nullopt;
+                     return Painter::Point{place.x + place.width * (sample.t - scale.t0) / scale.span,
+                                           place.y + HfPressure::sparkY(at->*side, maxAbs, place.height)};
+                 });
+    };
+    flow(&StrikeFlow::call, callColor);
+    flow(&StrikeFlow::put, putColor);
+}
+
+bool HfPressurePlot::draw(PaintSurface& surface, const Samples& samples, const Places& places, float opacity) {
+    opacity_ = opacity;
+    const Scale scale = HfPressure::scale(samples);
+    const HfPressure::Ladder ladder = HfPressure::ladder(samples);
+    const std::size_t sparks = std::min(ladder.band.size(), mostSparks);
+    if (perf_) perf_->bump("HFP.mainCanvas");
+    for (std::size_t i = 0; perf_ && i < sparks; ++i) perf_->bump("HFP.sparkCanvas");
+    return painter_.paint(surface, [&] {
+        double since = clock_.monotonic();
+        drawMain(samples, scale, places.main);
+        drawStrip(scale, places.strip);
+        time("HFP.main", since);
+        since = clock_.monotonic();
+        for (std::size_t i = 0; i < sparks; ++i)
+            drawSpark(samples, scale, ladder.band[i], ladder.maxAbs, places.sparks[i]);
+        time("HFP.spark", since);
+    });
+}
+
+}  // namespace vmr
