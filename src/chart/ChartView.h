@@ -18,6 +18,7 @@
 #include "chart/ChartRenderer.h"
 #include "chart/ChartSource.h"
 #include "chart/HudText.h"
+#include "chart/MarkedStrikeLayer.h"
 #include "chart/OverlayRibbons.h"
 #include "chart/PillLayer.h"
 #include "chart/TradingLinesLayer.h"
@@ -164,6 +165,7 @@ class ChartView final : public ChartPort, public CameraPort {
     TradingLinesLayer tradingLines_;
     PillLayer pills_;
     AxisLayer axes_;
+    MarkedStrikeLayer markedStrike_;
     ChartInput input_;
     std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();
     WeakTask whileThere_;

@@ -18,7 +18,8 @@ void AppModel::watchContent() {
                               &bars.chartVersionChanged, &options.levels.changed, &options.strikes.changed,
                               &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.hud.changed,
                               &options.secStrikes.changed, &options.secEtfRatio.changed, &markers.bubblePts.changed,
-                              &markers.trianglePts.changed, &sessionLevels.srLines.changed, &overlays.overlaysChanged})
+                              &markers.trianglePts.changed, &sessionLevels.srLines.changed, &overlays.overlaysChanged,
+                              &surface.markedStrike.changed})
         contentLinks_.push_back(changed->connect([this] { contentChanged(); }));
 }
 
@@ -36,6 +37,7 @@ ChartContent AppModel::chartContent() const {
     out.strikes = options.strikes.get();
     out.etfRatio = options.etfRatio;
     out.flipStrike = options.gammaFlipStrike;
+    out.markedStrike = surface.markedStrike;
     out.totals = options.hud;
     out.secStrikes = options.secStrikes.get();
     out.secRatio = options.secEtfRatio;

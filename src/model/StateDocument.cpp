@@ -76,6 +76,7 @@ void addDerived(json& out, const AppModel& pane) {
     for (const HfpSample& sample : pane.hfp.samples) out["hfp"].push_back(record(sample));
     out["gex3DActive"] = pane.surface.gex3DActive();
     out["gex3D"] = pane.surface.gex3D.get() ? record(*pane.surface.gex3D.get()) : json(nullptr);
+    out["gex3DView"] = pane.surface.view ? record(pane.surface) : json(nullptr);
 }
 
 void addOverlays(json& out, const OverlaySet& series) {
@@ -114,7 +115,9 @@ void addOverlayTexts(json& out, const AppModel& pane) {
     out["overlay"] = {{"pills", texts(facts->pills, true)},
                       {"labels", texts(facts->labels, false)},
                       {"ticks", {{"prices", ticks(facts->prices)}, {"times", ticks(facts->times)}}},
+                      {"marked", nullptr},
                       {"watermark", facts->watermark}};
+    if (facts->marked) out["overlay"]["marked"] = {{"text", facts->marked->text}, {"at", facts->marked->at}};
 }
 
 void addCatalog(json& out, const AppModel& pane) {

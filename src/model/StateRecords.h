@@ -8,7 +8,7 @@
 
 #include "market/FieldView.h"
 #include "market/Records.h"
-#include "model/Gex3D.h"
+#include "model/Surface3D.h"
 #include "model/HfpSample.h"
 #include "sim/SimEngine.h"
 
@@ -40,6 +40,8 @@ json record(const OvColorPoint& point);
 json record(const OvCandle& candle);
 json record(const HfpSample& sample);
 json record(const Gex3DData& surface);
+/// How its open view stands.
+json record(const Surface3D& surface);
 json record(const SimEngine& engine);
 
 template <class Record>
