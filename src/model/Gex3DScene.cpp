@@ -55,8 +55,9 @@ double distanceTo(const SceneLabel& label, const SceneRay& ray) {
     const ScenePoint off{ray.direction[0] * at - away[0], ray.direction[1] * at - away[1],
                          ray.direction[2] * at - away[2]};
     const double halfWidth = glyphShare * Gex3DScene::labelSize * static_cast<double>(charactersOf(label.text)) / 2;
+    const double middle = label.outside ? halfWidth * ray.right[0] : 0;
     const bool inside =
-        std::abs(dot(off, ray.right)) <= halfWidth && std::abs(dot(off, ray.up)) <= Gex3DScene::labelSize / 2;
+        std::abs(dot(off, ray.right) - middle) <= halfWidth && std::abs(dot(off, ray.up)) <= Gex3DScene::labelSize / 2;
     return inside ? at : none;
 }
 
@@ -97,12 +98,12 @@ Gex3DScene Gex3DScene::build(const Gex3DData& data, const std::set<std::string>&
             const double v = data.net[e][s];
             if (v == 0) continue;
             const double height = std::max(std::abs(v) / out.peak * tallest, shortest);
-            out.bars.push_back({{{xOf(s), height / 2, zOf(e)}, {sx * barWide, height, sz * barDeep}},
-                                data.strikes[s],
-                                e,
-                                v > 0,
-                                fmt::format("bar|{}|{}|{:+.1f}", strikeText(data.strikes[s]), data.expLabels[e],
-                                            v / 1'000'000)});
+            out.bars.push_back(
+                {{{xOf(s), height / 2, zOf(e)}, {sx * barWide, height, sz * barDeep}},
+                 data.strikes[s],
+                 e,
+                 v > 0,
+                 fmt::format("bar|{}|{}|{:+.1f}", strikeText(data.strikes[s]), data.expLabels[e], v / 1'000'000)});
         }
     }
     const double spotX = xOf(nearestStrike(data));
@@ -111,7 +112,7 @@ Gex3DScene Gex3DScene::build(const Gex3DData& data, const std::set<std::string>&
     for (std::size_t s = 0; s < data.strikes.size(); s += 2)
         out.labels.push_back({strikeText(data.strikes[s]), {xOf(s), 0.5, 64}, 0.5});
     for (std::size_t e = 0; e < data.expLabels.size(); ++e)
-        out.labels.push_back({data.expLabels[e], {106, 0.5, zOf(e)}, 0.55});
+        out.labels.push_back({data.expLabels[e], {106, 0.5, zOf(e)}, 0.55, true});
     return out;
 }
 

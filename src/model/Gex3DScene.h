@@ -30,11 +30,12 @@ struct Gex3DBar {
     std::string name;  ///< "bar|5000.5|6/12 (2DTE)|-1.3"
 };
 
-/// One line of text that is centred on its place and faces the camera.
+/// One line of text that faces the camera, centred on its place.
 struct SceneLabel {
     std::string text;
     ScenePoint place{};
-    double white = 0.5;  ///< how bright
+    double white = 0.5;    ///< how bright
+    bool outside = false;  ///< it lies towards larger x of its place instead, so that the bars leave it free
     bool operator==(const SceneLabel&) const = default;
 };
 

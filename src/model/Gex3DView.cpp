@@ -28,6 +28,7 @@ void Gex3DView::setHidden(const std::string& expiration, bool hidden) {
 
 void Gex3DView::build() {
     scene_ = data_ ? Gex3DScene::build(*data_, hidden_) : Gex3DScene();
+    ++revision_;
     look();
 }
 

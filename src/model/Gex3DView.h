@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <set>
@@ -17,8 +18,6 @@ namespace vmr {
 class Gex3DView {
  public:
     static constexpr double turnsBy = 0.25;  ///< radians a second, while it rotates
-    static constexpr double keyTurn = 20;    ///< points of a drag that one press of an arrow key stands for
-    static constexpr double keyDolly = 12;   ///< units
 
     /// Shows this surface; nothing while there is none. False where it does not differ by its `dataID`.
     bool take(const std::optional<Gex3DData>& data);
@@ -26,6 +25,8 @@ class Gex3DView {
     void startOver();
 
     const Gex3DScene& scene() const { return scene_; }
+    /// Raised with each other scene.
+    std::uint64_t revision() const { return revision_; }
     /// No surface has come yet.
     bool loading() const { return !data_; }
     const std::vector<std::string>& expirations() const { return expirations_; }
@@ -63,6 +64,7 @@ class Gex3DView {
     std::optional<Gex3DData> data_;
     std::string lastDataID_;
     Gex3DScene scene_;
+    std::uint64_t revision_ = 1;
     std::vector<std::string> expirations_;
     std::set<std::string> hidden_;
     double angle_ = 0;

@@ -12,9 +12,9 @@ constexpr ScenePoint firstPosition{139.38294591105623, 79.93483318692975, 241.41
 constexpr ScenePoint firstTarget{0, 10, 0};
 constexpr double degreesAPoint = 0.4, unitsAPoint = 0.35;
 constexpr double leastPitch = 1, mostPitch = 89, leastDistance = 30, mostDistance = 800;
-constexpr double leastHeight = 3;                   // of the camera over the floor
-constexpr ScenePoint targetReach{100, 90, 60};      // from the origin; y upwards alone
-constexpr double narrowest = 1.2;                   // a view's width over its height that needs no wider field
+constexpr double leastHeight = 3;               // of the camera over the floor
+constexpr ScenePoint targetReach{100, 90, 60};  // from the origin; y upwards alone
+constexpr double narrowest = 1.2;               // a view's width over its height that needs no wider field
 
 constexpr double radians(double degrees) { return degrees * std::numbers::pi / 180; }
 constexpr double degrees(double angle) { return angle * 180 / std::numbers::pi; }
@@ -23,7 +23,8 @@ constexpr double degrees(double angle) { return angle * 180 / std::numbers::pi; 
 
 void OrbitCamera::home() {
     target_ = firstTarget;
-    const double x = firstPosition[0] - target_[0], y = firstPosition[1] - target_[1], z = firstPosition[2] - target_[2];
+    const double x = firstPosition[0] - target_[0], y = firstPosition[1] - target_[1],
+                 z = firstPosition[2] - target_[2];
     distance_ = std::hypot(x, y, z);
     yaw_ = degrees(std::atan2(x, z));
     pitch_ = degrees(std::asin(y / distance_));
@@ -42,8 +43,7 @@ void OrbitCamera::dolly(double units) {
 
 void OrbitCamera::pan(double dx, double dy) {
     const Axes at = axes();
-    for (std::size_t i = 0; i < 3; ++i)
-        target_[i] += at.right[i] * -unitsAPoint * dx + at.up[i] * unitsAPoint * dy;
+    for (std::size_t i = 0; i < 3; ++i) target_[i] += at.right[i] * -unitsAPoint * dx + at.up[i] * unitsAPoint * dy;
     limit();
 }
 
@@ -79,8 +79,7 @@ SceneRay OrbitCamera::rayThrough(double x, double y, double width, double height
     const double half = std::tan(radians(fieldOfView(width, height)) / 2) * 2 / height;
     const double dx = (x - width / 2) * half, dy = (height / 2 - y) * half, length = std::hypot(dx, dy, 1);
     SceneRay ray{position(), {}, at.right, at.up};
-    for (std::size_t i = 0; i < 3; ++i)
-        ray.direction[i] = (at.forward[i] + at.right[i] * dx + at.up[i] * dy) / length;
+    for (std::size_t i = 0; i < 3; ++i) ray.direction[i] = (at.forward[i] + at.right[i] * dx + at.up[i] * dy) / length;
     return ray;
 }
 

@@ -127,8 +127,10 @@ json record(const Surface3D& surface) {
     json bars = json::array();
     for (const Gex3DBar& bar : view.scene().bars) {
         const auto at = view.placeOf(bar);
-        bars.push_back(
-            {{"name", bar.name}, {"place", bar.box.place}, {"size", bar.box.size}, {"at", at ? json(*at) : json(nullptr)}});
+        bars.push_back({{"name", bar.name},
+                        {"place", bar.box.place},
+                        {"size", bar.box.size},
+                        {"at", at ? json(*at) : json(nullptr)}});
     }
     const auto& marked = surface.markedStrike.get();
     return {{"bars", std::move(bars)},

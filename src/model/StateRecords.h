@@ -8,8 +8,8 @@
 
 #include "market/FieldView.h"
 #include "market/Records.h"
-#include "model/Surface3D.h"
 #include "model/HfpSample.h"
+#include "model/Surface3D.h"
 #include "sim/SimEngine.h"
 
 namespace vmr::stateRecords {

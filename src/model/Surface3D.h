@@ -17,7 +17,7 @@ struct SurfaceOfChart {
     explicit SurfaceOfChart(NoticeGate* gate = nullptr) : gex3D(gate), markedStrike(gate) {}
 
     Observable<std::optional<Gex3DData>> gex3D;
-    Observable<std::optional<double>> markedStrike;  ///< that the open view has marked on the chart
+    Observable<std::optional<double>> markedStrike;               ///< that the open view has marked on the chart
     double lastBuild = -std::numeric_limits<double>::infinity();  ///< monotonic
 };
 

@@ -52,6 +52,7 @@ PaneBinding::~PaneBinding() {
     view_.panels.setFollower({});
     view_.templates.setActions({});
     view_.settings.edit(nullptr);
+    view_.surface.show(nullptr);
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -80,6 +81,7 @@ void PaneBinding::bindPanels() {
         [this] { model_.templates.refresh(); },
     });
     view_.settings.edit(&editor_);
+    view_.surface.show(&model_);
     // before the panel shows itself
     QObject::connect(&view_.panels, &PanelsViewModel::changed, &view_.settings,
                      [view = &view_] { view->settings.setOpen(view->panels.configPanelOpen()); });
@@ -116,7 +118,7 @@ void PaneBinding::watch() {
     watch(sessionConcern, model_.session.isSignedIn, model_.session.signingIn, model_.session.authError,
           model_.session.userEmail, model_.session.connected, model_.session.connLimited, model_.session.status);
     watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.options.futureExps, model_.options.selectedExp,
-          model_.config, model_.surface.gex3D, model_.panels.configPanelOpen, model_.panels.templatesPanelOpen,
+          model_.config, model_.surface.active, model_.panels.configPanelOpen, model_.panels.templatesPanelOpen,
           model_.panels.accountPanelOpen, model_.panels.simPanelOpen);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
     watch(clockConcern, model_.session.isSignedIn, model_.config, model_.channels, model_.bars.timeframe);
@@ -126,6 +128,7 @@ void PaneBinding::watch() {
     watch(templatesConcern, model_.templates.list, model_.templates.busy, model_.templates.loading,
           model_.templates.status, model_.templates.failed, model_.channels, model_.config);
     watch(settingsConcern, model_.config, model_.channels);
+    watch(surfaceConcern, model_.surface.active, model_.surface.gex3D, model_.config);
 }
 
 void PaneBinding::mark(Concern concern) {
@@ -153,6 +156,7 @@ void PaneBinding::flush() {
                           .templatesPanelOpen = model_.panels.templatesPanelOpen});
     if (concerns & templatesConcern) view_.templates.set(templatesState());
     if (concerns & settingsConcern) view_.settings.refresh();
+    if (concerns & surfaceConcern) view_.surface.refresh();
     if (concerns & sessionConcern) {
         if (!model_.session.isSignedIn) closePanels();  // nobody's, on the form
         view_.session.set(sessionState());
@@ -175,6 +179,7 @@ void PaneBinding::closePanels() {
     view_.panels.setAccountPanelOpen(false);
     view_.panels.setTemplatesPanelOpen(false);
     view_.panels.setConfigPanelOpen(false);
+    model_.setGex3DActive(false);
 }
 
 TemplatesViewModel::State PaneBinding::templatesState() const {

@@ -44,7 +44,8 @@ class PaneBinding {
         templatesConcern = 32,
         settingsConcern = 64,
         clockConcern = 128,
-        everyConcern = 255
+        surfaceConcern = 256,
+        everyConcern = 511
     };
 
     void setActions();

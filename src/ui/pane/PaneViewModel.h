@@ -14,6 +14,7 @@
 #include "ui/pane/AccountViewModel.h"
 #include "ui/pane/ChartViewModel.h"
 #include "ui/pane/ClockViewModel.h"
+#include "ui/pane/Gex3DViewModel.h"
 #include "ui/pane/PanelsViewModel.h"
 #include "ui/pane/SessionViewModel.h"
 #include "ui/pane/TemplatesViewModel.h"
@@ -43,6 +44,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
     Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
     Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
+    Q_PROPERTY(vmr::Gex3DViewModel* surface READ surfaceOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -70,6 +72,7 @@ class PaneViewModel : public QObject {
     PanelsViewModel panels;
     TemplatesViewModel templates;
     SettingsViewModel settings;
+    Gex3DViewModel surface;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -92,6 +95,7 @@ class PaneViewModel : public QObject {
     PanelsViewModel* panelsOf() { return &panels; }
     TemplatesViewModel* templatesOf() { return &templates; }
     SettingsViewModel* settingsOf() { return &settings; }
+    Gex3DViewModel* surfaceOf() { return &surface; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;
