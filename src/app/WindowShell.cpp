@@ -27,6 +27,9 @@
 #include "ui/platform/WindowPicture.h"
 #include "ui/shell/ServiceViewModel.h"
 #include "ui/shell/ShellViewModel.h"
+#ifdef VMR_WITH_3D
+#include "ui/surface3d/Surface3DModule.h"
+#endif
 #include "workspace/ShellWindows.h"
 #include "workspace/WorkspaceStore.h"
 
@@ -104,6 +107,9 @@ class Shell {
         service_.follow(program.announcements(), program.updates(),
                         [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
         registerQml(engine_);
+#ifdef VMR_WITH_3D
+        registerSurface3D();
+#endif
         look_.loadUrl(QUrl(QStringLiteral("qrc:/Velmora/Main.qml")));
         windows_.onOpened = [this](WindowPanes& panes) { show(panes); };
         windows_.onClosing = [this](WindowPanes& panes) {

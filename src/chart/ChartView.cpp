@@ -15,6 +15,7 @@ ChartView::ChartView(const Surroundings& at)
       tradingLines_(at.glyphs),
       pills_(at.glyphs, ribbons_),
       axes_(at.glyphs, at.session),
+      markedStrike_(at.glyphs),
       tradingTags_(at.glyphs, tradingLines_),
       input_(renderer_, at.session, at.clock, at.main, at.perf) {
     renderer_.addScreenLayer(watermark_);
@@ -22,6 +23,7 @@ ChartView::ChartView(const Surroundings& at)
     renderer_.addScreenLayer(tradingLines_);
     renderer_.addScreenLayer(pills_);
     renderer_.addScreenLayer(axes_);
+    renderer_.addScreenLayer(markedStrike_);
     renderer_.addScreenLayer(tradingTags_);
     renderer_.perf = at.perf;
     renderer_.onNeedsDisplay = [this] { askForFrame(); };
@@ -126,6 +128,7 @@ void ChartView::setContent(const ChartContent& content) {
     showNames(content, differs(&Revisions::levels) || differs(&Revisions::look));
     if (differs(&Revisions::strikes)) renderer_.setStrikes(content.strikes, content.etfRatio, content.flipStrike);
     if (differs(&Revisions::secStrikes)) renderer_.setSecStrikes(content.secStrikes, content.secRatio);
+    if (markedStrike_.set(content.markedStrike, content.etfRatio)) askForFrame();
     setRoot(content.simRoot);
     if (differs(&Revisions::markers)) renderer_.setBubbles(content.bubbles, content.triangles);
     if (differs(&Revisions::overlays) || differs(&Revisions::srLines) || shown_->style != content.overlayStyle) {
@@ -193,6 +196,8 @@ std::optional<OverlayFacts> ChartView::overlayFacts() const {
     };
     ticks(axes_.labels().priceTexts, out.prices);
     ticks(axes_.labels().timeTexts, out.times);
+    if (const auto marked = markedStrike_.shownAt())
+        out.marked = OverlayFacts::Tick{std::string(markedStrike_.title()), *marked};
     if (!watermark_.shown()) return out;
     if (!watermark_.title().empty()) out.watermark.emplace_back(watermark_.title());
     out.watermark.push_back(std::string(WatermarkLayer::nameBegin).append(WatermarkLayer::nameEnd));

@@ -19,6 +19,7 @@
 #include "chart/ChartSource.h"
 #include "chart/EntryPill.h"
 #include "chart/HudText.h"
+#include "chart/MarkedStrikeLayer.h"
 #include "chart/OverlayRibbons.h"
 #include "chart/PillLayer.h"
 #include "chart/TradingLinesLayer.h"
@@ -182,6 +183,7 @@ class ChartView final : public ChartPort, public CameraPort {
     TradingLinesLayer tradingLines_;
     PillLayer pills_;
     AxisLayer axes_;
+    MarkedStrikeLayer markedStrike_;
     TradingTagsLayer tradingTags_;
     ChartInput input_;
     std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();

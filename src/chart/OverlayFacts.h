@@ -1,6 +1,7 @@
 // What is written on a chart, as its last frame shows it.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ struct OverlayFacts {
     std::vector<Text> labels;            ///< of lines, levels and walls; the more important first
     std::vector<Text> strikes;           ///< beside the strike bars; the more important first
     std::vector<Tick> prices, times;     ///< on the axes
+    std::optional<Tick> marked;          ///< the line of a marked strike, where it is in view
     std::vector<std::string> watermark;  ///< its lines; none where it has no room
 };
 

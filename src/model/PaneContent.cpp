@@ -19,7 +19,7 @@ void AppModel::watchContent() {
                               &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.hud.changed,
                               &options.secStrikes.changed, &options.secEtfRatio.changed, &markers.bubblePts.changed,
                               &markers.trianglePts.changed, &sessionLevels.srLines.changed, &overlays.overlaysChanged,
-                              &oscillator.oscLines.changed})
+                              &oscillator.oscLines.changed, &surface.markedStrike.changed})
         contentLinks_.push_back(changed->connect([this] { contentChanged(); }));
 }
 
@@ -37,6 +37,7 @@ ChartContent AppModel::chartContent() const {
     out.strikes = options.strikes.get();
     out.etfRatio = options.etfRatio;
     out.flipStrike = options.gammaFlipStrike;
+    out.markedStrike = surface.markedStrike;
     out.totals = options.hud;
     out.secStrikes = options.secStrikes.get();
     out.secRatio = options.secEtfRatio;

@@ -78,6 +78,7 @@ void addDerived(json& out, const AppModel& pane) {
     for (const HfpSample& sample : pane.hfp.samples) out["hfp"].push_back(record(sample));
     out["gex3DActive"] = pane.surface.gex3DActive();
     out["gex3D"] = pane.surface.gex3D.get() ? record(*pane.surface.gex3D.get()) : json(nullptr);
+    out["gex3DView"] = pane.surface.view ? record(pane.surface) : json(nullptr);
 }
 
 void addOverlays(json& out, const OverlaySet& series) {
@@ -117,7 +118,9 @@ void addOverlayTexts(json& out, const AppModel& pane) {
                       {"labels", texts(facts->labels, false)},
                       {"strikes", texts(facts->strikes, false)},
                       {"ticks", {{"prices", ticks(facts->prices)}, {"times", ticks(facts->times)}}},
+                      {"marked", nullptr},
                       {"watermark", facts->watermark}};
+    if (facts->marked) out["overlay"]["marked"] = {{"text", facts->marked->text}, {"at", facts->marked->at}};
 }
 
 json boxOf(const PointRect& box) { return box.width > 0 ? json({box.x, box.y, box.width, box.height}) : json(nullptr); }

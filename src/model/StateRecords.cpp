@@ -121,4 +121,34 @@ json record(const Gex3DData& surface) {
             {"net", surface.net}};
 }
 
+json record(const Surface3D& surface) {
+    const Gex3DView& view = *surface.view;
+    const OrbitCamera& camera = view.camera;
+    json bars = json::array();
+    for (const Gex3DBar& bar : view.scene().bars) {
+        const auto at = view.placeOf(bar);
+        bars.push_back({{"name", bar.name},
+                        {"place", bar.box.place},
+                        {"size", bar.box.size},
+                        {"at", at ? json(*at) : json(nullptr)}});
+    }
+    const auto& marked = surface.markedStrike.get();
+    return {{"bars", std::move(bars)},
+            {"area", view.area},
+            {"controls", view.controls},
+            {"camera",
+             {{"position", camera.position()},
+              {"target", camera.target()},
+              {"yaw", camera.yaw()},
+              {"pitch", camera.pitch()},
+              {"distance", camera.distance()}}},
+            {"angle", view.angle()},
+            {"autoRotate", view.autoRotate},
+            {"expirations", view.expirations()},
+            {"hidden", view.hidden()},
+            {"marked", marked ? json(*marked) : json(nullptr)},
+            {"tooltip", text(view.tooltip())},
+            {"loading", view.loading()}};
+}
+
 }  // namespace vmr::stateRecords

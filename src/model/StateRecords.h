@@ -8,8 +8,8 @@
 
 #include "market/FieldView.h"
 #include "market/Records.h"
-#include "model/Gex3D.h"
 #include "model/HfpSample.h"
+#include "model/Surface3D.h"
 #include "sim/SimEngine.h"
 
 namespace vmr {
@@ -45,6 +45,8 @@ json record(const OvColorPoint& point);
 json record(const OvCandle& candle);
 json record(const HfpSample& sample);
 json record(const Gex3DData& surface);
+/// How its open view stands.
+json record(const Surface3D& surface);
 json record(const SimEngine& engine);
 json record(const SimDesk& desk);
 /// The HF pressure panel as of now.

@@ -8,14 +8,16 @@
 #include "base/Clock.h"
 #include "base/Signal.h"
 #include "model/Gex3D.h"
+#include "model/Gex3DView.h"
 
 namespace vmr {
 
 /// What of it belongs to one chart.
 struct SurfaceOfChart {
-    explicit SurfaceOfChart(NoticeGate* gate = nullptr) : gex3D(gate) {}
+    explicit SurfaceOfChart(NoticeGate* gate = nullptr) : gex3D(gate), markedStrike(gate) {}
 
     Observable<std::optional<Gex3DData>> gex3D;
+    Observable<std::optional<double>> markedStrike;               ///< that the open view has marked on the chart
     double lastBuild = -std::numeric_limits<double>::infinity();  ///< monotonic
 };
 
@@ -23,14 +25,18 @@ struct SurfaceOfChart {
 class Surface3D : public SurfaceOfChart {
  public:
     /// `clock` must outlive it; `gate` may be null.
-    explicit Surface3D(const Clock& clock, NoticeGate* gate = nullptr) : SurfaceOfChart(gate), clock_(clock) {}
+    explicit Surface3D(const Clock& clock, NoticeGate* gate = nullptr)
+        : SurfaceOfChart(gate), active(gate), clock_(clock) {}
 
     /// Begins another chart, without a surface.
-    void open() { SurfaceOfChart::operator=(SurfaceOfChart()); }
+    void open();
 
-    bool gex3DActive() const { return active_; }
-    /// Whether its view is open.
-    void setActive(bool on) { active_ = on; }
+    Observable<bool> active;  ///< whether its view is open; changed by `setActive` alone
+    bool gex3DActive() const { return active; }
+    /// A view that opens shows the last surface at once; one that closes leaves nothing marked.
+    void setActive(bool on);
+
+    std::optional<Gex3DView> view;  ///< while it is open
 
     /// Builds while it is active, at most every three real seconds unless `force`. One that cannot be built leaves the
     /// old one.
@@ -38,7 +44,6 @@ class Surface3D : public SurfaceOfChart {
 
  private:
     const Clock& clock_;
-    bool active_ = false;
 };
 
 }  // namespace vmr

@@ -202,7 +202,7 @@ void addPanels(std::vector<Action>& out) {
     out.push_back(with(opens("templates", "Templates", "T", &PanelsOpen::templatesPanelOpen), "Templates"));
     out.push_back(opens("settings", "Settings", "Ctrl+,", &PanelsOpen::configPanelOpen));
     out.push_back(opens("account", "Account", "", &PanelsOpen::accountPanelOpen));
-    out.push_back(until([](At) { return std::string("the 3D view is not part of this build"); },
+    out.push_back(until([](At) { return gex3DViewBuilt() ? "" : std::string("the 3D view is not part of this build"); },
                         {"gex3D", "3D view", "", P::pane, Group::panels,
                          [](At at) {
                              at.pane->setGex3DActive(!at.pane->surface.gex3DActive());
@@ -289,5 +289,13 @@ ActionAnswer runAction(const Action& action, const ActionContext& at) {
 }
 
 std::span<const FixedKey> fixedKeys() { return fixed; }
+
+bool gex3DViewBuilt() {
+#ifdef VMR_WITH_3D
+    return true;
+#else
+    return false;
+#endif
+}
 
 }  // namespace vmr

@@ -66,4 +66,7 @@ struct FixedKey {
 };
 std::span<const FixedKey> fixedKeys();
 
+/// Whether the 3D view is part of this build.
+bool gex3DViewBuilt();
+
 }  // namespace vmr

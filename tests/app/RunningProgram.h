@@ -70,6 +70,7 @@ class RunningProgram {
         pid_ = 0;
         return WEXITSTATUS(status);
     }
+    pid_t pid() const { return pid_; }
     void say(const std::string& line) {
         EXPECT_EQ(::write(input_, (line + "\n").c_str(), line.size() + 1), ssize_t(line.size() + 1));
     }

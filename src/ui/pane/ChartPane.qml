@@ -194,4 +194,18 @@ FocusScope {
             onClose: paneView.pane.panels.configPanelOpen = false
         }
     }
+    Loader {
+        objectName: "gex3D"
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        readonly property url view: paneView.pane.surface.view
+        onViewChanged: {
+            const hadFocus = item !== null && item.activeFocus;
+            setSource(view, { surface: paneView.pane.surface });
+            if (hadFocus)
+                chart.forceActiveFocus();
+        }
+        onLoaded: item.forceActiveFocus()
+    }
 }

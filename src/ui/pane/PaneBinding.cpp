@@ -56,6 +56,7 @@ PaneBinding::~PaneBinding() {
     view_.settings.edit(nullptr);
     view_.pressure.setActions({});
     view_.pressure.setSource({});
+    view_.surface.show(nullptr);
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -84,6 +85,7 @@ void PaneBinding::bindPanels() {
         [this] { model_.templates.refresh(); },
     });
     view_.settings.edit(&editor_);
+    view_.surface.show(&model_);
     // before the panel shows itself
     QObject::connect(&view_.panels, &PanelsViewModel::changed, &view_.settings,
                      [view = &view_] { view->settings.setOpen(view->panels.configPanelOpen()); });
@@ -183,7 +185,7 @@ void PaneBinding::watch() {
     watch(sessionConcern, model_.session.isSignedIn, model_.session.signingIn, model_.session.authError,
           model_.session.userEmail, model_.session.connected, model_.session.connLimited, model_.session.status);
     watch(toolbarConcern, model_.channels, model_.bars.timeframe, model_.options.futureExps, model_.options.selectedExp,
-          model_.config, model_.surface.gex3D, model_.panels.configPanelOpen, model_.panels.templatesPanelOpen,
+          model_.config, model_.surface.active, model_.panels.configPanelOpen, model_.panels.templatesPanelOpen,
           model_.panels.accountPanelOpen, model_.panels.simPanelOpen);
     watch(toastConcern, model_.notices.toast, model_.notices.marketClosedNotice);
     watch(clockConcern, model_.session.isSignedIn, model_.config, model_.channels, model_.bars.timeframe);
@@ -194,6 +196,7 @@ void PaneBinding::watch() {
           model_.templates.status, model_.templates.failed, model_.channels, model_.config);
     watch(settingsConcern, model_.config, model_.channels);
     watch(pressureConcern, model_.config, model_.hfp.windowMin, model_.hfp, model_.session.connected);
+    watch(surfaceConcern, model_.surface.active, model_.surface.gex3D, model_.config);
 }
 
 void PaneBinding::mark(Concern concern) {
@@ -225,6 +228,7 @@ void PaneBinding::flush() {
         view_.oscillator.set(model_.config->oscEnabled, model_.config->oscHeight);
     }
     if (concerns & pressureConcern) showPressure();
+    if (concerns & surfaceConcern) view_.surface.refresh();
     if (concerns & sessionConcern) {
         if (!model_.session.isSignedIn) closePanels();  // nobody's, on the form
         view_.session.set(sessionState());
@@ -247,6 +251,7 @@ void PaneBinding::closePanels() {
     view_.panels.setAccountPanelOpen(false);
     view_.panels.setTemplatesPanelOpen(false);
     view_.panels.setConfigPanelOpen(false);
+    model_.setGex3DActive(false);
 }
 
 TemplatesViewModel::State PaneBinding::templatesState() const {

@@ -44,6 +44,7 @@ class PaneBinding {
         templatesConcern = 32,
         settingsConcern = 64,
         clockConcern = 128,
+        surfaceConcern = 256,
         pressureConcern = 1024,
         everyConcern = ~0U
     };

@@ -15,6 +15,7 @@
 #include "ui/pane/ChartViewModel.h"
 #include "ui/pane/ClockViewModel.h"
 #include "ui/pane/OscillatorViewModel.h"
+#include "ui/pane/Gex3DViewModel.h"
 #include "ui/pane/PanelsViewModel.h"
 #include "ui/pane/SessionViewModel.h"
 #include "ui/pane/TemplatesViewModel.h"
@@ -47,6 +48,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
     Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
     Q_PROPERTY(vmr::HfPressureViewModel* pressure READ pressureOf CONSTANT)
+    Q_PROPERTY(vmr::Gex3DViewModel* surface READ surfaceOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -77,6 +79,7 @@ class PaneViewModel : public QObject {
     TemplatesViewModel templates;
     SettingsViewModel settings;
     HfPressureViewModel pressure;
+    Gex3DViewModel surface;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -101,6 +104,7 @@ class PaneViewModel : public QObject {
     TemplatesViewModel* templatesOf() { return &templates; }
     SettingsViewModel* settingsOf() { return &settings; }
     HfPressureViewModel* pressureOf() { return &pressure; }
+    Gex3DViewModel* surfaceOf() { return &surface; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;

@@ -1,0 +1,69 @@
+#include "model/Gex3DView.h"
+
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace vmr {
+
+bool Gex3DView::take(const std::optional<Gex3DData>& data) {
+    std::string id = dataID(data);
+    if (id == lastDataID_) return false;
+    lastDataID_ = std::move(id);
+    data_ = data;
+    expirations_ = data ? data->expLabels : std::vector<std::string>();
+    build();
+    return true;
+}
+
+void Gex3DView::startOver() {
+    hidden_.clear();
+    take(std::nullopt);
+}
+
+void Gex3DView::setHidden(const std::string& expiration, bool hidden) {
+    const bool changed = hidden ? hidden_.insert(expiration).second : hidden_.erase(expiration) > 0;
+    if (changed) build();
+}
+
+void Gex3DView::build() {
+    scene_ = data_ ? Gex3DScene::build(*data_, hidden_) : Gex3DScene();
+    ++revision_;
+    look();
+}
+
+void Gex3DView::advance(double seconds) {
+    if (!autoRotate) return;
+    angle_ = std::remainder(angle_ + turnsBy * seconds, 2 * std::numbers::pi);
+    look();
+}
+
+void Gex3DView::home() {
+    camera.home();
+    angle_ = 0;
+    look();
+}
+
+void Gex3DView::setPointer(const std::optional<std::array<double, 2>>& pointer) {
+    pointer_ = pointer;
+    look();
+}
+
+void Gex3DView::look() {
+    over_.reset();
+    const auto& [x, y, width, height] = area;
+    if (pointer_ && width > 0 && height > 0)
+        over_ = scene_.barHit(camera.rayThrough((*pointer_)[0], (*pointer_)[1], width, height).inTurned(angle_));
+}
+
+std::optional<std::string> Gex3DView::tooltip() const {
+    return over_ ? tooltipOf(scene_.bars[*over_].name) : std::nullopt;
+}
+
+std::optional<std::array<double, 2>> Gex3DView::placeOf(const Gex3DBar& bar) const {
+    const double c = std::cos(angle_), s = std::sin(angle_);
+    const ScenePoint& p = bar.box.place;
+    return camera.project({p[0] * c + p[2] * s, p[1], p[2] * c - p[0] * s}, area[2], area[3]);
+}
+
+}  // namespace vmr
