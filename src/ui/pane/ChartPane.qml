@@ -163,5 +163,13 @@ FocusScope {
             open: paneView.pane.panels.configPanelOpen
             onClose: paneView.pane.panels.configPanelOpen = false
         }
+        SimPanel {
+            objectName: "simPanel"
+            frames: paneView.pane.panelFrames
+            sim: paneView.pane.sim
+            defaultPos: Qt.point(24, 16)
+            open: paneView.pane.panels.simPanelOpen && paneView.pane.toolbar.on.simEnabled === true
+            onClose: paneView.pane.panels.simPanelOpen = false
+        }
     }
 }

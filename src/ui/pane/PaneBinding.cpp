@@ -52,6 +52,7 @@ PaneBinding::~PaneBinding() {
     view_.panels.setFollower({});
     view_.templates.setActions({});
     view_.settings.edit(nullptr);
+    view_.sim.bind(nullptr);
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -73,6 +74,7 @@ void PaneBinding::bindPanels() {
         model_.panels.accountPanelOpen = state.accountPanelOpen;
         model_.panels.templatesPanelOpen = state.templatesPanelOpen;
         model_.panels.configPanelOpen = state.configPanelOpen;
+        model_.panels.simPanelOpen = state.simPanelOpen;
     });
     view_.templates.setActions({
         [this](const QString& key) { model_.templates.load(key.toStdString()); },
@@ -80,6 +82,7 @@ void PaneBinding::bindPanels() {
         [this] { model_.templates.refresh(); },
     });
     view_.settings.edit(&editor_);
+    view_.sim.bind(model_.desk.get(), &model_.clock(), &main_);
     // before the panel shows itself
     QObject::connect(&view_.panels, &PanelsViewModel::changed, &view_.settings,
                      [view = &view_] { view->settings.setOpen(view->panels.configPanelOpen()); });
@@ -122,7 +125,7 @@ void PaneBinding::watch() {
     watch(clockConcern, model_.session.isSignedIn, model_.config, model_.channels, model_.bars.timeframe);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
     watch(panelsConcern, model_.panels.accountPanelOpen, model_.panels.configPanelOpen,
-          model_.panels.templatesPanelOpen);
+          model_.panels.templatesPanelOpen, model_.panels.simPanelOpen);
     watch(templatesConcern, model_.templates.list, model_.templates.busy, model_.templates.loading,
           model_.templates.status, model_.templates.failed, model_.channels, model_.config);
     watch(settingsConcern, model_.config, model_.channels);
@@ -150,7 +153,8 @@ void PaneBinding::flush() {
     if (concerns & panelsConcern)
         view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen,
                           .configPanelOpen = model_.panels.configPanelOpen,
-                          .templatesPanelOpen = model_.panels.templatesPanelOpen});
+                          .templatesPanelOpen = model_.panels.templatesPanelOpen,
+                          .simPanelOpen = model_.panels.simPanelOpen});
     if (concerns & templatesConcern) view_.templates.set(templatesState());
     if (concerns & settingsConcern) view_.settings.refresh();
     if (concerns & sessionConcern) {
@@ -175,6 +179,7 @@ void PaneBinding::closePanels() {
     view_.panels.setAccountPanelOpen(false);
     view_.panels.setTemplatesPanelOpen(false);
     view_.panels.setConfigPanelOpen(false);
+    view_.panels.setSimPanelOpen(false);
 }
 
 TemplatesViewModel::State PaneBinding::templatesState() const {

@@ -20,6 +20,7 @@
 #include "ui/pane/ToastViewModel.h"
 #include "ui/pane/ToolbarViewModel.h"
 #include "ui/panels/settings/SettingsViewModel.h"
+#include "ui/panels/sim/SimViewModel.h"
 #include "ui/widgets/PanelFrames.h"
 
 namespace vmr {
@@ -43,6 +44,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::PanelsViewModel* panels READ panelsOf CONSTANT)
     Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
     Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
+    Q_PROPERTY(vmr::SimViewModel* sim READ simOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -70,6 +72,7 @@ class PaneViewModel : public QObject {
     PanelsViewModel panels;
     TemplatesViewModel templates;
     SettingsViewModel settings;
+    SimViewModel sim;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -92,6 +95,7 @@ class PaneViewModel : public QObject {
     PanelsViewModel* panelsOf() { return &panels; }
     TemplatesViewModel* templatesOf() { return &templates; }
     SettingsViewModel* settingsOf() { return &settings; }
+    SimViewModel* simOf() { return &sim; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;
