@@ -44,15 +44,18 @@ ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
     view.session.setOnSignOutAndClose(
         [&kit, window] { kit.later([&windows = kit.windows, window] { windows.signOut(window); }); });
     view.session.setOnPractice(kit.switchPractice);
+    view.sim.setReset({[this] { return model.config->simBalance; }, [this, &kit] { resetAccount(kit); }});
     setSettingsActions(kit);
 }
+
+void ShellWindow::Views::resetAccount(const WindowKit& kit) { kit.sim.resetAccount(model.config->simBalance); }
 
 void ShellWindow::Views::setSettingsActions(const WindowKit& kit) {
     PaneHost& panes = kit.windows.panes();
     view.settings.setActions(
         {.applyToAll = [this, &panes] { applyToAllPanes(panes, model); },
          .reset = [this] { resetSettings(model); },
-         .resetAccount = [this, &kit] { kit.sim.resetAccount(model.config->simBalance); },
+         .resetAccount = [this, &kit] { resetAccount(kit); },
          .exportTo = [this, &kit](const std::string& file) { return kit.settings.exportTo(file, model).value_or(""); },
          .importFrom = [this,
                         &kit](const std::string& file) { return kit.settings.importFrom(file, model).value_or(""); }});
@@ -257,6 +260,7 @@ void ShellWindow::forget(const AppModel& pane) {
     view_.setDual(nullptr);
     second_->binding.reset();
     second_->view.settings.setActions({});  // their model goes before the views
+    second_->view.sim.setReset({});
     second_.release()->deleteLater();
 }
 

@@ -78,6 +78,7 @@ class ShellWindow {
     struct Views : QObject {
         Views(AppModel& model, const WindowKit& kit, int window);
         void setSettingsActions(const WindowKit& kit);
+        void resetAccount(const WindowKit& kit);
         AppModel& model;
         SimTrading trading;
         PaneViewModel view;

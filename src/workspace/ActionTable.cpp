@@ -209,7 +209,7 @@ void addPanels(std::vector<Action>& out) {
                              return ActionAnswer{true, onOff(at.pane->surface.gex3DActive())};
                          },
                          [](At at) { return at.pane->surface.gex3DActive(); }}));
-    out.push_back(until([](At) { return std::string("the simulator's panel is not part of this build"); },
+    out.push_back(until([](At at) { return std::string(at.pane->config->simEnabled ? "" : "the simulator is off"); },
                         opens("simPanel", "Simulator panel", "", &PanelsOpen::simPanelOpen)));
     Action close{"close", "Close what is open", "Escape", P::pane, Group::panels, closeFirst};
     close.fixed = true;

@@ -57,6 +57,8 @@ PaneBinding::~PaneBinding() {
     view_.pressure.setActions({});
     view_.pressure.setSource({});
     view_.surface.show(nullptr);
+    view_.sim.bind(nullptr);
+    view_.simList.bind(nullptr);
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -78,6 +80,7 @@ void PaneBinding::bindPanels() {
         model_.panels.accountPanelOpen = state.accountPanelOpen;
         model_.panels.templatesPanelOpen = state.templatesPanelOpen;
         model_.panels.configPanelOpen = state.configPanelOpen;
+        model_.panels.simPanelOpen = state.simPanelOpen;
     });
     view_.templates.setActions({
         [this](const QString& key) { model_.templates.load(key.toStdString()); },
@@ -86,6 +89,8 @@ void PaneBinding::bindPanels() {
     });
     view_.settings.edit(&editor_);
     view_.surface.show(&model_);
+    view_.sim.bind(model_.desk.get(), &model_.clock(), &main_);
+    view_.simList.bind(model_.desk.get(), &main_);
     // before the panel shows itself
     QObject::connect(&view_.panels, &PanelsViewModel::changed, &view_.settings,
                      [view = &view_] { view->settings.setOpen(view->panels.configPanelOpen()); });
@@ -191,7 +196,7 @@ void PaneBinding::watch() {
     watch(clockConcern, model_.session.isSignedIn, model_.config, model_.channels, model_.bars.timeframe);
     watch(chartConcern, model_.bars.displayCandles, model_.notices.accountProblem);
     watch(panelsConcern, model_.panels.accountPanelOpen, model_.panels.configPanelOpen,
-          model_.panels.templatesPanelOpen);
+          model_.panels.templatesPanelOpen, model_.panels.simPanelOpen);
     watch(templatesConcern, model_.templates.list, model_.templates.busy, model_.templates.loading,
           model_.templates.status, model_.templates.failed, model_.channels, model_.config);
     watch(settingsConcern, model_.config, model_.channels);
@@ -221,7 +226,8 @@ void PaneBinding::flush() {
     if (concerns & panelsConcern)
         view_.panels.set({.accountPanelOpen = model_.panels.accountPanelOpen,
                           .configPanelOpen = model_.panels.configPanelOpen,
-                          .templatesPanelOpen = model_.panels.templatesPanelOpen});
+                          .templatesPanelOpen = model_.panels.templatesPanelOpen,
+                          .simPanelOpen = model_.panels.simPanelOpen});
     if (concerns & templatesConcern) view_.templates.set(templatesState());
     if (concerns & settingsConcern) {
         view_.settings.refresh();
@@ -252,6 +258,7 @@ void PaneBinding::closePanels() {
     view_.panels.setTemplatesPanelOpen(false);
     view_.panels.setConfigPanelOpen(false);
     model_.setGex3DActive(false);
+    view_.panels.setSimPanelOpen(false);
 }
 
 TemplatesViewModel::State PaneBinding::templatesState() const {

@@ -23,6 +23,8 @@
 #include "ui/pane/ToolbarViewModel.h"
 #include "ui/panels/pressure/HfPressureViewModel.h"
 #include "ui/panels/settings/SettingsViewModel.h"
+#include "ui/panels/sim/SimListViewModel.h"
+#include "ui/panels/sim/SimViewModel.h"
 #include "ui/widgets/PanelFrames.h"
 
 namespace vmr {
@@ -49,6 +51,8 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
     Q_PROPERTY(vmr::HfPressureViewModel* pressure READ pressureOf CONSTANT)
     Q_PROPERTY(vmr::Gex3DViewModel* surface READ surfaceOf CONSTANT)
+    Q_PROPERTY(vmr::SimViewModel* sim READ simOf CONSTANT)
+    Q_PROPERTY(vmr::SimListViewModel* simList READ simListOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -80,6 +84,8 @@ class PaneViewModel : public QObject {
     SettingsViewModel settings;
     HfPressureViewModel pressure;
     Gex3DViewModel surface;
+    SimViewModel sim;
+    SimListViewModel simList;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -105,6 +111,8 @@ class PaneViewModel : public QObject {
     SettingsViewModel* settingsOf() { return &settings; }
     HfPressureViewModel* pressureOf() { return &pressure; }
     Gex3DViewModel* surfaceOf() { return &surface; }
+    SimViewModel* simOf() { return &sim; }
+    SimListViewModel* simListOf() { return &simList; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;

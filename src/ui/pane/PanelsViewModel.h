@@ -16,12 +16,14 @@ class PanelsViewModel : public QObject {
     Q_PROPERTY(bool accountPanelOpen READ accountPanelOpen WRITE setAccountPanelOpen NOTIFY changed)
     Q_PROPERTY(bool templatesPanelOpen READ templatesPanelOpen WRITE setTemplatesPanelOpen NOTIFY changed)
     Q_PROPERTY(bool configPanelOpen READ configPanelOpen WRITE setConfigPanelOpen NOTIFY changed)
+    Q_PROPERTY(bool simPanelOpen READ simPanelOpen WRITE setSimPanelOpen NOTIFY changed)
 
  public:
     struct State {
         bool accountPanelOpen = false;
         bool configPanelOpen = false;
         bool templatesPanelOpen = false;
+        bool simPanelOpen = false;
         bool operator==(const State&) const = default;
     };
     /// Hears of what the person opens and closes.
@@ -41,6 +43,8 @@ class PanelsViewModel : public QObject {
     void setTemplatesPanelOpen(bool open) { setOpen(&State::templatesPanelOpen, open); }
     bool configPanelOpen() const { return state_.configPanelOpen; }
     void setConfigPanelOpen(bool open) { setOpen(&State::configPanelOpen, open); }
+    bool simPanelOpen() const { return state_.simPanelOpen; }
+    void setSimPanelOpen(bool open) { setOpen(&State::simPanelOpen, open); }
 
  signals:
     void changed();

@@ -70,7 +70,7 @@ Rectangle {
         return id === "dual" ? view.dual !== null : id === "sync" ? view.sync : choices.on[id] === true;
     }
     function barred(id) {
-        return actions && (id === "gex3D" || id === "simPanel") ? actions.obstacle(id, inSecondPlace) : "";
+        return actions && id === "gex3D" ? actions.obstacle(id, inSecondPlace) : "";
     }
     function textOf(id) {
         if (id === "dual")

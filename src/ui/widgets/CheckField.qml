@@ -5,7 +5,7 @@ import QtQuick.Templates as T
 T.CheckBox {
     id: control
 
-    implicitWidth: indicator.width + spacing + contentItem.implicitWidth
+    implicitWidth: contentItem.implicitWidth  // which keeps the box's room
     implicitHeight: 24
     spacing: 10
     hoverEnabled: true

@@ -12,6 +12,7 @@ FocusScope {
     property bool open: false
     property size defaultSize: Qt.size(320, 240)
     property size minSize: Qt.size(200, 120)
+    property real mostWidth: Infinity
     property point defaultPos: Qt.point(24, 24)
     property bool autoFit: false  // as high as its content
     property real bgOpacity: 0.97
@@ -33,7 +34,7 @@ FocusScope {
     function resizeTo(w, h) {
         const size = frames.clampedSize(Qt.size(w, h), minSize, Qt.size(area.width - x + 8, area.height - y + 8),
                                         measuredContentH);
-        wanted = Qt.rect(x, y, size.width, size.height);
+        wanted = Qt.rect(x, y, Math.min(size.width, mostWidth), size.height);
     }
     function persistFrame() {
         frames.keep(panelId, Qt.rect(x, y, wanted.width, wanted.height));
@@ -49,7 +50,7 @@ FocusScope {
 
     visible: open
     // one after the other: the content's height follows from the width
-    width: frames.clampedSize(Qt.size(wanted.width, wanted.height), minSize, area, 0).width
+    width: Math.min(mostWidth, frames.clampedSize(Qt.size(wanted.width, wanted.height), minSize, area, 0).width)
     height: frames.clampedSize(Qt.size(wanted.width, wanted.height), minSize, area, measuredContentH).height
     x: Math.round(frames.clampedPos(Qt.point(wanted.x, wanted.y), Qt.size(width, height), area).x)
     y: Math.round(frames.clampedPos(Qt.point(wanted.x, wanted.y), Qt.size(width, height), area).y)

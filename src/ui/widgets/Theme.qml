@@ -20,6 +20,8 @@ QtObject {
     readonly property color warning: "#ffc208"
     readonly property color gold: "#f2c14e"
     readonly property color error: "#ff7a76"
+    readonly property color gain: "#26a69a"
+    readonly property color loss: "#ef5350"
 
     // the line of values over the chart: labels, and values by their tone (`HudTone`)
     readonly property color hud555: "#555555"

@@ -37,6 +37,11 @@ void TweenValue::step(qreal seconds) {
     show();
 }
 
+void TweenValue::jump() {
+    tween_.jump();
+    show();
+}
+
 void TweenValue::show() {
     const qreal before = std::exchange(value_, tween_.displayed(now_));
     const bool glided = std::exchange(gliding_, !tween_.arrived(now_));

@@ -51,6 +51,8 @@ class TweenValue : public QObject {
     bool gliding() const { return gliding_; }
 
     Q_INVOKABLE void step(qreal seconds);
+    /// Shows the target at once.
+    Q_INVOKABLE void jump();
 
  signals:
     void targetChanged();

@@ -1,0 +1,179 @@
+// The rows of lists, and what the simulator's panel makes anew and when.
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModelTester>
+#include <QGuiApplication>
+#include <numeric>
+#include <random>
+
+#include "base/Preferences.h"
+#include "tests/sim/SimScript.h"
+#include "ui/panels/sim/SimViewModel.h"
+#include "workspace/EquityArt.h"
+
+namespace vmr::test {
+namespace {
+
+/// Follows a model by its notices alone, as a view does.
+struct Follower {
+    explicit Follower(RowsModel& from) : model(from), strict(&from, QAbstractItemModelTester::FailureReportingMode::Fatal) {
+        using M = QAbstractItemModel;
+        const auto read = [this](int at) { return model.rows()[static_cast<std::size_t>(at)]; };
+        QObject::connect(&model, &M::rowsInserted, [this, read](const QModelIndex&, int first, int last) {
+            for (int i = first; i <= last; ++i, ++notices) rows.insert(rows.begin() + i, read(i));
+        });
+        QObject::connect(&model, &M::rowsRemoved, [this](const QModelIndex&, int first, int last) {
+            rows.erase(rows.begin() + first, rows.begin() + last + 1);
+            ++notices;
+        });
+        QObject::connect(&model, &M::rowsMoved, [this](const QModelIndex&, int old, int, const QModelIndex&, int to) {
+            std::rotate(rows.begin() + to, rows.begin() + old, rows.begin() + old + 1);
+            ++notices;
+        });
+        QObject::connect(&model, &M::dataChanged, [this, read](const QModelIndex& first, const QModelIndex& last) {
+            for (int i = first.row(); i <= last.row(); ++i, ++notices) rows[static_cast<std::size_t>(i)] = read(i);
+        });
+        QObject::connect(&model, &M::modelReset, [this] { notices += 1000; });
+    }
+    RowsModel& model;
+    QAbstractItemModelTester strict;
+    RowsModel::Rows rows;
+    int notices = 0;
+};
+
+TEST(RowsModel, AViewThatFollowsTheNoticesShowsTheRows) {
+    RowsModel model;
+    Follower view(model);
+    std::mt19937 random(7);
+    for (int round = 0; round < 300; ++round) {
+        std::vector<int> keys(12);
+        std::iota(keys.begin(), keys.end(), 0);
+        std::shuffle(keys.begin(), keys.end(), random);
+        RowsModel::Rows rows;
+        for (std::size_t i = 0; i < random() % 12; ++i)
+            rows.push_back({{"key", QString::number(keys[i])}, {"value", static_cast<int>(random() % 2)}});
+        model.setRows(rows);
+        ASSERT_EQ(model.rows(), rows);
+        ASSERT_EQ(view.rows, rows) << "round " << round;
+        view.notices = 0;
+        model.setRows(rows);
+        ASSERT_EQ(view.notices, 0) << "the same rows again";
+    }
+}
+
+class SimPanel : public testing::Test {
+ protected:
+    SimPanel() {
+        view.bind(&desk, &time, &main);
+        const auto counts = [this](auto notice) { QObject::connect(&view, notice, [this] { ++others; }); };
+        counts(&SimViewModel::ticketChanged);
+        counts(&SimViewModel::cardsChanged);
+        counts(&SimViewModel::performanceChanged);
+        QObject::connect(&view, &SimViewModel::accountChanged, [this] { ++account; });
+        QObject::connect(&view, &SimViewModel::startedOver, [this] { ++startedOver; });
+        script.run("open 1 NQM6; quote 100 100.25; trade 100");
+    }
+    /// What has been told since the last call: rows of positions, of the other lists, and all else.
+    struct News {
+        int positions = 0, rows = 0, account = 0, others = 0;
+        bool operator==(const News&) const = default;
+    };
+    News news() {
+        News out{std::exchange(positions.notices, 0), 0, std::exchange(account, 0), std::exchange(others, 0)};
+        for (Follower& one : lists) out.rows += std::exchange(one.notices, 0);
+        return out;
+    }
+
+    TestTime time;
+    TestQueue main{time};
+    SessionTime session;
+    SimEngine engine{{.clock = time, .session = session, .ids = UuidSource(1), .localDay = [](double at) {
+                          return static_cast<std::int64_t>(at / 86400);
+                      }}};
+    SimScript script{time, engine};
+    MemoryPreferences preferences;
+    PaneWork work{main};
+    std::string root = "NQ";
+    SimDesk desk{engine, preferences, work, [this]() -> const std::string& { return root; }};
+    SimViewModel view;
+    Follower positions{view.positions};
+    Follower lists[5]{Follower(view.orders), Follower(view.metrics), Follower(view.days), Follower(view.history),
+                      Follower(view.fills)};
+    int others = 0, account = 0, startedOver = 0;
+};
+
+TEST_F(SimPanel, OnlyWhatChangedIsMadeAnewAndNothingWhileItIsHidden) {
+    view.press(true, 0);
+    script.run("trade 100.5");
+    time.advance(5);
+    EXPECT_EQ(news(), News()) << "hidden";
+
+    view.setShown(true);
+    EXPECT_EQ(view.positions.rows().at(0)["pnl"], "+5.00");
+    EXPECT_EQ(view.orders.count(), 2);
+    EXPECT_EQ(view.metrics.count(), 12);
+    news();
+    time.advance(3);
+    EXPECT_EQ(news(), News()) << "prices stand";
+
+    for (int i = 0; i < 50; ++i) engine.onTrade("NQ", 101 + 0.25 * i);
+    EXPECT_EQ(news(), News()) << "prices tell nobody";
+    time.advance(1);
+    EXPECT_EQ(news(), (News{.positions = 1, .account = 1}));
+    EXPECT_EQ(view.equity(), engine.balance() + engine.totalUnrealized());
+
+    desk.setTicket({.qty = 2, .limitText = "99"});
+    view.press(true, 1);
+    time.runUntilIdle();
+    EXPECT_EQ(view.orders.count(), 3);
+    EXPECT_EQ(news().rows, 1) << "the new order alone";
+
+    view.flatten("NQ");
+    time.runUntilIdle();
+    EXPECT_EQ(view.positions.count(), 0);
+    EXPECT_EQ(view.history.count(), 1);
+    EXPECT_EQ(startedOver, 1) << "when it was shown";
+    engine.resetAccount(1000);
+    time.runUntilIdle();
+    EXPECT_EQ(startedOver, 2);
+    EXPECT_EQ(view.balance(), 1000);
+    EXPECT_EQ(view.history.count() + view.fills.count() + view.orders.count(), 0);
+
+    view.setShown(false);
+    news();
+    view.press(true, 0);
+    time.advance(5);
+    EXPECT_EQ(news(), News()) << "hidden again";
+    view.bind(nullptr);
+    view.press(true, 0);
+    EXPECT_EQ(view.title(), "");
+}
+
+TEST(EquityArt, TheCurveAndItsDrawdownLieWhereThePlotSays) {
+    // up to 2, down to -1, up to 3: the new high is reached three quarters of the way
+    const std::vector<SimCurvePoint> curve{
+        {.result = 0}, {.result = 2}, {.result = -1, .drawdown = 3}, {.result = 3}};
+    std::vector<ArtVertex> out;
+    makeEquityArt(simCurvePlot(curve), 300, 100, {10, 20, 30}, {200, 100, 0}, out);
+    double lowest = 0, shadeLeft = 300, shadeRight = 0, shadeTop = 100, shadeBottom = 0;
+    for (const ArtVertex& one : out) {
+        EXPECT_LE(one.red, one.opacity) << "multiplied";
+        lowest = std::max(lowest, static_cast<double>(one.y));
+        if (one.red <= one.blue || one.opacity == 255) continue;
+        shadeLeft = std::min<double>(shadeLeft, one.x);
+        shadeRight = std::max<double>(shadeRight, one.x);
+        shadeTop = std::min<double>(shadeTop, one.y);
+        shadeBottom = std::max<double>(shadeBottom, one.y);
+    }
+    EXPECT_NEAR(shadeLeft, 100, 1e-4);
+    EXPECT_NEAR(shadeRight, 275, 1e-4);
+    EXPECT_NEAR(shadeTop, 25, 1e-4);
+    EXPECT_NEAR(shadeBottom, 100, 1e-4);
+    EXPECT_NEAR(lowest, 101.5, 2.5);
+    EXPECT_EQ(out.back().blue, 0) << "feathered at its edge";
+    makeEquityArt(simCurvePlot({curve[0]}), 300, 100, {}, {}, out);
+    EXPECT_TRUE(out.empty());
+}
+
+}  // namespace
+}  // namespace vmr::test
