@@ -54,7 +54,8 @@ std::optional<SimEngine::Booking> SimEngine::bookFill(const Order& order, double
 // A trade of the market, or one of its own fills: the round trip stands at `result` before fees. Whether that is
 // farther out than before.
 bool SimEngine::widen(sim::OpenTrade& open, double result) {
-    if (!open.mae || !open.mfe || (result >= *open.mae && result <= *open.mfe)) return false;
+    // a root with a broken price step must not make the account unsaveable
+    if (!open.mae || !open.mfe || !std::isfinite(result) || (result >= *open.mae && result <= *open.mfe)) return false;
     open.mae = std::min(*open.mae, result);
     open.mfe = std::max(*open.mfe, result);
     return true;

@@ -228,7 +228,7 @@ TEST(SimNotices, ComeOnceBehindAnOperation) {
         std::optional<sim::Snapshot> seen;
         const auto link = at.engine.changed.connect([&](Field field) {
             heard += "BSPOFT"[static_cast<std::size_t>(field)];
-            EXPECT_EQ(seen.value_or(at.engine.snapshot()), at.engine.snapshot()) << script;
+            EXPECT_EQ(seen.value_or(at.engine.snapshot()), at.engine.snapshot()) << heard;
             seen = at.engine.snapshot();
         });
         at.script.run(script);

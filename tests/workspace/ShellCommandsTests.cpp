@@ -115,7 +115,7 @@ TEST_F(Shell, WorksTheTicketAsThePanelDoes) {
     sim.onQuote("NQ", 24452, 24453);
     const auto file = std::filesystem::temp_directory_path() / ("velmora-fills-" + UuidSource().next().text() + ".csv");
     for (const auto& [line, answer] :
-         {std::pair("ticket buy market", "error: unknown root "),
+         {std::pair("ticket buy market", "error: the simulator supports futures only"),
           {"open futures:NQM6", "ok open futures:NQM6"},
           {"ticket", "ok qty 1; bracket on 40 80 ticks"},
           {"ticket qty 200", "ok qty 100; bracket on 40 80 ticks"},
