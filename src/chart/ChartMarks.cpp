@@ -296,6 +296,7 @@ class SampleAccount final : public ChartTrading {
     TradingLines shown;
 
     void lines(const std::string&, TradingLines& out) const override { out = shown; }
+    double unrealized(const std::string&) const override { return 0; }
     std::size_t workingCount(const std::string&) const override { return shown.orders.size(); }
     std::optional<double> last(const std::string&) const override { return middlePrice; }
     std::int64_t ticketQty() const override { return 1; }
