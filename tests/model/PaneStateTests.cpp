@@ -113,6 +113,7 @@ struct WrittenChart final : ChartPort {
                             {{"R1 2.00", {5, 6, 7, 8}, {}}},
                             {{"21.00", 9}},
                             {{"09:30", 10}, {"Jun 11", 11}},
+                            {},
                             {"NQ 1m", "Velmora"}};
     }
 };
