@@ -32,7 +32,8 @@ const std::set<std::string_view> seen{
     "hfBubbles",     "hfCallColor", "hfPutColor",    "hfTriangleOpacity", "ema1Enabled",      "ema1Period",
     "ema1Color",     "ema2Enabled", "ema2Period",    "ema2Color",         "gexEnabled",       "gexLabels",
     "gexOpacity",    "gexBubbles",  "gexPosColor",   "gexNegColor",       "gexBubbleOpacity", "dexEnabled",
-    "dexLabels",     "gexSource",   "showNyClock",   "showCountdown"};
+    "dexLabels",     "gexSource",   "showNyClock",   "showCountdown",     "oscEnabled",       "oscHeight",
+    "oscNq",         "oscEs",       "oscVix",        "oscCall",           "oscPut",           "oscNet"};
 constexpr int toolbarHeight = 44;
 
 class SettingsScript {
