@@ -228,7 +228,8 @@ void pointAtEveryField(SettingsScript& script) {
         changeByPointer(script, one, script.control(one));
         EXPECT_EQ(script.changesFrom(all), changedWith(name));
         EXPECT_EQ(script.chart() != before, seen.contains(one.name)) << name;
-        anew = name == "initialCandles" || name == "gexSource" || one.effects & SettingEffect::vixChannel;
+        anew = name == "initialCandles" || name == "gexSource" || name == "oscEnabled" || name == "oscHeight" ||
+               one.effects & SettingEffect::vixChannel;
     }
 }
 
