@@ -105,7 +105,8 @@ void fullPanFrameWithOscillator(benchmark::State& state) {
     measureSpread(state, [&] {
         scene.view.renderer().pan(++i % 200 < 100 ? 1 : -1);
         scene.frame();
-        pane.record(OscInput{{.lines = &lines}, scene.data.candles, 1, *scene.view.viewportState()->get()}, 1400, 200, 2);
+        pane.record(OscInput{{.lines = &lines}, scene.data.candles, 1, *scene.view.viewportState()->get()}, 1400, 200,
+                    2);
         gpu.swapFrame(shown);
     });
     state.counters["bytes"] = static_cast<double>(shown.stream.size());

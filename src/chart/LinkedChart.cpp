@@ -60,8 +60,8 @@ void ChartView::pointerAt(const std::optional<ChartPoint>& point, double width, 
     if (over) {
         const Viewport view = renderer_.camera().viewport();
         const double place = view.first + point->x / width * view.count;
-        const double price = timeAlone ? std::numeric_limits<double>::quiet_NaN()
-                                       : AxisScale::priceAtY(view, point->y, height);
+        const double price =
+            timeAlone ? std::numeric_limits<double>::quiet_NaN() : AxisScale::priceAtY(view, point->y, height);
         pointer_ = ChartSpot{timeAtPlace(renderer_.candles(), shown_->timeframe, place), price};
     }
     source_->pointerOver(pointer_);

@@ -7,8 +7,8 @@
 namespace vmr::OscGeometry {
 
 namespace {
-constexpr double labelStep = 20, halfLabel = 9, edge = 2;  // points
-constexpr std::int64_t leastMaxGap = 1800;                 // seconds
+constexpr double labelStep = 20, edge = 2;  // points
+constexpr std::int64_t leastMaxGap = 1800;  // seconds
 
 const OscPt* newest(const OscContent& content, std::size_t series) {
     const auto points = pointsOf(content, series);

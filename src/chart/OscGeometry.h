@@ -53,7 +53,9 @@ inline constexpr std::array<OscSeries, 6> oscSeries{
 
 namespace OscGeometry {
 
-inline constexpr double limit = 150;  ///< the scale goes from -limit to limit, and never elsewhere
+inline constexpr double limit = 150;                       ///< the scale goes from -limit to limit, and never elsewhere
+inline constexpr double scaleStep = 50;                    ///< between the values that are named
+inline constexpr double halfLabel = 9, halfScaleText = 7;  ///< points, of their heights
 
 /// Points from the top of a plot of `height`.
 inline double yFor(double value, double height) { return height * (1 - (value + limit) / (2 * limit)); }

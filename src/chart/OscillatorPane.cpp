@@ -18,7 +18,7 @@ constexpr TextStyle scaleStyle{FontFace::regular, 13}, valueStyle{FontFace::semi
     legendStyle{FontFace::regular, 11};
 constexpr Rgba scaleColor{1, 1, 1, 0.53F}, noticeColor{0.42F, 0.443F, 0.47F, 1};
 constexpr Rgba legendGround{0.04F, 0.04F, 0.04F, 0.72F};
-constexpr double halfLabel = 9, legendTop = 6, legendLeft = 10, legendGap = 12, legendLine = 17;  // points
+constexpr double legendTop = 6, legendLeft = 10, legendGap = 12, legendLine = 17;  // points
 
 }  // namespace
 
@@ -105,11 +105,10 @@ void OscillatorPane::paintTexts(const OscContent& content, double width, double 
 
 // A number that a label would cut is left out. None has the grid go through it.
 void OscillatorPane::paintScale(const Labels& labels, double width, double height) {
-    constexpr double step = 50, halfText = 7;
-    for (double value = -limit; value <= limit; value += step) {
+    for (double value = -limit; value <= limit; value += scaleStep) {
         const double y = yFor(value, height);
         const bool meets = std::ranges::any_of(
-            labels.span(), [&](const Label& label) { return std::abs(label.y - y) < halfLabel + halfText; });
+            labels.span(), [&](const Label& label) { return std::abs(label.y - y) < halfLabel + halfScaleText; });
         if (y < 8 || y > height - 4 || meets) continue;
         const AxisScale::Label text = valueText(value);
         const double left = width - 6 - painter_.textWidth(text.text(), scaleStyle);

@@ -30,8 +30,8 @@ struct OscFacts {
     std::string notice;
 };
 
-/// The same canvas in every frame: grid, series, scale, labels of the newest values, legend. It keeps nothing of what it
-/// draws but memory, and allocates nothing once that has grown. Main thread.
+/// The same canvas in every frame: grid, series, scale, labels of the newest values, legend. It keeps nothing of what
+/// it draws but memory, and allocates nothing once that has grown. Main thread.
 class OscillatorPane {
  public:
     /// Both must outlive it.

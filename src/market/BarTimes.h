@@ -10,7 +10,7 @@ namespace vmr {
 
 /// A moment and a price on a chart, as another chart of the same instrument can show them.
 struct ChartSpot {
-    double time = 0;  ///< seconds since 1970
+    double time = 0;   ///< seconds since 1970
     double price = 0;  ///< NaN for none
     bool operator==(const ChartSpot&) const = default;
 };

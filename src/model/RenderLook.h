@@ -24,6 +24,8 @@ struct RenderLook {
     OscShown osc{};
     bool operator==(const RenderLook&) const = default;
 };
-inline RenderLook renderLook(const GexConfig& config) { return {renderConfig(config), overlayStyle(config), oscShown(config)}; }
+inline RenderLook renderLook(const GexConfig& config) {
+    return {renderConfig(config), overlayStyle(config), oscShown(config)};
+}
 
 }  // namespace vmr

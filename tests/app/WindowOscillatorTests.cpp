@@ -74,7 +74,8 @@ TEST_F(WindowOscillator, ItGivesWayInALowPaneAndGoesWithItsSwitch) {
     EXPECT_TRUE(becomes(0));
     program_->ask("set oscEnabled true");
     EXPECT_TRUE(becomes(200));
-    for (const auto& [height, expected] : {std::pair(480, 200.0), {420, 150.0}, {364, 94.0}, {363, 0.0}, {800, 200.0}}) {
+    for (const auto& [height, expected] :
+         {std::pair(480, 200.0), {420, 150.0}, {364, 94.0}, {363, 0.0}, {800, 200.0}}) {
         act(" windowsize --sync $W 900 " + std::to_string(height));
         EXPECT_TRUE(becomes(expected)) << height << ": " << shown(state_);
     }

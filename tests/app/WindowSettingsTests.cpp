@@ -32,7 +32,8 @@ const std::set<std::string_view> seen{
     "hfBubbles",     "hfCallColor", "hfPutColor",    "hfTriangleOpacity", "ema1Enabled",      "ema1Period",
     "ema1Color",     "ema2Enabled", "ema2Period",    "ema2Color",         "gexEnabled",       "gexLabels",
     "gexOpacity",    "gexBubbles",  "gexPosColor",   "gexNegColor",       "gexBubbleOpacity", "dexEnabled",
-    "dexLabels",     "gexSource",   "showNyClock",   "showCountdown"};
+    "dexLabels",     "gexSource",   "showNyClock",   "showCountdown",     "oscEnabled",       "oscHeight",
+    "oscNq",         "oscEs",       "oscVix",        "oscCall",           "oscPut",           "oscNet"};
 constexpr int toolbarHeight = 44;
 
 class SettingsScript {
@@ -227,7 +228,8 @@ void pointAtEveryField(SettingsScript& script) {
         changeByPointer(script, one, script.control(one));
         EXPECT_EQ(script.changesFrom(all), changedWith(name));
         EXPECT_EQ(script.chart() != before, seen.contains(one.name)) << name;
-        anew = name == "initialCandles" || name == "gexSource" || one.effects & SettingEffect::vixChannel;
+        anew = name == "initialCandles" || name == "gexSource" || name == "oscEnabled" || name == "oscHeight" ||
+               one.effects & SettingEffect::vixChannel;
     }
 }
 

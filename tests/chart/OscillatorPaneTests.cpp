@@ -55,7 +55,11 @@ TEST_F(OscillatorTest, OneValueABarAtTheBarsOwnPlace) {
         std::vector<OscPt> points;
         OscFacts::Line expected;
     } cases[] = {
-        {"the last of five", 5, barsWithout(3, 5), {at(0, 1), at(1, 2), at(2, 3), at(4, 5), at(5, 6)}, {{0, 5}, {1, 6}}},
+        {"the last of five",
+         5,
+         barsWithout(3, 5),
+         {at(0, 1), at(1, 2), at(2, 3), at(4, 5), at(5, 6)},
+         {{0, 5}, {1, 6}}},
         {"a bar's last second", 5, barsWithout(3, 5), {{start + 299, 1}, {start + 300, 2}}, {{0, 1}, {1, 2}}},
         {"a hole", 1, barsWithout(5, 1, {2}), {at(1, 1), at(2, 9), at(3, 3)}, {{1, 1}, {2, 3}}},
         {"before and after", 1, barsWithout(3, 1), {at(-1, 9), at(0, 1), at(2, 3), at(3, 9)}, {{0, 1}, {2, 3}}},

@@ -113,6 +113,7 @@ class ChartItem : public FrameItem {
     void makeView();
     void watchView();
     void watchOscillatorPointer();
+    void showOscillatorPointer(const std::optional<ChartPoint>& point);
     void setLiveRefresh(bool on);
     void leavePane();
     void readPane();

@@ -75,9 +75,16 @@ void ChartItem::frameBegins() {
     const bool moved = point && own.mousePoint() != point, movedBelow = below && own.oscHoverPoint() != below;
     if (!moved && !movedBelow) return;
     if (moved) own.setMousePoint(point);
-    if (movedBelow) own.setOscHoverPoint(below, drawing_->view->below.height);
+    if (movedBelow) showOscillatorPointer(below);
     updateCrosshair();
     updateHud();
+}
+
+void ChartItem::showOscillatorPointer(const std::optional<ChartPoint>& point) {
+    const auto input = drawing_->view->oscillator();
+    const double height = drawing_->view->below.height;
+    drawing_->crosshair.setOscHoverPoint(point, height,
+                                         input ? OscGeometry::labels(input->content, height) : OscGeometry::Labels{});
 }
 
 // At the same pace as over the chart.
@@ -87,7 +94,7 @@ void ChartItem::watchOscillatorPointer() {
         drawing_->oscPointerComes = point;
         if (point) return joinNextFrame();
         if (!drawing_->crosshair.oscHoverPoint()) return;
-        drawing_->crosshair.setOscHoverPoint(std::nullopt, 0);
+        showOscillatorPointer(std::nullopt);
         updateCrosshair();
         updateHud();
     };

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "chart/AxisScale.h"
-#include "chart/OscGeometry.h"
 
 namespace vmr {
 
@@ -20,9 +19,18 @@ void copyTo(QList<qreal>& list, const std::vector<AxisLayer::Extent>& labels) {
 }
 }  // namespace
 
-void CrosshairState::setOscHoverPoint(std::optional<ChartPoint> point, double height) {
+void CrosshairState::setOscHoverPoint(std::optional<ChartPoint> point, double height,
+                                      const OscGeometry::Labels& labels) {
     oscHoverPoint_ = point && height > 0 && point->y >= 0 && point->y <= height ? point : std::nullopt;
-    if (oscHoverPoint_) oscillatorText_ = text(OscGeometry::valueText(OscGeometry::valueAt(point->y, height)));
+    if (!oscHoverPoint_) return;
+    oscillatorText_ = text(OscGeometry::valueText(OscGeometry::valueAt(point->y, height)));
+    oscillatorLabels_.clear();
+    for (const auto& label : labels.span())
+        oscillatorLabels_ << label.y - OscGeometry::halfLabel << label.y + OscGeometry::halfLabel;
+    for (double value = -OscGeometry::limit; value <= OscGeometry::limit; value += OscGeometry::scaleStep) {
+        const double y = OscGeometry::yFor(value, height);
+        oscillatorLabels_ << y - OscGeometry::halfScaleText << y + OscGeometry::halfScaleText;
+    }
 }
 
 void CrosshairState::update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,

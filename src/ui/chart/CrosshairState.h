@@ -10,6 +10,7 @@
 
 #include "chart/AxisLayer.h"
 #include "chart/ChartInput.h"
+#include "chart/OscGeometry.h"
 #include "gpu/PlotArea.h"
 #include "market/Records.h"
 #include "market/SessionTime.h"
@@ -28,6 +29,7 @@ class CrosshairState : public QObject {
     Q_PROPERTY(bool belowChart READ belowChart NOTIFY changed)
     Q_PROPERTY(qreal oscillatorY READ oscillatorY NOTIFY changed)
     Q_PROPERTY(QString oscillatorText READ oscillatorText NOTIFY changed)
+    Q_PROPERTY(QList<qreal> oscillatorLabels READ oscillatorLabels NOTIFY changed)
     Q_PROPERTY(QString priceText READ priceText NOTIFY changed)
     Q_PROPERTY(QString timeText READ timeText NOTIFY changed)
     Q_PROPERTY(QList<qreal> priceLabels READ priceLabels NOTIFY changed)
@@ -43,9 +45,9 @@ class CrosshairState : public QObject {
     std::optional<ChartPoint> mousePoint() const { return mousePoint_; }
     void setMousePoint(std::optional<ChartPoint> point) { mousePoint_ = point; }
 
-    /// The same over the oscillator, whose height in points is given, and from whose top left the point counts.
+    /// The same over the oscillator, whose height in points and labels are given, and from whose top left it counts.
     std::optional<ChartPoint> oscHoverPoint() const { return oscHoverPoint_; }
-    void setOscHoverPoint(std::optional<ChartPoint> point, double height);
+    void setOscHoverPoint(std::optional<ChartPoint> point, double height, const OscGeometry::Labels& labels);
 
     /// Works out the tags anew: after the pointer, the camera or the bars have moved. `width` and `height` in points.
     void update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,
@@ -58,6 +60,7 @@ class CrosshairState : public QObject {
     bool belowChart() const { return !mousePoint_ && oscHoverPoint_; }
     qreal oscillatorY() const { return oscHoverPoint_ ? oscHoverPoint_->y : -1; }
     QString oscillatorText() const { return oscillatorText_; }
+    const QList<qreal>& oscillatorLabels() const { return oscillatorLabels_; }  ///< as `priceLabels`
     QString priceText() const { return priceText_; }
     QString timeText() const { return timeText_; }  ///< of the bar under the pointer; empty beyond the bars
     // Of the axes' labels where each begins and ends, one after the other: the tags cover whole ones only. The last
@@ -80,6 +83,7 @@ class CrosshairState : public QObject {
 
     std::optional<ChartPoint> mousePoint_, oscHoverPoint_;
     QString oscillatorText_;
+    QList<qreal> oscillatorLabels_;
     bool shown_ = false;
     QString priceText_, timeText_;
     QList<qreal> priceLabels_, timeLabels_;

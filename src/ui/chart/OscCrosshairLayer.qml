@@ -29,11 +29,24 @@ Item {
         height: 1
         color: view.lineColor
     }
-    Rectangle {  // hides what the tag lies over
+    Rectangle {  // hides every label that the tag touches, whole
+        readonly property point span: {
+            const labels = view.cross.oscillatorLabels, from = tag.y, to = tag.y + tag.height;
+            let begin = from, end = to;
+            for (let i = 0; i < labels.length; i += 2) {
+                if (labels[i] < to && labels[i + 1] > from) {
+                    begin = Math.min(begin, labels[i]);
+                    end = Math.max(end, labels[i + 1]);
+                }
+            }
+            return Qt.point(Math.floor(begin), Math.ceil(end));
+        }
+        objectName: view.name + "Ground"
         visible: tag.visible
-        anchors.fill: tag
-        anchors.leftMargin: -2
-        anchors.rightMargin: -1
+        x: view.width - width
+        y: span.x
+        width: view.cross.priceAxisWidth
+        height: span.y - span.x
         color: Theme.background
     }
     Rectangle {
