@@ -130,7 +130,7 @@ void ShellWindow::watchWindow() {
             return QMetaEnum::fromType<decltype(value)>().valueToKey(static_cast<int>(value));
         };
         if (menu_.sheet() == ShellViewModel::Sheet::none) return {};
-        return menu_.sheet() == ShellViewModel::Sheet::keys ? name(menu_.keyTab()) : name(menu_.sheet());
+        return menu_.sheet() == ShellViewModel::Sheet::chartKey ? name(menu_.keyTab()) : name(menu_.sheet());
     };
     filter_ = std::make_unique<HotkeyFilter>(
         *window_,

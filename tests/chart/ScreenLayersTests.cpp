@@ -158,9 +158,116 @@ TEST_F(AxisLayerTest, TimesAreNamedAtTheStepThatFits) {
     }
 }
 
-TEST(AxisScale, PriceStepsAreOneTwoOrFiveOfAPowerOfTen) {
+// Bars, prices and their names, all at where the camera of the very frame has them.
+TEST_F(AxisLayerTest, TextsAndBarsAgreeInEveryFrameOfAFastGesture) {
+    const auto list = bars(300);
+    renderer.setCandles(list);
+    frame();
+    std::size_t named = 0;
+    for (int round = 0; round < 240 && !HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        pixelRatio = std::array{1.0, 1.5, 2.0}[static_cast<std::size_t>(round) % 3];
+        switch (round / 4 % 4) {
+            case 0:
+                renderer.pan(between(-9, 8));
+                break;
+            case 1:
+                renderer.zoom(between(0.9, 1.12));
+                break;
+            case 2:
+                renderer.panByPrice(between(-40, 40), height), renderer.zoomPrice(between(0.9, 1.1));
+                break;
+            default:
+                width = between(900, 1600), height = between(500, 1100);
+                break;
+        }
+        frame();
+        const Viewport view = renderer.camera().viewport();
+        const auto yOf = [&](double price) { return AxisScale::yFor(view, price, height); };
+        const Draw closed = candles();
+        const std::size_t first = closed.offset / sizeof(CandleVertex) / candleVertices;
+        for (const std::size_t k : {first, first + closed.count / candleVertices - 1}) {
+            const Box box = body(closed, k);
+            EXPECT_NEAR((box.left + box.right) / 2, AxisScale::xForIndex(view, static_cast<double>(k), width), 0.02);
+            const auto [low, high] = std::minmax({yOf(list[k].open), yOf(list[k].close)});
+            EXPECT_NEAR(std::min(box.top, box.bottom), low, 0.02);
+            EXPECT_NEAR(std::max(box.top, box.bottom), high, 0.02);
+        }
+        const auto drawn = texts();
+        for (const auto& [text, at] : axes.labels().priceTexts) {
+            std::string price(text.text());
+            std::erase(price, ',');
+            EXPECT_NEAR(at, yOf(std::stod(price)), 1e-6);
+            const double pixel = 1 / pixelRatio;
+            EXPECT_TRUE(std::ranges::any_of(drawn, [&](const Drawn& one) {
+                return one.left > PlotArea{width, height}.right() && one.top <= at - 2 && one.bottom >= at + 2 &&
+                       std::abs((one.top + one.bottom) / 2 - at) <= 1.5 + pixel;
+            })) << text.text();
+            ++named;
+        }
+    }
+    EXPECT_GT(named, 1000U);
+}
+
+TEST(AxisScale, PlacesAndTicks) {
+    const Viewport view{10, 50, 100, 200};
+    for (const auto& [price, y] : {std::pair(100.0, 950.0), {150, 500}, {200, 50}, {0, 1850}}) {
+        EXPECT_NEAR(AxisScale::yFor(view, price, 1000), y, 1e-9);
+        EXPECT_NEAR(AxisScale::priceAtY(view, y, 1000), price, 1e-9);
+    }
+    EXPECT_TRUE(std::isnan(AxisScale::yFor({0, 1, 5, 5}, 5, 100)) && std::isnan(AxisScale::priceAtY(view, 5, 0)));
+    for (const auto& [bar, x] : {std::pair(10.0, 0.0), {35, 250}, {60, 500}, {-10, -200}})
+        EXPECT_NEAR(AxisScale::xForIndex(view, bar, 500), x, 1e-9);
+    EXPECT_EQ(AxisScale::xForIndex({10, 0, 1, 2}, 35, 500), 0);
+
     for (const auto& [range, step] : {std::pair(14.0, 1.0), {15, 2}, {30, 5}, {69, 5}, {70, 10}})
         EXPECT_EQ(AxisScale::priceTicks({0, 1, 100, 100 + range}, 500).step, step) << range;
+    const auto prices = [](const Viewport& at, double height) {
+        const auto ticks = AxisScale::priceTicks(at, height);
+        return std::vector<double>(ticks.span().begin(), ticks.span().end());
+    };
+    EXPECT_EQ(prices({0, 1, 100, 110}, 100), (std::vector<double>{100, 105, 110})) << "two is the least to aim at";
+    EXPECT_TRUE(prices({0, 1, 100, 100}, 100).empty() && prices(view, 0).empty() && prices({0, 1, 2, 1}, 9).empty());
+    const auto most = prices({0, 1, 100, 300}, 10000);
+    EXPECT_TRUE(most.size() == 89 && most.front() == 89 && most.back() == 177) << "after 90 rounds it ends";
+}
+
+TEST(AxisScale, TimesOnHalfHours) {
+    const auto onTime = bars(200), minuteLate = bars(200, 1);
+    struct Case {
+        const char* name;
+        Viewport view;
+        double width;
+        std::span<const Candle> bars;
+        std::vector<std::size_t> ticks;
+    };
+    for (const Case& c : {Case{"each", {10.5, 100, 0, 1}, 1000, onTime, {30, 60, 90}},
+                          {"only whole ones", {10.5, 100, 0, 1}, 1000, minuteLate, {29, 59, 89}},
+                          {"the last bar in view", {20, 100, 0, 1}, 1000, onTime, {30, 60, 90, 120}},
+                          {"each fourth", {0, 125, 0, 1}, 125, onTime, {0, 120}},
+                          {"past the bars", {150, 100, 0, 1}, 1000, onTime, {150, 180}},
+                          {"beyond them", {500, 100, 0, 1}, 1000, onTime, {}},
+                          {"no view", {0, 0, 0, 1}, 1000, onTime, {}},
+                          {"no bars", {0, 100, 0, 1}, 1000, {}, {}}}) {
+        std::vector<std::size_t> ticks;
+        AxisScale::timeTickIndices(c.view, c.width, c.bars, 1, ticks);
+        EXPECT_EQ(ticks, c.ticks) << c.name;
+    }
+    for (const auto& [minutes, halfHours] : {std::pair(0.5, 1), {1, 1}, {5, 2}, {60, 16}, {240, 96}, {1440, 96}})
+        EXPECT_EQ(AxisScale::timeTickStep({0, 100, 0, 1}, 1000, minutes), halfHours * 1800) << minutes;
+}
+
+TEST(AxisScale, PricesAreGrouped) {
+    for (const auto& [price, text] : {std::pair(0.0, "0.00"),
+                                      {-0.001, "0.00"},
+                                      {999.99, "999.99"},
+                                      {999.999, "1,000.00"},
+                                      {-1234.5, "-1,234.50"},
+                                      {1234567.891, "1,234,567.89"},
+                                      {NAN, "--"},
+                                      {HUGE_VAL, "--"},
+                                      {1e15, "1.00e+15"}})
+        EXPECT_EQ(AxisScale::fmtPrice(price).text(), text);
 }
 
 TEST(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {

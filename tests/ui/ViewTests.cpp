@@ -10,6 +10,7 @@
 #include "support/pane/FakeHttpClient.h"
 #include "support/time/TestTime.h"
 #include "ui/UiWindow.h"
+#include "ui/gpu/FrameItem.h"
 #include "ui/shell/ShellViewModel.h"
 
 namespace vmr::test {
@@ -145,6 +146,33 @@ TEST(Views, TheMenuHasWhatTheProgramCanDo) {
         EXPECT_TRUE(runUntil(keyboardIsBack, 2000)) << "after " << sheet;
     }
     EXPECT_EQ(shell.messageTitle() + shell.messageText(), "Ttext");
+    ui.window->setProperty("shell", QVariant::fromValue<ShellViewModel*>(nullptr));
+}
+
+TEST(Views, TheKeyToTheChartDrawsItsSamplesOnlyWhileItIsLookedAt) {
+    UiWindow ui(QSize(720, 480), UiWindow::entered(), syntheticBars(200));
+    ShellViewModel shell;
+    ui.window->setProperty("shell", QVariant::fromValue(&shell));
+    ASSERT_TRUE(runUntil([&] { return ui.item("menuButton") != nullptr; }));
+    const auto samples = [&] { return ui.window->findChild<FrameItem*>("markSamples"); };
+    EXPECT_EQ(samples(), nullptr);
+    shell.showChartKey();
+    ASSERT_TRUE(runUntil([&] { return samples() && samples()->framesDrawn() > 0; }));
+    ASSERT_TRUE(ui.settle());
+    const auto drawn = samples()->framesDrawn();
+    EXPECT_LE(drawn, 2U) << "another one where a glyph is new";
+    runFor(300);
+    EXPECT_EQ(samples()->framesDrawn(), drawn);
+    QTest::keyClick(ui.window, Qt::Key_PageDown);
+    EXPECT_TRUE(runUntil([&] { return samples()->framesDrawn() > drawn; }));
+    QTest::keyClick(ui.window, Qt::Key_Right);
+    EXPECT_EQ(shell.keyTab(), ShellViewModel::KeyTab::keys);
+    EXPECT_TRUE(runUntil([&] { return samples() == nullptr; }));
+    QTest::keyClick(ui.window, Qt::Key_Left);
+    EXPECT_TRUE(runUntil([&] { return samples() && samples()->framesDrawn() > 0; }));
+    QTest::keyClick(ui.window, Qt::Key_Escape);
+    EXPECT_TRUE(runUntil([&] { return samples() == nullptr; }));
+    EXPECT_EQ(shell.sheet(), ShellViewModel::Sheet::none);
     ui.window->setProperty("shell", QVariant::fromValue<ShellViewModel*>(nullptr));
 }
 

@@ -49,7 +49,7 @@ Item {
         shell: sheets.shell
         pane: sheets.pane
         actions: sheets.actions
-        visible: sheets.shell.sheet === ShellViewModel.Sheet.keys
-        onClosed: sheets.leave(ShellViewModel.Sheet.keys)
+        visible: sheets.shell.sheet === ShellViewModel.Sheet.chartKey
+        onClosed: sheets.leave(ShellViewModel.Sheet.chartKey)
     }
 }

@@ -27,7 +27,7 @@ class ShellViewModel : public QObject {
 
  public:
     /// What lies over the window.
-    enum class Sheet { none, about, keys, message };
+    enum class Sheet { none, about, chartKey, message };
     Q_ENUM(Sheet)
     /// What the key to the chart shows.
     enum class KeyTab { marks, keys, gestures };
@@ -80,7 +80,7 @@ class ShellViewModel : public QObject {
     void show(Sheet sheet);
     void showKeySheet(KeyTab tab) {
         setKeyTab(tab);
-        show(Sheet::keys);
+        show(Sheet::chartKey);
     }
 
     Hooks hooks_;
