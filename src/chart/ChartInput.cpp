@@ -82,8 +82,12 @@ void ChartInput::doubleClick() {
 }
 
 void ChartInput::mouseDragged(ChartPoint at) {
+    const bool begins = !drag_.begun();
     if (!drag_.moved(at)) return;
-    if (drag_.holdsLine()) return dragLine(at);
+    if (drag_.holdsLine()) {
+        if (begins) pointer.left();  // the badge and the tag tell where the line is
+        return dragLine(at);
+    }
     beginLiveRefresh();
     const double now = clock_.monotonic();
     if (now - lastDragApply_ < pace) return;
@@ -158,7 +162,9 @@ void ChartInput::mouseUp(ChartPoint at) {
     }
     const bool moved = drag_.begun();
     drag_.release();
-    if (moved) renderer_.redraw();
+    if (!moved) return;
+    pointer.moved(at);
+    renderer_.redraw();
 }
 
 void ChartInput::letGo() {

@@ -86,7 +86,8 @@ void LineMarks::addPosition(const PositionLine& position) {
 }
 
 LineMark& LineMarks::add(LineMark::Kind kind, const Uuid& id, double price, bool good) {
-    if (count_ == marks_.size()) marks_.emplace_back();
+    constexpr std::size_t longestLabel = 64;  // so that none grows when another line is dragged
+    if (count_ == marks_.size()) marks_.emplace_back().label.reserve(longestLabel);
     LineMark& mark = marks_[count_++];
     mark.kind = kind;
     mark.id = id;

@@ -237,9 +237,11 @@ TEST_F(InputTest, ADragIsTakenBackToWhereItBegan) {
         EXPECT_FALSE(input.takeBack());
         input.mouseDown(at(400, price));
         EXPECT_TRUE(input.draggingLine() && !input.draggedLine()) << "it has not moved";
+        last = ChartPoint{};
         input.mouseDragged(at(width - 20, price + 40));  // over the axis the price counts as well
         input.mouseDragged(at(width - 20, price + 50));
         EXPECT_EQ(done().size(), 2U);
+        EXPECT_FALSE(last) << "the crosshair makes room for the line's texts";
         EXPECT_TRUE(input.takeBack());
         input.mouseDragged(at(400, price + 20));
         input.mouseUp(at(400, price + 20));

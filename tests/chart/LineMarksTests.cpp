@@ -10,6 +10,7 @@
 #include "chart/AxisLayer.h"
 #include "chart/TradingLinesLayer.h"
 #include "chart/TradingTexts.h"
+#include "tests/chart/AllocationCount.h"
 #include "tests/chart/ChartScene.h"
 #include "tests/support/PlayedTrading.h"
 
@@ -192,6 +193,19 @@ TEST_F(LineMarksTest, WhatAPressHitsIsWhatWasDrawnOnTop) {
         }
     }
     EXPECT_TRUE(closed > 1000 && badges > 3000 && dragged > 3000) << closed << " " << badges << " " << dragged;
+}
+
+TEST_F(LineMarksTest, AFrameOfTwentyOrdersAllocatesNothing) {
+    trading.shown.position = PositionLine{-2, 420, "NQH6"};
+    for (std::size_t i = 0; i < 20; ++i) {
+        trading.shown.orders.push_back({id(i), 400 + static_cast<double>(i % 7) * 8, i % 2 == 0, 12, "LMT"});
+        trading.shown.legs.push_back({id(i), "SL", 380});
+    }
+    layer.dragged = DraggedLine{id(3), {}};
+    for (int i = 0; i < 10; ++i) frame();
+    const long before = allocationCount();
+    draw();
+    EXPECT_EQ(allocationCount(), before);
 }
 
 // What the badge of a dragged line says, for each kind of line.

@@ -239,6 +239,24 @@ TEST_F(ChartItemInput, TheLineOfValuesFollowsThePointer) {
     EXPECT_FALSE(pill.isVisible());
 }
 
+TEST_F(ChartItemInput, ThePositionsResultChangesWithoutAFrame) {
+    ui.source.simRoot = "NQ";
+    ui.showBars();
+    ASSERT_TRUE(ui.settle());
+    const auto frames = chart->framesDrawn();
+    const QQuickItem& pill = *ui.item("entryPill");
+    for (const auto& [result, text, gain] : {std::tuple{132.0, "+130.00", true}, {-43.0, "-45.00", false}}) {
+        ui.account.openResult = result;
+        EXPECT_TRUE(runUntil([&] { return pill.property("text") == QLatin1String(text); })) << text;
+        EXPECT_EQ(chart->entryPill()->gain(), gain);
+    }
+    EXPECT_TRUE(pill.isVisible());
+    EXPECT_EQ(chart->framesDrawn(), frames);
+    ui.account.shown.position.reset();
+    ui.view.chart.tellAccountChanged();
+    EXPECT_TRUE(runUntil([&] { return !pill.isVisible(); }));
+}
+
 TEST_F(ChartItemInput, AMenuEndsWithItsChart) {
     ui.source.simRoot = "NQ";
     ui.showBars();
