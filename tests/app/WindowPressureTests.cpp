@@ -28,7 +28,7 @@ class PressureScript {
     /// Null while there is none.
     template <class Item = QQuickItem>
     Item* item(const std::string& name) const {
-        return window()->findChild<Item*>(QString::fromStdString(name));
+        return qobject_cast<Item*>(find(QString::fromStdString(name), window()->contentItem()));
     }
     ChartItem& chart() const { return *item<ChartItem>("chart"); }
     HfPressureItem& plots() const { return *item<HfPressureItem>("pressurePlots"); }
@@ -65,7 +65,7 @@ class PressureScript {
     }
     /// Adds the samples of `seconds` up to now, in place of those there are; the band ends with `top`.
     void sample(int seconds, double top = 604, double call = 2e7, double put = -3e7) {
-        const double now = std::floor(pane().clock().now());
+        const double now = pane().clock().now();
         pane().hfp.samples.clear();
         for (int i = seconds - 1; i >= 0; --i) {
             HfpSample one{now - i, call + 1e6 * std::sin(i / 9.0) * (call != 0), put, {}, {}};
@@ -80,6 +80,15 @@ class PressureScript {
     }
 
  private:
+    // items of a list have no other parent
+    static QQuickItem* find(const QString& name, const QQuickItem* in) {
+        for (QQuickItem* child : in->childItems()) {
+            if (child->objectName() == name) return child;
+            if (QQuickItem* deeper = find(name, child)) return deeper;
+        }
+        return nullptr;
+    }
+
     test::WindowRun& run_;
 };
 
@@ -169,7 +178,8 @@ void moveTheMoney(PressureScript& script) {
     EXPECT_NEAR(script.place("strike 603").x(), before - width, 1e-6);
     EXPECT_NEAR(script.place("strike 605").x(), before + width, 1e-6);
     EXPECT_FALSE(script.item("strike 600"));
-    EXPECT_EQ(script.state()["ladder"][2], json({{"strike", "603"}, {"call", "3M"}, {"put", "-3.0M"}, {"atm", true}}));
+    EXPECT_EQ(script.state()["ladder"][2],
+              json({{"strike", "603"}, {"call", "2.6M"}, {"put", "-3.0M"}, {"atm", true}}));
     EXPECT_TRUE(kept->property("atm").toBool());
 }
 
