@@ -145,6 +145,33 @@ TEST(HfPressure, PlotAndStripPlaceTimesEachInItsOwnWay) {
     EXPECT_GE(texts, 3);
 }
 
+TEST(HfPressure, ThePointerFindsTheNearestSample) {
+    auto samples = flow(11);
+    samples[4].t += 0.9;  // all but at the next one
+    const auto seen = all(samples);
+    const HfPressure::Scale scale = HfPressure::scale(seen);
+    constexpr double width = 256;  // 20 points a second from 6 on
+    for (const auto& [x, index] : {std::pair(-50.0, 0),
+                                   {6.0, 0},
+                                   {15.9, 0},
+                                   {16.1, 1},
+                                   {80.0, 3},
+                                   {96.0, 4},
+                                   {105.5, 5},
+                                   {206.0, 10},
+                                   {300.0, 10}})
+        EXPECT_EQ(HfPressure::nearest(seen, scale, x, width), seen[static_cast<std::size_t>(index)]) << x;
+    EXPECT_EQ(HfPressure::nearest(seen, {}, 50, width), nullptr) << "nothing is drawn";
+}
+
+TEST(HfPressure, SwitchesAreWordsOfAList) {
+    using HfPressure::Switches, HfPressure::switchesOf;
+    EXPECT_EQ(switchesOf(""), Switches());
+    EXPECT_EQ(switchesOf("nostats,noladder"), (Switches{.stats = false, .ladder = false}));
+    EXPECT_EQ(switchesOf("nocharts,,noanim"), (Switches{.anim = false})) << "whole words";
+    EXPECT_EQ(switchesOf("x noview y"), (Switches{.view = false})) << "but for this one";
+}
+
 TEST(HfPressure, LadderOfTheLastBand) {
     auto samples = flow(3);
     samples[0].atm = {{490, 900, 0}};  // a strike that left the band still sets the scale

@@ -1,10 +1,15 @@
 // A pane's data beside its steps: what the clock adds, what is prepared elsewhere, held back, coalesced or sampled, and
 // how those see a chart opened who listen to the pane.
 #include <fmt/format.h>
+#include <malloc.h>
 
 #include <array>
+#include <cmath>
+#include <nlohmann/json.hpp>
 #include <set>
 
+#include "chart/HfPressure.h"
+#include "relay/DerivedBench.h"
 #include "support/pane/TestPane.h"
 
 namespace vmr::test {
@@ -134,6 +139,54 @@ TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSe
     pane.signOut();
     time.advance(5);
     EXPECT_TRUE(pane.hfp.samples.empty());
+}
+
+// The practice market's own rows, at 60 times the speed: 40 minutes, which fill the history, and as many again.
+TEST(PanePressure, HistoryKeepsItsSizeOnAFastMarket) {
+    TestPane at(TestPane::wednesdayAt10, 60);
+    relay::test::DerivedBench market;
+    AppModel& pane = at.openSymbol("NQ");
+    GexConfig config = pane.config;
+    config.hfPressure = true;
+    pane.setConfig(config);
+    const auto run = [&](int minutes) {
+        for (int i = 0; i < minutes; ++i) {
+            const auto now = static_cast<std::int64_t>(at.time.now() * 1000);
+            at.event("derived:QQQ", market.snapshot("derived:QQQ", now).dump());
+            at.time.advance(1);
+        }
+        pane.log.clear();
+        return mallinfo2().uordblks;
+    };
+    const auto document = [&] { return nlohmann::json::parse(at.documentWithoutLog())["panes"][0]["hfPressure"]; };
+    EXPECT_EQ(document()["readouts"]["putShare"], "—");
+    const std::size_t held = run(40);
+    EXPECT_LE(pane.hfp.samples.size(), 1801U);
+    EXPECT_GE(pane.hfp.samples.size(), 1790U);
+    EXPECT_GE(pane.hfp.samples.front().t, at.time.now() - 1801);
+    EXPECT_LT(run(40), held + 300000) << "bytes";
+
+    pane.setPressureWindow(30);
+    pane.setPressureWindow(30);
+    EXPECT_EQ(std::count(at.printed.begin(), at.printed.end(), "[hfp] window → 30m"), 2) << "each is told";
+    const nlohmann::json told = document();
+    EXPECT_EQ(told["visible"], 601);
+    EXPECT_EQ(told["window"], 30);
+    EXPECT_EQ(told["open"], true);
+    EXPECT_EQ(told["strip"], nullptr) << "nothing shows it";
+    ASSERT_EQ(told["ladder"].size(), 5U);
+    const HfpSample& last = pane.hfp.samples.back();
+    for (std::size_t i = 0; i < 5; ++i) {
+        const nlohmann::json& box = told["ladder"][i];
+        EXPECT_EQ(box["strike"], HfPressure::strikeText(last.band[i]).text());
+        EXPECT_EQ(box["put"], HfPressure::fmt(last.atmAt(last.band[i])->put).text());
+        EXPECT_EQ(box["atm"], i == 2);
+    }
+    EXPECT_EQ(told["readouts"]["put"], HfPressure::fmt(last.put).text());
+    const double steps = told["plot"]["top"].get<double>() / told["plot"]["step"].get<double>();
+    EXPECT_NEAR(steps, std::round(steps), 1e-9);
+    EXPECT_EQ(told["plot"]["ticks"].size(), static_cast<std::size_t>(std::round(steps)) + 1);
+    EXPECT_EQ(told["plot"]["ticks"][0], "0");
 }
 
 TEST_F(PaneData, ALaterVolatilityBarOrFlipStrikeReachesTheChartByItself) {

@@ -56,6 +56,8 @@ TEST_F(Shell, AnswersEachLineOnce) {
                                        {"settings import a b.json", "error: there are no stored settings here"},
                                        {"3d maybe", "error: wrong arguments for 3d; see help"},
                                        {"3d on", "ok 3d on"},
+                                       {"pressure window 30", "ok pressure window 30"},
+                                       {"pressure window 7", "error: wrong arguments for pressure; see help"},
                                        {"do gexBubbles", "ok gexBubbles off"},
                                        {"do fullScreen", "error: there is no window"},
                                        {"do it", "error: there is no action it; see actions"},

@@ -12,7 +12,7 @@ FocusScope {
     property bool marked: false  // of two panes the one that has the keyboard
     readonly property alias toolbarHeight: toolbar.height
     readonly property bool wide: width >= 700  // enough for a column beside the chart
-    readonly property real chartWidth: width - (pane.pressure.open && wide ? 300 : 0)
+    readonly property real chartWidth: width - (pressure.active && wide ? pressure.width : 0)
     readonly property real headHeight: toolbar.height + (hud.visible ? hud.y + hud.height : 0)  // which notices lie below
 
     signal entered
@@ -84,7 +84,8 @@ FocusScope {
             hud: chart.hud
             // beside the strikes' bars and their names, while enough is left
             readonly property real plot: chart.width - chart.crosshair.priceAxisWidth - 2 * x
-            room: Math.max(plot - chart.barsWidth - 36, Math.min(plot, 220), 0)
+            readonly property real uncovered: paneView.width - (pressure.active ? pressure.width : 0) - 2 * x
+            room: Math.min(Math.max(plot - chart.barsWidth - 36, Math.min(plot, 220), 0), uncovered)
             wraps: chart.width < 900
         }
         EntryPill {

@@ -58,6 +58,7 @@ FocusScope {
 
             Label {
                 id: title
+                objectName: "pressureTitle"
                 x: 8
                 y: 8
                 height: 24
@@ -74,7 +75,7 @@ FocusScope {
                 anchors.right: closeButton.visible ? closeButton.left : parent.right
                 anchors.rightMargin: closeButton.visible ? 2 : 8
                 y: 10
-                spacing: 4
+                spacing: panel.overlay ? 2 : 4
                 Accessible.role: Accessible.Grouping
                 Accessible.name: qsTr("Length of time")
                 Repeater {

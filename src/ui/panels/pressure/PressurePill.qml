@@ -9,7 +9,7 @@ T.AbstractButton {
     required property int minutes
     property bool current: false
 
-    implicitWidth: Math.ceil(label.implicitWidth) + 12
+    implicitWidth: Math.ceil(label.implicitWidth) + 8
     implicitHeight: 20
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
