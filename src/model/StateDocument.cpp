@@ -115,8 +115,8 @@ void addOverlayTexts(json& out, const AppModel& pane) {
     out["overlay"] = {{"pills", texts(facts->pills, true)},
                       {"labels", texts(facts->labels, false)},
                       {"ticks", {{"prices", ticks(facts->prices)}, {"times", ticks(facts->times)}}},
-                      {"marked", nullptr},
-                      {"watermark", facts->watermark}};
+                      {"watermark", facts->watermark},
+                      {"marked", nullptr}};
     if (facts->marked) out["overlay"]["marked"] = {{"text", facts->marked->text}, {"at", facts->marked->at}};
 }
 

@@ -116,10 +116,10 @@ TEST_F(Gex3DViews, ThePointerFindsTheBarFromEverySide) {
     view.camera.dolly(70);
     EXPECT_EQ(over(tall), text);
     view.autoRotate = true;
-    view.advance(2);
+    view.advance(6);
     EXPECT_NEAR(view.angle(), 0.5, 1e-12);
     EXPECT_EQ(over(tall), text) << "the content has turned";
-    view.advance(2);
+    view.advance(6);
     EXPECT_NE(view.tooltip(), text) << "it turns away from a pointer at rest";
     view.area = {0, 0, 300, 700};
     EXPECT_EQ(over(tall), text) << "a view that is higher than wide";
