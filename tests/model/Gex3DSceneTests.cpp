@@ -116,7 +116,7 @@ TEST_F(Gex3DViews, ThePointerFindsTheBarFromEverySide) {
     view.camera.dolly(70);
     EXPECT_EQ(over(tall), text);
     view.autoRotate = true;
-    view.advance(6);
+    view.advance(2);
     EXPECT_NEAR(view.angle(), 0.5, 1e-12);
     EXPECT_EQ(over(tall), text) << "the content has turned";
     view.advance(6);

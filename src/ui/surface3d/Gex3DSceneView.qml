@@ -56,6 +56,10 @@ FocusScope {
             brightness: 1.15
             ambientColor: Qt.rgba(0.45, 0.45, 0.45, 1)
         }
+        DirectionalLight {  // the main one strikes both sides that face the first view alike
+            eulerRotation: Qt.vector3d(0, 80, 0)
+            brightness: 0.3
+        }
         Node {
             eulerRotation.y: scene.surface.angle
 
