@@ -19,7 +19,8 @@ constexpr double secondsPerYear = 365.0 * 86400;
 constexpr double shortestLife = 1200;  // seconds; shorter lives would let gamma grow without limit at the close
 constexpr double leastHalf = 32, mostHalf = 110, wantedStrikes = 120;
 constexpr std::array niceSteps{0.05, 0.1, 0.25, 0.5, 1.0, 2.5, 5.0, 10.0, 25.0, 50.0, 100.0, 250.0, 500.0, 1000.0};
-constexpr double weeklyBoost = 3.0;
+constexpr double weeklyBoost = 3.0, monthlyBoost = 1.6;
+constexpr double frontBoost = 1.5;  // what is about to expire is traded the most
 
 std::string isoDate(std::int64_t date) {
     const std::chrono::year_month_day day{std::chrono::sys_days{std::chrono::days{date}}};
@@ -159,7 +160,9 @@ OptionChain::Listing OptionChain::listing(std::size_t strike, std::int64_t date,
     // Open interest belongs to the contract (`random`) and shifts a little from day to day (`today`).
     const std::uint64_t contract = streamKey(seed_, source_.name, date * 1000003 + whole(at * 100));
     RandomStream random(contract), today(mixedBits(contract ^ static_cast<std::uint64_t>(session_.date)));
-    double size = 900 * roundness(at, step) * (isWeekly(date) ? weeklyBoost : 1.0) * (isMonthly(date) ? 2.5 : 1);
+    double size =
+        900 * roundness(at, step) * (isWeekly(date) ? weeklyBoost : 1.0) * (isMonthly(date) ? monthlyBoost : 1);
+    size *= 1 + frontBoost / (1 + ahead);
     size *= std::exp(0.6 * random.quickNormal() + 0.08 * today.quickNormal()) / (1 + 0.03 * ahead);
     const double wide = 0.45 * source_.reach;
     const auto bell = [&](double centre) { return std::exp(-0.5 * std::pow((away - centre) / wide, 2)); };

@@ -30,10 +30,10 @@ struct ChartContent {
     std::span<const Candle> candles;  ///< strictly ascending by time; the last one is forming
     std::span<const PriceLevel> levels;
     std::span<const StrikeRow> strikes;
-    double etfRatio = 1;               ///< strike to chart price
-    std::optional<double> flipStrike;  ///< where gamma flips, in strike units
+    double etfRatio = 1;                   ///< strike to chart price
+    std::optional<double> flipStrike;      ///< where gamma flips, in strike units
     std::optional<double> markedStrike{};  ///< that a line marks, in strike units
-    HudMetrics totals{};               ///< over all strikes; all 0 when they are not known
+    HudMetrics totals{};                   ///< over all strikes; all 0 when they are not known
     std::span<const StrikeRow> secStrikes;
     double secRatio = 1;
     std::span<const BubblePt> bubbles;  ///< ascending by minute

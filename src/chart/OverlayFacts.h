@@ -25,8 +25,8 @@ struct OverlayFacts {
     std::vector<Text> labels;            ///< of lines, levels and walls; the more important first
     std::vector<Text> strikes;           ///< beside the strike bars; the more important first
     std::vector<Tick> prices, times;     ///< on the axes
-    std::optional<Tick> marked;          ///< the line of a marked strike, where it is in view
     std::vector<std::string> watermark;  ///< its lines; none where it has no room
+    std::optional<Tick> marked{};        ///< the line of a marked strike, where it is in view
 };
 
 }  // namespace vmr

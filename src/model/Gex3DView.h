@@ -55,7 +55,7 @@ class Gex3DView {
     std::optional<std::string> tooltip() const;
     /// The camera, the content or the scene moved: something else may be under the pointer.
     void look();
-    /// Where the middle of a bar is in the area.
+    /// Where a bar is in the area, near its top.
     std::optional<std::array<double, 2>> placeOf(const Gex3DBar& bar) const;
 
  private:

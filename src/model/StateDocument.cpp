@@ -118,8 +118,8 @@ void addOverlayTexts(json& out, const AppModel& pane) {
                       {"labels", texts(facts->labels, false)},
                       {"strikes", texts(facts->strikes, false)},
                       {"ticks", {{"prices", ticks(facts->prices)}, {"times", ticks(facts->times)}}},
-                      {"marked", nullptr},
-                      {"watermark", facts->watermark}};
+                      {"watermark", facts->watermark},
+                      {"marked", nullptr}};
     if (facts->marked) out["overlay"]["marked"] = {{"text", facts->marked->text}, {"at", facts->marked->at}};
 }
 

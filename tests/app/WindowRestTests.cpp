@@ -69,7 +69,17 @@ TEST(WindowRest, AClosedMarketDrawsNothing) {
     });
     window.step(passed(0.5), [&] { EXPECT_GT(drawn(), frames + 1) << "the waves ease to their new shape"; });
     window.step(settled, mark);
-    window.step(passed(3), [&] { nothingDrawn("after the easing"); });
+    window.step(passed(3), [&] {
+        nothingDrawn("after the easing");
+        window.pane().setGex3DActive(true);
+        mark();
+    });
+    window.step(passed(0.5), [&] {
+        EXPECT_GT(swapped, swaps) << "the 3D view opens";
+        EXPECT_FALSE(window.pane().surface.view->loading());
+    });
+    window.step(settled, mark);
+    window.step(passed(3), [&] { nothingDrawn("with the 3D view open"); });
     EXPECT_EQ(window.run(90,
                          [&] {
                              shown = qobject_cast<QQuickWindow*>(QGuiApplication::topLevelWindows().value(0));

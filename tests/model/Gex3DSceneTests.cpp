@@ -119,7 +119,7 @@ TEST_F(Gex3DViews, ThePointerFindsTheBarFromEverySide) {
     view.advance(2);
     EXPECT_NEAR(view.angle(), 0.5, 1e-12);
     EXPECT_EQ(over(tall), text) << "the content has turned";
-    view.advance(2);
+    view.advance(6);
     EXPECT_NE(view.tooltip(), text) << "it turns away from a pointer at rest";
     view.area = {0, 0, 300, 700};
     EXPECT_EQ(over(tall), text) << "a view that is higher than wide";

@@ -130,8 +130,15 @@ TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSe
     EXPECT_EQ(spotAfter(2.9, R"({"spot":590})"), 600);
     EXPECT_EQ(spotAfter(0.1, R"({"spot":595})"), 595);
     EXPECT_EQ(pane.hfp.samples.size(), 3u);
+    pane.surface.markedStrike = 598;
+    EXPECT_EQ(pane.chartContent().markedStrike, 598);
     set("30d", false);
     EXPECT_EQ(pane.channels->subscribedChans[6], "indices:I:VIX");
+    EXPECT_EQ(pane.surface.markedStrike.get(), std::nullopt) << "it was another chart's";
+    pane.surface.markedStrike = 600;
+    pane.setGex3DActive(false);
+    EXPECT_EQ(pane.chartContent().markedStrike, std::nullopt) << "it goes with the view";
+    pane.setGex3DActive(true);
     EXPECT_EQ(pane.surface.gex3D.get()->spot, 600) << "another chart does not wait for the pace";
     time.advance(5);
     EXPECT_TRUE(pane.hfp.samples.empty());

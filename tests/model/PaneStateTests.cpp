@@ -113,8 +113,8 @@ struct WrittenChart final : ChartPort {
                             {{"R1 2.00", {5, 6, 7, 8}, {}}},
                             {{"21.00", 9}},
                             {{"09:30", 10}, {"Jun 11", 11}},
-                            {},
-                            {"NQ 1m", "Velmora"}};
+                            {"NQ 1m", "Velmora"},
+                            {{"Strike 600", 12}}};
     }
 };
 
@@ -139,7 +139,7 @@ TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
             .starts_with(
                 R"({"pills":[{"text":"HF 7","box":[1.0,2.0,3.0,4.0],"color":[0.0,0.5,1.0,0.25]}],)"
                 R"("labels":[{"text":"R1 2.00","box":[5.0,6.0,7.0,8.0]}],"ticks":{"prices":[{"text":"21.00","at":9.0}],)"
-                R"("times":[{"text":"09:30","at":10.0},{"text":"Jun 11","at":11.0}]},"watermark":["NQ 1m","Velmora"],)"))
+                R"("times":[{"text":"09:30","at":10.0},{"text":"Jun 11","at":11.0}]},"watermark":["NQ 1m","Velmora"],"marked":{"text":"Strike 600","at":12.0},)"))
         << pane["overlay"].text();
     EXPECT_EQ(pane["trading"]["pill"].text(), R"({"text":"-10.00","gain":false,"box":[1.0,2.0,3.0,18.0]})");
     EXPECT_EQ(pane["trading"]["drag"].text(), R"("SL 9.00")");

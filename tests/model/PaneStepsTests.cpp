@@ -28,6 +28,7 @@ std::set<std::string> split(const std::string& text, char mark) {
 std::string brief(std::string_view key, JsonView value) {
     if (key == "oscLines") return std::to_string(value["nq"].size()) + " minutes";
     if (key == "gex3D") return value.isObject() ? "surface" : "none";
+    if (key == "gex3DView") return value.isObject() ? "open" : "closed";
     if (key == "hud") return value["callOI"].text() + " " + value["putGex"].text() + " " + value["hf"].text();
     if (value.isString()) return std::string(value.string());
     if (!value.isArray()) return value.text();

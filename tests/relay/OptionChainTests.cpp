@@ -128,6 +128,49 @@ TEST(OptionChain, TheFlowHasBurstsOfCallsAndOfPutsApart) {
     }
 }
 
+// Gamma over the strikes within a share of the spot.
+double gammaWithin(const OptionChain& chain, const ChainState& state, std::size_t expiration, double share) {
+    const StrikeTable& table = state.byExpiration[expiration];
+    double sum = 0;
+    for (std::size_t i = 0; i < table.rows.size(); ++i)
+        if (std::abs(chain.strikes()[table.first + i] / state.spot - 1) <= share)
+            sum += static_cast<double>(table.rows[i].callGex + table.rows[i].putGex);
+    return sum;
+}
+
+TEST(OptionChain, GammaGathersInFrontAndNearTheMoneyFollowsTheSpotAndDecays) {
+    DerivedBench bench;
+    for (const char* name : {"QQQ", "SPX", "SPY"}) {
+        const OptionSource& source = *findOptionSource(name);
+        const MarketSession& session = *bench.market.session(source.instrument(), morning / 1000, morning);
+        const OptionChain& chain = bench.chains.chain(source, session);
+        const std::size_t last = chain.expirations().size() - 1;
+        const auto at = [&](double share, const char* time) {
+            ChainState state;
+            chain.state(session.open * share, msOf(std::string("2026-06-10T") + time), {}, state);
+            return state;
+        };
+        const ChainState now = at(1, "10:00"), up = at(1.01, "10:00"), late = at(1, "15:30");
+        const auto nearShare = [&](const ChainState& state, std::size_t expiration) {
+            return gammaWithin(chain, state, expiration, 0.005) / gammaWithin(chain, state, expiration, 0.02);
+        };
+        EXPECT_GT(nearShare(now, 0), 0.5) << name;
+        EXPECT_GT(nearShare(now, 0), 1.5 * nearShare(now, last)) << name;
+        EXPECT_GT(nearShare(up, 0), 0.5) << name << ": around the other spot";
+        EXPECT_GT(nearShare(late, 0), nearShare(now, 0)) << name << ": what is off the money decays";
+        EXPECT_LT(gammaWithin(chain, late, 0, 0.02) - gammaWithin(chain, late, 0, 0.01),
+                  0.1 * (gammaWithin(chain, now, 0, 0.02) - gammaWithin(chain, now, 0, 0.01)))
+            << name;
+        double front = 0, all = 0;
+        for (std::size_t e = 0; e <= last; ++e) {
+            const double sum = gammaWithin(chain, now, e, 0.02);
+            all += sum;
+            if (e < 3) front += sum;
+        }
+        EXPECT_GT(front, 0.4 * all) << name;
+    }
+}
+
 // In its last 20 minutes an option's gamma changes no more.
 TEST(OptionChain, ExpirationsEndAtFourAlsoAcrossAClockChange) {
     DerivedBench bench;

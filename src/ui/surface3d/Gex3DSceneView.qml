@@ -10,7 +10,8 @@ FocusScope {
     required property Gex3DViewModel surface
 
     Accessible.role: Accessible.Graphic
-    Accessible.name: qsTr("Net gamma by strike and expiration. Arrow keys turn it, plus and minus move the camera, Home is the first view")
+    Accessible.name: qsTr("Net gamma by strike and expiration")
+    Accessible.description: qsTr("Arrow keys turn it, plus and minus move the camera, Home is the first view")
     activeFocusOnTab: true
 
     Keys.onPressed: event => {
@@ -56,6 +57,10 @@ FocusScope {
             brightness: 1.15
             ambientColor: Qt.rgba(0.45, 0.45, 0.45, 1)
         }
+        DirectionalLight {  // the main one strikes both sides that face the first view alike
+            eulerRotation: Qt.vector3d(0, 80, 0)
+            brightness: 0.3
+        }
         Node {
             eulerRotation.y: scene.surface.angle
 
@@ -99,7 +104,8 @@ FocusScope {
                 Node {
                     id: billboard
                     required property int index
-                    readonly property var label: scene.surface.labels[index] || { text: "", place: Qt.vector3d(0, 0, 0), white: 0, outside: false }
+                    readonly property var label: scene.surface.labels[index] || none
+                    readonly property var none: ({ text: "", place: Qt.vector3d(0, 0, 0), white: 0, outside: false })
                     readonly property int sharpness: 8  // pixels of text for a unit
                     position: label.place
                     rotation: scene.surface.labelRotation
@@ -155,6 +161,7 @@ FocusScope {
             drags = false;
         }
         onCanceled: drags = false
+        onEntered: if (!pressed) scene.surface.hover(mouseX, mouseY)
         onExited: scene.surface.leave()
         onWheel: wheel => {
             const precise = Qt.platform.pluginName !== "xcb" && wheel.pixelDelta.y !== 0;
