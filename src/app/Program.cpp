@@ -19,6 +19,16 @@ Preferences& withUsableSession(Preferences& preferences, const ProgramStart& sta
     if (start.practice()) FirebaseRESTAuth::forgetStored(preferences);
     return preferences;
 }
+// Practice is there to trade on. Only its first start says so: whoever turns the simulator off keeps it off.
+void beginPractice(Preferences& preferences) {
+    constexpr const char* begunKey = "vmr.practice.begun";
+    if (preferences.get(begunKey)) return;
+    preferences.set(begunKey, "1");
+    if (preferences.get(ConfigIO::configKey)) return;
+    GexConfig config;
+    config.simEnabled = true;
+    ConfigIO::save(preferences, config);
+}
 }  // namespace
 
 Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
@@ -35,6 +45,7 @@ Program::Program(ProgramStart& start, MainLoop& main, const Log& log)
     settings_.setHotkeys([](const HotkeyTexts& keys) { return HotkeyRouter::problemOf(hotkeysText(keys)); },
                          [this] { keys_.load(); });
     auth_.setupProblem = start.setupProblem();
+    if (start.practice()) beginPractice(preferences_);
     openAccount();
     openPanes();
     for (const std::string& line : std::exchange(accountNotices_, {})) tellOfAccount(line);

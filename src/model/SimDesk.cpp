@@ -105,6 +105,7 @@ void SimDesk::setTicket(sim::SimTicket changedTicket) {
 }
 
 void SimDesk::resetTicket() {
+    setPerfToday(false);
     const bool same = ticket_ == sim::SimTicket() && !question_ && !notice_ && pressedWithout_ == std::array<bool, 2>();
     ticket_ = {};
     pressedWithout_ = {};

@@ -55,7 +55,7 @@ class SimDesk {
     const sim::SimTicket& ticket() const { return ticket_; }
     /// Values are brought into range. Edited fields lose their mark, and a question is taken back.
     void setTicket(sim::SimTicket changed);
-    /// As when the panel opens: the ticket lives no longer than that.
+    /// As when the panel opens: the ticket and "Today" live no longer than that.
     void resetTicket();
     struct PriceField {
         std::string read;    ///< the price as it would be sent, "5,000.25"; empty without one

@@ -1,4 +1,6 @@
 // The simulator in the state document.
+#include "model/SimDesk.h"
+#include "model/SimPanelFacts.h"
 #include "model/StateRecords.h"
 
 namespace vmr::stateRecords {
@@ -50,7 +52,9 @@ json record(const sim::Trade& trade) {
             {"fees", number(trade.fees)},
             {"openedAt", number(trade.openedAt)},
             {"closedAt", number(trade.closedAt)},
-            {"exitTag", trade.exitTag}};
+            {"exitTag", trade.exitTag},
+            {"mae", number(trade.mae)},
+            {"mfe", number(trade.mfe)}};
 }
 
 json record(const sim::OpenTrade& open) {
@@ -62,7 +66,9 @@ json record(const sim::OpenTrade& open) {
             {"fees", number(open.fees)},
             {"exitQty", open.exitQty},
             {"exitNotional", number(open.exitNotional)},
-            {"contract", text(open.contract)}};
+            {"contract", text(open.contract)},
+            {"mae", number(open.mae)},
+            {"mfe", number(open.mfe)}};
 }
 
 json record(const sim::Stats& stats) {
@@ -125,6 +131,67 @@ json record(const SimEngine& engine) {
             {"dayPnL", number(engine.dayPnL())},     {"stats", record(SimEngine::stats(engine.trades()))},
             {"keepsAccount", engine.keepsAccount()}, {"problem", text(engine.problem())},
             {"lastError", text(engine.lastError())}, {"lastSave", number(engine.lastSave())}};
+}
+
+namespace {
+json panelRows(const SimDesk& desk) {
+    const SimEngine& engine = desk.engine();
+    json out = {
+        {"positions", json::array()}, {"orders", json::array()}, {"history", json::array()}, {"fills", json::array()}};
+    for (const SimPositionRow& row : simPositionRows(engine, desk.ticket()))
+        out["positions"].push_back({{"text", row.size + " " + row.name + " " + row.average},
+                                    {"pnl", simPnl(engine, row.root).text},
+                                    {"addSl", text(row.addSl)},
+                                    {"addTp", text(row.addTp)}});
+    for (const SimOrderRow& row : simOrderRows(engine))
+        out["orders"].push_back(row.side + " " + row.qty + " " + row.root + " " + row.type + " " + row.price);
+    for (const SimHistoryRow& row : simHistoryRows(engine))
+        out["history"].push_back(row.time + " " + row.root + " " + row.side + " " + row.qty + " " + row.prices + " " +
+                                 row.result);
+    for (const SimFillRow& row : simFillRows(engine))
+        out["fills"].push_back(row.time + " " + row.side + " " + row.qty + " " + row.root + " " + row.price +
+                               (row.tag.empty() ? "" : " " + row.tag));
+    return out;
+}
+
+json ticketRecord(const SimDesk& desk) {
+    const sim::SimTicket& ticket = desk.ticket();
+    const auto field = [&](sim::OrderType type) {
+        const auto shown = desk.field(type);
+        return json{{"text", *ticket.fieldOf(type)}, {"read", shown.read}, {"wrong", shown.wrong}};
+    };
+    return {{"qty", ticket.qty},
+            {"limit", field(sim::OrderType::limit)},
+            {"stop", field(sim::OrderType::stop)},
+            {"bracketOn", ticket.bracketOn},
+            {"slTicks", ticket.slTicks},
+            {"tpTicks", ticket.tpTicks},
+            {"useTicks", ticket.useTicks}};
+}
+}  // namespace
+
+json record(const SimDesk& desk) {
+    const SimEngine& engine = desk.engine();
+    const SimPerformance performance = simPerformance(engine, desk.perfToday());
+    json metrics = json::object(), days = json::object();
+    for (const SimMetric& metric : performance.metrics) metrics[metric.caption] = metric.value;
+    for (const SimDay& day : performance.days) days[day.name] = day.text;
+    return {
+        {"title", desk.title()},
+        {"empty", desk.emptyText()},
+        {"marketClosed", desk.marketClosed()},
+        {"warning", desk.warning()},
+        {"readOnly", text(desk.readOnly())},
+        {"ticket", ticketRecord(desk)},
+        {"question", desk.question() ? json(desk.question()->text) : json(nullptr)},
+        {"notice", text(desk.notice())},
+        {"headings",
+         {simPositionsHeading(engine), simOrdersHeading(engine), "PERFORMANCE", simHistoryHeading(engine), "FILLS"}},
+        {"rows", panelRows(desk)},
+        {"perfToday", desk.perfToday()},
+        {"metrics", std::move(metrics)},
+        {"exits", performance.exits},
+        {"days", std::move(days)}};
 }
 
 }  // namespace vmr::stateRecords

@@ -1,5 +1,7 @@
 #include "model/StateDocument.h"
 
+#include "model/SimDesk.h"
+
 #include "chart/HudText.h"
 #include "model/ClockTexts.h"
 #include "model/StateRecords.h"
@@ -200,6 +202,7 @@ json paneDocument(const AppModel& pane) {
     addPanels(out, pane);
     addTemplates(out, pane);
     if (pane.panels.settings) addSettingsPanel(out, *pane.panels.settings);
+    if (pane.desk) out["simPanel"] = record(*pane.desk);
     addChart(out, pane);
     addCatalog(out, pane);
     out["candles"] = bars(pane.bars.candles);

@@ -37,8 +37,9 @@ struct StateSources {
 /// {"clock": seconds, "panes": [...], "sim": {...}, "announcement": ..., "maintenance": ..., "update": ..., "windows":
 /// [...], "hotkeys": {...}}: every pane's fields under their own names. Bars are arrays [time, open, high, low, close,
 /// volume], other records objects; a missing optional or a non-finite number is null; doubles round-trip. Dates of the
-/// simulator are seconds since 2001. `overlay` is what is written on a pane's chart, null without one: boxes are
-/// [x, y, width, height] in points from the chart's top left, colours [r, g, b, a] of 0 to 1.
+/// simulator are seconds since 2001; a pane's `simPanel` has the texts of its panel, shown or not. `overlay` is what is
+/// written on a pane's chart, null without one: boxes are [x, y, width, height] in points from the chart's top left,
+/// colours [r, g, b, a] of 0 to 1.
 std::string stateDocument(const StateSources& sources);
 
 }  // namespace vmr

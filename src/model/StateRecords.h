@@ -12,6 +12,10 @@
 #include "model/HfpSample.h"
 #include "sim/SimEngine.h"
 
+namespace vmr {
+class SimDesk;
+}
+
 namespace vmr::stateRecords {
 
 using json = nlohmann::ordered_json;
@@ -41,6 +45,7 @@ json record(const OvCandle& candle);
 json record(const HfpSample& sample);
 json record(const Gex3DData& surface);
 json record(const SimEngine& engine);
+json record(const SimDesk& desk);
 
 template <class Record>
 json list(const std::vector<Record>& records) {

@@ -66,6 +66,8 @@ void eachField(Of<Trade> auto& r, Field&& field) {
     field("openedAt", r.openedAt);
     field("closedAt", r.closedAt);
     field("exitTag", r.exitTag);
+    field("mae", r.mae);
+    field("mfe", r.mfe);
 }
 template <class Field>
 void eachField(Of<OpenTrade> auto& r, Field&& field) {
@@ -78,6 +80,8 @@ void eachField(Of<OpenTrade> auto& r, Field&& field) {
     field("exitQty", r.exitQty);
     field("exitNotional", r.exitNotional);
     field("contract", r.contract);
+    field("mae", r.mae);
+    field("mfe", r.mfe);
 }
 template <class Field>
 void eachField(Of<Snapshot> auto& r, Field&& field) {

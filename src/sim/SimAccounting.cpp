@@ -51,6 +51,28 @@ std::optional<SimEngine::Booking> SimEngine::bookFill(const Order& order, double
     return booking;
 }
 
+// A trade of the market, or one of its own fills: the round trip stands at `result` before fees. Whether that is
+// farther out than before.
+bool SimEngine::widen(sim::OpenTrade& open, double result) {
+    // a root with a broken price step must not make the account unsaveable
+    if (!open.mae || !open.mfe || !std::isfinite(result) || (result >= *open.mae && result <= *open.mfe)) return false;
+    open.mae = std::min(*open.mae, result);
+    open.mfe = std::max(*open.mfe, result);
+    return true;
+}
+
+// What was realized of the round trip, and what is open of it.
+void SimEngine::follow(std::string_view sym, double price) {
+    const auto open = account_.openTrades.find(sym);
+    if (open == account_.openTrades.end()) return;
+    const auto position = account_.positions.find(sym);
+    const Spec* spec = specs_.find(sym);
+    if (position == account_.positions.end() || !spec) return;
+    const double points = (price - position->second.avg) * static_cast<double>(position->second.qty);
+    if (widen(open->second, position->second.realized - open->second.realizedStart + moneyPerPoint(*spec) * points))
+        persistLater();
+}
+
 // The whole fee of a reversing order goes to the trade that it ends.
 void SimEngine::rollUp(const Order& order, double price, const Booking& booking) {
     const Position& after = booking.after;
@@ -62,7 +84,9 @@ void SimEngine::rollUp(const Order& order, double price, const Booking& booking)
                          .openedAt = *order.filledAt,
                          .realizedStart = after.realized,
                          .fees = fees,
-                         .contract = contract.empty() ? std::nullopt : std::optional(std::string(contract))};
+                         .contract = contract.empty() ? std::nullopt : std::optional(std::string(contract)),
+                         .mae = 0,
+                         .mfe = 0};
     };
     if (booking.before == 0) {
         account_.openTrades[order.sym] = opened(after.avg, booking.fee);
@@ -75,11 +99,12 @@ void SimEngine::rollUp(const Order& order, double price, const Booking& booking)
     if (booking.closed == 0) {
         open.maxQty = std::max(sizeOf(after.qty), open.maxQty);
         open.entryAvg = after.avg;
-        return;
+        return follow(order.sym, price);
     }
     open.exitQty = cappedSum(open.exitQty, booking.closed);
     open.exitNotional += price * static_cast<double>(booking.closed);
-    if (after.qty != 0 && sameSign(after.qty, booking.before)) return;
+    if (after.qty != 0 && sameSign(after.qty, booking.before)) return follow(order.sym, price);
+    widen(open, after.realized - open.realizedStart);
     closeTrade(order, price, open, after.realized);
     if (after.qty == 0)
         account_.openTrades.erase(found);
@@ -98,7 +123,9 @@ void SimEngine::closeTrade(const Order& order, double price, const OpenTrade& op
                 .fees = open.fees,
                 .openedAt = open.openedAt,
                 .closedAt = *order.filledAt,
-                .exitTag = order.tag};
+                .exitTag = order.tag,
+                .mae = open.mae,
+                .mfe = open.mfe};
     addFront(account_.trades, std::move(trade), maxTrades);
     note(Field::trades);
 }

@@ -37,7 +37,10 @@ sim::Date SimEngine::now() const { return sim::dateFrom1970(setup_.clock.now());
 
 void SimEngine::onTrade(std::string_view sym, double price, double at) {
     const sim::SimPrices::Market* market = prices_.trade(sym, price, at);
-    if (market && !account_.orders.empty()) match(sym, *market);
+    if (!market) return;
+    if (!account_.orders.empty()) match(sym, *market);
+    // behind the fills: what it ended did not stand at this price any more
+    if (!account_.openTrades.empty()) follow(sym, price);
 }
 
 void SimEngine::onQuote(std::string_view sym, double bid, double ask, double at) {

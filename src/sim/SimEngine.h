@@ -191,6 +191,7 @@ class SimEngine {
 
  private:
     static constexpr double saveDelay = 1.0;
+    static constexpr double excursionDelay = 10.0;  // for what only the market has changed
     static constexpr double retryDelay = 5.0;
     static constexpr double lookPeriod = 1.0;  // real seconds between two looks at another process's lock
     struct Booking {
@@ -221,6 +222,8 @@ class SimEngine {
     std::optional<Booking> bookFill(const Order& order, double price, const Spec& spec);
     void rollUp(const Order& order, double price, const Booking& booking);
     void closeTrade(const Order& order, double price, const OpenTrade& open, double realized);
+    static bool widen(sim::OpenTrade& open, double result);
+    void follow(std::string_view sym, double price);
     void addFill(const Order& order, double price, double fee);
     void reconcileBrackets(std::string_view sym, std::int64_t newQty);
     void buildLegs(const Order& filled, double price, std::int64_t qty, double tick);
@@ -238,6 +241,7 @@ class SimEngine {
     void accountReplaced();
     void noteError(const std::string& line);
     void persist();
+    void persistLater();
     void save();
     void saved(std::uint64_t revision, const std::optional<std::string>& problem);
     void log(const std::string& line) const;
@@ -245,6 +249,7 @@ class SimEngine {
     /// How the account is kept.
     struct Keeping {
         bool pending = false;        // a save is due
+        bool later = false;          // one is to be due
         std::uint64_t revision = 0;  // counts changes
         std::uint64_t savedRevision = 0;
         std::optional<std::string> failure;  // of the last save, until one succeeds

@@ -108,6 +108,9 @@ struct Trade {
     Date openedAt = 0;
     Date closedAt = 0;
     std::string exitTag;  ///< of the order that ended it
+    /// The lowest and the highest result before fees that it stood at, by its own fills and the trades seen meanwhile:
+    /// at most 0 and `pnl`, at least 0 and `pnl`. Unknown for a trade that began before they were kept.
+    std::optional<double> mae{}, mfe{};
     bool operator==(const Trade&) const = default;
 };
 
@@ -122,6 +125,7 @@ struct OpenTrade {
     std::int64_t exitQty = 0;
     double exitNotional = 0;                ///< price times quantity of the closing fills
     std::optional<std::string> contract{};  ///< in which it was opened, where that is known
+    std::optional<double> mae{}, mfe{};     ///< as in `Trade`, so far
     bool operator==(const OpenTrade&) const = default;
 };
 

@@ -72,6 +72,18 @@ void SimEngine::persist() {
     });
 }
 
+// How far a trade has run matters less than a save a second, for as long as it runs.
+void SimEngine::persistLater() {
+    ++keeping_.revision;
+    if (!keepsAccount() || keeping_.pending || keeping_.later) return;
+    keeping_.later = true;
+    setup_.main->after(excursionDelay, [this, alive = std::weak_ptr(alive_)] {
+        if (alive.expired()) return;
+        keeping_.later = false;
+        if (keeping_.revision > keeping_.savedRevision && !keeping_.pending) save();
+    });
+}
+
 // Copies the account on the main thread; the other queue encodes and writes the copy.
 void SimEngine::save() {
     keeping_.pending = false;

@@ -5,6 +5,7 @@
 
 #include "base/NumberText.h"
 #include "model/AppModel.h"
+#include "model/SimDesk.h"
 #include "store/ConfigIO.h"
 #include "store/HexColor.h"
 #include "workspace/PaneHost.h"
@@ -17,6 +18,8 @@ const GexConfig& defaults() {
     static const GexConfig record;
     return record;
 }
+
+bool isConfirm(const Setting& setting) { return &setting == &confirmUnusualSetting(); }
 
 bool isSymbolScale(const Setting& setting) { return setting.name == "hfScale"; }
 
@@ -81,6 +84,7 @@ SettingValue held(const Setting&, const Value& value) {
 }  // namespace
 
 SettingValue SettingsEditor::value(const Setting& setting) const {
+    if (isConfirm(setting)) return SimDesk::confirmsUnusual(model_.preferences());
     const GexConfig& config = model_.config.get();
     if (setting.kind == SettingKind::color)  // as the chart reads it
         return HexColor::hex(HexColor::rgb(config.*std::get<std::string GexConfig::*>(setting.field)));
@@ -100,8 +104,12 @@ bool SettingsEditor::available(const Setting& setting) const {
 }
 
 void SettingsEditor::set(std::string_view name, const SettingValue& wanted) {
-    const Setting* setting = findSetting(name);
+    const Setting* setting = findPanelSetting(name);
     if (!setting || !available(*setting)) return;
+    if (isConfirm(*setting)) {
+        if (const bool* on = std::get_if<bool>(&wanted)) SimDesk::setConfirmsUnusual(model_.preferences(), *on);
+        return;
+    }
     SettingValue value = wanted;
     if (double* number = std::get_if<double>(&value)) *number = offeredNumber(*setting, *number);
     GexConfig changed = model_.config;
@@ -147,6 +155,7 @@ void SettingsEditor::restoreDefaults(std::string_view id) {
     if (!row) return;
     GexConfig changed = model_.config;
     for (const Setting* one : row->parts) {
+        if (isConfirm(*one)) return SimDesk::setConfirmsUnusual(model_.preferences(), true);
         std::visit([&](auto field) { changed.*field = defaults().*field; }, one->field);
         if (isSymbolScale(*one)) changed.hfScaleBySymbol.erase(model_.currentSymbol());
     }

@@ -27,6 +27,8 @@ std::vector<SettingsRow> makeRows() {
             rows.push_back({one.name, one.label, one.section, {}});
         rows.back().parts.push_back(&one);
     }
+    const Setting& confirm = confirmUnusualSetting();
+    rows.push_back({confirm.name, confirm.label, confirm.section, {&confirm}});
     for (const auto& [id, label, section] : {std::tuple("resetAccount", "Reset Account", S::simulator),
                                              {"templatesPanelOpen", "Templates", S::tools},
                                              {"export", "Export…", S::tools},
@@ -114,6 +116,20 @@ std::vector<std::vector<S>> pack(double width) {
     return out;
 }
 
+const Setting& confirmUnusualSetting() {
+    static const Setting setting{.name = "confirmUnusualOrders",
+                                 .label = "Confirm unusual orders",
+                                 .field = static_cast<bool GexConfig::*>(nullptr),
+                                 .kind = SettingKind::boolean,
+                                 .section = S::simulator,
+                                 .control = SettingControl::toggle};
+    return setting;
+}
+
+const Setting* findPanelSetting(std::string_view name) {
+    return name == confirmUnusualSetting().name ? &confirmUnusualSetting() : findSetting(name);
+}
+
 std::span<const SettingsRow> settingsRows() {
     static const std::vector<SettingsRow> rows = makeRows();
     return rows;
@@ -128,6 +144,7 @@ const SettingsRow* findSettingsRow(std::string_view id) {
 std::string_view actionOf(const SettingsRow& row) {
     if (row.id == "templatesPanelOpen") return "templates";
     if (row.parts.empty() || row.parts.front()->kind != SettingKind::boolean) return {};
+    if (row.id == confirmUnusualSetting().name) return {};
     const bool line = row.id == "wallsEnabled" || row.id == "sessionEnabled" || row.id == "levelsEnabled";
     return line ? "lines" : row.id;
 }

@@ -26,6 +26,13 @@ struct SettingsRow {
 /// All rows, section by section.
 std::span<const SettingsRow> settingsRows();
 
+/// "Confirm unusual orders" of the simulator: a preference of its own, beside the record of the settings, which has no
+/// field for it.
+const Setting& confirmUnusualSetting();
+
+/// Of the table, or the one above; null for an unknown name.
+const Setting* findPanelSetting(std::string_view name);
+
 /// Null where there is none.
 const SettingsRow* findSettingsRow(std::string_view id);
 

@@ -10,6 +10,7 @@
 #include "workspace/PanelCommands.h"
 #include "workspace/SettingsCommands.h"
 #include "workspace/SimCommands.h"
+#include "workspace/TicketCommands.h"
 #include "workspace/WindowCommands.h"
 
 namespace vmr {
@@ -79,6 +80,7 @@ void ShellCommands::addChartCommands() {
                 "set needs KEY JSON"});
     addPanelCommands([this](Command row) { addForPane(std::move(row)); }, [this] { return pane_; },
                      whileThere_([this](const std::string& text) { tell(text); }));
+    addForPane(ticketCommand(at_.sim, [this] { return pane_; }));
     addForPane(settingsCommand(at_.settings, [this] { return pane_; }));
 }
 

@@ -8,6 +8,7 @@
 
 #include "base/NumberText.h"
 #include "sim/OrderRequest.h"
+#include "sim/SimLists.h"
 
 namespace vmr {
 
@@ -172,7 +173,25 @@ std::string listing(const SimEngine& engine) {
     if (const auto problem = engine.problem()) out += "; " + *problem;
     return out;
 }
+
+CommandAnswer exportList(const SimEngine& engine, CommandWords& words) {
+    const std::string what = words.next(), list = words.next();
+    const std::string file(words.rest());
+    if (what != "export" || (list != "trades" && list != "fills") || file.empty()) return std::nullopt;
+    const bool trades = list == "trades";
+    const std::string csv = trades ? sim::tradesCsv(engine.trades()) : sim::fillsCsv(engine.fills());
+    if (const auto problem = sim::writeCsv(file, csv)) return "error: " + *problem;
+    return "ok " + std::to_string(trades ? engine.trades().size() : engine.fills().size()) + " " + list + " to " + file;
+}
 }  // namespace
+
+std::string answerOfAccount(SimEngine& engine, const std::string& root,
+                            const std::function<std::optional<std::string>()>& operation) {
+    const sim::Snapshot before = engine.snapshot();
+    const Outcome done = fillingAt(engine, root, operation);
+    if (done.problem) return "error: " + *done.problem;
+    return "ok " + difference(before, engine.snapshot()) + done.note;
+}
 
 void addSimCommands(CommandTable& table, SimEngine& engine) {
     using Call = Answer (*)(SimEngine&, const Words&);
@@ -185,7 +204,10 @@ void addSimCommands(CommandTable& table, SimEngine& engine) {
                        return "ok " + difference(before, engine.snapshot()) + done->note;
                    }});
     };
-    table.add({"sim", "", 0, 0, [&engine](CommandWords&) -> CommandAnswer { return listing(engine); }});
+    table.add(
+        {"sim", "[export trades|fills FILE]", 0, Command::restOfLine, [&engine](CommandWords& words) -> CommandAnswer {
+             return words.empty() ? listing(engine) : exportList(engine, words);
+         }});
     add("order", "SYM buy|sell market|limit|stop|stopLimit QTY [limit=P] [stop=P] [sl=TICKS] [tp=TICKS]", 4,
         Command::restOfLine, placeOrder);
     add("cancel", "ID", 1, 1, cancelOrder);

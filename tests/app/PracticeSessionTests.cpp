@@ -11,6 +11,7 @@
 #include "base/AsioLoop.h"
 #include "base/FileReplace.h"
 #include "tests/app/SilentServer.h"
+#include "workspace/SettingsEditor.h"
 
 namespace vmr {
 namespace {
@@ -159,6 +160,20 @@ TEST(PracticeSession, LeavesTheUsersOwnProfileAlone) {
     const auto practiceFile = Paths::practice()->config / "preferences.json";
     EXPECT_TRUE(fs::exists(practiceFile));
     EXPECT_EQ(fs::status(practiceFile).permissions() & fs::perms::all, fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(PracticeSession, BeginsWithTheSimulatorOnUntilItIsTurnedOff) {
+    Home home;
+    for (const bool first : {true, false}) {
+        Session session(practiceOptions());
+        EXPECT_EQ(session.pane().config->simEnabled, first);
+        resetSettings(session.pane());
+    }
+    Options own;
+    own.headless = true;
+    ProgramStart start(own);
+    AsioLoop loop;
+    EXPECT_FALSE(Program(start, loop).panes().active()->config->simEnabled) << "outside of practice";
 }
 
 TEST(ProgramSetup, WithoutARelayTheStoredSessionWaitsUnused) {

@@ -104,7 +104,7 @@ TEST(ProgramRun, KilledWhileSettingsChangeLeavesOldOrNewOnes) {
     const std::filesystem::path file = config / "Velmora/practice/preferences.json";
     std::mt19937 random(std::random_device{}());
     const SystemClock clock;
-    double stored = 0;
+    double stored = 200;  // the default, which stands while nothing else is stored
     int changed = 0;
     for (int run = 0; run < 12; ++run) {
         RunningProgram program({"--practice", "--headless"}, {{"XDG_CONFIG_HOME", config.string()}});
@@ -121,7 +121,7 @@ TEST(ProgramRun, KilledWhileSettingsChangeLeavesOldOrNewOnes) {
         if (!bytes) continue;
         const auto object = nlohmann::json::parse(*bytes, nullptr, false);
         ASSERT_TRUE(object.is_object()) << *bytes;
-        const double found = nlohmann::json::parse(object.value("gex-config", "{}")).value("oscHeight", 0.0);
+        const double found = nlohmann::json::parse(object.value("gex-config", "{}")).value("oscHeight", 200.0);
         EXPECT_TRUE(possible.contains(found)) << found;
         changed += std::exchange(stored, found) != found;
     }

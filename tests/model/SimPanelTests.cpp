@@ -1,9 +1,12 @@
 // What the simulator's panel shows and does, without a view.
 #include <gmock/gmock.h>
 
+#include <random>
+
 #include "base/Preferences.h"
 #include "model/SimDesk.h"
 #include "model/SimPanelFacts.h"
+#include "tests/sim/PlainLedger.h"
 #include "tests/sim/SimScript.h"
 
 namespace vmr::test {
@@ -215,6 +218,110 @@ TEST(SimPanelFacts, AResetTellsWhatIsLost) {
     at.script.run("buy 1; sell 1; buy 1 sl=4 tp=4");
     EXPECT_EQ(simResetQuestion(at.engine, 50000),
               "Start again with 50,000.00? Lost for good: 1 open position, 2 working orders, 1 trade, 3 fills.");
+}
+
+/// Presses the panel's controls at random, while the market moves, closes and opens.
+class RandomHands {
+ public:
+    explicit RandomHands(std::uint64_t seed) : random_(seed) {}
+
+    void act() {
+        at_.time.setNow(pick(6) == 0 ? closedHours : openHours + counts_["actions"]++);
+        center_ += pick(41) - 20;
+        if (pick(3) != 0) at_.script.run("quote " + price(0) + " " + price(1) + "; trade " + price(pick(2)));
+        const std::int64_t held = position();
+        const std::size_t fills = at_.engine.fills().size(), orders = at_.engine.orders().size();
+        const int kind = pick(10);
+        const bool open = !at_.desk.marketClosed();
+        if (kind < 3) {
+            const Side side = pick(2) == 0 ? Side::buy : Side::sell;
+            ticket();
+            pressTwice(side, OrderType::market);
+            const std::int64_t sign = side == Side::buy ? 1 : -1, qty = at_.desk.ticket().qty;
+            EXPECT_EQ(position(), !open ? held : held * sign < 0 ? sign * qty : held + sign * qty);
+        } else if (kind < 7) {
+            const OrderType type = pick(2) == 0 ? OrderType::limit : OrderType::stop;
+            ticket();
+            at_.type(type, price(pick(400) - 200));
+            pressTwice(pick(2) == 0 ? Side::buy : Side::sell, type);
+            EXPECT_TRUE(open || (fills == at_.engine.fills().size() && orders == at_.engine.orders().size()));
+        } else if (kind == 7) {
+            EXPECT_EQ(at_.desk.protect("NQ", pick(2) == 0 ? "SL" : "TP").has_value(), held == 0);
+        } else if (kind == 8) {
+            at_.desk.flatten("NQ");
+            EXPECT_EQ(position(), open ? 0 : held);
+        } else if (orders > 0) {
+            pick(4) == 0 ? at_.desk.cancelAll()
+                         : static_cast<void>(at_.desk.cancel(at_.engine.orders()[random_() % orders].id));
+        }
+        compare();
+    }
+    Counts& counts() { return counts_; }
+
+ private:
+    static constexpr double openHours = 1781100000, closedHours = 1781366400;
+    int pick(int n) { return static_cast<int>(random_() % static_cast<std::uint64_t>(n)); }
+    std::string price(int ticks) const { return doubleText(24000 + (center_ + ticks) * 0.25); }
+    std::int64_t position() const {
+        const auto found = at_.engine.positions().find("NQ");
+        return found == at_.engine.positions().end() ? 0 : found->second.qty;
+    }
+    void ticket() {
+        sim::SimTicket ticket = at_.desk.ticket();
+        ticket.qty = 1 + pick(12);
+        ticket.bracketOn = pick(2) == 0;
+        ticket.useTicks = pick(2) == 0;
+        ticket.slTicks = pick(60);
+        ticket.tpTicks = pick(60);
+        at_.desk.setTicket(ticket);
+    }
+    void pressTwice(Side side, OrderType type) {
+        at_.desk.press(side, type);
+        if (!at_.desk.question()) return;
+        ++counts_["asked"];
+        at_.desk.press(side, type);
+    }
+    void compare() {
+        const auto& fills = at_.engine.fills();
+        for (auto fill = std::ranges::find(fills, newest_, &sim::Fill::id); fill != fills.begin();) {
+            ledger_.apply(*--fill, 20);
+            ++counts_["fills"];
+        }
+        if (!fills.empty()) newest_ = fills.front().id;
+        const auto& plain = ledger_.roots["NQ"];
+        const auto size = static_cast<std::int64_t>(plain.contracts.size());
+        EXPECT_EQ(position(), plain.side == Side::buy ? size : -size);
+        EXPECT_NEAR(at_.engine.balance(), ledger_.cash, 1e-6);
+        EXPECT_EQ(at_.engine.trades().size(), ledger_.finished.size());
+        const auto facts = simAccountFacts(at_.engine);
+        double open = 0, closed = 0;
+        for (const double cost : plain.contracts)
+            open += (plain.side == Side::buy ? 1 : -1) * 20 * (at_.engine.last("NQ").value_or(cost) - cost);
+        EXPECT_NEAR(facts.equity, ledger_.cash + open, 1e-5);
+        for (const sim::Trade& trade : ledger_.finished) closed += trade.pnl - trade.fees;
+        const auto curve = simPerformance(at_.engine, false).curve;
+        EXPECT_NEAR(curve.empty() ? 0 : curve.back().result, closed, 1e-5);
+        for (const SimPositionRow& row : simPositionRows(at_.engine, at_.desk.ticket()))
+            EXPECT_EQ(row.size, (plain.side == Side::buy ? "LONG " : "SHORT ") + std::to_string(size));
+    }
+
+    std::mt19937_64 random_;
+    Panel at_{"open 1 NQM6; quote 24000 24000.25; trade 24000"};
+    Counts counts_;
+    PlainLedger ledger_{counts_};
+    Uuid newest_;
+    int center_ = 0;
+};
+
+TEST(SimDesk, RandomHandsAndAPlainLedgerAgree) {
+    Counts all;
+    for (std::uint64_t seed = 1; seed <= 20 && !HasFailure(); ++seed) {
+        SCOPED_TRACE(seed);
+        RandomHands hands(seed);
+        for (int i = 0; i < 200 && !HasFailure(); ++i) hands.act();
+        for (const auto& [name, count] : hands.counts()) all[name] += count;
+    }
+    for (const char* name : {"asked", "fills", "reversals", "partial closes"}) EXPECT_GE(all[name], 50u) << name;
 }
 
 }  // namespace

@@ -5,13 +5,12 @@
 #include <cstdlib>
 #include <iostream>
 #include <map>
-#include <numeric>
 #include <random>
 #include <tuple>
-#include <utility>
 
 #include "sim/SimEngine.h"
 #include "support/time/TestTime.h"
+#include "tests/sim/PlainLedger.h"
 
 namespace vmr::test {
 namespace {
@@ -19,64 +18,6 @@ namespace {
 using sim::Order;
 using sim::OrderType;
 using sim::Side;
-
-/// How often each thing was seen, by its name.
-using Counts = std::map<std::string, std::size_t>;
-
-/// Follows an account through its fills alone, book-keeping the slow way: every contract is held at its price.
-class PlainLedger {
- public:
-    explicit PlainLedger(Counts& counts) : counts_(counts) {}
-
-    struct Root {
-        Side side = Side::buy;
-        std::vector<double> contracts;  // what each one cost, after averaging
-        double realized = 0;
-        sim::Trade trip;  // the round trip so far; `exit` is a sum until it ends
-        int exits = 0;    // contracts that have left it
-    };
-
-    double cash = 50000;
-    std::map<std::string, Root> roots;
-    std::vector<sim::Trade> finished;  // oldest first
-
-    /// `worth` is what a contract gains when its price rises by 1.
-    void apply(const sim::Fill& fill, double worth) {
-        Root& root = roots[fill.sym];
-        std::int64_t left = fill.qty;
-        cash -= fill.commission;
-        const bool closes = !root.contracts.empty() && root.side != fill.side;
-        // a trade that a reversal opens has no fee of its opening
-        root.trip.fees += fill.commission;
-        if (closes) {
-            for (; left > 0 && !root.contracts.empty(); --left) closeOne(root, fill.price, worth);
-            if (!root.contracts.empty()) return static_cast<void>(++counts_["partial closes"]);
-            root.trip.exit /= std::exchange(root.exits, 0);
-            root.trip.exitTag = fill.tag;
-            finished.push_back(std::exchange(root.trip, {}));
-        }
-        if (left == 0) return;
-        counts_["reversals"] += closes ? 1 : 0;
-        root.side = root.trip.side = fill.side;
-        root.contracts.insert(root.contracts.end(), static_cast<std::size_t>(left), fill.price);
-        const auto size = static_cast<std::int64_t>(root.contracts.size());
-        const double sum = std::accumulate(root.contracts.begin(), root.contracts.end(), 0.0);
-        root.trip.entry = sum / static_cast<double>(size);
-        root.contracts.assign(root.contracts.size(), root.trip.entry);
-        root.trip.qty = std::max(root.trip.qty, size);
-    }
-
- private:
-    void closeOne(Root& root, double price, double worth) {
-        const double result = (root.side == Side::buy ? 1 : -1) * (price - root.contracts.back()) * worth;
-        root.contracts.pop_back();
-        for (double* sum : {&root.realized, &root.trip.pnl, &cash}) *sum += result;
-        root.trip.exit += price;
-        ++root.exits;
-    }
-
-    Counts& counts_;
-};
 
 class Stream {
  public:
@@ -188,6 +129,8 @@ class Stream {
         EXPECT_EQ(std::tie(trade.side, trade.qty, trade.exitTag), std::tie(plain.side, plain.qty, plain.exitTag));
         for (const auto field : {&sim::Trade::entry, &sim::Trade::exit, &sim::Trade::pnl, &sim::Trade::fees})
             EXPECT_NEAR(trade.*field, plain.*field, 1e-6);
+        EXPECT_LE(trade.mae, std::min(0.0, trade.pnl));
+        EXPECT_GE(trade.mfe, std::max(0.0, trade.pnl));
     }
 
     void checkRoot(const std::string& sym, const sim::Position& position) {

@@ -67,7 +67,7 @@ TEST(SettingsPanel, SearchesLabelsAndHeadings) {
     std::set<std::string_view> names;
     for (const SettingsRow& row : settingsRows())
         for (const Setting* one : row.parts) EXPECT_TRUE(names.insert(one->name).second) << one->name;
-    EXPECT_EQ(names.size(), 59u) << "the scales by symbol are set by the scale's row";
+    EXPECT_EQ(names.size(), 60u) << "the scales by symbol are set by the scale's row; one is a preference";
     for (const SettingsRow& row : settingsRows())
         EXPECT_EQ(findAction(actionOf(row)) != nullptr, !actionOf(row).empty()) << row.id;
     EXPECT_EQ(actionOf(*findSettingsRow("levelsEnabled")), "lines");
@@ -254,6 +254,11 @@ TEST_F(SettingsEditing, TakesNothingThatASettingCannotHold) {
     editor->toEnd("ema1Period", true);
     EXPECT_TRUE(model->config->initialCandles == 500 && model->config->hfPutColor == "#abcdef" &&
                 model->config->ema1Period == 400);
+    editor->set("confirmUnusualOrders", false);
+    EXPECT_EQ(editor->value(confirmUnusualSetting()), SettingValue(false));
+    EXPECT_EQ(model->preferences().get("vmr.sim.confirmUnusual"), "0");
+    editor->restoreDefaults("confirmUnusualOrders");
+    EXPECT_EQ(editor->value(confirmUnusualSetting()), SettingValue(true));
     editor->restoreDefaults("ema1Enabled");
     EXPECT_EQ(model->config->ema1Period, 9) << "the whole row";
     preferences.set("gex-last-symbol", "ES");

@@ -1,8 +1,12 @@
 // What the shell answers, line by line.
 #include "workspace/ShellCommands.h"
 
+#include <filesystem>
+#include <nlohmann/json.hpp>
 #include <optional>
 
+#include "base/FileReplace.h"
+#include "model/StateDocument.h"
 #include "tests/workspace/LivePanes.h"
 
 namespace vmr::test {
@@ -103,6 +107,55 @@ TEST_F(Shell, TellsWhyAnOrderIsRefusedAndOnWhatPriceItFilled) {
     EXPECT_TRUE(say("sim").ends_with("SL"));
     const std::string first = sim.orders().front().id.text();
     EXPECT_EQ(say("cancel " + first), "ok gone " + first);
+}
+
+TEST_F(Shell, WorksTheTicketAsThePanelDoes) {
+    sim.watch(this, "NQ", "NQM6");
+    sim.setConnected(this, true);
+    sim.onQuote("NQ", 24452, 24453);
+    const auto file = std::filesystem::temp_directory_path() / ("velmora-fills-" + UuidSource().next().text() + ".csv");
+    for (const auto& [line, answer] :
+         {std::pair("ticket buy market", "error: the simulator supports futures only"),
+          {"open futures:NQM6", "ok open futures:NQM6"},
+          {"ticket", "ok qty 1; bracket on 40 80 ticks"},
+          {"ticket qty 200", "ok qty 100; bracket on 40 80 ticks"},
+          {"ticket qty 2", "ok qty 2; bracket on 40 80 ticks"},
+          {"ticket bracket on 10 0", "ok qty 2; bracket on 10 0 ticks"},
+          {"ticket points", "ok qty 2; bracket on 10 0 points"},
+          {"ticket limit 24400,5", "ok qty 2; bracket on 10 0 points; limit 24,400.50"},
+          {"ticket stop 24 600", "ok qty 2; bracket on 10 0 points; limit 24,400.50; stop is no price above 0"},
+          {"ticket buy stop", "error: a stop order needs a price above 0"},
+          {"ticket stop", "ok qty 2; bracket on 10 0 points; limit 24,400.50"},
+          {"ticket buy limit", "buy 2 NQ limit limit=24400.5 sl=40"},
+          {"ticket limit 24600", "ok qty 2; bracket on 10 0 points; limit 24,600.00"},
+          {"ticket buy limit", "error: Buy limit 24,600 is 0.6 % through the market: press again"},
+          {"ticket buy limit", "position NQ 2 @ 24600; balance 49995"},
+          {"ticket bracket off", "ok qty 2; bracket off 10 0 points; limit 24,600.00"},
+          {"ticket sell market", "position NQ -2 @ 24452; balance 44065"},
+          {"ticket +sl", "buy 2 NQ stop stop=24462 SL"},
+          {"ticket cancel all", "error"},
+          {"ticket flat", "position NQ 0 @ 0; balance 44020"},
+          {"ticket +tp", "error: there is no position in NQ"},
+          {"ticket cancel x", "error: the order is gone already"},
+          {"ticket qty two", "error: wrong arguments for ticket; see help"},
+          {"ticket bracket on 1", "error: wrong arguments for ticket; see help"},
+          {"ticket buy stopLimit", "error: wrong arguments for ticket; see help"},
+          {"sim export wins x", "error: wrong arguments for sim; see help"}})
+        if (std::string_view(answer) != "error")
+            EXPECT_TRUE(say(line).ends_with(answer)) << line << ": " << answers[0];
+        else
+            EXPECT_TRUE(say(line).starts_with("ok gone ")) << line << ": " << answers[0];
+    EXPECT_TRUE(sim.orders().empty());
+    EXPECT_EQ(say("sim export fills " + file.string()), "ok 3 fills to " + file.string());
+    EXPECT_TRUE(readFile(file)->starts_with("root,side,qty,time"));
+    std::filesystem::remove(file);
+    host->active()->panels.simPanelOpen = true;
+    host->active()->panels.simPanelOpen = false;
+    EXPECT_EQ(say("ticket"), "ok qty 1; bracket on 40 80 ticks") << "it lives no longer than the panel";
+    const auto panel = nlohmann::json::parse(stateDocument({clock, host->models(), &sim}))["panes"][0]["simPanel"];
+    EXPECT_EQ(panel["title"], "Trade Simulator — NQ");
+    EXPECT_EQ(panel["headings"][3], "HISTORY (2) · 0% win");
+    EXPECT_EQ(panel["metrics"]["Trades"], "2");
 }
 
 TEST_F(Shell, SpeaksToEveryPane) {

@@ -125,14 +125,14 @@ void SettingsViewModel::setOpen(bool open) {
 
 void SettingsViewModel::refresh() {
     if (!editor_ || !open_) return;
-    for (const Setting& one : settingTable()) {
-        if (one.control == SettingControl::none) continue;
-        const QString name = text(one.name);
-        values_.insert(name, variant(editor_->value(one)));
-        texts_.insert(name, text(editor_->text(one)));
-        const bool bad = editor_->invalid().contains(one.name);
-        problems_.insert(name, bad ? text(settingRangeText(one)) : QString());
-    }
+    for (const SettingsRow& row : settingsRows())
+        for (const Setting* one : row.parts) {
+            const QString name = text(one->name);
+            values_.insert(name, variant(editor_->value(*one)));
+            texts_.insert(name, text(editor_->text(*one)));
+            const bool bad = editor_->invalid().contains(one->name);
+            problems_.insert(name, bad ? text(settingRangeText(*one)) : QString());
+        }
     const bool hasSymbol = editor_->available(*findSetting("hfScale"));
     if (std::exchange(hasSymbol_, hasSymbol) != hasSymbol) emit symbolChanged();
 }
