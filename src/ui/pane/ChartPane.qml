@@ -170,6 +170,14 @@ FocusScope {
             defaultPos: Qt.point(24, 16)
             open: paneView.pane.panels.simPanelOpen && paneView.pane.toolbar.on.simEnabled === true
             onClose: paneView.pane.panels.simPanelOpen = false
+            onAllAsked: kind => paneView.pane.simList.kind = kind
+            onOpenChanged: if (!open) paneView.pane.simList.kind = ""
+        }
+        SimListPanel {
+            objectName: "simList"
+            frames: paneView.pane.panelFrames
+            list: paneView.pane.simList
+            defaultPos: Qt.point(400, 16)
         }
     }
 }

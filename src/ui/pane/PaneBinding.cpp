@@ -53,6 +53,7 @@ PaneBinding::~PaneBinding() {
     view_.templates.setActions({});
     view_.settings.edit(nullptr);
     view_.sim.bind(nullptr);
+    view_.simList.bind(nullptr);
     view_.panelFrames.keepIn(nullptr);
 }
 
@@ -83,6 +84,7 @@ void PaneBinding::bindPanels() {
     });
     view_.settings.edit(&editor_);
     view_.sim.bind(model_.desk.get(), &model_.clock(), &main_);
+    view_.simList.bind(model_.desk.get(), &main_);
     // before the panel shows itself
     QObject::connect(&view_.panels, &PanelsViewModel::changed, &view_.settings,
                      [view = &view_] { view->settings.setOpen(view->panels.configPanelOpen()); });

@@ -20,6 +20,7 @@
 #include "ui/pane/ToastViewModel.h"
 #include "ui/pane/ToolbarViewModel.h"
 #include "ui/panels/settings/SettingsViewModel.h"
+#include "ui/panels/sim/SimListViewModel.h"
 #include "ui/panels/sim/SimViewModel.h"
 #include "ui/widgets/PanelFrames.h"
 
@@ -45,6 +46,7 @@ class PaneViewModel : public QObject {
     Q_PROPERTY(vmr::TemplatesViewModel* templates READ templatesOf CONSTANT)
     Q_PROPERTY(vmr::SettingsViewModel* settings READ settingsOf CONSTANT)
     Q_PROPERTY(vmr::SimViewModel* sim READ simOf CONSTANT)
+    Q_PROPERTY(vmr::SimListViewModel* simList READ simListOf CONSTANT)
     Q_PROPERTY(vmr::PanelFrames* panelFrames READ panelFramesOf CONSTANT)
 
  public:
@@ -73,6 +75,7 @@ class PaneViewModel : public QObject {
     TemplatesViewModel templates;
     SettingsViewModel settings;
     SimViewModel sim;
+    SimListViewModel simList;
     PanelFrames panelFrames;
 
     const Surroundings& surroundings() const { return surroundings_; }
@@ -96,6 +99,7 @@ class PaneViewModel : public QObject {
     TemplatesViewModel* templatesOf() { return &templates; }
     SettingsViewModel* settingsOf() { return &settings; }
     SimViewModel* simOf() { return &sim; }
+    SimListViewModel* simListOf() { return &simList; }
     PanelFrames* panelFramesOf() { return &panelFrames; }
 
     Surroundings surroundings_;
