@@ -14,7 +14,7 @@ using nlohmann::json;
 
 constexpr double toolbarHeight = 44, titleHeight = 34, tick = 0.25;
 // Places in the panel as it opens, from its left edge and from below its title; nothing is said over the ticket.
-constexpr double ticketTop = 64, marketRow = ticketTop + 125, limitRow = marketRow + 42, stopRow = limitRow + 60;
+constexpr double ticketTop = 64, marketRow = ticketTop + 131, limitRow = marketRow + 42, stopRow = limitRow + 60;
 constexpr double positionsTop = stopRow + 45, positionButtons = positionsTop + 80;
 constexpr double ordersTop = positionsTop + 122, firstOrder = ordersTop + 51;
 constexpr double buyMarket = 90, sellMarket = 270, priceField = 60, buy = 196, sell = 300;
