@@ -1,8 +1,9 @@
 // The simulator's panel in the running program, driven by a real pointer and real keys; what its account did.
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 
 #include "tests/app/DrivenWindow.h"
 
@@ -12,9 +13,12 @@ namespace {
 using nlohmann::json;
 
 constexpr double toolbarHeight = 44, titleHeight = 34, tick = 0.25;
-// In the panel, below its title, while it is not scrolled and nothing is said over the ticket.
-constexpr double ticketTop = 64, marketRow = ticketTop + 30 + 8 + 62 + 8 + 17, limitRow = marketRow + 42, stopRow = limitRow + 60;
-constexpr double cardsTop = stopRow + 43, cardHead = 36;
+// Places in the panel as it opens, from its left edge and from below its title; nothing is said over the ticket.
+constexpr double ticketTop = 64, marketRow = ticketTop + 131, limitRow = marketRow + 42, stopRow = limitRow + 60;
+constexpr double positionsTop = stopRow + 45, positionButtons = positionsTop + 80;
+constexpr double ordersTop = positionsTop + 122, firstOrder = ordersTop + 51;
+constexpr double buyMarket = 90, sellMarket = 270, priceField = 60, buy = 196, sell = 300;
+constexpr double firstButton = 45, secondButton = 115, cancelAll = 300, cancelFirst = 324;
 
 class WindowSim : public DrivenWindow {
  protected:
@@ -40,6 +44,7 @@ class WindowSim : public DrivenWindow {
         return to(frame[0].get<double>() + x, toolbarHeight + frame[1].get<double>() + titleHeight + y);
     }
     void click(double x, double y) { act(in(x, y) + " click 1"); }
+    const json& panel() { return pane()["simPanel"]; }
     bool holds(std::int64_t qty) {
         return until([&](const json&) { return position()["qty"] == qty; });
     }
@@ -47,7 +52,6 @@ class WindowSim : public DrivenWindow {
         return until([&](const json&) { return account()["orders"].size() == count; });
     }
     static std::string tabs(int count) { return count > 0 ? " key --repeat " + std::to_string(count) + " Tab" : ""; }
-    static constexpr double buy = 196, sell = 300, buyMarket = 90, sellMarket = 270, field = 60;
 };
 
 TEST_F(WindowSim, ARoundTripIsMadeByKeysAlone) {
@@ -81,46 +85,87 @@ TEST_F(WindowSim, ARoundTripIsMadeByKeysAlone) {
 }
 
 TEST_F(WindowSim, ThePointerTradesAndTheMarketClosesUnderIt) {
-    act(toTool("simPanel") + " click 1");
-    ASSERT_TRUE(until([&](const json&) { return pane()["panels"]["frames"].contains("sim"); }));
-    const json before = pane()["viewport"];
+    act(toTool("simPanel") + " click 1 sleep 0.3 key --repeat 40 alt+shift+Down");
+    ASSERT_TRUE(until([&](const json&) { return pane()["panels"]["frames"].value("sim", json{0, 0, 0, 0})[3] > 600; }));
 
     click(buyMarket, marketRow);
     ASSERT_TRUE(holds(1));
-    click(sellMarket, marketRow);  // reverses it
-    ASSERT_TRUE(holds(-1));
+    click(sellMarket, marketRow);
+    ASSERT_TRUE(holds(-1)) << "reversed";
     EXPECT_EQ(order("SL")["side"], "buy");
 
-    click(field, limitRow);
+    click(priceField, limitRow);
     act(" type '5000,25'");
     click(buy, limitRow);
     ASSERT_TRUE(works(3));
     EXPECT_EQ(order("")["limitPrice"], 5000.25);
-    click(sell, limitRow);  // far through the market: it asks
-    act(" sleep 0.5");
-    EXPECT_EQ(look()["sim"]["orders"].size(), 3u);
-    click(sell, limitRow);
-    ASSERT_TRUE(holds(-2));
-
-    click(field, limitRow);
-    act(" key ctrl+a type 'x1'");
+    const auto through = std::lround(account()["lasts"]["NQ"].get<double>() * 1.008);
+    click(priceField, limitRow);
+    act(" key ctrl+a type " + std::to_string(through));
     click(buy, limitRow);
-    click(buy, stopRow);  // no price
-    const std::size_t working = account()["orders"].size();
+    ASSERT_TRUE(until([&](const json&) { return panel()["question"].is_string(); })) << "far through the market";
+    EXPECT_EQ(position()["qty"], -1);
+    click(buy, limitRow);
+    ASSERT_TRUE(holds(0));
+    click(priceField, limitRow);
+    act(" key ctrl+a type 'x1'");
+    click(sell, limitRow);
+    EXPECT_TRUE(until([&](const json&) { return panel()["ticket"]["limit"]["wrong"] == true; }));
+    EXPECT_EQ(account()["orders"].size(), 1u);
 
-    // CANCEL ALL, below the position's card; with its orders gone the position offers a stop again
-    act(in(180, cardsTop) + " click --repeat 3 5 sleep 0.3");
-    look();
-    EXPECT_EQ(account()["orders"].size(), working);
-    EXPECT_EQ(pane()["viewport"]["count"], before["count"]) << "the wheel is the panel's";
+    click(sellMarket, marketRow);
+    ASSERT_TRUE(works(3));
+    EXPECT_EQ(panel()["rows"]["positions"][0]["addSl"], nullptr);
+    click(cancelAll, ordersTop + 18);
+    ASSERT_TRUE(works(0));
+    EXPECT_EQ(panel()["rows"]["positions"][0]["addSl"], "+ SL (40t)");
+    click(secondButton, positionButtons);
+    ASSERT_TRUE(works(1));
+    EXPECT_EQ(order("SL")["stopPrice"], position()["avg"].get<double>() + 40 * tick);
+    click(cancelFirst, firstOrder);
+    ASSERT_TRUE(works(0));
 
     program_->ask("clock set 2026-06-10T16:59:58");
-    program_->ask("order NQ buy market 1");
-    act(in(180, 20) + " click --repeat 20 4");
-    const json account0 = look()["sim"];
-    act(" sleep 4");
-    for (const double y : {marketRow, limitRow, stopRow}) click(buyMarket, y);
-    EXPECT_EQ(look()["sim"]["fills"], account0["fills"]) << "the ticket is gone";
+    ASSERT_TRUE(until([&](const json&) { return panel()["marketClosed"] == true; }));
+    act(" sleep 1");
+    const json fills = look()["sim"]["fills"];
+    click(buyMarket, marketRow);
+    click(firstButton, positionButtons - (positionsTop - ticketTop - 82));  // the cards have moved up
+    EXPECT_TRUE(until([&](const json&) { return panel()["notice"] == "Market closed — position kept"; }));
+    EXPECT_EQ(account()["fills"], fills) << "the ticket is gone";
+}
+
+TEST_F(WindowSim, TradesAreListedSortedExportedAndLost) {
+    for (int i = 0; i < 17; ++i)
+        for (const char* line : {"order NQ buy market 1", "flatten NQ"}) program_->ask(line);
+    program_->ask("panel sim open");
+    act(" windowfocus --sync $W sleep 0.3" + tabs(16) + " key space" + tabs(1) + " key space sleep 0.3");
+    ASSERT_TRUE(until([&](const json&) { return pane()["panels"]["frames"].contains("simList"); }));
+    EXPECT_EQ(panel()["perfToday"], true);
+    EXPECT_EQ(panel()["rows"]["history"].size(), 15u);
+    EXPECT_TRUE(panel()["headings"][3].get<std::string>().starts_with("HISTORY (17)")) << panel()["headings"];
+
+    act(tabs(11) + " key Return key Return key --repeat 7 shift+Tab");  // by result, from the worst; Export
+    act(" key Return sleep 0.3 key ctrl+a type '" + (program_->home / "out.csv").string() + "'");
+    act(" key Return sleep 0.3");
+    ASSERT_TRUE(until([&](const json&) { return std::filesystem::exists(program_->home / "out.csv"); }));
+    std::ifstream file(program_->home / "out.csv");
+    std::vector<double> results;
+    for (std::string line; std::getline(file, line);) {
+        if (!line.starts_with("NQ,")) continue;
+        std::istringstream cells(line);
+        std::string cell;
+        for (int i = 0; i < 8; ++i) std::getline(cells, cell, ',');
+        results.push_back(std::stod(cell));
+    }
+    EXPECT_EQ(results.size(), 17u);
+    EXPECT_TRUE(std::ranges::is_sorted(results)) << testing::PrintToString(results);
+
+    act(" key Escape sleep 0.2" + tabs(2) + " key Return sleep 0.2" + tabs(1) + " key Return");
+    ASSERT_TRUE(until([&](const json&) { return account()["trades"].empty(); })) << "started anew";
+    EXPECT_EQ(account()["balance"], 50000);
+    EXPECT_FALSE(pane()["panels"]["frames"].contains("simList"));
+    EXPECT_TRUE(pane()["panels"]["frames"].contains("sim"));
 }
 
 }  // namespace

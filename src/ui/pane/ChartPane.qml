@@ -195,6 +195,7 @@ FocusScope {
             onClose: paneView.pane.panels.configPanelOpen = false
         }
         SimPanel {
+            id: simPanel
             objectName: "simPanel"
             frames: paneView.pane.panelFrames
             sim: paneView.pane.sim
@@ -208,6 +209,7 @@ FocusScope {
             objectName: "simList"
             frames: paneView.pane.panelFrames
             list: paneView.pane.simList
+            onLeft: if (simPanel.open) simPanel.forceActiveFocus(Qt.TabFocusReason)
             defaultPos: Qt.point(400, 16)
         }
     }

@@ -23,7 +23,7 @@ Row {
         Label {
             required property int index
             text: figures.text.charAt(index)
-            width: text >= "0" && text <= "9" ? figures.digitWidth : implicitWidth
+            width: text >= "0" && text <= "9" ? figures.digitWidth : metrics.advanceWidth(text)
             horizontalAlignment: Text.AlignHCenter
             font: figures.font
             color: figures.color

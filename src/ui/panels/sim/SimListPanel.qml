@@ -7,13 +7,19 @@ FloatingPanel {
     id: panel
 
     required property SimListViewModel list
+    signal left  // closed by a person who had the keyboard in it
 
     panelId: "simList"
     title: list.title
     defaultSize: Qt.size(720, 360)
     minSize: Qt.size(320, 220)
     open: list.kind !== ""
-    onClose: list.kind = ""
+    onClose: {
+        const had = activeFocus;
+        list.kind = "";
+        if (had)
+            left();
+    }
     onOpenChanged: if (!open) sheet.close()
     Keys.onEscapePressed: close()
 

@@ -73,7 +73,7 @@ FloatingPanel {
                 width: parent.width
                 visible: panel.sim.empty === ""
                 enabled: visible
-                contentHeight: column.height + 20
+                contentHeight: column.height + 32
                 clip: true
                 boundsBehavior: Flickable.StopAtBounds
                 onContentYChanged: hold()

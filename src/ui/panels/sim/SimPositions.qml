@@ -46,7 +46,7 @@ SimCard {
             Figures {
                 objectName: "simPnL"
                 anchors.right: parent.right
-                y: 5
+                y: 3
                 font: Qt.font({ family: Theme.family, pixelSize: Theme.normal, weight: Font.DemiBold })
                 text: one.row.pnl
                 color: one.row.gain ? Theme.gain : Theme.loss

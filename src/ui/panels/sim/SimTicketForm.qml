@@ -145,12 +145,14 @@ Column {
             spacing: 16
             CheckField {
                 objectName: "simTicks"
+                height: 30
                 text: qsTr("Ticks")
                 checked: form.sim.useTicks
                 onToggled: form.sim.useTicks = true
             }
             CheckField {
                 objectName: "simPoints"
+                height: 30
                 text: qsTr("Points")
                 checked: !form.sim.useTicks
                 onToggled: form.sim.useTicks = false
