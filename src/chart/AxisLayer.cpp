@@ -207,25 +207,33 @@ AxisLayer::Box AxisLayer::tagBox(const ScreenFrame& frame) const {
 AxisLayer::Box AxisLayer::countdownBox(const ScreenFrame& frame, const Box& tag) const {
     if (!keepsCountdown_) return {};
     const double bottom = frame.plot().bottom(), room = countdownHeight + countdownGap;
-    double top = std::ceil(tag.bottom + countdownGap);
-    if (!tag.shown) {
-        const bool above = AxisScale::yFor(frame.viewport, frame.lastPrice, frame.height) < 0;
-        top = above ? countdownGap : std::floor(bottom - room);
-    } else if (top + countdownHeight > bottom) {
-        top = std::floor(tag.top) - room;
-    }
-    if (top < 0) return {};
-    return {top, top + countdownHeight, true};
+    const bool below = tag.shown || AxisScale::yFor(frame.viewport, frame.lastPrice, frame.height) < 0;
+    std::optional<double> top;
+    if (below) top = freeTop(tag.shown ? std::ceil(tag.bottom + countdownGap) : countdownGap, countdownHeight, false);
+    if (!top || *top + countdownHeight > bottom)
+        top = freeTop(tag.shown ? std::floor(tag.top) - room : std::floor(bottom - room), countdownHeight, true);
+    if (!top || *top < 0 || *top + countdownHeight > bottom) return {};
+    return {*top, *top + countdownHeight, true};
 }
 
-std::array<PointRect, 2> AxisLayer::keptFree(const ScreenFrame& frame) const {
+// From `top` on, the first place that no tag of the account takes. Each step passes a tag for good.
+std::optional<double> AxisLayer::freeTop(double top, double height, bool upwards) const {
+    const std::span<const PointRect> tags = account ? account->tagBoxes() : std::span<const PointRect>();
+    for (std::size_t passed = 0; passed <= tags.size(); ++passed) {
+        const auto met = std::ranges::find_if(tags, [&](const PointRect& tag) {
+            return tag.y < top + height + countdownGap && tag.bottom() + countdownGap > top;
+        });
+        if (met == tags.end()) return top;
+        top = upwards ? std::floor(met->y - countdownGap - height) : std::ceil(met->bottom() + countdownGap);
+    }
+    return std::nullopt;
+}
+
+PointRect AxisLayer::lastPriceBox(const ScreenFrame& frame) const {
     if (!fits(frame)) return {};
-    const Box price = tagBox(frame), countdown = countdownBox(frame, price);
-    const auto rect = [&](const Box& box) {
-        if (!box.shown) return PointRect{};
-        return PointRect{frame.plot().right(), box.top, PlotArea::priceAxisWidth, box.bottom - box.top};
-    };
-    return {rect(price), rect(countdown)};
+    const Box box = tagBox(frame);
+    if (!box.shown) return {};
+    return {frame.plot().right(), box.top, PlotArea::priceAxisWidth, box.bottom - box.top};
 }
 
 void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box, const Box& countdown) {

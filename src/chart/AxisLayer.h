@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -29,8 +30,9 @@ class AxisLayer final : public ScreenLayer {
     /// Minutes of a bar; 1 at the start. Shows in the next frame. True when it was another.
     bool setTimeframe(double minutes) { return std::exchange(timeframe_, minutes) != minutes; }
 
-    /// Whether the prices leave room for the countdown, below the last price's box or, where the axis ends, above it;
-    /// at the end of the axis while the last price is out of view. Shows in the next frame. True when it was otherwise.
+    /// Whether the prices leave room for the countdown, below the last price's box and the account's tags there or,
+    /// where the axis ends, above them; at the end of the axis while the last price is out of view. Shows in the next
+    /// frame. True when it was otherwise.
     bool setCountdown(bool shown) { return std::exchange(keepsCountdown_, shown) != shown; }
 
     /// What a label takes of its axis, in points.
@@ -58,9 +60,9 @@ class AxisLayer final : public ScreenLayer {
     };
     const Labels& labels() const { return labels_; }
 
-    /// Where the last price's box and the countdown stand in this frame; empty for one that is not there.
-    std::array<PointRect, 2> keptFree(const ScreenFrame& frame) const;
-    /// The account's lines, to whose tags the axis' prices give way; null for none.
+    /// Where the last price's box stands in this frame; empty where it is not shown.
+    PointRect lastPriceBox(const ScreenFrame& frame) const;
+    /// The account's lines, to whose tags the axis' prices and the countdown give way; null for none.
     const TradingLinesLayer* account = nullptr;
 
     void drawBelow(ScreenFrame& frame) override;
@@ -86,6 +88,7 @@ class AxisLayer final : public ScreenLayer {
     void keepApart();
     Box tagBox(const ScreenFrame& frame) const;
     Box countdownBox(const ScreenFrame& frame, const Box& tag) const;
+    std::optional<double> freeTop(double top, double height, bool upwards) const;
     void addPriceLabels(const ScreenFrame& frame, const Box& box, const Box& countdown);
     void addTimeLabels(const ScreenFrame& frame);
     bool addPrice(const ScreenFrame& frame, double price, FontFace face, double y, const Rgba& color);

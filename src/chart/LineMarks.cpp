@@ -41,8 +41,7 @@ void LineMarks::clear() {
 
 bool LineMarks::builtFor(const View& view) const { return view.trading && view_ == view; }
 
-void LineMarks::build(const View& view, const std::optional<DraggedLine>& dragged,
-                      std::span<const PointRect> axisTaken) {
+void LineMarks::build(const View& view, const std::optional<DraggedLine>& dragged, const PointRect& axisTaken) {
     root_ = view.root;
     view_ = view;
     view_.root = root_;
@@ -142,17 +141,16 @@ void LineMarks::placeBadges() {
     }
 }
 
-void LineMarks::placeTags(std::span<const PointRect> taken) {
+void LineMarks::placeTags(const PointRect& taken) {
     const PlotArea plot{view_.width, view_.height};
     tags_.clear();
     tagged_.clear();
     if (!(plot.right() > 0)) return;
-    for (const PointRect& box : taken)
-        tags_.add({.left = box.x,
-                   .right = box.right(),
-                   .height = box.height,
-                   .wantedY = box.y + box.height / 2,
-                   .fixed = true});
+    tags_.add({.left = taken.x,
+               .right = taken.right(),
+               .height = taken.height,
+               .wantedY = taken.y + taken.height / 2,
+               .fixed = true});
     for (std::size_t i = count_; i-- > 0;) {
         const LineMark& mark = marks_[i];
         const bool shared = std::ranges::any_of(tagged_, [&](std::size_t k) { return marks_[k].price == mark.price; });
@@ -165,7 +163,7 @@ void LineMarks::placeTags(std::span<const PointRect> taken) {
         tagged_.push_back(i);
     }
     tags_.arrange(0, plot.bottom());
-    const auto placed = tags_.boxes().subspan(taken.size());
+    const auto placed = tags_.boxes().subspan(1);
     for (std::size_t i = 0; i < placed.size(); ++i)
         if (placed[i].opacity > 0)
             marks_[tagged_[i]].tag = {placed[i].left, placed[i].top(), PlotArea::priceAxisWidth, badgeHeight};

@@ -71,10 +71,8 @@ class LineMarks {
         double width = 0, height = 0;  ///< points
         bool operator==(const View&) const = default;
     };
-    /// The account's lines as they are now, seen by this camera. `axisTaken` is what the tags on the price axis leave
-    /// free.
-    void build(const View& view, const std::optional<DraggedLine>& dragged = {},
-               std::span<const PointRect> axisTaken = {});
+    /// The account's lines as they are now, seen by this camera. The tags on the price axis leave `axisTaken` free.
+    void build(const View& view, const std::optional<DraggedLine>& dragged = {}, const PointRect& axisTaken = {});
     void clear();
     /// Whether they were built for just this; the account may have changed since.
     bool builtFor(const View& view) const;
@@ -99,7 +97,7 @@ class LineMarks {
     void addPosition(const PositionLine& position);
     void raise(const DraggedLine& dragged);
     void placeBadges();
-    void placeTags(std::span<const PointRect> taken);
+    void placeTags(const PointRect& taken);
 
     std::vector<LineMark> marks_;  // the first `count_`; the others keep their memory
     std::size_t count_ = 0;

@@ -31,8 +31,8 @@ void TradingLinesLayer::drawBelow(ScreenFrame& frame) {
     labelBoxes_.clear();
     tagBoxes_.clear();
     if (!trading || root.empty()) return;
-    marks_.build({trading, root, frame.viewport, frame.width, frame.height}, dragged,
-                 axes ? axes->keptFree(frame) : std::array<PointRect, 2>());
+    const PointRect lastPrice = axes ? axes->lastPriceBox(frame) : PointRect();
+    marks_.build({trading, root, frame.viewport, frame.width, frame.height}, dragged, lastPrice);
     for (const LineMark& mark : marks_.list()) {
         if (mark.badge.width > 0) labelBoxes_.push_back(mark.badge);
         if (mark.tag.width > 0) tagBoxes_.push_back(mark.tag);

@@ -142,7 +142,7 @@ TEST_F(LineMarksTest, TagsKeepOutOfEachOtherAndOfTheLastPrice) {
     lastPrice = 400;
     frame();
     ASSERT_EQ(layer.tagBoxes().size(), 3U);
-    const PointRect price = axes.keptFree({{gpu, arena, width, height, 1}, viewport, candles, lastPrice})[0];
+    const PointRect price = axes.lastPriceBox({{gpu, arena, width, height, 1}, viewport, candles, lastPrice});
     EXPECT_EQ(price.y, 446);
     for (const PointRect& tag : layer.tagBoxes()) {
         EXPECT_FALSE(meet(tag, price));
@@ -152,6 +152,31 @@ TEST_F(LineMarksTest, TagsKeepOutOfEachOtherAndOfTheLastPrice) {
     EXPECT_EQ(lines()[1].tag.y, 350 - 9) << "the newer one stands at its price";
     EXPECT_EQ(lines()[0].tag.y, 350 + 9 + 1);
     EXPECT_EQ(press(width - 10, 350 + 12), "BUY 1");
+}
+
+TEST_F(LineMarksTest, TheCountdownGivesWayToTags) {
+    axes.account = &layer;
+    axes.setCountdown(true);
+    const auto countdownWith = [&](std::vector<double> prices, double last) {
+        trading.shown = {};
+        for (std::size_t i = 0; i < prices.size(); ++i)
+            trading.shown.orders.push_back({id(i), prices[i], true, 1, "LMT"});
+        lastPrice = last;
+        frame();
+        gpu.beginFrame(width, height, 1);
+        ScreenFrame again{{gpu, arena, width, height, 1}, viewport, candles, lastPrice};
+        axes.drawAbove(again);
+        gpu.endFrame();
+        EXPECT_EQ(layer.tagBoxes().size(), prices.size()) << "none is left away for it";
+        const auto& room = axes.labels().countdown;
+        for (const PointRect& tag : layer.tagBoxes()) EXPECT_TRUE(tag.bottom() <= room.from || tag.y >= room.to);
+        EXPECT_EQ(room.to - room.from, 16);
+        return room.from;
+    };
+    EXPECT_EQ(countdownWith({}, 400), 466);
+    EXPECT_EQ(countdownWith({398, 380}, 400), 505) << "below the last price and both tags";
+    EXPECT_EQ(countdownWith({}, -5), 840) << "above it at the axis' end";
+    EXPECT_EQ(countdownWith({20}, -5), 808);
 }
 
 TEST_F(LineMarksTest, WhatAPressHitsIsWhatWasDrawnOnTop) {
