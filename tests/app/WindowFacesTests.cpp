@@ -88,11 +88,11 @@ TEST_F(WindowPanels, APanelIsMovedSizedClosedAndComesBackWhereItWas) {
 // What each row does is tested on the view; here real keys reach it, and the program ends well.
 TEST_F(WindowPanels, TheMenuOpensAndQuits) {
     const std::string button = to(24, 22) + " click 1 sleep 0.3";
-    act(" windowfocus --sync $W" + button + " key Escape" + button + " key Down Down Down");
+    act(" windowfocus --sync $W" + button + " key Escape" + button + " key Down Down Down Down");
     EXPECT_TRUE(look().is_object()) << "nothing is chosen before Enter";
     act(" key Return sleep 0.3 key Return");  // the sheet, which closes again
     act(button + " key Up");
-    act(button + button + " key Down Down Down Down Down Down sleep 0.1 key Return");
+    act(button + button + " key Down Down Down Down Down Down Down sleep 0.1 key Return");
     EXPECT_EQ(program_->end(), 0);
     program_.reset();
 }
