@@ -1,7 +1,6 @@
 // A pane's data beside its steps: what the clock adds, what is prepared elsewhere, held back, coalesced or sampled, and
 // how those see a chart opened who listen to the pane.
 #include <fmt/format.h>
-#include <malloc.h>
 
 #include <array>
 #include <cmath>
@@ -11,6 +10,10 @@
 #include "chart/HfPressure.h"
 #include "relay/DerivedBench.h"
 #include "support/pane/TestPane.h"
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace vmr::test {
 namespace {
@@ -148,6 +151,15 @@ TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSe
     EXPECT_TRUE(pane.hfp.samples.empty());
 }
 
+// Bytes in use; 0 where the C library does not tell.
+std::size_t heapInUse() {
+#ifdef __GLIBC__
+    return mallinfo2().uordblks;
+#else
+    return 0;
+#endif
+}
+
 // The practice market's own rows, at 60 times the speed: 40 minutes, which fill the history, and as many again.
 TEST(PanePressure, HistoryKeepsItsSizeOnAFastMarket) {
     TestPane at(TestPane::wednesdayAt10, 60);
@@ -163,7 +175,7 @@ TEST(PanePressure, HistoryKeepsItsSizeOnAFastMarket) {
             at.time.advance(1);
         }
         pane.log.clear();
-        return mallinfo2().uordblks;
+        return heapInUse();
     };
     const auto document = [&] { return nlohmann::json::parse(at.documentWithoutLog())["panes"][0]["hfPressure"]; };
     EXPECT_EQ(document()["readouts"]["putShare"], "—");

@@ -138,7 +138,8 @@ bool PaneBinding::pressureWaits(const HfPressureViewModel::State& now) {
     const HfPressureViewModel::State& shown = view_.pressure.state();
     if (now.count == shown.count && now.last == shown.last) return false;
     const double wait = pressureShown_ + least - model_.clock().monotonic();
-    const bool samplesAlone = shown.open == now.open && shown.windowMin == now.windowMin && now.count > 0;
+    const bool samplesAlone =
+        shown.open == now.open && shown.windowMin == now.windowMin && shown.count > 0 && now.count > 0;
     if (!samplesAlone || wait <= 0) {
         pressureShown_ = model_.clock().monotonic();
         return false;
