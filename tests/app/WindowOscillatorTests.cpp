@@ -26,9 +26,9 @@ class WindowOscillator : public DrivenWindow {
     }
     /// As the settings on the disk tell it; the default before there are any.
     double stored() {
-        const json file = program_->file(".config/velmora/preferences.json");
-        const json settings = json::parse(file.value("gex-config", "{}"), nullptr, false);
-        return settings.value("oscHeight", 200.0);
+        const json file = program_->file(".config/Velmora/practice/preferences.json");
+        if (!file.is_object()) return 200;
+        return json::parse(file.value("gex-config", "{}")).value("oscHeight", 200.0);
     }
     /// The handle from where it is, over places, and to the last of them.
     void drag(const std::vector<double>& over) {

@@ -68,6 +68,8 @@ class ChartItem : public FrameItem {
     /// It has another height, or is shown or hidden.
     void oscillatorResized();
     std::optional<OscInput> oscillatorInput() const;
+    /// It has drawn a frame: its labels may lie elsewhere.
+    void oscillatorDrawn();
     /// Where the pointer is over it; nothing when it has left.
     void pointAtOscillator(std::optional<ChartPoint> point);
     /// A press, move or release on it.

@@ -87,6 +87,13 @@ void ChartItem::showOscillatorPointer(const std::optional<ChartPoint>& point) {
                                          input ? OscGeometry::labels(input->content, height) : OscGeometry::Labels{});
 }
 
+void ChartItem::oscillatorDrawn() {
+    CrosshairState& own = drawing_->crosshair;
+    if (!own.belowChart()) return;
+    showOscillatorPointer(own.oscHoverPoint());
+    refresh(own);
+}
+
 // At the same pace as over the chart.
 void ChartItem::watchOscillatorPointer() {
     drawing_->oscPointer = std::make_unique<PointerReports>(*drawing_->given.clock, *drawing_->given.main);

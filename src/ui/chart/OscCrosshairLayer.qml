@@ -39,7 +39,7 @@ Item {
                     end = Math.max(end, labels[i + 1]);
                 }
             }
-            return Qt.point(Math.floor(begin), Math.ceil(end));
+            return Qt.point(Math.max(0, Math.floor(begin)), Math.min(Math.ceil(end), view.height));
         }
         objectName: view.name + "Ground"
         visible: tag.visible

@@ -35,7 +35,9 @@ bool OscillatorItem::record(Gpu&, QSizeF size, double pixelRatio, double) {
     const auto input = chart_ ? chart_->oscillatorInput() : std::nullopt;
     pane_.perf = chart_ ? chart_->renderer().perf : nullptr;
     shows_ = input ? std::optional(input->viewport) : std::nullopt;
-    return pane_.record(input, size.width(), size.height(), pixelRatio);
+    const bool moves = pane_.record(input, size.width(), size.height(), pixelRatio);
+    if (chart_) chart_->oscillatorDrawn();
+    return moves;
 }
 
 bool OscillatorItem::interacting() const { return chart_ && chart_->handsOn(); }
