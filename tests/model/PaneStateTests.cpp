@@ -109,12 +109,13 @@ struct WrittenChart final : ChartPort {
         return out;
     }
     std::optional<OverlayFacts> overlayFacts() const override {
-        return OverlayFacts{{{"HF 7", {1, 2, 3, 4}, {0, 0.5F, 1, 0.25F}}},
-                            {{"R1 2.00", {5, 6, 7, 8}, {}}},
-                            {{"21.00", 9}},
-                            {{"09:30", 10}, {"Jun 11", 11}},
-                            {"NQ 1m", "Velmora"},
-                            {{"Strike 600", 12}}};
+        return OverlayFacts{.pills = {{"HF 7", {1, 2, 3, 4}, {0, 0.5F, 1, 0.25F}}},
+                            .labels = {{"R1 2.00", {5, 6, 7, 8}, {}}},
+                            .strikes = {{"600", {9, 8, 7, 6}, {}}},
+                            .prices = {{"21.00", 9}},
+                            .times = {{"09:30", 10}, {"Jun 11", 11}},
+                            .watermark = {"NQ 1m", "Velmora"},
+                            .marked = OverlayFacts::Tick{"Strike 600", 12}};
     }
 };
 
@@ -138,8 +139,10 @@ TEST_F(PaneStates, TheDocumentHoldsEveryPaneUnderItsNamesAndTheClock) {
         std::string(pane["overlay"].text())
             .starts_with(
                 R"({"pills":[{"text":"HF 7","box":[1.0,2.0,3.0,4.0],"color":[0.0,0.5,1.0,0.25]}],)"
-                R"("labels":[{"text":"R1 2.00","box":[5.0,6.0,7.0,8.0]}],"ticks":{"prices":[{"text":"21.00","at":9.0}],)"
-                R"("times":[{"text":"09:30","at":10.0},{"text":"Jun 11","at":11.0}]},"watermark":["NQ 1m","Velmora"],"marked":{"text":"Strike 600","at":12.0},)"))
+                R"("labels":[{"text":"R1 2.00","box":[5.0,6.0,7.0,8.0]}],)"
+                R"("strikes":[{"text":"600","box":[9.0,8.0,7.0,6.0]}],"ticks":{"prices":[{"text":"21.00","at":9.0}],)"
+                R"("times":[{"text":"09:30","at":10.0},{"text":"Jun 11","at":11.0}]},"watermark":["NQ 1m","Velmora"],)"
+                R"("marked":{"text":"Strike 600","at":12.0},)"))
         << pane["overlay"].text();
     EXPECT_EQ(pane["trading"]["pill"].text(), R"({"text":"-10.00","gain":false,"box":[1.0,2.0,3.0,18.0]})");
     EXPECT_EQ(pane["trading"]["drag"].text(), R"("SL 9.00")");
