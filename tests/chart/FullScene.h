@@ -87,6 +87,7 @@ struct SceneData {
                 .strikes = strikes,
                 .etfRatio = ratio,
                 .flipStrike = flip,
+                .markedStrike = std::nullopt,
                 .secStrikes = secStrikes,
                 .secRatio = secRatio,
                 .bubbles = bubbles,
