@@ -59,7 +59,7 @@ TEST_F(WindowSim, ARoundTripIsMadeByKeysAlone) {
     act(" sleep 0.3 key Return sleep 0.3");
     ASSERT_TRUE(until([&](const json&) { return pane()["panels"]["open"]["sim"] == true; }));
 
-    act(tabs(2) + " key Up Up Down");                // the quantity, behind the title and the button that closes
+    act(tabs(2) + " key Up Up Down");  // the quantity, behind the title and the button that closes
     act(tabs(2) + " key Down Down" + tabs(4) + " key space");  // the stop's distance, then BUY MKT
     ASSERT_TRUE(holds(2)) << account()["orders"];
     const double average = position()["avg"];

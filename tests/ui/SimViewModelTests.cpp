@@ -16,7 +16,8 @@ namespace {
 
 /// Follows a model by its notices alone, as a view does.
 struct Follower {
-    explicit Follower(RowsModel& from) : model(from), strict(&from, QAbstractItemModelTester::FailureReportingMode::Fatal) {
+    explicit Follower(RowsModel& from)
+        : model(from), strict(&from, QAbstractItemModelTester::FailureReportingMode::Fatal) {
         using M = QAbstractItemModel;
         const auto read = [this](int at) { return model.rows()[static_cast<std::size_t>(at)]; };
         QObject::connect(&model, &M::rowsInserted, [this, read](const QModelIndex&, int first, int last) {
@@ -151,8 +152,7 @@ TEST_F(SimPanel, OnlyWhatChangedIsMadeAnewAndNothingWhileItIsHidden) {
 
 TEST(EquityArt, TheCurveAndItsDrawdownLieWhereThePlotSays) {
     // up to 2, down to -1, up to 3: the new high is reached three quarters of the way
-    const std::vector<SimCurvePoint> curve{
-        {.result = 0}, {.result = 2}, {.result = -1, .drawdown = 3}, {.result = 3}};
+    const std::vector<SimCurvePoint> curve{{.result = 0}, {.result = 2}, {.result = -1, .drawdown = 3}, {.result = 3}};
     std::vector<ArtVertex> out;
     makeEquityArt(simCurvePlot(curve), 300, 100, {10, 20, 30}, {200, 100, 0}, out);
     double lowest = 0, shadeLeft = 300, shadeRight = 0, shadeTop = 100, shadeBottom = 0;

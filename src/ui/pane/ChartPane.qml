@@ -209,7 +209,7 @@ FocusScope {
             objectName: "simList"
             frames: paneView.pane.panelFrames
             list: paneView.pane.simList
-            onLeft: if (simPanel.open) simPanel.forceActiveFocus(Qt.TabFocusReason)
+            onHandedBack: if (simPanel.open) simPanel.forceActiveFocus(Qt.TabFocusReason)
             defaultPos: Qt.point(400, 16)
         }
     }

@@ -63,7 +63,8 @@ void EquityPlot::geometryChange(const QRectF& now, const QRectF& before) {
 
 void EquityPlot::point(qreal x) {
     pointer_ = x;
-    const auto found = x >= 0 && sim_ && width() > 0 ? simCurveSpot(sim_->performance().curve, x / width()) : std::nullopt;
+    const auto found =
+        x >= 0 && sim_ && width() > 0 ? simCurveSpot(sim_->performance().curve, x / width()) : std::nullopt;
     const int spot = found && !plot_.points.empty() ? static_cast<int>(found->index) : -1;
     const QString text = spot >= 0 ? QString::fromStdString(found->text) : QString();
     if (spot == spot_ && text == spotText_) return;

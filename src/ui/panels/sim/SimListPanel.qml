@@ -7,7 +7,7 @@ FloatingPanel {
     id: panel
 
     required property SimListViewModel list
-    signal left  // closed by a person who had the keyboard in it
+    signal handedBack  // closed by a person who had the keyboard in it
 
     panelId: "simList"
     title: list.title
@@ -18,7 +18,7 @@ FloatingPanel {
         const had = activeFocus;
         list.kind = "";
         if (had)
-            left();
+            handedBack();
     }
     onOpenChanged: if (!open) sheet.close()
     Keys.onEscapePressed: close()

@@ -19,16 +19,20 @@ struct Column {
     bool number = true, result = false;
 };
 // In the order of `TradeColumn` and of `FillColumn`.
-constexpr std::array tradeColumns{Column{"time", "Closed", false}, Column{"root", "Root", false},
-                                  Column{"side", "Side", false},   Column{"qty", "Qty"},
-                                  Column{"entry", "Entry"},        Column{"exit", "Exit"},
-                                  Column{"result", "Result", true, true}, Column{"fees", "Fees"},
-                                  Column{"exitKind", "Ended by", false},  Column{"mae", "MAE"},
+constexpr std::array tradeColumns{Column{"time", "Closed", false},
+                                  Column{"root", "Root", false},
+                                  Column{"side", "Side", false},
+                                  Column{"qty", "Qty"},
+                                  Column{"entry", "Entry"},
+                                  Column{"exit", "Exit"},
+                                  Column{"result", "Result", true, true},
+                                  Column{"fees", "Fees"},
+                                  Column{"exitKind", "Ended by", false},
+                                  Column{"mae", "MAE"},
                                   Column{"mfe", "MFE"}};
-constexpr std::array fillColumns{Column{"time", "Time", false}, Column{"root", "Root", false},
-                                 Column{"side", "Side", false}, Column{"qty", "Qty"},
-                                 Column{"price", "Price"},      Column{"fee", "Fee"},
-                                 Column{"tag", "Order", false}};
+constexpr std::array fillColumns{
+    Column{"time", "Time", false}, Column{"root", "Root", false}, Column{"side", "Side", false}, Column{"qty", "Qty"},
+    Column{"price", "Price"},      Column{"fee", "Fee"},          Column{"tag", "Order", false}};
 
 QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
 QString money(double value) { return text(sim::num(value)); }
@@ -72,7 +76,8 @@ QString SimListViewModel::fileName() const {
 QVariantList SimListViewModel::columns() const {
     QVariantList out;
     const auto add = [&out](const Column& one) {
-        out.append(QVariantMap{{"id", one.id}, {"title", tr(one.title)}, {"number", one.number}, {"result", one.result}});
+        out.append(
+            QVariantMap{{"id", one.id}, {"title", tr(one.title)}, {"number", one.number}, {"result", one.result}});
     };
     if (kind_.isEmpty()) return out;
     if (listsTrades())
@@ -121,14 +126,16 @@ void SimListViewModel::mark() {
 
 std::vector<sim::Trade> SimListViewModel::trades() const {
     const SimEngine& engine = desk_->engine();
-    return sim::listTrades(engine.trades(), filter_, [&engine](sim::Date date) { return engine.dayOf(date); },
-                           static_cast<TradeColumn>(sortedBy_), descending_);
+    return sim::listTrades(
+        engine.trades(), filter_, [&engine](sim::Date date) { return engine.dayOf(date); },
+        static_cast<TradeColumn>(sortedBy_), descending_);
 }
 
 std::vector<sim::Fill> SimListViewModel::fills() const {
     const SimEngine& engine = desk_->engine();
-    return sim::listFills(engine.fills(), filter_, [&engine](sim::Date date) { return engine.dayOf(date); },
-                          static_cast<FillColumn>(sortedBy_), descending_);
+    return sim::listFills(
+        engine.fills(), filter_, [&engine](sim::Date date) { return engine.dayOf(date); },
+        static_cast<FillColumn>(sortedBy_), descending_);
 }
 
 void SimListViewModel::refresh() {

@@ -160,7 +160,9 @@ FloatingPanel {
             Rectangle {  // why what was asked for was not done
                 id: notice
                 anchors.bottom: parent.bottom
-                width: parent.width
+                anchors.bottomMargin: 2  // the panel's own edge
+                x: 2
+                width: parent.width - 4
                 height: said.text === "" ? 0 : said.implicitHeight + 16
                 visible: height > 0
                 color: Theme.raised

@@ -27,9 +27,9 @@ RowsModel::Rows each(const std::vector<Row>& rows, Make make) {
 RowsModel::Rows simRows(const std::vector<SimPositionRow>& rows, const SimEngine& engine) {
     return each(rows, [&engine](const SimPositionRow& row) {
         const SimPnl pnl = simPnl(engine, row.root);
-        return QVariantMap{{"key", text(row.root)},      {"long", row.isLong},          {"size", text(row.size)},
-                           {"name", text(row.name)},     {"average", text(row.average)}, {"addSl", text(row.addSl)},
-                           {"addTp", text(row.addTp)},   {"pnl", text(pnl.text)},        {"gain", pnl.gain}};
+        return QVariantMap{{"key", text(row.root)},    {"long", row.isLong},           {"size", text(row.size)},
+                           {"name", text(row.name)},   {"average", text(row.average)}, {"addSl", text(row.addSl)},
+                           {"addTp", text(row.addTp)}, {"pnl", text(pnl.text)},        {"gain", pnl.gain}};
     });
 }
 
@@ -63,12 +63,9 @@ RowsModel::Rows simRows(const std::vector<SimDay>& rows) {
 
 RowsModel::Rows simRows(const std::vector<SimHistoryRow>& rows) {
     return each(rows, [](const SimHistoryRow& row) {
-        return QVariantMap{{"key", text(row.id.text())},
-                           {"time", text(row.time)},
-                           {"buys", row.side == "BUY"},
-                           {"head", joined({row.side, row.qty, row.root})},
-                           {"what", text(row.prices)},
-                           {"end", text(row.result)},
+        return QVariantMap{{"key", text(row.id.text())}, {"time", text(row.time)},
+                           {"buys", row.side == "BUY"},  {"head", joined({row.side, row.qty, row.root})},
+                           {"what", text(row.prices)},   {"end", text(row.result)},
                            {"tone", row.gain ? 1 : -1}};
     });
 }

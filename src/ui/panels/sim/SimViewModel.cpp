@@ -45,7 +45,8 @@ void SimViewModel::setShown(bool shown) {
     if (shown_ == shown || (shown && !desk_)) return;
     shown_ = shown;
     if (shown) {
-        second_->every(1, [this] { look(); }, leastRealSeconds);
+        second_->every(
+            1, [this] { look(); }, leastRealSeconds);
         look();
         emit startedOver();
     } else if (second_) {
