@@ -73,12 +73,12 @@ FloatingPanel {
                 x: 10
                 width: parent.width - 20
                 clip: true
-                contentWidth: Math.max(width, panel.list.columns.length * 76)
+                contentWidth: Math.max(width, (panel.list.columns.length + 0.7) * 70)
                 contentHeight: height
                 boundsBehavior: Flickable.StopAtBounds
                 flickableDirection: Flickable.HorizontalFlick
 
-                readonly property real cell: contentWidth / Math.max(1, panel.list.columns.length)
+                readonly property real cell: contentWidth / (panel.list.columns.length + 0.7)  // the first, a time, is wider
 
                 Row {
                     id: names
@@ -90,7 +90,7 @@ FloatingPanel {
                             required property int index
                             readonly property bool sorts: panel.list.sortedBy === index
                             objectName: "column " + modelData.id
-                            width: across.cell
+                            width: index === 0 ? 1.7 * across.cell : across.cell
                             height: 28
                             hoverEnabled: true
                             focusPolicy: Qt.TabFocus
@@ -164,7 +164,7 @@ FloatingPanel {
                                     required property string modelData
                                     required property int index
                                     readonly property var column: panel.list.columns[index] || {}
-                                    width: across.cell
+                                    width: index === 0 ? 1.7 * across.cell : across.cell
                                     height: 26
                                     leftPadding: 4
                                     rightPadding: 4
