@@ -174,9 +174,9 @@ TEST_F(LineMarksTest, TheCountdownGivesWayToTags) {
         return room.from;
     };
     EXPECT_EQ(countdownWith({}, 400), 466);
-    EXPECT_EQ(countdownWith({398, 380}, 400), 505) << "below the last price and both tags";
-    EXPECT_EQ(countdownWith({}, -5), 840) << "above it at the axis' end";
-    EXPECT_EQ(countdownWith({20}, -5), 808);
+    EXPECT_EQ(countdownWith({398, 380}, 400), 486) << "below the last price and the tag there";
+    EXPECT_EQ(countdownWith({}, -4.5), 832) << "above it at the axis' end";
+    EXPECT_EQ(countdownWith({20}, -4.5), 808);
 }
 
 TEST_F(LineMarksTest, WhatAPressHitsIsWhatWasDrawnOnTop) {
