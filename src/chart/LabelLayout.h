@@ -9,7 +9,7 @@
 namespace vmr {
 
 /// What a text tells, by its worth: the first is the most important.
-enum class LabelRank : unsigned char { trading, pill, wall, level, strikeName, strike };
+enum class LabelRank : unsigned char { entry, trading, pill, wall, level, strikeName, strike };
 
 /// A text's box in points from the view's top left. It may move up and down, and never sideways.
 struct LabelBox {

@@ -159,7 +159,7 @@ void LineMarks::placeTags(const PointRect& taken) {
                    .right = plot.width,
                    .height = badgeHeight,
                    .wantedY = mark.y,
-                   .rank = LabelRank::trading});
+                   .rank = mark.kind == LineMark::Kind::position ? LabelRank::entry : LabelRank::trading});
         tagged_.push_back(i);
     }
     tags_.arrange(0, plot.bottom());

@@ -152,6 +152,16 @@ TEST_F(LineMarksTest, TagsKeepOutOfEachOtherAndOfTheLastPrice) {
     EXPECT_EQ(lines()[1].tag.y, 350 - 9) << "the newer one stands at its price";
     EXPECT_EQ(lines()[0].tag.y, 350 + 9 + 1);
     EXPECT_EQ(press(width - 10, 350 + 12), "BUY 1");
+
+    // as many as have room around the last price: the position is never the one without
+    trading.shown.orders.clear();
+    for (std::size_t i = 0; i < 7; ++i)
+        trading.shown.orders.push_back({id(i), 388.0 + 4.0 * double(i), true, 1, "LMT"});
+    trading.shown.position = PositionLine{1, 400};
+    frame();
+    EXPECT_LT(layer.tagBoxes().size(), 8U);
+    EXPECT_EQ(lines().back().kind, LineMark::Kind::position);
+    EXPECT_EQ(lines().back().tag.width, 74);
 }
 
 TEST_F(LineMarksTest, TheCountdownGivesWayToTags) {
