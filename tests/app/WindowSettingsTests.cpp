@@ -33,7 +33,8 @@ const std::set<std::string_view> seen{
     "ema1Color",     "ema2Enabled", "ema2Period",    "ema2Color",         "gexEnabled",       "gexLabels",
     "gexOpacity",    "gexBubbles",  "gexPosColor",   "gexNegColor",       "gexBubbleOpacity", "dexEnabled",
     "dexLabels",     "gexSource",   "showNyClock",   "showCountdown",     "oscEnabled",       "oscHeight",
-    "oscNq",         "oscEs",       "oscVix",        "oscCall",           "oscPut",           "oscNet"};
+    "oscNq",         "oscEs",       "oscVix",        "oscCall",           "oscPut",           "oscNet",
+    "hfPressure"};
 constexpr int toolbarHeight = 44;
 
 class SettingsScript {

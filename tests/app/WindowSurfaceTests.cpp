@@ -19,6 +19,8 @@ class WindowSurface : public DrivenWindow {
         if (answer->find("not part of this build") != std::string::npos)
             GTEST_SKIP() << "the 3D view is not part of this build";
         ASSERT_EQ(program_->ask("do gex3D"), "[cmd] ok gex3D off");
+        EXPECT_EQ(program_->ask("set oscEnabled false"),
+                  "[cmd] ok set oscEnabled");  // the chart is as high as its pane
     }
     const json& view() { return state_["panes"][0]["gex3DView"]; }
     bool becomes(const std::function<bool(const json& view)>& holds) {

@@ -22,6 +22,11 @@ class WindowTrading : public DrivenWindow {
             return state["panes"].size() == 2 && state["panes"][1]["viewport"].is_object() &&
                    state["panes"][1]["trading"].is_object();
         }));
+        for (const char* pane : {"", "@2 "})  // the charts are as high as their panes
+            EXPECT_EQ(program_->ask(std::string(pane) + "set oscEnabled false"), "[cmd] ok set oscEnabled");
+        ASSERT_TRUE(until([](const json& state) {
+            return state["panes"][0]["oscillator"].is_null() && state["panes"][1]["oscillator"].is_null();
+        }));
     }
     // To a place in a pane's chart.
     std::string at(std::size_t pane, double x, double y) {

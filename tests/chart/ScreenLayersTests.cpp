@@ -199,7 +199,7 @@ TEST_F(AxisLayerTest, TextsAndBarsAgreeInEveryFrameOfAFastGesture) {
             std::erase(price, ',');
             EXPECT_NEAR(at, yOf(std::stod(price)), 1e-6);
             const double pixel = 1 / pixelRatio;
-            EXPECT_TRUE(std::ranges::any_of(drawn, [&](const Drawn& one) {
+            EXPECT_TRUE(std::ranges::any_of(drawn, [&, at = at](const Drawn& one) {
                 return one.left > PlotArea{width, height}.right() && one.top <= at - 2 && one.bottom >= at + 2 &&
                        std::abs((one.top + one.bottom) / 2 - at) <= 1.5 + pixel;
             })) << text.text();
