@@ -247,7 +247,7 @@ TEST_F(ChartItemInput, ThePositionsResultChangesWithoutAFrame) {
     const QQuickItem& pill = *ui.item("entryPill");
     for (const auto& [result, text, gain] : {std::tuple{132.0, "+130.00", true}, {-43.0, "-45.00", false}}) {
         ui.account.openResult = result;
-        EXPECT_TRUE(runUntil([&] { return pill.property("text") == QLatin1String(text); })) << text;
+        EXPECT_TRUE(runUntil([&, text = text] { return pill.property("text") == QLatin1String(text); })) << text;
         EXPECT_EQ(chart->entryPill()->gain(), gain);
     }
     EXPECT_TRUE(pill.isVisible());
