@@ -255,9 +255,9 @@ std::vector<Action> makeTable() {
 }
 
 constexpr std::array fixed{
-    FixedKey{"Left Right Up Down", "Arrow keys", "Move the chart"},
+    FixedKey{"Left Right Up Down", "Arrow keys", "Move the chart; turn the 3D view; set the separator's height"},
     FixedKey{"+ = -", "+  −", "Zoom in and out"},
-    FixedKey{"Home", "Home", "Back to the live edge"},
+    FixedKey{"Home", "Home", "Back to the live edge; the first view of 3D"},
     FixedKey{"Tab Shift+Tab", "Tab", "To the next control"},
     FixedKey{"Return Space", "Enter, Space", "Press what has the keyboard"},
     FixedKey{"Alt+Left Alt+Right Alt+Up Alt+Down", "Alt+Arrow keys", "Move a panel"},

@@ -97,6 +97,11 @@ FocusScope {
         focus: true
         onTextChanged: list.model = page.rowsNow()
         Keys.onPressed: event => {
+            // at an end of what is typed they do not go on to another page, which would throw it away
+            if (text !== "" && (event.key === Qt.Key_Left || event.key === Qt.Key_Right)) {
+                event.accepted = true;
+                return;
+            }
             const by = { [Qt.Key_Down]: 60, [Qt.Key_Up]: -60, [Qt.Key_PageDown]: list.height - 30, [Qt.Key_PageUp]: 30 - list.height }[event.key];
             if (by === undefined)
                 return;
