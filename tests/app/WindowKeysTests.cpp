@@ -119,6 +119,9 @@ TEST_F(WindowKeys, ShowTheKeyToTheChart) {
     ASSERT_TRUE(shows(""));
     EXPECT_EQ(program_->ask("do keys"), "[cmd] ok keys");
     ASSERT_TRUE(shows("keys"));
+    act(" type --delay 20 zoom");
+    act(" key Right key Right sleep 0.2");
+    EXPECT_TRUE(shows("keys")) << "what is typed stays";
     act(" key Escape");
     ASSERT_TRUE(shows(""));
 }
