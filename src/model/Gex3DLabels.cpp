@@ -66,7 +66,9 @@ Gex3DLabels Gex3DLabels::place(const Gex3DScene& scene, const OrbitCamera& camer
         const Box box{(*at)[0] - w, (*at)[1] - h, (*at)[0] + w, (*at)[1] + h};
         const bool kept = before.shown.size() == out.shown.size() && before.shown[i];
         const double gap = (kept ? keptGap : newcomersGap) * 2 * h;
-        out.shown[i] = std::none_of(taken.begin(), taken.end(), [&](const Box& one) { return box.meets(one, gap); });
+        const bool whole = box.left >= -h && box.right <= width + h;
+        out.shown[i] =
+            whole && std::none_of(taken.begin(), taken.end(), [&](const Box& one) { return box.meets(one, gap); });
         if (out.shown[i]) taken.push_back(box);
     }
     return out;

@@ -15,7 +15,8 @@ struct Gex3DLabels {
 
     /// In a view of `width` by `height` points, over content that is turned by `angle`. Of a row of labels every
     /// second, fourth and so on is placed first and the others where they keep off those, so that a turn takes labels
-    /// away and brings them back, and never moves them along the row. What was shown `before` needs less room.
+    /// away and brings them back, and never moves them along the row. What was shown `before` needs less room; what the
+    /// view would cut at a side is left out.
     static Gex3DLabels place(const Gex3DScene& scene, const OrbitCamera& camera, double angle, double width,
                              double height, const Gex3DLabels& before);
 };

@@ -167,6 +167,7 @@ TEST_F(Gex3DViews, LabelsKeepOffEachOtherAndDoNotFlicker) {
                 EXPECT_TRUE(b[0] < left + 1 || a[0] > right - 1 || b[1] < top + 1 || a[1] > bottom - 1)
                     << labels[i].text << " at " << view.angle();
             boxes.push_back({a[0], a[1], b[0], b[1]});
+            EXPECT_TRUE(a[0] > -10 && b[0] < 452) << labels[i].text << " is cut at " << view.angle();
         }
         before = view.labels().shown;
     }
