@@ -43,7 +43,7 @@ std::size_t charactersOf(std::string_view utf8) {
     return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
-double distanceTo(const SceneLabel& label, const SceneRay& ray) {
+double distanceTo(const SceneLabel& label, const SceneRay& ray, double scale) {
     constexpr double none = std::numeric_limits<double>::infinity();
     const ScenePoint away{label.place[0] - ray.from[0], label.place[1] - ray.from[1], label.place[2] - ray.from[2]};
     const ScenePoint forward{ray.up[1] * ray.right[2] - ray.up[2] * ray.right[1],
@@ -54,10 +54,10 @@ double distanceTo(const SceneLabel& label, const SceneRay& ray) {
     if (!(at > 0)) return none;
     const ScenePoint off{ray.direction[0] * at - away[0], ray.direction[1] * at - away[1],
                          ray.direction[2] * at - away[2]};
-    const double halfWidth = glyphShare * Gex3DScene::labelSize * static_cast<double>(charactersOf(label.text)) / 2;
+    const double halfWidth = label.halfWidth() * scale;
     const double middle = label.outside ? halfWidth * ray.right[0] : 0;
-    const bool inside =
-        std::abs(dot(off, ray.right) - middle) <= halfWidth && std::abs(dot(off, ray.up)) <= Gex3DScene::labelSize / 2;
+    const bool inside = std::abs(dot(off, ray.right) - middle) <= halfWidth &&
+                        std::abs(dot(off, ray.up)) <= Gex3DScene::labelSize * scale / 2;
     return inside ? at : none;
 }
 
@@ -79,6 +79,10 @@ std::size_t nearestStrike(const Gex3DData& data) {
 }
 
 }  // namespace
+
+double SceneLabel::halfWidth() const {
+    return glyphShare * Gex3DScene::labelSize * static_cast<double>(charactersOf(text)) / 2;
+}
 
 SceneRay SceneRay::inTurned(double angle) const {
     return {turned(from, -angle), turned(direction, -angle), turned(right, -angle), turned(up, -angle)};
@@ -116,10 +120,12 @@ Gex3DScene Gex3DScene::build(const Gex3DData& data, const std::set<std::string>&
     return out;
 }
 
-std::optional<std::size_t> Gex3DScene::barHit(const SceneRay& ray) const {
+std::optional<std::size_t> Gex3DScene::barHit(const SceneRay& ray, double labelScale,
+                                              const std::vector<bool>& shown) const {
     std::optional<std::size_t> hit;
     double nearest = std::min(distanceTo(floor, ray), distanceTo(spotMarker, ray));
-    for (const SceneLabel& label : labels) nearest = std::min(nearest, distanceTo(label, ray));
+    for (std::size_t i = 0; i < labels.size(); ++i)
+        if (i >= shown.size() || shown[i]) nearest = std::min(nearest, distanceTo(labels[i], ray, labelScale));
     for (std::size_t i = 0; i < bars.size(); ++i) {
         const double distance = distanceTo(bars[i].box, ray);
         if (!(distance < nearest)) continue;

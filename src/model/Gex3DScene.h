@@ -36,6 +36,8 @@ struct SceneLabel {
     ScenePoint place{};
     double white = 0.5;    ///< how bright
     bool outside = false;  ///< it lies towards larger x of its place instead, so that the bars leave it free
+    /// About; texts are not measured.
+    double halfWidth() const;
     bool operator==(const SceneLabel&) const = default;
 };
 
@@ -64,7 +66,9 @@ struct Gex3DScene {
     static Gex3DScene build(const Gex3DData& data, const std::set<std::string>& hidden = {});
 
     /// The index of the bar that the ray meets first; nothing where it meets none, or floor, marker or label first.
-    std::optional<std::size_t> barHit(const SceneRay& ray) const;
+    /// Labels are `labelScale` times their size, and those not in `shown` are not there; without it all are.
+    std::optional<std::size_t> barHit(const SceneRay& ray, double labelScale = 1,
+                                      const std::vector<bool>& shown = {}) const;
 };
 
 /// Tells surfaces apart by spot, counts and last value alone; empty for none.

@@ -46,14 +46,20 @@ void Gex3DView::home() {
 
 void Gex3DView::setPointer(const std::optional<std::array<double, 2>>& pointer) {
     pointer_ = pointer;
-    look();
+    point();
 }
 
 void Gex3DView::look() {
+    labels_ = Gex3DLabels::place(scene_, camera, angle_, area[2], area[3], labels_);
+    point();
+}
+
+void Gex3DView::point() {
     over_.reset();
     const auto& [x, y, width, height] = area;
     if (pointer_ && width > 0 && height > 0)
-        over_ = scene_.barHit(camera.rayThrough((*pointer_)[0], (*pointer_)[1], width, height).inTurned(angle_));
+        over_ = scene_.barHit(camera.rayThrough((*pointer_)[0], (*pointer_)[1], width, height).inTurned(angle_),
+                              labels_.scale, labels_.shown);
 }
 
 std::optional<std::string> Gex3DView::tooltip() const {

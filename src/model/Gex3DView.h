@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "model/Gex3DLabels.h"
 #include "model/Gex3DScene.h"
 #include "model/OrbitCamera.h"
 
@@ -53,13 +54,16 @@ class Gex3DView {
     const std::optional<std::size_t>& barOver() const { return over_; }
     /// Of that bar.
     std::optional<std::string> tooltip() const;
-    /// The camera, the content or the scene moved: something else may be under the pointer.
+    /// The camera, the content, the area or the scene moved: other labels may have room, and something else may be
+    /// under the pointer.
     void look();
+    const Gex3DLabels& labels() const { return labels_; }
     /// Where a bar is in the area, near its top.
     std::optional<std::array<double, 2>> placeOf(const Gex3DBar& bar) const;
 
  private:
     void build();
+    void point();
 
     std::optional<Gex3DData> data_;
     std::string lastDataID_;
@@ -70,6 +74,7 @@ class Gex3DView {
     double angle_ = 0;
     std::optional<std::array<double, 2>> pointer_;
     std::optional<std::size_t> over_;
+    Gex3DLabels labels_;
 };
 
 }  // namespace vmr

@@ -1,6 +1,7 @@
 // The 3D view without a toolkit: what stands where, what a ray meets, where the camera may go.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "model/Gex3DView.h"
@@ -125,6 +126,57 @@ TEST_F(Gex3DViews, ThePointerFindsTheBarFromEverySide) {
     EXPECT_EQ(over(tall), text) << "a view that is higher than wide";
     view.setPointer(std::nullopt);
     EXPECT_EQ(view.tooltip(), std::nullopt);
+}
+
+// 14 expirations and 12 strikes' labels in a small view, through a whole turn.
+TEST_F(Gex3DViews, LabelsKeepOffEachOtherAndDoNotFlicker) {
+    Gex3DData many{5000, {}, {}, std::vector<std::vector<double>>(14, std::vector<double>(24, 1e6))};
+    for (int s = 0; s < 24; ++s) many.strikes.push_back(4988 + s);
+    for (int e = 0; e < 14; ++e) many.expLabels.push_back("6/" + std::to_string(10 + e) + " (9DTE)");
+    view.area = {0, 0, 442, 342};
+    view.take(many);
+    const auto& labels = view.scene().labels;
+    ASSERT_EQ(labels.size(), 27u);
+    EXPECT_GT(view.labels().scale, 1.5) << "readable";
+    const auto count = [&] { return std::count(view.labels().shown.begin() + 13, view.labels().shown.end(), true); };
+    EXPECT_TRUE(view.labels().shown[13]) << "the nearest";
+    EXPECT_GE(count(), 3);
+    EXPECT_LT(count(), 14);
+
+    std::vector<int> changes(labels.size());
+    std::vector<bool> before = view.labels().shown;
+    view.autoRotate = true;
+    for (double turned = 0; turned < 6.3; turned += 0.02) {
+        view.advance(0.02 / Gex3DView::turnsBy);
+        const SceneRay axes = view.camera.rayThrough(221, 171, 442, 342).inTurned(view.angle());
+        std::vector<std::array<double, 4>> boxes;  // left, top, right, bottom
+        for (std::size_t i = 0; i < labels.size(); ++i) {
+            changes[i] += view.labels().shown[i] != before[i];
+            if (!view.labels().shown[i]) continue;
+            const double half = labels[i].halfWidth() * view.labels().scale,
+                         up = Gex3DScene::labelSize * view.labels().scale / 2,
+                         shift = labels[i].outside ? half * axes.right[0] : 0;
+            const auto corner = [&](double x, double y) {
+                Gex3DBar at{{labels[i].place, {}}, 0, 0, false, {}};
+                for (std::size_t k = 0; k < 3; ++k)
+                    at.box.place[k] += axes.right[k] * (shift + x * half) + axes.up[k] * y * up;
+                return *view.placeOf(at);
+            };
+            const auto a = corner(-1, 1), b = corner(1, -1);
+            for (const auto& [left, top, right, bottom] : boxes)
+                EXPECT_TRUE(b[0] < left + 1 || a[0] > right - 1 || b[1] < top + 1 || a[1] > bottom - 1)
+                    << labels[i].text << " at " << view.angle();
+            boxes.push_back({a[0], a[1], b[0], b[1]});
+            EXPECT_TRUE(a[0] > -10 && b[0] < 452) << labels[i].text << " is cut at " << view.angle();
+        }
+        before = view.labels().shown;
+    }
+    for (std::size_t i = 0; i < labels.size(); ++i) EXPECT_LE(changes[i], 12) << labels[i].text;
+
+    Gex3DScene scene = view.scene();
+    const SceneRay before4988{{scene.labels[1].place[0], 0.5, 300}, {0, 0, -1}};
+    EXPECT_EQ(scene.barHit(before4988), std::nullopt);
+    EXPECT_NE(scene.barHit(before4988, 1, std::vector<bool>(27, false)), std::nullopt) << "a label that is not shown";
 }
 
 TEST_F(Gex3DViews, DataChangesWhatIsShownButNotHow) {

@@ -146,6 +146,11 @@ TEST_F(PaneData, SamplesPressureWhileWantedAndBuildsTheSurfaceAtMostEveryThreeSe
     time.advance(5);
     EXPECT_TRUE(pane.hfp.samples.empty());
     set("30d", true);
+    time.advance(1);
+    EXPECT_EQ(pane.hfp.samples.size(), 1u);
+    pane.reloadChart();
+    time.advance(2);
+    EXPECT_TRUE(pane.hfp.samples.empty()) << "the rows are still the former chart's";
     pane.signOut();
     time.advance(5);
     EXPECT_TRUE(pane.hfp.samples.empty());

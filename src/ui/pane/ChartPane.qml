@@ -13,6 +13,7 @@ FocusScope {
     readonly property alias toolbarHeight: toolbar.height
     readonly property bool wide: width >= 700  // enough for a column beside the chart
     readonly property real chartWidth: width - (pressure.active && wide ? pressure.width : 0)
+    readonly property real uncoveredWidth: width - (pressure.active ? pressure.width : 0)
     readonly property real headHeight: toolbar.height + (hud.visible ? hud.y + hud.height : 0)  // which notices lie below
 
     signal entered
@@ -84,7 +85,7 @@ FocusScope {
             hud: chart.hud
             // beside the strikes' bars and their names, while enough is left
             readonly property real plot: chart.width - chart.crosshair.priceAxisWidth - 2 * x
-            readonly property real uncovered: paneView.width - (pressure.active ? pressure.width : 0) - 2 * x
+            readonly property real uncovered: paneView.uncoveredWidth - 2 * x
             room: Math.min(Math.max(plot - chart.barsWidth - 36, Math.min(plot, 220), 0), uncovered)
             wraps: chart.width < 900
         }
@@ -150,8 +151,9 @@ FocusScope {
     }
     Label {
         objectName: "chartNotice"
-        anchors.centerIn: chart
-        width: Math.min(implicitWidth, chart.width - 64)
+        anchors.verticalCenter: chart.verticalCenter
+        x: (paneView.uncoveredWidth - width) / 2
+        width: Math.min(implicitWidth, Math.max(paneView.uncoveredWidth - 64, 64))
         visible: text !== ""
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.Wrap

@@ -74,6 +74,12 @@ QVariantList Gex3DViewModel::labels() const {
     return out;
 }
 
+QVariantList Gex3DViewModel::labelsShown() const {
+    QVariantList out;
+    for (const bool one : placed_.shown) out.push_back(one);
+    return out;
+}
+
 QVariantList Gex3DViewModel::expirations() const {
     QVariantList out;
     if (!shown()) return out;
@@ -192,11 +198,18 @@ void Gex3DViewModel::tellPlaces(const QRectF& area, const QVariantMap& controls)
         const QPointF place = at->toPointF();
         shown()->controls[at.key().toStdString()] = {place.x(), place.y()};
     }
-    if (resized) emit cameraChanged();
+    if (!resized) return;
+    shown()->look();
+    emit cameraChanged();
+    looked();
 }
 
-// What is under the pointer, after something has changed.
+// Which labels have room and what is under the pointer, after something has changed.
 void Gex3DViewModel::looked() {
+    if (Gex3DLabels now = shown() ? shown()->labels() : Gex3DLabels(); now != placed_) {
+        placed_ = std::move(now);
+        emit labelsPlaced();
+    }
     const auto tooltip = shown() ? shown()->tooltip() : std::nullopt;
     if (const QString now = text(tooltip.value_or("")); now != tooltip_) {
         tooltip_ = now;

@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include "model/Gex3DLabels.h"
+
 namespace vmr {
 
 class AppModel;
@@ -31,6 +33,8 @@ class Gex3DViewModel : public QObject {
     Q_PROPERTY(QString source READ source NOTIFY sceneChanged)
     Q_PROPERTY(bool loading READ loading NOTIFY sceneChanged)
     Q_PROPERTY(QVariantList labels READ labels NOTIFY sceneChanged)
+    Q_PROPERTY(QVariantList labelsShown READ labelsShown NOTIFY labelsPlaced)
+    Q_PROPERTY(qreal labelScale READ labelScale NOTIFY labelsPlaced)
     Q_PROPERTY(QVariantList expirations READ expirations NOTIFY sceneChanged)
     Q_PROPERTY(QVector3D markerPlace READ markerPlace NOTIFY sceneChanged)
     Q_PROPERTY(QVector3D cameraPosition READ cameraPosition NOTIFY cameraChanged)
@@ -66,6 +70,8 @@ class Gex3DViewModel : public QObject {
     QString source() const { return source_; }
     bool loading() const;
     QVariantList labels() const;       ///< { text, place, white, outside }
+    QVariantList labelsShown() const;  ///< whether each has room
+    qreal labelScale() const { return placed_.scale; }
     QVariantList expirations() const;  ///< { label, hidden }
     QVector3D markerPlace() const;
     QVector3D cameraPosition() const;
@@ -103,6 +109,7 @@ class Gex3DViewModel : public QObject {
     void openChanged();
     void sceneChanged();
     void cameraChanged();
+    void labelsPlaced();
     void barsChanged();
     void tooltipChanged();
     void autoRotateChanged();
@@ -121,6 +128,7 @@ class Gex3DViewModel : public QObject {
     bool open_ = false, colorSafe_ = false;
     const bool manySamples_, reduced_;
     std::vector<Bar> bars_;
+    Gex3DLabels placed_;
     std::vector<std::pair<double, double>> heights_;                ///< from which to which each bar eases
     std::map<std::pair<std::string, double>, std::size_t> places_;  ///< of a bar by its row and strike
     double easedSince_ = -1;                                        ///< monotonic; below 0 while none eases

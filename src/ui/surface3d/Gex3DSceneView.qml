@@ -109,7 +109,9 @@ FocusScope {
                     readonly property int sharpness: 8  // pixels of text for a unit
                     position: label.place
                     rotation: scene.surface.labelRotation
-                    scale: Qt.vector3d(1 / sharpness, 1 / sharpness, 1 / sharpness)
+                    readonly property real size: scene.surface.labelScale / sharpness
+                    visible: scene.surface.labelsShown[index] === true
+                    scale: Qt.vector3d(size, size, size)
                     Text {
                         x: width / 2 * (billboard.label.outside ? scene.surface.labelSide - 1 : -1)
                         y: -height / 2
