@@ -58,9 +58,11 @@ class OscColumns {
         double low = lowest_.value, high = highest_.value;
         std::size_t lowAt = points.size(), highAt = points.size();
         for (std::size_t i = 0; i < points.size(); ++i) {
-            const double value = points[i].v;
-            if (value < low) low = value, lowAt = i;
-            if (value > high) high = value, highAt = i;
+            const double value = points[i].v;  // chosen without jumps, which nobody could foresee
+            lowAt = value < low ? i : lowAt;
+            low = value < low ? value : low;
+            highAt = value > high ? i : highAt;
+            high = value > high ? value : high;
         }
         if (lowAt < points.size()) lowest_ = {bar + static_cast<double>(lowAt), low};
         if (highAt < points.size()) highest_ = {bar + static_cast<double>(highAt), high};

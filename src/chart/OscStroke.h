@@ -11,7 +11,8 @@ namespace vmr {
 
 /// Each point but the first adds a quadratic curve to the middle between it and the one before, which is what the curve
 /// bends to; the line ends straight at its last point. So it is smooth and goes beyond no value.
-/// Points that lie closer than they can be told apart are joined by straight lines. Places in points from the view's top left. Allocates nothing once its lists have grown.
+/// Points that lie closer than they can be told apart are joined by straight lines. Places in points from the view's
+/// top left. Allocates nothing once its lists have grown.
 class OscStroke {
  public:
     static constexpr double width = 2;  ///< points
