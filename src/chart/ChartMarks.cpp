@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "chart/ChartView.h"
+#include "chart/OscillatorPane.h"
 #include "gpu/GpuPart.h"
 
 namespace vmr {
@@ -36,6 +37,8 @@ struct Scene {
     std::vector<BubblePt> bubbles;
     std::vector<TrianglePt> triangles;
     TradingLines account;
+    OscLines oscLines;
+    std::optional<OscContent> oscillator;  ///< shown in place of the chart; without its lines
 
     Scene(const RenderConfig& chosen, const OverlayStyle& chosenStyle) : look(chosen), style(chosenStyle) {
         for (bool* shown : {&look.gexEnabled, &look.dexEnabled, &look.bubblesEnabled, &look.trianglesEnabled,
@@ -82,6 +85,19 @@ struct Scene {
                            .putOI = other});
         }
         return out;
+    }
+    /// The right end of an oscillator with three series from `firstSeries` on.
+    void showOscillator(std::size_t firstSeries) {
+        left = viewWidth - MarkSamples::width;
+        oscillator.emplace().shown = {};
+        for (std::size_t k = 0; k < 3; ++k) {
+            std::vector<OscPt>& points = oscLines.*oscSeries[firstSeries + k].points;
+            oscillator->shown[firstSeries + k] = true;
+            const auto part = static_cast<double>(k);
+            eachBar([&](double i, const Candle& bar) {
+                points.push_back({bar.time, 90 - 90 * part + 55 * std::sin(i * 0.3 + 2 * part)});
+            });
+        }
     }
     /// The end of the plot, or its beginning.
     void showStrikes(int eachSide, double step, double turn, bool atRight = true) {
@@ -227,6 +243,15 @@ void showLegs(Scene& scene) {
     scene.account.legs = {{Uuid{{1}}, "SL", middlePrice - 45}, {Uuid{{1}}, "TP", middlePrice + 45}};
 }
 
+void showOrderTags(Scene& scene) {
+    showOrders(scene);
+    scene.left = viewWidth - MarkSamples::width;
+}
+
+void showIndices(Scene& scene) { scene.showOscillator(0); }
+
+void showOptionsFlow(Scene& scene) { scene.showOscillator(3); }
+
 void showAxis(Scene& scene) { scene.left = viewWidth - MarkSamples::width; }
 
 void showWatermark(Scene& scene) {
@@ -278,8 +303,11 @@ constexpr std::array entries{
           showSessionLines},
     Entry{{"position", "Position", "What the paper account holds, at its average price."}, showPosition},
     Entry{{"orders", "Working orders", "Drag one to change its price; the cross cancels it."}, showOrders},
+    Entry{{"orderTags", "Price of an order", "In its tag on the axis: green buys, red sells."}, showOrderTags},
     Entry{{"legs", "Planned stop and target", "What an order will get when it fills. They can be dragged as well."},
           showLegs},
+    Entry{{"oscIndices", "Oscillator", "The instrument, ES and the VIX on one scale, minute by minute."}, showIndices},
+    Entry{{"oscFlow", "Oscillator's options", "Calls, puts and the net of both on the same scale."}, showOptionsFlow},
     Entry{{"watermark", "Symbol and timeframe", "Faintly, under everything."}, showWatermark},
 };
 
@@ -317,6 +345,10 @@ struct MarkSamples::Sample {
     GpuPart gpu;
     SampleAccount account;
     ChartView view;
+    std::optional<OscillatorPane> oscillator;
+    OscLines oscLines;
+    std::vector<Candle> oscCandles;
+    OscInput oscInput;
     double left = 0, top = 0, width = 0;
 
     explicit Sample(const Surroundings& at)
@@ -327,6 +359,14 @@ struct MarkSamples::Sample {
         left = scene.left;
         top = scene.top;
         width = scene.width;
+        if (scene.oscillator) {
+            oscLines = scene.oscLines;
+            oscCandles = scene.candles;
+            const auto last = static_cast<double>(barCount - 1);
+            oscInput = {*scene.oscillator, oscCandles, 1, {last + 8 - barsAcross, barsAcross, 0, 1}};
+            oscInput.content.lines = &oscLines;
+            return;
+        }
         view.setContent({.timeframe = 1,
                          .simRoot = "NQ",
                          .symbol = "NQ",
@@ -373,6 +413,7 @@ MarkSamples::Sample& MarkSamples::sampleOf(std::size_t mark) {
     sample = std::make_unique<Sample>(at_);
     Scene scene(look_, style_);
     entries[mark].show(scene);
+    if (scene.oscillator) sample->oscillator.emplace(sample->gpu, at_.glyphs);
     sample->show(scene);
     return *sample;
 }
@@ -380,7 +421,10 @@ MarkSamples::Sample& MarkSamples::sampleOf(std::size_t mark) {
 void MarkSamples::draw(std::size_t mark, double x, double y, double frameWidth, double frameHeight, double pixelRatio) {
     Sample& sample = sampleOf(mark);
     sample.gpu.place({x, y, width, height}, frameWidth, frameHeight, sample.left, sample.top);
-    sample.view.record(sample.width, viewHeight, pixelRatio, 0, true);
+    if (sample.oscillator)
+        sample.oscillator->record(sample.oscInput, sample.width, height, pixelRatio);
+    else
+        sample.view.record(sample.width, viewHeight, pixelRatio, 0, true);
 }
 
 }  // namespace vmr

@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "chart/AxisScale.h"
@@ -87,28 +88,42 @@ struct Range {
 /// Nothing for under two bars or a camera that shows nothing.
 std::optional<Range> visibleRange(const OscInput& input);
 
-/// The points that are drawn: of several in one bar the last, where there is such a bar and it is in range. Calls
-/// `add(bar, value, begins)`; `begins` for a point that begins a line.
+/// The points that are drawn: of several in one bar the last, where there is such a bar and it is in range. They come
+/// in runs of points whose bars follow each other: calls `run(bar, points, begins)`, `begins` for a run that begins a
+/// line.
+template <class Run>
+void eachRun(std::span<const OscPt> points, const OscInput& input, const Range& range, bool breaks, Run&& run) {
+    const std::int64_t seconds = barSeconds(input.timeframe);
+    const std::span candles = input.candles;
+    const auto from = std::ranges::lower_bound(points, range.tLeft, {}, &OscPt::t);
+    const auto stop = std::ranges::upper_bound(from, points.end(), range.tRight, {}, &OscPt::t);
+    std::optional<std::int64_t> before;  // when the point before was
+    std::size_t next = range.first;      // the bar after it
+    for (auto at = from; at != stop && next <= range.last; ++at) {
+        const std::int64_t bucket = at->t / seconds * seconds, end = bucket + seconds;
+        while (at + 1 != stop && at[1].t < end) ++at;
+        const auto found = barFrom(candles, bucket, next);
+        if (!found || *found < range.first || *found > range.last || !std::isfinite(at->v)) continue;
+        const bool begins = !before || (breaks && at->t - *before > range.maxGap);
+        // Those that follow a bar's time apart are known by a glance, but for the last of them: its bar may have more.
+        const std::size_t most = std::min(static_cast<std::size_t>(stop - at), range.last + 1 - *found);
+        std::size_t count = 1;
+        for (std::int64_t t = end; count < most; ++count, t += seconds)
+            if (at[count].t != t || candles[*found + count].time != t || !std::isfinite(at[count].v)) break;
+        if (count > 1) --count;
+        run(*found, std::span(&*at, count), begins);
+        at += count - 1;
+        next = *found + count;
+        before = at->t;
+    }
+}
+
+/// The same point by point: calls `add(bar, value, begins)`.
 template <class Add>
 void eachPoint(std::span<const OscPt> points, const OscInput& input, const Range& range, bool breaks, Add&& add) {
-    const std::int64_t seconds = barSeconds(input.timeframe);
-    const OscPt* before = nullptr;
-    std::size_t bar = range.first;
-    std::int64_t end = range.tLeft;  // of the bucket before
-    auto at = std::lower_bound(points.begin(), points.end(), range.tLeft,
-                               [](const OscPt& point, std::int64_t t) { return point.t < t; });
-    for (; at != points.end() && at->t <= range.tRight; ++at) {
-        const bool follows = at->t >= end && at->t < end + seconds && before;  // which saves the division
-        const std::int64_t bucket = follows ? end : at->t / seconds * seconds;
-        end = bucket + seconds;
-        while (at + 1 != points.end() && (at + 1)->t < end) ++at;
-        if (at->t > range.tRight) break;
-        const auto found = barFrom(input.candles, bucket, bar);
-        if (!found || *found < range.first || *found > range.last || !std::isfinite(at->v)) continue;
-        bar = *found + 1;
-        add(*found, at->v, !before || (breaks && at->t - before->t > range.maxGap));
-        before = &*at;
-    }
+    eachRun(points, input, range, breaks, [&](std::size_t bar, std::span<const OscPt> run, bool begins) {
+        for (const OscPt& point : run) add(bar++, point.v, std::exchange(begins, false));
+    });
 }
 
 /// The newest value of a series at the right edge.

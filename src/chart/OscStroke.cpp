@@ -5,33 +5,18 @@
 
 namespace vmr {
 
+void OscStroke::clear() {
+    spots_ = 0;
+    lines_.clear();
+    caps_.clear();
+}
+
 void OscStroke::add(double x, double y, bool begins) {
     if (begins) end();
     const Spot point{x, y};
-    if (!dense_) return addPoint(point);
-    const double at = std::floor(x / width);
-    if (hasColumn_ && column_.at == at) {
-        const auto [low, high] = std::minmax(column_.first.y, column_.second.y);
-        if (y < low) column_ = {at, column_.first.y == high ? column_.first : column_.second, point};
-        if (y > high) column_ = {at, column_.first.y == low ? column_.first : column_.second, point};
-        return;
-    }
-    flushColumn();
-    column_ = {at, point, point};
-    hasColumn_ = true;
-}
-
-void OscStroke::flushColumn() {
-    if (!hasColumn_) return;
-    hasColumn_ = false;
-    addPoint(column_.first);
-    if (column_.second.x != column_.first.x) addPoint(column_.second);
-}
-
-void OscStroke::addPoint(const Spot& point) {
     if (points_++ == 0) {
-        pen_ = point;
-        joins_ = false;
+        lines_.push_back({color_, spots_});
+        addSpot(point);
         cap(point);
     } else if (dense_) {
         lineTo(point);
@@ -42,7 +27,6 @@ void OscStroke::addPoint(const Spot& point) {
 }
 
 void OscStroke::end() {
-    flushColumn();
     if (points_ > 1) {
         lineTo(last_);
         cap(last_);
@@ -60,7 +44,6 @@ void OscStroke::curveTo(const Spot& control, const Spot& to) {
     const double off = across / (2 * std::max(std::hypot(dx, dy), 1e-9));  // of the curve from its chord
     int parts = 1;
     while (parts < mostParts && off > tolerance * parts * parts) ++parts;
-    makeRoom(static_cast<std::size_t>(parts) * segmentVertices);
     for (int i = 1; i < parts; ++i) {
         const double t = static_cast<double>(i) / parts, s = 1 - t;
         lineTo({s * s * from.x + 2 * s * t * control.x + t * t * to.x,
@@ -69,20 +52,28 @@ void OscStroke::curveTo(const Spot& control, const Spot& to) {
     lineTo(to);
 }
 
-void OscStroke::makeRoom(std::size_t vertices) {
-    if (used_ + vertices > room_.size()) room_.resize(std::max(2 * room_.size(), used_ + vertices));
+void OscStroke::lineTo(const Spot& to) {
+    if (to.x != pen_.x || to.y != pen_.y) addSpot(to);
 }
 
-void OscStroke::lineTo(const Spot& to) {
-    if (to.x == pen_.x && to.y == pen_.y) return;
-    makeRoom(segmentVertices);
-    LineVertex* const segment = room_.data() + used_;
-    used_ += segmentVertices;
-    writeSegment(segment, static_cast<float>(pen_.x), static_cast<float>(pen_.y), static_cast<float>(to.x),
-                 static_cast<float>(to.y), static_cast<float>(width / 2), color_);
-    if (joins_) joinSegments(segment - segmentVertices, segment);
-    joins_ = true;
-    pen_ = to;
+void OscStroke::addSpot(const Spot& spot) {
+    if (spots_ == room_.size()) room_.resize(2 * spots_ + 256);
+    room_[spots_++] = {static_cast<float>(spot.x), static_cast<float>(spot.y)};
+    pen_ = spot;
+}
+
+void OscStroke::write(LineVertex* out) const {
+    constexpr auto halfWidth = static_cast<float>(width / 2);
+    for (std::size_t i = 0; i < lines_.size(); ++i) {
+        const std::size_t end = i + 1 < lines_.size() ? lines_[i + 1].first : spots_;
+        bool joins = false;
+        for (std::size_t k = lines_[i].first + 1; k < end; ++k, joins = true) {
+            const auto &a = room_[k - 1], &b = room_[k];
+            LineVertex* const segment = out;
+            out = writeSegment(segment, a[0], a[1], b[0], b[1], halfWidth, lines_[i].color);
+            if (joins) joinSegments(segment - segmentVertices, segment);
+        }
+    }
 }
 
 void OscStroke::cap(const Spot& at) {

@@ -1,8 +1,8 @@
 // Smooth lines through points, as ribbons with round ends.
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <span>
 #include <vector>
 
 #include "gpu/Vertices.h"
@@ -10,17 +10,14 @@
 namespace vmr {
 
 /// Each point but the first adds a quadratic curve to the middle between it and the one before, which is what the curve
-/// bends to; the line ends straight at its last point. So it is smooth and goes beyond no value. Where several points
-/// share the width of the line, those between the highest and the lowest of them are left out, since they would lie
-/// under these. Places in points from the view's top left. Allocates nothing once its lists have grown.
+/// bends to; the line ends straight at its last point. So it is smooth and goes beyond no value.
+/// Points that lie closer than they can be told apart are joined by straight lines. Places in points from the view's
+/// top left. Allocates nothing once its lists have grown.
 class OscStroke {
  public:
     static constexpr double width = 2;  ///< points
 
-    void clear() {
-        used_ = 0;
-        caps_.clear();
-    }
+    void clear();
     /// The next lines have this colour; `dense` for points that lie closer than they can be told apart.
     void setColor(const Rgba& color, bool dense) {
         color_ = capColor_ = color;
@@ -30,33 +27,32 @@ class OscStroke {
     /// Ends the line that is under way.
     void end();
 
-    std::span<const LineVertex> segments() const { return {room_.data(), used_}; }
+    std::size_t segmentCount() const { return spots_ - lines_.size(); }
+    /// Writes `segmentCount()` segments at `out`.
+    void write(LineVertex* out) const;
     const std::vector<MarkerVertex>& caps() const { return caps_; }
 
  private:
     struct Spot {
         double x = 0, y = 0;
     };
-    /// The extremes of the points that share a column, in their order.
-    struct Column {
-        double at = 0;
-        Spot first, second;
+    struct Line {
+        Rgba8 color;
+        std::size_t first = 0;  ///< of its spots, which end where the next line's begin
     };
-    void addPoint(const Spot& point);
-    void flushColumn();
     void curveTo(const Spot& control, const Spot& to);
     void lineTo(const Spot& to);
-    void makeRoom(std::size_t vertices);
+    void addSpot(const Spot& spot);
     void cap(const Spot& at);
 
     Rgba8 color_;
     Rgba capColor_{};
-    bool dense_ = false, hasColumn_ = false, joins_ = false;
+    bool dense_ = false;
     std::size_t points_ = 0;  ///< of the line under way
-    Column column_;
     Spot last_, pen_;
-    std::vector<LineVertex> room_;  ///< of which so many are used
-    std::size_t used_ = 0;
+    std::vector<std::array<float, 2>> room_;  ///< of the spots that straight parts join, of which so many are used
+    std::size_t spots_ = 0;
+    std::vector<Line> lines_;
     std::vector<MarkerVertex> caps_;
 };
 

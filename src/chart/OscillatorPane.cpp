@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "chart/ChartRenderer.h"
+#include "chart/OscColumns.h"
 #include "chart/PipelineState.h"
 #include "perf/Perf.h"
 
@@ -39,9 +40,7 @@ bool OscillatorPane::record(const std::optional<OscInput>& input, double width, 
     return stale;
 }
 
-template <class Vertices>
-void OscillatorPane::draw(Pipeline pipeline, const LineUniforms& uniforms, const Vertices& list) {
-    const auto upload = arena_.uploadDyn(list);
+void OscillatorPane::draw(Pipeline pipeline, const LineUniforms& uniforms, const std::optional<DynUpload>& upload) {
     if (!upload) return;
     setWithView(gpu_, pipeline, uniforms);
     gpu_.draw(Primitive::quads, upload->buffer, upload->offset, upload->count);
@@ -62,28 +61,41 @@ void OscillatorPane::drawGrid(double width, double height, double pixelRatio) {
     };
     std::array<LineVertex, 2 * segmentVertices> outer;
     line(line(outer.data(), 80, 0.227F), -80, 0.227F);
-    draw(Pipeline::dashed, dashes(1.5F, 3), outer);
+    draw(Pipeline::dashed, dashes(1.5F, 3), arena_.uploadDyn(outer));
     std::array<LineVertex, segmentVertices> middle;
     line(middle.data(), 0, 0.267F);
-    draw(Pipeline::dashed, dashes(5, 4), middle);
+    draw(Pipeline::dashed, dashes(5, 4), arena_.uploadDyn(middle));
 }
 
 void OscillatorPane::drawSeries(const OscInput& input, const Range& range, double width, double height) {
     constexpr double farOff = 1e5;  // beyond which a line's slope can no longer be seen
     const double barWidth = width / input.viewport.count;
+    const bool dense = barWidth < 1;
+    const auto add = [&](double bar, double value, bool begins) {
+        stroke_.add((bar - input.viewport.first) * barWidth, yFor(std::clamp(value, -farOff, farOff), height), begins);
+    };
+    OscColumns columns(input.viewport.first, OscStroke::width / barWidth, add);
     stroke_.clear();
     for (std::size_t i = 0; i < oscSeries.size(); ++i) {
-        stroke_.setColor(oscSeries[i].color, barWidth < 1);
-        eachPoint(pointsOf(input.content, i), input, range, oscSeries[i].breaks,
-                  [&](std::size_t bar, double value, bool begins) {
-                      stroke_.add((static_cast<double>(bar) - input.viewport.first) * barWidth,
-                                  yFor(std::clamp(value, -farOff, farOff), height), begins);
-                  });
+        const auto points = pointsOf(input.content, i);
+        const bool breaks = oscSeries[i].breaks;
+        stroke_.setColor(oscSeries[i].color, dense);
+        if (dense) {
+            eachRun(points, input, range, breaks,
+                    [&](std::size_t bar, std::span<const OscPt> run, bool begins) { columns.add(bar, run, begins); });
+            columns.flush();
+        } else {
+            eachPoint(points, input, range, breaks, [&](std::size_t bar, double value, bool begins) {
+                add(static_cast<double>(bar), value, begins);
+            });
+        }
         stroke_.end();
     }
     const LineUniforms view = pointUniforms(width, height);
-    draw(Pipeline::ribbon, view, stroke_.segments());
-    draw(Pipeline::disc, view, stroke_.caps());
+    const std::size_t vertices = stroke_.segmentCount() * segmentVertices;
+    stroke_.write(arena_.reserve<LineVertex>(vertices).data());
+    draw(Pipeline::ribbon, view, arena_.commit<LineVertex>(vertices));
+    draw(Pipeline::disc, view, arena_.uploadDyn(stroke_.caps()));
 }
 
 void OscillatorPane::paintTexts(const OscContent& content, double width, double height) {

@@ -48,8 +48,7 @@ class OscillatorPane {
  private:
     void drawGrid(double width, double height, double pixelRatio);
     void drawSeries(const OscInput& input, const OscGeometry::Range& range, double width, double height);
-    template <class Vertices>
-    void draw(Pipeline pipeline, const LineUniforms& uniforms, const Vertices& list);
+    void draw(Pipeline pipeline, const LineUniforms& uniforms, const std::optional<DynUpload>& upload);
     void paintTexts(const OscContent& content, double width, double height);
     void paintScale(const OscGeometry::Labels& labels, double width, double height);
     void paintLegend(const OscContent& content, double width);

@@ -1,5 +1,6 @@
 // The key to the chart: each sample shows its mark, where it is asked to, and nothing outside.
 #include "chart/ChartMarks.h"
+#include "chart/OscGeometry.h"
 
 #include <map>
 #include <set>
@@ -79,11 +80,15 @@ struct ChartMarksTest : RecordedScene {
 TEST_F(ChartMarksTest, EachSampleShowsItsMark) {
     using enum Pipeline;
     const std::map<std::string_view, Pipeline> shapes{
-        {"second", candle}, {"vwap", ribbon},  {"vwapNY", dashed},       {"averages", ribbon},      {"hfLine", ribbon},
-        {"vix", ribbon},    {"past", rounded}, {"gexBubbles", disc},     {"hfTriangles", triangle}, {"hfWave", ribbon},
-        {"oiWave", ribbon}, {"gexBars", box},  {"strikeNames", text},    {"secBars", box},          {"dexBars", box},
-        {"walls", text},    {"levels", text},  {"sessionLines", dashed}, {"position", text},        {"orders", text},
-        {"legs", text},     {"axis", rounded}, {"watermark", text}};
+        {"second", candle},     {"vwap", ribbon},     {"vwapNY", dashed},
+        {"averages", ribbon},   {"hfLine", ribbon},   {"vix", ribbon},
+        {"past", rounded},      {"gexBubbles", disc}, {"hfTriangles", triangle},
+        {"hfWave", ribbon},     {"oiWave", ribbon},   {"gexBars", box},
+        {"strikeNames", text},  {"secBars", box},     {"dexBars", box},
+        {"walls", text},        {"levels", text},     {"sessionLines", dashed},
+        {"position", text},     {"orders", text},     {"legs", text},
+        {"axis", rounded},      {"watermark", text},  {"orderTags", rounded},
+        {"oscIndices", ribbon}, {"oscFlow", ribbon}};
     std::set<Paint> bare;  // what every sample has
     const auto marks = chartMarks();
     ASSERT_EQ(marks.size(), shapes.size() + 2);
@@ -116,8 +121,16 @@ TEST_F(ChartMarksTest, SamplesWearTheColoursOfTheSettings) {
     EXPECT_TRUE(samples.setLook(look, {}));
     EXPECT_FALSE(samples.setLook(look, {}));
     const auto marks = chartMarks();
-    const auto bubbles = std::ranges::find(marks, "gexBubbles", &ChartMark::id) - marks.begin();
-    EXPECT_TRUE(show(static_cast<std::size_t>(bubbles)).inside.contains({Pipeline::disc, 51, 102, 153}));
+    const auto colours = [&](std::string_view id) {
+        const auto at = std::ranges::find(marks, id, &ChartMark::id) - marks.begin();
+        return show(static_cast<std::size_t>(at)).inside;
+    };
+    for (std::size_t i = 0; i < oscSeries.size(); ++i) {
+        const Rgba8 color(oscSeries[i].color);
+        for (const Pipeline shape : {Pipeline::ribbon, Pipeline::rounded})
+            EXPECT_TRUE(colours(i < 3 ? "oscIndices" : "oscFlow").contains({shape, color.r, color.g, color.b})) << i;
+    }
+    EXPECT_TRUE(colours("gexBubbles").contains({Pipeline::disc, 51, 102, 153}));
 }
 
 }  // namespace

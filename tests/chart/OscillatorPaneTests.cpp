@@ -1,6 +1,9 @@
 // The oscillator below a chart: which values are drawn and where, its labels, and the frame as it is recorded.
 #include <gmock/gmock.h>
 
+#include <map>
+
+#include "chart/OscColumns.h"
 #include "chart/OscillatorPane.h"
 #include "tests/chart/ChartScene.h"
 
@@ -75,6 +78,68 @@ TEST_F(OscillatorTest, OneValueABarAtTheBarsOwnPlace) {
         EXPECT_EQ(OscGeometry::indexFor(bars, start + 60 + 59, 60, near), 1U);
         EXPECT_EQ(OscGeometry::indexFor(bars, start + 180, 60, near), 2U);
         EXPECT_EQ(OscGeometry::indexFor(bars, start + 120, 60, near), std::nullopt) << near;
+    }
+}
+
+// Point by point, with a division and a search for each.
+std::vector<OscFacts::Line> plainly(const OscInput& input, const std::vector<OscPt>& points, bool breaks) {
+    std::vector<OscFacts::Line> lines;
+    const auto range = *OscGeometry::visibleRange(input);
+    const std::int64_t seconds = OscGeometry::barSeconds(input.timeframe);
+    const OscPt* before = nullptr;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const OscPt& point = points[i];
+        const auto bar = OscGeometry::indexFor(input.candles, point.t, seconds);
+        const bool last = i + 1 == points.size() || points[i + 1].t / seconds != point.t / seconds;
+        if (!last || !bar || *bar < range.first || *bar > range.last || !std::isfinite(point.v)) continue;
+        if (!before || (breaks && point.t - before->t > range.maxGap)) lines.emplace_back();
+        lines.back().emplace_back(static_cast<double>(*bar), point.v);
+        before = &point;
+    }
+    return lines;
+}
+
+TEST_F(OscillatorTest, RunsOfPointsAreWhatThePointsAreOneByOne) {
+    std::uint32_t state = 7;
+    const auto chance = [&](unsigned of) { return ((state = state * 1664525U + 1013904223U) >> 16U & 255U) < of; };
+    for (int round = 0; round < 200 && !HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        const int minutes = std::array{1, 1, 2, 5}[static_cast<std::size_t>(round) % 4];
+        timeframe = minutes;
+        std::vector<int> out;
+        for (int i = 0; i < 400; ++i)
+            if (chance(8)) out.push_back(i);
+        candles = barsWithout(400, minutes, out);
+        lines.vix.clear();
+        for (std::int64_t t = start - 600; t < start + 410 * minutes * 60; t += chance(4) ? 37 : 60) {
+            if (chance(6)) t += 60 * (chance(128) ? 3 : 40);
+            lines.vix.push_back({t, chance(3) ? NAN : static_cast<double>(state >> 24U) - 128});
+        }
+        lines.nq = lines.vix;
+        const double count = round % 3 ? 30 + round : 390;
+        view = {-20.5 + 2 * round, count, 0, 1};
+        EXPECT_EQ(drawn("vix"), plainly(input(), lines.vix, true));
+        EXPECT_EQ(drawn("nq"), plainly(input(), lines.nq, false));
+
+        // in columns each has its highest and lowest, in their order
+        const double wide = 1.5 + round % 7;
+        OscFacts::Line seen, expected;
+        OscColumns columns(view.first, wide, [&](double bar, double value, bool) { seen.emplace_back(bar, value); });
+        const auto range = *OscGeometry::visibleRange(input());
+        OscGeometry::eachRun(lines.nq, input(), range, false,
+                             [&](std::size_t bar, auto run, bool begins) { columns.add(bar, run, begins); });
+        columns.flush();
+        std::map<double, OscFacts::Line> byColumn;
+        for (const auto& line : plainly(input(), lines.nq, false))
+            for (const auto& point : line) byColumn[std::floor((point.first - view.first) / wide)].push_back(point);
+        for (const auto& [column, points] : byColumn) {
+            const auto value = [](const auto& point) { return point.second; };
+            const auto low = *std::ranges::min_element(points, {}, value);
+            const auto high = *std::ranges::max_element(points, {}, value);
+            expected.push_back(std::min(low, high));
+            if (low != high) expected.push_back(std::max(low, high));
+        }
+        EXPECT_EQ(seen, expected);
     }
 }
 
