@@ -20,12 +20,12 @@ std::string sideText(sim::Side side) { return side == sim::Side::buy ? "BUY" : "
 
 double netOf(const sim::Trade& trade) { return trade.pnl - trade.fees; }
 
-// The root, and the contract in which the position was opened where the root's prices are another's by now.
-std::string nameOf(const SimEngine& engine, const std::string& root) {
+// The contract in which the position was opened, where the root's prices are another's by now.
+std::string otherContract(const SimEngine& engine, const std::string& root) {
     const auto open = engine.openTrades().find(root);
-    if (open == engine.openTrades().end() || !open->second.contract) return root;
+    if (open == engine.openTrades().end() || !open->second.contract) return "";
     const std::string_view now = engine.watches().contract(root);
-    return now.empty() || now == *open->second.contract ? root : root + " · " + *open->second.contract;
+    return now.empty() || now == *open->second.contract ? "" : *open->second.contract;
 }
 
 std::size_t openCount(const SimEngine& engine) {
@@ -91,8 +91,8 @@ std::vector<SimPositionRow> simPositionRows(const SimEngine& engine, const sim::
         if (position.qty == 0) continue;
         const bool isLong = position.qty > 0;
         rows.push_back({root, isLong, fmt::format("{} {}", isLong ? "LONG" : "SHORT", sim::sizeOf(position.qty)),
-                        nameOf(engine, root), priceText(position.avg, 2), ticket.protectText(engine, root, sim::slTag),
-                        ticket.protectText(engine, root, sim::tpTag)});
+                        otherContract(engine, root), priceText(position.avg, 2),
+                        ticket.protectText(engine, root, sim::slTag), ticket.protectText(engine, root, sim::tpTag)});
     }
     return rows;
 }

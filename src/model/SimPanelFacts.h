@@ -18,10 +18,11 @@ SimAccountFacts simAccountFacts(const SimEngine& engine);
 struct SimPositionRow {
     std::string root;
     bool isLong = false;
-    std::string size;     ///< "LONG 2"
-    std::string name;     ///< the root, with the contract where the root follows another: "NQ · NQM6"
-    std::string average;  ///< "24,600.25"
+    std::string size;      ///< "LONG 2"
+    std::string contract;  ///< the position's, "NQM6", where the root follows another by now; else empty
+    std::string average;   ///< "24,600.25"
     std::optional<std::string> addSl, addTp{};  ///< the buttons' texts; none: not shown
+    std::string name() const { return contract.empty() ? root : root + " · " + contract; }
     bool operator==(const SimPositionRow&) const = default;
 };
 /// By root, without flat ones.

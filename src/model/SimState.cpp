@@ -139,7 +139,7 @@ json panelRows(const SimDesk& desk) {
     json out = {
         {"positions", json::array()}, {"orders", json::array()}, {"history", json::array()}, {"fills", json::array()}};
     for (const SimPositionRow& row : simPositionRows(engine, desk.ticket()))
-        out["positions"].push_back({{"text", row.size + " " + row.name + " " + row.average},
+        out["positions"].push_back({{"text", row.size + " " + row.name() + " " + row.average},
                                     {"pnl", simPnl(engine, row.root).text},
                                     {"addSl", text(row.addSl)},
                                     {"addTp", text(row.addTp)}});

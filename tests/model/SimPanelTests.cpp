@@ -142,7 +142,7 @@ TEST(SimPanelFacts, RowsAndHeadings) {
     const auto rows = simPositionRows(at.engine, at.desk.ticket());
     std::string told = simPositionsHeading(at.engine) + "; " + simOrdersHeading(at.engine);
     for (const auto& row : rows)
-        told += "; " + row.size + " " + row.name + " " + row.average + " " + row.addSl.value_or("-") + " " +
+        told += "; " + row.size + " " + row.name() + " " + row.average + " " + row.addSl.value_or("-") + " " +
                 row.addTp.value_or("-");
     for (const auto& row : simOrderRows(at.engine))
         told += "; " + row.side + " " + row.qty + " " + row.root + " " + row.type + " " + row.price + " " + row.tag;

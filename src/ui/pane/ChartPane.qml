@@ -168,6 +168,8 @@ FocusScope {
         width: parent.width
         onVacated: chart.forceActiveFocus()
 
+        readonly property real firstTop: Math.max(36, paneView.headHeight - toolbar.height + 8)  // below the line of values
+
         AccountPanel {
             objectName: "accountPanel"
             frames: paneView.pane.panelFrames
@@ -201,7 +203,7 @@ FocusScope {
             objectName: "simPanel"
             frames: paneView.pane.panelFrames
             sim: paneView.pane.sim
-            defaultPos: Qt.point(24, 16)
+            defaultPos: Qt.point(24, panelSpace.firstTop)
             open: paneView.pane.panels.simPanelOpen && paneView.pane.toolbar.on.simEnabled === true
             onClose: paneView.pane.panels.simPanelOpen = false
             onAllAsked: kind => paneView.pane.simList.kind = kind
@@ -212,7 +214,7 @@ FocusScope {
             frames: paneView.pane.panelFrames
             list: paneView.pane.simList
             onHandedBack: if (simPanel.open) simPanel.forceActiveFocus(Qt.TabFocusReason)
-            defaultPos: Qt.point(400, 16)
+            defaultPos: Qt.point(400, panelSpace.firstTop)
         }
     }
     Loader {

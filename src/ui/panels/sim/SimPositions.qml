@@ -34,6 +34,7 @@ SimCard {
                 Label {
                     height: parent.height
                     verticalAlignment: Text.AlignVCenter
+                    color: one.row.elsewhere ? Theme.warning : Theme.text
                     text: one.row.name
                 }
                 Label {

@@ -27,9 +27,11 @@ RowsModel::Rows each(const std::vector<Row>& rows, Make make) {
 RowsModel::Rows simRows(const std::vector<SimPositionRow>& rows, const SimEngine& engine) {
     return each(rows, [&engine](const SimPositionRow& row) {
         const SimPnl pnl = simPnl(engine, row.root);
-        return QVariantMap{{"key", text(row.root)},    {"long", row.isLong},           {"size", text(row.size)},
-                           {"name", text(row.name)},   {"average", text(row.average)}, {"addSl", text(row.addSl)},
-                           {"addTp", text(row.addTp)}, {"pnl", text(pnl.text)},        {"gain", pnl.gain}};
+        return QVariantMap{{"key", text(row.root)},        {"long", row.isLong},
+                           {"size", text(row.size)},       {"name", text(row.name())},
+                           {"average", text(row.average)}, {"elsewhere", !row.contract.empty()},
+                           {"addSl", text(row.addSl)},     {"addTp", text(row.addTp)},
+                           {"pnl", text(pnl.text)},        {"gain", pnl.gain}};
     });
 }
 
