@@ -58,6 +58,7 @@ T.SpinBox {
         readOnly: !control.editable
         validator: control.validator
         inputMethodHints: control.inputMethodHints
+        Accessible.name: control.name  // it has the keyboard in the control's place
     }
     down.indicator: Step {
         icon: "minus"
