@@ -50,7 +50,10 @@ TEST(SimDesk, AnUnusualOrderTakesTwoPressesOfOneButton) {
     const auto press = [&](Side side) { return at.desk.press(side, OrderType::limit).value_or("entered"); };
     EXPECT_EQ(press(Side::buy), asked);
     EXPECT_EQ(at.question(), asked);
-    at.time.advance(3.1);
+    at.time.advance(0.39);
+    EXPECT_EQ(press(Side::buy), asked) << "a double click, which nobody can have meant as an answer";
+    EXPECT_TRUE(at.engine.orders().empty() && at.engine.fills().empty());
+    at.time.advance(2.7);
     EXPECT_EQ(at.question(), "");
     EXPECT_EQ(press(Side::buy), asked) << "too late";
     EXPECT_EQ(press(Side::sell), "entered") << "another button";
@@ -90,6 +93,34 @@ TEST(SimDesk, APriceFieldShowsWhatIsReadAndIsMarked) {
     at.root = "ES";
     at.desk.look();
     EXPECT_EQ(at.desk.ticket().stopText, "") << "a price of another root";
+}
+
+TEST(SimDesk, TheChartsMenuFollowsTheTicket) {
+    Panel at;
+    const auto menu = [&] {
+        const auto& legs = at.engine.ticketBracket;
+        const auto ticks = [](const auto& leg) { return leg ? std::to_string(*leg) : "-"; };
+        return std::to_string(at.engine.ticketQty) +
+               (legs ? " " + ticks(legs->slTicks) + " " + ticks(legs->tpTicks) : "");
+    };
+    const auto turnTo = [&](const char* root) {
+        at.root = root;
+        at.desk.look();
+        return menu();
+    };
+    at.desk.setOpen(true);
+    at.desk.setTicket({.qty = 9, .slTicks = 10, .tpTicks = 0, .useTicks = false});
+    EXPECT_EQ(menu(), "9 40 -");
+    EXPECT_EQ(turnTo("GC"), "9 100 -") << "as many points";
+    EXPECT_EQ(turnTo(""), "9 100 -");
+    EXPECT_EQ(turnTo("NQ"), "9 40 -");
+    at.desk.setTicket({.qty = 9, .bracketOn = false});
+    EXPECT_EQ(menu(), "9");
+    at.desk.setOpen(false);
+    EXPECT_EQ(turnTo("ES"), "9") << "another pane's ticket may be the one";
+    at.desk.setOpen(true);
+    EXPECT_EQ(at.desk.ticket(), sim::SimTicket());
+    EXPECT_EQ(menu(), "1 40 80") << "what the panel shows now";
 }
 
 TEST(SimDesk, TheHeadingSaysWhyAPriceIsDoubtful) {
@@ -279,6 +310,7 @@ class RandomHands {
         at_.desk.press(side, type);
         if (!at_.desk.question()) return;
         ++counts_["asked"];
+        at_.time.advance(SimDesk::readWithin + 0.1);
         at_.desk.press(side, type);
     }
     void compare() {
