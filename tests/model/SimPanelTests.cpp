@@ -198,6 +198,18 @@ TEST(SimPanelFacts, HistoryAndFillsAreCutAndCounted) {
     EXPECT_EQ(rows[3].prices + " " + rows[3].result + " " + rows[2].result, "100.00 → 102.00 +35.00 -5.00");
     EXPECT_EQ(rows[3].id, at.engine.trades()[3].id);
     EXPECT_EQ(simFillRows(at.engine).size(), 12u);
+
+    // averages between two ticks
+    at.script.run("quote 100 100; buy 1; quote 100.25 100.25; buy 2");
+    EXPECT_EQ(simPositionRows(at.engine, at.desk.ticket()).at(0).average, "100.17");
+    at.script.run("sell 1; sell 2");
+    for (const auto& [tick, prices] : {std::pair(0.25, "100.17 → 100.25"),
+                                       {1.0 / 3, "100.17 → 100.25"},
+                                       {0.005, "100.167 → 100.25"},
+                                       {1.0 / 32, "100.16667 → 100.25"}}) {
+        at.engine.updateSpecs({{"NQ", {tick, 5}}});
+        EXPECT_EQ(simHistoryRows(at.engine).at(0).prices, prices);
+    }
 }
 
 TEST(SimPanelFacts, PerformanceOfAllAndOfToday) {
