@@ -62,6 +62,7 @@ void ChartInput::mouseDown(ChartPoint at) {
     const LineMarks::Hit hit = lines.hit(at.x, at.y);
     if (hit.closes) return close(*hit.mark);  // and moving the pointer then drags nothing
     if (!hit.mark) return drag_.take(at);
+    if (!trading->mayChange()) return;
     drag_.take(*hit.mark, at);
     contract_ = lines.contract();
 }

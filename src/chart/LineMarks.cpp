@@ -178,7 +178,12 @@ LineMarks::Hit LineMarks::hit(double x, double y) const {
         return nullptr;
     };
     const auto dragged = [](const LineMark* mark) { return mark && mark->draggable() ? Hit{mark, false} : Hit{}; };
-    if (plot.onPriceAxis(x)) return dragged(highest([&](const LineMark& mark) { return mark.tag.contains(x, y); }));
+    if (plot.onPriceAxis(x)) {
+        const LineMark* tagged = highest([&](const LineMark& mark) { return mark.tag.contains(x, y); });
+        if (!tagged) return {};
+        return dragged(highest(
+            [&](const LineMark& mark) { return mark.draggable() && mark.drawn && mark.price == tagged->price; }));
+    }
     if (const LineMark* mark = highest([&](const LineMark& one) { return one.badge.contains(x, y); }))
         return mark->closeMark.contains(x, y) ? Hit{mark, true} : dragged(mark);
     return dragged(highest(

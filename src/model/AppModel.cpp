@@ -63,9 +63,7 @@ AppModel::AppModel(PaneSurroundings surroundings, std::optional<PaneState> resto
     sim_.setCommission(config->simCommission);
     if (desk) {
         contentLinks_.push_back(channels.changed.connect([this] { desk->look(); }));
-        contentLinks_.push_back(panels.simPanelOpen.changed.connect([this] {
-            if (!panels.simPanelOpen) desk->resetTicket();
-        }));
+        contentLinks_.push_back(panels.simPanelOpen.changed.connect([this] { desk->setOpen(panels.simPanelOpen); }));
     }
     sim_.watchProblem([this](const std::optional<std::string>& problem) { notices.accountProblem = problem; });
     contentLinks_.push_back(session.connected.changed.connect([this] { sim_.setConnected(session.connected); }));

@@ -65,6 +65,7 @@ void SimDesk::look() {
         ticket_.stopText.clear();
         pressedWithout_ = {};
         question_.reset();
+        if (open_) syncTicket();  // points are other ticks here
     }
     changed();
 }
@@ -98,10 +99,19 @@ void SimDesk::setTicket(sim::SimTicket changedTicket) {
     if (changedTicket.stopText != ticket_.stopText) pressedWithout_[1] = false;
     ticket_ = std::move(changedTicket);
     question_.reset();
-    if (!root().empty()) ticket_.syncTicketDefaults(engine_, root());
+    syncTicket();
     raise(Part::ticket);
     raise(Part::positions);
     changed();
+}
+
+void SimDesk::syncTicket() {
+    if (!root().empty()) ticket_.syncTicketDefaults(engine_, root());
+}
+
+void SimDesk::setOpen(bool open) {
+    if (std::exchange(open_, open) == open) return;
+    open ? syncTicket() : resetTicket();
 }
 
 void SimDesk::resetTicket() {
@@ -145,9 +155,13 @@ std::optional<std::string> SimDesk::say(std::optional<std::string> problem) {
 }
 
 void SimDesk::ask(const sim::OrderRequest& request, const std::string& text) {
-    question_ = Question{request, text};
+    question_ = Question{request, text, false};
     raise(Part::ticket);
-    work_.after(secondPressWithin, [this, number = ++questions_] {
+    const int number = ++questions_;
+    work_.after(readWithin, [this, number] {
+        if (number == questions_ && question_) question_->readable = true;
+    });
+    work_.after(secondPressWithin, [this, number] {
         if (number != questions_ || !question_) return;
         question_.reset();
         raise(Part::ticket);
@@ -168,6 +182,7 @@ std::optional<std::string> SimDesk::press(sim::Side side, OrderType type) {
         (type == OrderType::limit ? limit : stop) = price;
     }
     const sim::OrderRequest request = ticket_.request(engine_, root(), side, type, limit, stop);
+    if (question_ && !question_->readable && question_->request == request) return question_->text;
     const auto asked = std::exchange(question_, std::nullopt);
     if (asked) raise(Part::ticket);
     const bool again = asked && asked->request == request;

@@ -22,6 +22,7 @@ class SimDesk {
     /// Whether unusual orders ask for a second press: one preference of the process, on unless it is "0".
     static constexpr const char* confirmKey = "vmr.sim.confirmUnusual";
     static constexpr double secondPressWithin = 3;  ///< real seconds
+    static constexpr double readWithin = 0.4;       ///< a press sooner than that is the same double click
     static constexpr double noticeFor = 5;
 
     /// All outlive it. `root` gives that of the pane's chart.
@@ -55,8 +56,9 @@ class SimDesk {
     const sim::SimTicket& ticket() const { return ticket_; }
     /// Values are brought into range. Edited fields lose their mark, and a question is taken back.
     void setTicket(sim::SimTicket changed);
-    /// As when the panel opens: the ticket and "Today" live no longer than that.
-    void resetTicket();
+    /// The panel opens or closes: the ticket and "Today" live no longer than that. While it is open, the chart's menu
+    /// orders by its ticket.
+    void setOpen(bool open);
     struct PriceField {
         std::string read;    ///< the price as it would be sent, "5,000.25"; empty without one
         bool wrong = false;  ///< marked: no price above 0
@@ -69,7 +71,8 @@ class SimDesk {
     std::optional<std::string> press(sim::Side side, sim::OrderType type);
     struct Question {
         sim::OrderRequest request;
-        std::string text;  ///< "Buy limit 24,600 is 0.6 % through the market: press again"
+        std::string text;       ///< "Buy limit 24,600 is 0.6 % through the market: press again"
+        bool readable = false;  ///< it has stood long enough to be answered
     };
     const std::optional<Question>& question() const { return question_; }
     const std::optional<std::string>& notice() const { return notice_; }
@@ -92,6 +95,8 @@ class SimDesk {
     void raise(Part part) { ++revisions_[static_cast<std::size_t>(part)]; }
     void accountChanged(SimEngine::Field field);
     std::optional<std::string> say(std::optional<std::string> problem);
+    void resetTicket();
+    void syncTicket();
     void ask(const sim::OrderRequest& request, const std::string& text);
 
     SimEngine& engine_;
@@ -103,7 +108,7 @@ class SimDesk {
     std::optional<Question> question_;
     std::optional<std::string> notice_;
     int questions_ = 0, notices_ = 0;  // which one a timer ends
-    bool perfToday_ = false;
+    bool perfToday_ = false, open_ = false;
     struct Seen {
         std::string root;
         bool closed = false;

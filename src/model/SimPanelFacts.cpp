@@ -28,6 +28,18 @@ std::string otherContract(const SimEngine& engine, const std::string& root) {
     return now.empty() || now == *open->second.contract ? "" : *open->second.contract;
 }
 
+// An average lies between two ticks: it has two digits, or those of the root's tick where they are more.
+std::string averageText(const SimEngine& engine, const std::string& root, double price) {
+    constexpr double least = 100, most = 1e8;
+    double scale = least;
+    if (const sim::Spec* spec = engine.specs().find(root)) {
+        const auto whole = [&](double by) { return std::abs(spec->tick * by - std::round(spec->tick * by)) < 1e-6; };
+        while (scale < most && !whole(scale)) scale *= 10;
+        if (!whole(scale)) scale = least;  // a third
+    }
+    return priceText(std::round(price * scale) / scale, 2);
+}
+
 std::size_t openCount(const SimEngine& engine) {
     return static_cast<std::size_t>(std::count_if(engine.positions().begin(), engine.positions().end(),
                                                   [](const auto& row) { return row.second.qty != 0; }));
@@ -91,7 +103,7 @@ std::vector<SimPositionRow> simPositionRows(const SimEngine& engine, const sim::
         if (position.qty == 0) continue;
         const bool isLong = position.qty > 0;
         rows.push_back({root, isLong, fmt::format("{} {}", isLong ? "LONG" : "SHORT", sim::sizeOf(position.qty)),
-                        otherContract(engine, root), priceText(position.avg, 2),
+                        otherContract(engine, root), averageText(engine, root, position.avg),
                         ticket.protectText(engine, root, sim::slTag), ticket.protectText(engine, root, sim::tpTag)});
     }
     return rows;
@@ -168,9 +180,10 @@ std::vector<SimHistoryRow> simHistoryRows(const SimEngine& engine, std::size_t m
     for (const sim::Trade& trade : engine.trades()) {
         if (rows.size() == most) break;
         const double net = netOf(trade);
-        rows.push_back({trade.id, sim::hhmm(trade.closedAt), trade.sym, sideText(trade.side), std::to_string(trade.qty),
-                        priceText(trade.entry, 2) + " → " + priceText(trade.exit, 2), (net >= 0 ? "+" : "") + num(net),
-                        net >= 0});
+        rows.push_back(
+            {trade.id, sim::hhmm(trade.closedAt), trade.sym, sideText(trade.side), std::to_string(trade.qty),
+             averageText(engine, trade.sym, trade.entry) + " → " + averageText(engine, trade.sym, trade.exit),
+             (net >= 0 ? "+" : "") + num(net), net >= 0});
     }
     return rows;
 }

@@ -51,21 +51,30 @@ std::size_t SimTrading::workingCount(const std::string& root) const {
 
 std::optional<double> SimTrading::last(const std::string& root) const { return engine_.last(root); }
 
+bool SimTrading::mayChange() const {
+    if (!engine_.heldElsewhere()) return true;
+    tell(engine_.problem());
+    return false;
+}
+
 void SimTrading::place(const std::string& root, std::string_view side, std::string_view type, double price) {
     const auto wantedSide = sim::sideNamed(side);
     const auto wantedType = sim::orderTypeNamed(type);
-    if (!wantedSide || !wantedType) return;
+    if (!wantedSide || !wantedType || !mayChange()) return;
     sim::OrderRequest request{root, *wantedSide, *wantedType, engine_.ticketQty, {}, {}, engine_.ticketBracket};
     (*wantedType == sim::OrderType::limit ? request.limit : request.stop) = price;
     tell(request.enter(engine_));
 }
 
 void SimTrading::setProtective(const std::string& root, std::string_view kind, double price) {
+    if (!mayChange()) return;
     if (const auto problem = sim::priceProblem(price)) return tell(problem);
     engine_.setProtective(root, kind, price);
 }
 
-void SimTrading::flatten(const std::string& root) { tell(sim::flattenOrTell(engine_, root)); }
+void SimTrading::flatten(const std::string& root) {
+    if (mayChange()) tell(sim::flattenOrTell(engine_, root));
+}
 
 void SimTrading::tell(const std::optional<std::string>& problem) const {
     if (problem && refused_) refused_(*problem);

@@ -24,13 +24,21 @@ class SimTrading final : public ChartTrading {
     std::optional<double> stalePrice(const std::string& root) const override { return engine_.stalePrice(root); }
     double roundTick(const std::string& root, double price) const override { return engine_.roundTick(root, price); }
 
+    /// Not while another process has the account; nothing below then does anything but tell so.
+    bool mayChange() const override;
     /// With the ticket's quantity and bracket.
     void place(const std::string& root, std::string_view side, std::string_view type, double price) override;
-    void cancel(const Uuid& id) override { engine_.cancel(id); }
-    void cancelAll(const std::string& root) override { engine_.cancelAll(root); }
-    void modify(const Uuid& id, double price) override { engine_.modify(id, price); }
+    void cancel(const Uuid& id) override {
+        if (mayChange()) engine_.cancel(id);
+    }
+    void cancelAll(const std::string& root) override {
+        if (mayChange()) engine_.cancelAll(root);
+    }
+    void modify(const Uuid& id, double price) override {
+        if (mayChange()) engine_.modify(id, price);
+    }
     void modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) override {
-        engine_.modifyProjectedLeg(id, leg, price);
+        if (mayChange()) engine_.modifyProjectedLeg(id, leg, price);
     }
     void setProtective(const std::string& root, std::string_view kind, double price) override;
     void flatten(const std::string& root) override;

@@ -62,7 +62,7 @@ TEST_F(WindowSim, ARoundTripIsMadeByKeysAlone) {
     ASSERT_TRUE(until([&](const json&) { return pane()["panels"]["open"]["sim"] == true; }));
 
     act(tabs(2) + " key Up Up Down");  // the quantity, behind the title and the button that closes
-    act(tabs(2) + " key Down Down" + tabs(4) + " key space");  // the stop's distance, then BUY MKT
+    act(tabs(2) + " key Down Down" + tabs(4) + " keydown space sleep 1 keyup space");  // SL, then BUY MKT, held down
     ASSERT_TRUE(holds(2)) << account()["orders"];
     const double average = position()["avg"];
     EXPECT_DOUBLE_EQ(order("SL")["stopPrice"], average - 38 * tick);
@@ -107,6 +107,7 @@ TEST_F(WindowSim, ThePointerTradesAndTheMarketClosesUnderIt) {
     click(buy, limitRow);
     ASSERT_TRUE(until([&](const json&) { return panel()["question"].is_string(); })) << "far through the market";
     EXPECT_EQ(position()["qty"], -1);
+    act(" sleep 0.5");  // so that it is no double click
     click(buy, limitRow);
     ASSERT_TRUE(holds(0));
     click(priceField, limitRow);

@@ -248,6 +248,11 @@ TEST_F(InputTest, ADragIsTakenBackToWhereItBegan) {
         EXPECT_THAT(done(), ElementsAre(back));
         EXPECT_EQ(camera().yMinManual, 20900) << "nor does the rest of the drag move the chart";
     }
+    trading.readOnly = true;
+    input.mouseDown(at(400, 21040));
+    input.mouseDragged(at(400, 21060));
+    EXPECT_FALSE(input.draggingLine());
+    EXPECT_THAT(done(), ElementsAre()) << "of an account that cannot be changed no line is taken";
     input.mouseDown({400, 100});
     EXPECT_FALSE(input.takeBack()) << "the chart's drag is none of a line";
 }

@@ -130,6 +130,7 @@ TEST_F(LineMarksTest, LinesOfOnePriceStandSideBySideTheNewestNearestToTheAxis) {
     EXPECT_EQ(press(40, 455), "SL 1");
     // lines of one price have one tag, which takes the highest
     EXPECT_EQ(press(width - 1, 355 + 1), "SELL 2");
+    EXPECT_EQ(press(width - 1, 455 + 1), "SL 1") << "the position's tag, which itself cannot be dragged";
     EXPECT_EQ(layer.tagBoxes().size(), 3U);
     layer.dragged = DraggedLine{id(1), {}};
     frame();

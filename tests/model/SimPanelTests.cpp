@@ -50,7 +50,10 @@ TEST(SimDesk, AnUnusualOrderTakesTwoPressesOfOneButton) {
     const auto press = [&](Side side) { return at.desk.press(side, OrderType::limit).value_or("entered"); };
     EXPECT_EQ(press(Side::buy), asked);
     EXPECT_EQ(at.question(), asked);
-    at.time.advance(3.1);
+    at.time.advance(0.39);
+    EXPECT_EQ(press(Side::buy), asked) << "a double click, which nobody can have meant as an answer";
+    EXPECT_TRUE(at.engine.orders().empty() && at.engine.fills().empty());
+    at.time.advance(2.7);
     EXPECT_EQ(at.question(), "");
     EXPECT_EQ(press(Side::buy), asked) << "too late";
     EXPECT_EQ(press(Side::sell), "entered") << "another button";
@@ -90,6 +93,34 @@ TEST(SimDesk, APriceFieldShowsWhatIsReadAndIsMarked) {
     at.root = "ES";
     at.desk.look();
     EXPECT_EQ(at.desk.ticket().stopText, "") << "a price of another root";
+}
+
+TEST(SimDesk, TheChartsMenuFollowsTheTicket) {
+    Panel at;
+    const auto menu = [&] {
+        const auto& legs = at.engine.ticketBracket;
+        const auto ticks = [](const auto& leg) { return leg ? std::to_string(*leg) : "-"; };
+        return std::to_string(at.engine.ticketQty) +
+               (legs ? " " + ticks(legs->slTicks) + " " + ticks(legs->tpTicks) : "");
+    };
+    const auto turnTo = [&](const char* root) {
+        at.root = root;
+        at.desk.look();
+        return menu();
+    };
+    at.desk.setOpen(true);
+    at.desk.setTicket({.qty = 9, .slTicks = 10, .tpTicks = 0, .useTicks = false});
+    EXPECT_EQ(menu(), "9 40 -");
+    EXPECT_EQ(turnTo("GC"), "9 100 -") << "as many points";
+    EXPECT_EQ(turnTo(""), "9 100 -");
+    EXPECT_EQ(turnTo("NQ"), "9 40 -");
+    at.desk.setTicket({.qty = 9, .bracketOn = false});
+    EXPECT_EQ(menu(), "9");
+    at.desk.setOpen(false);
+    EXPECT_EQ(turnTo("ES"), "9") << "another pane's ticket may be the one";
+    at.desk.setOpen(true);
+    EXPECT_EQ(at.desk.ticket(), sim::SimTicket());
+    EXPECT_EQ(menu(), "1 40 80") << "what the panel shows now";
 }
 
 TEST(SimDesk, TheHeadingSaysWhyAPriceIsDoubtful) {
@@ -167,6 +198,18 @@ TEST(SimPanelFacts, HistoryAndFillsAreCutAndCounted) {
     EXPECT_EQ(rows[3].prices + " " + rows[3].result + " " + rows[2].result, "100.00 → 102.00 +35.00 -5.00");
     EXPECT_EQ(rows[3].id, at.engine.trades()[3].id);
     EXPECT_EQ(simFillRows(at.engine).size(), 12u);
+
+    // averages between two ticks
+    at.script.run("quote 100 100; buy 1; quote 100.25 100.25; buy 2");
+    EXPECT_EQ(simPositionRows(at.engine, at.desk.ticket()).at(0).average, "100.17");
+    at.script.run("sell 1; sell 2");
+    for (const auto& [tick, prices] : {std::pair(0.25, "100.17 → 100.25"),
+                                       {1.0 / 3, "100.17 → 100.25"},
+                                       {0.005, "100.167 → 100.25"},
+                                       {1.0 / 32, "100.16667 → 100.25"}}) {
+        at.engine.updateSpecs({{"NQ", {tick, 5}}});
+        EXPECT_EQ(simHistoryRows(at.engine).at(0).prices, prices);
+    }
 }
 
 TEST(SimPanelFacts, PerformanceOfAllAndOfToday) {
@@ -279,6 +322,7 @@ class RandomHands {
         at_.desk.press(side, type);
         if (!at_.desk.question()) return;
         ++counts_["asked"];
+        at_.time.advance(SimDesk::readWithin + 0.1);
         at_.desk.press(side, type);
     }
     void compare() {

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "model/RecordedMarket.h"
+#include "model/SimTrading.h"
 #include "sim/SimEngine.h"
 #include "sim/SimStore.h"
 #include "support/pane/TestPane.h"
@@ -156,9 +157,32 @@ TEST_F(SimPane, ThePaneShowsTheAccountsProblemForAsLongAsItLasts) {
     time.advance(30);
     EXPECT_THAT(model->notices.accountProblem.get().value_or(""), testing::HasSubstr("another Velmora has it"));
     EXPECT_THAT(stateDocument({time, {}, &kept}), testing::HasSubstr("\"keepsAccount\": false"));
+
+    // nor does the chart change anything of it
+    kept.onQuote("NQ", 100, 100.25);
+    kept.place("NQ", Side::buy, OrderType::market, 1, {}, {}, sim::BracketSpec{4, 4});
+    const auto entry = *kept.place("NQ", Side::buy, OrderType::limit, 1, 90, {}, sim::BracketSpec{4, {}});
+    std::vector<std::string> refused;
+    SimTrading trading(kept, [&](const std::string& reason) { refused.push_back(reason); });
+    const auto tryAll = [&] {
+        trading.place("NQ", "sell", "limit", 120);
+        trading.modifyProjectedLeg(entry.id, "SL", 80);
+        trading.modify(entry.id, 91);
+        trading.setProtective("NQ", "SL", 95);
+        trading.cancel(entry.id);
+        trading.flatten("NQ");
+        trading.cancelAll("NQ");
+        return trading.mayChange();
+    };
+    const auto before = kept.snapshot();
+    EXPECT_FALSE(tryAll());
+    EXPECT_EQ(kept.snapshot(), before);
+    EXPECT_EQ(refused, std::vector<std::string>(8, *kept.problem()));
     other.reset();
     time.advance(2);
     EXPECT_FALSE(model->notices.accountProblem.get().has_value());
+    trading.place("NQ", "sell", "limit", 120);
+    EXPECT_EQ(std::pair(kept.orders().size(), refused.size()), std::pair(std::size_t{1}, std::size_t{8}));
     model.reset();
     std::filesystem::remove_all(folder);
 }

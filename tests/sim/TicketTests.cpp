@@ -87,20 +87,9 @@ TEST(SimTicketPlacing, ButtonsEnterWhatTheyTell) {
     }
 }
 
-TEST(SimTicketPlacing, TheChartsMenuFollowsTheTicket) {
-    using Ticks = std::optional<std::int64_t>;
-    for (const auto& [ticket, sl, tp] :
-         {std::tuple(SimTicket{.qty = 3, .slTicks = 10, .tpTicks = 0, .useTicks = false}, Ticks(40), Ticks()),
-          {SimTicket{}, 40, 80}}) {
-        Account at;
-        ticket.syncTicketDefaults(at.engine, "NQ");
-        EXPECT_EQ(at.engine.ticketQty, ticket.qty);
-        EXPECT_EQ(at.engine.ticketBracket, (sim::BracketSpec{sl, tp}));
-    }
+// Halves away from zero; as they are without a tick.
+TEST(SimTicketPlacing, PointsAreRoundedToTicks) {
     Account at;
-    SimTicket{.bracketOn = false}.syncTicketDefaults(at.engine, "NQ");
-    EXPECT_EQ(at.engine.ticketBracket, std::nullopt);
-    // halves away from zero; as they are without a tick
     at.engine.updateSpecs({{"X", {2, 1}}, {"Y", {0, 1}}});
     const SimTicket points{.useTicks = false};
     EXPECT_EQ(points.toTicks(5, at.engine, "X"), 3);

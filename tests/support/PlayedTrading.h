@@ -17,6 +17,7 @@ struct PlayedTrading : ChartTrading {
     std::optional<double> staleAge;
     double tick = 0.25;
     double openResult = 0;
+    bool readOnly = false;
     std::vector<std::string> done;
 
     template <class... Parts>
@@ -36,6 +37,7 @@ struct PlayedTrading : ChartTrading {
     std::optional<double> stalePrice(const std::string&) const override { return staleAge; }
     std::int64_t ticketQty() const override { return 2; }
     double roundTick(const std::string&, double price) const override { return std::round(price / tick) * tick; }
+    bool mayChange() const override { return !readOnly; }
     void place(const std::string& root, std::string_view side, std::string_view type, double price) override {
         note("place", root, side, type, price);
     }

@@ -14,6 +14,8 @@ T.Button {
     hoverEnabled: true
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked(); }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked(); }
+    Keys.onPressed: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }  // held, it is one press
+    Keys.onReleased: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }
     focusPolicy: Qt.StrongFocus
     font.family: Theme.family
     font.pixelSize: Theme.normal

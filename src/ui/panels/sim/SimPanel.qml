@@ -78,7 +78,10 @@ FloatingPanel {
                 boundsBehavior: Flickable.StopAtBounds
                 onContentYChanged: hold()
                 onFocusedChanged: {
-                    if (!focused || ![Qt.TabFocusReason, Qt.BacktabFocusReason].includes(focused.focusReason))
+                    let control = focused;  // within a number field it is the text that has the keyboard
+                    while (control && control.focusReason === undefined)
+                        control = control.parent;
+                    if (!control || ![Qt.TabFocusReason, Qt.BacktabFocusReason].includes(control.focusReason))
                         return;
                     for (let item = focused; item; item = item.parent)
                         if (item === column)
