@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "chart/MarkedStrikeLayer.h"
 #include "chart/TradingLinesLayer.h"
 
 namespace vmr {
@@ -37,6 +38,7 @@ bool fits(const ScreenFrame& frame) { return frame.plot().bottom() > tagHeight &
 AxisLayer::AxisLayer(GlyphSource& glyphs, SessionTime& session) : session_(session), painter_(glyphs) {
     timeTicks_.reserve(512);
     timeLabels_.reserve(512);
+    tags_.reserve(64);
     labels_.prices.reserve(priceTicks_.values.size());
     labels_.times.reserve(512);
     labels_.priceTexts.reserve(priceTicks_.values.size());
@@ -66,6 +68,7 @@ void AxisLayer::addGrid(const ScreenFrame& frame) {
 bool AxisLayer::drawAbove(ScreenFrame& frame) {
     labels_.clear();
     if (!fits(frame)) return false;
+    gatherTags();
     const Box box = tagBox(frame), countdown = countdownBox(frame, box);
     return painter_.paint(frame, [&] {
         labels_.clear();  // it may be painted again
@@ -196,6 +199,12 @@ void AxisLayer::keepApart() {
     timeLabels_.resize(kept);
 }
 
+void AxisLayer::gatherTags() {
+    tags_.clear();
+    if (account) tags_.assign(account->tagBoxes().begin(), account->tagBoxes().end());
+    if (marked && marked->tagBox().width > 0) tags_.push_back(marked->tagBox());
+}
+
 AxisLayer::Box AxisLayer::tagBox(const ScreenFrame& frame) const {
     const double bottom = frame.plot().bottom();
     const double y = AxisScale::yFor(frame.viewport, frame.lastPrice, frame.height);
@@ -216,14 +225,13 @@ AxisLayer::Box AxisLayer::countdownBox(const ScreenFrame& frame, const Box& tag)
     return {*top, *top + countdownHeight, true};
 }
 
-// From `top` on, the first place that no tag of the account takes. Each step passes a tag for good.
+// From `top` on, the first place that no line's tag takes. Each step passes a tag for good.
 std::optional<double> AxisLayer::freeTop(double top, double height, bool upwards) const {
-    const std::span<const PointRect> tags = account ? account->tagBoxes() : std::span<const PointRect>();
-    for (std::size_t passed = 0; passed <= tags.size(); ++passed) {
-        const auto met = std::ranges::find_if(tags, [&](const PointRect& tag) {
+    for (std::size_t passed = 0; passed <= tags_.size(); ++passed) {
+        const auto met = std::ranges::find_if(tags_, [&](const PointRect& tag) {
             return tag.y < top + height + countdownGap && tag.bottom() + countdownGap > top;
         });
-        if (met == tags.end()) return top;
+        if (met == tags_.end()) return top;
         top = upwards ? std::floor(met->y - countdownGap - height) : std::ceil(met->bottom() + countdownGap);
     }
     return std::nullopt;
@@ -244,9 +252,7 @@ void AxisLayer::addPriceLabels(const ScreenFrame& frame, const Box& box, const B
         double alpha = std::min(fade(y - half), fade(bottom - half - y));
         for (const Box& other : {box, countdown})
             if (other.shown) alpha *= fade(std::max(other.top - (y + half), (y - half) - other.bottom));
-        if (account)
-            for (const PointRect& tag : account->tagBoxes())
-                alpha *= fade(std::max(tag.y - (y + half), (y - half) - tag.bottom()));
+        for (const PointRect& tag : tags_) alpha *= fade(std::max(tag.y - (y + half), (y - half) - tag.bottom()));
         if (!(alpha > 0.0)) continue;
         if (addPrice(frame, price, FontFace::regular, y, textColor(alpha)))
             labels_.priceTexts.push_back({AxisScale::fmtPrice(price), y});

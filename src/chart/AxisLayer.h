@@ -16,6 +16,7 @@
 
 namespace vmr {
 
+class MarkedStrikeLayer;
 class TradingLinesLayer;
 
 /// Labels never touch each other, the view's edges or the last-price box; one that would fades out or is left away.
@@ -30,7 +31,7 @@ class AxisLayer final : public ScreenLayer {
     /// Minutes of a bar; 1 at the start. Shows in the next frame. True when it was another.
     bool setTimeframe(double minutes) { return std::exchange(timeframe_, minutes) != minutes; }
 
-    /// Whether the prices leave room for the countdown, below the last price's box and the account's tags there or,
+    /// Whether the prices leave room for the countdown, below the last price's box and the tags of lines there or,
     /// where the axis ends, above them; at the end of the axis while the last price is out of view. Shows in the next
     /// frame. True when it was otherwise.
     bool setCountdown(bool shown) { return std::exchange(keepsCountdown_, shown) != shown; }
@@ -64,6 +65,8 @@ class AxisLayer final : public ScreenLayer {
     PointRect lastPriceBox(const ScreenFrame& frame) const;
     /// The account's lines, to whose tags the axis' prices and the countdown give way; null for none.
     const TradingLinesLayer* account = nullptr;
+    /// The marked strike, to whose tag they give way likewise; null for none.
+    const MarkedStrikeLayer* marked = nullptr;
 
     void drawBelow(ScreenFrame& frame) override;
     bool drawAbove(ScreenFrame& frame) override;
@@ -86,6 +89,7 @@ class AxisLayer final : public ScreenLayer {
     void findDays(const ScreenFrame& frame);
     void nameTimeTicks(const ScreenFrame& frame, std::int64_t step);
     void keepApart();
+    void gatherTags();
     Box tagBox(const ScreenFrame& frame) const;
     Box countdownBox(const ScreenFrame& frame, const Box& tag) const;
     std::optional<double> freeTop(double top, double height, bool upwards) const;
@@ -102,6 +106,7 @@ class AxisLayer final : public ScreenLayer {
     AxisScale::PriceTicks priceTicks_;
     std::vector<std::size_t> timeTicks_;
     std::vector<TimeLabel> timeLabels_;
+    std::vector<PointRect> tags_;  // of lines, on the price axis
     Labels labels_;
 };
 

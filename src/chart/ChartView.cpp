@@ -13,17 +13,19 @@ ChartView::ChartView(const Surroundings& at)
       watermark_(at.glyphs),
       barLabels_(at.glyphs),
       tradingLines_(at.glyphs),
+      markedStrike_(at.glyphs),
       pills_(at.glyphs, ribbons_),
       axes_(at.glyphs, at.session),
-      markedStrike_(at.glyphs),
+      markedTag_(at.glyphs, markedStrike_),
       tradingTags_(at.glyphs, tradingLines_),
       input_(renderer_, at.session, at.clock, at.main, at.perf) {
     renderer_.addScreenLayer(watermark_);
     renderer_.addScreenLayer(barLabels_);
     renderer_.addScreenLayer(tradingLines_);
+    renderer_.addScreenLayer(markedStrike_);
     renderer_.addScreenLayer(pills_);
     renderer_.addScreenLayer(axes_);
-    renderer_.addScreenLayer(markedStrike_);
+    renderer_.addScreenLayer(markedTag_);
     renderer_.addScreenLayer(tradingTags_);
     renderer_.perf = at.perf;
     renderer_.onNeedsDisplay = [this] { askForFrame(); };
@@ -31,9 +33,10 @@ ChartView::ChartView(const Surroundings& at)
         if (source_) source_->interactionEnded();
     };
     tradingLines_.trading = at.trading;
-    tradingLines_.axes = &axes_;
+    tradingLines_.axes = markedStrike_.axes = &axes_;
     barLabels_.others = &pills_;
-    pills_.account = axes_.account = &tradingLines_;
+    pills_.account = axes_.account = markedStrike_.account = &tradingLines_;
+    pills_.marked = axes_.marked = &markedStrike_;
     input_.trading = at.trading;
     input_.drawnMarks = &tradingLines_.marks();
     input_.onMarketClosedOrder = [this] {

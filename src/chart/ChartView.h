@@ -181,9 +181,10 @@ class ChartView final : public ChartPort, public CameraPort {
     WatermarkLayer watermark_;
     BarLabelLayer barLabels_;
     TradingLinesLayer tradingLines_;
+    MarkedStrikeLayer markedStrike_;
     PillLayer pills_;
     AxisLayer axes_;
-    MarkedStrikeLayer markedStrike_;
+    MarkedStrikeTagLayer markedTag_;
     TradingTagsLayer tradingTags_;
     ChartInput input_;
     std::shared_ptr<ViewportState> viewport_ = std::make_shared<ViewportState>();

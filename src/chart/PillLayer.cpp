@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "chart/MarkedStrikeLayer.h"
 #include "chart/TradingLinesLayer.h"
 
 namespace vmr {
@@ -60,19 +61,21 @@ void PillLayer::layOut(const ScreenFrame& frame) {
     if (!(plot.right() > 0 && plot.bottom() > 0)) return;
     addPills(frame);
     addLevels(frame);
-    if (account) {
-        for (const PointRect& box : account->labelBoxes()) {
-            boxes_.push_back(box);
-            layout_.add({.left = box.x,
-                         .right = box.right(),
-                         .height = box.height,
-                         .wantedY = box.y + box.height * 0.5,
-                         .rank = LabelRank::trading,
-                         .fixed = true});
-        }
-    }
+    if (account)
+        for (const PointRect& box : account->labelBoxes()) addFixed(box);
+    if (marked && marked->titleBox().width > 0) addFixed(marked->titleBox());
     layout_.arrange(0, plot.bottom());
     takeRoom();
+}
+
+void PillLayer::addFixed(const PointRect& box) {
+    boxes_.push_back(box);
+    layout_.add({.left = box.x,
+                 .right = box.right(),
+                 .height = box.height,
+                 .wantedY = box.y + box.height * 0.5,
+                 .rank = LabelRank::trading,
+                 .fixed = true});
 }
 
 // Of two that would meet, the later one of the list keeps its place.

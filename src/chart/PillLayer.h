@@ -19,6 +19,7 @@
 
 namespace vmr {
 
+class MarkedStrikeLayer;
 class TradingLinesLayer;
 
 /// Lays all of them out before the chart's own layers are drawn, so that the lesser texts can make room, and draws
@@ -30,6 +31,7 @@ class PillLayer final : public ScreenLayer {
     PillLayer(GlyphSource& glyphs, const OverlayRibbons& ribbons) : ribbons_(ribbons), painter_(glyphs) {}
 
     const TradingLinesLayer* account = nullptr;  ///< whose labels are worth more; null for none
+    const MarkedStrikeLayer* marked = nullptr;   ///< likewise of its title
 
     // What is shown; true when the texts may be others.
     bool setSecondSymbol(std::string_view symbol);
@@ -52,7 +54,7 @@ class PillLayer final : public ScreenLayer {
     };
     /// The more important first; valid until the next frame.
     std::span<const Mark> marks() const { return marks_; }
-    /// The room that these texts and those of the account's lines take.
+    /// The room that these texts, those of the account's lines and the marked strike's take.
     std::span<const PointRect> boxes() const { return boxes_; }
 
  private:
@@ -60,6 +62,7 @@ class PillLayer final : public ScreenLayer {
     void addPills(const ScreenFrame& frame);
     void addLevels(const ScreenFrame& frame);
     void add(Mark mark, LabelRank rank, double right);
+    void addFixed(const PointRect& box);
     void takeRoom();
     void paintLeaders(const Mark& mark);
 

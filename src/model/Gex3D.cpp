@@ -1,6 +1,7 @@
 #include "model/Gex3D.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "market/Coerce.h"
@@ -18,13 +19,14 @@ bool isArrayOfObjects(JsonView value) {
     return true;
 }
 
-// Strike and net of the rows in the band, ascending; of a repeated strike the last.
+// Strike and net of the rows in the band, ascending; of a repeated strike the last. A row without a finite net is none.
 std::vector<StrikeNet> netByStrike(JsonView rows, double low, double high) {
     std::vector<StrikeNet> found;
     for (const JsonView row : rows.items()) {
         const auto strike = coerce::dbl(row["strike"]);
         if (!strike || !(*strike >= low && *strike <= high)) continue;
-        found.emplace_back(*strike, coerce::dbl(row["callGex"]).value_or(0) - coerce::dbl(row["putGex"]).value_or(0));
+        const double net = coerce::dbl(row["callGex"]).value_or(0) - coerce::dbl(row["putGex"]).value_or(0);
+        if (std::isfinite(net)) found.emplace_back(*strike, net);
     }
     std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     std::size_t kept = 0;
@@ -60,7 +62,7 @@ std::optional<double> spotPrice(const std::vector<Candle>& candles, double etfRa
     constexpr double smallestRatio = 1e-9;
     const auto spot = candles.empty() ? coerce::dbl(fields["spot"])
                                       : std::optional(candles.back().close / std::max(smallestRatio, etfRatio));
-    return spot && *spot > 0 ? spot : std::nullopt;
+    return spot && *spot > 0 && std::isfinite(*spot) ? spot : std::nullopt;
 }
 
 std::optional<Gex3DData> build(double spot, const FieldView& fields, double now) {
@@ -76,7 +78,7 @@ std::optional<Gex3DData> build(double spot, const FieldView& fields, double now)
         table.push_back(netByStrike(rows, spot * bandLow, spot * bandHigh));
     }
 
-    Gex3DData data{spot, strikesOf(table), {}, {}};
+    Gex3DData data{spot, strikesOf(table), expirations, {}, {}};
     if (data.strikes.size() < 2) return std::nullopt;
     for (std::size_t e = 0; e < table.size(); ++e) {
         data.expLabels.push_back(expLabel(expirations[e], now));

@@ -10,11 +10,13 @@
 
 namespace vmr {
 
-/// The surface. `net` is by expiration, then by strike; 0 where an expiration has no such strike.
+/// The surface. `net` is by expiration, then by strike; 0 where an expiration has no such strike or no
+/// finite value at it.
 struct Gex3DData {
     double spot = 0;
-    std::vector<double> strikes;  ///< within 2 percent of the spot, ascending
-    std::vector<std::string> expLabels;
+    std::vector<double> strikes;           ///< within 2 percent of the spot, ascending
+    std::vector<std::string> expirations;  ///< "2026-06-16", ascending: what each row is, whatever day it is
+    std::vector<std::string> expLabels;    ///< "6/16 (1DTE)", as of the day
     std::vector<std::vector<double>> net;
     bool operator==(const Gex3DData&) const = default;
 };

@@ -64,7 +64,7 @@ double distanceTo(const SceneLabel& label, const SceneRay& ray, double scale) {
 double peakOf(const Gex3DData& data, const std::set<std::string>& hidden) {
     double peak = leastPeak;
     for (std::size_t e = 0; e < data.net.size(); ++e) {
-        if (hidden.contains(data.expLabels[e])) continue;
+        if (hidden.contains(data.expirations[e])) continue;
         for (const double value : data.net[e]) peak = std::max(peak, std::abs(value));
     }
     return peak;
@@ -97,7 +97,7 @@ Gex3DScene Gex3DScene::build(const Gex3DData& data, const std::set<std::string>&
     const auto xOf = [&](std::size_t s) { return sx * static_cast<double>(s) - width / 2 + sx / 2; };
     const auto zOf = [&](std::size_t e) { return depth / 2 - sz * static_cast<double>(e) - sz / 2; };
     for (std::size_t e = 0; e < data.expLabels.size(); ++e) {
-        if (hidden.contains(data.expLabels[e])) continue;
+        if (hidden.contains(data.expirations[e])) continue;
         for (std::size_t s = 0; s < data.strikes.size(); ++s) {
             const double v = data.net[e][s];
             if (v == 0) continue;

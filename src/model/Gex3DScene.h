@@ -61,7 +61,7 @@ struct Gex3DScene {
 
     bool empty() const { return labels.empty(); }
 
-    /// Rows whose label is in `hidden` keep their place and their label, but have no bars, and the tallest of the
+    /// Rows whose expiration is in `hidden` keep their place and their label, but have no bars, and the tallest of the
     /// others takes the full height.
     static Gex3DScene build(const Gex3DData& data, const std::set<std::string>& hidden = {});
 

@@ -11,9 +11,13 @@ bool Gex3DView::take(const std::optional<Gex3DData>& data) {
     if (id == lastDataID_) return false;
     lastDataID_ = std::move(id);
     data_ = data;
-    expirations_ = data ? data->expLabels : std::vector<std::string>();
     build();
     return true;
+}
+
+const Gex3DData& Gex3DView::shown() const {
+    static const Gex3DData none;
+    return data_ ? *data_ : none;
 }
 
 void Gex3DView::startOver() {
@@ -57,9 +61,10 @@ void Gex3DView::look() {
 void Gex3DView::point() {
     over_.reset();
     const auto& [x, y, width, height] = area;
-    if (pointer_ && width > 0 && height > 0)
-        over_ = scene_.barHit(camera.rayThrough((*pointer_)[0], (*pointer_)[1], width, height).inTurned(angle_),
-                              labels_.scale, labels_.shown);
+    if (!pointer_ || !(width > 0 && height > 0)) return;
+    const auto& [px, py] = *pointer_;
+    if (px >= 0 && px <= width && py >= 0 && py <= height)
+        over_ = scene_.barHit(camera.rayThrough(px, py, width, height).inTurned(angle_), labels_.scale, labels_.shown);
 }
 
 std::optional<std::string> Gex3DView::tooltip() const {

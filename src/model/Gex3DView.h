@@ -30,7 +30,10 @@ class Gex3DView {
     std::uint64_t revision() const { return revision_; }
     /// No surface has come yet.
     bool loading() const { return !data_; }
-    const std::vector<std::string>& expirations() const { return expirations_; }
+    /// The rows' dates, and what is written beside them.
+    const std::vector<std::string>& expirations() const { return shown().expirations; }
+    const std::vector<std::string>& expLabels() const { return shown().expLabels; }
+    /// Dates, as labels change at midnight.
     const std::set<std::string>& hidden() const { return hidden_; }
     void setHidden(const std::string& expiration, bool hidden);
 
@@ -48,7 +51,7 @@ class Gex3DView {
     /// The middles of the view's controls, likewise.
     std::map<std::string, std::array<double, 2>> controls;
 
-    /// Where the pointer is in the area; nothing where it is not over it, or drags.
+    /// Where the pointer is in the area, beside which it meets nothing; nothing where it has left, or drags.
     void setPointer(const std::optional<std::array<double, 2>>& pointer);
     /// The bar under the pointer.
     const std::optional<std::size_t>& barOver() const { return over_; }
@@ -62,6 +65,7 @@ class Gex3DView {
     std::optional<std::array<double, 2>> placeOf(const Gex3DBar& bar) const;
 
  private:
+    const Gex3DData& shown() const;
     void build();
     void point();
 
@@ -69,7 +73,6 @@ class Gex3DView {
     std::string lastDataID_;
     Gex3DScene scene_;
     std::uint64_t revision_ = 1;
-    std::vector<std::string> expirations_;
     std::set<std::string> hidden_;
     double angle_ = 0;
     std::optional<std::array<double, 2>> pointer_;

@@ -117,6 +117,7 @@ json record(const HfpSample& sample) {
 json record(const Gex3DData& surface) {
     return {{"spot", number(surface.spot)},
             {"strikes", surface.strikes},
+            {"expirations", surface.expirations},
             {"expLabels", surface.expLabels},
             {"net", surface.net}};
 }
@@ -132,6 +133,9 @@ json record(const Surface3D& surface) {
                         {"size", bar.box.size},
                         {"at", at ? json(*at) : json(nullptr)}});
     }
+    json hidden = json::array();
+    for (std::size_t e = 0; e < view.expirations().size(); ++e)
+        if (view.hidden().contains(view.expirations()[e])) hidden.push_back(view.expLabels()[e]);
     const auto& marked = surface.markedStrike.get();
     return {{"bars", std::move(bars)},
             {"area", view.area},
@@ -144,8 +148,8 @@ json record(const Surface3D& surface) {
               {"distance", camera.distance()}}},
             {"angle", view.angle()},
             {"autoRotate", view.autoRotate},
-            {"expirations", view.expirations()},
-            {"hidden", view.hidden()},
+            {"expirations", view.expLabels()},
+            {"hidden", std::move(hidden)},
             {"marked", marked ? json(*marked) : json(nullptr)},
             {"tooltip", text(view.tooltip())},
             {"loading", view.loading()}};

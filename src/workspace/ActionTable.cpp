@@ -127,6 +127,12 @@ ActionAnswer closeFirst(At at) {
         *open = false;
         return {true, "panel closed"};
     }
+    if (panels.pressure && panels.pressure->overlay) {
+        GexConfig changed = at.pane->config;
+        changed.hfPressure = false;
+        at.pane->setConfig(changed);
+        return {true, "panel closed"};
+    }
     return {false, "nothing is open"};
 }
 

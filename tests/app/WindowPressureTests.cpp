@@ -202,6 +202,12 @@ void fitIntoLittleRoom(PressureScript& script) {
     script.click("window 15");
     script.click("pressureClose");
     EXPECT_FALSE(script.pane().config->hfPressure);
+    EXPECT_TRUE(script.chart().hasActiveFocus());
+    script.key(Qt::Key_P);
+    ASSERT_TRUE(script.item("pressurePanel"));
+    EXPECT_TRUE(script.chart().hasActiveFocus()) << "as it is usually opened";
+    script.key(Qt::Key_Escape);
+    EXPECT_FALSE(script.pane().config->hfPressure);
     EXPECT_FALSE(script.item("pressurePanel"));
     EXPECT_TRUE(script.chart().hasActiveFocus());
 }

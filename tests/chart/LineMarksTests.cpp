@@ -8,6 +8,8 @@
 #include <random>
 
 #include "chart/AxisLayer.h"
+#include "chart/MarkedStrikeLayer.h"
+#include "chart/PillLayer.h"
 #include "chart/TradingLinesLayer.h"
 #include "chart/TradingTexts.h"
 #include "tests/chart/AllocationCount.h"
@@ -30,6 +32,7 @@ struct LineMarksTest : RecordedScene {
     AxisLayer axes{glyphs, session};
     TradingLinesLayer layer{glyphs};
     TradingTagsLayer tags{glyphs, layer};
+    MarkedStrikeLayer marked{glyphs};
     std::vector<Candle> candles = bars(1);
     double lastPrice = 5000;  // out of view
 
@@ -37,13 +40,16 @@ struct LineMarksTest : RecordedScene {
         width = 1200;
         layer.trading = &trading;
         layer.root = "NQ";
-        layer.axes = &axes;
+        layer.axes = marked.axes = &axes;
+        marked.account = axes.account = &layer;
+        axes.marked = &marked;
     }
     bool draw() override {
         gpu.beginFrame(width, height, 1);
         arena.beginFrame();
         ScreenFrame frame{{gpu, arena, width, height, 1}, viewport, candles, lastPrice};
         layer.drawBelow(frame);
+        marked.drawBelow(frame);
         const bool animating = layer.drawAbove(frame) || tags.drawAbove(frame);
         gpu.endFrame();
         return animating;
@@ -165,22 +171,31 @@ TEST_F(LineMarksTest, TagsKeepOutOfEachOtherAndOfTheLastPrice) {
     EXPECT_EQ(lines().back().tag.width, 74);
 }
 
-TEST_F(LineMarksTest, TheCountdownGivesWayToTags) {
-    axes.account = &layer;
+TEST_F(LineMarksTest, TheCountdownAndPricesGiveWayToTags) {
     axes.setCountdown(true);
-    const auto countdownWith = [&](std::vector<double> prices, double last) {
+    const auto countdownWith = [&](std::vector<double> prices, double last, std::optional<double> strike = {}) {
         trading.shown = {};
         for (std::size_t i = 0; i < prices.size(); ++i)
             trading.shown.orders.push_back({id(i), prices[i], true, 1, "LMT"});
+        marked.set(strike, 1);
         lastPrice = last;
         frame();
         gpu.beginFrame(width, height, 1);
         ScreenFrame again{{gpu, arena, width, height, 1}, viewport, candles, lastPrice};
+        axes.drawBelow(again);
         axes.drawAbove(again);
         gpu.endFrame();
         EXPECT_EQ(layer.tagBoxes().size(), prices.size()) << "none is left away for it";
+        EXPECT_EQ(marked.tagBox().width > 0, strike.has_value());
         const auto& room = axes.labels().countdown;
-        for (const PointRect& tag : layer.tagBoxes()) EXPECT_TRUE(tag.bottom() <= room.from || tag.y >= room.to);
+        std::vector<PointRect> taken(layer.tagBoxes().begin(), layer.tagBoxes().end());
+        taken.push_back(marked.tagBox());
+        for (const PointRect& tag : taken) {
+            EXPECT_TRUE(tag.bottom() <= room.from || tag.y >= room.to);
+            for (const auto& price : axes.labels().prices) EXPECT_TRUE(tag.bottom() <= price.from || tag.y >= price.to);
+            EXPECT_FALSE(meet(tag, axes.lastPriceBox(again)));
+            for (const PointRect& other : taken) EXPECT_TRUE(&tag == &other || !meet(tag, other));
+        }
         EXPECT_EQ(room.to - room.from, 16);
         return room.from;
     };
@@ -188,6 +203,31 @@ TEST_F(LineMarksTest, TheCountdownGivesWayToTags) {
     EXPECT_EQ(countdownWith({398, 380}, 400), 486) << "below the last price and the tag there";
     EXPECT_EQ(countdownWith({}, -4.5), 832) << "above it at the axis' end";
     EXPECT_EQ(countdownWith({20}, -4.5), 808);
+    EXPECT_EQ(countdownWith({}, 400, 398), 483) << "the marked strike's tag steps below the last price";
+    EXPECT_EQ(countdownWith({}, 400, 401), 466) << "or above";
+    EXPECT_EQ(countdownWith({398, 380}, 400, 397), 503) << "and below the account's";
+    EXPECT_EQ(countdownWith({}, -4.5, 20), 809);
+    EXPECT_EQ(countdownWith({}, 400, 0), 466) << "at the axis' end";
+}
+
+TEST_F(LineMarksTest, TheMarkedStrikesTitleKeepsOutOfOtherTexts) {
+    OverlayRibbons ribbons;
+    PillLayer pills{glyphs, ribbons};
+    pills.account = &layer;
+    pills.marked = &marked;
+    width = 420;  // badges reach down to the left end
+    for (std::size_t i = 0; i < 6; ++i) trading.shown.orders.push_back({id(i), 500, true, 1, "LMT"});
+    marked.set(50, 10);
+    frame();
+    ASSERT_GT(marked.titleBox().width, 0);
+    EXPECT_EQ(marked.shownAt(), 355);
+    for (const PointRect& badge : layer.labelBoxes()) EXPECT_FALSE(meet(badge, marked.titleBox()));
+    EXPECT_NE(marked.titleBox().y, 355 - 8) << "it stands beside its line";
+    gpu.beginFrame(width, height, 1);
+    ScreenFrame again{{gpu, arena, width, height, 1}, viewport, candles, lastPrice};
+    pills.drawBelow(again);
+    gpu.endFrame();
+    EXPECT_THAT(pills.boxes(), testing::Contains(marked.titleBox())) << "what others leave free";
 }
 
 TEST_F(LineMarksTest, WhatAPressHitsIsWhatWasDrawnOnTop) {

@@ -17,13 +17,15 @@ double june(unsigned day, int hour, int minute = 0) {
 TEST(Gex3D, LaysOutEveryExpiration) {
     const auto object = Json::parse(R"({"expirations":["2026-06-17","2026-06-16",5,"2026-06-18"],
         "byExpiration":{"2026-06-17":{"gexByStrike":[{"strike":102,"callGex":5},{"strike":"98","putGex":"2"},{"callGex":1},
-                        {"strike":102,"callGex":7,"putGex":3},{"strike":102.001,"callGex":1},{"strike":"nan"}]},
+                        {"strike":102,"callGex":7,"putGex":3},{"strike":102.001,"callGex":1},{"strike":"nan"},
+                        {"strike":101,"callGex":1e308,"putGex":-1e308},{"strike":98,"callGex":"inf"}]},
                         "2026-06-18":{"gexByStrike":[{"strike":100},3]}},
         "gexByStrike":[{"strike":99,"callGex":1},{"strike":97.9,"callGex":1},{"strike":100,"callGex":"x","putGex":4}]})");
     DerivedFields fields;
     for (const auto& [key, value] : object->members()) fields[std::string(key)] = object->at(value);
     EXPECT_EQ(Gex3D::build(100, fields, june(15, 12)), (Gex3DData{100,
                                                                   {98, 99, 100, 102},
+                                                                  {"2026-06-16", "2026-06-17", "2026-06-18"},
                                                                   {"6/16 (1DTE)", "6/17 (2DTE)", "6/18 (3DTE)"},
                                                                   {{0, 1, -4, 0}, {-2, 0, 0, 4}, {0, 0, 0, 0}}}));
 }

@@ -10,8 +10,11 @@ namespace vmr {
 namespace {
 
 // Cells of 50 by 60 units: the first row lies in front.
-const Gex3DData surface{
-    5000.5, {4990, 5000.5, 5001, 5010}, {"6/10 (0DTE)", "6/12 (2DTE)"}, {{1e6, -2e6, 0, 4e6}, {0, 100, -3.94e6, 49}}};
+const Gex3DData surface{5000.5,
+                        {4990, 5000.5, 5001, 5010},
+                        {"2026-06-10", "2026-06-12"},
+                        {"6/10 (0DTE)", "6/12 (2DTE)"},
+                        {{1e6, -2e6, 0, 4e6}, {0, 100, -3.94e6, 49}}};
 
 /// Straight down on a place of the floor.
 SceneRay downOn(double x, double z) { return {{x, 300, z}, {0, -1, 0}, {1, 0, 0}, {0, 0, -1}}; }
@@ -49,14 +52,14 @@ TEST(Gex3DScene, BarsStandInTheirCells) {
                                                      {"6/10 (0DTE)", {106, 0.5, 30}, 0.55, true},
                                                      {"6/12 (2DTE)", {106, 0.5, -30}, 0.55, true}}));
 
-    const Gex3DScene hidden = Gex3DScene::build(surface, {"6/10 (0DTE)"});
+    const Gex3DScene hidden = Gex3DScene::build(surface, {"2026-06-10"});
     ASSERT_EQ(hidden.bars.size(), 3u);
     EXPECT_EQ(hidden.bars[1].box, (SceneBox{{25, 45, -30}, {31, 90, 33}})) << "the others keep their places";
     EXPECT_EQ(hidden.labels, scene.labels);
-    EXPECT_TRUE(Gex3DScene::build({5000, {}, {"x"}, {{}}}).empty());
-    EXPECT_TRUE(Gex3DScene::build({5000, {1, 2}, {}, {}}).empty());
+    EXPECT_TRUE(Gex3DScene::build({5000, {}, {"x"}, {"x"}, {{}}}).empty());
+    EXPECT_TRUE(Gex3DScene::build({5000, {1, 2}, {}, {}, {}}).empty());
 
-    Gex3DData between{15, {10, 20}, {"x"}, {{0, 0}}};
+    Gex3DData between{15, {10, 20}, {"x"}, {"x"}, {{0, 0}}};
     EXPECT_EQ(Gex3DScene::build(between).spotMarker.place[0], -50) << "the first of two that are as near";
     EXPECT_EQ(Gex3DScene::build(between).bars.size(), 0u);
 }
@@ -70,7 +73,7 @@ TEST(Gex3DScene, SurfacesAreToldApartBySpotCountsAndTheLastValue) {
     EXPECT_EQ(dataID(inner), dataID(surface));
     for (const Gex3DData& other : {last, spot, wider}) EXPECT_NE(dataID(other), dataID(surface));
     EXPECT_EQ(dataID(std::nullopt), "");
-    EXPECT_EQ(dataID(Gex3DData{5000.5, {}, {}, {}}), "5000.5|0|0|0");
+    EXPECT_EQ(dataID(Gex3DData{5000.5, {}, {}, {}, {}}), "5000.5|0|0|0");
 }
 
 TEST(Gex3DScene, ARayMeetsWhatIsNearest) {
@@ -126,6 +129,14 @@ TEST_F(Gex3DViews, ThePointerFindsTheBarFromEverySide) {
     EXPECT_EQ(over(tall), text) << "a view that is higher than wide";
     view.setPointer(std::nullopt);
     EXPECT_EQ(view.tooltip(), std::nullopt);
+    view.home();
+    view.camera.dolly(200);
+    for (int side : {-1, 1}) {
+        for (int i = 0; i < 40; ++i) view.camera.pan(side * 25, 0);
+        const double x = (*view.placeOf(view.scene().bars[tall]))[0];
+        ASSERT_TRUE(x < 0 || x > 300) << x;
+        EXPECT_EQ(over(tall), "") << "a pointer beside the view";
+    }
 }
 
 // 14 expirations and 12 strikes' labels in a small view, through a whole turn.
@@ -182,15 +193,16 @@ TEST_F(Gex3DViews, LabelsKeepOffEachOtherAndDoNotFlicker) {
 TEST_F(Gex3DViews, DataChangesWhatIsShownButNotHow) {
     view.autoRotate = true;
     view.advance(1);
-    view.setHidden("6/12 (2DTE)", true);
+    view.setHidden("2026-06-12", true);
     const auto revision = view.revision();
     Gex3DData next = surface;
     next.net[0][0] = 9e6;
     EXPECT_FALSE(view.take(next)) << "an inner value alone";
     EXPECT_EQ(view.revision(), revision);
     next.spot = 5001;
+    next.expLabels = {"6/10 (-1DTE)", "6/12 (1DTE)"};
     EXPECT_TRUE(view.take(next));
-    EXPECT_EQ(view.scene().bars.size(), 3u) << "hidden rows stay hidden";
+    EXPECT_EQ(view.scene().bars.size(), 3u) << "hidden rows stay hidden past midnight, too";
     EXPECT_TRUE(view.autoRotate);
     EXPECT_NEAR(view.angle(), 0.25, 1e-12);
     view.home();

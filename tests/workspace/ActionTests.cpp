@@ -206,6 +206,15 @@ TEST_F(Actions, CloseOneThingAfterTheOther) {
                                               : '-';
     }
     EXPECT_EQ(order, "cta-");
+    GexConfig config = pane().config;
+    config.hfPressure = true;
+    pane().setConfig(config);
+    for (const bool overlay : {false, true}) {
+        panels.pressure = PressureShown{overlay, {}, {}};
+        EXPECT_EQ(run("close").taken, overlay) << "beside the chart it is nothing that is open over it";
+        EXPECT_EQ(pane().config->hfPressure, !overlay);
+    }
+    panels.pressure.reset();
     EXPECT_FALSE(run("close").taken);
     EXPECT_EQ(run("fullScreen").text, "there is no window");
 }

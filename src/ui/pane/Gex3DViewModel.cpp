@@ -36,20 +36,33 @@ Gex3DViewModel::Gex3DViewModel(QObject* parent)
 
 void Gex3DViewModel::show(AppModel* pane) {
     pane_ = pane;
-    colorSafe_ = pane && pane->preferences().get(colorSafeKey) == "1";
+    revision_ = 0;  // another pane's may be the same
+    readColorSafe();
     refresh();
+}
+
+// Another pane's view may have changed it.
+void Gex3DViewModel::readColorSafe() {
+    const bool now = pane_ && pane_->preferences().get(colorSafeKey) == "1";
+    if (std::exchange(colorSafe_, now) != now) emit colorSafeChanged();
 }
 
 Gex3DView* Gex3DViewModel::shown() const { return pane_ && pane_->surface.view ? &*pane_->surface.view : nullptr; }
 
 void Gex3DViewModel::refresh() {
     const bool open = shown() != nullptr;
-    source_ = pane_ ? text(pane_->config->gexSource).remove(QStringLiteral("derived:")) : QString();
+    QString source = pane_ ? text(pane_->config->gexSource).remove(QStringLiteral("derived:")) : QString();
+    bool differs = std::exchange(source_, std::move(source)) != source_;
     const std::uint64_t revision = open ? shown()->revision() : 0;
-    if (std::exchange(revision_, revision) != revision) makeBars(open_);
-    emit sceneChanged();
+    if (std::exchange(revision_, revision) != revision) {
+        makeLists();
+        makeBars(open_);
+        differs = true;
+    }
+    if (differs) emit sceneChanged();
     looked();
     if (std::exchange(open_, open) != open) {
+        if (open) readColorSafe();
         emit cameraChanged();
         emit autoRotateChanged();
         emit openChanged();
@@ -63,30 +76,28 @@ QUrl Gex3DViewModel::view() const {
 
 bool Gex3DViewModel::loading() const { return shown() && shown()->loading(); }
 
-QVariantList Gex3DViewModel::labels() const {
-    QVariantList out;
-    if (!shown()) return out;
-    for (const SceneLabel& label : shown()->scene().labels)
-        out.push_back(QVariantMap{{QStringLiteral("text"), text(label.text)},
-                                  {QStringLiteral("place"), vector(label.place)},
-                                  {QStringLiteral("white"), label.white},
-                                  {QStringLiteral("outside"), label.outside}});
-    return out;
-}
-
 QVariantList Gex3DViewModel::labelsShown() const {
     QVariantList out;
     for (const bool one : placed_.shown) out.push_back(one);
     return out;
 }
 
-QVariantList Gex3DViewModel::expirations() const {
-    QVariantList out;
-    if (!shown()) return out;
-    for (const std::string& label : shown()->expirations())
-        out.push_back(QVariantMap{{QStringLiteral("label"), text(label)},
-                                  {QStringLiteral("hidden"), shown()->hidden().contains(label)}});
-    return out;
+void Gex3DViewModel::makeLists() {
+    labels_.clear();
+    expirations_.clear();
+    const Gex3DView* view = shown();
+    if (!view) return;
+    for (const SceneLabel& label : view->scene().labels)
+        labels_.push_back(QVariantMap{{QStringLiteral("text"), text(label.text)},
+                                      {QStringLiteral("place"), vector(label.place)},
+                                      {QStringLiteral("white"), label.white},
+                                      {QStringLiteral("outside"), label.outside}});
+    for (std::size_t e = 0; e < view->expirations().size(); ++e) {
+        const std::string& date = view->expirations()[e];
+        expirations_.push_back(QVariantMap{{QStringLiteral("date"), text(date)},
+                                           {QStringLiteral("label"), text(view->expLabels()[e])},
+                                           {QStringLiteral("hidden"), view->hidden().contains(date)}});
+    }
 }
 
 QVector3D Gex3DViewModel::markerPlace() const {
@@ -183,9 +194,9 @@ void Gex3DViewModel::press(qreal x, qreal y) {
     if (shown() && shown()->barOver()) pane_->surface.markedStrike = shown()->scene().bars[*shown()->barOver()].strike;
 }
 
-void Gex3DViewModel::setHidden(const QString& expiration, bool hidden) {
+void Gex3DViewModel::setHidden(const QString& date, bool hidden) {
     if (!shown()) return;
-    shown()->setHidden(expiration.toStdString(), hidden);
+    shown()->setHidden(date.toStdString(), hidden);
     refresh();
 }
 

@@ -69,10 +69,10 @@ class Gex3DViewModel : public QObject {
     bool open() const { return open_; }
     QString source() const { return source_; }
     bool loading() const;
-    QVariantList labels() const;       ///< { text, place, white, outside }
-    QVariantList labelsShown() const;  ///< whether each has room
+    const QVariantList& labels() const { return labels_; }  ///< { text, place, white, outside }
+    QVariantList labelsShown() const;                       ///< whether each has room
     qreal labelScale() const { return placed_.scale; }
-    QVariantList expirations() const;  ///< { label, hidden }
+    const QVariantList& expirations() const { return expirations_; }  ///< { date, label, hidden }
     QVector3D markerPlace() const;
     QVector3D cameraPosition() const;
     QQuaternion cameraRotation() const;
@@ -85,7 +85,7 @@ class Gex3DViewModel : public QObject {
     QString tooltip() const { return tooltip_; }
     bool autoRotate() const;
     void setAutoRotate(bool on);
-    /// Positive and negative bars differ in brightness, too. Remembered.
+    /// Positive and negative bars differ in brightness, too. Remembered, and read again whenever the view opens.
     bool colorSafe() const { return colorSafe_; }
     void setColorSafe(bool on);
     /// Whether the window draws with more than one sample a pixel.
@@ -101,7 +101,7 @@ class Gex3DViewModel : public QObject {
     Q_INVOKABLE void leave();
     /// Marks the strike of the bar there on the chart; nothing beside the bars.
     Q_INVOKABLE void press(qreal x, qreal y);
-    Q_INVOKABLE void setHidden(const QString& expiration, bool hidden);
+    Q_INVOKABLE void setHidden(const QString& date, bool hidden);
     /// Where the scene is in the pane, and the middles of the controls.
     Q_INVOKABLE void tellPlaces(const QRectF& area, const QVariantMap& controls);
 
@@ -118,6 +118,8 @@ class Gex3DViewModel : public QObject {
  private:
     Gex3DView* shown() const;
     void step();
+    void readColorSafe();
+    void makeLists();
     void makeBars(bool eased);
     void setHeights();
     void looked();
@@ -125,6 +127,7 @@ class Gex3DViewModel : public QObject {
 
     AppModel* pane_ = nullptr;
     QString source_, tooltip_;
+    QVariantList labels_, expirations_;
     bool open_ = false, colorSafe_ = false;
     const bool manySamples_, reduced_;
     std::vector<Bar> bars_;

@@ -68,14 +68,14 @@ Rectangle {
                 CheckField {
                     id: box
                     required property int index
-                    readonly property var row: list.surface.expirations[index] || { label: "", hidden: false }
+                    readonly property var row: list.surface.expirations[index] || { date: "", label: "", hidden: false }
                     objectName: "row " + row.label
                     width: column.width
                     font.pixelSize: 12
                     text: row.label
                     checked: !row.hidden
                     onToggled: {
-                        list.surface.setHidden(row.label, !checked);
+                        list.surface.setHidden(row.date, !checked);
                         checked = Qt.binding(() => !row.hidden);
                     }
                     onActiveFocusChanged: {

@@ -156,10 +156,12 @@ FocusScope {
                 scene.surface.pan(dx, dy);
         }
         onReleased: mouse => {
-            if (drags)
-                scene.surface.hover(mouse.x, mouse.y);
-            else if (mouse.button === Qt.LeftButton)
+            if (drags) {
+                if (containsMouse)
+                    scene.surface.hover(mouse.x, mouse.y);
+            } else if (mouse.button === Qt.LeftButton) {
                 scene.surface.press(mouse.x, mouse.y);
+            }
             drags = false;
         }
         onCanceled: drags = false
