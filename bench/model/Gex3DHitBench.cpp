@@ -10,9 +10,10 @@ namespace vmr {
 namespace {
 
 void gex3DHover(benchmark::State& state) {
-    Gex3DData data{5000, {}, {}, {}};
+    Gex3DData data{5000, {}, {}, {}, {}};
     for (int s = 0; s < 30; ++s) data.strikes.push_back(4925 + 5 * s);
     for (int e = 0; e < 12; ++e) {
+        data.expirations.push_back("2026-06-" + std::to_string(10 + e));
         data.expLabels.push_back("6/" + std::to_string(10 + e) + " (" + std::to_string(e) + "DTE)");
         auto& row = data.net.emplace_back();
         for (int s = 0; s < 30; ++s) row.push_back(((e * 31 + s * 17) % 40 - 19.5) * 1e6);

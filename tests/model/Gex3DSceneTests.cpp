@@ -141,9 +141,12 @@ TEST_F(Gex3DViews, ThePointerFindsTheBarFromEverySide) {
 
 // 14 expirations and 12 strikes' labels in a small view, through a whole turn.
 TEST_F(Gex3DViews, LabelsKeepOffEachOtherAndDoNotFlicker) {
-    Gex3DData many{5000, {}, {}, std::vector<std::vector<double>>(14, std::vector<double>(24, 1e6))};
+    Gex3DData many{5000, {}, {}, {}, std::vector<std::vector<double>>(14, std::vector<double>(24, 1e6))};
     for (int s = 0; s < 24; ++s) many.strikes.push_back(4988 + s);
-    for (int e = 0; e < 14; ++e) many.expLabels.push_back("6/" + std::to_string(10 + e) + " (9DTE)");
+    for (int e = 0; e < 14; ++e) {
+        many.expirations.push_back("2026-06-" + std::to_string(10 + e));
+        many.expLabels.push_back("6/" + std::to_string(10 + e) + " (9DTE)");
+    }
     view.area = {0, 0, 442, 342};
     view.take(many);
     const auto& labels = view.scene().labels;

@@ -119,6 +119,14 @@ TEST_F(FrameItems, ThePointerOverTheOscillatorRecordsNothingAndMovesTimeAlone) {
     QTest::mouseMove(ui.window, {350, 300});
     ASSERT_TRUE(runUntil([&] { return shown("crosshairHorizontal") && lineX("oscCrosshairVertical") == 350; }));
     EXPECT_FALSE(shown("oscCrosshairHorizontal"));
+
+    // that of a linked pane, over its oscillator
+    ASSERT_TRUE(ui.source.pointer);
+    ui.source.camera().showPeerCrosshair(ChartSpot{ui.source.pointer->time, std::nan("")});
+    ASSERT_TRUE(runUntil([&] { return shown("peerCrosshairVertical") && shown("oscPeerCrosshairVertical"); }));
+    for (const char* name : {"peerCrosshairVertical", "oscPeerCrosshairVertical"}) EXPECT_NEAR(lineX(name), 350, 1);
+    EXPECT_FALSE(shown("peerCrosshairHorizontal") || shown("oscPeerCrosshairHorizontal"));
+    ui.source.camera().showPeerCrosshair(std::nullopt);
     EXPECT_EQ(frames(), before);
 
     const Viewport at = camera();

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QSGRendererInterface>
+#include <functional>
 
 #include "tests/chart/FullScene.h"
 #include "ui/CpuChart.h"
@@ -40,9 +41,9 @@ class TwoPanes : public testing::Test {
             pane->item->setPane(&pane->view);
         }
         left_.item->setSize({450, 400});
-        right_.item->setPosition({451, 0});
+        right_.item->setPosition({452, 0});
         right_.item->setSize({452, 370});
-        window_.resize(903, 400);
+        window_.resize(904, 400);
         window_.show();
         QObject::connect(&window_, &QQuickWindow::frameSwapped, &window_, [this] { ++swaps_; });
         ASSERT_TRUE(settle());
@@ -50,15 +51,21 @@ class TwoPanes : public testing::Test {
     }
 
     bool settle() { return comesToRest(swaps_); }
-    QImage picture(const Pane& pane) {
-        return windowPicture(window_).copy(QRectF(pane.item->position(), pane.item->size()).toRect());
+    double ratio() const { return window_.effectiveDevicePixelRatio(); }
+    QImage part(const QImage& whole, const Pane& pane) const {
+        return whole.copy(QRectF(pane.item->position() * ratio(), pane.item->size() * ratio()).toAlignedRect() &
+                          whole.rect());
     }
+    QImage picture(const Pane& pane) { return part(windowPicture(window_), pane); }
     // The pane's chart drawn elsewhere, with the bars that it had when it was first shown.
     void expectOwnPicture(const Pane& pane, CpuChart& expected) {
         expected.view.setContent(pane.data.content());
-        const RecordedFrame frame = expected.frame(pane.item->size(), 1);
+        expectPicture(picture(pane), pane, expected);
+    }
+    void expectPicture(const QImage& is, const Pane& pane, CpuChart& expected) {
+        const RecordedFrame frame = expected.frame(pane.item->size(), ratio());
         ASSERT_EQ(expected.view.renderer().camera().viewport(), pane.item->renderer().camera().viewport());
-        expectSame(picture(pane), frame, expected.atlas.image(), 0.6);
+        expectSame(is, frame, expected.atlas.image(), 0.6);
     }
 
     Pane left_{syntheticBars(40)}, right_{syntheticBars(90)};
@@ -118,6 +125,34 @@ TEST_F(TwoPanes, TheChartThatIsMovedByTheOtherShowsTheSameFrame) {
     ASSERT_TRUE(settle());
     EXPECT_GE(frames, 25);
     EXPECT_EQ(apart, 0) << "of " << frames << " frames";
+}
+
+// Bars, texts and lines of both, in every frame of a gesture over one of them.
+TEST_F(TwoPanes, EveryPixelOfBothIsOfOneCameraWhileOneMovesTheOther) {
+    const auto follow = [](const Viewport& shown, auto& other) {
+        other.mirrorView(shown.first, shown.count);
+        other.mirrorPrice(shown.minP, shown.maxP);
+    };
+    const auto following = left_.item->viewportState()->changed.connect(
+        [&] { follow(*left_.item->viewportState()->get(), right_.source.camera()); });
+    CpuChart left, right;
+    expectOwnPicture(left_, left);
+    expectOwnPicture(right_, right);
+    const std::function<void(ChartRenderer&)> moves[] = {
+        [](ChartRenderer& one) { one.pan(-3.37); }, [](ChartRenderer& one) { one.zoom(1.3); },
+        [&](ChartRenderer& one) { one.panByPrice(31, left_.item->height()); },
+        [](ChartRenderer& one) { one.pan(5.81), one.zoomPrice(0.8); }};
+    for (std::size_t i = 0; i < std::size(moves); ++i) {
+        SCOPED_TRACE(i);
+        for (ChartRenderer* one : {&left_.item->renderer(), &left.view.renderer()}) {
+            one->setInteracting(true);
+            moves[i](*one);
+        }
+        const QImage whole = windowPicture(window_);
+        expectPicture(part(whole, left_), left_, left);
+        follow(left_.item->renderer().camera().viewport(), right.view.renderer());
+        expectPicture(part(whole, right_), right_, right);
+    }
 }
 
 TEST_F(TwoPanes, OneTakesTheOthersPaneAndOneGoesAway) {

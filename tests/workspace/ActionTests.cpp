@@ -55,14 +55,15 @@ TEST(HotkeyRouter, GivesKeysAwayAndRemembersThem) {
     const auto heard = keys.changed.connect([&] { ++notices; });
     EXPECT_EQ(keys.actionFor("G")->id, "gexBubbles");
     EXPECT_EQ(keys.actionFor(""), nullptr);
-    for (const auto& [id, key, problem] : {std::tuple("gexBubbles", "home", "Home is taken: Back to the live edge"),
-                                           {"gexBubbles", "escape", "Esc is taken: Close what is open"},
-                                           {"close", "q", "Close what is open keeps its key"},
-                                           {"gexBubbles", "qq", "qq is no key"},
-                                           {"nothing", "q", "there is no action nothing"},
-                                           {"gexBubbles", "d", ""},  // of the DEX bars
-                                           {"reload", "ctrl+r", ""},
-                                           {"vwapEnabled", "", ""}})
+    for (const auto& [id, key, problem] :
+         {std::tuple("gexBubbles", "home", "Home is taken: Back to the live edge; the first view of 3D"),
+          {"gexBubbles", "escape", "Esc is taken: Close what is open"},
+          {"close", "q", "Close what is open keeps its key"},
+          {"gexBubbles", "qq", "qq is no key"},
+          {"nothing", "q", "there is no action nothing"},
+          {"gexBubbles", "d", ""},  // of the DEX bars
+          {"reload", "ctrl+r", ""},
+          {"vwapEnabled", "", ""}})
         EXPECT_EQ(keys.assign(id, key).value_or(""), problem) << id << " " << key;
     EXPECT_EQ(notices, 3);
     for (HotkeyRouter* router : {&keys, std::make_unique<HotkeyRouter>(&kept).release()}) {
