@@ -56,6 +56,7 @@ std::optional<Rasteriser> RasteriserRecord::found() const {
 }
 
 void RasteriserRecord::keep(Rasteriser drew) const {
+    if (file_.empty()) return;
     auto lines = readLines(file_);
     const auto own = lines.find(api_);
     if (!isWord(api_) || (own != lines.end() && own->second == drew)) return;

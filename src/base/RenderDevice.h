@@ -22,9 +22,9 @@ int samplesAPixel(std::string_view wanted, std::optional<Rasteriser> found, bool
 /// known for certain only once a window is drawn, and is wanted before it. Wherever the file fails it knows nothing.
 class RasteriserRecord {
  public:
-    /// `api` is a word of the environment's, "vulkan" or "default"; one of other characters is not remembered.
-    RasteriserRecord(std::filesystem::path file, std::string api)
-        : file_(std::move(file)), api_(std::move(api)) {}
+    /// `api` is a word of the environment's, "vulkan" or "default"; one of other characters is not remembered, nor
+    /// is anything without a file.
+    RasteriserRecord(std::filesystem::path file, std::string api) : file_(std::move(file)), api_(std::move(api)) {}
 
     std::optional<Rasteriser> found() const;
     /// Writes only what is new, and keeps the other interfaces' lines.

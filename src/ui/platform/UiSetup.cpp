@@ -47,7 +47,7 @@ void prepareGraphics(const RasteriserRecord& record) {
 
 RasteriserRecord rasteriserRecord(const std::filesystem::path& folder) {
     const QByteArray wanted = qgetenv("QSG_RHI_BACKEND");
-    return {folder / "rasteriser", wanted.isEmpty() ? "default" : wanted.toStdString()};
+    return {folder.empty() ? folder : folder / "rasteriser", wanted.isEmpty() ? "default" : wanted.toStdString()};
 }
 
 // Frames are swapped on the render thread, and only there may the interface be asked.
