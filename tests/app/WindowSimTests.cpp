@@ -3,11 +3,9 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <sstream>
 
 #include "tests/app/DrivenWindow.h"
-#include "tests/sim/PlainLedger.h"
 
 namespace vmr {
 namespace {
@@ -136,105 +134,6 @@ TEST_F(WindowSim, ThePointerTradesAndTheMarketClosesUnderIt) {
     click(firstButton, positionButtons - (positionsTop - ticketTop - 82));  // the cards have moved up
     EXPECT_TRUE(until([&](const json&) { return panel()["notice"] == "Market closed — position kept"; }));
     EXPECT_EQ(account()["fills"], fills) << "the ticket is gone";
-}
-
-// What hands do at random, by pointer and keys, and book-keeping that only hears of the fills.
-class RandomWindowHands : public WindowSim {
- protected:
-    int pick(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }
-    double cardsTop() { return panel()["marketClosed"] == true ? ticketTop + 82 : positionsTop; }
-    double ordersNow() { return cardsTop() + (position()["qty"] == 0 ? 76 : ordersTop - positionsTop); }
-
-    void handle() {
-        look();
-        const double row = pick(2) == 0 ? limitRow : stopRow, last = account()["lasts"].value("NQ", 24000.0);
-        const std::string price = std::to_string(std::lround(last) + pick(81) - 40);
-        switch (const int kind = pick(10)) {
-            case 0:
-            case 1:
-                return click(pick(2) == 0 ? buyMarket : sellMarket, marketRow);
-            case 2:
-            case 3:
-            case 4:  // an order at a price, sent by a click or by the keys
-                click(priceField, row);
-                act(" key ctrl+a type " + price);
-                if (kind == 4) return act(tabs(1 + pick(2)) + " key Return");
-                return click(pick(2) == 0 ? buy : sell, row);
-            case 5:
-                click(92, ticketTop + 15);
-                return act(" key ctrl+a type " + std::to_string(1 + pick(3)));
-            case 6:
-                return click(pick(2) == 0 ? 45 : 140, ticketTop + 53);  // the stop's distance
-            case 7:
-                return click(firstButton + 72 * pick(3), cardsTop() + positionButtons - positionsTop);
-            case 8:
-                return click(pick(3) == 0 ? cancelAll : cancelFirst, ordersNow() + 18);
-            default:
-                return click(cancelFirst, ordersNow() + 51 + 30 * pick(3));
-        }
-    }
-    void compare() {
-        look();
-        const json& fills = account()["fills"];
-        const auto seen = std::ranges::find(fills, newest_, [](const json& fill) { return fill["id"]; });
-        for (auto at = seen; at != fills.begin();) {
-            --at;
-            sim::Fill fill;
-            fill.sym = (*at)["sym"];
-            fill.side = (*at)["side"] == "buy" ? sim::Side::buy : sim::Side::sell;
-            fill.qty = (*at)["qty"];
-            fill.price = (*at)["price"];
-            fill.commission = (*at)["commission"];
-            ledger_.apply(fill, 20);
-            ++counts_["fills"];
-        }
-        if (!fills.empty()) newest_ = fills[0]["id"];
-        const auto& plain = ledger_.roots["NQ"];
-        const auto size = static_cast<std::int64_t>(plain.contracts.size());
-        EXPECT_EQ(position()["qty"], plain.side == sim::Side::buy ? size : -size);
-        EXPECT_NEAR(account()["balance"], ledger_.cash, 1e-6);
-        EXPECT_EQ(account()["trades"].size(), ledger_.finished.size());
-        EXPECT_EQ(panel()["rows"]["orders"].size(), account()["orders"].size());
-        const json& rows = panel()["rows"]["positions"];
-        ASSERT_EQ(rows.size(), size == 0 ? 0u : 1u);
-        if (size == 0) return;
-        const std::string held = (plain.side == sim::Side::buy ? "LONG " : "SHORT ") + std::to_string(size) + " NQ ";
-        EXPECT_TRUE(rows[0]["text"].get<std::string>().starts_with(held)) << rows;
-    }
-    void handleAndCompare(int times) {
-        for (int i = 0; i < times && !HasFailure(); ++i) {
-            SCOPED_TRACE(i);
-            const std::size_t orders = account()["orders"].size(), fills = account()["fills"].size();
-            handle();
-            compare();
-            counts_["acted"] += orders != account()["orders"].size() || fills != account()["fills"].size();
-        }
-    }
-
-    std::mt19937 random_{5};
-    test::Counts counts_;
-    test::PlainLedger ledger_{counts_};
-    json newest_;
-};
-
-TEST_F(RandomWindowHands, AndAPlainLedgerAgreeWhileTheMarketClosesAndOpens) {
-    act(toTool("simPanel") + " click 1 sleep 0.3 key --repeat 40 alt+shift+Down");
-    ASSERT_TRUE(until([&](const json&) { return panel()["ticket"].is_object(); }));
-    handleAndCompare(30);
-    program_->ask("clock set 2026-06-10T16:59:59");
-    ASSERT_TRUE(until([&](const json&) { return panel()["marketClosed"] == true; }));
-    act(" sleep 1");
-    compare();
-    const std::size_t fills = counts_["fills"];
-    handleAndCompare(8);
-    EXPECT_EQ(counts_["fills"], fills) << "the market is closed";
-    program_->ask("clock set 2026-06-10T18:00:01");
-    ASSERT_TRUE(until([&](const json&) { return panel()["marketClosed"] == false && panel()["warning"] == ""; }));
-    act(" sleep 1");
-    handleAndCompare(22);
-    EXPECT_GE(counts_["fills"], 12u);
-    EXPECT_GE(counts_["acted"], 25u);
-    EXPECT_GE(counts_["reversals"] + counts_["partial closes"], 2u);
 }
 
 TEST_F(WindowSim, TradesAreListedSortedExportedAndLost) {

@@ -84,63 +84,6 @@ TEST_F(WindowTrading, AnOrderIsPlacedDraggedTakenBackAndClosedInBothPanes) {
     })) << orders();
 }
 
-// What happens under the hand while it drags.
-TEST_F(WindowTrading, ADragOfAPlannedLegAndDragsThatEndOnTheirOwn) {
-    const double last = look()["sim"]["lasts"]["NQ"];
-    const auto enter = [&](double below) {
-        program_->ask("order NQ buy limit 1 limit=" + std::to_string(last - below) + " sl=40 tp=60");
-        return until([&](const json&) { return line(0, "leg").is_object() && line(0, "leg")["shown"] == true; });
-    };
-    const auto take = [&](std::size_t pane, const char* kind, double by) {
-        const json badge = line(pane, kind)["badge"];
-        const double x = badge[0].get<double>() + 5, y = badge[1].get<double>() + 9;
-        act(at(pane, x, y) + " mousedown 1" + at(pane, x, y + by / 2) + at(pane, x, y + by) + " sleep 0.1");
-        return until([&](const json&) { return trading(pane)["drag"].is_string(); });
-    };
-    ASSERT_TRUE(enter(20));
-    const json leg = line(1, "leg");
-    ASSERT_TRUE(take(1, "leg", 10));
-    EXPECT_TRUE(until([&](const json&) { return orders()[0]["bracket"]["slTicks"] > 40; })) << orders();
-    const int ticks = orders()[0]["bracket"]["slTicks"];
-    const double width = 1199 - std::round(state_["windows"][0]["split"].get<double>() * 1199), y = leg["y"];
-    act(at(1, width - 30, y + 30) + " sleep 0.1");
-    EXPECT_TRUE(until([&](const json&) {
-        return orders()[0]["bracket"]["slTicks"] > ticks && bothShow("leg", line(1, "leg")["price"]);
-    })) << "over the axis the price counts as well";
-    EXPECT_EQ(orders()[0]["bracket"]["tpTicks"], 60);
-    act(" mouseup 1");
-
-    const json was = orders()[0]["limitPrice"];
-    ASSERT_TRUE(take(0, "order", 12));
-    program_->ask("symbol ES");  // in the pane that has the hand
-    ASSERT_TRUE(until([&](const json&) { return trading(0).is_object() && trading(0)["drag"].is_null(); }));
-    const json left = orders()[0]["limitPrice"];
-    EXPECT_NE(left, was);
-    act(at(0, 300, 300) + at(0, 300, 200) + " mouseup 1 sleep 0.2");
-    EXPECT_EQ(look()["sim"]["orders"][0]["limitPrice"], left) << "the rest of the drag moves nothing";
-    program_->ask("symbol NQ");
-    ASSERT_TRUE(until([&](const json&) { return line(0, "order").is_object() && line(0, "order")["shown"] == true; }));
-
-    ASSERT_TRUE(take(0, "order", -200));  // through the market
-    ASSERT_TRUE(until([&](const json& state) {
-        return state["sim"]["positions"]["NQ"]["qty"] == 1 && trading(0)["drag"].is_null();
-    }));
-    const json legs = orders();
-    EXPECT_EQ(legs.size(), 2u);
-    act(at(0, 300, 300) + at(0, 300, 100) + " mouseup 1 sleep 0.2");
-    EXPECT_EQ(look()["sim"]["orders"], legs);
-
-    ASSERT_TRUE(take(1, "order", 8));  // one of the legs
-    program_->ask("relay contract NQ NQU6");
-    program_->ask("clock resume");
-    ASSERT_TRUE(until([&](const json& state) { return state["sim"]["contracts"]["NQ"] == "NQU6"; }));
-    ASSERT_TRUE(until([&](const json&) { return trading(1)["drag"].is_null(); }));
-    program_->ask("clock pause");
-    const json rolled = look()["sim"]["orders"];
-    act(at(1, 300, 300) + at(1, 300, 100) + " mouseup 1 sleep 0.2");
-    EXPECT_EQ(look()["sim"]["orders"], rolled);
-}
-
 TEST_F(WindowTrading, APositionTellsItsResultAndAChartWithoutSimulatorShowsNothing) {
     program_->ask("order NQ buy market 2");
     ASSERT_TRUE(until([&](const json&) { return trading(0)["pill"].is_object() && trading(1)["pill"].is_object(); }));

@@ -110,9 +110,10 @@ FocusScope {
                     position: label.place
                     rotation: scene.surface.labelRotation
                     readonly property real size: scene.surface.labelScale / sharpness
-                    visible: scene.surface.labelsShown[index] === true
                     scale: Qt.vector3d(size, size, size)
                     Text {
+                        // not the node's `visible`: Qt 6.4 crashes in the end over a text that was never drawn
+                        opacity: scene.surface.labelsShown[billboard.index] === true ? 1 : 0
                         x: width / 2 * (billboard.label.outside ? scene.surface.labelSide - 1 : -1)
                         y: -height / 2
                         renderType: Text.QtRendering

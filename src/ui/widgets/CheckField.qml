@@ -11,6 +11,7 @@ T.CheckBox {
     hoverEnabled: true
     font.family: Theme.family
     font.pixelSize: Theme.normal
+    Accessible.name: text
 
     indicator: Rectangle {
         width: 18

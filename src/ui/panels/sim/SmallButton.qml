@@ -14,6 +14,7 @@ PushButton {
     rightPadding: 10
     font.pixelSize: Theme.small
     opacity: barred === "" ? 1 : 0.45
+    Accessible.name: text
     Accessible.description: barred
     onClicked: if (barred === "") pressedOnce()
 
