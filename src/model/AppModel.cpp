@@ -149,9 +149,10 @@ void AppModel::updateHfpTimer() {
 
 void AppModel::takeHfpSample() {
     const double start = at_.clock.monotonic();
-    if (options.derivedFields.empty()) return;  // the rows are still the former chart's
-    const auto spot = Hfp::spotPrice(FieldView(options.derivedFields), bars.candles, options.etfRatio);
-    hfp.take(options.strikes, spot, at_.clock.now());
+    if (!options.derivedFields.empty()) {  // else the rows are still the former chart's
+        const auto spot = Hfp::spotPrice(FieldView(options.derivedFields), bars.candles, options.etfRatio);
+        hfp.take(options.strikes, spot, at_.clock.now());
+    }
     if (at_.perf) at_.perf->time("hfpSample", (at_.clock.monotonic() - start) * 1000);
 }
 

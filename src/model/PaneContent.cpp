@@ -14,13 +14,12 @@ void AppModel::contentChanged() {
 }
 
 void AppModel::watchContent() {
-    for (Signal<>* changed :
-         {&look_.changed, &channels.changed, &bars.displayCandles.changed, &bars.chartVersionChanged,
-          &options.levels.changed, &options.strikes.changed, &options.etfRatio.changed,
-          &options.gammaFlipStrike.changed, &options.hud.changed, &options.secStrikes.changed,
-          &options.secEtfRatio.changed, &markers.bubblePts.changed, &markers.trianglePts.changed,
-          &sessionLevels.srLines.changed, &overlays.overlaysChanged, &oscillator.oscLines.changed,
-           &surface.markedStrike.changed})
+    for (Signal<>* changed : {&look_.changed, &channels.changed, &bars.displayCandles.changed,
+                              &bars.chartVersionChanged, &options.levels.changed, &options.strikes.changed,
+                              &options.etfRatio.changed, &options.gammaFlipStrike.changed, &options.hud.changed,
+                              &options.secStrikes.changed, &options.secEtfRatio.changed, &markers.bubblePts.changed,
+                              &markers.trianglePts.changed, &sessionLevels.srLines.changed, &overlays.overlaysChanged,
+                              &oscillator.oscLines.changed, &surface.markedStrike.changed})
         contentLinks_.push_back(changed->connect([this] { contentChanged(); }));
 }
 

@@ -1,9 +1,8 @@
 #include "model/StateDocument.h"
 
-#include "model/SimDesk.h"
-
 #include "chart/HudText.h"
 #include "model/ClockTexts.h"
+#include "model/SimDesk.h"
 #include "model/StateRecords.h"
 
 namespace vmr {

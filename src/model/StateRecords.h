@@ -15,7 +15,7 @@
 namespace vmr {
 class AppModel;
 class SimDesk;
-}
+}  // namespace vmr
 
 namespace vmr::stateRecords {
 

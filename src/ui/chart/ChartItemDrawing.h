@@ -32,7 +32,7 @@ struct ChartItem::Drawing {
     CrosshairState crosshair, peerCrosshair;
     HudState hud;
     EntryPillState pill;
-    QTimer pillTimer;  // while a result is shown
+    QTimer pillTimer;                           // while a result is shown
     std::optional<ChartPoint> oscPointerComes;  // where it goes over the oscillator with the next frame
     std::unique_ptr<PointerReports> oscPointer;
     Given given;

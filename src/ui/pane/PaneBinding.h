@@ -45,7 +45,7 @@ class PaneBinding {
         settingsConcern = 64,
         clockConcern = 128,
         surfaceConcern = 256,
-        pressureConcern = 1024,
+        pressureConcern = 512,
         everyConcern = ~0U
     };
 
