@@ -1,10 +1,11 @@
 // The running result of an account's trades, as triangles.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "model/SimPanelFacts.h"
-#include "workspace/SignInArt.h"
+#include "workspace/ArtVertex.h"
 
 namespace vmr {
 

@@ -1,10 +1,8 @@
 #include "ui/panels/sim/EquityPlot.h"
 
-#include <QSGGeometryNode>
-#include <QSGVertexColorMaterial>
-#include <algorithm>
 #include <utility>
 
+#include "ui/widgets/ArtNode.h"
 #include "workspace/EquityArt.h"
 
 namespace vmr {
@@ -13,16 +11,6 @@ namespace {
 EquityColor colorOf(const QColor& color) {
     return {static_cast<std::uint8_t>(color.red()), static_cast<std::uint8_t>(color.green()),
             static_cast<std::uint8_t>(color.blue())};
-}
-
-QSGGeometryNode* newNode() {
-    auto* node = new QSGGeometryNode;
-    auto* geometry = new QSGGeometry(QSGGeometry::defaultAttributes_ColoredPoint2D(), 0);
-    geometry->setDrawingMode(QSGGeometry::DrawTriangles);
-    node->setGeometry(geometry);
-    node->setMaterial(new QSGVertexColorMaterial);
-    node->setFlags(QSGNode::OwnsGeometry | QSGNode::OwnsMaterial);
-    return node;
 }
 }  // namespace
 
@@ -85,17 +73,10 @@ QSGNode* EquityPlot::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         changed_ = true;
         return nullptr;
     }
-    auto* node = old ? static_cast<QSGGeometryNode*>(old) : newNode();
-    if (old && !changed_) return node;
+    if (old && !changed_) return old;
     changed_ = false;
     makeEquityArt(plot_, width(), height(), colorOf(gain_), colorOf(loss_), vertices_);
-    node->geometry()->allocate(static_cast<int>(vertices_.size()));
-    QSGGeometry::ColoredPoint2D* to = node->geometry()->vertexDataAsColoredPoint2D();
-    std::for_each(vertices_.begin(), vertices_.end(), [&to](const ArtVertex& from) {
-        (to++)->set(from.x, from.y, from.red, from.green, from.blue, from.opacity);
-    });
-    node->markDirty(QSGNode::DirtyGeometry);
-    return node;
+    return artNode(old, vertices_);
 }
 
 }  // namespace vmr

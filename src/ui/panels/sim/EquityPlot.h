@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "ui/panels/sim/SimViewModel.h"
-#include "workspace/SignInArt.h"
+#include "workspace/ArtVertex.h"
 
 namespace vmr {
 
