@@ -101,14 +101,12 @@ void ChartInput::dragLine(ChartPoint at) {
     endLostDrag();
     const double price = priceAt(at.y - drag_.beside());
     if (!drag_.holdsLine() || !std::isfinite(price)) return;
-    moveLine(price);
-    renderer_.redraw();
-}
-
-void ChartInput::moveLine(double price) {
     const DraggedLine line = drag_.line();  // what the account does next may end the drag
-    if (line.leg.empty()) return trading->modify(line.id, price);
-    trading->modifyProjectedLeg(line.id, line.leg, price);
+    if (line.leg.empty())
+        trading->modify(line.id, price);
+    else
+        trading->modifyProjectedLeg(line.id, line.leg, price);
+    renderer_.redraw();
 }
 
 bool ChartInput::lineIsThere() {
@@ -131,8 +129,8 @@ void ChartInput::endLostDrag() {
 bool ChartInput::takeBack() {
     endLostDrag();
     if (!drag_.holdsLine()) return false;
-    if (drag_.begun()) moveLine(drag_.price());
-    drag_.release();
+    const PointerDrag drag = std::exchange(drag_, {});
+    if (drag.begun()) trading->putBack(drag.line().id, drag.line().leg, drag.price());
     renderer_.redraw();
     return true;
 }

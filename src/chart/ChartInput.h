@@ -110,7 +110,6 @@ class ChartInput {
     const LineMarks& marks();
     void close(const LineMark& mark);
     void dragLine(ChartPoint at);
-    void moveLine(double price);
     bool lineIsThere();
     void flushDrag(ChartPoint at);
     double barsFor(double dx) const;

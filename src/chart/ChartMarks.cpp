@@ -333,6 +333,7 @@ class SampleAccount final : public ChartTrading {
     void cancelAll(const std::string&) override {}
     void modify(const Uuid&, double) override {}
     void modifyProjectedLeg(const Uuid&, std::string_view, double) override {}
+    void putBack(const Uuid&, std::string_view, double) override {}
     void setProtective(const std::string&, std::string_view, double) override {}
     void flatten(const std::string&) override {}
 };

@@ -64,8 +64,11 @@ class ChartTrading {
     virtual void place(const std::string& root, std::string_view side, std::string_view type, double price) = 0;
     virtual void cancel(const Uuid& id) = 0;
     virtual void cancelAll(const std::string& root) = 0;
+    /// Both move to the nearest price on the root's grid.
     virtual void modify(const Uuid& id, double price) = 0;
     virtual void modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) = 0;
+    /// Puts an order, or its planned `leg` where that is not empty, back to a price that it had, on the grid or not.
+    virtual void putBack(const Uuid& id, std::string_view leg, double price) = 0;
     /// `kind` "SL" or "TP".
     virtual void setProtective(const std::string& root, std::string_view kind, double price) = 0;
     virtual void flatten(const std::string& root) = 0;

@@ -40,6 +40,9 @@ class SimTrading final : public ChartTrading {
     void modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) override {
         if (mayChange()) engine_.modifyProjectedLeg(id, leg, price);
     }
+    void putBack(const Uuid& id, std::string_view leg, double price) override {
+        if (mayChange()) engine_.putBack(id, leg, price);
+    }
     void setProtective(const std::string& root, std::string_view kind, double price) override;
     void flatten(const std::string& root) override;
 

@@ -120,18 +120,21 @@ SimEngine::LegPrices SimEngine::projectedBracket(const Order& order) const {
 }
 
 bool SimEngine::modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) {
+    Order* order = orderOf(id);
+    return order && moveLeg(*order, leg, roundTick(order->sym, price));
+}
+
+bool SimEngine::moveLeg(Order& order, std::string_view leg, double price) {
     const Operation operation(*this);
     constexpr double beyondTicks = 0x1p63;
-    Order* order = orderOf(id);
-    if (!order || !isPendingEntry(*order)) return false;
-    const auto anchor = anchorOf(*order);
-    const Spec* spec = specs_.find(order->sym);
+    if (!isPendingEntry(order)) return false;
+    const auto anchor = anchorOf(order);
+    const Spec* spec = specs_.find(order.sym);
     if (!anchor || !spec || !(spec->tick > 0)) return false;
-    const double px = roundTick(order->sym, price);
-    if (!(px > 0) || !std::isfinite(px)) return false;
-    const double ticks = std::max(1.0, std::round(std::abs(px - *anchor) / spec->tick));
+    if (!(price > 0) || !std::isfinite(price)) return false;
+    const double ticks = std::max(1.0, std::round(std::abs(price - *anchor) / spec->tick));
     if (!(ticks < beyondTicks) || (leg != slTag && leg != tpTag)) return false;
-    (leg == slTag ? order->bracket->slTicks : order->bracket->tpTicks) = static_cast<std::int64_t>(ticks);
+    (leg == slTag ? order.bracket->slTicks : order.bracket->tpTicks) = static_cast<std::int64_t>(ticks);
     note(Field::orders);
     persist();
     return true;

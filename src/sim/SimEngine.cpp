@@ -148,15 +148,22 @@ void SimEngine::cancelAll() {
 }
 
 bool SimEngine::modify(const Uuid& id, double price) {
-    const Operation operation(*this);
     Order* order = orderOf(id);
-    if (!order) return false;
-    const double px = roundTick(order->sym, price);
-    if (!(px > 0) || !std::isfinite(px)) return false;
-    if (order->limitPrice)
-        order->limitPrice = px;
-    else if (order->stopPrice)
-        order->stopPrice = px;
+    return order && move(*order, roundTick(order->sym, price));
+}
+
+bool SimEngine::putBack(const Uuid& id, std::string_view leg, double price) {
+    Order* order = orderOf(id);
+    return order && (leg.empty() ? move(*order, price) : moveLeg(*order, leg, price));
+}
+
+bool SimEngine::move(Order& order, double price) {
+    const Operation operation(*this);
+    if (!(price > 0) || !std::isfinite(price)) return false;
+    if (order.limitPrice)
+        order.limitPrice = price;
+    else if (order.stopPrice)
+        order.stopPrice = price;
     note(Field::orders);
     persist();
     return true;

@@ -149,6 +149,8 @@ class SimEngine {
     /// Moves the planned "SL" or "TP" (`leg`) of a working entry: whole ticks from its price, at least 1, on its own
     /// side.
     bool modifyProjectedLeg(const Uuid& id, std::string_view leg, double price);
+    /// Puts an order, or its planned `leg` where that is not empty, back to a price that it had, on the grid or not.
+    bool putBack(const Uuid& id, std::string_view leg, double price);
     struct LegPrices {
         Price sl;
         Price tp;
@@ -231,6 +233,8 @@ class SimEngine {
 
     Order newOrder(std::string_view sym, Side side, OrderType type, std::int64_t qty);
     Order* orderOf(const Uuid& id);
+    bool move(Order& order, double price);
+    bool moveLeg(Order& order, std::string_view leg, double price);
     void append(Order order);
     void removeOrders(const std::function<bool(const Order&)>& test);
     void removeLegs(std::string_view sym);

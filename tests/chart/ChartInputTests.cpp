@@ -233,7 +233,7 @@ TEST_F(InputTest, ALineThatGoesEndsItsDrag) {
 
 TEST_F(InputTest, ADragIsTakenBackToWhereItBegan) {
     trading.shown = {{}, {{id(1), 21040, true, 1, "LMT"}}, {{id(1), "SL", 21030}}};
-    for (const auto& [price, back] : {std::pair{21040.0, "modify 1 21040"}, {21030.0, "leg 1 SL 21030"}}) {
+    for (const auto& [price, back] : {std::pair{21040.0, "back 1  21040"}, {21030.0, "back 1 SL 21030"}}) {
         EXPECT_FALSE(input.takeBack());
         input.mouseDown(at(400, price));
         EXPECT_TRUE(input.draggingLine() && !input.draggedLine()) << "it has not moved";

@@ -170,6 +170,10 @@ TEST(SimBrackets, LegsFollowThePosition) {
          "none | works buy 1 limit 101, sell 1 stop 81, sell 1 stop 70 limit 61"},
         {"modify refuses", "trade 100; buy 1 limit=90; modify 0 0; modify 0 nan; modify 0 0.1; modify 7 95; cancel 7",
          "none | works buy 1 limit 90 | refuses modify modify modify modify cancel"},
+        {"what is put back stands where it was, off the grid",
+         "trade 101; buy 1 limit=100.125 sl=4 tp=4; modify 0 99; leg 0 TP 105; leg 0 SL 90; back 0 - 100.125; "
+         "back 0 TP 101.125; back 0 SL 99.125; back 0 - nan; back 0 SL 0; back 3 - 90",
+         "none | works buy 1 limit 100.125 [99.125/101.125] | refuses back back back"},
         {"cancelAll is for one root", "trade 100; buy 1 limit=90; root ES; trade 9; buy 1 limit=8; cancelAll",
          "none | works buy 1 limit 90"},
         {"a planned leg is whole ticks away, at least 1, on its own side",

@@ -17,8 +17,8 @@ namespace vmr::test {
 
 /// Commands end with ";". Orders are named by their place in the working list, counted from 0:
 /// trade P; quote B A; seed P; buy|sell QTY [limit=P] [stop=P] [sl=N] [tp=N]; cancel I; modify I P; leg I SL|TP P;
-/// protect SL|TP P; flatten; cancelAll; reset BALANCE; root SYM; wait S; closed (from now on); open PANE CONTRACT;
-/// roll CONTRACT; offline PANE
+/// back I SL|TP|- P; protect SL|TP P; flatten; cancelAll; reset BALANCE; root SYM; wait S; closed (from now on); open
+/// PANE CONTRACT; roll CONTRACT; offline PANE
 class SimScript {
  public:
     SimScript(TestTime& clock, SimEngine& account) : time(clock), engine(account) {}
@@ -101,6 +101,7 @@ class SimScript {
         if (name == "protect") return engine.setProtective(root, words_.at(1), number(2));
         if (name == "modify") return engine.modify(order(), number(2));
         if (name == "leg") return engine.modifyProjectedLeg(order(), words_.at(2), number(3));
+        if (name == "back") return engine.putBack(order(), words_.at(2) == "-" ? "" : words_.at(2), number(3));
         if (name == "root") return root = words_.at(1), true;
         if (name == "cancelAll") return engine.cancelAll(root), true;
         if (name == "closed") return time.setNow(closedHours), true;

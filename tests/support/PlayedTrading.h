@@ -47,6 +47,7 @@ struct PlayedTrading : ChartTrading {
     void modifyProjectedLeg(const Uuid& id, std::string_view leg, double price) override {
         note("leg", number(id), leg, price);
     }
+    void putBack(const Uuid& id, std::string_view leg, double price) override { note("back", number(id), leg, price); }
     void setProtective(const std::string&, std::string_view kind, double price) override {
         note("protect", kind, price);
     }
