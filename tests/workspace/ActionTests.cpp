@@ -1,5 +1,4 @@
 // Actions, their keys, and whom a key is for.
-#include <algorithm>
 #include <map>
 #include <set>
 

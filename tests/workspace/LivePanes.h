@@ -6,7 +6,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "base/AsioLoop.h"
 #include "base/Preferences.h"
