@@ -1,6 +1,4 @@
 // The program as a process: exit status, what it prints, what it answers.
-#include <gmock/gmock.h>
-
 #include <random>
 #include <set>
 

@@ -1,6 +1,4 @@
 // The running window's panels, form and menu, driven by a real pointer and real keys.
-#include <algorithm>
-
 #include "relay/PracticeRelay.h"
 #include "tests/app/DrivenWindow.h"
 #include "tests/app/SilentServer.h"

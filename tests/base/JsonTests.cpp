@@ -1,7 +1,7 @@
 // Decoded JSON: kinds, handles and how long documents live.
 #include "base/Json.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <future>
 #include <thread>

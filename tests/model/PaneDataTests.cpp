@@ -1,5 +1,5 @@
 // A pane's data beside its steps: what the clock adds, what is prepared elsewhere, held back, coalesced or sampled, and
-// how those see a chart opened who listen to the pane.
+// what listeners see when a chart is opened.
 #include <fmt/format.h>
 
 #include <array>

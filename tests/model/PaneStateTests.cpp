@@ -79,30 +79,22 @@ TEST_F(PaneStates, TellsTheAccountQuotesAndOnlySettingsThatDiffer) {
 }
 
 TEST_F(PaneStates, TheChartTradesWhileTheSimulatorIsOn) {
-    struct Chart final : ChartPort {
-        int changes = 0;
-        void contentChanged() override { ++changes; }
-        bool interacting() const override { return false; }
-        std::optional<Viewport> viewport() const override { return std::nullopt; }
-    } chart;
+    StillChart chart;
     openSymbol("ES");
     model->setChartPort(&chart);
     for (const bool on : {false, true, false}) {
-        chart.changes = 0;
+        chart.told = 0;
         GexConfig config = model->config;
         const bool differs = config.simEnabled != on;
         config.simEnabled = on;
         model->setConfig(config);
         EXPECT_EQ(model->chartContent().simRoot, on ? "ES" : "");
-        EXPECT_EQ(chart.changes > 0, differs);
+        EXPECT_EQ(chart.told > 0, differs);
     }
     model->setChartPort(nullptr);
 }
 
-struct WrittenChart final : ChartPort {
-    void contentChanged() override {}
-    bool interacting() const override { return false; }
-    std::optional<Viewport> viewport() const override { return std::nullopt; }
+struct WrittenChart final : StillChart {
     std::optional<TradingFacts> tradingFacts() const override {
         TradingFacts out{"NQ", {}, EntryPill{{1, 2, 3, 18}, TradingTexts::result(-12, 5)}};
         out.lines.push_back({.id = "7/SL", .kind = "leg", .text = "SL 9.00", .dragged = true, .tag = {4, 5, 74, 18}});

@@ -23,8 +23,8 @@ std::string shown(const FirebaseRESTAuth& auth) {
 
 class Auth : public testing::Test {
  protected:
-    void askToSignIn() {
-        auth.signIn("me@x", "pass\"word", [this](const std::optional<AuthError>& error) { note(error); });
+    void askToSignIn(const char* who = "me@x") {
+        auth.signIn(who, "pass\"word", [this](const std::optional<AuthError>& error) { note(error); });
     }
     std::vector<std::string> signIn(int status, const std::string& body) {
         askToSignIn();
@@ -159,12 +159,9 @@ TEST_F(Auth, WithASetupProblemNothingIsSentOrErased) {
 }
 
 TEST_F(Auth, ASignInThatWasGivenUpChangesNothingAndTheNextOneWorks) {
-    const auto start = [&](const char* who) {
-        auth.signIn(who, "p", [this](const std::optional<AuthError>& error) { note(error); });
-    };
-    start("first@x");
+    askToSignIn("first@x");
     auth.cancelSignIn();
-    start("second@x");
+    askToSignIn("second@x");
     http.answer(200, granted);
     EXPECT_THAT(takeResults(), ElementsAre("Not signed in."));
     EXPECT_EQ(shown(auth), "- - - -");

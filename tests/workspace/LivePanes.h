@@ -6,7 +6,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "base/AsioLoop.h"
 #include "base/Preferences.h"
@@ -23,7 +22,7 @@ namespace vmr::test {
 
 class LivePanes : public testing::Test {
  protected:
-    /// With the functions of the service there is more between panes and relay than their sockets.
+    /// `withFunctions` points the service's functions at the relay, too; without, sockets are all that joins them.
     explicit LivePanes(bool withFunctions = false) {
         const auto wrong = relay.start();
         EXPECT_FALSE(wrong) << *wrong;

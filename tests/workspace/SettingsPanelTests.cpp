@@ -25,28 +25,20 @@ using testing::StartsWith;
 
 TEST(SettingsPanel, PacksItsSectionsIntoColumns) {
     using Counts = std::vector<std::size_t>;
-    const std::pair<double, Counts> cases[] = {{0, {10}},
-                                               {320, {10}},
-                                               {599.9, {10}},
-                                               {600, {5, 5}},
-                                               {620, {5, 5}},
-                                               {899, {5, 5}},
-                                               {900, {4, 3, 3}},
-                                               {1199.9, {4, 3, 3}},
-                                               {1200, {3, 2, 2, 3}},
-                                               {1240, {3, 2, 2, 3}},
-                                               {9000, {3, 2, 2, 3}},
-                                               {-5, {10}},
-                                               {NAN, {10}}};
-    for (const auto& [width, counts] : cases) {
-        Counts found;
-        int next = 0;
-        for (const auto& column : pack(width)) {
-            found.push_back(column.size());
-            for (const SettingSection section : column) EXPECT_EQ(static_cast<int>(section), next++) << width;
+    const std::pair<Counts, std::vector<double>> cases[] = {{{10}, {NAN, -5, 0, 320, 599.9}},
+                                                            {{5, 5}, {600, 620, 899}},
+                                                            {{4, 3, 3}, {900, 1199.9}},
+                                                            {{3, 2, 2, 3}, {1200, 1240, 9000}}};
+    for (const auto& [counts, widths] : cases)
+        for (const double width : widths) {
+            Counts found;
+            int next = 0;
+            for (const auto& column : pack(width)) {
+                found.push_back(column.size());
+                for (const SettingSection section : column) EXPECT_EQ(static_cast<int>(section), next++) << width;
+            }
+            EXPECT_EQ(found, counts) << width;
         }
-        EXPECT_EQ(found, counts) << width;
-    }
 }
 
 // The rows' names, sections apart by "|" and columns by "||".
@@ -82,46 +74,32 @@ TEST(SettingsPanel, SearchesLabelsAndHeadings) {
 }
 
 TEST(SettingsPanel, ReadsWhatIsTyped) {
+    // of each setting what it reads, with how it is shown then, and what it refuses
     const struct {
-        const char *name, *text;
-        std::optional<double> value;
-        const char* shown = "";
+        const char* name;
+        std::vector<std::tuple<const char*, double, const char*>> read;
+        std::vector<const char*> refused;
     } cases[] = {
-        {"oiOpacity", " 7 % ", 7, "7 %"},
-        {"oiOpacity", "0", 0, "0 %"},
-        {"oiOpacity", "62.5%", 62.5, "62.5 %"},
-        {"oiOpacity", "100.1", {}},
-        {"oiOpacity", "-1", {}},
-        {"oiOpacity", "", {}},
-        {"oiOpacity", "nan", {}},
-        {"oiOpacity", "5 5", {}},
-        {"lineOpacity", "19", {}},
-        {"ema2Period", "400", 400, "400"},
-        {"ema2Period", "401", {}},
-        {"ema2Period", "0", {}},
-        {"ema2Period", "9.5", {}},
-        {"vixSmooth", "60", 60, "60"},
-        {"hfScale", "0.01", 0.01, "0.01"},
-        {"hfScale", "1000", 1000, "1000"},
-        {"hfScale", "0.009", {}},
-        {"sessionStart", "18:00", 1800, "18:00"},
-        {"sessionStart", "0930", 930, "09:30"},
-        {"sessionStart", "0:05", 5, "00:05"},
-        {"sessionStart", "930", 930, "09:30"},
-        {"sessionStart", "24:00", {}},
-        {"sessionStart", "1260", {}},
-        {"sessionStart", "9", {}},
-        {"sessionStart", "9:3", {}},
-        {"sessionStart", "-930", {}},
-        {"simBalance", "10000000", 1e7, "10000000"},
-        {"simBalance", "999", {}},
-        {"simCommission", "0", 0, "0"},
-        {"simCommission", "50.01", {}},
+        {"oiOpacity",
+         {{" 7 % ", 7, "7 %"}, {"0", 0, "0 %"}, {"62.5%", 62.5, "62.5 %"}},
+         {"100.1", "-1", "", "nan", "5 5"}},
+        {"lineOpacity", {}, {"19"}},
+        {"ema2Period", {{"400", 400, "400"}}, {"401", "0", "9.5"}},
+        {"vixSmooth", {{"60", 60, "60"}}, {}},
+        {"hfScale", {{"0.01", 0.01, "0.01"}, {"1000", 1000, "1000"}}, {"0.009"}},
+        {"sessionStart",
+         {{"18:00", 1800, "18:00"}, {"0930", 930, "09:30"}, {"0:05", 5, "00:05"}, {"930", 930, "09:30"}},
+         {"24:00", "1260", "9", "9:3", "-930"}},
+        {"simBalance", {{"10000000", 1e7, "10000000"}}, {"999"}},
+        {"simCommission", {{"0", 0, "0"}}, {"50.01"}},
     };
-    for (const auto& one : cases) {
-        const Setting& setting = *findSetting(one.name);
-        EXPECT_EQ(typedSetting(setting, one.text), one.value) << one.name << " " << one.text;
-        EXPECT_EQ(one.value ? settingText(setting, *one.value) : "", one.shown);
+    for (const auto& [name, read, refused] : cases) {
+        const Setting& setting = *findSetting(name);
+        for (const auto& [text, value, shown] : read) {
+            EXPECT_EQ(typedSetting(setting, text), value) << name << " " << text;
+            EXPECT_EQ(settingText(setting, value), shown) << name;
+        }
+        for (const char* text : refused) EXPECT_EQ(typedSetting(setting, text), std::nullopt) << name << " " << text;
     }
     const Setting& scale = *findSetting("hfScale");
     EXPECT_EQ(steppedNumber(scale, 9.9, 1), 10);

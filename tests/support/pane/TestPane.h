@@ -137,7 +137,7 @@ class PaneFixture : public testing::Test, public TestPane {
 };
 
 /// A chart that shows nothing: it counts how often it was told.
-struct StillChart final : ChartPort {
+struct StillChart : ChartPort {
     void contentChanged() override { ++told; }
     bool interacting() const override { return dragged; }
     std::optional<Viewport> viewport() const override { return std::nullopt; }
