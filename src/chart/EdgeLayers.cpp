@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <tuple>
+#include <utility>
 
 #include "chart/FlowWaves.h"
 #include "chart/StrikeBars.h"
@@ -39,6 +40,7 @@ struct EdgeLayers::Impl {
     EdgeDisplays shown;
     std::vector<PlacedRow> placed, secPlaced;
     BarLabelList labels;
+    std::array<double, 2> size{};  // of the view of the last step
 
     bool stepBars(const EdgeInput& input, const EdgeStage& stage);
     bool steppedWaves(const EdgeInput& input, const EdgeStage& stage);
@@ -172,7 +174,10 @@ EdgeLayers::~EdgeLayers() = default;
 EdgeFrame EdgeLayers::step(const EdgeInput& input, FrameArena& arena) {
     impl_->labels.clear();
     if (!positive(input.viewW) || !positive(input.viewH) || !positive(input.etfRatio)) return {};
-    const EdgeStage stage{input.viewW, input.viewH, input.snapLerps, input.alphaX, input.alphaY, input.pixelRatio};
+    const std::array size{input.viewW, input.viewH};
+    const bool resized = std::exchange(impl_->size, size) != size;
+    const EdgeStage stage{input.viewW,  input.viewH,  input.snapLerps || resized,
+                          input.alphaX, input.alphaY, input.pixelRatio};
     placeRows(input.strikes, input.etfRatio, input.yScale, input.yOffset, input.viewH, impl_->placed);
     EdgeFrame frame;
     frame.animating |= impl_->stepBars(input, stage);

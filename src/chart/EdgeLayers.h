@@ -42,7 +42,8 @@ struct EdgeFrame {
 
 struct EdgeDisplays;
 
-/// Keeps what is shown of each strike and eases it in pixels. Main thread.
+/// Keeps what is shown of each strike and eases it in pixels. In a view of another size all is in its place at once, as
+/// bars and axes are. Main thread.
 class EdgeLayers {
  public:
     EdgeLayers();

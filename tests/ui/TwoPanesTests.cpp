@@ -141,7 +141,11 @@ TEST_F(TwoPanes, EveryPixelOfBothIsOfOneCameraWhileOneMovesTheOther) {
     const std::function<void(ChartRenderer&)> moves[] = {
         [](ChartRenderer& one) { one.pan(-3.37); }, [](ChartRenderer& one) { one.zoom(1.3); },
         [&](ChartRenderer& one) { one.panByPrice(31, left_.item->height()); },
-        [](ChartRenderer& one) { one.pan(5.81), one.zoomPrice(0.8); }};
+        [](ChartRenderer& one) { one.pan(5.81), one.zoomPrice(0.8); },
+        [&](ChartRenderer&) {
+            left_.item->setSize({430, 380});
+            right_.item->setSize({440, 396});
+        }};
     for (std::size_t i = 0; i < std::size(moves); ++i) {
         SCOPED_TRACE(i);
         for (ChartRenderer* one : {&left_.item->renderer(), &left.view.renderer()}) {
