@@ -40,10 +40,7 @@ Gex3DLabels Gex3DLabels::place(const Gex3DScene& scene, const OrbitCamera& camer
     out.scale = std::clamp(readable / (Gex3DScene::labelSize * pointsAUnit), 1.0, largest);
     const double size = Gex3DScene::labelSize * out.scale;
     const SceneRay axes = camera.rayThrough(width / 2, height / 2, width, height).inTurned(angle);
-    const double c = std::cos(angle), s = std::sin(angle);
-    const auto onScreen = [&](const ScenePoint& p) {
-        return camera.project({p[0] * c + p[2] * s, p[1], p[2] * c - p[0] * s}, width, height);
-    };
+    const auto onScreen = [&](const ScenePoint& p) { return camera.project(turned(p, angle), width, height); };
 
     std::vector<std::tuple<int, std::size_t>> order;  // the earlier placed ones first
     std::size_t inRow = 0;

@@ -18,11 +18,6 @@ constexpr double glyphShare = 0.55;  // of a label's size: about the width of a 
 
 double dot(const ScenePoint& a, const ScenePoint& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
-ScenePoint turned(const ScenePoint& p, double angle) {
-    const double c = std::cos(angle), s = std::sin(angle);
-    return {p[0] * c + p[2] * s, p[1], p[2] * c - p[0] * s};
-}
-
 /// Where along the ray a box begins; infinity where the ray misses it.
 double distanceTo(const SceneBox& box, const SceneRay& ray) {
     double from = 0, to = std::numeric_limits<double>::infinity();
@@ -79,6 +74,11 @@ std::size_t nearestStrike(const Gex3DData& data) {
 }
 
 }  // namespace
+
+ScenePoint turned(const ScenePoint& place, double angle) {
+    const double c = std::cos(angle), s = std::sin(angle);
+    return {place[0] * c + place[2] * s, place[1], place[2] * c - place[0] * s};
+}
 
 double SceneLabel::halfWidth() const {
     return glyphShare * Gex3DScene::labelSize * static_cast<double>(charactersOf(text)) / 2;

@@ -15,6 +15,8 @@ namespace vmr {
 
 /// A place or a direction: x along the strikes, y up, z towards the viewer; the floor's middle is the origin.
 using ScenePoint = std::array<double, 3>;
+/// A place of content that is turned by `angle` radians about y, as the camera meets it.
+ScenePoint turned(const ScenePoint& place, double angle);
 
 /// An upright box by its middle and its full lengths.
 struct SceneBox {

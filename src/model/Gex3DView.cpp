@@ -72,11 +72,10 @@ std::optional<std::string> Gex3DView::tooltip() const {
 }
 
 std::optional<std::array<double, 2>> Gex3DView::placeOf(const Gex3DBar& bar) const {
-    const double c = std::cos(angle_), s = std::sin(angle_);
     constexpr double belowTop = 0.45;  // of its height over its middle: the part that other bars hide last
     ScenePoint p = bar.box.place;
     p[1] += bar.box.size[1] * belowTop;
-    return camera.project({p[0] * c + p[2] * s, p[1], p[2] * c - p[0] * s}, area[2], area[3]);
+    return camera.project(turned(p, angle_), area[2], area[3]);
 }
 
 }  // namespace vmr

@@ -12,7 +12,6 @@ namespace vmr {
 class OrbitCamera {
  public:
     static constexpr double verticalField = 45;  ///< degrees
-    static constexpr double nearest = 1, furthest = 2000;
 
     OrbitCamera() { home(); }
 

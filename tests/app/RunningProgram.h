@@ -62,13 +62,13 @@ class RunningProgram {
     }
     RunningProgram(const RunningProgram&) = delete;
 
-    /// Its exit status once it has ended, on its own or by the signal.
+    /// Its exit status once it has ended, on its own or by the signal; one that ended it counts as 128 and its number.
     int end(int signal = 0) {
         int status = 0;
         ::kill(pid_, signal);
         ::waitpid(pid_, &status, 0);
         pid_ = 0;
-        return WEXITSTATUS(status);
+        return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
     }
     pid_t pid() const { return pid_; }
     void say(const std::string& line) {

@@ -78,6 +78,7 @@ TEST_F(WindowOscillator, ItGivesWayInALowPaneAndGoesWithItsSwitch) {
          {std::pair(480, 200.0), {420, 150.0}, {364, 94.0}, {363, 0.0}, {800, 200.0}}) {
         act(" windowsize --sync $W 900 " + std::to_string(height));
         EXPECT_TRUE(becomes(expected)) << height << ": " << shown(state_);
+        if (expected == 150) act(to(300, 267) + " mousedown 1" + to(300, 250) + to(300, 230) + " mouseup 1");
     }
     EXPECT_EQ(pane()["config"]["oscHeight"], 200) << "what a pane has room for is no setting";
 

@@ -90,10 +90,22 @@ TEST_F(WindowSurface, PointerAndKeysReachAllOfIt) {
     act(" key Home");
     EXPECT_TRUE(becomes([](const json& now) { return now["camera"]["target"] == json({0.0, 10.0, 0.0}); }));
     EXPECT_EQ(pane()["viewport"]["count"], viewed) << "none of it is for the chart";
+    const std::size_t others = 3 + view()["expirations"].size();
+    for (const char* tab : {" key Tab", " key shift+Tab"}) {
+        std::string round;
+        for (std::size_t i = 0; i <= others; ++i) round += tab;
+        expectCameraMoved(round + " key Left", "yaw");  // back at the scene
+    }
 
     act(toControl("rotate") + " click 1");
     EXPECT_TRUE(becomes([](const json& now) { return now["autoRotate"] == true && now["angle"] > 0.1; }));
-    act(" click 1");
+    act(" windowunmap --sync $W sleep 0.2");
+    const json hidden = look()["panes"][0]["gex3DView"]["angle"];
+    act(" sleep 0.5");
+    EXPECT_EQ(look()["panes"][0]["gex3DView"]["angle"], hidden) << "in a hidden window";
+    act(" windowmap --sync $W");
+    EXPECT_TRUE(becomes([&](const json& now) { return now["angle"] != hidden; })) << "it is shown again";
+    act(toControl("rotate") + " click 1");
     EXPECT_TRUE(becomes([](const json& now) { return now["autoRotate"] == false; }));
 
     const std::string front = view()["expirations"][0];

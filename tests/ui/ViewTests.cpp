@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QQmlComponent>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTime>
 
@@ -194,6 +195,16 @@ TEST(Views, ANumberGlidesWithTheFramesAndRests) {
     ASSERT_TRUE(runUntil([&] { return text() == "20.0"; }));
     EXPECT_TRUE(ui.settle()) << "at rest no frame is drawn";
     EXPECT_EQ(number->implicitWidth(), width) << "a 1 is as wide as a 2";
+    number->setProperty("coarse", true);
+    const QSignalSpy texts(number, SIGNAL(textChanged(QString)));
+    number->setProperty("target", 20.04);
+    EXPECT_TRUE(ui.settle()) << "the same text";
+    EXPECT_EQ(texts.count(), 0);
+    number->setProperty("target", 40);
+    ASSERT_TRUE(runUntil([&] { return text() == "40.0"; }));
+    EXPECT_GT(texts.count(), 2) << "it glides";
+    EXPECT_TRUE(ui.settle());
+    number->setProperty("target", 20);
     number->setVisible(false);
     number->setProperty("target", 30);
     EXPECT_EQ(text(), "30.0");

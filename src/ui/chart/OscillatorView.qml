@@ -17,7 +17,10 @@ Item {
     readonly property real most: Math.min(400, Math.max(least, room - chartKeeps - separator.height))
     readonly property real plotHeight: Math.min(oscillator.height, room - chartKeeps - separator.height)
 
+    // Where it has not the room for the height that it is set to, it cannot be made taller, and keeps that.
     function resizeTo(height) {
+        if (height >= plotHeight && oscillator.height > plotHeight)
+            return;
         settings.set("oscHeight", Math.max(least, Math.min(height, most)));
     }
 

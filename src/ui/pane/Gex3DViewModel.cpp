@@ -1,5 +1,6 @@
 #include "ui/pane/Gex3DViewModel.h"
 
+#include <QEvent>
 #include <QRectF>
 #include <QSurfaceFormat>
 #include <QtMath>
@@ -149,25 +150,19 @@ void Gex3DViewModel::close() {
 void Gex3DViewModel::orbit(qreal dx, qreal dy) {
     if (!shown()) return;
     shown()->camera.orbit(dx, dy);
-    shown()->look();
-    emit cameraChanged();
-    looked();
+    lookAgain();
 }
 
 void Gex3DViewModel::pan(qreal dx, qreal dy) {
     if (!shown()) return;
     shown()->camera.pan(dx, dy);
-    shown()->look();
-    emit cameraChanged();
-    looked();
+    lookAgain();
 }
 
 void Gex3DViewModel::dolly(qreal units) {
     if (!shown()) return;
     shown()->camera.dolly(units);
-    shown()->look();
-    emit cameraChanged();
-    looked();
+    lookAgain();
 }
 
 void Gex3DViewModel::home() {
@@ -209,7 +204,10 @@ void Gex3DViewModel::tellPlaces(const QRectF& area, const QVariantMap& controls)
         const QPointF place = at->toPointF();
         shown()->controls[at.key().toStdString()] = {place.x(), place.y()};
     }
-    if (!resized) return;
+    if (resized) lookAgain();
+}
+
+void Gex3DViewModel::lookAgain() {
     shown()->look();
     emit cameraChanged();
     looked();
@@ -269,8 +267,21 @@ void Gex3DViewModel::setHeights() {
     if (share >= 1) easedSince_ = -1;
 }
 
+void Gex3DViewModel::enterWindow(QWindow* window) {
+    if (window_) window_->removeEventFilter(this);
+    window_ = window;
+    if (window_) window_->installEventFilter(this);
+    runSteps();
+}
+
+bool Gex3DViewModel::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose || event->type() == QEvent::Hide) runSteps();
+    return QObject::eventFilter(watched, event);
+}
+
 void Gex3DViewModel::runSteps() {
-    const bool wanted = open_ && (easedSince_ >= 0 || autoRotate());
+    const bool seen = window_ && window_->isExposed();
+    const bool wanted = open_ && seen && (easedSince_ >= 0 || autoRotate());
     if (wanted == steps_.isActive()) return;
     if (!wanted) return steps_.stop();
     steppedAt_ = pane_->clock().monotonic();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QQmlEngine>
 #include <QQuaternion>
 #include <QTimer>
@@ -9,6 +10,7 @@
 #include <QVariantList>
 #include <QVariantMap>
 #include <QVector3D>
+#include <QWindow>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -102,6 +104,8 @@ class Gex3DViewModel : public QObject {
     /// Marks the strike of the bar there on the chart; nothing beside the bars.
     Q_INVOKABLE void press(qreal x, qreal y);
     Q_INVOKABLE void setHidden(const QString& date, bool hidden);
+    /// The window that shows it: while that is hidden or minimised nothing moves.
+    Q_INVOKABLE void enterWindow(QWindow* window);
     /// Where the scene is in the pane, and the middles of the controls.
     Q_INVOKABLE void tellPlaces(const QRectF& area, const QVariantMap& controls);
 
@@ -115,6 +119,9 @@ class Gex3DViewModel : public QObject {
     void autoRotateChanged();
     void colorSafeChanged();
 
+ protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
     Gex3DView* shown() const;
     void step();
@@ -122,10 +129,12 @@ class Gex3DViewModel : public QObject {
     void makeLists();
     void makeBars(bool eased);
     void setHeights();
+    void lookAgain();
     void looked();
     void runSteps();
 
     AppModel* pane_ = nullptr;
+    QPointer<QWindow> window_;
     QString source_, tooltip_;
     QVariantList labels_, expirations_;
     bool open_ = false, colorSafe_ = false;

@@ -1,5 +1,6 @@
 // The 3D view over its pane: a card on dimmed ground, closed by a press beside it.
 import QtQuick
+import QtQuick.Templates as T
 import Velmora
 
 FocusScope {
@@ -31,10 +32,28 @@ FocusScope {
     onHeightChanged: Qt.callLater(tellPlaces)
     onYChanged: Qt.callLater(tellPlaces)
     Component.onCompleted: tellPlaces()
+    readonly property var shownIn: Window.window
+    onShownInChanged: surface.enterWindow(shownIn)
 
     Accessible.role: Accessible.Dialog
     Accessible.name: qsTr("3D view")
 
+    // Before the first and behind the last control: Tab goes round, and never to what is dimmed.
+    component Turn: T.Control {
+        focusPolicy: Qt.TabFocus
+        Accessible.ignored: true
+        onActiveFocusChanged: {
+            if (!activeFocus)
+                return;
+            const back = focusReason === Qt.BacktabFocusReason;
+            const next = back ? behind.nextItemInFocusChain(false) : before.nextItemInFocusChain(true);
+            next.forceActiveFocus(focusReason);
+        }
+    }
+
+    Turn {
+        id: before
+    }
     Rectangle {
         anchors.fill: parent
         color: "#99000000"
@@ -131,5 +150,8 @@ FocusScope {
                 text: modal.surface.tooltip
             }
         }
+    }
+    Turn {
+        id: behind
     }
 }

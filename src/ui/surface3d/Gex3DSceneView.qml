@@ -1,10 +1,11 @@
 // The field of bars: it draws when something has changed, and takes the pointer's and the keyboard's gestures.
 import QtQuick
+import QtQuick.Templates as T
 import QtQuick3D
 import Velmora
 import Velmora.Surface3D
 
-FocusScope {
+T.Control {
     id: scene
 
     required property Gex3DViewModel surface
@@ -12,7 +13,7 @@ FocusScope {
     Accessible.role: Accessible.Graphic
     Accessible.name: qsTr("Net gamma by strike and expiration")
     Accessible.description: qsTr("Arrow keys turn it, plus and minus move the camera, Home is the first view")
-    activeFocusOnTab: true
+    focusPolicy: Qt.TabFocus
 
     Keys.onPressed: event => {
         const step = 20, near = 12;
@@ -31,6 +32,7 @@ FocusScope {
             surface.home();
         else
             return;
+        focusReason = Qt.TabFocusReason;  // whose hand is on the keys sees where they go
         event.accepted = true;
     }
 
@@ -138,6 +140,7 @@ FocusScope {
 
         onPressed: mouse => {
             scene.forceActiveFocus(Qt.MouseFocusReason);
+            scene.focusReason = Qt.MouseFocusReason;  // which it had before, perhaps, by a key
             last = pressedAt = Qt.point(mouse.x, mouse.y);
             drags = false;
         }
@@ -174,5 +177,14 @@ FocusScope {
             scene.surface.dolly(precise ? wheel.pixelDelta.y * 0.4 : wheel.angleDelta.y / 120 * 12);
             wheel.accepted = true;
         }
+    }
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: 2
+        visible: scene.visualFocus
+        color: "transparent"
+        radius: 8
+        border.width: 2
+        border.color: Theme.focus
     }
 }

@@ -12,6 +12,7 @@ Figures {
     property color plainColor: Theme.text
     property string nothing: "–"  // what no number looks like
     property bool still: false  // every number is shown at once
+    property bool coarse: false  // its text seldom differs: it glides only where it does, in 15 steps a second
 
     // Shows the target at once.
     function jump() {
@@ -19,14 +20,28 @@ Figures {
     }
 
     color: colorOf ? colorOf(tween.value) : plainColor
-    text: isNaN(tween.value) ? nothing : format(tween.value)
+    text: textOf(tween.value)
+
+    function textOf(value) {
+        return isNaN(value) ? nothing : format(value);
+    }
 
     TweenValue {
         id: tween
         still: Motion.reduced || number.still || !number.visible
+        onTargetChanged: {
+            if (number.coarse && number.textOf(target) === number.text)
+                jump();
+        }
     }
     FrameAnimation {
-        running: tween.gliding
+        running: tween.gliding && !number.coarse
         onTriggered: tween.step(frameTime)
+    }
+    Timer {
+        interval: 67
+        repeat: true
+        running: tween.gliding && number.coarse
+        onTriggered: tween.step(interval / 1000)
     }
 }

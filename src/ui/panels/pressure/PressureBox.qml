@@ -29,6 +29,7 @@ Rectangle {
         format: value => box.pressure.flowText(value)
         nothing: box.pressure.unknown
         still: box.still
+        coarse: true
         Accessible.ignored: true
     }
 

@@ -31,6 +31,7 @@ Rectangle {
         id: number
         x: 8
         y: 21
+        coarse: true
         font: Qt.font({ family: Theme.family, pixelSize: 15, weight: Font.DemiBold })
         Accessible.ignored: true
     }
