@@ -22,6 +22,7 @@
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
 #include "services/cloud/UpdateChecker.h"
+#include "ui/platform/HeldKeys.h"
 #include "ui/platform/QtLoop.h"
 #include "ui/platform/UiSetup.h"
 #include "ui/platform/WindowPicture.h"
@@ -207,6 +208,8 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     Perf::shared().startUp("application");
     prepareUpdates();
     registerFonts();
+    HeldKeys heldKeys;
+    if (QGuiApplication::platformName() == u"xcb") app.installEventFilter(&heldKeys);
     QtLoop loop;
     const PerfPinger pinger(Perf::shared(), loop);
     app.watchTurns(Perf::shared());
