@@ -9,6 +9,9 @@ Item {
     required property Gex3DViewModel surface
     property bool narrow: false
     property bool rowsAsked: false
+    // The view's last control: Tab goes round, and never to what is dimmed behind the card.
+    property Item before
+    readonly property Item first: rotate
     readonly property var buttons: [rotate, apart, expirations, shut]
     signal rowsToggled
 
@@ -89,6 +92,7 @@ Item {
         TextButton {
             id: rotate
             objectName: "rotate"
+            KeyNavigation.backtab: header.before  // from where Tab then leads here
             anchors.verticalCenter: parent.verticalCenter
             checked: header.surface.autoRotate
             onColor: Qt.rgba(0.086, 0.878, 0.478, 1)

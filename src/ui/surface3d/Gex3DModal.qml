@@ -1,6 +1,5 @@
 // The 3D view over its pane: a card on dimmed ground, closed by a press beside it.
 import QtQuick
-import QtQuick.Templates as T
 import Velmora
 
 FocusScope {
@@ -38,22 +37,6 @@ FocusScope {
     Accessible.role: Accessible.Dialog
     Accessible.name: qsTr("3D view")
 
-    // Before the first and behind the last control: Tab goes round, and never to what is dimmed.
-    component Turn: T.Control {
-        focusPolicy: Qt.TabFocus
-        Accessible.ignored: true
-        onActiveFocusChanged: {
-            if (!activeFocus)
-                return;
-            const back = focusReason === Qt.BacktabFocusReason;
-            const next = back ? behind.nextItemInFocusChain(false) : before.nextItemInFocusChain(true);
-            next.forceActiveFocus(focusReason);
-        }
-    }
-
-    Turn {
-        id: before
-    }
     Rectangle {
         anchors.fill: parent
         color: "#99000000"
@@ -93,6 +76,7 @@ FocusScope {
             surface: modal.surface
             narrow: modal.narrow
             rowsAsked: modal.rowsAsked
+            before: rows.visible ? rows.last : scene
             onRowsToggled: {
                 modal.rowsAsked = !modal.rowsAsked;
                 Qt.callLater(modal.tellPlaces);
@@ -107,6 +91,7 @@ FocusScope {
             x: 1
             width: parent.width - 2 - (rows.visible && !modal.narrow ? rows.width : 0)
             focus: true
+            KeyNavigation.tab: rows.visible ? null : header.first
             surface: modal.surface
             onWidthChanged: Qt.callLater(modal.tellPlaces)
             onHeightChanged: Qt.callLater(modal.tellPlaces)
@@ -150,8 +135,5 @@ FocusScope {
                 text: modal.surface.tooltip
             }
         }
-    }
-    Turn {
-        id: behind
     }
 }

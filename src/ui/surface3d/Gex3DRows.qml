@@ -7,6 +7,7 @@ Rectangle {
 
     required property Gex3DViewModel surface
     property bool covers: false  // the scene
+    readonly property Item last: switches.count > 0 ? switches.itemAt(switches.count - 1) : null
     signal placesChanged
 
     // Those in view, for whoever tells their places.
@@ -64,6 +65,7 @@ Rectangle {
             onHeightChanged: list.placesChanged()
 
             Repeater {
+                id: switches
                 model: list.surface.expirations.length
                 CheckField {
                     id: box
