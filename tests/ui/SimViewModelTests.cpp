@@ -3,14 +3,21 @@
 
 #include <QAbstractItemModelTester>
 #include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
 #include <QSignalSpy>
+#include <QTest>
 #include <numeric>
 #include <random>
 
 #include "base/Preferences.h"
 #include "tests/sim/SimScript.h"
+#include "ui/panels/settings/SettingsViewModel.h"
 #include "ui/panels/sim/EquityPlot.h"
 #include "ui/panels/sim/SimViewModel.h"
+#include "ui/platform/UiSetup.h"
+#include "ui/widgets/PanelFrames.h"
 #include "workspace/EquityArt.h"
 
 namespace vmr::test {
@@ -183,6 +190,106 @@ TEST_F(SimPanel, TheCurvesSpotFollowsTheCurveBelowARestingPointer) {
     EXPECT_EQ(plot.spotText(), said) << "the same trade";
     EXPECT_NE(plot.spotPlace(), before);
     EXPECT_EQ(moves.count(), 1);
+}
+
+/// The panel in a window that nobody sees.
+class ShownSimPanel : public SimPanel {
+ protected:
+    void load(const char* content) {
+        registerQml(engine_);
+        engine_.setInitialProperties({{"sim", QVariant::fromValue(&view)},
+                                      {"frames", QVariant::fromValue(&frames)},
+                                      {"settings", QVariant::fromValue(&settings)}});
+        engine_.loadData(
+            QByteArray("import QtQuick\nimport Velmora\nWindow { id: top; width: 600; height: 900; visible: true;"
+                       "required property SimViewModel sim; required property PanelFrames frames;"
+                       "required property SettingsViewModel settings;") +
+            content + "}");
+        ASSERT_FALSE(engine_.rootObjects().isEmpty());
+        window = qobject_cast<QQuickWindow*>(engine_.rootObjects().first());
+        window->requestActivate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    }
+    static QQuickItem* within(QQuickItem* item, const QString& name) {
+        if (item->objectName() == name && item->isVisible()) return item;
+        for (QQuickItem* child : item->childItems())
+            if (QQuickItem* found = within(child, name)) return found;
+        return nullptr;
+    }
+    QQuickItem* item(const char* name) const { return within(window->contentItem(), name); }
+    void press(const char* name) {
+        ASSERT_NE(item(name), nullptr) << name;
+        item(name)->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_Space);
+    }
+    void key(int code, bool again = false) {
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, code, Qt::NoModifier, QString(), again);
+            QCoreApplication::sendEvent(window, &event);
+        }
+        settle();
+    }
+    void settle() {
+        time.runUntilIdle();
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    std::string focused() const {
+        const QQuickItem* now = window->activeFocusItem();
+        return now && now->isVisible() ? now->objectName().toStdString() : "";
+    }
+
+    const double openHours = time.now();
+    PanelFrames frames;
+    SettingsViewModel settings;
+    QQuickWindow* window = nullptr;
+
+ private:
+    QQmlApplicationEngine engine_;
+};
+
+TEST_F(ShownSimPanel, TheKeyboardStaysWhereItsControlHasGone) {
+    load(
+        "PanelSpace { anchors.fill: parent; SimPanel { sim: top.sim; frames: top.frames;"
+        "Component.onCompleted: open = true } }");
+    const struct {
+        const char *before, *control, *then;  // a script, what is pressed or has the keyboard, what has it afterwards
+        const char* script = "";              // in place of the press
+    } cases[] = {
+        {"buy 1 sl=4 tp=8", "simFlat", "panelTitle"},
+        {"buy 1", "simAddSl", "simAddTp"},
+        {"buy 1 sl=4", "simAddTp", "simFlat"},
+        {"buy 1 sl=4 tp=8", "simCancelAll", "panelTitle"},
+        {"buy 1 limit=90; buy 1 limit=91", "simCancel", "simCancel"},
+        {"buy 1 limit=90", "simCancel", "panelTitle"},
+        {"buy 1", "simFlat", "simFlat", "buy 1"},
+        {"root ES; open 2 ESM6; quote 50 50; buy 1; root NQ; buy 1", "simFlat", "simFlat"},
+        {"", "simBuy1", "panelTitle", "closed"},
+        {"", "simQty", "panelTitle", "closed"},
+        {"buy 1; sell 1", "simAll fills", "panelTitle", "reset 5"},
+    };
+    for (const auto& one : cases) {
+        time.setNow(openHours);
+        script.run(std::string("reset 1000; ") + one.before);
+        time.advance(1);
+        settle();
+        if (*one.script == 0) {
+            press(one.control);
+        } else {
+            item(one.control)->forceActiveFocus(Qt::TabFocusReason);
+            script.run(one.script);
+            time.advance(1);
+            settle();
+        }
+        EXPECT_EQ(focused(), one.then) << one.control << " after " << one.before << " " << one.script;
+    }
+    script.run("buy 1");
+    settle();
+    item("simFlat")->forceActiveFocus();
+    item("panelClose")->forceActiveFocus();  // elsewhere by a person's own wish
+    script.run("sell 1");
+    settle();
+    EXPECT_EQ(focused(), "panelClose");
 }
 
 TEST(EquityArt, TheCurveAndItsDrawdownLieWhereThePlotSays) {
