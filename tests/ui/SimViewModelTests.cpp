@@ -292,6 +292,13 @@ TEST_F(ShownSimPanel, TheKeyboardStaysWhereItsControlHasGone) {
     EXPECT_EQ(focused(), "panelClose");
 }
 
+TEST_F(ShownSimPanel, AHeldKeyTogglesACheckBoxOnce) {
+    load("CheckField { objectName: \"box\"; text: \"box\" }");
+    press("box");
+    for (int i = 0; i < 4; ++i) key(Qt::Key_Space, true);
+    EXPECT_TRUE(item("box")->property("checked").toBool());
+}
+
 TEST(EquityArt, TheCurveAndItsDrawdownLieWhereThePlotSays) {
     // up to 2, down to -1, up to 3: the new high is reached three quarters of the way
     const std::vector<SimCurvePoint> curve{{.result = 0}, {.result = 2}, {.result = -1, .drawdown = 3}, {.result = 3}};
