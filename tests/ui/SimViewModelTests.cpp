@@ -299,6 +299,26 @@ TEST_F(ShownSimPanel, AHeldKeyTogglesACheckBoxOnce) {
     EXPECT_TRUE(item("box")->property("checked").toBool());
 }
 
+TEST_F(ShownSimPanel, TheSettingsAskBeforeTheAccountStartsAnew) {
+    int resets = 0;
+    SettingsViewModel::Actions actions;
+    actions.resetAccount = [&] { ++resets; };
+    actions.accountQuestion = [this] { return simResetQuestion(engine, 25000); };
+    settings.setActions(std::move(actions));
+    load(
+        "SettingAction { width: 280; settings: top.settings; action: \"resetAccount\"; title: \"Reset Account\";"
+        "onCarriedOut: settings.resetAccount() }");
+    script.run("buy 1; buy 1 limit=90");
+    press("press");
+    ASSERT_NE(item("question"), nullptr);
+    EXPECT_EQ(item("question")->property("text").toString().toStdString(),
+              "Start again with 25,000.00? Lost for good: 1 open position, 1 working order, 1 fill.");
+    EXPECT_GE(item("action resetAccount")->implicitHeight(), item("stay")->mapToScene({0, 28}).y());
+    EXPECT_EQ(resets, 0);
+    press("yes");
+    EXPECT_EQ(resets, 1);
+}
+
 TEST(EquityArt, TheCurveAndItsDrawdownLieWhereThePlotSays) {
     // up to 2, down to -1, up to 3: the new high is reached three quarters of the way
     const std::vector<SimCurvePoint> curve{{.result = 0}, {.result = 2}, {.result = -1, .drawdown = 3}, {.result = 3}};
