@@ -132,6 +132,8 @@ TEST_F(SimPanel, OnlyWhatChangedIsMadeAnewAndNothingWhileItIsHidden) {
     EXPECT_EQ(news(), (News{.positions = 1, .account = 1}));
     EXPECT_EQ(view.equity(), engine.balance() + engine.totalUnrealized());
 
+    view.press(true, 2);
+    EXPECT_EQ(view.notice(), "A stop order needs a price above 0");
     desk.setTicket({.qty = 2, .limitText = "99"});
     view.press(true, 1);
     time.runUntilIdle();
@@ -308,8 +310,10 @@ TEST_F(ShownSimPanel, TheSettingsAskBeforeTheAccountStartsAnew) {
     load(
         "SettingAction { width: 280; settings: top.settings; action: \"resetAccount\"; title: \"Reset Account\";"
         "onCarriedOut: settings.resetAccount() }");
+    QSignalSpy entered(item("action resetAccount"), SIGNAL(entered()));
     script.run("buy 1; buy 1 limit=90");
     press("press");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return entered.count() == 2; })) << "higher, it comes into view anew";
     ASSERT_NE(item("question"), nullptr);
     EXPECT_EQ(item("question")->property("text").toString().toStdString(),
               "Start again with 25,000.00? Lost for good: 1 open position, 1 working order, 1 fill.");

@@ -31,6 +31,7 @@ FocusScope {
 
     objectName: "action " + deed.action
     implicitHeight: deed.asking ? asked.height + 4 : 32
+    onHeightChanged: if (asking) entered()  // the question lies in view
     Keys.onEscapePressed: event => {
         event.accepted = asking;
         if (asking)

@@ -109,7 +109,10 @@ QString SimViewModel::title() const { return desk_ ? text(desk_->title()) : QStr
 QString SimViewModel::empty() const { return desk_ ? text(desk_->emptyText()) : QString(); }
 QString SimViewModel::warning() const { return desk_ ? text(desk_->warning()) : QString(); }
 QString SimViewModel::barred() const { return desk_ ? text(desk_->readOnly().value_or("")) : QString(); }
-QString SimViewModel::notice() const { return desk_ ? text(desk_->notice().value_or("")) : QString(); }
+QString SimViewModel::notice() const {
+    const QString why = desk_ ? text(desk_->notice().value_or("")) : QString();
+    return why.left(1).toUpper() + why.mid(1);
+}
 
 QString SimViewModel::positionsHeading() const {
     return desk_ ? text(simPositionsHeading(desk_->engine())) : QString();
