@@ -3,12 +3,21 @@
 
 #include <QAbstractItemModelTester>
 #include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTest>
 #include <numeric>
 #include <random>
 
 #include "base/Preferences.h"
 #include "tests/sim/SimScript.h"
+#include "ui/panels/settings/SettingsViewModel.h"
+#include "ui/panels/sim/EquityPlot.h"
 #include "ui/panels/sim/SimViewModel.h"
+#include "ui/platform/UiSetup.h"
+#include "ui/widgets/PanelFrames.h"
 #include "workspace/EquityArt.h"
 
 namespace vmr::test {
@@ -123,6 +132,8 @@ TEST_F(SimPanel, OnlyWhatChangedIsMadeAnewAndNothingWhileItIsHidden) {
     EXPECT_EQ(news(), (News{.positions = 1, .account = 1}));
     EXPECT_EQ(view.equity(), engine.balance() + engine.totalUnrealized());
 
+    view.press(true, 2);
+    EXPECT_EQ(view.notice(), "A stop order needs a price above 0");
     desk.setTicket({.qty = 2, .limitText = "99"});
     view.press(true, 1);
     time.runUntilIdle();
@@ -134,10 +145,12 @@ TEST_F(SimPanel, OnlyWhatChangedIsMadeAnewAndNothingWhileItIsHidden) {
     EXPECT_EQ(view.positions.count(), 0);
     EXPECT_EQ(view.history.count(), 1);
     EXPECT_EQ(startedOver, 1) << "when it was shown";
-    engine.resetAccount(1000);
-    time.runUntilIdle();
-    EXPECT_EQ(startedOver, 2);
-    EXPECT_EQ(view.balance(), 1000);
+    for (const int balance : {2000, 1000}) {  // the second one finds no fill that it could take away
+        engine.resetAccount(balance);
+        time.runUntilIdle();
+        EXPECT_EQ(std::exchange(startedOver, 1), 2);
+        EXPECT_EQ(view.balance(), balance);
+    }
     EXPECT_EQ(view.history.count() + view.fills.count() + view.orders.count(), 0);
 
     view.setShown(false);
@@ -148,6 +161,166 @@ TEST_F(SimPanel, OnlyWhatChangedIsMadeAnewAndNothingWhileItIsHidden) {
     view.bind(nullptr);
     view.press(true, 0);
     EXPECT_EQ(view.title(), "");
+}
+
+TEST_F(SimPanel, WhatAPositionIsWorthIsShownAtOnceWhenItsFirstPriceComes) {
+    script.run("open 1 NQU6; quote 100 100; buy 1; open 1 NQM6");  // whose price is not known yet
+    view.setShown(true);
+    time.runUntilIdle();
+    startedOver = 0;
+    script.run("trade 110");
+    time.advance(1);
+    EXPECT_EQ(startedOver, 1);
+    script.run("trade 120");
+    time.advance(1);
+    EXPECT_EQ(startedOver, 1);
+}
+
+TEST_F(SimPanel, TheCurvesSpotFollowsTheCurveBelowARestingPointer) {
+    view.setShown(true);
+    EquityPlot plot;
+    plot.setSize({100, 100});
+    plot.setSim(&view);
+    script.run("buy 1; sell 1; buy 1; sell 1");
+    time.runUntilIdle();
+    plot.point(0);
+    const QPointF before = plot.spotPlace();
+    const QString said = plot.spotText();
+    QSignalSpy moves(&plot, &EquityPlot::spotChanged);
+    script.run("buy 1; quote 120 120.25; sell 1");
+    time.runUntilIdle();
+    EXPECT_EQ(plot.spotText(), said) << "the same trade";
+    EXPECT_NE(plot.spotPlace(), before);
+    EXPECT_EQ(moves.count(), 1);
+}
+
+/// The panel in a window that nobody sees.
+class ShownSimPanel : public SimPanel {
+ protected:
+    void load(const char* content) {
+        registerQml(engine_);
+        engine_.setInitialProperties({{"sim", QVariant::fromValue(&view)},
+                                      {"frames", QVariant::fromValue(&frames)},
+                                      {"settings", QVariant::fromValue(&settings)}});
+        engine_.loadData(
+            QByteArray("import QtQuick\nimport Velmora\nWindow { id: top; width: 600; height: 900; visible: true;"
+                       "required property SimViewModel sim; required property PanelFrames frames;"
+                       "required property SettingsViewModel settings;") +
+            content + "}");
+        ASSERT_FALSE(engine_.rootObjects().isEmpty());
+        window = qobject_cast<QQuickWindow*>(engine_.rootObjects().first());
+        window->requestActivate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    }
+    static QQuickItem* within(QQuickItem* item, const QString& name) {
+        if (item->objectName() == name && item->isVisible()) return item;
+        for (QQuickItem* child : item->childItems())
+            if (QQuickItem* found = within(child, name)) return found;
+        return nullptr;
+    }
+    QQuickItem* item(const char* name) const { return within(window->contentItem(), name); }
+    void press(const char* name) {
+        ASSERT_NE(item(name), nullptr) << name;
+        item(name)->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_Space);
+    }
+    void key(int code, bool again = false) {
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, code, Qt::NoModifier, QString(), again);
+            QCoreApplication::sendEvent(window, &event);
+        }
+        settle();
+    }
+    void settle() {
+        time.runUntilIdle();
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    std::string focused() const {
+        const QQuickItem* now = window->activeFocusItem();
+        return now && now->isVisible() ? now->objectName().toStdString() : "";
+    }
+
+    const double openHours = time.now();
+    PanelFrames frames;
+    SettingsViewModel settings;
+    QQuickWindow* window = nullptr;
+
+ private:
+    QQmlApplicationEngine engine_;
+};
+
+TEST_F(ShownSimPanel, TheKeyboardStaysWhereItsControlHasGone) {
+    load(
+        "PanelSpace { anchors.fill: parent; SimPanel { sim: top.sim; frames: top.frames;"
+        "Component.onCompleted: open = true } }");
+    const struct {
+        const char *before, *control, *then;  // a script, what is pressed or has the keyboard, what has it afterwards
+        const char* script = "";              // in place of the press
+    } cases[] = {
+        {"buy 1 sl=4 tp=8", "simFlat", "panelTitle"},
+        {"buy 1", "simAddSl", "simAddTp"},
+        {"buy 1 sl=4", "simAddTp", "simFlat"},
+        {"buy 1 sl=4 tp=8", "simCancelAll", "panelTitle"},
+        {"buy 1 limit=90; buy 1 limit=91", "simCancel", "simCancel"},
+        {"buy 1 limit=90", "simCancel", "panelTitle"},
+        {"buy 1", "simFlat", "simFlat", "buy 1"},
+        {"root ES; open 2 ESM6; quote 50 50; buy 1; root NQ; buy 1", "simFlat", "simFlat"},
+        {"", "simBuy1", "panelTitle", "closed"},
+        {"", "simQty", "panelTitle", "closed"},
+        {"buy 1; sell 1", "simAll fills", "panelTitle", "reset 5"},
+    };
+    for (const auto& one : cases) {
+        time.setNow(openHours);
+        script.run(std::string("reset 1000; ") + one.before);
+        time.advance(1);
+        settle();
+        if (*one.script == 0) {
+            press(one.control);
+        } else {
+            item(one.control)->forceActiveFocus(Qt::TabFocusReason);
+            script.run(one.script);
+            time.advance(1);
+            settle();
+        }
+        EXPECT_EQ(focused(), one.then) << one.control << " after " << one.before << " " << one.script;
+    }
+    script.run("buy 1");
+    settle();
+    item("simFlat")->forceActiveFocus();
+    item("panelClose")->forceActiveFocus();  // elsewhere by a person's own wish
+    script.run("sell 1");
+    settle();
+    EXPECT_EQ(focused(), "panelClose");
+}
+
+TEST_F(ShownSimPanel, AHeldKeyTogglesACheckBoxOnce) {
+    load("CheckField { objectName: \"box\"; text: \"box\" }");
+    press("box");
+    for (int i = 0; i < 4; ++i) key(Qt::Key_Space, true);
+    EXPECT_TRUE(item("box")->property("checked").toBool());
+}
+
+TEST_F(ShownSimPanel, TheSettingsAskBeforeTheAccountStartsAnew) {
+    int resets = 0;
+    SettingsViewModel::Actions actions;
+    actions.resetAccount = [&] { ++resets; };
+    actions.accountQuestion = [this] { return simResetQuestion(engine, 25000); };
+    settings.setActions(std::move(actions));
+    load(
+        "SettingAction { width: 280; settings: top.settings; action: \"resetAccount\"; title: \"Reset Account\";"
+        "onCarriedOut: settings.resetAccount() }");
+    QSignalSpy entered(item("action resetAccount"), SIGNAL(entered()));
+    script.run("buy 1; buy 1 limit=90");
+    press("press");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return entered.count() == 2; })) << "higher, it comes into view anew";
+    ASSERT_NE(item("question"), nullptr);
+    EXPECT_EQ(item("question")->property("text").toString().toStdString(),
+              "Start again with 25,000.00? Lost for good: 1 open position, 1 working order, 1 fill.");
+    EXPECT_GE(item("action resetAccount")->implicitHeight(), item("stay")->mapToScene({0, 28}).y());
+    EXPECT_EQ(resets, 0);
+    press("yes");
+    EXPECT_EQ(resets, 1);
 }
 
 TEST(EquityArt, TheCurveAndItsDrawdownLieWhereThePlotSays) {
