@@ -12,7 +12,8 @@ namespace {
 using HfPressure::Samples, HfPressure::Scale;
 
 constexpr Rgba callColor{0.149F, 0.651F, 0.604F, 1}, putColor{0.937F, 0.325F, 0.314F, 1};
-constexpr TextStyle textStyle{FontFace::regular, 13};
+constexpr TextStyle textStyle{FontFace::regular, 13}, smallStyle{FontFace::regular, 11};
+constexpr double tickGap = 4, edge = 2;  // beside the numbers of the main plot
 constexpr double flowWidth = 1.5, sparkWidth = 1.2;
 
 constexpr Rgba white(float opacity) { return {1, 1, 1, opacity}; }
@@ -42,10 +43,14 @@ void HfPressurePlot::drawMain(const Samples& samples, const Scale& scale, const 
     const auto y = [&](double value) { return place.y + HfPressure::mainY(scale, value, place.height); };
     HfPressure::timeTicks(scale, times_);
     for (const double t : times_) painter_.vertical(x(t), y(scale.top), y(0), faded(white(0.09F)));
-    for (const double value : HfPressure::valueTicks(scale)) {
+    const std::vector<double> values = HfPressure::valueTicks(scale);
+    const bool fit = std::all_of(values.begin(), values.end(), [this](double value) {
+        return painter_.textWidth(HfPressure::fmt(value).text(), textStyle) <= HfPressure::plotRight - tickGap - edge;
+    });
+    for (const double value : values) {
         painter_.horizontal(left, right, y(value), faded(white(0.11F)));
-        painter_.text(HfPressure::fmt(value).text(), textStyle, right + 4, y(value), TextAlign::left,
-                      faded(labelColor));
+        painter_.text(HfPressure::fmt(value).text(), fit ? textStyle : smallStyle, right + tickGap, y(value),
+                      TextAlign::left, faded(labelColor));
     }
     const auto flow = [&](double HfpSample::*side, const Rgba& color) {
         polyline(painter_, samples, flowWidth, faded(color), [&](const HfpSample& sample) {

@@ -14,7 +14,7 @@ namespace {
 
 constexpr double barWide = 0.62, barDeep = 0.55;  // of a cell
 constexpr double leastPeak = 1e-9;
-constexpr double glyphShare = 0.55;  // of a label's size: about the width of a character
+constexpr double wideGlyph = 0.66, slimGlyph = 0.3;  // of a label's size: digits and letters, and what parts them
 
 double dot(const ScenePoint& a, const ScenePoint& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
@@ -34,8 +34,13 @@ double distanceTo(const SceneBox& box, const SceneRay& ray) {
     return from <= to ? from : std::numeric_limits<double>::infinity();
 }
 
-std::size_t charactersOf(std::string_view utf8) {
-    return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+double widthOf(std::string_view utf8) {
+    double width = 0;
+    for (const char c : utf8) {
+        const bool continues = (c & 0xC0) == 0x80, slim = std::string_view(" ./()-").find(c) != std::string_view::npos;
+        width += continues ? 0 : slim ? slimGlyph : wideGlyph;
+    }
+    return width;
 }
 
 double distanceTo(const SceneLabel& label, const SceneRay& ray, double scale) {
@@ -80,9 +85,7 @@ ScenePoint turned(const ScenePoint& place, double angle) {
     return {place[0] * c + place[2] * s, place[1], place[2] * c - place[0] * s};
 }
 
-double SceneLabel::halfWidth() const {
-    return glyphShare * Gex3DScene::labelSize * static_cast<double>(charactersOf(text)) / 2;
-}
+double SceneLabel::halfWidth() const { return widthOf(text) * Gex3DScene::labelSize / 2; }
 
 SceneRay SceneRay::inTurned(double angle) const {
     return {turned(from, -angle), turned(direction, -angle), turned(right, -angle), turned(up, -angle)};

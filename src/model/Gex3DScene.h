@@ -38,7 +38,7 @@ struct SceneLabel {
     ScenePoint place{};
     double white = 0.5;    ///< how bright
     bool outside = false;  ///< it lies towards larger x of its place instead, so that the bars leave it free
-    /// About; texts are not measured.
+    /// About, and seldom too little; texts are not measured.
     double halfWidth() const;
     bool operator==(const SceneLabel&) const = default;
 };

@@ -184,21 +184,10 @@ TEST(HfPressure, LadderOfTheLastBand) {
     EXPECT_TRUE(HfPressure::ladder({}).band.empty());
 }
 
-// Every segment that was drawn, as points from the top left.
-TEST(HfPressurePlot, JoinsTheSamplesThatAStrikeHas) {
-    auto samples = flow(5);
-    samples[2].atm = {{500, 7, 7}};  // 495 is missing: the line joins across it
-    samples[4].band = {495};
-    const auto seen = all(samples);
-    TestTime time;
-    FakeGlyphs glyphs;
-    FrameRecorder gpu;
-    FrameArena arena(gpu);
-    HfPressurePlot plot(glyphs, time);
-    HfPressurePlot::Places places;
-    places.main = {0, 0, 300, 200};
-    places.sparks[0] = {10, 300, 100, 40};
-    const auto lines = [&] {
+class HfPressurePlots : public testing::Test {
+ protected:
+    RecordedFrames draw(const std::deque<HfpSample>& samples) {
+        const HfPressure::Samples seen = all(samples);
         gpu.beginFrame(300, 400, 1);
         arena.beginFrame();
         PaintSurface surface{gpu, arena, 300, 400, 1};
@@ -206,8 +195,24 @@ TEST(HfPressurePlot, JoinsTheSamplesThatAStrikeHas) {
         gpu.endFrame();
         RecordedFrames recorded;
         EXPECT_TRUE(recorded.take(gpu));
+        return recorded;
+    }
+    TestTime time;
+    FakeGlyphs glyphs;
+    FrameRecorder gpu;
+    FrameArena arena{gpu};
+    HfPressurePlot plot{glyphs, time};
+    HfPressurePlot::Places places{.main = {0, 0, 300, 200}, .strip = {}, .sparks = {}};
+};
+
+TEST_F(HfPressurePlots, JoinTheSamplesThatAStrikeHas) {
+    auto samples = flow(5);
+    samples[2].atm = {{500, 7, 7}};  // 495 is missing: the line joins across it
+    samples[4].band = {495};
+    places.sparks[0] = {10, 300, 100, 40};
+    const auto lines = [&] {
         std::size_t count = 0;
-        for (const auto& call : recorded.draws)
+        for (const auto& call : draw(samples).draws)
             if (call.pipeline == Pipeline::ribbon) count += call.count;
         return count;
     };
@@ -219,6 +224,19 @@ TEST(HfPressurePlot, JoinsTheSamplesThatAStrikeHas) {
     // four pieces each in the plot, three each in the sparkline
     EXPECT_EQ(main % 8, 0U);
     EXPECT_EQ(whole - main, main / 8 * 6);
+}
+
+TEST_F(HfPressurePlots, KeepTheirNumbersWithinTheCard) {
+    for (const double most : {2e7, 7e8}) {  // up to "20.0M" and to "800.0M"
+        float right = 0;
+        const RecordedFrames recorded = draw(flow(5, most));
+        for (const auto& call : recorded.draws) {
+            if (call.pipeline != Pipeline::text) continue;
+            for (const auto& corner : recorded.vertices<TextVertex>(call)) right = std::max(right, corner.position[0]);
+        }
+        EXPECT_GT(right, 270) << most;
+        EXPECT_LE(right, 298) << most;
+    }
 }
 
 }  // namespace

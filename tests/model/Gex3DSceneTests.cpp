@@ -139,6 +139,16 @@ TEST_F(Gex3DViews, ThePointerFindsTheBarFromEverySide) {
     }
 }
 
+TEST(Gex3DLabels, HaveRoomForTheWidthThatTheirFontGives) {
+    // in sizes of the text, as the program's font sets it
+    for (const auto& [text, width] :
+         {std::pair("585", 1.92), {"29600", 3.27}, {"596.35", 3.38}, {"6/10 (0DTE)", 5.46}}) {
+        const double room = 2 * SceneLabel{.text = text}.halfWidth() / Gex3DScene::labelSize;
+        EXPECT_GE(room, width) << text;
+        EXPECT_LE(room, width * 1.1) << text;
+    }
+}
+
 // 14 expirations and 12 strikes' labels in a small view, through a whole turn.
 TEST_F(Gex3DViews, LabelsKeepOffEachOtherAndDoNotFlicker) {
     Gex3DData many{5000, {}, {}, {}, std::vector<std::vector<double>>(14, std::vector<double>(24, 1e6))};

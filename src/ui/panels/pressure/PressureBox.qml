@@ -37,6 +37,8 @@ Rectangle {
         y: 4
         anchors.horizontalCenter: parent.horizontalCenter
         width: Math.min(implicitWidth, parent.width - 6)
+        height: 16  // the same line in all boxes, whatever size it takes
+        verticalAlignment: Text.AlignVCenter
         text: box.label
         font.weight: Font.DemiBold
         fontSizeMode: Text.HorizontalFit
