@@ -206,10 +206,9 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     QGuiApplication::setQuitOnLastWindowClosed(false);  // the shell knows which window is the last
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
     Perf::shared().startUp("application");
+    const HeldKeys heldKeys(app);
     prepareUpdates();
     registerFonts();
-    HeldKeys heldKeys;
-    if (QGuiApplication::platformName() == u"xcb") app.installEventFilter(&heldKeys);
     QtLoop loop;
     const PerfPinger pinger(Perf::shared(), loop);
     app.watchTurns(Perf::shared());

@@ -5,7 +5,6 @@
 #include <QWheelEvent>
 
 #include "ui/UiWindow.h"
-#include "ui/platform/HeldKeys.h"
 
 namespace vmr::test {
 namespace {
@@ -293,48 +292,6 @@ TEST_F(ChartItemInput, TakingThePointerAwayEndsADrag) {
     EXPECT_NEAR(camera().yMinManual, 21400 + 80 / chart->height() * 200, 1e-9) << "nothing of the drag is lost";
     QTest::mouseRelease(ui.window, Qt::LeftButton, {}, inWindow(300, 300));
     EXPECT_EQ(ended, 1);
-}
-
-class KeyList : public QWindow {
- public:
-    std::string taken;
-
- protected:
-    bool event(QEvent* event) override {
-        if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease) return QWindow::event(event);
-        const auto* key = static_cast<QKeyEvent*>(event);
-        taken += event->type() == QEvent::KeyRelease ? "up " : key->isAutoRepeat() ? "again " : "down ";
-        return true;
-    }
-};
-
-TEST(HeldKeys, AReleaseAndAPressOfOneTimeAreARepeat) {
-    HeldKeys held;
-    qApp->installEventFilter(&held);
-    KeyList window;
-    const auto send = [&](QEvent::Type type, quint32 code, quint64 time) {
-        QKeyEvent event(type, Qt::Key_Space, {}, code, 0, 0);
-        event.setTimestamp(time);
-        QCoreApplication::sendEvent(&window, &event);
-    };
-    const auto down = QEvent::KeyPress, up = QEvent::KeyRelease;
-    for (const auto& [code, time, repeats] : {std::tuple(65, 40, true), {65, 41, false}, {66, 40, false}}) {
-        SCOPED_TRACE(std::to_string(code) + " at " + std::to_string(time));
-        window.taken.clear();
-        send(down, 65, 5);
-        send(up, 65, 40);
-        EXPECT_EQ(window.taken, "down ") << "it may be a repeat";
-        send(down, code, time);
-        const std::string taken = repeats ? "down again " : "down up down ";
-        EXPECT_EQ(window.taken, taken);
-        send(up, code, 90);
-        EXPECT_TRUE(runUntil([&] { return window.taken == taken + "up "; })) << window.taken;
-    }
-    send(down, 65, 100);
-    send(up, 65, 140);
-    QMouseEvent press(QEvent::MouseButtonPress, {}, {}, Qt::LeftButton, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(&window, &press);
-    EXPECT_TRUE(window.taken.ends_with("down up ")) << "events keep their order";
 }
 
 }  // namespace

@@ -1,31 +1,27 @@
-// Tells a key that is held down from one that is pressed again and again.
+// Keys that are held down.
 #pragma once
 
-#include <QKeyEvent>
 #include <QObject>
-#include <QPointer>
-#include <QTimer>
-#include <memory>
+#include <cstdint>
+
+class QGuiApplication;
 
 namespace vmr {
 
-/// X sends a held key as releases and presses that carry the same time. Where the press comes in late, as on a busy
-/// machine, Qt takes the two for a key that was pressed again, and a button that is held down is pressed many times.
-/// This keeps each release back for 10 ms: a press of that key with its time makes one repeated press of them, and all
-/// else lets it go first. It is installed on the application, for all windows. Main thread.
+/// X11 tells of a held key as of one that goes up and comes down again at the same moment, over and over. Qt marks those
+/// as repetitions where both events have arrived, and on a busy machine the second one may not have: then holding a
+/// key would press a button, or an order, again and again. This marks such a press, for every window. Main thread.
 class HeldKeys : public QObject {
  public:
-    explicit HeldKeys(QObject* parent = nullptr);
+    /// The application outlives it.
+    explicit HeldKeys(QGuiApplication& application);
 
+ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-    void letGo();
-
-    QPointer<QObject> window_;
-    std::unique_ptr<QKeyEvent> release_;
-    QTimer timer_;
-    bool passes_ = false;
+    std::uint64_t releasedAt_ = 0;
+    int released_ = 0;  // the key
 };
 
 }  // namespace vmr
