@@ -167,5 +167,22 @@ TEST_F(WindowSurface, OpeningItTenTimesLeavesNothingBehind) {
     EXPECT_LT(after - before, 40'000) << "kB, of " << before;
 }
 
+// Some labels have no room here and were never shown.
+TEST_F(WindowSurface, WhateverItStandsInCanEnd) {
+    act(" windowsize --sync $W 500 420 sleep 0.3");
+    for (const char* first : {" sleep 0.6", " sleep 0.01"}) {  // drawn, and hardly begun
+        for (const bool window : {false, true}) {
+            ASSERT_TRUE(program_->ask(window ? "window open" : "dual on"));
+            const json newest = look()["windows"].back();
+            EXPECT_EQ(program_->ask("@" + newest["panes"].back().dump() + " do gex3D"), "[cmd] ok gex3D on");
+            act(first);
+            ASSERT_TRUE(program_->ask(window ? "window close " + newest["number"].dump() : "dual off"));
+        }
+    }
+    EXPECT_EQ(look()["windows"].size(), 1u);
+    EXPECT_EQ(program_->ask("do gex3D"), "[cmd] ok gex3D on");
+    act(" sleep 0.6");  // and so the program ends
+}
+
 }  // namespace
 }  // namespace vmr
