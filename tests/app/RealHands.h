@@ -18,7 +18,7 @@ class RealHands : public QObject {
  public:
     explicit RealHands(QQuickWindow& window) : window_(window) {
         tool_.start("xdotool", {"-"});
-        EXPECT_TRUE(tool_.waitForStarted()) << "xdotool is not installed";
+        EXPECT_TRUE(tool_.waitForStarted());
         qApp->installEventFilter(this);
         send("windowfocus --sync " + id(), 0);
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
@@ -42,7 +42,7 @@ class RealHands : public QObject {
     void type(const std::string& text) { send("type --delay 1 " + text, std::ssize(text)); }
 
     /// What they have done so far.
-    std::ptrdiff_t events() const { return due_; }
+    std::ptrdiff_t events() const { return done_; }
 
  private:
     std::string id() const { return std::to_string(window_.winId()); }
@@ -51,24 +51,24 @@ class RealHands : public QObject {
         return "mousemove --window " + id() + " " + std::to_string(to.x()) + " " + std::to_string(to.y());
     }
     void send(const std::string& words, std::ptrdiff_t events) {
-        due_ += events;
+        done_ += events;
+        seen_ = 0;
         tool_.write((words + "\n").c_str());
-        EXPECT_TRUE(QTest::qWaitFor([this] { return had_ >= due_; }, 10000)) << words;
-        had_ = due_;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return seen_ >= events; }, 10000)) << words;
     }
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched != &window_ || !event->spontaneous()) return false;
         const auto type = event->type();
         if (type == QEvent::MouseMove) at_ = static_cast<QMouseEvent*>(event)->position().toPoint();
-        had_ += type == QEvent::MouseButtonPress || type == QEvent::MouseButtonRelease || type == QEvent::KeyRelease ||
-                type == QEvent::Wheel;
+        seen_ += type == QEvent::MouseButtonPress || type == QEvent::MouseButtonRelease || type == QEvent::KeyRelease ||
+                 type == QEvent::Wheel;
         return false;
     }
 
     QQuickWindow& window_;
     QProcess tool_;
     QPoint at_{-1, -1};
-    std::ptrdiff_t due_ = 0, had_ = 0;
+    std::ptrdiff_t done_ = 0, seen_ = 0;
 };
 
 }  // namespace vmr::test
