@@ -142,7 +142,6 @@ inline void RandomPanelHands::use(const std::string& control) {
     ++counts_["by keys"];
     for (int i = 0; i < 80 && !item->hasActiveFocus(); ++i) script_.hands.key("Tab");
     ASSERT_TRUE(item->hasActiveFocus()) << control << " is out of the keyboard's reach";
-    QTest::qWait(SimPanelScript::fingerAway);
     script_.key(oneIn(2) ? "space" : "Return");
 }
 

@@ -17,8 +17,6 @@ namespace vmr::test {
 
 class SimPanelScript {
  public:
-    static constexpr int fingerAway = 100;  ///< milliseconds that a finger takes between two presses of a key
-
     explicit SimPanelScript(WindowRun& of) : run(of), hands(*window()) {}
 
     static QQuickWindow* window() { return qobject_cast<QQuickWindow*>(QGuiApplication::topLevelWindows().value(0)); }

@@ -217,23 +217,6 @@ void randomHands(SimPanelScript& script) {
         EXPECT_GE(hands.counts()[what], atLeast) << what;
 }
 
-// Where the program is busy, what repeats a held key comes as releases and presses of their own.
-void aHeldKeyIsOnePress(SimPanelScript& script) {
-    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return}) {
-        const std::size_t fills = script.sim().fills().size();
-        script.item("simBuy0")->forceActiveFocus(Qt::TabFocusReason);
-        QTest::keyPress(script.window(), key);
-        for (int i = 0; i < 5; ++i) {
-            QTest::keyRelease(script.window(), key);
-            QTest::keyPress(script.window(), key);
-        }
-        QTest::keyRelease(script.window(), key);
-        script.settle();
-        EXPECT_EQ(script.sim().fills().size(), fills + 1) << key;
-        QTest::qWait(SimPanelScript::fingerAway);
-    }
-}
-
 void playAll(SimPanelScript& script) {
     SimEngine& sim = script.sim();
     const auto open = [&](bool opens) {
@@ -246,7 +229,6 @@ void playAll(SimPanelScript& script) {
     QMetaObject::invokeMethod(script.panel(), "resizeTo", Q_ARG(QVariant, 360), Q_ARG(QVariant, 1180));
     rest(script);
     walkIsNamedAndOrdered(script, together({always, ticket}));
-    aHeldKeyIsOnePress(script);
     randomHands(script);
 
     open(false);

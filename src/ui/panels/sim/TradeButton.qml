@@ -14,10 +14,6 @@ T.Button {
     readonly property color tint: buys ? Theme.gain : Theme.loss
     signal pressedOnce
 
-    function presses(key) {
-        return key === Qt.Key_Space || key === Qt.Key_Return || key === Qt.Key_Enter;
-    }
-
     implicitWidth: 88
     implicitHeight: 34
     hoverEnabled: true
@@ -27,28 +23,12 @@ T.Button {
     font.weight: Font.DemiBold
     Accessible.name: text
     Accessible.description: barred
-    // Held down, a key is one press. Not everything that repeats it is marked so: where the program is busy, a release
-    // and a press of their own come, one right behind the other.
-    Keys.onPressed: event => {
-        if (!presses(event.key))
-            return;
-        event.accepted = true;
-        if (!event.isAutoRepeat && !released.running)
-            clicked();
-        released.stop();
-    }
-    Keys.onReleased: event => {
-        if (!presses(event.key))
-            return;
-        event.accepted = true;
-        released.restart();
-    }
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked(); }
+    Keys.onPressed: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }  // held, it is one press
+    Keys.onReleased: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }
     onClicked: if (barred === "") pressedOnce()
 
-    Timer {
-        id: released
-        interval: 40  // sooner than a finger is back
-    }
     contentItem: Label {
         text: control.text
         font: control.font
