@@ -112,8 +112,8 @@ bool HfPressurePlot::draw(PaintSurface& surface, const Samples& samples, const P
         drawStrip(scale, places.strip);
         time("HFP.main", since);
         since = clock_.monotonic();
-        for (std::size_t i = 0; i < sparks; ++i)
-            drawSpark(samples, scale, ladder.band[i], ladder.maxAbs, places.sparks[i]);
+        const double peak = HfPressure::ladderPeak(samples);
+        for (std::size_t i = 0; i < sparks; ++i) drawSpark(samples, scale, ladder.band[i], peak, places.sparks[i]);
         time("HFP.spark", since);
     });
 }
