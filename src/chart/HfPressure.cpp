@@ -179,11 +179,14 @@ void stripTicks(const Scale& scale, double width, const std::function<double(std
 
 Ladder ladder(const Samples& samples) {
     if (samples.empty()) return {};
-    Ladder out{samples.back()->band, samples.back()->band.size() / 2, 0};
+    return {samples.back()->band, samples.back()->band.size() / 2};
+}
+
+double ladderPeak(const Samples& samples) {
+    double peak = 0;
     for (const HfpSample* sample : samples)
-        for (const StrikeFlow& flow : sample->atm)
-            out.maxAbs = std::max({out.maxAbs, std::abs(flow.call), std::abs(flow.put)});
-    return out;
+        for (const StrikeFlow& flow : sample->atm) peak = std::max({peak, std::abs(flow.call), std::abs(flow.put)});
+    return peak;
 }
 
 double sparkY(double value, double maxAbs, double height) {

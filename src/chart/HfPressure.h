@@ -107,9 +107,10 @@ void stripTicks(const Scale& scale, double width, const std::function<double(std
 struct Ladder {
     std::span<const double> band;  ///< ascending; empty: there is none
     std::size_t atm = 0;           ///< place of the strike at the money
-    double maxAbs = 0;             ///< over all samples and strikes of their bands, of call and put
 };
 Ladder ladder(const Samples& samples);
+/// The largest size of a flow at any strike of any sample's band.
+double ladderPeak(const Samples& samples);
 
 /// Where a flow lies in a sparkline, points from the top.
 double sparkY(double value, double maxAbs, double height);

@@ -19,16 +19,23 @@ constexpr double flowWidth = 1.5, sparkWidth = 1.2;
 constexpr Rgba white(float opacity) { return {1, 1, 1, opacity}; }
 constexpr Rgba labelColor = white(0.53F);
 
-// Joins the points of one flow; `at` places a sample, or tells nothing for one that is skipped.
+// Joins the points of one flow; `at` places a sample, or tells nothing for one that is skipped. Of points that lie
+// closer together than the eye can tell one is enough: a sparkline has a dozen samples on each point of its width.
 template <class Place>
 void polyline(Painter& painter, const Samples& samples, double width, const Rgba& color, Place at) {
-    std::optional<Painter::Point> before;
+    constexpr double close = 0.3;  // points
+    std::optional<Painter::Point> before, left;
     for (const HfpSample* sample : samples) {
         const std::optional<Painter::Point> point = at(*sample);
         if (!point) continue;
+        left = point;
+        if (before && std::abs((*point)[0] - (*before)[0]) < close && std::abs((*point)[1] - (*before)[1]) < close)
+            continue;
         if (before) painter.line(*before, *point, width, color);
         before = point;
+        left.reset();
     }
+    if (before && left) painter.line(*before, *left, width, color);
 }
 }  // namespace
 
@@ -105,8 +112,8 @@ bool HfPressurePlot::draw(PaintSurface& surface, const Samples& samples, const P
         drawStrip(scale, places.strip);
         time("HFP.main", since);
         since = clock_.monotonic();
-        for (std::size_t i = 0; i < sparks; ++i)
-            drawSpark(samples, scale, ladder.band[i], ladder.maxAbs, places.sparks[i]);
+        const double peak = HfPressure::ladderPeak(samples);
+        for (std::size_t i = 0; i < sparks; ++i) drawSpark(samples, scale, ladder.band[i], peak, places.sparks[i]);
         time("HFP.spark", since);
     });
 }

@@ -179,7 +179,7 @@ TEST(HfPressure, LadderOfTheLastBand) {
     const auto seen = all(samples);
     const HfPressure::Ladder ladder = HfPressure::ladder(seen);
     EXPECT_EQ(ladder.atm, 2U);
-    EXPECT_EQ(ladder.maxAbs, 900);
+    EXPECT_EQ(HfPressure::ladderPeak(seen), 900);
     EXPECT_DOUBLE_EQ(HfPressure::sparkY(-900, 900, 40), 6);
     EXPECT_TRUE(HfPressure::ladder({}).band.empty());
 }
@@ -224,6 +224,24 @@ TEST_F(HfPressurePlots, JoinTheSamplesThatAStrikeHas) {
     // four pieces each in the plot, three each in the sparkline
     EXPECT_EQ(main % 8, 0U);
     EXPECT_EQ(whole - main, main / 8 * 6);
+
+    samples = flow(600);
+    samples[300].atm = {{495, 900, -20}};
+    places.sparks[0] = {10, 300, 60, 40};
+    EXPECT_LT(lines(), main / 8 * 2 * 220) << "samples that lie on each other";
+    const RecordedFrames recorded = draw(samples);
+    float left = 100, right = 0, top = 400;
+    for (const auto& call : recorded.draws) {
+        if (call.pipeline != Pipeline::ribbon) continue;
+        for (const LineVertex& corner : recorded.vertices<LineVertex>(call)) {
+            left = std::min(left, corner.pos[0]);
+            right = std::max(right, corner.pos[0]);
+            top = std::min(top, corner.pos[1]);
+        }
+    }
+    EXPECT_NEAR(left, 10, 1);
+    EXPECT_NEAR(right, 70, 1) << "the newest";
+    EXPECT_NEAR(top, 306, 1) << "the one that stands out";
 }
 
 TEST_F(HfPressurePlots, KeepTheirNumbersWithinTheCard) {

@@ -1,6 +1,7 @@
 #include "ui/panels/pressure/HfPressureViewModel.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "perf/Perf.h"
 
@@ -40,8 +41,9 @@ void PressureLadder::set(const std::vector<Row>& rows) {
             rows_.insert(rows_.begin() + at, rows[i]);
             endInsertRows();
         } else if (!(rows_[i] == rows[i])) {
-            rows_[i] = rows[i];
-            emit dataChanged(index(at), index(at));
+            const bool money = std::exchange(rows_[i], rows[i]).atm != rows[i].atm;
+            emit dataChanged(index(at), index(at),
+                             money ? QList<int>{callRole, putRole, atmRole} : QList<int>{callRole, putRole});
         }
     }
     if (rows_.size() > rows.size()) {  // the band told them in another order, which no band does
