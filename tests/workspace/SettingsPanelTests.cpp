@@ -179,19 +179,11 @@ TEST_F(SettingsEditing, AnotherSourceIsShownAtOnce) {
 
 TEST_F(SettingsEditing, TakesNothingThatASettingCannotHold) {
     const GexConfig before = model->config;
-    for (const auto& [name, value] :
-         std::initializer_list<std::pair<const char*, SettingValue>>{{"unknown", true},
-                                                                     {"oiEnabled", 1.0},
-                                                                     {"oiOpacity", true},
-                                                                     {"candleTheme", "neon"},
-                                                                     {"vixMode", 2.0},
-                                                                     {"ema1Color", "#12345"},
-                                                                     {"ema1Color", "white"},
-                                                                     {"initialCandles", "150"},
-                                                                     {"initialCandles", ""},
-                                                                     {"hfScaleBySymbol", 1.0},
-                                                                     {"hfScaleBySymbol", "NQ"}})
-        editor->set(name, value);
+    const std::pair<const char*, SettingValue> wrong[] = {
+        {"unknown", true},      {"oiEnabled", 1.0},       {"oiOpacity", true},      {"candleTheme", "neon"},
+        {"vixMode", 2.0},       {"ema1Color", "#12345"},  {"ema1Color", "white"},   {"initialCandles", "150"},
+        {"initialCandles", ""}, {"hfScaleBySymbol", 1.0}, {"hfScaleBySymbol", "NQ"}};
+    for (const auto& [name, value] : wrong) editor->set(name, value);
     EXPECT_FALSE(editor->type("sessionStart", "25:00") || editor->type("oiOpacity", "x"));
     EXPECT_EQ(model->config.get(), before);
     EXPECT_THAT(editor->invalid(), ElementsAre("oiOpacity", "sessionStart"));

@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "tests/workspace/LivePanes.h"
-#include "workspace/ShellCommands.h"
 
 namespace vmr::test {
 namespace {
@@ -15,7 +14,7 @@ class LiveTemplates : public LivePanes {
         ASSERT_TRUE(signIn(1));
         ASSERT_TRUE(runUntil([&] { return streaming(1); }));
     }
-    /// The answer without its mark, when it comes.
+    /// The answer, when it comes.
     std::string say(const std::string& line) {
         answers.clear();
         commands.run(line);
@@ -23,7 +22,7 @@ class LiveTemplates : public LivePanes {
     }
     std::string heard() {
         EXPECT_TRUE(runUntil([&] { return !answers.empty(); }, 10));
-        return answers.empty() ? "" : answers[0].substr(6);
+        return answers.empty() ? "" : answers[0];
     }
     bool logged(int pane, const std::string& text) {
         const auto& lines = host->find(pane)->log.logLines;
@@ -31,14 +30,7 @@ class LiveTemplates : public LivePanes {
     }
     const GexConfig& config(int pane) { return host->find(pane)->config.get(); }
 
-    std::vector<std::string> answers;
-    ShellCommands commands{ShellSurroundings{*host,
-                                             sim,
-                                             [this](const std::string& line) { answers.push_back(line); },
-                                             [] {},
-                                             [](const std::string&) { return std::nullopt; },
-                                             {},
-                                             {}}};
+    ShellCommands commands{shell()};
 };
 
 TEST_F(LiveTemplates, AreSavedLoadedAndAppliedInTheNextPane) {
