@@ -97,10 +97,11 @@ std::span<const Pill> Pills::inView(const Input& input) {
         if (point.positive) pill.fill = pillHFBlue;
         pill.text.append(AxisScale::fmtHFPill(point.hf).text());
     });
-    hang(points.vixLine, value, pillTeal, white, [&](Pill& pill, const OvPoint&) {
+    hang(points.vixLine, value, pillTeal, white, [&](Pill& pill, const OvPoint& point) {
+        const auto close = pill.past && point.real > 0 ? std::optional(point.real) : points.vixSpot;
         pill.text.append("VIX ");
-        if (points.vixSpot && std::isfinite(*points.vixSpot))
-            appendFixed2(pill.text, *points.vixSpot);
+        if (close && std::isfinite(*close))
+            appendFixed2(pill.text, *close);
         else
             pill.text.append("--");
         pill.text.append(" 30D");

@@ -105,6 +105,7 @@ struct OverlayLine {
 struct OvPoint {
     double idx = 0;
     double v = 0;
+    double real = 0;  ///< the VIX's close, of which `v` is where it is laid; 0 for other series
     bool operator==(const OvPoint&) const = default;
 };
 

@@ -16,12 +16,10 @@ constexpr std::int64_t vixAnchorDelay = 33300;  // 9 h 15 min after the session'
 std::int64_t secondsOf(int tf) { return static_cast<std::int64_t>(std::max(tf, 1)) * 60; }
 
 // Sets the value of the bar that holds `t`, which is never before the bar set last.
-void setBarValue(std::vector<BarValue>& values, std::int64_t t, std::int64_t width, double value) {
+void setBarValue(std::vector<BarValue>& values, std::int64_t t, std::int64_t width, double value, double real = 0) {
     const std::int64_t bar = t / width * width;
-    if (!values.empty() && values.back().time == bar)
-        values.back().value = value;
-    else
-        values.push_back({bar, value});
+    if (values.empty() || values.back().time != bar) values.emplace_back();
+    values.back() = {bar, value, real};
 }
 
 template <class Point>
@@ -29,7 +27,7 @@ void dropFrom(std::vector<Point>& points, std::size_t bar) {
     while (!points.empty() && points.back().idx >= static_cast<double>(bar)) points.pop_back();
 }
 
-// Calls `take(bar, value)` for each bar from `from` on that has a value.
+// Calls `take(bar, value, real)` for each bar from `from` on that has a value.
 template <class Take>
 void forEachValue(const Bars& bars, std::size_t from, const std::vector<BarValue>& values, Take&& take) {
     if (from >= bars.size()) return;
@@ -37,7 +35,7 @@ void forEachValue(const Bars& bars, std::size_t from, const std::vector<BarValue
                                   [](const BarValue& v, std::int64_t t) { return v.time < t; });
     for (std::size_t i = from; i < bars.size() && value != values.end(); ++i) {
         while (value != values.end() && value->time < bars[i].time) ++value;
-        if (value != values.end() && value->time == bars[i].time) take(i, value->value);
+        if (value != values.end() && value->time == bars[i].time) take(i, value->value, value->real);
     }
 }
 }  // namespace
@@ -178,7 +176,7 @@ void HfLine::update(const Bars& bars, std::size_t from, const SessionOpens& open
     dropFrom(out, from);
     const SessionOpen* open = nullptr;
     HfScale scale{fallbackScale, fallbackScale};
-    forEachValue(bars, from, values_, [&](std::size_t i, double hf) {
+    forEachValue(bars, from, values_, [&](std::size_t i, double hf, double) {
         const std::int64_t time = walk.open(bars[i].time);
         if (!open || open->time != time) {
             open = opens.at(time);
@@ -216,7 +214,7 @@ void VixLine::readSession(const Bars& vix, const SessionOpen& open, std::int64_t
     for (std::size_t i = firstBarFrom(vix, open.time); i < vix.size() && vix[i].time < next; ++i) {
         const std::int64_t ofDay = walk.secondsOfDay(vix[i].time);
         if (ofDay < earlyMorning || ofDay >= lateAfternoon) continue;
-        minutes_.push_back({vix[i].time, open.price * (scale * (vix[i].close - anchor) / anchor + 1)});
+        minutes_.push_back({vix[i].time, open.price * (scale * (vix[i].close - anchor) / anchor + 1), vix[i].close});
     }
 }
 
@@ -235,13 +233,15 @@ void VixLine::smoothInto(std::int64_t width, std::int64_t smooth) {
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t first = i < w ? 0 : i - w + 1;
         const double sum = first % w == 0 ? forward_[i] : backward_[first] + forward_[i];
-        setBarValue(values_, minutes_[i].time, width, sum / static_cast<double>(i - first + 1));
+        setBarValue(values_, minutes_[i].time, width, sum / static_cast<double>(i - first + 1), minutes_[i].real);
     }
 }
 
 void VixLine::update(const Bars& bars, std::size_t from, std::vector<OvPoint>& out) const {
     dropFrom(out, from);
-    forEachValue(bars, from, values_, [&out](std::size_t i, double v) { out.push_back({static_cast<double>(i), v}); });
+    forEachValue(bars, from, values_, [&out](std::size_t i, double v, double close) {
+        out.push_back({static_cast<double>(i), v, close});
+    });
 }
 
 }  // namespace vmr::OverlayLines

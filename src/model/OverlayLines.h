@@ -74,6 +74,7 @@ class SessionOpens {
 struct BarValue {
     std::int64_t time = 0;
     double value = 0;
+    double real = 0;  ///< before it was laid on other prices; 0 for a series that is not
 };
 
 /// The HF flow laid on each session's opening price: `fallbackScale` points per unit of flow, or, where the session has

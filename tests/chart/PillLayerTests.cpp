@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fmt/format.h>
+
 #include <random>
 
 #include "chart/AxisScale.h"
@@ -132,16 +134,20 @@ TEST_F(PillLayerTest, InTheHistoryPillsNameTheLastPointInView) {
     data.series.vwapMain.clear();
     for (int i = 0; i < 300; ++i) data.series.vwapMain.push_back({i + 7.0, 21000.0 + i / 4.0});
     data.series.vwapNY = {{290, 21000}, {306, 21000}};
+    for (const OvPoint& point : data.series.vwapMain)
+        data.series.vixLine.push_back({point.idx, point.v + 20, 15 + point.idx / 100});
+    data.series.vixSpot = 99.5;
     data.series.anchor = {at(299), 306};  // the series counts seven bars that are gone
     show();
-    EXPECT_EQ(marks(true).size(), 2U);
+    EXPECT_EQ(marks(true).size(), 3U);
     view.mirrorView(40, 100);
     view.mirrorPrice(20900, 21100);
     frame();
     const double right = PlotArea{width, height}.right();
     const double last = std::floor(40 + right / width * 100);
-    ASSERT_EQ(marks(true).size(), 1U) << "the other begins later";
-    const Mark pill = marks(true)[0];
+    ASSERT_EQ(marks(true).size(), 2U) << "the other begins later";
+    EXPECT_EQ(marks(true)[0].text, fmt::format("VIX {:.2f} 30D", 15 + (last + 7) / 100)) << "not today's";
+    const Mark pill = marks(true)[1];
     EXPECT_EQ(pill.text, "VWAP " + std::string(AxisScale::fmtPrice(21000 + last / 4).text()));
     EXPECT_NEAR(pill.tipX, xOf(last), 1e-9);
     EXPECT_EQ(pill.tipY, yOf(21000 + last / 4));
@@ -149,8 +155,9 @@ TEST_F(PillLayerTest, InTheHistoryPillsNameTheLastPointInView) {
     EXPECT_LE(pill.box.right(), LineMarks::closeMarkEdge(width) + 2) << "before the strike bars";
     view.mirrorView(299 - 100 * (right - 40) / width, 100);  // the last bar is in view, with little room beside it
     frame();
-    EXPECT_EQ(marks(true).size(), 2U);
-    for (const Mark& mark : marks(true)) EXPECT_TRUE(mark.fill[0] == 1 && mark.box.right() < right) << mark.text;
+    EXPECT_EQ(marks(true).size(), 3U);
+    EXPECT_EQ(marks(true)[0].text, "VIX 99.50 30D");
+    for (const Mark& mark : marks(true)) EXPECT_TRUE(mark.fill[1] > 0.8F && mark.box.right() < right) << mark.text;
 }
 
 TEST_F(PillLayerTest, LinesSayWhatTheyAre) {

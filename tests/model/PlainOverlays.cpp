@@ -82,7 +82,7 @@ std::vector<OvCandle> plainSecond(const Bars& primary, const Bars& sec, int hhmm
 }
 
 std::vector<OvPoint> plainVix(const Bars& bars, const Bars& vix, int tf, int hhmm, double scale, int smooth) {
-    std::map<std::int64_t, double> value;
+    std::map<std::int64_t, std::pair<double, double>> value;  // where it is laid, and the close
     const auto sessionOpen = plainOpens(bars, hhmm);
     for (auto session = sessionOpen.begin(); session != sessionOpen.end(); ++session) {
         const auto [s, openP] = *session;
@@ -95,29 +95,34 @@ std::vector<OvPoint> plainVix(const Bars& bars, const Bars& vix, int tf, int hhm
                 break;
             }
         if (anchor == 0 || !(openP > 0)) continue;
-        std::vector<std::pair<std::int64_t, double>> pts;
+        struct Minute {
+            std::int64_t time;
+            double laid, close;
+        };
+        std::vector<Minute> pts;
         for (const Candle& bar : vix) {
             const auto ofDay = newYorkSecondsOfDay(bar.time);
             if (bar.time >= s && bar.time < next && ofDay >= 3 * 3600 + 15 * 60 && ofDay < 16 * 3600 + 16 * 60)
-                pts.emplace_back(bar.time, openP * (scale * (bar.close - anchor) / anchor + 1));
+                pts.push_back({bar.time, openP * (scale * (bar.close - anchor) / anchor + 1), bar.close});
         }
         if (pts.size() < 2) continue;
         const int w = smooth < 1 ? 1 : std::min(smooth, static_cast<int>(pts.size()));
         for (int i = 0; i < static_cast<int>(pts.size()); ++i) {
             double sum = 0;
             const int first = std::max(i - w + 1, 0);
-            for (int j = first; j <= i; ++j) sum += pts[static_cast<std::size_t>(j)].second;
-            value[pts[static_cast<std::size_t>(i)].first / (tf * 60) * (tf * 60)] = sum / (i - first + 1);
+            for (int j = first; j <= i; ++j) sum += pts[static_cast<std::size_t>(j)].laid;
+            const Minute& minute = pts[static_cast<std::size_t>(i)];
+            value[minute.time / (tf * 60) * (tf * 60)] = {sum / (i - first + 1), minute.close};
         }
     }
     const auto place = positions(bars);
     std::vector<OvPoint> points;
     for (const auto& [bar, v] : value)
-        if (place.contains(bar)) points.push_back({place.at(bar), v});
+        if (place.contains(bar)) points.push_back({place.at(bar), v.first, v.second});
     return points;
 }
 
-std::array<double, 6> numbers(const OvPoint& p) { return {p.idx, p.v}; }
+std::array<double, 6> numbers(const OvPoint& p) { return {p.idx, p.v, p.real}; }
 std::array<double, 6> numbers(const OvColorPoint& p) { return {p.idx, p.v, p.positive ? 1.0 : 0, p.base, p.hf}; }
 std::array<double, 6> numbers(const OvCandle& p) { return {p.idx, p.o, p.h, p.l, p.c, p.realC}; }
 
