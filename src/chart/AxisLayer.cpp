@@ -99,7 +99,8 @@ void AxisLayer::findPriceTicks(const ScreenFrame& frame) {
     std::size_t count = 0;
     for (const double value : priceTicks_.span()) {
         const double cents = value * 100.0;
-        const bool exact = std::abs(cents - std::round(cents)) < 0.01;  // else two labels could read the same
+        const double off = std::abs(cents - std::round(cents));
+        const bool exact = off < 0.01 && off < priceTicks_.step;  // else two labels could read the same
         if (exact) priceTicks_.values[count++] = value;
     }
     priceTicks_.count = count;

@@ -130,6 +130,11 @@ TEST_F(AxisLayerTest, LabelsNeverMeetEachOtherTheEdgesOrTheTag) {
     }
     EXPECT_GT(seen, 15000U);
     for (const char* place : {"below", "above", "first", "last", "none"}) EXPECT_GT(counted[place], 0) << place;
+
+    height = 700;
+    renderer.mirrorPrice(24627.499997955, 24627.500002044);
+    frame();
+    EXPECT_EQ(axes.labels().prices.size(), 1U) << "all others would read the same";
 }
 
 TEST_F(AxisLayerTest, TimesAreNamedAtTheStepThatFits) {
