@@ -33,7 +33,7 @@ struct Scene {
     std::vector<OverlayLine> lines;
     std::vector<PriceLevel> walls;
     std::vector<StrikeRow> strikes, secStrikes;
-    std::optional<double> flip;
+    std::optional<double> flip, marked;
     std::vector<BubblePt> bubbles;
     std::vector<TrianglePt> triangles;
     TradingLines account;
@@ -223,6 +223,11 @@ void showWalls(Scene& scene) {
                    {{}, "Put Wall 489", middlePrice - 50, 0.937, 0.325, 0.314}};
 }
 
+void showMarkedStrike(Scene& scene) {
+    scene.left = 0;
+    scene.marked = middlePrice / ratio + 1;
+}
+
 void showLevels(Scene& scene) {
     scene.lines = {{middlePrice + 40, firstTime, {}, "R1", false}, {middlePrice - 40, firstTime, {}, "S1", false}};
 }
@@ -236,7 +241,7 @@ void showPosition(Scene& scene) { scene.account.position = PositionLine{2, middl
 
 void showOrders(Scene& scene) {
     scene.account.orders = {{Uuid{{1}}, middlePrice - 45, true, 1, "LMT"},
-                            {Uuid{{2}}, middlePrice + 45, false, 1, "TP"}};
+                            {Uuid{{2}}, middlePrice + 45, false, 1, "LMT"}};
 }
 
 void showLegs(Scene& scene) {
@@ -298,12 +303,15 @@ constexpr std::array entries{
     Entry{{"dexBars", "DEX bars", "Net delta of each strike, from the left."}, showDeltaBars},
     Entry{{"walls", "Walls", "The strikes with the most gamma of calls and of puts, from the session's start."},
           showWalls},
+    Entry{{"markedStrike", "Marked strike", "The strike of the bar that was pressed in the 3D view."},
+          showMarkedStrike},
     Entry{{"levels", "Support and resistance", "R1, S1 and so on. Lines of one price share a label."}, showLevels},
     Entry{{"sessionLines", "Session lines", "The session's open, and high, low and close of the one before."},
           showSessionLines},
     Entry{{"position", "Position", "What the paper account holds, at its average price."}, showPosition},
     Entry{{"orders", "Working orders", "Drag one to change its price; the cross cancels it."}, showOrders},
-    Entry{{"orderTags", "Price of an order", "In its tag on the axis: green buys, red sells."}, showOrderTags},
+    Entry{{"orderTags", "Price of an order", "In its tag on the axis: green buys and targets, red sells and stops."},
+          showOrderTags},
     Entry{{"legs", "Planned stop and target", "What an order will get when it fills. They can be dragged as well."},
           showLegs},
     Entry{{"oscIndices", "Oscillator", "The instrument, ES and the VIX on one scale, minute by minute."}, showIndices},
@@ -377,6 +385,7 @@ struct MarkSamples::Sample {
                          .strikes = scene.strikes,
                          .etfRatio = ratio,
                          .flipStrike = scene.flip,
+                         .markedStrike = scene.marked,
                          .secStrikes = scene.secStrikes,
                          .secRatio = ratio,
                          .bubbles = scene.bubbles,

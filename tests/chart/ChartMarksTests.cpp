@@ -73,7 +73,7 @@ TEST_F(ChartMarksTest, EachSampleShowsItsMark) {
         {"walls", text},        {"levels", text},     {"sessionLines", dashed},
         {"position", text},     {"orders", text},     {"legs", text},
         {"axis", rounded},      {"watermark", text},  {"orderTags", rounded},
-        {"oscIndices", ribbon}, {"oscFlow", ribbon}};
+        {"oscIndices", ribbon}, {"oscFlow", ribbon},  {"markedStrike", rounded}};
     std::set<Paint> bare;  // what every sample has
     const auto marks = chartMarks();
     ASSERT_EQ(marks.size(), shapes.size() + 2);
@@ -116,6 +116,10 @@ TEST_F(ChartMarksTest, SamplesWearTheColoursOfTheSettings) {
             EXPECT_TRUE(colours(i < 3 ? "oscIndices" : "oscFlow").contains({shape, color.r, color.g, color.b})) << i;
     }
     EXPECT_TRUE(colours("gexBubbles").contains({Pipeline::disc, 51, 102, 153}));
+    for (const char* id : {"orders", "orderTags"})  // of both sides
+        EXPECT_TRUE(colours(id).contains({Pipeline::flat, 38, 166, 154}) &&
+                    colours(id).contains({Pipeline::flat, 239, 83, 80}))
+            << id;
 }
 
 }  // namespace
