@@ -8,6 +8,7 @@
 
 #include "base/Log.h"
 #include "model/AppModel.h"
+#include "model/SimDesk.h"
 #include "perf/Perf.h"
 #include "sim/SimEngine.h"
 #include "store/RecentSymbols.h"
@@ -48,7 +49,9 @@ ShellWindow::Views::Views(AppModel& pane, const WindowKit& kit, int window)
     setSettingsActions(kit);
 }
 
-void ShellWindow::Views::resetAccount(const WindowKit& kit) { kit.sim.resetAccount(model.config->simBalance); }
+void ShellWindow::Views::resetAccount(const WindowKit& kit) {
+    if (trading.mayChange()) kit.sim.resetAccount(model.config->simBalance);
+}
 
 void ShellWindow::Views::setSettingsActions(const WindowKit& kit) {
     PaneHost& panes = kit.windows.panes();
@@ -56,6 +59,7 @@ void ShellWindow::Views::setSettingsActions(const WindowKit& kit) {
         {.applyToAll = [this, &panes] { applyToAllPanes(panes, model); },
          .reset = [this] { resetSettings(model); },
          .resetAccount = [this, &kit] { resetAccount(kit); },
+         .accountQuestion = [this, &kit] { return simResetQuestion(kit.sim, model.config->simBalance); },
          .exportTo = [this, &kit](const std::string& file) { return kit.settings.exportTo(file, model).value_or(""); },
          .importFrom = [this,
                         &kit](const std::string& file) { return kit.settings.importFrom(file, model).value_or(""); }});

@@ -22,6 +22,7 @@
 #include "perf/Perf.h"
 #include "perf/PerfPinger.h"
 #include "services/cloud/UpdateChecker.h"
+#include "ui/platform/HeldKeys.h"
 #include "ui/platform/QtLoop.h"
 #include "ui/platform/UiSetup.h"
 #include "ui/platform/WindowPicture.h"
@@ -205,6 +206,7 @@ int runWindow(int& argc, char** argv, const WindowShellOptions& options, WindowS
     QGuiApplication::setQuitOnLastWindowClosed(false);  // the shell knows which window is the last
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
     Perf::shared().startUp("application");
+    const HeldKeys heldKeys(app);
     prepareUpdates();
     registerFonts();
     QtLoop loop;

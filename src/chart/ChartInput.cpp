@@ -47,7 +47,9 @@ const LineMarks& ChartInput::marks() {
 void ChartInput::mouseMoved(ChartPoint at) {
     const LineMarks::Hit hit = marks().hit(at.x, at.y);
     cursorOnRuler_ = plot().onPriceAxis(at.x) || (hit.mark && hit.mark->draggable());
-    const ChartCursor cursor = hit.closes       ? ChartCursor::pointingHand
+    const bool fixed = hit.mark && !trading->changeable();  // a press would do nothing
+    const ChartCursor cursor = fixed            ? ChartCursor::arrow
+                               : hit.closes     ? ChartCursor::pointingHand
                                : cursorOnRuler_ ? ChartCursor::resizeUpDown
                                                 : ChartCursor::arrow;
     if (std::exchange(cursor_, cursor) != cursor && onCursor) onCursor(cursor);

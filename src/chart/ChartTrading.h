@@ -57,8 +57,10 @@ class ChartTrading {
     virtual std::optional<double> stalePrice(const std::string& /*root*/) const { return std::nullopt; }
     virtual std::int64_t ticketQty() const = 0;
     virtual double roundTick(const std::string& root, double price) const = 0;
-    /// Whether the account can be changed now; where it cannot, the person is told why.
-    virtual bool mayChange() const { return true; }
+    /// Whether the account can be changed now.
+    virtual bool changeable() const { return true; }
+    /// The same, where a person wants to change it: where it cannot be, the person is told why.
+    virtual bool mayChange() const { return changeable(); }
 
     /// `side` "buy" or "sell", `type` "limit" or "stop".
     virtual void place(const std::string& root, std::string_view side, std::string_view type, double price) = 0;

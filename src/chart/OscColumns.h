@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <span>
 #include <utility>
@@ -29,12 +30,11 @@ class OscColumns {
                 flush();
                 begins_ = begins;
                 lowest_ = highest_ = {at, points[i].v};
-                end_ = first_ + (std::floor((at - first_) / barsAColumn_) + 1) * barsAColumn_;
+                if (at >= endOf(++column_) || begins) column_ = std::floor((at - first_) / barsAColumn_);
+                end_ = endOf(column_);
             }
-            const double left = std::ceil(end_ - at);  // of the column; at least one, whatever was rounded
             const std::size_t rest = points.size() - i;
-            const std::size_t count =
-                left < static_cast<double>(rest) ? static_cast<std::size_t>(std::max(left, 1.0)) : rest;
+            const std::size_t count = std::min(rest, barsUpTo(end_ - at));
             addToColumn(at, points.subspan(i, count));
             i += count;
         }
@@ -54,6 +54,13 @@ class OscColumns {
     };
     static constexpr double nothing = -std::numeric_limits<double>::infinity();
 
+    double endOf(double column) const { return first_ + (column + 1) * barsAColumn_; }
+    /// The bars that begin within so many; at least one, whatever was rounded. Rounded up by hand: without a call.
+    static std::size_t barsUpTo(double width) {
+        const auto whole = static_cast<std::int64_t>(std::min(width, 1e9));
+        return static_cast<std::size_t>(std::max<std::int64_t>(whole + (static_cast<double>(whole) < width), 1));
+    }
+
     void addToColumn(double bar, std::span<const OscPt> points) {
         double low = lowest_.value, high = highest_.value;
         std::size_t lowAt = points.size(), highAt = points.size();
@@ -70,6 +77,7 @@ class OscColumns {
 
     double first_, barsAColumn_;
     Pass pass_;
+    double column_ = 0;     ///< counted from the left edge
     double end_ = nothing;  ///< where the column ends, in bars
     Point lowest_, highest_;
     bool begins_ = false;

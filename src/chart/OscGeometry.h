@@ -137,8 +137,9 @@ struct Label {
 struct Labels {
     std::array<Label, oscSeries.size()> list{};
     std::size_t count = 0;
-    std::span<Label> span() { return {list.data(), count}; }
-    std::span<const Label> span() const { return {list.data(), count}; }
+    std::span<Label> span() & { return {list.data(), count}; }
+    std::span<const Label> span() const& { return {list.data(), count}; }
+    std::span<const Label> span() const&& = delete;
 };
 /// From top to bottom, moved apart.
 Labels labels(const OscContent& content, double height);

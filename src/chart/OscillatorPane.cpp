@@ -163,7 +163,8 @@ OscFacts OscillatorPane::facts(const OscInput& input, double height) {
         };
         if (range) eachPoint(pointsOf(input.content, i), input, *range, oscSeries[i].breaks, add);
     }
-    for (const Label& label : labels(input.content, height).span())
+    const Labels shown = labels(input.content, height);
+    for (const Label& label : shown.span())
         out.labels.push_back({std::string(valueText(label.value).text()), label.wanted, label.y});
     return out;
 }

@@ -29,8 +29,11 @@ SimDesk::SimDesk(SimEngine& engine, Preferences& preferences, const PaneWork& wo
 void SimDesk::accountChanged(SimEngine::Field field) {
     using Field = SimEngine::Field;
     switch (field) {
+        case Field::startBalance:  // which only another account has
+            ++replacements_;
+            raise(Part::account);
+            break;
         case Field::balance:
-        case Field::startBalance:
             raise(Part::account);
             break;
         case Field::positions:

@@ -38,6 +38,8 @@ class SimDesk {
     /// what moved on.
     std::uint64_t revision(Part part) const { return revisions_[static_cast<std::size_t>(part)]; }
     Signal<> changed;  ///< some revision has grown
+    /// Grows when the account is replaced as a whole: nothing of it follows from what was shown before.
+    std::uint64_t replacements() const { return replacements_; }
     /// To be called once a second while the panel shows: finds out what only the clock changes (`marketClosed`,
     /// `warning`, the day).
     void look();
@@ -118,6 +120,7 @@ class SimDesk {
     };
     Seen seen_;
     std::array<std::uint64_t, 7> revisions_{};
+    std::uint64_t replacements_ = 0;
     Connection account_;
 };
 

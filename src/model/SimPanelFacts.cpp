@@ -94,7 +94,10 @@ std::vector<SimDay> daysOf(const SimEngine& engine) {
 }  // namespace
 
 SimAccountFacts simAccountFacts(const SimEngine& engine) {
-    return {engine.balance(), engine.balance() + engine.totalUnrealized(), engine.dayPnL()};
+    const auto unpriced = std::ranges::count_if(
+        engine.positions(), [&](const auto& row) { return row.second.qty != 0 && !engine.last(row.first); });
+    return {engine.balance(), engine.balance() + engine.totalUnrealized(), engine.dayPnL(),
+            static_cast<std::size_t>(unpriced)};
 }
 
 std::vector<SimPositionRow> simPositionRows(const SimEngine& engine, const sim::SimTicket& ticket) {

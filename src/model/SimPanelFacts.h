@@ -12,6 +12,8 @@ namespace vmr {
 /// The account bar. Prices move them without a notice, as they do open results: read them once a second.
 struct SimAccountFacts {
     double balance = 0, equity = 0, dayPnL = 0;
+    std::size_t unpriced = 0;  ///< open positions that count for nothing, since their root has no price yet
+    bool operator==(const SimAccountFacts&) const = default;
 };
 SimAccountFacts simAccountFacts(const SimEngine& engine);
 

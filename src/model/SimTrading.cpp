@@ -52,7 +52,7 @@ std::size_t SimTrading::workingCount(const std::string& root) const {
 std::optional<double> SimTrading::last(const std::string& root) const { return engine_.last(root); }
 
 bool SimTrading::mayChange() const {
-    if (!engine_.heldElsewhere()) return true;
+    if (changeable()) return true;
     tell(engine_.problem());
     return false;
 }

@@ -24,6 +24,7 @@ class SimTrading final : public ChartTrading {
     std::optional<double> stalePrice(const std::string& root) const override { return engine_.stalePrice(root); }
     double roundTick(const std::string& root, double price) const override { return engine_.roundTick(root, price); }
 
+    bool changeable() const override { return !engine_.heldElsewhere(); }
     /// Not while another process has the account; nothing below then does anything but tell so.
     bool mayChange() const override;
     /// With the ticket's quantity and bracket.

@@ -1,4 +1,4 @@
-// The simulator's panel in the running program, driven by a real pointer and real keys; what its account did.
+// The simulator's panel in the running program, driven by real keys; what its account did.
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -12,13 +12,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr double toolbarHeight = 44, titleHeight = 34, tick = 0.25;
-// Places in the panel as it opens, from its left edge and from below its title; nothing is said over the ticket.
-constexpr double ticketTop = 64, marketRow = ticketTop + 131, limitRow = marketRow + 42, stopRow = limitRow + 60;
-constexpr double positionsTop = stopRow + 45, positionButtons = positionsTop + 80;
-constexpr double ordersTop = positionsTop + 122, firstOrder = ordersTop + 51;
-constexpr double buyMarket = 90, sellMarket = 270, priceField = 60, buy = 196, sell = 300;
-constexpr double firstButton = 45, secondButton = 115, cancelAll = 300, cancelFirst = 324;
+constexpr double tick = 0.25;
 
 class WindowSim : public DrivenWindow {
  protected:
@@ -37,13 +31,6 @@ class WindowSim : public DrivenWindow {
             if (one["tag"] == tag) return one;
         return {};
     }
-    /// A place in the panel, from its left edge and from below its title.
-    std::string in(double x, double y) {
-        const json frame = look()["panes"][0]["panels"]["frames"]["sim"];
-        EXPECT_TRUE(frame.is_array());
-        return to(frame[0].get<double>() + x, toolbarHeight + frame[1].get<double>() + titleHeight + y);
-    }
-    void click(double x, double y) { act(in(x, y) + " click 1"); }
     const json& panel() { return pane()["simPanel"]; }
     bool holds(std::int64_t qty) {
         return until([&](const json&) { return position()["qty"] == qty; });
@@ -82,58 +69,6 @@ TEST_F(WindowSim, ARoundTripIsMadeByKeysAlone) {
 
     act(" key --repeat 2 shift+Tab sleep 0.1 key Escape");  // in no order of Escape: it stays
     EXPECT_EQ(look()["panes"][0]["panels"]["open"]["sim"], true);
-}
-
-TEST_F(WindowSim, ThePointerTradesAndTheMarketClosesUnderIt) {
-    act(toTool("simPanel") + " click 1 sleep 0.3 key --repeat 40 alt+shift+Down");
-    ASSERT_TRUE(until([&](const json&) { return pane()["panels"]["frames"].value("sim", json{0, 0, 0, 0})[3] > 600; }));
-
-    click(buyMarket, marketRow);
-    ASSERT_TRUE(holds(1));
-    click(sellMarket, marketRow);
-    ASSERT_TRUE(holds(-1)) << "reversed";
-    EXPECT_EQ(order("SL")["side"], "buy");
-
-    click(priceField, limitRow);
-    act(" type '5000,25'");
-    click(buy, limitRow);
-    ASSERT_TRUE(works(3));
-    EXPECT_EQ(order("")["limitPrice"], 5000.25);
-    const auto through = std::lround(account()["lasts"]["NQ"].get<double>() * 1.008);
-    click(priceField, limitRow);
-    act(" key ctrl+a type " + std::to_string(through));
-    click(buy, limitRow);
-    ASSERT_TRUE(until([&](const json&) { return panel()["question"].is_string(); })) << "far through the market";
-    EXPECT_EQ(position()["qty"], -1);
-    act(" sleep 0.5");  // so that it is no double click
-    click(buy, limitRow);
-    ASSERT_TRUE(holds(0));
-    click(priceField, limitRow);
-    act(" key ctrl+a type 'x1'");
-    click(sell, limitRow);
-    EXPECT_TRUE(until([&](const json&) { return panel()["ticket"]["limit"]["wrong"] == true; }));
-    EXPECT_EQ(account()["orders"].size(), 1u);
-
-    click(sellMarket, marketRow);
-    ASSERT_TRUE(works(3));
-    EXPECT_EQ(panel()["rows"]["positions"][0]["addSl"], nullptr);
-    click(cancelAll, ordersTop + 18);
-    ASSERT_TRUE(works(0));
-    EXPECT_EQ(panel()["rows"]["positions"][0]["addSl"], "+ SL (40t)");
-    click(secondButton, positionButtons);
-    ASSERT_TRUE(works(1));
-    EXPECT_EQ(order("SL")["stopPrice"], position()["avg"].get<double>() + 40 * tick);
-    click(cancelFirst, firstOrder);
-    ASSERT_TRUE(works(0));
-
-    program_->ask("clock set 2026-06-10T16:59:58");
-    ASSERT_TRUE(until([&](const json&) { return panel()["marketClosed"] == true; }));
-    act(" sleep 1");
-    const json fills = look()["sim"]["fills"];
-    click(buyMarket, marketRow);
-    click(firstButton, positionButtons - (positionsTop - ticketTop - 82));  // the cards have moved up
-    EXPECT_TRUE(until([&](const json&) { return panel()["notice"] == "Market closed — position kept"; }));
-    EXPECT_EQ(account()["fills"], fills) << "the ticket is gone";
 }
 
 TEST_F(WindowSim, TradesAreListedSortedExportedAndLost) {

@@ -36,18 +36,43 @@ class WindowTrading : public DrivenWindow {
     std::string at(std::size_t pane, const json& box) {
         return at(pane, box[0].get<double>() + 5, box[1].get<double>() + box[3].get<double>() / 2);
     }
+    std::string held_;  // where the hand goes next
     const json& trading(std::size_t pane) { return state_["panes"][pane]["trading"]; }
-    // The line of that kind and, with it, that the other pane shows the same one.
-    json line(std::size_t pane, const char* kind) {
+    // The line of that kind whose text begins so; null where there is none.
+    json line(std::size_t pane, const char* kind, const char* text = "") {
+        if (!trading(pane).is_object()) return {};
         for (const json& one : trading(pane)["lines"])
-            if (one["kind"] == kind) return one;
+            if (one["kind"] == kind && one["text"].get<std::string>().starts_with(text)) return one;
         return {};
     }
-    bool bothShow(const char* kind, const json& price) {
-        return line(0, kind).is_object() && line(1, kind).is_object() && line(0, kind)["price"] == price &&
-               line(1, kind)["price"] == price && line(0, kind)["id"] == line(1, kind)["id"];
+    bool bothShow(const char* kind, const json& price, const char* text = "") {
+        const json one = line(0, kind, text), other = line(1, kind, text);
+        return one.is_object() && other.is_object() && one["price"] == price && other["price"] == price &&
+               one["id"] == other["id"];
     }
     const json& orders() { return state_["sim"]["orders"]; }
+    // Takes hold of a line by its badge or its tag and drags it down by so much.
+    void take(std::size_t pane, const char* part, double by, const char* kind, const char* text = "") {
+        ASSERT_TRUE(until([&](const json&) {
+            const json one = line(pane, kind, text);
+            return one.is_object() && one[part].is_array();
+        })) << kind
+            << " " << text;
+        const json box = line(pane, kind, text)[part];
+        const double x = box[0].get<double>() + 5, y = box[1].get<double>() + box[3].get<double>() / 2;
+        act(at(pane, x, y) + " mousedown 1" + at(pane, x, y + by / 2) + at(pane, x, y + by));
+        held_ = at(pane, x, y + by + 40);
+    }
+    bool drags(std::size_t pane) {
+        return until([&](const json&) { return trading(pane).is_object() && trading(pane)["drag"].is_string(); });
+    }
+    // The drag is over, and what the pointer still does until it lets go changes no order.
+    void expectLost(std::size_t pane) {
+        ASSERT_TRUE(until([&](const json&) { return trading(pane).is_object() && trading(pane)["drag"].is_null(); }));
+        const json before = orders();
+        act(held_ + " mouseup 1 sleep 0.2");
+        EXPECT_EQ(look()["sim"]["orders"], before);
+    }
 };
 
 TEST_F(WindowTrading, AnOrderIsPlacedDraggedTakenBackAndClosedInBothPanes) {
@@ -82,6 +107,68 @@ TEST_F(WindowTrading, AnOrderIsPlacedDraggedTakenBackAndClosedInBothPanes) {
     EXPECT_TRUE(until([&](const json&) {
         return orders().empty() && trading(0)["lines"].empty() && trading(1)["lines"].empty();
     })) << orders();
+}
+
+// A planned leg, then the stop and the target that come of it: by the badge and by the tag, in either pane.
+TEST_F(WindowTrading, PlannedLegsAndTheStopAndTheTargetAreDragged) {
+    const double last = look()["sim"]["lasts"]["NQ"];
+    program_->ask("order NQ buy limit 1 limit=" + std::to_string(last - 10) + " sl=40 tp=60");
+    const auto planned = [&](const char* leg) { return orders()[0]["bracket"][leg].get<int>(); };
+    take(1, "badge", 20, "leg", "SL");
+    EXPECT_TRUE(until([&](const json&) { return planned("slTicks") > 40; })) << orders();
+    act(" mouseup 1");
+    take(0, "tag", 10, "leg", "TP");
+    EXPECT_TRUE(until([&](const json&) { return planned("tpTicks") < 60; })) << orders();
+    act(" windowfocus --sync $W key Escape mouseup 1");
+    EXPECT_TRUE(until([&](const json&) { return planned("tpTicks") == 60; })) << "taken back";
+    const json leg = line(0, "leg", "SL")["price"];
+    EXPECT_TRUE(bothShow("leg", leg, "SL"));
+    EXPECT_EQ(leg, orders()[0]["limitPrice"].get<double>() - planned("slTicks") * tick);
+
+    program_->ask("order NQ buy market 1 sl=40 tp=60");
+    ASSERT_TRUE(until([&](const json&) { return orders().size() == 3; }));
+    for (const bool target : {false, true}) {
+        SCOPED_TRACE(target);
+        const char *text = target ? "TP" : "SL", *price = target ? "limitPrice" : "stopPrice";
+        const auto now = [&] { return orders()[target ? 2 : 1][price].get<double>(); };
+        const double before = now();
+        take(target, "tag", 15, "order", text);
+        EXPECT_TRUE(until([&](const json&) { return now() < before && bothShow("order", now(), text); })) << orders();
+        act(" windowfocus --sync $W key Escape mouseup 1");
+        EXPECT_TRUE(until([&](const json&) { return now() == before && bothShow("order", before, text); }));
+        take(1 - target, "badge", 15, "order", text);
+        act(" mouseup 1");
+        EXPECT_TRUE(until([&](const json&) { return now() < before && bothShow("order", now(), text); })) << orders();
+    }
+}
+
+TEST_F(WindowTrading, ADragEndsWithItsChartItsOrderAndItsContract) {
+    const auto enter = [&] {
+        const double last = look()["sim"]["lasts"]["NQ"];
+        program_->ask("order NQ buy limit 1 limit=" + std::to_string(last - 10));
+    };
+    enter();
+    take(0, "badge", 10, "order", "BUY");
+    ASSERT_TRUE(drags(0));
+    program_->ask("symbol ES");  // in the pane that has the hand
+    expectLost(0);
+    program_->ask("symbol NQ");
+
+    take(0, "badge", -300, "order", "BUY");  // through the market
+    ASSERT_TRUE(drags(0));
+    program_->ask("clock resume");
+    ASSERT_TRUE(until([](const json& state) { return state["sim"]["positions"].contains("NQ"); })) << orders();
+    program_->ask("clock pause");
+    expectLost(0);
+
+    enter();
+    take(1, "tag", 8, "order", "BUY");
+    ASSERT_TRUE(drags(1));
+    program_->ask("relay contract NQ NQU6");
+    program_->ask("clock resume");
+    ASSERT_TRUE(until([](const json& state) { return state["sim"]["contracts"]["NQ"] == "NQU6"; }));
+    program_->ask("clock pause");
+    expectLost(1);
 }
 
 TEST_F(WindowTrading, APositionTellsItsResultAndAChartWithoutSimulatorShowsNothing) {

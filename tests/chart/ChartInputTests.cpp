@@ -118,15 +118,19 @@ TEST_F(InputTest, PointerReportsKeepThePaceAndTheCursorDoesNot) {
                      {{id(1), "SL", 20980}}};
     const double edge = 1400 - 74 - 208 - 80;
     EXPECT_EQ(LineMarks::closeMarkEdge(width), edge);
-    for (const auto& [place, shown, ruler] : {std::tuple{ChartPoint{400, 100}, arrow, false},
-                                              {ChartPoint{width - 74, 100}, resizeUpDown, true},
-                                              {at(400, 21040), resizeUpDown, true},
-                                              {{400, height - 22}, arrow, false},
-                                              {{400, height - 23}, resizeUpDown, true},
-                                              {at(edge, 21040), pointingHand, true},
-                                              {at(400, 20980), resizeUpDown, true},
-                                              {at(edge, 21000), pointingHand, false},
-                                              {at(400, 21000), arrow, false}}) {
+    for (const auto& [place, shown, ruler, readOnly] : {std::tuple{ChartPoint{400, 100}, arrow, false, false},
+                                                        {ChartPoint{width - 74, 100}, resizeUpDown, true, false},
+                                                        {at(400, 21040), resizeUpDown, true, false},
+                                                        {{400, height - 22}, arrow, false, false},
+                                                        {{400, height - 23}, resizeUpDown, true, false},
+                                                        {at(edge, 21040), pointingHand, true, false},
+                                                        {at(400, 20980), resizeUpDown, true, false},
+                                                        {at(400, 20980), arrow, true, true},
+                                                        {{width - 74, 100}, resizeUpDown, true, true},
+                                                        {at(edge, 21040), arrow, true, true},
+                                                        {at(edge, 21000), pointingHand, false, false},
+                                                        {at(400, 21000), arrow, false, false}}) {
+        trading.readOnly = readOnly;
         input.mouseMoved(place);
         EXPECT_EQ(cursor, shown);
         EXPECT_EQ(input.cursorOnRuler(), ruler);

@@ -2,6 +2,7 @@
 #include "chart/ChartMarks.h"
 #include "chart/OscGeometry.h"
 
+#include <cstring>
 #include <map>
 #include <set>
 #include <tuple>
@@ -23,15 +24,28 @@ struct ChartMarksTest : RecordedScene {
 
     bool draw() override { return false; }
 
-    template <class Vertex, class PlaceOf>
-    void read(const RecordedFrames::DrawCall& call, Drawn& out, double x, double y, PlaceOf placeOf) {
+    template <class Vertex>
+    void read(const RecordedFrames::DrawCall& call, Drawn& out, double x, double y) {
         for (const Vertex& vertex : recorded.vertices<Vertex>(call)) {
-            const auto place = recorded.screen(call, placeOf(vertex)[0], placeOf(vertex)[1]);
+            float at[2];  // every kind begins with its place
+            std::memcpy(at, &vertex, sizeof at);
+            const auto place = recorded.screen(call, at[0], at[1]);
             out.places.push_back({place[0] - x, place[1] - y});
             if (place[0] < x || place[0] > x + MarkSamples::width || place[1] < y || place[1] > y + MarkSamples::height)
                 continue;
             out.inside.insert({call.pipeline, vertex.color.r, vertex.color.g, vertex.color.b});
         }
+    }
+    void readAny(const RecordedFrames::DrawCall& call, Drawn& out, double x, double y) {
+        using enum Pipeline;
+        const auto is = [&](std::initializer_list<Pipeline> any) { return std::ranges::count(any, call.pipeline) > 0; };
+        if (is({flat})) read<ChartVertex>(call, out, x, y);
+        if (is({text})) read<TextVertex>(call, out, x, y);
+        if (is({box})) read<BoxVertex>(call, out, x, y);
+        if (is({rounded})) read<RoundVertex>(call, out, x, y);
+        if (is({candle, dense, crowded})) read<CandleVertex>(call, out, x, y);
+        if (is({ribbon, dashed})) read<LineVertex>(call, out, x, y);
+        if (is({disc, triangle})) read<MarkerVertex>(call, out, x, y);
     }
     Drawn show(std::size_t mark, double x = cellX, double y = cellY) {
         gpu.beginFrame(frameWidth, frameHeight, pixelRatio);
@@ -42,36 +56,7 @@ struct ChartMarksTest : RecordedScene {
         for (const auto& call : recorded.draws) {
             EXPECT_TRUE(call.clip.left >= x && call.clip.top >= y && call.clip.right <= x + MarkSamples::width &&
                         call.clip.bottom <= y + MarkSamples::height);
-            if (call.opaque) continue;
-            const auto position = [](const auto& v) { return v.position; };
-            const auto corner = [](const auto& v) { return v.corner; };
-            switch (call.pipeline) {
-                case Pipeline::flat:
-                    read<ChartVertex>(call, out, x, y, position);
-                    break;
-                case Pipeline::text:
-                    read<TextVertex>(call, out, x, y, position);
-                    break;
-                case Pipeline::box:
-                    read<BoxVertex>(call, out, x, y, corner);
-                    break;
-                case Pipeline::rounded:
-                    read<RoundVertex>(call, out, x, y, corner);
-                    break;
-                case Pipeline::candle:
-                case Pipeline::dense:
-                case Pipeline::crowded:
-                    read<CandleVertex>(call, out, x, y, corner);
-                    break;
-                case Pipeline::ribbon:
-                case Pipeline::dashed:
-                    read<LineVertex>(call, out, x, y, [](const auto& v) { return v.pos; });
-                    break;
-                case Pipeline::disc:
-                case Pipeline::triangle:
-                    read<MarkerVertex>(call, out, x, y, [](const auto& v) { return v.center; });
-                    break;
-            }
+            if (!call.opaque) readAny(call, out, x, y);
         }
         return out;
     }

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
 
 namespace vmr::test {
 namespace {
@@ -50,44 +49,6 @@ TEST(LabelLayout, TheLesserTextStepsAsideOrFades) {
             EXPECT_NEAR(placed.opacity > 0 ? placed.y : -1, places[i], 1e-9) << i;
         }
     }
-}
-
-TEST(LabelLayout, RandomTextsNeverOverlapNorLeaveTheirPrice) {
-    std::mt19937 random(11);
-    const auto between = [&](double lo, double hi) { return std::uniform_real_distribution(lo, hi)(random); };
-    LabelLayout layout;
-    std::size_t moved = 0, shown = 0;
-    for (int round = 0; round < 400 && !testing::Test::HasFailure(); ++round) {
-        const double height = between(60, 900);
-        const int count = static_cast<int>(between(2, 60));
-        layout.clear();
-        for (int i = 0; i < count; ++i) {
-            const double left = between(0, 300);
-            layout.add({.left = left,
-                        .right = left + between(20, 160),
-                        .height = i % 3 == 0 ? 18.0 : 16.0,
-                        .wantedY = between(-20, height + 20),
-                        .rank = static_cast<LabelRank>(i % 6),
-                        .fixed = i % 9 == 4});
-        }
-        layout.arrange(0, height);
-        const auto boxes = layout.boxes();
-        for (std::size_t i = 0; i < boxes.size(); ++i) {
-            const LabelBox& a = boxes[i];
-            if (a.fixed || !(a.opacity > 0)) continue;
-            ++shown;
-            if (a.y != a.wantedY) ++moved;
-            EXPECT_TRUE(a.top() >= 0 && a.bottom() <= height) << round;
-            EXPECT_LT(std::abs(a.y - a.wantedY), LabelLayout::reach) << round;
-            for (std::size_t j = 0; j < boxes.size(); ++j) {
-                const LabelBox& b = boxes[j];
-                if (i == j || !(b.opacity > 0) || a.right <= b.left || b.right <= a.left) continue;
-                EXPECT_TRUE(a.bottom() <= b.top() || b.bottom() <= a.top()) << round << ": " << i << " and " << j;
-            }
-        }
-    }
-    EXPECT_GT(moved, 1000U);
-    EXPECT_GT(shown, moved);
 }
 
 }  // namespace

@@ -51,60 +51,41 @@ struct PillLayerTest : RecordedScene {
 };
 
 TEST_F(PillLayerTest, EachSeriesWithAPointInViewHasItsPill) {
-    const auto line = [&](double value) { return std::vector<OvPoint>{{200, value}, {250.5, value}, {299, value}}; };
     OverlaySet& series = data.series;
-    const auto clear = [&] { series = {}; };
-    struct Case {
+    const auto line = [](double value) { return std::vector<OvPoint>{{200, value}, {250.5, value}, {299, value}}; };
+    const auto flow = [&](double hf) { return std::vector<OvColorPoint>{{299, close, hf >= 0, close, hf}}; };
+    const std::vector<OvCandle> pair{{299, close, close, close, close, 6986.5}};
+    const auto price = [](double value) { return std::string(AxisScale::fmtPrice(value).text()); };
+    using Bytes = std::array<int, 4>;
+    constexpr int opacity = 217;  // of 255
+    constexpr Bytes black{0, 0, 0, 255}, white{255, 255, 255, 255}, orange{255, 122, 0, 255};
+    constexpr Bytes gold{255, 215, 0, opacity}, paleGold{255, 230, 128, opacity}, teal{90, 209, 191, opacity};
+    constexpr Bytes blue{0, 80, 160, opacity}, red{160, 40, 40, opacity}, brown{90, 45, 5, opacity};
+    const struct {
         const char* name;
         std::function<void()> change;
         std::string text;  // empty: none
-        std::array<int, 4> fill{}, letters{};
-    };
-    constexpr int opacity = 217;  // of 255
-    constexpr std::array<int, 4> black{0, 0, 0, 255}, white{255, 255, 255, 255}, gold{255, 215, 0, opacity},
-        teal{90, 209, 191, opacity};
-    const Case cases[] = {
-        {"nothing", [] {}, "", {}, {}},
-        {"VWAP", [&] { series.vwapMain = line(close); }, "VWAP " + std::string(AxisScale::fmtPrice(close).text()), gold,
-         black},
-        {"without its value", [&] { series.vwapMain = line(close), data.style.lineRates = false; }, "VWAP", gold,
-         black},
-        {"of New York", [&] { series.vwapNY = line(close); }, "VWAP NY", {255, 230, 128, opacity}, black},
-        {"and its value",
-         [&] { series.vwapNY = line(21000), data.style.lineRates = true; },
-         "VWAP NY 21,000.00",
-         {255, 230, 128, opacity},
-         black},
-        {"flow in",
-         [&] {
-             series.hfLine = {{299, close, true, close, 12345}};
-         },
-         "HF 12.3K",
-         {0, 80, 160, opacity},
-         white},
-        {"flow out",
-         [&] {
-             series.hfLine = {{299, close, false, close, -1.5e6}};
-         },
-         "HF -1.50M",
-         {160, 40, 40, opacity},
-         white},
+        Bytes fill{}, letters{};
+        bool values = true;
+    } cases[] = {
+        {"nothing", [] {}, ""},
+        {"VWAP", [&] { series.vwapMain = line(close); }, "VWAP " + price(close), gold, black},
+        {"without its value", [&] { series.vwapMain = line(close); }, "VWAP", gold, black, false},
+        {"of New York", [&] { series.vwapNY = line(close); }, "VWAP NY", paleGold, black, false},
+        {"and its value", [&] { series.vwapNY = line(21000); }, "VWAP NY 21,000.00", paleGold, black},
+        {"flow in", [&] { series.hfLine = flow(12345); }, "HF 12.3K", blue, white},
+        {"flow out", [&] { series.hfLine = flow(-1.5e6); }, "HF -1.50M", red, white},
         {"VIX", [&] { series.vixLine = line(close), series.vixSpot = 16.625; }, "VIX 16.62 30D", teal, white},
         {"VIX without a close", [&] { series.vixLine = line(close); }, "VIX -- 30D", teal, white},
-        {"the pair's own close",
-         [&] {
-             series.secondCandles = {{299, close, close, close, close, 6986.5}};
-         },
-         "ES 6,986.50",
-         {90, 45, 5, opacity},
-         {255, 122, 0, 255}},
-        {"averages have none", [&] { series.ema1 = series.ema2 = line(close); }, "", {}, {}},
-        {"out of the prices in view", [&] { series.vwapMain = line(close + 9000); }, "", {}, {}},
-        {"no number", [&] { series.vwapMain = line(NAN); }, "", {}, {}},
+        {"the pair's own close", [&] { series.secondCandles = pair; }, "ES 6,986.50", brown, orange},
+        {"averages have none", [&] { series.ema1 = series.ema2 = line(close); }, ""},
+        {"out of the prices in view", [&] { series.vwapMain = line(close + 9000); }, ""},
+        {"no number", [&] { series.vwapMain = line(NAN); }, ""},
     };
-    for (const auto& [name, change, text, fill, letters] : cases) {
+    for (const auto& [name, change, text, fill, letters, values] : cases) {
         SCOPED_TRACE(name);
-        clear();
+        series = {};
+        data.style.lineRates = values;
         change();
         show();
         if (text.empty()) {
@@ -114,7 +95,7 @@ TEST_F(PillLayerTest, EachSeriesWithAPointInViewHasItsPill) {
         ASSERT_THAT(texts(true), ElementsAre(text));
         const Mark mark = marks(true)[0];
         const auto bytes = [](const Rgba& color) {
-            std::array<int, 4> out{};
+            Bytes out{};
             std::ranges::transform(color, out.begin(), [](float c) { return static_cast<int>(std::lround(c * 255)); });
             return out;
         };

@@ -258,16 +258,11 @@ TEST(AxisScale, TimesOnHalfHours) {
 }
 
 TEST(AxisScale, PricesAreGrouped) {
-    for (const auto& [price, text] : {std::pair(0.0, "0.00"),
-                                      {-0.001, "0.00"},
-                                      {999.99, "999.99"},
-                                      {999.999, "1,000.00"},
-                                      {-1234.5, "-1,234.50"},
-                                      {1234567.891, "1,234,567.89"},
-                                      {NAN, "--"},
-                                      {HUGE_VAL, "--"},
-                                      {1e15, "1.00e+15"}})
-        EXPECT_EQ(AxisScale::fmtPrice(price).text(), text);
+    const std::pair<double, const char*> prices[] = {
+        {0, "0.00"},           {-0.001, "0.00"},       {999.99, "999.99"},
+        {999.999, "1,000.00"}, {-1234.5, "-1,234.50"}, {1234567.891, "1,234,567.89"},
+        {NAN, "--"},           {HUGE_VAL, "--"},       {1e15, "1.00e+15"}};
+    for (const auto& [price, text] : prices) EXPECT_EQ(AxisScale::fmtPrice(price).text(), text);
 }
 
 TEST(BarLabelLayerTest, TextsNeverMeetNorLeaveThePlot) {

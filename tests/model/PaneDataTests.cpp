@@ -294,7 +294,8 @@ TEST_F(PaneOpening, NothingOfTheFormerChartIsLeft) {
     EXPECT_THAT(model->oscillator.oscLines->nq, ElementsAre(OscPt{minute + 60, 2})) << "its own minute alone";
 }
 
-// What of a chart is looked at again when a setting changes.
+// What of a chart is looked at again when a setting changes. A plot that is drawn by the processor shows new data at
+// leisure, and what a hand does at once.
 TEST_F(PaneOpening, ASettingRaisesWhatDependsOnIt) {
     AppModel& pane = openSymbol("NQ");
     snapshot("futures:NQM6", flatBars(minute - 6000, 101));
@@ -304,7 +305,10 @@ TEST_F(PaneOpening, ASettingRaisesWhatDependsOnIt) {
         bool look, overlays;
     } cases[] = {{"oscHeight", "300", false, false},
                  {"ema1Color", R"("#123456")", true, false},
+                 {"gexOpacity", "30", true, false},
+                 {"lineOpacity", "30", true, false},
                  {"ema1Enabled", "true", true, true},
+                 {"vwapEnabled", "false", true, true},
                  {"sessionStart", "930", true, true},
                  {"hfScaleBySymbol", R"({"AAPL":3})", false, false},
                  {"hfScaleBySymbol", R"({"NQ":3})", true, true}};
@@ -321,6 +325,10 @@ TEST_F(PaneOpening, ASettingRaisesWhatDependsOnIt) {
         EXPECT_EQ(std::exchange(rebuilt, 0), c.overlays ? 1 : 0) << c.key << c.value;
         EXPECT_EQ(after.candles, before.candles) << c.key;
     }
+    const auto look = pane.chartContent().revisions.look;
+    pane.applyTrade(150, time.now() * 1000);
+    time.advance(1);
+    EXPECT_EQ(std::pair(pane.chartContent().revisions.look, rebuilt), std::pair(look, 1)) << "new data is no look";
 }
 
 }  // namespace

@@ -159,20 +159,24 @@ TEST_F(PaneSessions, ASignInThatWasGivenUpLeavesTheFormToTheNextOne) {
     make();
     http.responder = nullptr;
     std::vector<bool> results;
-    const auto start = [&] { model->signIn("a@b.c", "p", true, [&](bool worked) { results.push_back(worked); }); };
+    const auto start = [&](const char* who) {
+        model->signIn(who, "p", true, [&](bool worked) { results.push_back(worked); });
+    };
     model->session.cancelSignIn();  // without one under way
-    start();
+    start("first@b.c");
     model->session.cancelSignIn();
     EXPECT_FALSE(model->session.signingIn);
-    start();
+    start("second@b.c");
     http.answer(grant());
     time.runUntilIdle();
     EXPECT_TRUE(model->session.signingIn) << "the late answer is the first one's";
     EXPECT_FALSE(model->session.isSignedIn);
     EXPECT_EQ(model->session.authError.get(), std::nullopt);
+    EXPECT_FALSE(auth.refreshToken || preferences.get(FirebaseRESTAuth::refreshTokenKey)) << "nor is it kept";
     http.answer(grant());
     time.runUntilIdle();
     EXPECT_TRUE(model->session.isSignedIn && !model->session.signingIn);
+    EXPECT_EQ(auth.email, "second@b.c");
     EXPECT_EQ(results, (std::vector{false, true}));
 }
 

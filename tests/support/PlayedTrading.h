@@ -18,6 +18,7 @@ struct PlayedTrading : ChartTrading {
     double tick = 0.25;
     double openResult = 0;
     bool readOnly = false;
+    mutable int reads = 0;  ///< of the result
     std::vector<std::string> done;
 
     template <class... Parts>
@@ -31,13 +32,13 @@ struct PlayedTrading : ChartTrading {
         out = shown;
         out.tick = tick;
     }
-    double unrealized(const std::string&) const override { return openResult; }
+    double unrealized(const std::string&) const override { return ++reads, openResult; }
     std::size_t workingCount(const std::string&) const override { return shown.orders.size(); }
     std::optional<double> last(const std::string&) const override { return lastPrice; }
     std::optional<double> stalePrice(const std::string&) const override { return staleAge; }
     std::int64_t ticketQty() const override { return 2; }
     double roundTick(const std::string&, double price) const override { return std::round(price / tick) * tick; }
-    bool mayChange() const override { return !readOnly; }
+    bool changeable() const override { return !readOnly; }
     void place(const std::string& root, std::string_view side, std::string_view type, double price) override {
         note("place", root, side, type, price);
     }

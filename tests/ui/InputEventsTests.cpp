@@ -252,6 +252,17 @@ TEST_F(ChartItemInput, ThePositionsResultChangesWithoutAFrame) {
     }
     EXPECT_TRUE(pill.isVisible());
     EXPECT_EQ(chart->framesDrawn(), frames);
+    ui.window->hide();
+    EXPECT_TRUE(runUntil([&] {
+        const int before = ui.account.reads;
+        runFor(300);
+        return ui.account.reads == before;
+    })) << "nobody sees it";
+    ui.account.openResult = 20;
+    ui.window->show();
+    EXPECT_TRUE(runUntil([&] { return pill.property("text") == QLatin1String("+20.00"); }));
+    ui.account.openResult = 40;
+    EXPECT_TRUE(runUntil([&] { return pill.property("text") == QLatin1String("+40.00"); }));
     ui.account.shown.position.reset();
     ui.view.chart.tellAccountChanged();
     EXPECT_TRUE(runUntil([&] { return !pill.isVisible(); }));

@@ -1,5 +1,4 @@
 // Actions, their keys, and whom a key is for.
-#include <map>
 #include <set>
 
 #include "tests/workspace/LivePanes.h"
@@ -12,15 +11,10 @@ namespace {
 
 TEST(KeyChord, HasOneTextForEachKey) {
     for (const char* same : {"G", "$", "é", "+"}) EXPECT_EQ(parseChord(same), same);
-    for (const auto& [typed, text] : {std::pair("g", "G"),
-                                      {"shift+$", "$"},
-                                      {"ctrl+,", "Ctrl+,"},
-                                      {"Shift+CTRL+s", "Ctrl+Shift+S"},
-                                      {"ctrl++", "Ctrl++"},
-                                      {"f11", "F11"},
-                                      {"shift+tab", "Shift+Tab"},
-                                      {"control+pageup", "Ctrl+PageUp"}})
-        EXPECT_EQ(parseChord(typed), text) << typed;
+    const std::pair<const char*, const char*> chords[] = {
+        {"g", "G"},           {"shift+$", "$"}, {"ctrl+,", "Ctrl+,"},       {"Shift+CTRL+s", "Ctrl+Shift+S"},
+        {"ctrl++", "Ctrl++"}, {"f11", "F11"},   {"shift+tab", "Shift+Tab"}, {"control+pageup", "Ctrl+PageUp"}};
+    for (const auto& [typed, text] : chords) EXPECT_EQ(parseChord(typed), text) << typed;
     for (const char* none : {"F25", "F0", "ctrl+", "", " ", "gg", "hyper+g", "\x01"})
         EXPECT_EQ(parseChord(none), std::nullopt) << none;
     EXPECT_EQ(chordLabel("Ctrl+Shift+S", true), "⌘⇧S");
@@ -116,15 +110,10 @@ TEST(ActionSearch, PutsTheBestRowFirst) {
     const std::vector<std::string> rows{"GEX Bars",           "DEX Bars", "GEX Dominance",
                                         "Keyboard shortcuts", "NQ NQU6",  "Zoom"};
     const std::vector<std::size_t> all{0, 1, 2, 3, 4, 5};
-    for (const auto& [typed, found] : std::map<std::string, std::vector<std::size_t>>{{"", all},
-                                                                                      {"  ", all},
-                                                                                      {"gex", {0, 2}},
-                                                                                      {"bars d", {1}},
-                                                                                      {"DOM", {2}},
-                                                                                      {"nq", {4}},
-                                                                                      {"board", {3}},
-                                                                                      {"bar", {0, 1}}})
-        EXPECT_EQ(searchRows(typed, rows), found) << typed;
+    const std::pair<const char*, std::vector<std::size_t>> searches[] = {
+        {"", all},    {"  ", all}, {"gex", {0, 2}}, {"bars d", {1}},
+        {"DOM", {2}}, {"nq", {4}}, {"board", {3}},  {"bar", {0, 1}}};
+    for (const auto& [typed, found] : searches) EXPECT_EQ(searchRows(typed, rows), found) << typed;
     for (const char* none : {"oa", "qq", "u6"}) EXPECT_TRUE(searchRows(none, rows).empty()) << none;
 }
 

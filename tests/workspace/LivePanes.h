@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/AsioLoop.h"
 #include "base/Preferences.h"
@@ -17,6 +18,7 @@
 #include "services/net/CurlHttpClient.h"
 #include "sim/SimEngine.h"
 #include "workspace/PaneHost.h"
+#include "workspace/ShellCommands.h"
 
 namespace vmr::test {
 
@@ -65,6 +67,15 @@ class LivePanes : public testing::Test {
     }
     bool streaming(int pane) { return host->find(pane)->session.connected && !host->find(pane)->bars.candles.empty(); }
 
+    /// What a shell over the panes needs.
+    ShellSurroundings shell() {
+        const auto hear = [this](const std::string& line) {
+            EXPECT_TRUE(line.starts_with("[cmd] ")) << line;
+            answers.push_back(line.substr(6));
+        };
+        return {*host, sim, hear, [] {}, [](const std::string&) { return std::nullopt; }, {}, {}};
+    }
+
     SteerableClock clock{1781100030, 1};  // Wednesday 2026-06-10, 10:00:30 New York
     relay::PracticeRelay relay{clock, {}};
     AsioLoop loop;
@@ -77,6 +88,7 @@ class LivePanes : public testing::Test {
     std::unique_ptr<FirebaseRESTAuth> auth;
     SimEngine sim{SimSetup{clock, session, UuidSource(2), nullptr, nullptr, nullptr, {}, {}}};
     std::unique_ptr<PaneHost> host;
+    std::vector<std::string> answers;  // of the shell, without their mark
 };
 
 }  // namespace vmr::test

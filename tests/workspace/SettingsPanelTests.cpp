@@ -158,32 +158,6 @@ TEST_F(SettingsEditing, TheScaleIsThatOfTheSymbolShown) {
     EXPECT_EQ(model->config->hfScaleBySymbol, (std::map<std::string, double>{{"ES", 0.7}}));
 }
 
-// A plot that is drawn by the processor shows new data at leisure, and what a hand does at once.
-TEST_F(SettingsEditing, OnlyASettingOfTheSeriesRebuildsThemAndIsShownAsALook) {
-    snapshot(model->channels->chartChannel, flatBars(minute - 600, 11));
-    model->applyTrade(101, time.now() * 1000);
-    time.advance(1);
-    auto news = [&, look = model->chartContent().revisions.look, series = model->overlays.revision()]() mutable {
-        time.advance(1);
-        const auto now = model->chartContent().revisions;
-        const bool looks = now.look != std::exchange(look, now.look);
-        return std::pair(looks, model->overlays.revision() != std::exchange(series, model->overlays.revision()));
-    };
-    news();
-    editor->set("vwapEnabled", false);
-    EXPECT_EQ(news(), std::pair(true, true));
-    for (const char* name : {"gexOpacity", "lineOpacity"}) {
-        editor->set(name, 30.0);
-        EXPECT_EQ(news(), std::pair(true, false)) << name;
-    }
-    editor->set("oscHeight", 300.0);
-    EXPECT_EQ(news(), std::pair(false, false));
-    editor->set("ema1Enabled", true);
-    news();
-    model->applyTrade(150, time.now() * 1000);
-    EXPECT_EQ(news(), std::pair(false, true)) << "new data";
-}
-
 TEST_F(SettingsEditing, AnotherSourceIsShownAtOnce) {
     const std::string first = model->channels->levelsChannel;
     editor->set("gexSource", "INDEX");
@@ -205,19 +179,11 @@ TEST_F(SettingsEditing, AnotherSourceIsShownAtOnce) {
 
 TEST_F(SettingsEditing, TakesNothingThatASettingCannotHold) {
     const GexConfig before = model->config;
-    for (const auto& [name, value] :
-         std::initializer_list<std::pair<const char*, SettingValue>>{{"unknown", true},
-                                                                     {"oiEnabled", 1.0},
-                                                                     {"oiOpacity", true},
-                                                                     {"candleTheme", "neon"},
-                                                                     {"vixMode", 2.0},
-                                                                     {"ema1Color", "#12345"},
-                                                                     {"ema1Color", "white"},
-                                                                     {"initialCandles", "150"},
-                                                                     {"initialCandles", ""},
-                                                                     {"hfScaleBySymbol", 1.0},
-                                                                     {"hfScaleBySymbol", "NQ"}})
-        editor->set(name, value);
+    const std::pair<const char*, SettingValue> wrong[] = {
+        {"unknown", true},      {"oiEnabled", 1.0},       {"oiOpacity", true},      {"candleTheme", "neon"},
+        {"vixMode", 2.0},       {"ema1Color", "#12345"},  {"ema1Color", "white"},   {"initialCandles", "150"},
+        {"initialCandles", ""}, {"hfScaleBySymbol", 1.0}, {"hfScaleBySymbol", "NQ"}};
+    for (const auto& [name, value] : wrong) editor->set(name, value);
     EXPECT_FALSE(editor->type("sessionStart", "25:00") || editor->type("oiOpacity", "x"));
     EXPECT_EQ(model->config.get(), before);
     EXPECT_THAT(editor->invalid(), ElementsAre("oiOpacity", "sessionStart"));

@@ -1,6 +1,4 @@
 // What the shell answers, line by line.
-#include "workspace/ShellCommands.h"
-
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -18,27 +16,20 @@ class Shell : public LivePanes {
     Shell() { host->open(); }
 
     ShellSurroundings surroundings() {
-        return {*host,
-                sim,
-                [this](const std::string& line) { answers.push_back(line); },
-                [this] { quitting = true; },
-                [](const std::string& file) {
-                    return file == "full disk" ? std::optional<std::string>("no room") : std::nullopt;
-                },
-                {},
-                {}};
+        ShellSurroundings out = shell();
+        out.quit = [this] { quitting = true; };
+        out.writeState = [](const std::string& file) {
+            return file == "full disk" ? std::optional<std::string>("no room") : std::nullopt;
+        };
+        return out;
     }
-    /// The answer without its mark.
     std::string say(const std::string& line) { return say(line, commands); }
     std::string say(const std::string& line, ShellCommands& to) {
         answers.clear();
         to.run(line);
-        if (answers.size() != 1) return std::to_string(answers.size()) + " answers";
-        EXPECT_TRUE(answers[0].starts_with("[cmd] ")) << answers[0];
-        return answers[0].substr(6);
+        return answers.size() == 1 ? answers[0] : std::to_string(answers.size()) + " answers";
     }
 
-    std::vector<std::string> answers;
     bool quitting = false;
     ShellCommands commands{surroundings()};
 };
@@ -219,10 +210,10 @@ TEST_F(Shell, SignsInOnceItIsOver) {
     EXPECT_EQ(say("sign-in " + relay.email() + " again"), "error: a sign-in is running");
     answers.clear();
     ASSERT_TRUE(runUntil([&] { return !answers.empty(); }));
-    EXPECT_TRUE(answers[0].starts_with("[cmd] error: Auth error (400)")) << answers[0];
+    EXPECT_TRUE(answers[0].starts_with("error: Auth error (400)")) << answers[0];
     EXPECT_EQ(say("sign-in " + relay.email() + " " + relay.password() + " forget"), "0 answers");
     ASSERT_TRUE(runUntil([&] { return !answers.empty(); }));
-    EXPECT_EQ(answers[0], "[cmd] ok signed in as " + relay.email());
+    EXPECT_EQ(answers[0], "ok signed in as " + relay.email());
     EXPECT_FALSE(preferences.get(FirebaseRESTAuth::refreshTokenKey));
 }
 

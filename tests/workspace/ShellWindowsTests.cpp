@@ -5,7 +5,6 @@
 
 #include "store/WorkspaceRecord.h"
 #include "tests/workspace/LivePanes.h"
-#include "workspace/ShellCommands.h"
 
 namespace vmr::test {
 namespace {
@@ -108,13 +107,9 @@ TEST_F(Windows, ComeBackWithSplitAndSecondPaneFromTheLeft) {
 TEST_F(Windows, ShareTheLimitOfPanes) {
     begin();
     ASSERT_TRUE(signIn());
-    ShellCommands shell(
-        {*host, sim, [this](const std::string& line) { told.push_back(line); }, {}, {}, {}, {}, {}, windows.get()});
-    const auto say = [&](const std::string& line) {
-        told.clear();
-        shell.run(line);
-        return told.back();
-    };
+    ShellSurroundings at = shell();
+    at.windows = windows.get();
+    ShellCommands commands(at);
     for (const auto& [line, answer] : {std::pair("sync on", "error: the window shows one pane; see dual"),
                                        {"dual on", "ok dual pane 2"},
                                        {"sync on", "ok sync on"},
@@ -131,8 +126,11 @@ TEST_F(Windows, ShareTheLimitOfPanes) {
                                        {"window close 4", "error: there is no window 4"},
                                        {"window close 3", "ok window 3 closed"},
                                        {"window close 2", "ok window 2 closed"},
-                                       {"window close 1", "error: window 1 is the last one; see quit"}})
-        EXPECT_EQ(say(line), "[cmd] " + std::string(answer)) << line;
+                                       {"window close 1", "error: window 1 is the last one; see quit"}}) {
+        answers.clear();
+        commands.run(line);
+        EXPECT_THAT(answers, ElementsAre(answer)) << line;
+    }
     EXPECT_EQ(preferences.get(ShellWindows::splitKey), "0.7");
     EXPECT_TRUE(windows->facts().at(0).sync);
     ASSERT_TRUE(windows->find(1)->toggleDual());

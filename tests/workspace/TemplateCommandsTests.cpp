@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "tests/workspace/LivePanes.h"
-#include "workspace/ShellCommands.h"
 
 namespace vmr::test {
 namespace {
@@ -15,7 +14,7 @@ class LiveTemplates : public LivePanes {
         ASSERT_TRUE(signIn(1));
         ASSERT_TRUE(runUntil([&] { return streaming(1); }));
     }
-    /// The answer without its mark, when it comes.
+    /// The answer, when it comes.
     std::string say(const std::string& line) {
         answers.clear();
         commands.run(line);
@@ -23,7 +22,7 @@ class LiveTemplates : public LivePanes {
     }
     std::string heard() {
         EXPECT_TRUE(runUntil([&] { return !answers.empty(); }, 10));
-        return answers.empty() ? "" : answers[0].substr(6);
+        return answers.empty() ? "" : answers[0];
     }
     bool logged(int pane, const std::string& text) {
         const auto& lines = host->find(pane)->log.logLines;
@@ -31,14 +30,7 @@ class LiveTemplates : public LivePanes {
     }
     const GexConfig& config(int pane) { return host->find(pane)->config.get(); }
 
-    std::vector<std::string> answers;
-    ShellCommands commands{ShellSurroundings{*host,
-                                             sim,
-                                             [this](const std::string& line) { answers.push_back(line); },
-                                             [] {},
-                                             [](const std::string&) { return std::nullopt; },
-                                             {},
-                                             {}}};
+    ShellCommands commands{shell()};
 };
 
 TEST_F(LiveTemplates, AreSavedLoadedAndAppliedInTheNextPane) {
@@ -55,19 +47,6 @@ TEST_F(LiveTemplates, AreSavedLoadedAndAppliedInTheNextPane) {
     EXPECT_EQ(config(1).ema1Period, 33);
     const std::string full = say("template list");
     EXPECT_TRUE(full.starts_with("ok NQ_QQQ; 1 empty; 2 saved ") && full.ends_with(" (preferred); 3 empty")) << full;
-    for (const auto& [fault, answer] :
-         {std::pair("status 500", full.c_str()),
-          {"error No room", "error: No room"},
-          {"text {\"error\":{}}", "error: Template service error"},
-          {"text <html>", "error: The response is not valid JSON."},
-          {"text {\"result\":[1]}", none.c_str()},
-          {"text {\"result\":{\"preferred\":\"slot_1\",\"slot_1\":{\"savedAt\":\"soon\"}}}",
-           "ok NQ_QQQ; 1 present (preferred); 2 empty; 3 empty"},
-          {"ok", full.c_str()}}) {
-        ASSERT_TRUE(relay.command(std::string("templates ") + fault).starts_with("ok")) << fault;
-        EXPECT_EQ(say("template list"), answer) << fault;
-    }
-
     say("set ema1Period 9");
     say("pane open");
     EXPECT_TRUE(runUntil([&] { return logged(2, "→ template: applied preferred slot_2 for NQ_QQQ"); }, 10));

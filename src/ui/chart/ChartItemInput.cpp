@@ -2,6 +2,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QNativeGestureEvent>
+#include <QQuickWindow>
 #include <QVariantMap>
 #include <cmath>
 
@@ -49,10 +50,12 @@ void ChartItem::updateHud() {
 
 EntryPillState* ChartItem::entryPill() { return &drawing_->pill; }
 
+// The timer rests where nobody sees the result; the frame that comes with the window's next exposure starts it again.
 void ChartItem::updateEntryPill() {
+    const bool seen = isVisible() && window() && window()->isExposed();
     const auto pill = drawing_->view->entryPill();
     drawing_->pill.update(pill);
-    if (!pill)
+    if (!pill || !seen)
         drawing_->pillTimer.stop();
     else if (!drawing_->pillTimer.isActive())
         drawing_->pillTimer.start();

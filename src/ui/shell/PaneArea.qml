@@ -127,8 +127,9 @@ FocusScope {
         }
         Notice {
             objectName: "accountNotice"
+            readonly property SimViewModel sim: area.view.pane.sim
             width: parent.width
-            visible: text !== ""
+            visible: text !== "" && !(sim.shown && sim.barred === text)  // the panel, which it would cover, says the same
             text: area.view.pane.chart.accountProblem
         }
         ServiceBanners {

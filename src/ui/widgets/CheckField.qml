@@ -12,6 +12,8 @@ T.CheckBox {
     font.family: Theme.family
     font.pixelSize: Theme.normal
     Accessible.name: text
+    Keys.onPressed: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }  // held, it is one press
+    Keys.onReleased: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }
 
     indicator: Rectangle {
         width: 18

@@ -36,6 +36,9 @@ FocusScope {
                                         measuredContentH);
         wanted = Qt.rect(x, y, Math.min(size.width, mostWidth), size.height);
     }
+    function focusTitle() {
+        titleBar.forceActiveFocus();
+    }
     function persistFrame() {
         frames.keep(panelId, Qt.rect(x, y, wanted.width, wanted.height));
     }

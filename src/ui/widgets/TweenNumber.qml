@@ -42,6 +42,10 @@ Figures {
         interval: 67
         repeat: true
         running: tween.gliding && number.coarse
-        onTriggered: tween.step(interval / 1000)
+        onTriggered: {
+            tween.step(interval / 1000);
+            if (number.text === number.textOf(tween.target))
+                number.jump();
+        }
     }
 }

@@ -5,10 +5,11 @@ import Velmora
 FocusScope {
     id: deed
 
+    required property SettingsViewModel settings
     required property string action
     required property string title
     readonly property bool grave: deed.action === "reset" || deed.action === "resetAccount"
-    readonly property string question: deed.action === "reset" ? qsTr("All defaults?") : qsTr("Start anew?")
+    property string question
     property bool asking: false
     readonly property bool takesEscape: asking
     signal carriedOut
@@ -17,6 +18,7 @@ FocusScope {
     function press() {
         if (!grave)
             return carriedOut();
+        question = deed.action === "reset" ? qsTr("All defaults?") : settings.accountQuestion();
         asking = true;
         stay.forceActiveFocus(Qt.TabFocusReason);
     }
@@ -28,7 +30,8 @@ FocusScope {
     }
 
     objectName: "action " + deed.action
-    implicitHeight: 32
+    implicitHeight: deed.asking ? asked.height + 4 : 32
+    onHeightChanged: if (asking) entered()  // the question lies in view
     Keys.onEscapePressed: event => {
         event.accepted = asking;
         if (asking)
@@ -56,19 +59,25 @@ FocusScope {
                      export: "upload", import: "download" })[deed.action]
         }
     }
-    Row {
+    Flow {  // the buttons beside a short question, below a long one
+        id: asked
+        readonly property real buttons: stay.width + yes.width + spacing
         y: 4
         width: parent.width
-        height: 28
         visible: deed.asking
         spacing: 8
         Label {
-            width: parent.width - stay.width - yes.width - 16
-            height: parent.height
+            objectName: "question"
+            readonly property bool beside: implicitWidth + asked.buttons + asked.spacing <= asked.width
+            width: beside ? asked.width - asked.buttons - asked.spacing : asked.width
+            height: beside ? 28 : implicitHeight
             verticalAlignment: Text.AlignVCenter
-            elide: Text.ElideRight
+            wrapMode: Text.Wrap
             font.pixelSize: Theme.small
+            color: deed.action === "resetAccount" ? Theme.warning : Theme.text
             text: deed.question
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
         }
         PushButton {
             id: stay

@@ -23,8 +23,10 @@ T.Switch {
         settings.set(part.name, checked);
         checked = Qt.binding(() => on);
     }
-    Keys.onReturnPressed: settings.set(part.name, !on)
-    Keys.onEnterPressed: settings.set(part.name, !on)
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) settings.set(part.name, !on); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) settings.set(part.name, !on); }
+    Keys.onPressed: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }  // held, it is one press
+    Keys.onReleased: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }
 
     indicator: Rectangle {
         width: 32

@@ -15,7 +15,7 @@ Item {
     signal entered(Item item)
 
     objectName: "setting " + row.id
-    implicitHeight: row.parts.length > 0 ? 28 : 32
+    implicitHeight: row.parts.length > 0 ? 28 : button.height
     Keys.onDeletePressed: settings.restoreDefaults(row.id)
 
     Label {
@@ -74,6 +74,7 @@ Item {
         width: parent.width
         active: line.row.parts.length === 0
         sourceComponent: SettingAction {
+            settings: line.settings
             action: line.row.id
             title: line.title
             onCarriedOut: line.asked(line.row.id)

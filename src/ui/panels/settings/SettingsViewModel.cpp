@@ -230,6 +230,10 @@ void SettingsViewModel::resetAccount() {
     if (actions_.resetAccount) actions_.resetAccount();
 }
 
+QString SettingsViewModel::accountQuestion() const {
+    return actions_.accountQuestion ? QString::fromStdString(actions_.accountQuestion()) : QString();
+}
+
 QString SettingsViewModel::exportTo(const QString& file) { return call(actions_.exportTo, file); }
 
 QString SettingsViewModel::importFrom(const QString& file) {

@@ -38,6 +38,7 @@ class SettingsViewModel : public QObject {
     /// Each may be empty: then nothing happens. Those of files give what went wrong.
     struct Actions {
         std::function<void()> applyToAll, reset, resetAccount;
+        std::function<std::string()> accountQuestion;  ///< what is asked before `resetAccount`
         std::function<std::string(const std::string&file)> exportTo, importFrom;
     };
     /// The text of the key that does what a row does; empty for none.
@@ -84,6 +85,7 @@ class SettingsViewModel : public QObject {
     Q_INVOKABLE void applyToAll();
     Q_INVOKABLE void reset();
     Q_INVOKABLE void resetAccount();
+    Q_INVOKABLE QString accountQuestion() const;
     /// Both give what went wrong; empty for nothing.
     Q_INVOKABLE QString exportTo(const QString& file);
     Q_INVOKABLE QString importFrom(const QString& file);

@@ -34,7 +34,7 @@ void EquityPlot::take() {
     const bool same = plot.points == plot_.points && plot.base == plot_.base && plot.gain == plot_.gain;
     plot_ = std::move(plot);
     if (!same) change();
-    point(pointer_);
+    aim(!same);
 }
 
 void EquityPlot::change() {
@@ -51,11 +51,17 @@ void EquityPlot::geometryChange(const QRectF& now, const QRectF& before) {
 
 void EquityPlot::point(qreal x) {
     pointer_ = x;
-    const auto found =
-        x >= 0 && sim_ && width() > 0 ? simCurveSpot(sim_->performance().curve, x / width()) : std::nullopt;
+    aim(false);
+}
+
+// `moved`: the curve is another one under the pointer, so the same trade stands elsewhere.
+void EquityPlot::aim(bool moved) {
+    const auto found = pointer_ >= 0 && sim_ && width() > 0
+                           ? simCurveSpot(sim_->performance().curve, pointer_ / width())
+                           : std::nullopt;
     const int spot = found && !plot_.points.empty() ? static_cast<int>(found->index) : -1;
     const QString text = spot >= 0 ? QString::fromStdString(found->text) : QString();
-    if (spot == spot_ && text == spotText_) return;
+    if (spot == spot_ && text == spotText_ && !(moved && spot >= 0)) return;
     spot_ = spot;
     spotText_ = text;
     emit spotChanged();

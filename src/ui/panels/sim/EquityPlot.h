@@ -50,6 +50,7 @@ class EquityPlot : public QQuickItem {
  private:
     void take();
     void change();
+    void aim(bool moved);
 
     QPointer<SimViewModel> sim_;
     QColor gain_{"white"}, loss_{"white"};

@@ -95,8 +95,10 @@ FloatingPanel {
                             hoverEnabled: true
                             focusPolicy: Qt.TabFocus
                             Accessible.name: sorts ? (panel.list.descending ? qsTr("%1, sorted downwards") : qsTr("%1, sorted upwards")).arg(modelData.title) : modelData.title
-                            Keys.onReturnPressed: clicked()
-                            Keys.onEnterPressed: clicked()
+                            Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked(); }
+                            Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked(); }
+                            Keys.onPressed: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }  // held, it is one press
+                            Keys.onReleased: event => { if (event.key === Qt.Key_Space && event.isAutoRepeat) event.accepted = true; }
                             onClicked: panel.list.sortBy(index)
                             onActiveFocusChanged: {
                                 if (!activeFocus || focusReason === Qt.MouseFocusReason)

@@ -67,6 +67,7 @@ SimCard {
                 implicitHeight: 28
                 icon24: "x"
                 text: qsTr("Cancel %1 %2 %3").arg(one.row.side).arg(one.row.what).arg(one.row.price)
+                Accessible.name: qsTr("%1, order %2").arg(text).arg(one.index + 1)  // two may be alike
                 barred: card.sim.barred
                 onClicked: if (barred === "") card.sim.cancel(one.row.key)
             }

@@ -160,6 +160,18 @@ FloatingPanel {
                     }
                 }
             }
+            KeptKeyboard {
+                id: keyboard
+                cards: column
+                pointed: panel.pointed
+                onEmptied: panel.focusTitle()
+            }
+            Connections {
+                target: panel.sim
+                function onCardsChanged() {
+                    keyboard.look();  // rows may have come before the one that has it
+                }
+            }
             Rectangle {  // why what was asked for was not done
                 id: notice
                 anchors.bottom: parent.bottom

@@ -36,6 +36,7 @@ SimCard {
                 anchors.fill: parent
                 hoverEnabled: true
                 acceptedButtons: Qt.NoButton
+                onEntered: plot.point(mouseX)  // where it comes to rest at once, it does not move
                 onPositionChanged: mouse => plot.point(mouse.x)
                 onExited: plot.point(-1)
             }

@@ -67,6 +67,7 @@ SimCard {
                     visible: text !== ""
                     text: one.row.addSl
                     barred: card.sim.barred
+                    Accessible.name: qsTr("%1 for %2").arg(text).arg(one.row.name)
                     onPressedOnce: card.sim.protect(one.row.key, "SL")
                 }
                 SmallButton {
@@ -74,6 +75,7 @@ SimCard {
                     visible: text !== ""
                     text: one.row.addTp
                     barred: card.sim.barred
+                    Accessible.name: qsTr("%1 for %2").arg(text).arg(one.row.name)
                     onPressedOnce: card.sim.protect(one.row.key, "TP")
                 }
             }

@@ -19,10 +19,6 @@ constexpr double leastRealSeconds = 0.9;  // between two looks, however fast the
 QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
 
 OrderType typeOf(int row) { return rowTypes.at(static_cast<std::size_t>(row)); }
-
-bool same(const SimAccountFacts& a, const SimAccountFacts& b) {
-    return a.balance == b.balance && a.equity == b.equity && a.dayPnL == b.dayPnL;
-}
 }  // namespace
 
 void SimViewModel::bind(SimDesk* desk, const Clock* clock, MainLoop* main) {
@@ -92,9 +88,10 @@ void SimViewModel::refresh() {
 
 void SimViewModel::refreshAccount() {
     const SimAccountFacts now = simAccountFacts(desk_->engine());
-    if (!same(std::exchange(account_, now), now)) emit accountChanged();
-    const std::size_t fillsNow = desk_->engine().fills().size();
-    if (std::exchange(fillsSeen_, fillsNow) > fillsNow) emit startedOver();  // the account was started anew
+    const SimAccountFacts before = std::exchange(account_, now);
+    if (before != now) emit accountChanged();
+    const bool replaced = std::exchange(replacements_, desk_->replacements()) != desk_->replacements();
+    if (replaced || before.unpriced != now.unpriced) emit startedOver();
 }
 
 void SimViewModel::showPositions() {
@@ -112,7 +109,10 @@ QString SimViewModel::title() const { return desk_ ? text(desk_->title()) : QStr
 QString SimViewModel::empty() const { return desk_ ? text(desk_->emptyText()) : QString(); }
 QString SimViewModel::warning() const { return desk_ ? text(desk_->warning()) : QString(); }
 QString SimViewModel::barred() const { return desk_ ? text(desk_->readOnly().value_or("")) : QString(); }
-QString SimViewModel::notice() const { return desk_ ? text(desk_->notice().value_or("")) : QString(); }
+QString SimViewModel::notice() const {
+    const QString why = desk_ ? text(desk_->notice().value_or("")) : QString();
+    return why.left(1).toUpper() + why.mid(1);
+}
 
 QString SimViewModel::positionsHeading() const {
     return desk_ ? text(simPositionsHeading(desk_->engine())) : QString();

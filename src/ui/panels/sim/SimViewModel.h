@@ -178,7 +178,7 @@ class SimViewModel : public QObject {
     std::array<std::optional<std::uint64_t>, parts> seen_;  ///< revisions that the views show
     SimAccountFacts account_;
     SimPerformance performance_;
-    std::size_t fillsSeen_ = 0;
+    std::uint64_t replacements_ = 0;  ///< of the account that is shown
     std::optional<MarketTimer> second_;
     Connection changed_;
     WeakTask whileThere_;
