@@ -15,27 +15,32 @@ constexpr Rgba callColor{0.149F, 0.651F, 0.604F, 1}, putColor{0.937F, 0.325F, 0.
 constexpr TextStyle textStyle{FontFace::regular, 13}, smallStyle{FontFace::regular, 11};
 constexpr double tickGap = 4, edge = 2;  // beside the numbers of the main plot
 constexpr double flowWidth = 1.5, sparkWidth = 1.2;
+constexpr double flowApart = 0.3, sparkApart = 0.5;  // points closer than this are drawn as one
 
 constexpr Rgba white(float opacity) { return {1, 1, 1, opacity}; }
 constexpr Rgba labelColor = white(0.53F);
 
-// Joins the points of one flow; `at` places a sample, or tells nothing for one that is skipped. Of points that lie
-// closer together than the eye can tell one is enough: a sparkline has a dozen samples on each point of its width.
-template <class Place>
-void polyline(Painter& painter, const Samples& samples, double width, const Rgba& color, Place at) {
-    constexpr double close = 0.3;  // points
+struct Stroke {
+    double width = 0, apart = 0;
+    Rgba color{};
+};
+
+// Joins the points of one flow, which `at` places. Of points that lie closer together than the eye can tell one is
+// enough: a sparkline has a dozen samples on each point of its width.
+template <class Points, class Place>
+void polyline(Painter& painter, const Points& points, const Stroke& stroke, Place at) {
     std::optional<Painter::Point> before, left;
-    for (const HfpSample* sample : samples) {
-        const std::optional<Painter::Point> point = at(*sample);
-        if (!point) continue;
+    for (const auto& one : points) {
+        const Painter::Point point = at(one);
         left = point;
-        if (before && std::abs((*point)[0] - (*before)[0]) < close && std::abs((*point)[1] - (*before)[1]) < close)
+        if (before && std::abs(point[0] - (*before)[0]) < stroke.apart &&
+            std::abs(point[1] - (*before)[1]) < stroke.apart)
             continue;
-        if (before) painter.line(*before, *point, width, color);
+        if (before) painter.line(*before, point, stroke.width, stroke.color);
         before = point;
         left.reset();
     }
-    if (before && left) painter.line(*before, *left, width, color);
+    if (before && left) painter.line(*before, *left, stroke.width, stroke.color);
 }
 }  // namespace
 
@@ -60,8 +65,8 @@ void HfPressurePlot::drawMain(const Samples& samples, const Scale& scale, const 
                       TextAlign::left, faded(labelColor));
     }
     const auto flow = [&](double HfpSample::*side, const Rgba& color) {
-        polyline(painter_, samples, flowWidth, faded(color), [&](const HfpSample& sample) {
-            return Painter::Point{x(sample.t), y(sample.*side)};
+        polyline(painter_, samples, {flowWidth, flowApart, faded(color)}, [&](const HfpSample* sample) {
+            return Painter::Point{x(sample->t), y(sample->*side)};
         });
     };
     flow(&HfpSample::call, callColor);
@@ -82,21 +87,30 @@ void HfPressurePlot::drawStrip(const Scale& scale, const PointRect& place) {
     }
 }
 
-void HfPressurePlot::drawSpark(const Samples& samples, const Scale& scale, double strike, double maxAbs,
+// The samples lie all over the memory, so they are gone through once for all strikes and both flows.
+void HfPressurePlot::gatherSparks(const Samples& samples, std::span<const double> strikes) {
+    for (std::vector<SparkPoint>& points : sparkPoints_) points.clear();
+    for (const HfpSample* sample : samples)
+        for (std::size_t i = 0; i < strikes.size(); ++i) {
+            const bool inPlace =
+                i < sample->atm.size() && sample->atm[i].strike == strikes[i];  // the band seldom moves
+            const StrikeFlow* const flow = inPlace ? &sample->atm[i] : sample->atmAt(strikes[i]);
+            if (flow) sparkPoints_[i].push_back({sample->t, flow->call, flow->put});
+        }
+}
+
+void HfPressurePlot::drawSpark(const std::vector<SparkPoint>& points, const Scale& scale, double maxAbs,
                                const PointRect& place) {
     if (!(scale.span > 0) || !(maxAbs > 0) || place.width <= 0) return;
     painter_.horizontal(place.x, place.right(), place.bottom(), faded(white(0.13F)));
-    const auto flow = [&](double StrikeFlow::*side, const Rgba& color) {
-        polyline(painter_, samples, sparkWidth, faded(color),
-                 [&](const HfpSample& sample) -> std::optional<Painter::Point> {
-                     const StrikeFlow* const at = sample.atmAt(strike);
-                     if (!at) return std::nullopt;
-                     return Painter::Point{place.x + place.width * (sample.t - scale.t0) / scale.span,
-                                           place.y + HfPressure::sparkY(at->*side, maxAbs, place.height)};
-                 });
+    const auto flow = [&](double SparkPoint::*side, const Rgba& color) {
+        polyline(painter_, points, {sparkWidth, sparkApart, faded(color)}, [&](const SparkPoint& point) {
+            return Painter::Point{place.x + place.width * (point.t - scale.t0) / scale.span,
+                                  place.y + HfPressure::sparkY(point.*side, maxAbs, place.height)};
+        });
     };
-    flow(&StrikeFlow::call, callColor);
-    flow(&StrikeFlow::put, putColor);
+    flow(&SparkPoint::call, callColor);
+    flow(&SparkPoint::put, putColor);
 }
 
 bool HfPressurePlot::draw(PaintSurface& surface, const Samples& samples, const Places& places, float opacity) {
@@ -113,7 +127,8 @@ bool HfPressurePlot::draw(PaintSurface& surface, const Samples& samples, const P
         time("HFP.main", since);
         since = clock_.monotonic();
         const double peak = HfPressure::ladderPeak(samples);
-        for (std::size_t i = 0; i < sparks; ++i) drawSpark(samples, scale, ladder.band[i], peak, places.sparks[i]);
+        gatherSparks(samples, ladder.band.first(sparks));
+        for (std::size_t i = 0; i < sparks; ++i) drawSpark(sparkPoints_[i], scale, peak, places.sparks[i]);
         time("HFP.spark", since);
     });
 }

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -44,7 +45,12 @@ class HfPressurePlot {
     void time(std::string_view name, double since) const;
     void drawMain(const HfPressure::Samples& samples, const HfPressure::Scale& scale, const PointRect& place);
     void drawStrip(const HfPressure::Scale& scale, const PointRect& place);
-    void drawSpark(const HfPressure::Samples& samples, const HfPressure::Scale& scale, double strike, double maxAbs,
+    /// What one sample tells of a strike.
+    struct SparkPoint {
+        double t = 0, call = 0, put = 0;
+    };
+    void gatherSparks(const HfPressure::Samples& samples, std::span<const double> strikes);
+    void drawSpark(const std::vector<SparkPoint>& points, const HfPressure::Scale& scale, double maxAbs,
                    const PointRect& place);
 
     Painter painter_;
@@ -52,6 +58,7 @@ class HfPressurePlot {
     Perf* perf_;
     float opacity_ = 1;
     std::vector<double> times_;
+    std::array<std::vector<SparkPoint>, mostSparks> sparkPoints_;  ///< by strike of the band
     std::vector<HfPressure::StripTick> strip_;
 };
 

@@ -59,8 +59,11 @@ std::optional<HfpSample> sample(const std::vector<StrikeRow>& rows, std::optiona
 
 void trim(std::deque<HfpSample>& samples, double now) {
     const double cutoff = now - retention;
-    if (!samples.empty() && samples.front().t < cutoff)
-        std::erase_if(samples, [cutoff](const HfpSample& sample) { return sample.t < cutoff; });
+    const auto old = [cutoff](const HfpSample& sample) { return sample.t < cutoff; };
+    if (samples.empty() || !old(samples.front())) return;
+    // They come in the order of time unless the clock was set back, and to erase moves all the others up.
+    while (!samples.empty() && old(samples.front())) samples.pop_front();
+    if (std::any_of(samples.begin(), samples.end(), old)) std::erase_if(samples, old);
 }
 
 }  // namespace Hfp

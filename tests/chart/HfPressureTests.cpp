@@ -228,7 +228,7 @@ TEST_F(HfPressurePlots, JoinTheSamplesThatAStrikeHas) {
     samples = flow(600);
     samples[300].atm = {{495, 900, -20}};
     places.sparks[0] = {10, 300, 60, 40};
-    EXPECT_LT(lines(), main / 8 * 2 * 220) << "samples that lie on each other";
+    EXPECT_LT(lines(), main / 8 * 2 * 130) << "samples that lie on each other";
     const RecordedFrames recorded = draw(samples);
     float left = 100, right = 0, top = 400;
     for (const auto& call : recorded.draws) {

@@ -210,6 +210,43 @@ TEST(Views, ANumberGlidesWithTheFramesAndRests) {
     EXPECT_EQ(text(), "30.0");
 }
 
+TEST(Views, PressureTellsOfWhatReadsOtherwise) {
+    const double nan = std::nan("");
+    struct Case {
+        double call, put, strikeCall, strikePut;
+        int readouts;
+        QStringList news;  // of the strike
+    };
+    const std::vector<Case> cases = {
+        {2'000'000, -2'000'000, 5000, -400, 1, {}},         {2'000'900, -2'000'100, 5400, -400.2, 0, {}},
+        {2'000'900, -2'000'100, 5700, -400.4, 0, {"call"}},  // by small steps that add up
+        {2'000'900, -2'000'100, 5700, nan, 0, {"put"}},     {2'900'000, -2'000'100, 7000, 3, 1, {"call", "put"}},
+    };
+    HfPressureViewModel model;
+    HfpSample one;
+    HfPressure::Samples samples;
+    model.setSource([&](HfPressure::Samples& out) { out = samples; });
+    const QSignalSpy readouts(&model, &HfPressureViewModel::readoutsChanged),
+        told(model.ladder(), &QAbstractItemModel::dataChanged);
+    int expected = 0;
+    for (const Case& c : cases) {
+        const auto i = static_cast<std::size_t>(&c - cases.data());
+        const auto heard = told.count();
+        one = {static_cast<double>(i), c.call, c.put, {{600, c.strikeCall, c.strikePut}}, {600}};
+        samples = {&one};
+        model.samplesMoved();
+        model.set({.open = true, .count = i + 1, .last = one.t});
+        expected += c.readouts;
+        EXPECT_EQ(readouts.count(), expected) << i;
+        EXPECT_EQ(told.count() - heard, c.news.isEmpty() ? 0 : 1) << i;
+        if (c.news.isEmpty() || told.count() == heard) continue;
+        QStringList names;
+        for (const int role : told.last()[2].value<QList<int>>()) names << QString(model.ladder()->roleNames()[role]);
+        EXPECT_EQ(names, c.news) << i;
+    }
+    EXPECT_EQ(model.call(), 2'900'000);
+}
+
 TEST(Views, SignInByKeyboardAlone) {
     UiWindow ui(QSize(1000, 580), {});
     ASSERT_NE(ui.window, nullptr);

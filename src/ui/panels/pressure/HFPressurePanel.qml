@@ -231,9 +231,10 @@ FocusScope {
             Item {
                 id: tag
                 objectName: "pressureTag"
-                // again with other samples
-                readonly property var spot: panel.pressure.revision >= 0 && pointer.hovered
-                                            ? panel.pressure.spotAt(pointer.point.position.x, chartCard.width) : ({})
+                readonly property var none: ({})
+                // again with other samples, and only while the pointer is there
+                readonly property var spot: pointer.hovered && panel.pressure.revision >= 0
+                                            ? panel.pressure.spotAt(pointer.point.position.x, chartCard.width) : none
                 readonly property string said: spot.time === undefined ? "" : [spot.time, spot.call, spot.put].join(" ")
                 visible: spot.time !== undefined
                 x: chartCard.x

@@ -22,6 +22,11 @@ std::vector<PressureLadder::Row> rowsOf(const HfPressure::Samples& samples) {
     }
     return out;
 }
+// The views show texts, so that a value with the same one is no news to them.
+bool sameFlow(double a, double b) { return a == b || HfPressure::fmt(a).text() == HfPressure::fmt(b).text(); }
+bool sameShare(double a, double b) {
+    return a == b || HfPressure::shareText(a).text() == HfPressure::shareText(b).text();
+}
 }  // namespace
 
 // Rows go and come one by one, so that the items of the others stay and glide to their new places.
@@ -40,10 +45,13 @@ void PressureLadder::set(const std::vector<Row>& rows) {
             beginInsertRows({}, at, at);
             rows_.insert(rows_.begin() + at, rows[i]);
             endInsertRows();
-        } else if (!(rows_[i] == rows[i])) {
-            const bool money = std::exchange(rows_[i], rows[i]).atm != rows[i].atm;
-            emit dataChanged(index(at), index(at),
-                             money ? QList<int>{callRole, putRole, atmRole} : QList<int>{callRole, putRole});
+        } else {
+            const Row told = std::exchange(rows_[i], rows[i]);
+            QList<int> news;
+            if (!sameFlow(told.call, rows[i].call)) news << callRole;
+            if (!sameFlow(told.put, rows[i].put)) news << putRole;
+            if (told.atm != rows[i].atm) news << atmRole;
+            if (!news.isEmpty()) emit dataChanged(index(at), index(at), news);
         }
     }
     if (rows_.size() > rows.size()) {  // the band told them in another order, which no band does
@@ -104,12 +112,29 @@ void HfPressureViewModel::refresh() {
     current_ = false;  // the window has moved on, too
     const HfPressure::Samples& seen = samples();
     if (perf_) perf_->bump("HFP.body");
-    read_ = HfPressure::readouts(seen);
     const bool flat = seen.size() > 1 && !HfPressure::scale(seen).drawn;
-    notice_ = seen.size() < 2 ? tr("Waiting for HF flow") : flat ? tr("No HF flow in this window") : QString();
+    const QString notice = seen.size() < 2 ? tr("Waiting for HF flow")
+                           : flat          ? tr("No HF flow in this window")
+                                           : QString();
+    if (std::exchange(notice_, notice) != notice) emit noticeChanged();
+    readOut(seen);
     ladder_.set(rowsOf(seen));
     ++revision_;
     emit samplesChanged();
+}
+
+void HfPressureViewModel::readOut(const HfPressure::Samples& seen) {
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    const HfPressure::Readouts now = HfPressure::readouts(seen);
+    const std::array<double, 4> values{now.callShare, now.putShare, now.call, now.put};
+    bool news = false;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double value = now.known ? values[i] : nan;
+        if (i < 2 ? sameShare(read_[i], value) : sameFlow(read_[i], value)) continue;
+        read_[i] = value;
+        news = true;
+    }
+    if (news) emit readoutsChanged();
 }
 
 QString HfPressureViewModel::flowText(qreal value) const { return text(HfPressure::fmt(value)); }

@@ -6,6 +6,7 @@
 #include <QQmlEngine>
 #include <QString>
 #include <QVariantMap>
+#include <array>
 #include <functional>
 #include <limits>
 #include <utility>
@@ -18,6 +19,7 @@ namespace vmr {
 class Perf;
 
 /// The strikes around the money, ascending. A strike that stays keeps its row's item, wherever the row moves to.
+/// A flow that reads the same as before is not told of again.
 class PressureLadder : public QAbstractListModel {
     Q_OBJECT
     QML_ANONYMOUS
@@ -56,11 +58,11 @@ class HfPressureViewModel : public QObject {
     Q_PROPERTY(int windowMin READ windowMin NOTIFY windowMinChanged)
     Q_PROPERTY(QList<int> windows READ windows CONSTANT)
     Q_PROPERTY(bool stale READ stale NOTIFY staleChanged)
-    Q_PROPERTY(qreal callShare READ callShare NOTIFY samplesChanged)
-    Q_PROPERTY(qreal putShare READ putShare NOTIFY samplesChanged)
-    Q_PROPERTY(qreal call READ call NOTIFY samplesChanged)
-    Q_PROPERTY(qreal put READ put NOTIFY samplesChanged)
-    Q_PROPERTY(QString notice READ notice NOTIFY samplesChanged)
+    Q_PROPERTY(qreal callShare READ callShare NOTIFY readoutsChanged)
+    Q_PROPERTY(qreal putShare READ putShare NOTIFY readoutsChanged)
+    Q_PROPERTY(qreal call READ call NOTIFY readoutsChanged)
+    Q_PROPERTY(qreal put READ put NOTIFY readoutsChanged)
+    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
     Q_PROPERTY(int revision READ revision NOTIFY samplesChanged)
     Q_PROPERTY(vmr::PressureLadder* ladder READ ladder CONSTANT)
     Q_PROPERTY(QString unknown READ unknown CONSTANT)
@@ -88,7 +90,9 @@ class HfPressureViewModel : public QObject {
         std::function<void(bool shown, bool overlay, const QStringList& times, const QString& pointed)> tellShown;
     };
 
-    using QObject::QObject;
+    explicit HfPressureViewModel(QObject* parent = nullptr) : QObject(parent) {
+        read_.fill(std::numeric_limits<double>::quiet_NaN());
+    }
 
     /// Empty for nothing any more. `perf` may be null. Before the view is made, `switches` too.
     void setSource(Read read, Perf* perf = nullptr);
@@ -107,11 +111,11 @@ class HfPressureViewModel : public QObject {
     int windowMin() const { return state_.windowMin; }
     static QList<int> windows() { return {HfPressure::windows.begin(), HfPressure::windows.end()}; }
     bool stale() const { return state_.stale; }
-    // Of the newest sample; NaN without one.
-    qreal callShare() const { return known(read_.callShare); }
-    qreal putShare() const { return known(read_.putShare); }
-    qreal call() const { return known(read_.call); }
-    qreal put() const { return known(read_.put); }
+    // Of the newest sample whose text is another one; NaN without a sample.
+    qreal callShare() const { return read_[0]; }
+    qreal putShare() const { return read_[1]; }
+    qreal call() const { return read_[2]; }
+    qreal put() const { return read_[3]; }
     /// Why there is nothing in the main plot; empty where there is.
     QString notice() const { return notice_; }
     /// Another one with other samples.
@@ -146,10 +150,12 @@ class HfPressureViewModel : public QObject {
     void windowMinChanged();
     void staleChanged();
     void samplesChanged();
+    void readoutsChanged();
+    void noticeChanged();
 
  private:
-    qreal known(double value) const { return read_.known ? value : std::numeric_limits<double>::quiet_NaN(); }
     void refresh();
+    void readOut(const HfPressure::Samples& seen);
 
     Read readSamples_;
     Perf* perf_ = nullptr;
@@ -157,8 +163,8 @@ class HfPressureViewModel : public QObject {
     Actions actions_;
     State state_;
     HfPressure::Samples samples_;
-    bool current_ = false;  ///< `samples_` are those of the pane
-    HfPressure::Readouts read_;
+    bool current_ = false;        ///< `samples_` are those of the pane
+    std::array<double, 4> read_;  ///< shares of calls and puts, and their sums
     QString notice_;
     int revision_ = 0;
     PressureLadder ladder_;

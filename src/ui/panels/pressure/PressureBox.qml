@@ -20,7 +20,7 @@ Rectangle {
     border.color: atm ? Qt.rgba(1, 1, 1, 0.6) : "#1f1f1f"
     Accessible.role: Accessible.StaticText
     Accessible.name: (atm ? qsTr("Strike %1 at the money, call %2, put %3") : qsTr("Strike %1, call %2, put %3"))
-                     .arg(label).arg(callNumber.text).arg(putNumber.text)
+                     .arg(label).arg(pressure.flowText(call)).arg(pressure.flowText(put))  // and no steps on the way
 
     component FlowNumber: TweenNumber {
         anchors.horizontalCenter: parent.horizontalCenter

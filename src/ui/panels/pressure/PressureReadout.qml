@@ -18,7 +18,7 @@ Rectangle {
     color: "#131313"
     border.color: "#1f1f1f"
     Accessible.role: Accessible.StaticText
-    Accessible.name: title + " " + number.text
+    Accessible.name: title + " " + format(target)  // and no steps on the way
 
     Label {
         x: 8
