@@ -181,11 +181,8 @@ void ChartView::setBars(std::span<const Candle> candles) {
 std::optional<OverlayFacts> ChartView::overlayFacts() const {
     if (!viewport()) return std::nullopt;
     OverlayFacts out;
-    for (const PillLayer::Mark& mark : pills_.marks()) {
-        Rgba color = mark.fill;
-        color[3] *= static_cast<float>(mark.opacity);
-        (mark.pill ? out.pills : out.labels).push_back({std::string(mark.text), mark.box, color});
-    }
+    for (const PillLayer::Mark& mark : pills_.marks())
+        (mark.pill ? out.pills : out.labels).push_back({std::string(mark.text), mark.box, mark.ground()});
     std::ranges::reverse(out.pills);
     for (const BarLabelLayer::Mark& mark : barLabels_.marks()) {
         const BarLabel& label = *mark.label;

@@ -177,6 +177,7 @@ TEST_F(PillLayerTest, LinesSayWhatTheyAre) {
     for (const Mark& mark : marks(false)) {
         EXPECT_NEAR(mark.box.right(), mark.text.starts_with("Open") ? xOf(150) : column, 1e-9) << mark.text;
         EXPECT_EQ(mark.opacity == 1, mark.text.find("Wall") != mark.text.npos) << "lines have a fifth less here";
+        EXPECT_FLOAT_EQ(mark.ground()[3], 0.8F) << "faint texts keep what hides their lines";
     }
     view.mirrorView(0, 120);
     frame();
