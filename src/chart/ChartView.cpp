@@ -106,6 +106,13 @@ void ChartView::startOver() {
     if (onStartOver) onStartOver();
 }
 
+void ChartView::setCovered(std::span<const PointRect> boxes) {
+    if (std::ranges::equal(covered_, boxes)) return;
+    covered_.assign(boxes.begin(), boxes.end());
+    pills_.covered = markedStrike_.covered = covered_;
+    askForFrame();
+}
+
 void ChartView::setRoot(std::string_view root) {
     if (tradingLines_.root == root) return;
     if (input_.draggingLine()) input_.letGo();

@@ -64,6 +64,7 @@ void PillLayer::layOut(const ScreenFrame& frame) {
     if (account)
         for (const PointRect& box : account->labelBoxes()) addFixed(box);
     if (marked && marked->titleBox().width > 0) addFixed(marked->titleBox());
+    for (const PointRect& box : covered) addFixed(box);
     layout_.arrange(0, plot.bottom());
     takeRoom();
 }

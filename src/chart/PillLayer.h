@@ -32,6 +32,7 @@ class PillLayer final : public ScreenLayer {
 
     const TradingLinesLayer* account = nullptr;  ///< whose labels are worth more; null for none
     const MarkedStrikeLayer* marked = nullptr;   ///< likewise of its title
+    std::span<const PointRect> covered;          ///< what items over the chart take; must outlive the frames
 
     // What is shown; true when the texts may be others.
     bool setSecondSymbol(std::string_view symbol);
@@ -58,7 +59,7 @@ class PillLayer final : public ScreenLayer {
     };
     /// The more important first; valid until the next frame.
     std::span<const Mark> marks() const { return marks_; }
-    /// The room that these texts, those of the account's lines and the marked strike's take.
+    /// The room that these texts, those of the account's lines, the marked strike's and items over the chart take.
     std::span<const PointRect> boxes() const { return boxes_; }
 
  private:
