@@ -106,6 +106,13 @@ void ChartView::startOver() {
     if (onStartOver) onStartOver();
 }
 
+void ChartView::setCovered(std::span<const PointRect> boxes) {
+    if (std::ranges::equal(covered_, boxes)) return;
+    covered_.assign(boxes.begin(), boxes.end());
+    pills_.covered = markedStrike_.covered = covered_;
+    askForFrame();
+}
+
 void ChartView::setRoot(std::string_view root) {
     if (tradingLines_.root == root) return;
     if (input_.draggingLine()) input_.letGo();
@@ -181,11 +188,8 @@ void ChartView::setBars(std::span<const Candle> candles) {
 std::optional<OverlayFacts> ChartView::overlayFacts() const {
     if (!viewport()) return std::nullopt;
     OverlayFacts out;
-    for (const PillLayer::Mark& mark : pills_.marks()) {
-        Rgba color = mark.fill;
-        color[3] *= static_cast<float>(mark.opacity);
-        (mark.pill ? out.pills : out.labels).push_back({std::string(mark.text), mark.box, color});
-    }
+    for (const PillLayer::Mark& mark : pills_.marks())
+        (mark.pill ? out.pills : out.labels).push_back({std::string(mark.text), mark.box, mark.ground()});
     std::ranges::reverse(out.pills);
     for (const BarLabelLayer::Mark& mark : barLabels_.marks()) {
         const BarLabel& label = *mark.label;

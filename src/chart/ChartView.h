@@ -5,6 +5,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
+#include <vector>
 
 #include "base/Clock.h"
 #include "base/SerialQueue.h"
@@ -88,6 +90,9 @@ class ChartView final : public ChartPort, public CameraPort {
 
     /// The size that input counts by, in points; `record` sets it, too.
     void setSize(double width, double height) { input_.setSize(width, height); }
+
+    /// What the host's own items over the chart take of it, where no text of the chart is to stand. Points.
+    void setCovered(std::span<const PointRect> boxes);
 
     /// The host will call `record` without being asked: what changes until then is read there.
     void expectFrame() { frameAwaited_ = true; }
@@ -202,6 +207,7 @@ class ChartView final : public ChartPort, public CameraPort {
     bool forPeer_ = false;              ///< what asks for a frame is a linked chart
     std::optional<ChartSpot> pointer_;  ///< what the pointer is over
     std::optional<ChartSpot> peerSpot_;
+    std::vector<PointRect> covered_;
 };
 
 }  // namespace vmr

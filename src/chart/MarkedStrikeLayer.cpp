@@ -40,6 +40,7 @@ void MarkedStrikeLayer::place(const ScreenFrame& frame) {
     const PlotArea plot = frame.plot();
     layout_.clear();
     if (axes) addFixed(axes->lastPriceBox(frame));
+    for (const PointRect& box : covered) addFixed(box);
     if (account) {
         for (const PointRect& box : account->tagBoxes()) addFixed(box);
         for (const PointRect& box : account->labelBoxes()) addFixed(box);

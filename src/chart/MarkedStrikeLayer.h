@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -27,6 +28,7 @@ class MarkedStrikeLayer final : public ScreenLayer {
 
     const TradingLinesLayer* account = nullptr;  ///< whose boxes stay free, and are placed before; null for none
     const AxisLayer* axes = nullptr;             ///< whose last price's box stays free; may be null
+    std::span<const PointRect> covered;          ///< what items over the chart take; must outlive the frames
 
     void drawBelow(ScreenFrame& frame) override;
     bool drawAbove(ScreenFrame& frame) override;

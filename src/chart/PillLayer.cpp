@@ -64,6 +64,7 @@ void PillLayer::layOut(const ScreenFrame& frame) {
     if (account)
         for (const PointRect& box : account->labelBoxes()) addFixed(box);
     if (marked && marked->titleBox().width > 0) addFixed(marked->titleBox());
+    for (const PointRect& box : covered) addFixed(box);
     layout_.arrange(0, plot.bottom());
     takeRoom();
 }
@@ -140,7 +141,8 @@ void PillLayer::takeRoom() {
         const LabelBox& placed = layout_.boxes()[i];
         Mark& mark = marks_[i];
         mark.box.y = placed.top();
-        mark.opacity *= placed.opacity;
+        mark.room = placed.opacity;
+        mark.opacity *= mark.room;
         if (mark.opacity > 0) boxes_.push_back(mark.box);
     }
     std::erase_if(marks_, [](const Mark& mark) { return !(mark.opacity > 0); });
@@ -151,8 +153,7 @@ bool PillLayer::drawAbove(ScreenFrame& frame) {
     return painter_.paint(frame, [&] {
         for (const Mark& mark : marks_) paintLeaders(mark);
         for (const Mark& mark : marks_)
-            painter_.roundedBox(mark.box.x, mark.box.y, mark.box.right(), mark.box.bottom(), markRadius,
-                                faded(mark.fill, mark.opacity));
+            painter_.roundedBox(mark.box.x, mark.box.y, mark.box.right(), mark.box.bottom(), markRadius, mark.ground());
         for (const Mark& mark : marks_)
             painter_.text(mark.text, markStyle, mark.box.x + mark.box.width * 0.5, mark.box.y + markHeight * 0.5,
                           TextAlign::center, faded(mark.textColor, mark.opacity));

@@ -32,6 +32,7 @@ class PillLayer final : public ScreenLayer {
 
     const TradingLinesLayer* account = nullptr;  ///< whose labels are worth more; null for none
     const MarkedStrikeLayer* marked = nullptr;   ///< likewise of its title
+    std::span<const PointRect> covered;          ///< what items over the chart take; must outlive the frames
 
     // What is shown; true when the texts may be others.
     bool setSecondSymbol(std::string_view symbol);
@@ -50,11 +51,15 @@ class PillLayer final : public ScreenLayer {
         bool pill = false;
         double lineEnd = 0;         ///< where the line that it names ends in view
         double tipX = 0, tipY = 0;  ///< what it hangs from
-        double opacity = 1;         ///< 0: there is no room for it
+        double opacity = 1;         ///< of the text; 0: there is no room for it
+        double room = 1;            ///< what of that is for want of room alone
+
+        /// What lies behind the text. A faint one must not let its own line through.
+        Rgba ground() const { return {fill[0], fill[1], fill[2], fill[3] * static_cast<float>(room)}; }
     };
     /// The more important first; valid until the next frame.
     std::span<const Mark> marks() const { return marks_; }
-    /// The room that these texts, those of the account's lines and the marked strike's take.
+    /// The room that these texts, those of the account's lines, the marked strike's and items over the chart take.
     std::span<const PointRect> boxes() const { return boxes_; }
 
  private:

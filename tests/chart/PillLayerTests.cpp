@@ -184,6 +184,7 @@ TEST_F(PillLayerTest, LinesSayWhatTheyAre) {
     for (const Mark& mark : marks(false)) {
         EXPECT_NEAR(mark.box.right(), mark.text.starts_with("Open") ? xOf(150) : column, 1e-9) << mark.text;
         EXPECT_EQ(mark.opacity == 1, mark.text.find("Wall") != mark.text.npos) << "lines have a fifth less here";
+        EXPECT_FLOAT_EQ(mark.ground()[3], 0.8F) << "faint texts keep what hides their lines";
     }
     view.mirrorView(0, 120);
     frame();
@@ -213,12 +214,16 @@ TEST_F(PillLayerTest, NoTextLiesOnAnotherNorLeavesThePlot) {
         width = between(200, 2400);
         height = between(120, 1300);
         pixelRatio = 1 + round % 3 * 0.5;
+        const std::array covered{PointRect{6, 6, between(20, width), 18.0 * (round % 4)},
+                                 PointRect{8, height - 46, 90, 18}};
+        all.setCovered(covered);
         all.mirrorView(between(-100, 250), between(20, 400));
         all.mirrorPrice(close - between(5, 80), close + between(5, 80));
         all.record(width, height, pixelRatio, time.monotonic());
         const auto others = all.pills().boxes();
         std::vector<PointRect> boxes(others.begin(), others.end());
-        const std::size_t own = boxes.size() - all.pills().marks().size();  // the account's come first
+        const std::size_t own = boxes.size() - all.pills().marks().size();  // those that stand fast come first
+        EXPECT_TRUE(own >= 2 && boxes[own - 2] == covered[0] && boxes[own - 1] == covered[1]);
         seen += all.pills().marks().size();
         for (const auto& mark : all.barLabels().marks()) {
             boxes.push_back(mark.box);

@@ -4,6 +4,7 @@
 #include <QTest>
 #include <QWheelEvent>
 
+#include "chart/ChartView.h"
 #include "ui/UiWindow.h"
 
 namespace vmr::test {
@@ -198,12 +199,23 @@ TEST_F(ChartItemInput, TheLineOfValuesFollowsThePointer) {
     }
     EXPECT_EQ(chart->framesDrawn(), drawn) << "it costs the chart no frame";
 
-    // it is one line where there is room, more where there is less, and keeps within the plot
+    // it is one line where there is room, more where there is less, and keeps within the plot; the chart's texts make
+    // room for it and for the clock
+    const auto& texts = dynamic_cast<ChartView&>(ui.source.camera()).pills();
+    const auto isFree = [&](const QQuickItem& item) {
+        const QRectF at = item.mapRectToItem(chart, item.boundingRect());
+        return std::ranges::any_of(texts.boxes(), [&](const PointRect& box) {
+            return box.y == at.y() && box.height == at.height() && box.x <= at.x() && box.right() >= at.right() &&
+                   box.right() <= chart->width();
+        });
+    };
     const auto lines = [&](int width) {
         ui.window->resize(width, 644);
         EXPECT_TRUE(ui.settle());
         EXPECT_LE(line->x() + line->width(), chart->width() - 74);
         EXPECT_GE(line->y(), 0);
+        for (const QQuickItem* part : line->childItems().first()->childItems())
+            EXPECT_TRUE(!part->isVisible() || part->height() < 18 || isFree(*part)) << width;
         return std::lround(line->height()) / 18;
     };
     EXPECT_EQ(lines(901), 1);
@@ -215,6 +227,7 @@ TEST_F(ChartItemInput, TheLineOfValuesFollowsThePointer) {
     ui.view.clocks.set("4:59", "NY 10:00", "practice");
     ui.showBars();
     lines(720);
+    EXPECT_TRUE(isFree(*ui.item("nyClock")));
     startOver();
     const double last = ui.bars().back().close;
     chart->renderer().mirrorPrice(last - 100, last + 100);
@@ -237,6 +250,10 @@ TEST_F(ChartItemInput, TheLineOfValuesFollowsThePointer) {
     ui.view.clocks.set("", "NY 11:11", "practice");
     EXPECT_EQ(clock.width(), width);
     EXPECT_FALSE(pill.isVisible());
+    ui.source.hud = false;
+    ui.view.clocks.set("", "", "");
+    ui.showBars();
+    EXPECT_TRUE(ui.settle() && texts.boxes().empty()) << "nothing is there to make room for";
 }
 
 TEST_F(ChartItemInput, ThePositionsResultChangesWithoutAFrame) {

@@ -22,6 +22,7 @@ ChartItem::ChartItem(QQuickItem* parent) : FrameItem(parent), drawing_(std::make
         pillComes_ = true;
         joinNextFrame();
     });
+    connect(hud(), &HudState::shownChanged, this, &ChartItem::coverSoon);
     makeView();
 }
 
@@ -67,11 +68,15 @@ void ChartItem::watchView() {
     };
     view.onMoved = [this] { updateCrosshair(); };  // with the frame, not after it
     view.onPeerCrosshair = [this] { updatePeerCrosshair(); };
-    view.onStartOver = [this] { endOrderMenu(); };
+    view.onStartOver = [this] {
+        drawing_->covered.startOver();
+        endOrderMenu();
+    };
     view.onLiveRefresh = [this](bool on) { setLiveRefresh(on); };
     view.below.onNeedsFrame = [this](ChartView::Need need) {
         if (oscillator_) oscillator_->ask(need);
     };
+    coverSoon();
     watchOscillatorPointer();
     oscillatorResized();
     view.input().pointer.onReport = [this](std::optional<ChartPoint> point) { pointerMoved(point); };

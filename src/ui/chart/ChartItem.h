@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QPointer>
+#include <QRectF>
 #include <QVariantList>
 #include <memory>
 #include <optional>
@@ -33,6 +34,7 @@ class ChartItem : public FrameItem {
     Q_PROPERTY(vmr::HudState* hud READ hud CONSTANT)
     Q_PROPERTY(vmr::EntryPillState* entryPill READ entryPill CONSTANT)
     Q_PROPERTY(bool takesEscape READ takesEscape)
+    Q_PROPERTY(QRectF clockBox READ clockBox WRITE setClockBox)
     Q_PROPERTY(qreal barsWidth READ barsWidth NOTIFY widthChanged)
     Q_PROPERTY(QVariantList orderMenu READ orderMenu NOTIFY orderMenuRequested)
 
@@ -54,6 +56,12 @@ class ChartItem : public FrameItem {
     bool takesEscape();
     /// Of the widest bar of a strike, in points.
     qreal barsWidth() const { return Camera::maxBarW(width()); }
+
+    /// What New York's clock covers of the chart; empty for nothing.
+    QRectF clockBox() const { return clockBox_; }
+    void setClockBox(const QRectF& box);
+    /// The line of values has placed its parts.
+    Q_INVOKABLE void lineLaidOut(QQuickItem* line);
 
     /// The entries of the last right click: { text, separator }.
     QVariantList orderMenu() const;
@@ -126,6 +134,8 @@ class ChartItem : public FrameItem {
     void updatePeerCrosshair();
     void updateHud();
     void updateEntryPill();
+    void coverSoon();
+    void coverTexts();
     void refresh(CrosshairState& crosshair);
     void endOrderMenu();
     void endInput();
@@ -137,8 +147,9 @@ class ChartItem : public FrameItem {
     QPointer<PaneViewModel> pane_;
     std::optional<ChartPoint> pointerComes_;  ///< where the crosshair goes with the next frame
     bool pillComes_ = false;                  ///< the result is read with the next frame
-    ChartPoint lastPress_;                    ///< where a drag has come to
-    std::vector<OrderMenuItem> orderMenu_;    ///< empty once its chart is gone
+    QRectF clockBox_;
+    ChartPoint lastPress_;                  ///< where a drag has come to
+    std::vector<OrderMenuItem> orderMenu_;  ///< empty once its chart is gone
 };
 
 }  // namespace vmr

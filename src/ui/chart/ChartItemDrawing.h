@@ -9,6 +9,7 @@
 #include "chart/PerfDrive.h"
 #include "market/SessionTime.h"
 #include "ui/chart/ChartItem.h"
+#include "ui/chart/CoveredBoxes.h"
 #include "ui/chart/CrosshairState.h"
 #include "ui/platform/QtLoop.h"
 
@@ -31,6 +32,7 @@ struct ChartItem::Drawing {
     QtLoop loop;
     CrosshairState crosshair, peerCrosshair;
     HudState hud;
+    CoveredBoxes covered;
     EntryPillState pill;
     QTimer pillTimer;                           // while a result is shown
     std::optional<ChartPoint> oscPointerComes;  // where it goes over the oscillator with the next frame

@@ -48,6 +48,20 @@ void ChartItem::updateHud() {
                          drawing_->view->axes().labels().countdown);
 }
 
+void ChartItem::setClockBox(const QRectF& box) {
+    clockBox_ = box;
+    if (drawing_->covered.setClock(box)) coverSoon();
+}
+
+void ChartItem::lineLaidOut(QQuickItem* line) {
+    if (line && drawing_->covered.setLine(*line, *this)) coverSoon();
+}
+
+// Not at once: the line may change while a frame is recorded, which could not ask for the next one.
+void ChartItem::coverSoon() { QMetaObject::invokeMethod(this, &ChartItem::coverTexts, Qt::QueuedConnection); }
+
+void ChartItem::coverTexts() { drawing_->view->setCovered(drawing_->covered.boxes(drawing_->hud.shown())); }
+
 EntryPillState* ChartItem::entryPill() { return &drawing_->pill; }
 
 // The timer rests where nobody sees the result; the frame that comes with the window's next exposure starts it again.

@@ -8,6 +8,8 @@ Item {
     required property ClockViewModel clocks
     required property HudState hud
     property real timeAxis: 0
+    readonly property rect clockBox: corner.visible ? Qt.rect(corner.x, corner.y, corner.width, corner.height)
+                                                    : Qt.rect(0, 0, 0, 0)
 
     Rectangle {
         objectName: "countdown"
@@ -34,6 +36,7 @@ Item {
         }
     }
     Rectangle {
+        id: corner
         objectName: "nyClock"
         visible: clock.text !== ""
         x: 8

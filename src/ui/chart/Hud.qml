@@ -9,7 +9,9 @@ Item {
     required property HudState hud
     property real room: 0  // for a line, in points
     property bool wraps: false
+    signal laidOut(Item line)
 
+    onVisibleChanged: if (visible) line.forceLayout()
     visible: hud.shown
     width: line.width
     height: visible ? line.height : 0
@@ -45,6 +47,7 @@ Item {
     Flow {
         id: line
         width: view.room
+        onPositioningComplete: view.laidOut(line)
         Repeater {
             model: view.hud.ofBar
             Segment {}

@@ -48,6 +48,7 @@ FocusScope {
         focus: true
         onBareWindow: true
         pane: paneView.pane
+        clockBox: clocks.clockBox
         onOrderMenuRequested: (x, y) => {
             orderMenu.rows = chart.orderMenu;
             orderMenu.openAt(x, y);
@@ -88,12 +89,14 @@ FocusScope {
             readonly property real uncovered: paneView.uncoveredWidth - 2 * x
             room: Math.min(Math.max(plot - chart.barsWidth - 36, Math.min(plot, 220), 0), uncovered)
             wraps: chart.width < 900
+            onLaidOut: line => chart.lineLaidOut(line)
         }
         EntryPill {
             objectName: "entryPill"
             pill: chart.entryPill
         }
         Clocks {
+            id: clocks
             anchors.fill: parent
             visible: !paneView.pane.chart.empty
             clocks: paneView.pane.clocks
