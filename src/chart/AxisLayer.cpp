@@ -75,6 +75,7 @@ bool AxisLayer::drawAbove(ScreenFrame& frame) {
         addGround(frame, box);
         addPriceLabels(frame, box, countdown);
         if (countdown.shown) labels_.countdown = {countdown.top, countdown.bottom};
+        for (const PointRect& tag : tags_) labels_.tags.push_back({std::floor(tag.y), std::ceil(tag.bottom())});
         addTimeLabels(frame);
         if (box.shown) {
             labels_.lastPrice = {std::floor(box.top), std::ceil(box.bottom)};

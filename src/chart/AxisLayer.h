@@ -49,13 +49,15 @@ class AxisLayer final : public ScreenLayer {
     struct Labels {
         std::vector<Extent> prices, times;
         std::vector<Named> priceTexts, timeTexts;
-        Extent lastPrice;  ///< its box, in whole pixels; empty where it is not shown
-        Extent countdown;  ///< room for it, likewise
+        Extent lastPrice;          ///< its box, in whole pixels; empty where it is not shown
+        Extent countdown;          ///< room for it, likewise
+        std::vector<Extent> tags;  ///< of the account's lines and the marked strike, likewise; each may meet others
         void clear() {
             prices.clear();
             times.clear();
             priceTexts.clear();
             timeTexts.clear();
+            tags.clear();
             lastPrice = countdown = {};
         }
     };

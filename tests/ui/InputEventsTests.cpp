@@ -120,16 +120,24 @@ TEST_F(ChartItemInput, TheCrosshairTellsWhatLiesUnderThePointer) {
     };
     int prices = 0, times = 0, aside = 0;
     const CrosshairState& cross = *chart->crosshair();
-    const double lastPrice = (cross.lastPriceFrom() + cross.lastPriceTo()) / 2;
-    for (int i = 0; i < 18; ++i) {
-        hover(200 + 8 * i, i < 9 ? 300 + 6 * i : lastPrice - 24 + 6 * (i - 9));
-        const QQuickItem& tag = *ui.item("crosshairPrice");
-        EXPECT_TRUE(tag.y() >= cross.lastPriceTo() || tag.y() + tag.height() <= cross.lastPriceFrom());
-        aside += std::abs(tag.y() + tag.height() / 2 - cross.y()) > 1 ? 1 : 0;
-        prices += hides("crosshairPrice", "y", "height", chart->crosshair()->priceLabels());
-        times += hides("crosshairTime", "x", "width", chart->crosshair()->timeLabels());
+    for (const bool trades : {false, true}) {  // the last price alone, then the tags of the account's lines beside it
+        const QList<qreal> before = cross.priceBoxes();
+        ui.source.simRoot = trades ? "NQ" : "";
+        ui.showBars();
+        ASSERT_TRUE(runUntil([&] { return (cross.priceBoxes() != before) == trades; })) << "with the pointer at rest";
+        const double first = cross.priceBoxes().front(), last = cross.priceBoxes().back();
+        for (int i = 0; i < 30; ++i) {
+            hover(200 + 8 * i, i < 9 ? 300 + 6 * i : first - 24 + (last - first + 48) * (i - 9) / 20);
+            const QQuickItem& tag = *ui.item("crosshairPrice");
+            const QList<qreal>& taken = cross.priceBoxes();
+            for (qsizetype k = 0; k < taken.size(); k += 2)
+                EXPECT_TRUE(tag.y() >= taken[k + 1] || tag.y() + tag.height() <= taken[k]) << i << " at " << k;
+            aside += std::abs(tag.y() + tag.height() / 2 - cross.y()) > 1 ? 1 : 0;
+            prices += hides("crosshairPrice", "y", "height", cross.priceLabels());
+            times += hides("crosshairTime", "x", "width", cross.timeLabels());
+        }
+        EXPECT_TRUE(prices > 0 && times > 0 && aside > 2 && aside < 50) << aside;
     }
-    EXPECT_TRUE(prices > 0 && times > 0 && aside > 2 && aside < 9) << aside;
 
     hover(chart->width() - 10, 300);
     EXPECT_FALSE(shows("crosshairPrice")) << "over the price axis";

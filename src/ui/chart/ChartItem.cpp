@@ -139,6 +139,8 @@ void ChartItem::geometryChange(const QRectF& now, const QRectF& before) {
 bool ChartItem::record(Gpu&, QSizeF size, double pixelRatio, double now) {
     const bool moves = drawing_->view->record(size.width(), size.height(), pixelRatio, now, isCalmFrame());
     updateHud();  // with the frame, as the crosshair
+    for (CrosshairState* one : {&drawing_->crosshair, &drawing_->peerCrosshair})
+        one->updateBoxes(drawing_->view->axes().labels());
     updateEntryPill();
     return moves;
 }

@@ -29,16 +29,33 @@ Item {
         }
         return Qt.point(Math.floor(begin), Math.ceil(end));
     }
-    // Where a tag of this height lies on the price axis: at the pointer, but beside the last price's box, on the side
-    // that the pointer is on while there is room.
-    function besideLastPrice(tagHeight) {
-        const most = height - timeAxis - tagHeight;
+    // Where a tag of this height lies on the price axis: at the pointer, but beside the boxes that it must not cover, at
+    // the nearest place with room for it.
+    function besideBoxes(tagHeight) {
+        const boxes = cross.priceBoxes, most = height - timeAxis - tagHeight;
         const y = Math.max(0, Math.min(Math.round(cross.y - tagHeight / 2), most));
-        const from = cross.lastPriceFrom, to = cross.lastPriceTo;
-        if (from >= to || y >= to || y + tagHeight <= from)
-            return y;
-        const above = from - tagHeight;
-        return above >= 0 && (cross.y < (from + to) / 2 || to > most) ? above : to;
+        let above = y, below = y;
+        for (let i = boxes.length - 2; i >= 0; i -= 2)
+            if (boxes[i] < above + tagHeight && boxes[i + 1] > above)
+                above = boxes[i] - tagHeight;
+        for (let i = 0; i < boxes.length; i += 2)
+            if (boxes[i] < below + tagHeight && boxes[i + 1] > below)
+                below = boxes[i + 1];
+        if (below > most)
+            return above >= 0 ? above : y;
+        return above >= 0 && cross.y - above - tagHeight / 2 < below + tagHeight / 2 - cross.y ? above : below;
+    }
+    // What of that a ground may hide: not over the boxes, which a label may reach into while it fades.
+    function betweenBoxes(reach, tag) {
+        const boxes = cross.priceBoxes;
+        let begin = reach.x, end = reach.y;
+        for (let i = 0; i < boxes.length; i += 2) {
+            if (boxes[i + 1] <= tag.y)
+                begin = Math.max(begin, boxes[i + 1]);
+            else if (boxes[i] >= tag.y + tag.height)
+                end = Math.min(end, boxes[i]);
+        }
+        return Qt.point(begin, end);
     }
 
     component Ground: Rectangle {
@@ -75,11 +92,7 @@ Item {
         color: view.lineColor
     }
     Ground {
-        // not over the last price, which a label beside it may reach into while it fades
-        readonly property point reach: view.hidden(priceTag.y, priceTag.y + priceTag.height, view.cross.priceLabels)
-        readonly property point span: priceTag.y + priceTag.height <= view.cross.lastPriceFrom
-                                      ? Qt.point(reach.x, Math.min(reach.y, view.cross.lastPriceFrom))
-                                      : Qt.point(priceTag.y >= view.cross.lastPriceTo ? Math.max(reach.x, view.cross.lastPriceTo) : reach.x, reach.y)
+        readonly property point span: view.betweenBoxes(view.hidden(priceTag.y, priceTag.y + priceTag.height, view.cross.priceLabels), priceTag)
         objectName: view.name + "PriceGround"
         visible: view.showsPrice
         x: view.width - view.priceAxis + 1
@@ -92,7 +105,7 @@ Item {
         objectName: view.name + "Price"
         visible: view.showsPrice
         x: view.width - width - 1
-        y: view.besideLastPrice(height)
+        y: view.besideBoxes(height)
         text: view.cross.priceText
     }
     Ground {

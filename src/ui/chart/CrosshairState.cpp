@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "chart/AxisScale.h"
 
@@ -50,13 +51,28 @@ void CrosshairState::update(const Viewport& viewport, std::span<const Candle> ca
     }
     copyTo(priceLabels_, labels.prices);
     copyTo(timeLabels_, labels.times);
-    lastPrice_ = labels.lastPrice;
-    if (const auto& other = labels.countdown; other.from < other.to) {
-        const bool alone = lastPrice_.from >= lastPrice_.to;
-        lastPrice_ =
-            alone ? other : AxisLayer::Extent{std::min(lastPrice_.from, other.from), std::max(lastPrice_.to, other.to)};
-    }
+    takeBoxes(labels);
     emit changed();
+}
+
+// True where they are others than before.
+bool CrosshairState::takeBoxes(const AxisLayer::Labels& labels) {
+    boxes_.assign(labels.tags.begin(), labels.tags.end());
+    for (const AxisLayer::Extent& box : {labels.lastPrice, labels.countdown})
+        if (box.from < box.to) boxes_.push_back(box);
+    std::ranges::sort(boxes_, {}, &AxisLayer::Extent::from);
+    const QList<qreal> before = std::exchange(priceBoxes_, {});
+    for (const auto& [from, to] : boxes_) {
+        if (priceBoxes_.isEmpty() || from > priceBoxes_.back())
+            priceBoxes_ << from << to;
+        else
+            priceBoxes_.back() = std::max(priceBoxes_.back(), to);
+    }
+    return priceBoxes_ != before;
+}
+
+void CrosshairState::updateBoxes(const AxisLayer::Labels& labels) {
+    if (shown_ && takeBoxes(labels)) emit changed();
 }
 
 }  // namespace vmr

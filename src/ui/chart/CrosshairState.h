@@ -7,6 +7,7 @@
 #include <QString>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "chart/AxisLayer.h"
 #include "chart/ChartInput.h"
@@ -34,8 +35,7 @@ class CrosshairState : public QObject {
     Q_PROPERTY(QString timeText READ timeText NOTIFY changed)
     Q_PROPERTY(QList<qreal> priceLabels READ priceLabels NOTIFY changed)
     Q_PROPERTY(QList<qreal> timeLabels READ timeLabels NOTIFY changed)
-    Q_PROPERTY(qreal lastPriceFrom READ lastPriceFrom NOTIFY changed)
-    Q_PROPERTY(qreal lastPriceTo READ lastPriceTo NOTIFY changed)
+    Q_PROPERTY(QList<qreal> priceBoxes READ priceBoxes NOTIFY changed)
     Q_PROPERTY(qreal priceAxisWidth READ priceAxisWidth CONSTANT)
     Q_PROPERTY(qreal timeAxisHeight READ timeAxisHeight CONSTANT)
 
@@ -52,6 +52,8 @@ class CrosshairState : public QObject {
     /// Works out the tags anew: after the pointer, the camera or the bars have moved. `width` and `height` in points.
     void update(const Viewport& viewport, std::span<const Candle> candles, double width, double height,
                 SessionTime& session, const AxisLayer::Labels& labels);
+    /// The boxes alone: after a frame that moved nothing else. Tells only of others.
+    void updateBoxes(const AxisLayer::Labels& labels);
 
     bool shown() const { return shown_; }
     qreal x() const { return crossX().value_or(0); }
@@ -63,12 +65,12 @@ class CrosshairState : public QObject {
     const QList<qreal>& oscillatorLabels() const { return oscillatorLabels_; }  ///< as `priceLabels`
     QString priceText() const { return priceText_; }
     QString timeText() const { return timeText_; }  ///< of the bar under the pointer; empty beyond the bars
-    // Of the axes' labels where each begins and ends, one after the other: the tags cover whole ones only. The last
-    // price's box, with the countdown at it, is covered by none, and its ends are alike where it is not shown.
+    // Of the axes' labels where each begins and ends, one after the other: the tags cover whole ones only.
     const QList<qreal>& priceLabels() const { return priceLabels_; }
     const QList<qreal>& timeLabels() const { return timeLabels_; }
-    qreal lastPriceFrom() const { return lastPrice_.from; }
-    qreal lastPriceTo() const { return lastPrice_.to; }
+    /// Likewise of what no tag covers, from top to bottom and apart: the last price's box, the countdown, the tags of
+    /// the account's lines and of the marked strike.
+    const QList<qreal>& priceBoxes() const { return priceBoxes_; }
     qreal priceAxisWidth() const { return PlotArea::priceAxisWidth; }
     qreal timeAxisHeight() const { return PlotArea::timeAxisHeight; }
 
@@ -76,6 +78,7 @@ class CrosshairState : public QObject {
     void changed();
 
  private:
+    bool takeBoxes(const AxisLayer::Labels& labels);
     std::optional<double> crossX() const {
         const auto& point = mousePoint_ ? mousePoint_ : oscHoverPoint_;
         return point ? std::optional(point->x) : std::nullopt;
@@ -86,8 +89,8 @@ class CrosshairState : public QObject {
     QList<qreal> oscillatorLabels_;
     bool shown_ = false;
     QString priceText_, timeText_;
-    QList<qreal> priceLabels_, timeLabels_;
-    AxisLayer::Extent lastPrice_;
+    QList<qreal> priceLabels_, timeLabels_, priceBoxes_;
+    std::vector<AxisLayer::Extent> boxes_;
 };
 
 }  // namespace vmr
