@@ -101,7 +101,8 @@ void AxisLayer::findPriceTicks(const ScreenFrame& frame) {
     for (const double value : priceTicks_.span()) {
         const double cents = value * 100.0;
         const double off = std::abs(cents - std::round(cents));
-        const bool exact = off < 0.01 && off < priceTicks_.step;  // else two labels could read the same
+        // else two labels could read the same; at the closest zoom a hundredth of a step is less than that of a cent
+        const bool exact = off < 0.01 && off < priceTicks_.step;
         if (exact) priceTicks_.values[count++] = value;
     }
     priceTicks_.count = count;

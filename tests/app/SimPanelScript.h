@@ -23,16 +23,16 @@ class SimPanelScript {
     SimEngine& sim() { return run.program->sim(); }
     /// The only one that is open; null without one.
     QQuickItem* panel() const {
-        const QQuickItem* title = find("panelTitle", window()->contentItem());
+        const QQuickItem* title = shownItem("panelTitle", window()->contentItem());
         return title ? title->parentItem() : nullptr;
     }
     /// What it shows comes from there.
     SimViewModel& view() const { return *panel()->property("sim").value<SimViewModel*>(); }
     /// Null where none is shown.
-    QQuickItem* item(const std::string& name) const { return find(QString::fromStdString(name), panel()); }
+    QQuickItem* item(const std::string& name) const { return shownItem(QString::fromStdString(name), panel()); }
     QQuickItem* item(const std::string& name, const std::string& in) const {
         const QQuickItem* outer = item(in);
-        return outer ? find(QString::fromStdString(name), outer) : nullptr;
+        return outer ? shownItem(QString::fromStdString(name), outer) : nullptr;
     }
 
     void click(const QQuickItem* at, double share = 0.5) {
@@ -77,17 +77,6 @@ class SimPanelScript {
 
     WindowRun& run;
     RealHands hands;
-
- private:
-    // items of a list have no other parent
-    static QQuickItem* find(const QString& name, const QQuickItem* in) {
-        for (QQuickItem* child : in->childItems()) {
-            if (!child->isVisible()) continue;
-            if (child->objectName() == name) return child;
-            if (QQuickItem* deeper = find(name, child)) return deeper;
-        }
-        return nullptr;
-    }
 };
 
 }  // namespace vmr::test

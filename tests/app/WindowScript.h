@@ -3,6 +3,7 @@
 
 #include <stdlib.h>
 
+#include <QQuickItem>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -13,6 +14,16 @@
 #include "app/WindowShell.h"
 
 namespace vmr::test {
+
+/// The item of that name that is shown in another; null for none. Through items: those of a list have no other parent.
+inline QQuickItem* shownItem(const QString& name, const QQuickItem* in) {
+    for (QQuickItem* child : in->childItems()) {
+        if (!child->isVisible()) continue;
+        if (child->objectName() == name) return child;
+        if (QQuickItem* deeper = shownItem(name, child)) return deeper;
+    }
+    return nullptr;
+}
 
 /// The client with a practice market of its own, whose clock starts at `clock`. One for each process.
 class WindowRun {

@@ -35,7 +35,7 @@ class SettingsScript {
     QQuickWindow* window() const { return qobject_cast<QQuickWindow*>(QGuiApplication::topLevelWindows().value(0)); }
     /// The item of that name that is shown, below `in` where that is given.
     QQuickItem* item(const std::string& name, const QQuickItem* in = nullptr) const {
-        QQuickItem* found = find(QString::fromStdString(name), in ? in : window()->contentItem());
+        QQuickItem* found = test::shownItem(QString::fromStdString(name), in ? in : window()->contentItem());
         EXPECT_TRUE(found) << name;
         return found;
     }
@@ -115,15 +115,6 @@ class SettingsScript {
     }
 
  private:
-    static QQuickItem* find(const QString& name, const QQuickItem* in) {
-        for (QQuickItem* child : in->childItems()) {
-            if (!child->isVisible()) continue;
-            if (child->objectName() == name) return child;
-            if (QQuickItem* deeper = find(name, child)) return deeper;
-        }
-        return nullptr;
-    }
-
     test::WindowRun& run_;
 };
 
