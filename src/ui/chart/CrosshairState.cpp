@@ -55,20 +55,28 @@ void CrosshairState::update(const Viewport& viewport, std::span<const Candle> ca
     emit changed();
 }
 
-// True where they are others than before.
+// True where they are others than before. With each frame, so that its lists are used again.
 bool CrosshairState::takeBoxes(const AxisLayer::Labels& labels) {
     boxes_.assign(labels.tags.begin(), labels.tags.end());
     for (const AxisLayer::Extent& box : {labels.lastPrice, labels.countdown})
         if (box.from < box.to) boxes_.push_back(box);
     std::ranges::sort(boxes_, {}, &AxisLayer::Extent::from);
-    const QList<qreal> before = std::exchange(priceBoxes_, {});
-    for (const auto& [from, to] : boxes_) {
-        if (priceBoxes_.isEmpty() || from > priceBoxes_.back())
-            priceBoxes_ << from << to;
+    std::size_t count = 0;
+    for (const AxisLayer::Extent box : boxes_) {
+        if (count > 0 && box.from <= boxes_[count - 1].to)
+            boxes_[count - 1].to = std::max(boxes_[count - 1].to, box.to);
         else
-            priceBoxes_.back() = std::max(priceBoxes_.back(), to);
+            boxes_[count++] = box;
     }
-    return priceBoxes_ != before;
+    boxes_.resize(count);
+    const auto asBefore = [&](std::size_t i) {
+        const auto at = static_cast<qsizetype>(2 * i);
+        return priceBoxes_.at(at) == boxes_[i].from && priceBoxes_.at(at + 1) == boxes_[i].to;
+    };
+    bool same = priceBoxes_.size() == static_cast<qsizetype>(2 * count);
+    for (std::size_t i = 0; same && i < count; ++i) same = asBefore(i);
+    if (!same) copyTo(priceBoxes_, boxes_);
+    return !same;
 }
 
 void CrosshairState::updateBoxes(const AxisLayer::Labels& labels) {
